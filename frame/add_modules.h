@@ -1,0 +1,12 @@
+// The library's exported entry. PQMODULE_API comes from the build.
+#pragma once
+
+#include <boost/shared_ptr.hpp>
+#include <vector>
+
+#include "frame/halyard/repository.h"
+
+/// Appends one object of each module class to `modules`, behind what the host already holds.
+/// Returns 0.
+extern "C" PQMODULE_API int AddModules(
+    std::vector<boost::shared_ptr<halyard::repository::RModule>>& modules);

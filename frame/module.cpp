@@ -1,0 +1,9 @@
+#include "frame/module.h"
+
+namespace pq {
+
+void CollectionModule::FormatRowTable(RInstancesWrapper& table) {
+  table.SetRowHeaders({}, {}, false);
+}
+
+}  // namespace pq

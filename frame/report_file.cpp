@@ -1,0 +1,20 @@
+#include "frame/report_file.h"
+
+#include "frame/tool_runner.h"
+
+namespace pq {
+
+bool RunLogged(const ModuleLog& log, const std::string& commandLine, const StartRule& rule) {
+  const ToolRun run = RunAndWait(commandLine, rule.inheritHandles);
+  if (!run.started) log(rule.failureLevel, rule.failure, run.startError, ")");
+  return run.started;
+}
+
+std::unique_ptr<TextFile> OpenReport(const ModuleLog& log, const std::string& path,
+                                     const char* failure) {
+  std::unique_ptr<TextFile> file = Machine().OpenText(DoubleBackslashes(path));
+  if (!file) log(kDetail, failure);
+  return file;
+}
+
+}  // namespace pq

@@ -1,0 +1,31 @@
+// A tool's report in a file of the log folder: run the tool with its output redirected there, then
+// read the file back.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "frame/module.h"
+#include "frame/platform.h"
+
+namespace pq {
+
+/// Text before the system error of a start that failed, unless a step has its own.
+inline constexpr char kStartFailure[] = "CreateProcess failed (";
+
+/// How a step starts its tool and reports a failed start: `failure` + system error + ")".
+struct StartRule {
+  bool inheritHandles = false;
+  unsigned failureLevel = kDetail;
+  const char* failure = kStartFailure;
+};
+
+/// Runs the tool and waits for its end. A failed start is logged; false then.
+bool RunLogged(const ModuleLog& log, const std::string& commandLine, const StartRule& rule = {});
+
+/// Opens `path`, its backslashes doubled. A failure is logged at level 4 as `failure`; null then.
+std::unique_ptr<TextFile> OpenReport(const ModuleLog& log, const std::string& path,
+                                     const char* failure);
+
+}  // namespace pq

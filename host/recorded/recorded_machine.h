@@ -1,0 +1,56 @@
+// A recording stands for the machine: tools answer from it, the interpreter's own commands work on
+// its files.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+
+#include "frame/platform.h"
+#include "host/recorded/machine_observer.h"
+#include "host/recorded/recording.h"
+
+namespace host {
+
+class RecordedMachine final : public pq::Platform {
+ public:
+  /// Keeps a copy of `recording` and refers to `observer` (may be null) as long as it lives.
+  explicit RecordedMachine(Recording recording, MachineObserver* observer = nullptr);
+  ~RecordedMachine() override;
+
+  std::string HostExecutable() override;
+  std::uint32_t SystemLanguage() override;
+  bool PathExists(const std::string& path) override;
+  pq::Acquired<pq::Pipe> CreatePipe(const std::string& commandLine) override;
+  pq::Acquired<pq::Process> StartInterpreter(const std::string& commandLine, bool inheritHandles,
+                                             pq::Pipe* output) override;
+  void RunSystem(const std::string& command) override;
+  std::unique_ptr<pq::TextFile> OpenText(const std::string& path) override;
+  void WriteConsole(std::string_view text) override;
+  pq::ConsoleLine ReadConsoleLine(char* buffer, std::size_t size) override;
+  [[noreturn]] void FailRangeCheck() override;
+
+  /// The files that lie on the machine now, by their path as it was first written.
+  std::map<std::string, std::string> Files() const;
+  /// Processes, pipes and files that are open at this moment.
+  int OpenHandles() const;
+
+ private:
+  struct State;
+  std::unique_ptr<State> state;
+};
+
+/// Makes `machine` the one that the modules see, until destroyed.
+class MachineInUse {
+ public:
+  explicit MachineInUse(pq::Platform& machine);
+  MachineInUse(const MachineInUse&) = delete;
+  MachineInUse& operator=(const MachineInUse&) = delete;
+  ~MachineInUse();
+
+ private:
+  pq::Platform* before;
+};
+
+}  // namespace host

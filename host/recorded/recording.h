@@ -1,0 +1,40 @@
+// What a recording says about a machine: what its tools print and which files lie on it. Plain
+// data; the file format is host/pqhost/recording_file.h's.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace host {
+
+/// One answer of a tool. Texts are bytes as they are on the machine.
+struct RecordedCommand {
+  std::string tool;       ///< file name of the program; compared without case and without ".exe"
+  std::string arguments;  ///< all behind the program up to a pipe or a redirection, ends trimmed
+  std::string standardOutput;
+  std::string standardError;
+  std::uint32_t exitCode = 0;
+  std::uint32_t startError = 0;     ///< not 0: the interpreter cannot be started for it
+  std::uint32_t pipeError = 0;      ///< not 0: the pipe for it cannot be created
+  std::uint32_t exitCodeError = 0;  ///< not 0: its exit code cannot be read
+};
+
+struct Recording {
+  std::string description;
+  std::uint32_t languageId = 1033;
+  std::uint32_t codePage = 1252;
+  std::string hostExecutable = "C:\\Halyard\\halyard.exe";
+  std::string logFolder = "C:\\Halyard\\logs\\";
+  std::string workingFolder = "C:\\Halyard\\work\\";
+  std::string console;  ///< what the operator types
+  /// Several entries for one command answer in turn; the last one answers from then on.
+  std::vector<RecordedCommand> commands;
+  /// Windows path to stored bytes.
+  std::map<std::string, std::string> files;
+  std::vector<std::string> readOnly;
+};
+
+}  // namespace host

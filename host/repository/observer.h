@@ -1,0 +1,41 @@
+// How a host sees every call that modules make on the repository library.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "frame/halyard/repository.h"
+
+namespace host {
+
+/// Called on the collecting thread, in the order of the calls. `id` counts the instances from 1, in
+/// order of construction, since the observer was set. Texts are bytes in the machine's code page.
+class RepositoryObserver {
+ public:
+  virtual ~RepositoryObserver() = default;
+  virtual void OnInstance(std::uint64_t /*id*/, const std::string& /*className*/,
+                          const std::string& /*key*/, int /*number*/) {}
+  virtual void OnProperty(std::uint64_t /*id*/, const std::string& /*key*/,
+                          const std::string& /*label*/, const std::string& /*value*/,
+                          bool /*flag*/) {}
+  virtual void OnProperty(std::uint64_t /*id*/, const std::string& /*key*/,
+                          const std::string& /*label*/, int /*value*/, bool /*flag*/) {}
+  virtual void OnAttribute(std::uint64_t /*id*/, const std::string& /*propertyKey*/,
+                           const std::string& /*name*/, const std::string& /*value*/) {}
+  /// The instance was handed to the repository as it stands.
+  virtual void OnAdd(std::uint64_t /*id*/) {}
+  /// The module destroyed its copy.
+  virtual void OnRelease(std::uint64_t /*id*/) {}
+  virtual void OnRowHeaders(const halyard::repository::RInstancesWrapper& /*table*/,
+                            const std::vector<std::string>& /*names*/,
+                            const std::vector<unsigned>& /*widths*/, bool /*flag*/) {}
+  virtual void OnColumnHeaders(const halyard::repository::RInstancesWrapper& /*table*/,
+                               const std::vector<std::string>& /*headers*/, unsigned /*first*/,
+                               unsigned /*second*/) {}
+};
+
+/// Has `observer` see all calls from now on; null ends that. The caller keeps ownership.
+REPOSITORY_API void SetRepositoryObserver(RepositoryObserver* observer);
+
+}  // namespace host

@@ -1,0 +1,147 @@
+#include "frame/halyard/repository.h"
+
+#include <algorithm>
+#include <set>
+#include <string>
+
+#include "host/repository/observer.h"
+#include "host/repository/store.h"
+
+namespace host {
+namespace {
+
+struct Observation {
+  RepositoryObserver* observer = nullptr;
+  std::uint64_t lastId = 0;
+};
+
+Observation& TheObservation() {
+  static Observation observation;
+  return observation;
+}
+
+/// Tells the observer, if there is one.
+template <typename... Parameters, typename... Arguments>
+void Tell(void (RepositoryObserver::*event)(Parameters...), Arguments&&... arguments) {
+  RepositoryObserver* observer = TheObservation().observer;
+  if (observer != nullptr) (observer->*event)(std::forward<Arguments>(arguments)...);
+}
+
+}  // namespace
+
+void SetRepositoryObserver(RepositoryObserver* observer) { TheObservation() = {observer, 0}; }
+
+}  // namespace host
+
+namespace halyard::repository {
+
+RModule::RModule() = default;
+RModule::~RModule() = default;
+void RModule::DelDisuseResources() {}
+
+struct InstanceState {
+  std::uint64_t id;
+  host::RowShape shape;
+  std::vector<std::string> values;
+
+  /// Sets the value of `column`, in its old place when the key is there already.
+  void Set(host::Column column, std::string value) {
+    const auto known = std::find_if(shape.columns.begin(), shape.columns.end(),
+                                    [&](const host::Column& c) { return c.key == column.key; });
+    const auto at = static_cast<std::size_t>(known - shape.columns.begin());
+    if (known == shape.columns.end()) {
+      shape.columns.push_back(std::move(column));
+      values.push_back(std::move(value));
+    } else {
+      *known = std::move(column);
+      values[at] = std::move(value);
+    }
+  }
+};
+
+struct RepositoryState {
+  std::map<std::string, host::Table> tables;
+  std::set<host::RowShape> shapes;
+
+  static const RepositoryState& Of(const RRepository& repository) { return *repository.state; }
+
+  void Add(const InstanceState& instance) {
+    const auto [shape, isNew] = shapes.insert(instance.shape);
+    host::Table& table = tables[shape->className];
+    if (isNew) AddColumns(table, *shape);
+    table.rows.push_back({&*shape, instance.values});
+  }
+
+  static void AddColumns(host::Table& table, const host::RowShape& shape) {
+    std::set<std::string> known;
+    for (const host::Column& column : table.columns) known.insert(column.key);
+    for (const host::Column& column : shape.columns) {
+      if (known.insert(column.key).second) table.columns.push_back(column);
+    }
+  }
+};
+
+RInstance::RInstance(const std::string& className, const std::string& key, int number)
+    : state(new InstanceState{
+          ++host::TheObservation().lastId, {className, key, number, {}, {}}, {}}) {
+  host::Tell(&host::RepositoryObserver::OnInstance, state->id, className, key, number);
+}
+
+RInstance::~RInstance() { host::Tell(&host::RepositoryObserver::OnRelease, state->id); }
+
+void RInstance::AddProperty(const std::string& key, const std::string& label,
+                            const std::string& value, bool flag) {
+  state->Set({key, label, /*isInteger=*/false, flag}, value);
+  host::Tell<std::uint64_t, const std::string&, const std::string&, const std::string&, bool>(
+      &host::RepositoryObserver::OnProperty, state->id, key, label, value, flag);
+}
+
+void RInstance::AddProperty(const std::string& key, const std::string& label, int value,
+                            bool flag) {
+  state->Set({key, label, /*isInteger=*/true, flag}, std::to_string(value));
+  host::Tell<std::uint64_t, const std::string&, const std::string&, int, bool>(
+      &host::RepositoryObserver::OnProperty, state->id, key, label, value, flag);
+}
+
+void RInstance::AddPropertyAttr(const std::string& propertyKey, const std::string& name,
+                                const std::string& value) {
+  state->shape.attributes.push_back({propertyKey, name, value});
+  host::Tell(&host::RepositoryObserver::OnAttribute, state->id, propertyKey, name, value);
+}
+
+void RInstance::AddToRepository(RRepository& repository) const {
+  repository.state->Add(*state);
+  host::Tell(&host::RepositoryObserver::OnAdd, state->id);
+}
+
+RRepository::RRepository(ConnectMode /*mode*/) : state(std::make_unique<RepositoryState>()) {}
+RRepository::~RRepository() = default;
+
+void RInstancesWrapper::SetColumnHeaders(const std::vector<std::string>& names, unsigned first,
+                                         unsigned second) {
+  headers = names;
+  byRow = false;
+  columnCount = static_cast<std::uint32_t>(names.size());
+  numbers = {first, second};
+  host::Tell(&host::RepositoryObserver::OnColumnHeaders, *this, names, first, second);
+}
+
+void RInstancesWrapper::SetRowHeaders(const std::vector<std::string>& names,
+                                      const std::vector<unsigned>& widths, bool flag) {
+  headers = names;
+  byRow = true;
+  rowFlag = flag;
+  columnCount = static_cast<std::uint32_t>(widths.size());
+  numbers.assign(widths.begin(), widths.end());
+  host::Tell(&host::RepositoryObserver::OnRowHeaders, *this, names, widths, flag);
+}
+
+}  // namespace halyard::repository
+
+namespace host {
+
+const std::map<std::string, Table>& TablesOf(const halyard::repository::RRepository& repository) {
+  return halyard::repository::RepositoryState::Of(repository).tables;
+}
+
+}  // namespace host
