@@ -1,0 +1,35 @@
+// Splitting a tool's output into tokens, and dealing tokens into the columns of a table in turn.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace pq {
+
+/// The pieces of `text` between runs of `delimiters`, as strtok finds them: none of them is empty.
+/// They point into `text`, which ends at its first NUL.
+std::vector<std::string_view> SplitTokens(std::string_view text, std::string_view delimiters);
+
+/// Tokens dealt like cards: the first to column 0, the next to column 1, and so on in turn.
+class DealtColumns {
+ public:
+  /// `columnCount` is at least 1.
+  DealtColumns(std::vector<std::string_view> tokens, std::size_t columnCount)
+      : tokens(std::move(tokens)), columnCount(columnCount) {}
+
+  /// How many tokens column 0 has; later columns may be one short in the last row.
+  std::size_t RowCount() const { return (tokens.size() + columnCount - 1) / columnCount; }
+  /// The token at a place; empty where the column is too short.
+  std::string_view At(std::size_t row, std::size_t column) const {
+    const std::size_t index = row * columnCount + column;
+    return index < tokens.size() ? tokens[index] : std::string_view();
+  }
+
+ private:
+  std::vector<std::string_view> tokens;
+  std::size_t columnCount;
+};
+
+}  // namespace pq
