@@ -1,0 +1,57 @@
+#!/usr/bin/env bash
+# Builds and tests everything: native, sanitizers, Windows under Wine, fuzz corpora, formatting, lint.
+# Ends with one line that counts over all of them.
+set -uo pipefail
+cd "$(dirname "$0")"
+
+scripts/install.sh test || exit 1
+
+passed=0
+failed=0
+failures=()
+
+count() {  # NAME PASSED FAILED
+  passed=$((passed + $2))
+  failed=$((failed + $3))
+  [[ $3 -eq 0 ]] || failures+=("$1")
+  printf '%-28s %6d passed %4d failed %5ds\n' "$1" "$2" "$3" "$SECONDS"
+}
+
+# A step that either holds or does not.
+check() {  # NAME COMMAND...
+  local name=$1
+  shift
+  if "$@"; then count "$name" 1 0; else count "$name" 0 1; fi
+}
+
+# A command that ends with "N passed, N failed" and fails when something did.
+counted() {  # NAME COMMAND...
+  local name=$1 log=build/logs/$1.log line status=0
+  shift
+  "$@" >"$log" 2>&1 || status=$?
+  line=$(grep -E '^[0-9]+ passed, [0-9]+ failed$' "$log" | tail -n 1)
+  if [[ $line =~ ^([0-9]+)\ passed,\ ([0-9]+)\ failed$ ]] &&
+     { [[ $status -eq 0 ]] || [[ ${BASH_REMATCH[2]} -gt 0 ]]; }; then
+    count "$name" "${BASH_REMATCH[1]}" "${BASH_REMATCH[2]}"
+  else
+    count "$name" 0 1
+    status=1
+  fi
+  [[ $status -eq 0 ]] || { grep -E -B 30 '^\[  FAILED|FAILED|failed' "$log" || cat "$log"; } | tail -n 80
+}
+
+mkdir -p build/logs
+for preset in native asan windows fuzz; do check "build $preset" scripts/build.sh "$preset"; done
+check "build bench" scripts/build.sh bench
+
+counted native scripts/gtest.sh build/native/bin/pq_tests
+counted asan scripts/gtest.sh build/asan/bin/pq_tests
+counted windows scripts/wine_tests.sh
+counted fuzz scripts/fuzz.sh --replay
+check schema scripts/check_schema.sh build/native/bin/pqhost
+check format scripts/format.sh
+check lint scripts/lint.sh
+
+[[ ${#failures[@]} -eq 0 ]] || echo "Failed: ${failures[*]}"
+echo "$passed passed, $failed failed"
+[[ $failed -eq 0 ]]
