@@ -1,0 +1,46 @@
+#!/usr/bin/env bash
+# Installs through apt what the build and the tests need and this machine lacks.
+#   scripts/install.sh [build|test]     what ./run.sh needs (the default), or what ./test.sh needs
+set -euo pipefail
+
+packages=(
+  g++ cmake ninja-build ccache                    # native build
+  g++-mingw-w64-x86-64-posix wine wine64          # Windows build and where it runs
+  libboost-dev libcli11-dev nlohmann-json3-dev libfmt-dev libsqlite3-dev
+  googletest
+)
+if [[ ${1:-build} == test ]]; then
+  packages+=(
+    clang libclang-rt-14-dev                      # fuzz targets
+    clang-format clang-tidy
+    libbenchmark-dev
+    python3 python3-jsonschema                    # lint cache, JSON schema
+    locales                                       # a machine that is not English, under Wine
+  )
+fi
+
+missing=()
+for package in "${packages[@]}"; do
+  dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' ||
+    missing+=("$package")
+done
+[[ ${#missing[@]} -eq 0 ]] && exit 0
+
+as_root=()
+if [[ $(id -u) -ne 0 ]]; then
+  command -v sudo >/dev/null || {
+    echo "These packages are missing, and installing them needs root or sudo: ${missing[*]}" >&2
+    exit 1
+  }
+  as_root=(sudo)
+fi
+echo "Installing through apt: ${missing[*]}"
+log=$(mktemp)
+if ! { "${as_root[@]}" apt-get update -qq &&
+       "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+         apt-get install -y --no-install-recommends "${missing[@]}"; } >"$log" 2>&1; then
+  tail -n 20 "$log" >&2
+  echo "apt could not install all of them; the whole output is in $log" >&2
+  exit 1
+fi
+rm -f "$log"
