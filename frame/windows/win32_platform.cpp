@@ -1,6 +1,5 @@
 // The machine, on Win32.
 
-#include <intrin.h>
 #include <io.h>
 #include <windows.h>
 
@@ -64,8 +63,8 @@ class Win32Process final : public Process {
   }
 
  private:
-  Handle thread;
   Handle process;
+  Handle thread;
 };
 
 class Win32TextFile final : public TextFile {
@@ -160,10 +159,13 @@ class Win32Platform final : public Platform {
   }
 
   [[noreturn]] void FailRangeCheck() override {
-    // What the compiler's own range checks do: no handler of the host runs on a process whose
-    // buffers cannot be trusted, and the exit code, 0xC0000409, says why it ended.
-    constexpr unsigned kRangeCheckFailure = 8;
-    __fastfail(kRangeCheckFailure);
+    // As the compiler's own range checks do: nothing of the host runs on in a process whose buffers
+    // cannot be trusted, the system's error report is written, and the code says what happened.
+    EXCEPTION_RECORD record{};
+    record.ExceptionCode = STATUS_STACK_BUFFER_OVERRUN;
+    record.ExceptionFlags = EXCEPTION_NONCONTINUABLE;
+    RaiseFailFastException(&record, nullptr, FAIL_FAST_GENERATE_EXCEPTION_ADDRESS);
+    std::abort();  // never reached; the declaration above does not say so
   }
 };
 
