@@ -4,6 +4,11 @@
 
 namespace pq {
 
+std::string ReportCommand(const std::string& program, const std::string& arguments,
+                          const std::string& reportPath) {
+  return "/c \"\"" + program + "\" " + arguments + " > \"" + reportPath + "\"\"";
+}
+
 bool RunLogged(const ModuleLog& log, const std::string& commandLine, const StartRule& rule) {
   const ToolRun run = RunAndWait(commandLine, rule.inheritHandles);
   if (!run.started) log(rule.failureLevel, rule.failure, run.startError, ")");

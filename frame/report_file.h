@@ -21,6 +21,11 @@ struct StartRule {
   const char* failure = kStartFailure;
 };
 
+/// `/c ""PROGRAM" ARGUMENTS > "REPORT""`: the command line of a tool whose output the interpreter
+/// writes into the file `reportPath`.
+std::string ReportCommand(const std::string& program, const std::string& arguments,
+                          const std::string& reportPath);
+
 /// Runs the tool and waits for its end. A failed start is logged; false then.
 bool RunLogged(const ModuleLog& log, const std::string& commandLine, const StartRule& rule = {});
 
