@@ -1,0 +1,45 @@
+// A collection on this very machine: the library is loaded and the machine's own tools run. Only
+// Windows can do that (host/live); elsewhere LoadLiveLibrary says so.
+#pragma once
+
+#include <boost/shared_ptr.hpp>
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "frame/halyard/repository.h"
+#include "host/pqhost/machine_facts.h"
+#include "host/recorded/machine_observer.h"
+
+namespace host {
+
+/// The library's file name; it stands beside the program.
+inline constexpr char kPluginFileName[] = "repository_pqmodule.dll";
+
+/// Why the library cannot be used, and what would help. UTF-8, one line.
+class LiveError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// The loaded library. It must outlive every module that it added.
+class LiveLibrary {
+ public:
+  virtual ~LiveLibrary() = default;
+  /// Calls the library's exported function of that name. Throws LiveError when it reports failure.
+  virtual void AddModules(
+      std::vector<boost::shared_ptr<halyard::repository::RModule>>& modules) = 0;
+};
+
+/// Loads `plugin`, a path to the library's file. `observer` (may be null; must outlive the library)
+/// sees what the library does to the machine from then on. Throws LiveError.
+std::unique_ptr<LiveLibrary> LoadLiveLibrary(const std::filesystem::path& plugin,
+                                             MachineObserver* observer);
+
+/// Creates `folder` (with its parents) and makes it the log folder of this machine's facts and of
+/// the logger. Throws LiveError, also when the folder's path has no form in the machine's code page.
+MachineFacts PrepareLiveMachine(const std::filesystem::path& folder);
+
+}  // namespace host
