@@ -1,6 +1,15 @@
 #include "pqmodules/rwininfo.h"
 
+#include <algorithm>
+#include <optional>
+#include <vector>
+
 #include "frame/error_entries.h"
+#include "frame/platform.h"
+#include "frame/report_file.h"
+#include "frame/tokens.h"
+#include "frame/tool_runner.h"
+#include "pqmodules/rwininfo/net_table.h"
 
 namespace pq {
 namespace {
@@ -9,6 +18,154 @@ constexpr ModuleLog kLog{"pqmodules/rwininfo"};
 
 const std::string kArpInfo = "ARPINFO";
 const std::string kNetstatInfo = "NETSTATINFO";
+
+/// The titles of the network commands are known in US English only; on other systems their output
+/// is kept as it is.
+constexpr std::uint32_t kEnglish = 1033;
+
+std::string exePath;
+
+/// A command whose output becomes a file of the log folder.
+struct ReportStep {
+  const char* command;
+  const char* file;
+  const char* failure;
+};
+constexpr ReportStep kRoute{"/c route print >\"", "route.txt",
+                            "CreateProcess failed in getting route("};
+constexpr ReportStep kArp{"/c arp.exe -a >\"", "arp.txt",
+                          "CreateProcess failed in getting arp data("};
+constexpr ReportStep kNetstat{"/c netstat.exe >\"", "netstat.txt",
+                              "CreateProcess failed in getting netstat data("};
+constexpr ReportStep kShares{"/c net share >\"", "netshare.txt",
+                             "CreateProcess failed in getting netshare("};
+
+/// A file of the machine that is copied into the log folder when it is there. The folder is spelt
+/// in two ways; both name the same one.
+struct CopyStep {
+  const char* tested;
+  const char* source;
+  const char* file;
+  const char* failure;
+};
+constexpr CopyStep kHostsIcs{"C:\\Windows\\System32\\drivers\\etc\\hosts.ics",
+                             "C:\\Windows\\System32\\drivers\\etc\\hosts.ics", "hosts.ics.txt",
+                             "CreateProcess failed in copying hosts.ics("};
+constexpr CopyStep kHosts{"C:\\Windows\\System32\\drivers\\etc\\hosts",
+                          "C:\\WINDOWS\\system32\\drivers\\etc\\hosts", "hosts.txt",
+                          "CreateProcess failed in copying hosts("};
+constexpr CopyStep kProtocol{"C:\\Windows\\System32\\drivers\\etc\\protocol",
+                             "C:\\WINDOWS\\system32\\drivers\\etc\\protocol", "protocol.txt",
+                             "CreateProcess failed in copying protocol("};
+constexpr CopyStep kLmhosts{"C:\\Windows\\System32\\drivers\\etc\\lmhosts.sam",
+                            "C:\\WINDOWS\\system32\\drivers\\etc\\lmhosts.sam", "lmhosts.sam.txt",
+                            "CreateProcess failed in copying lmhosts.sam("};
+
+constexpr char kSmbiosCommand[] = "/c \"\"";
+constexpr char kSmbiosTool[] = "\\pq_tools\\getsmbios.exe\" >\"";
+constexpr char kSmbiosFile[] = "smbios_info.txt\"\"";
+constexpr char kSmbiosFailure[] = "CreateProcess failed(";
+
+/// A command whose printed rows become a table.
+struct NetTable {
+  const std::string& className;
+  const char* key;
+  const char* command;
+  const char* pipeFailure;
+  const char* startFailure;
+  std::vector<std::string> titles;
+};
+const NetTable kArpTable{kArpInfo,
+                         "ARP Information",
+                         "/c arp.exe -a",
+                         "Failed to create pipe for arp info",
+                         "CreateProcess failed in getting arp info(",
+                         {"Internet Address", "Physical Address", "Type"}};
+const NetTable kNetstatTable{kNetstatInfo,
+                             "Netstat Information",
+                             "/c netstat.exe",
+                             "Failed to create pipe for netstat info",
+                             "CreateProcess failed in getting netstat info(",
+                             {"Protocol", "Local Address", "Foreign Address", "State"}};
+
+constexpr std::size_t kChunkRoom = 30720;
+constexpr char kBlanks[] = " \r\n";
+
+void RunStep(const std::string& commandLine, const char* failure) {
+  RunLogged(kLog, commandLine, {true, kProgress, failure});
+}
+
+void WriteReport(const ReportStep& step) {
+  RunStep(step.command + GetLogFolder() + step.file + "\"", step.failure);
+}
+
+void CopyIfPresent(const CopyStep& step) {
+  if (!Machine().PathExists(step.tested)) return;
+  // The interpreter tolerates the quote that nothing closes.
+  RunStep(
+      std::string("/c copy ") + step.source + " \"" + GetLogFolder() + step.file + "\" > nul \"",
+      step.failure);
+}
+
+void WriteSmbiosDump() {
+  CheckFolderFits(exePath, std::string_view(kSmbiosCommand).size());
+  RunStep(kSmbiosCommand + exePath + kSmbiosTool + GetLogFolder() + kSmbiosFile, kSmbiosFailure);
+}
+
+/// What the table's tool prints; none when it could not be run.
+std::optional<std::string> CollectOutput(const NetTable& table) {
+  PipedTool tool(table.command);
+  if (!tool.OpenPipe()) {
+    kLog(kProgress, table.pipeFailure);
+    return std::nullopt;
+  }
+  if (const std::uint32_t error = tool.Start(); error != 0) {
+    kLog(kProgress, table.startFailure, error, ")");
+    return std::nullopt;
+  }
+  std::string output = tool.Collect(kChunkRoom, [](const char* chunk, std::size_t count) {
+    kLog(kDetail, chunk);
+    kLog(kDetail, "dw:", count);
+  });
+  output.resize(std::min(output.find('\0'), output.size()));
+  kLog(kDetail, "se:", output);
+  tool.Finish();
+  return output;
+}
+
+/// Deals the words of `text` into the table's columns and adds one instance per row.
+void AddRows(RRepository& repo, const NetTable& table, std::string_view text) {
+  std::vector<std::string_view> words = SplitTokens(text, kBlanks);
+  for (const std::string_view word : words) kLog(kDetail, word);
+  const DealtColumns columns(std::move(words), table.titles.size());
+  for (std::size_t row = 0; row < columns.RowCount(); ++row) {
+    RInstance instance(table.className, table.key, kInstanceNumber);
+    for (std::size_t column = 0; column < table.titles.size(); ++column) {
+      instance.AddProperty("item" + std::to_string(column + 1), table.titles[column],
+                           std::string(columns.At(row, column)), kPropertyFlag);
+    }
+    instance.AddToRepository(repo);
+  }
+}
+
+void AddArpRows(RRepository& repo, std::string_view output) {
+  const ArpScan scan = ScanArpLines(output);
+  for (const std::string_view line : scan.lines) kLog(kDetail, line.size(), " : ", line);
+  if (scan.lines.size() < kArpMinLineEnds) return;
+  kLog(kDetail, "final_buf_arp:", scan.rows);
+  kLog(kDetail, "lines:", scan.lines.size());
+  kLog(kDetail, output.substr(scan.end));
+  AddRows(repo, kArpTable, scan.rows);
+}
+
+void AddConnectionRows(RRepository& repo, std::string_view output) {
+  const std::optional<std::size_t> start = FindConnectionRows(output);
+  if (!start) return;
+  const std::string_view rows = output.substr(*start);
+  kLog(kDetail, "lines:", kConnectionMinLineEnds);  // Counting went no further.
+  kLog(kDetail, rows);
+  AddRows(repo, kNetstatTable, rows);
+}
 
 }  // namespace
 
@@ -32,7 +189,39 @@ void RWINInfo::EnumWINInstances(RRepository& repo) {
   CollectOnce(kLog, "EnumWINInstances", [&] { CollectData(repo); });
 }
 
-// Collects nothing yet.
-void RWINInfo::CollectData(RRepository& /*repo*/) {}
+void RWINInfo::CollectData(RRepository& repo) {
+  kLog(kProgress, "Enter CollectData-Windows related info");
+  const std::uint32_t language = Machine().SystemLanguage();
+  kLog(kProgress, "Get OS language, lcid=", language);
+  exePath = GetExeFolder();
+  kLog(kProgress, "the exepath:", exePath);
+  WriteReport(kRoute);
+  if (language == kEnglish) {
+    ParseNetTable(repo, kArpMode);
+    ParseNetTable(repo, kConnectionMode);
+  } else {
+    WriteReport(kArp);
+    WriteReport(kNetstat);
+  }
+  WriteReport(kShares);
+  CopyIfPresent(kHostsIcs);
+  WriteSmbiosDump();
+  CopyIfPresent(kHosts);
+  CopyIfPresent(kProtocol);
+  CopyIfPresent(kLmhosts);
+  kLog(kProgress, "Exit CollectData-Windows related info");
+}
+
+int ParseNetTable(RRepository& repo, unsigned mode) {
+  const bool isArp = mode == kArpMode;
+  const std::optional<std::string> output = CollectOutput(isArp ? kArpTable : kNetstatTable);
+  if (!output) return 1;
+  if (isArp) {
+    AddArpRows(repo, *output);
+  } else {
+    AddConnectionRows(repo, *output);
+  }
+  return 0;
+}
 
 }  // namespace pq

@@ -22,4 +22,12 @@ class RWINInfo : public CollectionModule {
   void CollectData(RRepository& repo);
 };
 
+inline constexpr unsigned kArpMode = 1;
+inline constexpr unsigned kConnectionMode = 2;
+
+/// Runs `arp -a` (kArpMode) or `netstat` (kConnectionMode) on a US English system and adds one
+/// instance per printed row. Returns 1 when the tool could not be run, otherwise 0, also without
+/// any row.
+int ParseNetTable(RRepository& repo, unsigned mode);
+
 }  // namespace pq
