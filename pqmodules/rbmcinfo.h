@@ -2,11 +2,24 @@
 // LAN, LEDs, sensors, SDR, FRU and the system event log.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "frame/module.h"
 
 namespace pq {
+
+inline constexpr ModuleLog kBmcLog{"pqmodules/rbmcinfo"};
+
+/// The platform families, as the detection tool's exit codes name them.
+enum class BmcFamily : std::uint32_t {
+  kNoBmc = 4,
+  kGrantley = 5,
+  kMarl = 7,
+  kZk140 = 9,
+  kIvyBridge = 11,
+  kDetectionFailed = 255,
+};
 
 class RBMCInfo : public CollectionModule {
  public:
@@ -20,6 +33,24 @@ class RBMCInfo : public CollectionModule {
 
  private:
   void CollectData(RRepository& repo);
+  BmcFamily CheckBmc();
+
+  // One step of a collection each; what a step returns (0: something was added) steers nothing.
+
+  /// Query `selector` of the six pipe queries: 1 controller, 2 self-test, 3 versions, 4 power
+  /// supplies, 5 LAN, 6 LEDs. Any other selector runs nothing.
+  int QueryOem(RRepository& repo, int selector);
+  int CollectSensorReadings(RRepository& repo);
+  int CollectSdr(RRepository& repo);
+  int CollectFru(RRepository& repo);
+  int CollectSel(RRepository& repo);
+  void DumpSelHex();
+  void DumpSensorIds();
+
+  /// Folder of the host's executable, fetched by each collection; the host's log folder, fetched by
+  /// each enumeration.
+  static std::string exePath;
+  static std::string logDir;
 };
 
 }  // namespace pq

@@ -1,0 +1,35 @@
+// Text pieces of the OEM queries: screening the utility's error texts, joining the self-test's two
+// lines, pairing names with values.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace pq {
+
+/// Whether the utility reports an error anywhere in its output. The output ends at its first NUL.
+bool HasOemErrorText(std::string_view output);
+
+/// Where the lines of a self-test end.
+struct CarriageReturns {
+  std::size_t count = 0;
+  std::size_t position = 0;  ///< of the first one that does not stand at 0; 0 without any
+};
+
+/// Looks at all bytes, behind a NUL too.
+CarriageReturns FindCarriageReturns(std::string_view bytes);
+
+/// Blanks out the first line end of an output that has exactly two, so that its two lines are one.
+void JoinTwoLines(std::string& output, const CarriageReturns& found);
+
+struct NamedValue {
+  std::string_view name;
+  std::string_view value;
+};
+
+/// Takes the tokens by turns for a name and its value; the last name may lack one.
+std::vector<NamedValue> PairTokens(const std::vector<std::string_view>& tokens);
+
+}  // namespace pq
