@@ -1,0 +1,30 @@
+#include "frame/labelled_columns.h"
+
+namespace pq {
+namespace {
+
+LabelTable LabelsOf(const std::vector<LabelledColumn>& columns) {
+  std::vector<std::string_view> labels;
+  for (const LabelledColumn& column : columns) labels.push_back(column.label);
+  return LabelTable(labels);
+}
+
+}  // namespace
+
+LabelledColumns::LabelledColumns(std::initializer_list<LabelledColumn> columns)
+    : columns(columns), labels(LabelsOf(this->columns)) {}
+
+LabelledFact LabelledColumns::FindIn(std::string_view line) const {
+  const LabelMatch match = labels.FindIn(line);
+  if (!match) return {};
+  const LabelledColumn& column = columns[static_cast<std::size_t>(match.index)];
+  return {&column, TextFrom(line, match.position + column.valueAt)};
+}
+
+void Fill(RowBuffer& row, const LabelledFact& fact) {
+  if (!fact) return;
+  row.Set(fact.source->column, fact.value);
+  if (fact.source->endsRow) row.Commit();
+}
+
+}  // namespace pq
