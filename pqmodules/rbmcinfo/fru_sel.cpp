@@ -4,9 +4,9 @@
 #include <memory>
 
 #include "frame/report_file.h"
+#include "frame/row_buffer.h"
 #include "frame/tool_runner.h"
 #include "pqmodules/rbmcinfo.h"
-#include "pqmodules/rbmcinfo/line_table.h"
 #include "pqmodules/rbmcinfo/tables.h"
 
 namespace pq {
@@ -20,7 +20,7 @@ struct FileQuery {
   const char* openFailure;
   const char* className;
   const char* title;
-  LineProperty property;
+  Column column;
   // Progress lines.
   const char* begun;
   const char* started;
@@ -29,7 +29,7 @@ struct FileQuery {
   const char* done;
 };
 
-constexpr FileQuery kFruQuery{
+const FileQuery kFruQuery{
     .command = "\\pq_tools\\ipmiutilnh.exe\" korvaxoem fru>\"",
     .fileName = "fruinfo.txt",
     .commandLabel = "fruinfo raw path:",
@@ -37,7 +37,7 @@ constexpr FileQuery kFruQuery{
     .openFailure = "Failed to open fru info file",
     .className = kFruInfo,
     .title = "FRU Information",
-    .property = {"FRUINFO", "FRU Detailed Info"},
+    .column = {"FRUINFO", "FRU Detailed Info"},
     .begun = "Oru Debug  fru info 1",
     .started = "Oru Debug  fru info 2",
     .ended = "Oru Debug  fru info 3",
@@ -45,7 +45,7 @@ constexpr FileQuery kFruQuery{
     .done = "Oru Debug fru info 5",  // One blank: whoever filters the log knows it so.
 };
 
-constexpr FileQuery kSelQuery{
+const FileQuery kSelQuery{
     .command = "\\pq_tools\\ipmiutilnh.exe\" sel>\"",
     .fileName = "selinfo.txt",
     .commandLabel = "selinfo raw path:",
@@ -53,7 +53,7 @@ constexpr FileQuery kSelQuery{
     .openFailure = "Failed to open SEL log file",
     .className = kSelInfo,
     .title = "SEL Information",
-    .property = {"SELINFO", "SEL Info"},
+    .column = {"SELINFO", "SEL Info"},
     .begun = "Oru Debug  sel info 1",
     .started = "Oru Debug  sel info 2",
     .ended = "Oru Debug  sel info 3",
@@ -80,10 +80,13 @@ int CollectFile(RRepository& repo, const std::string& exePath, const FileQuery& 
 
   std::unique_ptr<TextFile> file = OpenReport(kBmcLog, path, query.openFailure);
   if (!file) return 1;
-  RInstance instance(query.className, query.title, kInstanceNumber);
+  RowBuffer row(repo, query.className, query.title);
   kBmcLog(kProgress, query.opened);
   LineReader lines(file.get());
-  while (const char* line = lines.Next()) AddLine(instance, repo, query.property, line);
+  while (const char* line = lines.Next()) {
+    row.Set(query.column, line);
+    row.Commit();
+  }
   file.reset();
   kBmcLog(kProgress, query.done);
   return 0;

@@ -6,9 +6,10 @@
 #include <algorithm>
 #include <array>
 
+#include "frame/label_table.h"
+#include "frame/row_buffer.h"
 #include "frame/tokens.h"
 #include "pqmodules/rbmcinfo.h"
-#include "pqmodules/rbmcinfo/line_table.h"
 #include "pqmodules/rbmcinfo/pipe_query.h"
 #include "pqmodules/rbmcinfo/tables.h"
 
@@ -21,9 +22,9 @@ struct OemQuery {
   PipeQuery pipe;
   const char* className;
   const char* title;
-  bool joinsLines = false;         ///< a two-line answer is one line
-  KeyFamily pairKeys = {};         ///< of a table of pairs
-  LineProperty lineProperty = {};  ///< of a table of lines
+  bool joinsLines = false;  ///< a two-line answer is one line
+  KeyFamily pairKeys = {};  ///< of a table of pairs
+  Column lineColumn = {};   ///< of a table of lines
 
   bool HasPairs() const { return pairKeys.count > 0; }
 };
@@ -35,7 +36,7 @@ constexpr PipeQuery OemPipe(const char* command, const char* announcement,
 
 // By selector, from 1. The LAN query is the utility's own "lan", cut down to the address
 // parameters, but announced like the others.
-constexpr std::array<OemQuery, 6> kOemQueries{{
+const std::array<OemQuery, 6> kOemQueries{{
     {.pipe = OemPipe("\\pq_tools\\ipmiutilnh.exe\" korvaxoem mc",
                      "execute ipmiutilnh.exe korvaxoem mc command",
                      "Failed to create pipe for MC info"),
@@ -60,7 +61,7 @@ constexpr std::array<OemQuery, 6> kOemQueries{{
                      "Failed to create pipe for PSU info"),
      .className = kPsuInfo,
      .title = "PSU Information",
-     .lineProperty = {"PSUINFO", "PSU Detailed Info"}},
+     .lineColumn = {"PSUINFO", "PSU Detailed Info"}},
     {.pipe = OemPipe("\\pq_tools\\ipmiutilnh.exe\" lan | findstr Param | "
                      "findstr /c:(3) /c:(5) /c:(6) /c:(12) /c:(13)",
                      "execute ipmiutilnh.exe korvaxoem lan command",
@@ -73,11 +74,11 @@ constexpr std::array<OemQuery, 6> kOemQueries{{
                      "Failed to create pipe for LED info"),
      .className = kLedInfo,
      .title = "LEDs Status",
-     .lineProperty = {"LEDINFO", "LED Detailed Status"}},
+     .lineColumn = {"LEDINFO", "LED Detailed Status"}},
 }};
 
 // How many names the last output of each query had; kept to be looked at in a debugger.
-std::array<std::size_t, kOemQueries.size()> lastNameCounts{};
+std::array<std::size_t, std::size(kOemQueries)> lastNameCounts{};
 
 void JoinSelfTest(std::string& output) {
   const CarriageReturns found = FindCarriageReturns(output);
@@ -89,8 +90,8 @@ void JoinSelfTest(std::string& output) {
   kBmcLog(kDetail, output.c_str());
 }
 
-int AddPairs(RInstance& instance, RRepository& repo, const KeyFamily& keys,
-             const std::string& output, std::size_t& nameCount) {
+int AddPairs(RowBuffer& row, const KeyFamily& keys, const std::string& output,
+             std::size_t& nameCount) {
   const std::vector<std::string_view> tokens = SplitTokens(output, ":\n\r");
   const std::vector<NamedValue> pairs = PairTokens(tokens);
   nameCount = pairs.size();
@@ -100,19 +101,18 @@ int AddPairs(RInstance& instance, RRepository& repo, const KeyFamily& keys,
   for (const NamedValue& pair : pairs) kBmcLog(kDetail, pair.name, ": ", pair.value);
   const unsigned shown = static_cast<unsigned>(std::min<std::size_t>(pairs.size(), keys.count));
   for (unsigned i = 0; i < shown; ++i) {
-    instance.AddProperty(keys.KeyAt(i), std::string(pairs[i].name), std::string(pairs[i].value),
-                         kPropertyFlag);
+    row.Set({keys.KeyAt(i), std::string(pairs[i].name)}, pairs[i].value);
   }
-  instance.AddToRepository(repo);
+  row.Commit();
   return 0;
 }
 
-int AddLines(RInstance& instance, RRepository& repo, const LineProperty& property,
-             const std::string& output) {
+int AddLines(RowBuffer& row, const Column& column, const std::string& output) {
   const std::vector<std::string_view> lines = SplitTokens(output, "\n\r");
   for (const std::string_view line : lines) {
     kBmcLog(kDetail, line, " ");
-    AddLine(instance, repo, property, std::string(line));
+    row.Set(column, line);
+    row.Commit();
   }
   return lines.empty() ? 1 : 0;
 }
@@ -121,10 +121,8 @@ int AddLines(RInstance& instance, RRepository& repo, const LineProperty& propert
 
 bool HasOemErrorText(std::string_view output) {
   const std::string_view text = output.substr(0, output.find('\0'));
-  constexpr std::string_view kErrorTexts[] = {"Error", "Bad response",
-                                              "Cannot open an IPMI driver"};
-  return std::ranges::any_of(kErrorTexts,
-                             [&](std::string_view error) { return text.find(error) != text.npos; });
+  return Holds(text, "Error") || Holds(text, "Bad response") ||
+         Holds(text, "Cannot open an IPMI driver");
 }
 
 CarriageReturns FindCarriageReturns(std::string_view bytes) {
@@ -156,7 +154,7 @@ int RBMCInfo::QueryOem(RRepository& repo, int selector) {
   const OemQuery& query = kOemQueries[index];
   std::optional<PipedTool> tool = StartQuery(exePath, query.pipe);
   if (!tool) return 1;
-  RInstance instance(query.className, query.title, kInstanceNumber);
+  RowBuffer row(repo, query.className, query.title);
   std::string output = CollectOutput(*tool, query.pipe);
   if (HasOemErrorText(output)) {
     tool->Abandon();  // A utility that cannot reach its controller may hang; nobody waits for it.
@@ -165,8 +163,8 @@ int RBMCInfo::QueryOem(RRepository& repo, int selector) {
   kBmcLog(kDetail, "se:", output.c_str());
   if (query.joinsLines) JoinSelfTest(output);
   tool->Finish();
-  return query.HasPairs() ? AddPairs(instance, repo, query.pairKeys, output, lastNameCounts[index])
-                          : AddLines(instance, repo, query.lineProperty, output);
+  return query.HasPairs() ? AddPairs(row, query.pairKeys, output, lastNameCounts[index])
+                          : AddLines(row, query.lineColumn, output);
 }
 
 }  // namespace pq

@@ -3,9 +3,9 @@
 // Whatever the utility prints is the table, its error texts too.
 #include <vector>
 
+#include "frame/row_buffer.h"
 #include "frame/tokens.h"
 #include "pqmodules/rbmcinfo.h"
-#include "pqmodules/rbmcinfo/line_table.h"
 #include "pqmodules/rbmcinfo/pipe_query.h"
 #include "pqmodules/rbmcinfo/tables.h"
 
@@ -20,7 +20,7 @@ constexpr PipeQuery kSdrQuery{
     .chunkRoom = 5120,
 };
 constexpr char kSdrTitle[] = "SDR Information";
-constexpr LineProperty kSdrProperty{"SDRINFO", "SDR Detailed Info"};
+const Column kSdrColumn{"SDRINFO", "SDR Detailed Info"};
 
 }  // namespace
 
@@ -35,14 +35,16 @@ int RBMCInfo::CollectSdr(RRepository& repo) {
 
   const std::vector<std::string_view> lines = SplitTokens(output, "\n\r");
   if (lines.empty()) return 1;
-  const auto logLine = [](std::string_view line) { kBmcLog(kDetail, line, " "); };
-  logLine(lines.front());
-  RInstance instance(kSdrInfo, kSdrTitle, kInstanceNumber);
-  AddLine(instance, repo, kSdrProperty, std::string(lines.front()));
+  // The instance is made between the first line's log entry and its property.
+  kBmcLog(kDetail, lines.front(), " ");
+  RowBuffer row(repo, kSdrInfo, kSdrTitle);
+  row.Set(kSdrColumn, lines.front());
+  row.Commit();
   kBmcLog(kProgress, "Oru Debug after sdr 3");
   for (std::size_t at = 1; at < lines.size(); ++at) {
-    logLine(lines[at]);
-    AddLine(instance, repo, kSdrProperty, std::string(lines[at]));
+    kBmcLog(kDetail, lines[at], " ");
+    row.Set(kSdrColumn, lines[at]);
+    row.Commit();
   }
   kBmcLog(kProgress, "Oru Debug after sdr 4");
   return 0;

@@ -7,6 +7,8 @@
 #include <array>
 #include <utility>
 
+#include "frame/label_table.h"
+#include "frame/row_buffer.h"
 #include "frame/tokens.h"
 #include "pqmodules/rbmcinfo.h"
 #include "pqmodules/rbmcinfo/pipe_query.h"
@@ -24,22 +26,19 @@ constexpr PipeQuery kSensorQuery{
 };
 constexpr char kSensorTitle[] = "Sensor Status";
 
-struct SensorColumn {
-  const char* name;
-  const char* key;
-};
-
-constexpr std::array<SensorColumn, 10> kSensorColumns{{
-    {.name = "Name", .key = "item1"},
-    {.name = "Reading", .key = "item2"},
-    {.name = "Units", .key = "item3"},
-    {.name = "Status", .key = "item4"},
-    {.name = "LNR", .key = "item5"},  // lower thresholds: non-recoverable, critical, non-critical
-    {.name = "LC", .key = "item6"},
-    {.name = "LNC", .key = "item7"},
-    {.name = "UNC", .key = "item8"},  // upper thresholds: non-critical, critical, non-recoverable
-    {.name = "UC", .key = "item9"},
-    {.name = "UNR", .key = "item10"},
+// The thresholds: lower non-recoverable, critical and non-critical, then the upper ones from
+// non-critical on.
+const std::array<Column, 10> kSensorColumns{{
+    {.key = "item1", .label = "Name"},
+    {.key = "item2", .label = "Reading"},
+    {.key = "item3", .label = "Units"},
+    {.key = "item4", .label = "Status"},
+    {.key = "item5", .label = "LNR"},
+    {.key = "item6", .label = "LC"},
+    {.key = "item7", .label = "LNC"},
+    {.key = "item8", .label = "UNC"},
+    {.key = "item9", .label = "UC"},
+    {.key = "item10", .label = "UNR"},
 }};
 
 constexpr std::string_view kEndOfListing = " ";
@@ -48,7 +47,7 @@ constexpr std::string_view kEndOfListing = " ";
 
 bool HasSensorErrorText(std::string_view output) {
   const std::string_view text = output.substr(0, output.find('\0'));
-  return text.find("Error in") != text.npos || text.find("Error:") != text.npos;
+  return Holds(text, "Error in") || Holds(text, "Error:");
 }
 
 SensorFields SplitSensorFields(std::string_view output) {
@@ -77,13 +76,12 @@ int RBMCInfo::CollectSensorReadings(RRepository& repo) {
     kBmcLog(kDetail, "found the blank value, break");
   }
   const DealtColumns columns(std::move(listing.fields), kSensorColumns.size());
-  for (std::size_t row = 0; row < columns.RowCount(); ++row) {
-    RInstance instance(kSensorInfo, kSensorTitle, kInstanceNumber);
+  for (std::size_t sensor = 0; sensor < columns.RowCount(); ++sensor) {
+    RowBuffer row(repo, kSensorInfo, kSensorTitle);
     for (std::size_t column = 0; column < kSensorColumns.size(); ++column) {
-      instance.AddProperty(kSensorColumns[column].key, kSensorColumns[column].name,
-                           std::string(columns.At(row, column)), kPropertyFlag);
+      row.Set(kSensorColumns[column], columns.At(sensor, column));
     }
-    instance.AddToRepository(repo);
+    row.Commit();
   }
   return 0;
 }
