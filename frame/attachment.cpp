@@ -1,0 +1,49 @@
+#include "frame/attachment.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <new>
+
+#include "frame/tool_runner.h"
+
+namespace pq {
+namespace {
+
+/// `size` zero bytes and a terminator; null when there is no memory for them.
+std::unique_ptr<char[]> AllocateText(std::uint64_t size) {
+  if (size >= std::numeric_limits<std::ptrdiff_t>::max()) return nullptr;
+  return std::unique_ptr<char[]>(new (std::nothrow) char[static_cast<std::size_t>(size) + 1]());
+}
+
+}  // namespace
+
+std::unique_ptr<char[]> ReadWholeReport(const ModuleLog& log, TextFile& file) {
+  const std::uint64_t size = file.SizeAndRewind();
+  log(kDetail, "Size:", size);
+  std::unique_ptr<char[]> text = AllocateText(size);
+  if (!text) {
+    log(kDetail, "Malloc failed!");
+    return nullptr;
+  }
+  // Line ends shrink from two bytes to one on the way, so the lines fit unless the file has grown
+  // since.
+  std::uint64_t length = 0;
+  std::string_view line;
+  for (LineReader lines(&file); lines.Next(line);) {
+    const auto count =
+        static_cast<std::size_t>(std::min<std::uint64_t>(line.size(), size - length));
+    line.copy(text.get() + length, count);
+    length += count;
+  }
+  return text;
+}
+
+void AddAttachment(RInstance& row, const std::string& key, const std::string& label,
+                   const std::string& text, const std::string& fileName) {
+  row.AddProperty(key, label, text, kPropertyFlag);
+  row.AddPropertyAttr(key, "raw", "true");
+  row.AddPropertyAttr(key, "filename", fileName);
+}
+
+}  // namespace pq

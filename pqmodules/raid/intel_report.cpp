@@ -1,0 +1,51 @@
+#include "pqmodules/raid/intel_report.h"
+
+#include "frame/report_file.h"
+#include "frame/tool_runner.h"
+
+namespace pq {
+namespace {
+
+/// In the order in which they are tried.
+constexpr const char* kTools[] = {
+    "\\pq_tools\\rstcli64_5.exe",
+    "\\utilities\\vroc\\IntelVROCCli.exe",
+};
+
+/// False when none of the tools ended well.
+bool WriteReport(const ModuleLog& log, const std::string& hostFolder, const std::string& path,
+                 const IntelReportLog& style) {
+  for (const char* tool : kTools) {
+    const std::string command = ReportCommand(hostFolder + tool, "-I", path);
+    log(style.commandLevel, "rstcli raw path:", command);
+    const ToolExit run = RunForExitCode(command);
+    if (!run.started) {
+      log(kDetail, kStartFailure, run.startError, ")");
+      return false;
+    }
+    if (run.exitCodeError != 0) {
+      constexpr char kFailure[] = "GetExitCodeProcess() failed: ";
+      if (style.exitCodeErrorNumber) {
+        log(kDetail, kFailure, run.exitCodeError);
+      } else {
+        log(kDetail, kFailure);
+      }
+      return false;
+    }
+    log(kDetail, "rstcli64 -I command error level: ", run.exitCode);
+    if (run.exitCode == 0) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+std::unique_ptr<TextFile> RunIntelReport(const ModuleLog& log, const std::string& hostFolder,
+                                         const IntelReportLog& style) {
+  const std::string path = GetLogFolder() + "rstcli64.txt";
+  if (!WriteReport(log, hostFolder, path, style)) return nullptr;
+  if (style.reportPath) log(kDetail, "rstcli log path:", DoubleBackslashes(path));
+  return OpenReport(log, path, "Failed to open raid log file");
+}
+
+}  // namespace pq

@@ -1,0 +1,25 @@
+// The report on Intel's software RAID that both RAID modules read: Intel RST's tool writes it or,
+// where that one fails, Intel VROC's.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "frame/module.h"
+#include "frame/platform.h"
+
+namespace pq {
+
+/// How a module's log tells about the report.
+struct IntelReportLog {
+  unsigned commandLevel = kProgress;  ///< of the line with the command
+  bool exitCodeErrorNumber = true;    ///< whether an exit code that cannot be read says why
+  bool reportPath = false;            ///< whether there is a line with the report's path
+};
+
+/// Has the tools behind `hostFolder` write rstcli64.txt into the log folder and opens it. Null
+/// after a failure of both, which is logged.
+std::unique_ptr<TextFile> RunIntelReport(const ModuleLog& log, const std::string& hostFolder,
+                                         const IntelReportLog& style);
+
+}  // namespace pq
