@@ -1,0 +1,39 @@
+// The interpreter's own commands on the files of a recorded machine. They answer in words of the
+// system, as the interpreter does.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "host/recorded/interpreter.h"
+#include "host/recorded/machine_files.h"
+
+namespace host {
+
+/// What a command leaves. Null bytes stand for nothing written.
+struct CommandOutcome {
+  Bytes standardOutput;
+  Bytes standardError;
+  std::uint32_t exitCode = 0;
+};
+
+/// Text that a command writes.
+Bytes ToBytes(std::string text);
+
+/// The interpreter's words for what went wrong, with exit code 1.
+CommandOutcome FailWith(std::string_view words);
+CommandOutcome FailWith(FileResult result);
+
+inline constexpr std::string_view kAccessDenied = "Access is denied.";
+inline constexpr std::string_view kNoSuchPath = "The system cannot find the path specified.";
+inline constexpr std::string_view kNoSuchFile = "The system cannot find the file specified.";
+inline constexpr std::string_view kBadSyntax = "The syntax of the command is incorrect.";
+
+/// Whether the interpreter does `tool` (as ToolName gives it) by itself here.
+bool IsOwnCommand(std::string_view tool);
+
+/// copy, md or findstr. `input` is what came through the pipe; may be null.
+CommandOutcome RunOwnCommand(const Stage& stage, const Bytes& input, MachineFiles& files);
+
+}  // namespace host

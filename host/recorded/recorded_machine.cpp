@@ -1,0 +1,416 @@
+#include "host/recorded/recorded_machine.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <deque>
+#include <utility>
+#include <vector>
+
+#include "host/recorded/interpreter.h"
+#include "host/recorded/machine_files.h"
+#include "host/recorded/own_commands.h"
+#include "host/recorded/stored_text.h"
+
+namespace host {
+namespace {
+
+pq::Platform* machineInUse = nullptr;
+
+/// What GetModuleFileNameA stores in a 260-byte buffer at most.
+constexpr std::size_t kExecutablePathLimit = 259;
+
+[[noreturn]] void EndProcess(const char* why) {
+  std::fflush(stdout);
+  std::fprintf(stderr, "%s\n", why);
+  std::fflush(stderr);
+  std::abort();
+}
+
+/// One answer of a tool, its texts shared with whoever still reads them.
+struct Answer {
+  CommandOutcome outcome;
+  std::uint32_t startError = 0;
+  std::uint32_t pipeError = 0;
+  std::uint32_t exitCodeError = 0;
+};
+
+/// The answers to one command, given in turn; the last one stays.
+struct AnswerQueue {
+  std::vector<Answer> answers;
+  std::size_t next = 0;
+
+  const Answer& Peek() const { return answers[next]; }
+  void UseUp() {
+    if (next + 1 < answers.size()) ++next;
+  }
+};
+
+/// Tool and arguments: what commands are told apart by.
+using CommandKey = std::pair<std::string, std::string>;
+
+CommandKey KeyOf(std::string_view tool, std::string_view arguments) {
+  constexpr std::string_view kBlanks = " \t";
+  const std::size_t first = std::min(arguments.find_first_not_of(kBlanks), arguments.size());
+  const std::size_t end = arguments.find_last_not_of(kBlanks) + 1;
+  return {ToolName(tool), std::string(arguments.substr(first, first < end ? end - first : 0))};
+}
+
+bool IsNullDevice(std::string_view path) { return LowerCase(FileNameOf(path)) == "nul"; }
+
+/// What a pipeline leaves: its last command's standard output, everyone's standard error.
+struct PipelineOutcome {
+  Bytes standardOutput;
+  std::vector<Bytes> standardError;
+  std::uint32_t exitCode = 0;
+};
+
+/// Counts one open thing of the machine for as long as it lives.
+class OpenHandle {
+ public:
+  explicit OpenHandle(std::shared_ptr<int> count) : count(std::move(count)) { ++*this->count; }
+  OpenHandle(const OpenHandle&) = delete;
+  OpenHandle& operator=(const OpenHandle&) = delete;
+  ~OpenHandle() { --*count; }
+
+ private:
+  std::shared_ptr<int> count;
+};
+
+class RecordedPipe final : public pq::Pipe {
+ public:
+  explicit RecordedPipe(std::shared_ptr<int> openHandles) : handle(std::move(openHandles)) {}
+
+  void Write(const Bytes& bytes) {
+    if (bytes != nullptr && !bytes->empty()) pieces.push_back(bytes);
+  }
+
+  void CloseWriteEnd() override { isWriteEndOpen = false; }
+
+  bool Read(char* buffer, std::size_t size, std::size_t& count) override {
+    if (pieces.empty() && isWriteEndOpen) {
+      EndProcess("A pipe was read to its end while its own write end was open: that never ends.");
+    }
+    const bool hasMore = !pieces.empty();
+    count = 0;
+    while (count < size && !pieces.empty()) {
+      const std::size_t taken = pieces.front()->copy(buffer + count, size - count, at);
+      count += taken;
+      at += taken;
+      if (at == pieces.front()->size()) {
+        pieces.pop_front();
+        at = 0;
+      }
+    }
+    return hasMore;
+  }
+
+ private:
+  OpenHandle handle;
+  std::deque<Bytes> pieces;
+  std::size_t at = 0;  ///< in the first piece
+  bool isWriteEndOpen = true;
+};
+
+class RecordedProcess;
+
+/// The processes that nobody has closed yet.
+using OpenProcesses = std::set<RecordedProcess*>;
+
+class RecordedProcess final : public pq::Process {
+ public:
+  RecordedProcess(std::uint32_t exitCode, std::uint32_t exitCodeError, MachineObserver* observer,
+                  std::shared_ptr<int> openHandles, OpenProcesses& open)
+      : exitCode(exitCode),
+        exitCodeError(exitCodeError),
+        observer(observer),
+        handle(std::move(openHandles)),
+        open(open) {
+    open.insert(this);
+  }
+  RecordedProcess(const RecordedProcess&) = delete;
+  RecordedProcess& operator=(const RecordedProcess&) = delete;
+  ~RecordedProcess() override { open.erase(this); }
+
+  void Wait() override {
+    if (observer != nullptr) observer->OnProcessEnd();
+  }
+
+  std::uint32_t ReadExitCode(std::uint32_t& code) override {
+    if (exitCodeError == 0) code = exitCode;
+    return exitCodeError;
+  }
+
+ private:
+  std::uint32_t exitCode;
+  std::uint32_t exitCodeError;
+  MachineObserver* observer;
+  OpenHandle handle;
+  OpenProcesses& open;
+};
+
+class OpenedText final : public pq::TextFile {
+ public:
+  OpenedText(Bytes bytes, std::shared_ptr<int> openHandles)
+      : text(std::move(bytes)), handle(std::move(openHandles)) {}
+  bool ReadLine(char* buffer, std::size_t size) override { return text.ReadLine(buffer, size); }
+  void Rewind() override { text.Rewind(); }
+  std::uint64_t SizeAndRewind() override { return text.SizeAndRewind(); }
+
+ private:
+  StoredText text;
+  OpenHandle handle;
+};
+
+}  // namespace
+
+struct RecordedMachine::State {
+  State(Recording given, MachineObserver* observer)
+      : recording(std::move(given)), observer(observer), files(recording) {
+    for (RecordedCommand& command : recording.commands) {
+      tools.insert(ToolName(command.tool));
+      commands[KeyOf(command.tool, command.arguments)].answers.push_back(
+          {{ToBytes(std::move(command.standardOutput)), ToBytes(std::move(command.standardError)),
+            command.exitCode},
+           command.startError,
+           command.pipeError,
+           command.exitCodeError});
+    }
+    recording.commands.clear();
+  }
+  State(const State&) = delete;
+  State& operator=(const State&) = delete;
+  ~State() {
+    // Processes that were let go: their handles stay open for as long as the machine runs.
+    while (!openProcesses.empty()) delete *openProcesses.begin();
+  }
+
+  Pipeline Parse(std::string_view commandLine) const {
+    return ParseCommandLine(
+        commandLine, [this](std::string_view path) { return tools.contains(ToolName(path)); });
+  }
+
+  AnswerQueue* FindAnswers(const Stage& stage) {
+    const auto found = commands.find(KeyOf(stage.program, stage.arguments));
+    return found == commands.end() ? nullptr : &found->second;
+  }
+
+  /// The first error of that kind that an answer to one of the commands carries now; 0 without.
+  std::uint32_t FindError(const Pipeline& pipeline, std::uint32_t Answer::*kind) {
+    for (const Stage& stage : pipeline.stages) {
+      const AnswerQueue* queue = FindAnswers(stage);
+      if (queue != nullptr && queue->Peek().*kind != 0) return queue->Peek().*kind;
+    }
+    return 0;
+  }
+
+  void UseUpAnswers(const Pipeline& pipeline) {
+    for (const Stage& stage : pipeline.stages) {
+      if (AnswerQueue* queue = FindAnswers(stage)) queue->UseUp();
+    }
+  }
+
+  PipelineOutcome Run(const Pipeline& pipeline) {
+    PipelineOutcome outcome;
+    if (pipeline.isMalformed) {
+      CommandOutcome failed = FailWith(kBadSyntax);
+      return {nullptr, {failed.standardError}, failed.exitCode};
+    }
+    for (const Stage& stage : pipeline.stages) RunStage(stage, outcome);
+    return outcome;
+  }
+
+  /// Runs one command on what the one before wrote, and leaves what the next one reads.
+  void RunStage(const Stage& stage, PipelineOutcome& outcome) {
+    Bytes input = std::exchange(outcome.standardOutput, nullptr);
+    for (const Redirection& redirection : stage.redirections) {
+      const CommandOutcome opened = OpenRedirection(redirection, input);
+      if (opened.exitCode == 0) continue;
+      outcome.standardError.push_back(opened.standardError);
+      outcome.exitCode = opened.exitCode;
+      return;
+    }
+    const CommandOutcome ran = RunProgram(stage, input);
+    outcome.exitCode = ran.exitCode;
+    if (const Redirection* to = FindRedirection(stage, 1)) {
+      Deliver(*to, ran.standardOutput);
+    } else {
+      outcome.standardOutput = ran.standardOutput;
+    }
+    if (const Redirection* to = FindRedirection(stage, 2)) {
+      Deliver(*to, ran.standardError);
+    } else if (ran.standardError != nullptr) {
+      outcome.standardError.push_back(ran.standardError);
+    }
+  }
+
+  /// Creates the file of an output, or takes `input` from a file. A failure has an exit code.
+  CommandOutcome OpenRedirection(const Redirection& redirection, Bytes& input) {
+    if (redirection.kind == Redirection::Kind::kRead) {
+      input = IsNullDevice(redirection.target) ? nullptr : files.Find(redirection.target);
+      const bool isThere = input != nullptr || IsNullDevice(redirection.target);
+      return isThere ? CommandOutcome() : FailWith(kNoSuchFile);
+    }
+    if (IsNullDevice(redirection.target)) return {};
+    const Bytes before =
+        redirection.kind == Redirection::Kind::kAppend ? files.Find(redirection.target) : nullptr;
+    const FileResult created = files.Create(redirection.target);
+    if (created != FileResult::kDone) return FailWith(created);
+    if (before != nullptr) files.Store(redirection.target, before);
+    return {};
+  }
+
+  CommandOutcome RunProgram(const Stage& stage, const Bytes& input) {
+    if (stage.program.empty()) return {};
+    if (IsOwnCommand(ToolName(stage.program))) return RunOwnCommand(stage, input, files);
+    if (const AnswerQueue* queue = FindAnswers(stage)) return queue->Peek().outcome;
+    return FailWith("'" + stage.program +
+                    "' is not recognized as an internal or external command,\r\n"
+                    "operable program or batch file.");
+  }
+
+  /// The redirection that holds for a handle: the last one.
+  static const Redirection* FindRedirection(const Stage& stage, int handle) {
+    const auto found = std::find_if(
+        stage.redirections.rbegin(), stage.redirections.rend(), [&](const Redirection& candidate) {
+          return candidate.handle == handle && candidate.kind != Redirection::Kind::kRead;
+        });
+    return found == stage.redirections.rend() ? nullptr : &*found;
+  }
+
+  void Deliver(const Redirection& to, const Bytes& bytes) {
+    if (IsNullDevice(to.target) || bytes == nullptr || bytes->empty()) return;
+    const Bytes before = files.Find(to.target);
+    const bool isEmpty = before == nullptr || before->empty();
+    files.Store(to.target, isEmpty ? bytes : ToBytes(*before + *bytes));
+  }
+
+  void ShowOnConsole(const Bytes& bytes) {
+    if (observer != nullptr && bytes != nullptr && !bytes->empty()) {
+      observer->OnToolConsole(*bytes);
+    }
+  }
+
+  void ShowOnConsole(const PipelineOutcome& outcome) {
+    ShowOnConsole(outcome.standardOutput);
+    for (const Bytes& piece : outcome.standardError) ShowOnConsole(piece);
+  }
+
+  Recording recording;  ///< without the commands and files, which are kept below
+  MachineObserver* observer;
+  MachineFiles files;
+  std::map<CommandKey, AnswerQueue> commands;
+  std::set<std::string> tools;
+  std::size_t consoleAt = 0;
+  std::shared_ptr<int> openHandles = std::make_shared<int>(0);
+  OpenProcesses openProcesses;
+};
+
+RecordedMachine::RecordedMachine(Recording recording, MachineObserver* observer)
+    : state(std::make_unique<State>(std::move(recording), observer)) {}
+
+RecordedMachine::~RecordedMachine() = default;
+
+std::string RecordedMachine::HostExecutable() {
+  return state->recording.hostExecutable.substr(0, kExecutablePathLimit);
+}
+
+std::uint32_t RecordedMachine::SystemLanguage() { return state->recording.languageId; }
+
+bool RecordedMachine::PathExists(const std::string& path) {
+  if (state->files.FolderExists(path)) return true;
+  return !path.ends_with('\\') && state->files.Find(path) != nullptr;
+}
+
+pq::Acquired<pq::Pipe> RecordedMachine::CreatePipe(const std::string& commandLine) {
+  const Pipeline pipeline = state->Parse(commandLine);
+  const std::uint32_t error = state->FindError(pipeline, &Answer::pipeError);
+  if (error != 0) {
+    state->UseUpAnswers(pipeline);
+    return {nullptr, error};
+  }
+  return {std::make_unique<RecordedPipe>(state->openHandles)};
+}
+
+pq::Acquired<pq::Process> RecordedMachine::StartInterpreter(const std::string& commandLine,
+                                                            bool inheritHandles, pq::Pipe* output) {
+  if (state->observer != nullptr) {
+    state->observer->OnProcess(pq::kInterpreter, commandLine, inheritHandles, output != nullptr);
+  }
+  const Pipeline pipeline = state->Parse(commandLine);
+  const std::uint32_t startError = state->FindError(pipeline, &Answer::startError);
+  if (startError != 0) {
+    state->UseUpAnswers(pipeline);
+    return {nullptr, startError};
+  }
+  const std::uint32_t exitCodeError = state->FindError(pipeline, &Answer::exitCodeError);
+  const PipelineOutcome outcome = state->Run(pipeline);
+  state->UseUpAnswers(pipeline);
+  if (output != nullptr) {
+    auto& pipe = static_cast<RecordedPipe&>(*output);
+    pipe.Write(outcome.standardOutput);
+    for (const Bytes& piece : outcome.standardError) pipe.Write(piece);
+  } else {
+    state->ShowOnConsole(outcome);
+  }
+  return {std::make_unique<RecordedProcess>(outcome.exitCode, exitCodeError, state->observer,
+                                            state->openHandles, state->openProcesses)};
+}
+
+void RecordedMachine::RunSystem(const std::string& command) {
+  if (state->observer != nullptr) state->observer->OnSystem(command);
+  const Pipeline pipeline = state->Parse("/c " + command);
+  const bool canStart = state->FindError(pipeline, &Answer::startError) == 0;
+  if (canStart) state->ShowOnConsole(state->Run(pipeline));
+  state->UseUpAnswers(pipeline);
+}
+
+std::unique_ptr<pq::TextFile> RecordedMachine::OpenText(const std::string& path) {
+  if (state->observer != nullptr) state->observer->OnOpen(path, "r");
+  Bytes bytes = state->files.Find(path);
+  if (bytes == nullptr || path.ends_with('\\')) return nullptr;
+  return std::make_unique<OpenedText>(std::move(bytes), state->openHandles);
+}
+
+void RecordedMachine::WriteConsole(std::string_view text) {
+  if (state->observer != nullptr) state->observer->OnConsole(text);
+}
+
+pq::ConsoleLine RecordedMachine::ReadConsoleLine(char* buffer, std::size_t size) {
+  const std::string& typed = state->recording.console;
+  const std::size_t end = std::min(typed.find('\n', state->consoleAt), typed.size());
+  std::string_view line(typed.data() + state->consoleAt, end - state->consoleAt);
+  state->consoleAt = std::min(end + 1, typed.size());
+  if (line.ends_with('\r')) line.remove_suffix(1);
+  const bool fits = line.size() < size;
+  if (!fits) line = line.substr(0, size > 0 ? size - 1 : 0);
+  line.copy(buffer, line.size());
+  if (size > 0) buffer[line.size()] = '\0';
+  return fits ? pq::ConsoleLine::kRead : pq::ConsoleLine::kTooLong;
+}
+
+void RecordedMachine::FailRangeCheck() {
+  EndProcess("A path does not fit its buffer; the process ends here.");
+}
+
+std::map<std::string, std::string> RecordedMachine::Files() const { return state->files.All(); }
+
+int RecordedMachine::OpenHandles() const { return *state->openHandles; }
+
+MachineInUse::MachineInUse(pq::Platform& machine) : before(std::exchange(machineInUse, &machine)) {}
+
+MachineInUse::~MachineInUse() { machineInUse = before; }
+
+}  // namespace host
+
+namespace pq {
+
+Platform& Machine() {
+  if (host::machineInUse == nullptr) {
+    host::EndProcess("There is no machine to collect from: none was put in use.");
+  }
+  return *host::machineInUse;
+}
+
+}  // namespace pq

@@ -1,0 +1,31 @@
+// Bytes in memory, read as a file that was opened in text mode.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "frame/platform.h"
+
+namespace host {
+
+/// Bytes that several owners share; never null, never changed. A tool's report can be hundreds of
+/// megabytes, so it exists once: as its answer, as the file that it went to, as what is being read.
+using Bytes = std::shared_ptr<const std::string>;
+
+/// Reads `bytes` line by line: CR LF is one line feed, Ctrl-Z ends the file.
+class StoredText final : public pq::TextFile {
+ public:
+  explicit StoredText(Bytes bytes);
+  bool ReadLine(char* buffer, std::size_t size) override;
+  void Rewind() override { at = 0; }
+  std::uint64_t SizeAndRewind() override;
+
+ private:
+  Bytes bytes;
+  std::size_t at = 0;
+  std::size_t end;  ///< where the text ends
+};
+
+}  // namespace host
