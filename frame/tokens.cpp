@@ -16,4 +16,9 @@ std::vector<std::string_view> SplitTokens(std::string_view text, std::string_vie
   return tokens;
 }
 
+std::string_view DealtColumns::At(std::size_t row, std::size_t column) const {
+  const std::size_t index = row * columnCount + column;
+  return index < tokens.size() ? tokens[index] : std::string_view();
+}
+
 }  // namespace pq

@@ -22,10 +22,7 @@ class DealtColumns {
   /// How many tokens column 0 has; later columns may be one short in the last row.
   std::size_t RowCount() const { return (tokens.size() + columnCount - 1) / columnCount; }
   /// The token at a place; empty where the column is too short.
-  std::string_view At(std::size_t row, std::size_t column) const {
-    const std::size_t index = row * columnCount + column;
-    return index < tokens.size() ? tokens[index] : std::string_view();
-  }
+  std::string_view At(std::size_t row, std::size_t column) const;
 
  private:
   std::vector<std::string_view> tokens;
