@@ -1,29 +1,89 @@
 #include "pqmodules/rsamplemodule2.h"
 
+#include <array>
+#include <memory>
+
 #include "frame/error_entries.h"
+#include "frame/label_table.h"
+#include "frame/report_file.h"
+#include "frame/row_buffer.h"
+#include "frame/tool_runner.h"
+#include "pqmodules/rsamplemodule2/collection.h"
+#include "pqmodules/rsamplemodule2/drive_details.h"
+#include "pqmodules/rsamplemodule2/drive_lists.h"
+#include "pqmodules/rsamplemodule2/event_log.h"
+#include "pqmodules/rsamplemodule2/intel_devices.h"
+#include "pqmodules/rsamplemodule2/log_links.h"
+#include "pqmodules/rsamplemodule2/sas2ir_log.h"
+#include "pqmodules/rsamplemodule2/term_log.h"
 
 namespace pq {
 namespace {
 
 constexpr ModuleLog kLog{"pqmodules/rsamplemodule2"};
 
-const std::string kTable1 = "S2TABLE1";
-const std::string kTable2 = "S2TABLE2";
-const std::string kEventLog1 = "EVENTLOG1";
-const std::string kEventLog2 = "EVENTLOG2";
-const std::string kEventLog3 = "EVENTLOG3";
-const std::string kEventLog4 = "EVENTLOG4";
-const std::string kEventLog5 = "EVENTLOG5";
-const std::string kFwTermLog = "FWTERMLOG";
-const std::string kPdList = "PDLIST";
-const std::string kTInfo = "TINFO";
-const std::string kVInfo = "VINFO";
-const std::string kPInfo = "PINFO";
-const std::string kSas2IrLog = "SAS2IRLOG";
-const std::string kEndDeviceInfo = "ENDDEVICEINFO";
-const std::string kArray = "ARRAY";
-const std::string kVolume = "VOLUME";
-const std::string kLsiLink = "LSILINK";
+constexpr std::string_view kCountLabel = "Controller Count =";
+
+constexpr int kReadingsSize = 6;  // Rows and columns.
+const std::array<Column, kReadingsSize> kReadings{{
+    {"item1", "Name"},
+    {"item2", "Reading"},
+    {"item3", "Status"},
+    {"item4", "LCR"},
+    {"item5", "LNR"},
+    {"item6", "UCR"},
+}};
+
+const std::array<Column, 4> kFourColumns{{
+    {"S2T2PRO1", "S2T2 PRO 1"},
+    {"S2T2PRO2", "S2T2 PRO 2"},
+    {"S2T2PRO3", "S2T2 PRO 3"},
+    {"S2T2PRO4", "S2T2 PRO 4"},
+}};
+
+/// Fixed rows that show a host how a table of readings looks.
+void AddSampleReadings(RRepository& repo) {
+  for (int row = 0; row < kReadingsSize; ++row) {
+    RInstance instance(kSample2Table1, "sample 2 - table 1", kInstanceNumber);
+    int value = row;
+    for (const Column& column : kReadings) {
+      instance.AddProperty(column.key, column.label, value++, kPropertyFlag);
+    }
+    instance.AddToRepository(repo);
+  }
+}
+
+/// A fixed row that shows a host how a table of texts looks; all four texts are the same.
+void AddSampleTexts(RRepository& repo) {
+  RowBuffer row(repo, kSample2Table2, "sample 2 - table 2");
+  for (const Column& column : kFourColumns) row.Set(column, "VALUE1");
+  row.Commit();
+}
+
+/// Asks storcli how many controllers there are; null when it cannot be asked. A report that cannot
+/// be opened passes without a word: the log shows its path.
+std::unique_ptr<TextFile> OpenCountReport(const std::string& hostFolder) {
+  const std::string report = GetLogFolder() + "ctrlcount.txt";
+  const std::string command = ReportCommand(hostFolder + kStorcli, "show ctrlcount", report);
+  kLog(kDetail, "ctrlcout path:", command);
+  if (!RunLogged(kLog, command)) return nullptr;
+  const std::string path = DoubleBackslashes(report);
+  kLog(kDetail, "ctrlcout path:", path);
+  return Machine().OpenText(path);
+}
+
+/// The one character behind "Controller Count = ", as a number: 12 reads as 1, a letter as a number
+/// beyond the digits. Without a count there is still controller 0 to look at.
+int ReadControllerCount(TextFile* report) {
+  int count = 1;
+  std::string_view line;
+  for (LineReader lines(report); lines.Next(line);) {
+    const std::size_t label = line.find(kCountLabel);
+    if (label == std::string_view::npos) continue;
+    count = static_cast<signed char>(*TextFrom(line, label + kCountLabel.size() + 1)) - '0';
+  }
+  return count;
+}
 
 }  // namespace
 
@@ -34,8 +94,8 @@ std::string RSampleModule2::GetDescription() { return "Sample Module 2"; }
 
 void RSampleModule2::RegisterTables() {
   const auto enumerate = &RSampleModule2::EnumPQ2Instances;
-  RegisterTable(kTable1, enumerate, &RSampleModule2::FormatReadingsTable);
-  RegisterTable(kTable2, enumerate, &RSampleModule2::FormatFourColumnTable);
+  RegisterTable(kSample2Table1, enumerate, &RSampleModule2::FormatReadingsTable);
+  RegisterTable(kSample2Table2, enumerate, &RSampleModule2::FormatFourColumnTable);
   for (const std::string& page : {kEventLog1, kEventLog2, kEventLog3, kEventLog4, kEventLog5}) {
     RegisterTable(page, enumerate, &RSampleModule2::FormatEventLogTable);
   }
@@ -63,7 +123,28 @@ void RSampleModule2::EnumPQ2Instances(RRepository& repo) {
   CollectOnce(kLog, "EnumPQ2Instances", [&] { CollectData(repo); });
 }
 
-// Collects nothing yet.
-void RSampleModule2::CollectData(RRepository& /*repo*/) {}
+void RSampleModule2::CollectData(RRepository& repo) {
+  kLog(kProgress, "Enter CollectData");
+  AddSampleReadings(repo);
+  AddSampleTexts(repo);
+
+  const RaidLogsCollection collection{repo, kLog, GetExeFolder()};
+  kLog(kProgress, "the exepath:", collection.hostFolder);
+  auto countReport = OpenCountReport(collection.hostFolder);
+  if (!countReport) return;
+  const int count = ReadControllerCount(countReport.get());
+  for (int controller = 0; controller < count; ++controller) {
+    CollectLogLinks(collection, controller);
+  }
+
+  CollectEventLog(collection);
+  CollectTermLog(collection);
+  CollectDriveDetails(collection);
+  CollectDriveLists(collection);
+  CollectSas2IrLog(collection);
+  CollectIntelDevices(collection);
+  countReport.reset();
+  kLog(kProgress, "Exit CollectData");
+}
 
 }  // namespace pq

@@ -1,0 +1,18 @@
+#include "pqmodules/rsamplemodule2/collection.h"
+
+#include "frame/report_file.h"
+#include "frame/tool_runner.h"
+
+namespace pq {
+
+std::unique_ptr<TextFile> RunStorcli(const RaidLogsCollection& collection,
+                                     const StorcliReport& report) {
+  const std::string path = GetLogFolder() + report.fileName;
+  const std::string command =
+      ReportCommand(collection.hostFolder + kStorcli, report.arguments, path);
+  if (report.commandMessage != nullptr) collection.log(kProgress, report.commandMessage, command);
+  if (!RunLogged(collection.log, command)) return nullptr;
+  return OpenReport(collection.log, path, "Failed to open raid log file");
+}
+
+}  // namespace pq

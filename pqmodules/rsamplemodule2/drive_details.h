@@ -1,0 +1,11 @@
+// The detailed report of every drive behind the first controller, one row per drive.
+#pragma once
+
+#include "pqmodules/rsamplemodule2/collection.h"
+
+namespace pq {
+
+/// Adds the rows of "PDLIST".
+void CollectDriveDetails(const RaidLogsCollection& collection);
+
+}  // namespace pq

@@ -1,0 +1,47 @@
+// The three tables of the first controller's summary: topology, virtual drives, physical drives.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "frame/row_buffer.h"
+#include "pqmodules/rsamplemodule2/collection.h"
+
+namespace pq {
+
+inline constexpr std::size_t kDriveListCount = 3;
+
+/// Tells which lines of a summary are data rows, and of which list: topology, virtual drives,
+/// physical drives, in this order.
+class DriveListScan {
+ public:
+  /// Per list, whether `line` is one of its rows. A line can be a row of several lists: a title
+  /// that comes before the rule that ends the list before it leaves both open.
+  std::array<bool, kDriveListCount> Take(std::string_view line);
+
+ private:
+  std::array<bool, kDriveListCount> inList{};
+  int headLines = 0;  // One count for all lists.
+};
+
+/// A size from its number and its unit, as far as it fits the room of a size.
+std::string JoinSize(std::string_view number, std::string_view unit);
+
+/// Which blank-separated token of a data row fills a column.
+struct TokenColumn {
+  std::size_t token;  ///< from 1
+  Column column;
+  bool isSize = false;  ///< the token is the number and the next one is the unit
+};
+
+/// The values of a data row's columns, in order, up to the first column that the row lacks.
+std::vector<std::string> ReadDriveRow(std::string_view line,
+                                      const std::vector<TokenColumn>& columns);
+
+/// Adds the rows of "TINFO", "VINFO" and "PINFO".
+void CollectDriveLists(const RaidLogsCollection& collection);
+
+}  // namespace pq

@@ -1,0 +1,47 @@
+// storcli /c0 show termlog:
+//
+//   CLI Version = 007.1613.0000.0000 Oct 29, 2020
+//   ...
+//   Firmware Term Log Information on controller 0:
+//   T10: C0:DM_DeviceInserted: tempdevId[51], DevHandle[a],enclHandle 1
+//
+// Once the marker is known to be there, every line is a row, the tool's own head included: what the
+// tool says about the controller belongs to the log.
+
+#include "pqmodules/rsamplemodule2/term_log.h"
+
+#include "frame/label_table.h"
+#include "frame/row_buffer.h"
+#include "frame/tool_runner.h"
+
+namespace pq {
+namespace {
+
+constexpr StorcliReport kReport{"/c0 show termlog", "fwtermlog.txt", nullptr};
+constexpr std::string_view kMarker = "Firmware Term Log Information";
+const Column kLine{"FWTERMLOG", "FW termlog"};
+
+bool HoldsMarker(TextFile* file) {
+  std::string_view line;
+  for (LineReader lines(file); lines.Next(line);) {
+    if (Holds(line, kMarker)) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+void CollectTermLog(const RaidLogsCollection& collection) {
+  const auto file = RunStorcli(collection, kReport);
+  if (!file) return;
+  RowBuffer row(collection.repo, kFwTermLog, "Controller 0 FW Term Log");
+  if (!HoldsMarker(file.get())) return;
+  file->Rewind();
+  std::string_view line;
+  for (LineReader lines(file.get()); lines.Next(line);) {
+    row.Set(kLine, line);
+    row.Commit();
+  }
+}
+
+}  // namespace pq

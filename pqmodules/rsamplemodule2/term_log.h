@@ -1,0 +1,11 @@
+// The firmware's terminal log of the first controller, one row per line.
+#pragma once
+
+#include "pqmodules/rsamplemodule2/collection.h"
+
+namespace pq {
+
+/// Adds the rows of "FWTERMLOG".
+void CollectTermLog(const RaidLogsCollection& collection);
+
+}  // namespace pq
