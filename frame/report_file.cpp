@@ -1,7 +1,5 @@
 #include "frame/report_file.h"
 
-#include <exception>
-
 #include "frame/tool_runner.h"
 
 namespace pq {
@@ -22,21 +20,6 @@ std::unique_ptr<TextFile> OpenReport(const ModuleLog& log, const std::string& pa
   std::unique_ptr<TextFile> file = Machine().OpenText(DoubleBackslashes(path));
   if (!file) log(kDetail, failure);
   return file;
-}
-
-std::optional<std::string> ReadWhole(const ModuleLog& log, TextFile& file) {
-  const std::uint64_t size = file.SizeAndRewind();
-  log(kDetail, "Size:", size);
-  std::string text;
-  try {
-    text.reserve(size);
-  } catch (const std::exception&) {
-    log(kDetail, "Malloc failed!");
-    return std::nullopt;
-  }
-  std::string_view line;
-  for (LineReader lines(&file); lines.Next(line);) text += line;
-  return text;
 }
 
 }  // namespace pq

@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 
 #include "frame/module.h"
@@ -33,9 +32,5 @@ bool RunLogged(const ModuleLog& log, const std::string& commandLine, const Start
 /// Opens `path`, its backslashes doubled. A failure is logged at level 4 as `failure`; null then.
 std::unique_ptr<TextFile> OpenReport(const ModuleLog& log, const std::string& path,
                                      const char* failure);
-
-/// Logs the size of `file` and reads all of its text, each line up to its first NUL. When there is
-/// no memory for it, that is logged and there is no text.
-std::optional<std::string> ReadWhole(const ModuleLog& log, TextFile& file);
 
 }  // namespace pq
