@@ -39,7 +39,8 @@ std::unique_ptr<LiveLibrary> LoadLiveLibrary(const std::filesystem::path& plugin
                                              MachineObserver* observer);
 
 /// Creates `folder` (with its parents) and makes it the log folder of this machine's facts and of
-/// the logger. Throws LiveError, also when the folder's path has no form in the machine's code page.
+/// the logger. Throws LiveError, also when the folder's path has no form in the machine's code
+/// page.
 MachineFacts PrepareLiveMachine(const std::filesystem::path& folder);
 
 }  // namespace host

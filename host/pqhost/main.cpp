@@ -1,15 +1,12 @@
-#include <cstdio>
-#include <exception>
+#include <iostream>
 
-#include "host/pqhost/recording_file.h"
+#include "host/pqhost/pqhost.h"
+#include "host/pqhost/terminal.h"
 
-// Checks a recording.
 int main(int argc, char** argv) {
-  try {
-    if (argc != 2) throw host::RecordingError("one argument is needed: the folder of a recording");
-    host::LoadRecording(argv[1]);
-  } catch (const std::exception& problem) {
-    std::fprintf(stderr, "%s\n", problem.what());
-    return 2;
-  }
+  const host::TerminalFacts facts = host::PrepareTerminal();
+  const host::Console console{
+      std::cout,    std::cerr,   facts.outIsTerminal,  facts.errorIsTerminal,
+      facts.colors, facts.width, host::ProgramFolder()};
+  return host::RunPqhost(host::ProgramArguments(argc, argv), console);
 }

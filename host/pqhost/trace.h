@@ -5,22 +5,22 @@
 #include <string>
 
 #include "host/logger/logger.h"
-#include "host/recorded/machine_observer.h"
+#include "host/pqhost/collection_listener.h"
 #include "host/repository/observer.h"
 
 namespace host {
 
 /// Writes the events that it sees, and those that the host tells it, to `out`. Every byte of a text
 /// becomes the character with that code.
-class TraceWriter final : public RepositoryObserver, public MachineObserver {
+class TraceWriter final : public RepositoryObserver, public CollectionListener {
  public:
   explicit TraceWriter(std::ostream& out) : out(out) {}
 
-  void Module(const std::string& name, const std::string& description);
+  void Module(const std::string& name, const std::string& description) override;
   /// The layout calls that follow are for `table`.
-  void Layout(const std::string& table);
-  void Enumerate(const std::string& module, const std::string& table);
-  void Log(const LogLine& line);
+  void Layout(const std::string& table) override;
+  void Enumerate(const std::string& module, const std::string& table) override;
+  void Log(const LogLine& line) override;
 
   void OnInstance(std::uint64_t id, const std::string& className, const std::string& key,
                   int number) override;

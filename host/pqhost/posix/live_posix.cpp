@@ -4,7 +4,8 @@ namespace host {
 namespace {
 
 constexpr char kNeedsWindows[] =
-    "collecting from this machine itself needs Windows; here, give a recording with --replay FOLDER";
+    "collecting from this machine itself needs Windows; here, give a recording with --replay "
+    "FOLDER";
 
 }  // namespace
 

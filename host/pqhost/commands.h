@@ -1,0 +1,16 @@
+// The program's commands. Each returns the exit code and throws UsageError, RecordingError or
+// LiveError when it cannot begin.
+#pragma once
+
+#include "host/pqhost/options.h"
+#include "host/pqhost/pqhost.h"
+
+namespace host {
+
+int RunModulesCommand(const Options& options, const Console& console);
+int RunCollectCommand(const Options& options, const Console& console);
+
+/// One line on standard error, begun with the program's name; nothing in it reaches a terminal raw.
+void Complain(const Console& console, const std::string& text);
+
+}  // namespace host

@@ -1,0 +1,38 @@
+// What could not be collected, derived from what the host sees of a collection.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "host/pqhost/collection_listener.h"
+
+namespace host {
+
+/// One thing that could not be collected. Texts are bytes in the machine's code page.
+struct Failure {
+  std::string module;
+  std::string tool;  ///< file name of the program concerned; empty when none was started yet
+  std::string text;  ///< the module's own words, without the log's prefix
+};
+
+/// Whether the log line says that something could not be collected. That a machine has no tool or
+/// controller of some vendor is nothing of the kind.
+bool ReportsFailure(const LogLine& line);
+
+/// Gathers the failures of a collection.
+class FailureList final : public CollectionListener {
+ public:
+  const std::vector<Failure>& Failures() const { return failures; }
+
+  void Module(const std::string& name, const std::string& description) override;
+  void OnProcess(const std::string& application, const std::string& commandLine,
+                 bool inheritHandles, bool pipe) override;
+  void Log(const LogLine& line) override;
+
+ private:
+  std::string module;
+  std::string tool;
+  std::vector<Failure> failures;
+};
+
+}  // namespace host

@@ -1,0 +1,264 @@
+#include "host/pqhost/options.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+
+#include "host/pqhost/formats.h"
+#include "host/pqhost/nearest_name.h"
+#include "host/pqhost/usage_error.h"
+#include "host/pqhost/version.h"
+
+namespace host {
+namespace {
+
+constexpr char kExamples[] = R"(Examples:
+  pqhost collect                                 this machine's tables (Windows)
+  pqhost collect --replay samples/two-socket-server
+                                                 the tables of a recorded machine
+  pqhost collect --table ARPINFO --format csv --output arp.csv
+                                                 one table as a file
+  pqhost collect --replay RECORDING --trace -    all that the modules did, in order
+  pqhost modules                                 which modules and tables there are
+)";
+
+constexpr char kCollectExamples[] = R"(Examples:
+  pqhost collect --module BMC_Info --module Windows_Related_Info
+  pqhost collect --replay RECORDING --format json --output server.json
+  pqhost collect --replay RECORDING --log-folder logs --format none
+
+Exit codes: 0 done; 1 something could not be collected, with a line for each on
+standard error; 2 wrong use or unreadable input.
+)";
+
+constexpr char kModulesExamples[] = R"(Examples:
+  pqhost modules
+  pqhost modules --format json
+)";
+
+/// What CLI11 fills in.
+struct Given {
+  std::string replay;
+  std::string logFolder;
+  std::string plugin;
+  std::string format;
+  std::string output;
+  std::string trace;
+};
+
+std::filesystem::path PathOf(const std::string& utf8) {
+  return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
+}
+
+std::optional<std::filesystem::path> OptionalPath(const CLI::App& app, const std::string& option,
+                                                  const std::string& value) {
+  if (app.count(option) == 0) return std::nullopt;
+  if (value.empty()) throw UsageError(option + " is empty: give a path");
+  return PathOf(value);
+}
+
+Destination DestinationOf(const std::string& option, const std::string& value) {
+  if (value.empty()) throw UsageError(option + " is empty: give a file, or - for standard output");
+  return {value == "-" ? std::filesystem::path() : PathOf(value)};
+}
+
+std::vector<std::string> OptionNames(const CLI::App& app) {
+  std::vector<std::string> names;
+  for (const CLI::Option* option : app.get_options()) {
+    for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+  }
+  return names;
+}
+
+std::vector<std::string> CommandNames(const CLI::App& app) {
+  std::vector<std::string> names;
+  for (const CLI::App* command : app.get_subcommands({})) names.push_back(command->get_name());
+  return names;
+}
+
+/// Words that belong to nothing: a mistyped command or option.
+void RefuseExtras(const CLI::App& app, const CLI::App* command) {
+  const CLI::App& where = command == nullptr ? app : *command;
+  const std::vector<std::string> extras = app.remaining(/*recurse=*/true);
+  if (extras.empty()) return;
+  const std::string& word = extras.front();
+  if (word.starts_with("-")) {
+    const std::string name = word.substr(0, word.find('='));
+    throw UsageError(fmt::format("there is no option {}{} (see pqhost{}{} --help)", name,
+                                 SuggestName(name, OptionNames(where)),
+                                 command == nullptr ? "" : " ",
+                                 command == nullptr ? "" : command->get_name()));
+  }
+  if (command != nullptr) {
+    throw UsageError(fmt::format("{} takes no argument {} (see pqhost {} --help)",
+                                 command->get_name(), word, command->get_name()));
+  }
+  throw UsageError(fmt::format("there is no command {}{} (commands: {})", word,
+                               SuggestName(word, CommandNames(app)),
+                               fmt::join(CommandNames(app), ", ")));
+}
+
+std::vector<std::string> FormatNames() {
+  std::vector<std::string> names;
+  for (const Format& format : Formats()) names.emplace_back(format.name);
+  return names;
+}
+
+void CheckFormat(const std::string& format, const std::vector<std::string>& names) {
+  if (std::find(names.begin(), names.end(), format) != names.end()) return;
+  throw UsageError(fmt::format("there is no format {}{} (formats: {})", format,
+                               SuggestName(format, names), fmt::join(names, ", ")));
+}
+
+/// CLI11's complaint as one line.
+std::string OneLine(std::string text) {
+  std::replace(text.begin(), text.end(), '\n', ' ');
+  return text;
+}
+
+class Parser {
+ public:
+  Parser() {
+    app.name("pqhost");
+    app.description("Collects what a server knows about itself and shows it as tables.");
+    app.footer(kExamples);
+    app.set_version_flag("--version", fmt::format("pqhost {}", kVersion), "Show the version");
+    Prepare(app);
+    DefineCollect();
+    DefineModules();
+  }
+
+  Options Parse(std::vector<std::string> arguments) {
+    std::reverse(arguments.begin(), arguments.end());
+    try {
+      app.parse(std::move(arguments));
+    } catch (const CLI::CallForHelp&) {
+      return ShowText(HelpText());
+    } catch (const CLI::CallForVersion& version) {
+      return ShowText(std::string(version.what()) + "\n");
+    } catch (const CLI::ParseError& error) {
+      throw UsageError(fmt::format("{} (see pqhost --help)", OneLine(error.what())));
+    }
+    const CLI::App* command = collect->parsed() ? collect : modules->parsed() ? modules : nullptr;
+    RefuseExtras(app, command);
+    if (command == nullptr) {
+      throw UsageError(fmt::format("nothing to do: give a command ({}; see pqhost --help)",
+                                   fmt::join(CommandNames(app), ", ")));
+    }
+    options.command = command == collect ? Command::kCollect : Command::kModules;
+    return Finish(*command);
+  }
+
+ private:
+  static void Prepare(CLI::App& command) {
+    command.allow_extras();
+    command.allow_windows_style_options(false);
+    command.set_help_flag("-h,--help", "Show this help");
+    command.get_formatter()->column_width(30);
+  }
+
+  void DefineCollect() {
+    collect = app.add_subcommand("collect", "Run the modules and show what they collect");
+    Prepare(*collect);
+    collect->footer(kCollectExamples);
+    collect->add_option("--module", options.modules, "Use this module; may be repeated")
+        ->type_name("NAME")
+        ->allow_extra_args(false);
+    collect->add_option("--table", options.tables, "Enumerate this table; may be repeated")
+        ->type_name("CLASS")
+        ->allow_extra_args(false);
+    collect->add_option("--replay", given.replay, "Collect from this recording of a machine")
+        ->type_name("FOLDER");
+    collect
+        ->add_option("--log-folder", given.logFolder,
+                     "Folder for the files that the tools leave; live: logs, unless given")
+        ->type_name("FOLDER");
+    collect
+        ->add_option("--plugin", given.plugin,
+                     "The library; repository_pqmodule.dll beside this program, unless given")
+        ->type_name("FILE");
+    collect->add_option("--format", given.format, "Format of the results: " + FormatList())
+        ->type_name("NAME");
+    collect->add_option("--output", given.output, "Write the results to this file")
+        ->type_name("FILE");
+    collect->add_option("--trace", given.trace, "Write all that the modules do to this file, or -")
+        ->type_name("FILE");
+  }
+
+  void DefineModules() {
+    modules = app.add_subcommand("modules", "List the modules and their tables");
+    Prepare(*modules);
+    modules->footer(kModulesExamples);
+    modules->add_option("--plugin", given.plugin, "Ask this library (Windows)")->type_name("FILE");
+    modules->add_option("--format", given.format, "Format: table or json")->type_name("NAME");
+  }
+
+  static std::string FormatList() {
+    return fmt::format("{}; {} unless given", fmt::join(FormatNames(), ", "),
+                       Formats().front().name);
+  }
+
+  static Options ShowText(std::string text) {
+    Options options;
+    options.text = std::move(text);
+    return options;
+  }
+
+  std::string HelpText() const {
+    const CLI::App* command = collect->parsed() ? collect : modules->parsed() ? modules : nullptr;
+    if (command == nullptr) return app.help();
+    return command->help("pqhost " + command->get_name());
+  }
+
+  Options Finish(const CLI::App& command) {
+    options.plugin = OptionalPath(command, "--plugin", given.plugin);
+    const bool formatGiven = command.count("--format") > 0;
+    options.format = formatGiven ? given.format : Formats().front().name;
+    if (options.command == Command::kModules) {
+      CheckFormat(options.format, {"table", "json"});
+      return options;
+    }
+    CheckFormat(options.format, FormatNames());
+    options.replay = OptionalPath(command, "--replay", given.replay);
+    options.logFolder = OptionalPath(command, "--log-folder", given.logFolder);
+    if (command.count("--output") > 0) options.output = DestinationOf("--output", given.output);
+    if (command.count("--trace") > 0) {
+      options.trace = DestinationOf("--trace", given.trace);
+      // A trace on standard output stands alone there, unless a format is asked for.
+      const bool outputFree =
+          options.trace->IsStandardOutput() && options.output.IsStandardOutput();
+      if (outputFree && !formatGiven) options.format = "none";
+      if (outputFree && options.format != "none") {
+        throw UsageError(
+            fmt::format("--trace - and --format {} both want standard output: send "
+                        "one of them to a file (--output FILE or --trace FILE)",
+                        options.format));
+      }
+      if (!outputFree && options.trace->path == options.output.path) {
+        throw UsageError("--trace and --output name the same file: give each its own");
+      }
+    }
+    if (options.replay && options.plugin) {
+      throw UsageError(
+          "--plugin has no use with --replay, which runs the built-in modules: leave "
+          "one of them away");
+    }
+    return options;
+  }
+
+  CLI::App app;
+  CLI::App* collect = nullptr;
+  CLI::App* modules = nullptr;
+  Given given;
+  Options options;
+};
+
+}  // namespace
+
+Options ParseOptions(const std::vector<std::string>& arguments) {
+  return Parser().Parse(arguments);
+}
+
+}  // namespace host

@@ -1,0 +1,36 @@
+// The command line: what the program is asked to do.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace host {
+
+enum class Command { kShowText, kModules, kCollect };
+
+/// A file to write to; "-" on the command line is standard output.
+struct Destination {
+  std::filesystem::path path;  ///< empty: standard output
+  bool IsStandardOutput() const { return path.empty(); }
+};
+
+struct Options {
+  Command command = Command::kShowText;
+  std::string text;  ///< of kShowText: help or version
+
+  std::vector<std::string> modules;  ///< in the order named; empty: all
+  std::vector<std::string> tables;   ///< in the order named; empty: all
+  std::optional<std::filesystem::path> replay;
+  std::optional<std::filesystem::path> logFolder;
+  std::optional<std::filesystem::path> plugin;
+  std::string format;  ///< one of the formats' names
+  Destination output;
+  std::optional<Destination> trace;
+};
+
+/// Reads the arguments (UTF-8, without the program's name). Throws UsageError.
+Options ParseOptions(const std::vector<std::string>& arguments);
+
+}  // namespace host

@@ -1,0 +1,68 @@
+#include "host/pqhost/output_file.h"
+
+#include <fmt/format.h>
+
+#include <cerrno>
+#include <cstring>
+#include <random>
+#include <string>
+#include <system_error>
+#include <utility>
+
+#include "host/pqhost/usage_error.h"
+
+namespace host {
+
+namespace fs = std::filesystem;
+
+std::string PathText(const fs::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
+}
+
+std::string ExplainUnwritable(const fs::path& path) {
+  const int why = errno;
+  std::error_code ignored;
+  if (fs::is_directory(path, ignored)) return "it is a folder";
+  const fs::path folder = path.parent_path();
+  if (!folder.empty() && !fs::exists(folder, ignored)) {
+    return fmt::format("the folder {} does not exist", PathText(folder));
+  }
+  return why == 0 ? "the system gives no reason" : std::strerror(why);
+}
+
+OutputFile::OutputFile(fs::path path) : path(std::move(path)), partial(this->path) {
+  // Two runs that write to one place must not write into each other's file.
+  partial += fmt::format(".{:08x}.part", std::random_device{}());
+  std::error_code ignored;
+  errno = 0;
+  if (!fs::is_directory(this->path, ignored)) stream.open(partial, std::ios::binary);
+  if (!stream.is_open()) {
+    const std::string why = ExplainUnwritable(this->path);
+    throw UsageError(fmt::format("cannot write {}: {}", PathText(this->path), why));
+  }
+}
+
+OutputFile::~OutputFile() {
+  if (complete) return;
+  stream.close();
+  std::error_code ignored;
+  fs::remove(partial, ignored);
+}
+
+void OutputFile::Complete() {
+  errno = 0;
+  stream.close();
+  if (!stream) {
+    const std::string why = ExplainUnwritable(path);
+    throw std::runtime_error(fmt::format("cannot write {}: {}", PathText(path), why));
+  }
+  std::error_code error;
+  fs::rename(partial, path, error);
+  if (error) {
+    throw std::runtime_error(fmt::format("cannot write {}: {}", PathText(path), error.message()));
+  }
+  complete = true;
+}
+
+}  // namespace host

@@ -1,0 +1,39 @@
+// A result file that is either whole or not there.
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <ostream>
+
+namespace host {
+
+/// Written beside its final place and renamed when it is complete; an interrupted or failed run
+/// leaves what stood there before.
+class OutputFile {
+ public:
+  /// Throws UsageError when it cannot be created.
+  explicit OutputFile(std::filesystem::path path);
+  OutputFile(const OutputFile&) = delete;
+  OutputFile& operator=(const OutputFile&) = delete;
+  /// Removes what was written unless Complete() succeeded.
+  ~OutputFile();
+
+  std::ostream& Stream() { return stream; }
+  /// Closes the file and puts it in its place. Throws std::runtime_error when it could not be
+  /// written.
+  void Complete();
+
+ private:
+  std::filesystem::path path;
+  std::filesystem::path partial;
+  std::ofstream stream;
+  bool complete = false;
+};
+
+/// The path as UTF-8, for messages.
+std::string PathText(const std::filesystem::path& path);
+
+/// Why `path` cannot be created or written, in a few words. Call it at once after the failure.
+std::string ExplainUnwritable(const std::filesystem::path& path);
+
+}  // namespace host

@@ -1,0 +1,59 @@
+#include "host/pqhost/pqhost.h"
+
+#include <exception>
+
+#include "host/pqhost/commands.h"
+#include "host/pqhost/live.h"
+#include "host/pqhost/options.h"
+#include "host/pqhost/recording_file.h"
+#include "host/pqhost/screen_text.h"
+#include "host/pqhost/usage_error.h"
+
+namespace host {
+namespace {
+
+int RunCommand(const Options& options, const Console& console) {
+  switch (options.command) {
+    case Command::kModules:
+      return RunModulesCommand(options, console);
+    case Command::kCollect:
+      return RunCollectCommand(options, console);
+    case Command::kShowText:
+      break;
+  }
+  console.out << options.text;
+  return kExitDone;
+}
+
+}  // namespace
+
+void Complain(const Console& console, const std::string& text) {
+  console.error << "pqhost: " << EscapeControls(text) << std::endl;
+}
+
+int RunPqhost(const std::vector<std::string>& arguments, const Console& console) {
+  int exitCode = kExitDone;
+  try {
+    exitCode = RunCommand(ParseOptions(arguments), console);
+  } catch (const UsageError& error) {
+    Complain(console, error.what());
+    exitCode = kExitMisused;
+  } catch (const RecordingError& error) {
+    Complain(console, error.what());
+    exitCode = kExitMisused;
+  } catch (const LiveError& error) {
+    Complain(console, error.what());
+    exitCode = kExitMisused;
+  } catch (const std::exception& error) {
+    Complain(console, error.what());
+    exitCode = kExitIncomplete;
+  }
+  console.out.flush();
+  if (!console.out && exitCode == kExitDone) {
+    Complain(console, "standard output could not be written");
+    exitCode = kExitIncomplete;
+  }
+  return exitCode;
+}
+
+}  // namespace host
