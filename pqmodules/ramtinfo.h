@@ -14,9 +14,15 @@ class RAMTInfo : public CollectionModule {
   std::string GetDescription() override;
   void RegisterTables() override;
 
-  /// Tests for AMT at every call until it is found.
+  /// Tests for AMT at every call; the first call that finds it collects.
   void EnumAMTInstances(RRepository& repo);
   void FormatAMTLogTable(RInstancesWrapper& table);
+
+  /// 0 when the machine has AMT, 1 when it has not or the test could not run.
+  int CheckAMT();
+  /// Asks the operator and records the AMT log, one instance that grows line by line. Returns 0,
+  /// also when the operator declines, or 1 after a failure.
+  int CollectAMTData(RRepository& repo);
 };
 
 }  // namespace pq
