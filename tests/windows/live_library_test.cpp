@@ -1,0 +1,130 @@
+// The plug-in as a loaded library, watched by the host.
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <algorithm>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "frame/logkit/log.h"
+#include "frame/platform.h"
+#include "host/live/module_image.h"
+#include "host/live/watched_imports.h"
+#include "host/pqhost/live.h"
+
+namespace test {
+namespace {
+
+using Modules = std::vector<boost::shared_ptr<halyard::repository::RModule>>;
+
+std::filesystem::path BesideThisProgram(const char* name) {
+  wchar_t path[MAX_PATH];
+  GetModuleFileNameW(nullptr, path, MAX_PATH);
+  return std::filesystem::path(path).parent_path() / name;
+}
+
+/// Why that file cannot be used as the library.
+std::string RefusalOf(const std::filesystem::path& plugin) {
+  try {
+    host::LoadLiveLibrary(plugin, nullptr);
+  } catch (const host::LiveError& error) {
+    return error.what();
+  }
+  return "not refused";
+}
+
+struct Seen final : host::MachineObserver {
+  std::vector<std::string> events;
+  void OnProcess(const std::string& application, const std::string& commandLine,
+                 bool inheritHandles, bool pipe) override {
+    events.push_back(application + " | " + commandLine + (inheritHandles ? " | inherits" : "") +
+                     (pipe ? " | pipe" : ""));
+  }
+  void OnProcessEnd() override { events.emplace_back("end"); }
+};
+
+TEST(LiveLibrary, AddsTheFiveModules) {
+  const auto library = host::LoadLiveLibrary(BesideThisProgram(host::kPluginFileName), nullptr);
+  Modules modules;
+  library->AddModules(modules);
+  std::vector<std::string> names;
+  for (const auto& module : modules) names.push_back(module->GetName());
+  EXPECT_EQ(names, (std::vector<std::string>{"sampleModule1", "sampleModule2", "BMC_Info",
+                                             "AMT_Info", "Windows_Related_Info"}));
+}
+
+TEST(LiveLibrary, ShowsTheProcessesThatItStarts) {
+  Seen seen;
+  const auto library = host::LoadLiveLibrary(BesideThisProgram(host::kPluginFileName), &seen);
+  Modules modules;
+  library->AddModules(modules);
+  const auto& bmc = modules.at(2);
+  bmc->RegisterTables();
+  halyard::repository::RRepository repository;
+  // The detection tool is not there: the interpreter starts, says so and ends.
+  bmc->Tables().at("MCINFO").enumHandler(repository);
+  const std::string folder = BesideThisProgram("").parent_path().string();
+  EXPECT_EQ(seen.events,
+            (std::vector<std::string>{std::string(pq::kInterpreter) + " | /c \"" + folder +
+                                          "\\pq_tools\\check_amt_bmc.exe\" bmc",
+                                      "end"}));
+}
+
+TEST(LiveLibrary, IsRefusedWhenItIsMissing) {
+  const std::string refusal = RefusalOf(BesideThisProgram("nothing_of_that_name.dll"));
+  EXPECT_NE(refusal.find("nothing_of_that_name.dll"), std::string::npos) << refusal;
+  EXPECT_NE(refusal.find("(system error 126)"), std::string::npos) << refusal;
+}
+
+TEST(LiveLibrary, IsRefusedWhenItExportsNoAddModules) {
+  const std::string refusal = RefusalOf(BesideThisProgram("logger.dll"));
+  EXPECT_NE(refusal.find("exports no function AddModules"), std::string::npos) << refusal;
+}
+
+TEST(WatchedImports, PutsTheAddressesBack) {
+  HMODULE plugin = LoadLibraryW(BesideThisProgram(host::kPluginFileName).c_str());
+  ASSERT_NE(plugin, nullptr);
+  const auto addresses = [&] {
+    std::vector<void*> values;
+    for (const host::Import& import : host::ListImports(plugin)) values.push_back(*import.slot);
+    return values;
+  };
+  const std::vector<void*> before = addresses();
+  host::MachineObserver observer;
+  {
+    const host::WatchedImports watched(plugin, observer);
+    EXPECT_NE(addresses(), before);
+  }
+  EXPECT_EQ(addresses(), before);
+}
+
+TEST(LiveMachine, CreatesTheLogFolderAndTellsTheLogger) {
+  const std::filesystem::path folder = BesideThisProgram("live machine test") / "logs";
+  std::filesystem::remove_all(folder.parent_path());
+  const host::MachineFacts facts = host::PrepareLiveMachine(folder);
+  EXPECT_TRUE(std::filesystem::is_directory(folder));
+  char told[256];
+  LogKit::GetLogDir(told, sizeof(told));
+  EXPECT_EQ(told, folder.string() + "\\");
+  EXPECT_EQ(facts.logFolder, folder.string() + "\\");
+  EXPECT_EQ(facts.languageId, GetSystemDefaultLCID());
+  std::filesystem::remove_all(folder.parent_path());
+}
+
+TEST(LiveMachine, RefusesALogFolderThatThePluginHasNoRoomFor) {
+  const std::filesystem::path folder =
+      BesideThisProgram("live machine test") / std::string(150, 'a') / std::string(100, 'b');
+  EXPECT_THROW(host::PrepareLiveMachine(folder), host::LiveError);
+  std::filesystem::remove_all(BesideThisProgram("live machine test"));
+}
+
+TEST(LiveMachine, RefusesALogFolderThatTheCodePageLacks) {
+  const std::filesystem::path folder = BesideThisProgram("live machine test") / L"\x0434\x4e2d";
+  EXPECT_THROW(host::PrepareLiveMachine(folder), host::LiveError);
+  std::filesystem::remove_all(BesideThisProgram("live machine test"));
+}
+
+}  // namespace
+}  // namespace test
