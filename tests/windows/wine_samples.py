@@ -1,0 +1,321 @@
+"""Runs the Windows program with the real library under Wine on every recording in samples/, and
+compares what it did with the native replay of the same recording.
+
+Stand-ins for the machine's tools and interpreter (tests/standin) answer from the recording; all
+else is real: processes, pipes, files, the console, the system language. Two things differ by nature
+and are levelled first, see `merge_chunks` and `native_only`.
+
+Usage: wine_samples.py WINDOWS_BINARIES STANDINS NATIVE_PQHOST [SAMPLE]...
+Environment: WINEPREFIX, a prefix that this program may change.
+"""
+
+import json
+import locale
+import os
+import pathlib
+import re
+import shutil
+import socket
+import subprocess
+import sys
+
+ROOT = pathlib.Path.cwd()
+PREFIX = pathlib.Path(os.environ["WINEPREFIX"])
+LOCALES = ROOT / "build" / "locale"
+OUTPUT = ROOT / "build" / "wine-samples"
+
+# Where the host looks for its tools, below its own folder.
+TOOL_FOLDERS = ["pq_tools", r"utilities\lsi", r"utilities\arcconf", r"utilities\vroc"]
+# Programs of the system. They stand in the working folder, which the interpreter searches first, so
+# that none of Wine's own answers in place of one that is not recorded.
+SYSTEM_TOOLS = ["arp", "net", "netstat", "route"]
+WORKING_FOLDER = r"C:\Halyard\work"
+HOST_FILES = ["repository_pqmodule.dll", "repository.dll", "logger.dll", "libstdc++-6.dll",
+              "libgcc_s_seh-1.dll", "libwinpthread-1.dll"]
+US_ENGLISH = 1033
+TIME_LIMIT = 300
+
+
+class Failure(Exception):
+    pass
+
+
+def unix_path(windows_path):
+    """Where a path of drive C lies; the parts that exist are found without regard to case."""
+    parts = [part for part in windows_path.split("\\") if part]
+    if parts[0].lower() != "c:":
+        raise Failure(f"{windows_path} is not on drive C")
+    path = PREFIX / "drive_c"
+    for part in parts[1:]:
+        known = [p for p in path.iterdir() if p.name.lower() == part.lower()] if path.is_dir() else []
+        path = known[0] if known else path / part
+    return path
+
+
+def place(source, target):
+    """A second name for a file; a copy where the file system cannot."""
+    target.parent.mkdir(parents=True, exist_ok=True)
+    try:
+        os.link(source, target)
+    except OSError:
+        shutil.copyfile(source, target)
+
+
+def locale_of(language):
+    """A locale from which Wine derives that system language; made when it is not there yet."""
+    if language == US_ENGLISH:
+        return "C"
+    name = locale.windows_locale.get(language)
+    if name is None:
+        raise Failure(f"no locale is known for the language {language}")
+    if not (LOCALES / f"{name}.UTF-8").is_dir():
+        LOCALES.mkdir(parents=True, exist_ok=True)
+        subprocess.run(["localedef", "-i", name, "-f", "UTF-8", LOCALES / f"{name}.UTF-8"], check=True)
+    return f"{name}.UTF-8"
+
+
+def wait_for_wine():
+    """Ends what still runs in the prefix; the next process starts with a language of its own."""
+    subprocess.run(["wineserver", "-k"], check=False)
+    subprocess.run(["wineserver", "-w"], check=False)
+
+
+def run_wine(arguments, language, variables, stdin=b""):
+    environment = os.environ | {"LOCPATH": str(LOCALES), "LC_ALL": locale_of(language)} | variables
+    return subprocess.run(["wine", *arguments], cwd=unix_path(WORKING_FOLDER), env=environment,
+                          input=stdin, capture_output=True, timeout=TIME_LIMIT, check=False)
+
+
+class Machine:
+    """A recording laid out on drive C, until closed."""
+
+    def __init__(self, binaries, standins, sample):
+        self.recording = json.loads((sample / "recording.json").read_text(encoding="utf-8"))
+        self.sample = sample
+        self.placed = []
+        self.host = self.recording.get("hostExecutable", r"C:\Halyard\halyard.exe")
+        self.log_folder = self.recording.get("logFolder", "C:\\Halyard\\logs\\")
+        host_folder = self.host.rpartition("\\")[0]
+        self.folders = {host_folder, self.log_folder, r"C:\Halyard", r"C:\Support"}
+        self.clear()
+        unix_path(WORKING_FOLDER).mkdir(parents=True)
+        unix_path(self.log_folder).mkdir(parents=True, exist_ok=True)
+        place(binaries / "pqhost.exe", unix_path(self.host))
+        for name in HOST_FILES:
+            place(binaries / name, unix_path(host_folder + "\\" + name))
+        self.place_tools(standins / "standin_tool.exe", host_folder)
+        self.place_files()
+
+    def place_tools(self, standin, host_folder):
+        names = {c["tool"].lower().removesuffix(".exe") for c in self.recording.get("commands", [])}
+        for name in SYSTEM_TOOLS:
+            place(standin, unix_path(f"{WORKING_FOLDER}\\{name}.exe"))
+        for name in names - set(SYSTEM_TOOLS):
+            for folder in TOOL_FOLDERS:
+                place(standin, unix_path(f"{host_folder}\\{folder}\\{name}.exe"))
+
+    def place_files(self):
+        etc = unix_path(r"C:\Windows\System32\drivers\etc")
+        shutil.rmtree(etc, ignore_errors=True)
+        etc.mkdir(parents=True)
+        for path, file in self.recording.get("files", {}).items():
+            target = unix_path(path)
+            target.parent.mkdir(parents=True, exist_ok=True)
+            shutil.copyfile(self.sample / file, target)
+            self.placed.append(target)
+        # A folder of that name is what nothing can be written to, whoever runs the test.
+        for path in self.recording.get("readOnly", []):
+            unix_path(path).mkdir(parents=True)
+            self.placed.append(unix_path(path))
+
+    def clear(self):
+        for path in self.placed:
+            if path.is_dir():
+                shutil.rmtree(path, ignore_errors=True)
+            else:
+                path.unlink(missing_ok=True)
+        for folder in self.folders:
+            if unix_path(folder) != PREFIX / "drive_c":
+                shutil.rmtree(unix_path(folder), ignore_errors=True)
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.clear()
+
+
+def native_only(sample):
+    """Why a recording cannot be made real here, or None."""
+    recording = json.loads((sample / "recording.json").read_text(encoding="utf-8"))
+    for member in ["startError", "pipeError", "exitCodeError"]:
+        if any(command.get(member) for command in recording.get("commands", [])):
+            return f"the system cannot be made to fail on demand ({member})"
+    own = {"copy", "md", "findstr"}
+    if any(command["tool"].lower() in own for command in recording.get("commands", [])):
+        return "it records a command of the interpreter's own"
+    files = {path.lower() for path in recording.get("files", {})}
+    if any(path.lower() in files for path in recording.get("readOnly", [])):
+        return "a file that cannot be written is so for everyone only in a recording"
+    return None
+
+
+def merge_chunks(events):
+    """How much one read of a pipe brings depends on time. So the chunks that follow each other, each
+    logged as its text and its size, become one: the texts joined, the sizes added."""
+    def size_of(event):
+        text = event.get("text", "") if event["event"] == "log" else ""
+        match = re.fullmatch(r"\[repo\] dw:(\d+)", text)
+        return int(match[1]) if match else None
+
+    merged = []
+    previous = None  # (text event, size event) of the chunk before, when nothing came between
+    i = 0
+    while i < len(events):
+        pair = None
+        if i + 1 < len(events) and events[i + 1]["event"] == "log":
+            # The Windows module logs the text first, the BMC module the size.
+            sized_first = events[i].get("file") == "pqmodules/rbmcinfo"
+            text, size = (i + 1, i) if sized_first else (i, i + 1)
+            if events[text]["event"] == "log" and size_of(events[size]) is not None:
+                pair = events[text], events[size]
+        if pair is None:
+            merged.append(events[i])
+            previous = None
+            i += 1
+            continue
+        if previous is None:
+            merged += [dict(events[i]), dict(events[i + 1])]
+            first, second = merged[-2:]
+            previous = (first, second) if size_of(second) is not None else (second, first)
+        else:
+            previous[0]["text"] += pair[0]["text"].removeprefix("[repo] ")
+            total = size_of(previous[1]) + size_of(pair[1])
+            previous[1]["text"] = f"[repo] dw:{total}"
+        i += 2
+    return merged
+
+
+def read_trace(path):
+    lines = path.read_bytes().split(b"\n")
+    if lines[-1] != b"":
+        raise Failure(f"{path} is cut off")
+    return [json.loads(line) for line in lines[:-1]]
+
+
+def compare(native, wine):
+    native, wine = merge_chunks(native), merge_chunks(wine)
+    if len(native) < 20:
+        raise Failure(f"the native trace has only {len(native)} events")
+    for number, (expected, got) in enumerate(zip(native, wine), start=1):
+        if expected != got:
+            raise Failure(f"event {number} differs\n  native: {json.dumps(expected)[:2000]}\n"
+                          f"  wine:   {json.dumps(got)[:2000]}")
+    if len(native) != len(wine):
+        longer = native if len(native) > len(wine) else wine
+        raise Failure(f"{len(native)} events natively, {len(wine)} under Wine; the first that only "
+                      f"one has: {json.dumps(longer[min(len(native), len(wine))])[:2000]}")
+    return len(native)
+
+
+def standin_variables(sample, state):
+    shutil.rmtree(state, ignore_errors=True)
+    state.mkdir(parents=True)
+    return {"PQ_STANDIN_RECORDING": str(sample), "PQ_STANDIN_STATE": str(state)}
+
+
+def check_sample(binaries, standins, pqhost, sample):
+    """Compares the two traces; says how many events."""
+    traces = OUTPUT / sample.name
+    traces.mkdir(parents=True, exist_ok=True)
+    native_trace, wine_trace = traces / "native.jsonl", traces / "wine.jsonl"
+    wine_trace.unlink(missing_ok=True)
+    native = subprocess.run([pqhost, "collect", "--replay", sample, "--format", "none", "--trace",
+                             native_trace], capture_output=True, check=False, stdin=subprocess.DEVNULL)
+    if native.returncode not in (0, 1):
+        raise Failure(f"native replay: exit code {native.returncode}\n{native.stderr.decode()}")
+    with Machine(binaries, standins, sample) as machine:
+        ran = run_wine([machine.host, "collect", "--log-folder", machine.log_folder.rstrip("\\"),
+                        "--format", "none", "--trace", str(wine_trace)],
+                       machine.recording.get("languageId", US_ENGLISH),
+                       standin_variables(sample, traces / "state")
+                       | {"WINEDLLOVERRIDES": os.environ["WINEDLLOVERRIDES"] + ";cmd.exe=n"},
+                       machine.recording.get("console", "").encode("latin-1"))
+        if ran.returncode not in (0, 1):
+            raise Failure(f"under Wine: exit code {ran.returncode}\n"
+                          f"{ran.stderr.decode(errors='replace')}")
+        return compare(read_trace(native_trace), read_trace(wine_trace))
+
+
+def check_wines_own(binaries, standins, _pqhost, sample):
+    """The ARP and the connection table through Wine's own interpreter and its own netstat, which
+    lists the connections that this very machine has. Wine has no arp; that one stands in."""
+    result = OUTPUT / "wines_own.json"
+    result.unlink(missing_ok=True)
+    with socket.create_server(("127.0.0.1", 0)) as server, \
+         socket.create_connection(server.getsockname()) as client, \
+         Machine(binaries, standins, sample) as machine:
+        local, remote = client.getsockname()[1], client.getpeername()[1]
+        for name in SYSTEM_TOOLS:
+            if name != "arp":
+                unix_path(f"{WORKING_FOLDER}\\{name}.exe").unlink()
+        ran = run_wine([machine.host, "collect", "--module", "Windows_Related_Info", "--log-folder",
+                        machine.log_folder.rstrip("\\"), "--format", "json", "--output", str(result)],
+                       US_ENGLISH,
+                       standin_variables(sample, OUTPUT / "wines_own.state")
+                       | {"WINEDLLOVERRIDES": os.environ["WINEDLLOVERRIDES"] + ";cmd.exe=b"})
+        if ran.returncode not in (0, 1):
+            raise Failure(f"exit code {ran.returncode}\n{ran.stderr.decode(errors='replace')}")
+    collected = json.loads(result.read_text(encoding="utf-8"))
+    rows = {}
+    for module in collected["modules"]:
+        for table in module["tables"]:
+            rows[table["class"]] = [tuple(row.values()) if isinstance(row, dict) else tuple(row)
+                                    for row in table["rows"]]
+    arp_file = next(c["stdout"] for c in machine.recording["commands"] if "arp" in c["tool"])
+    kept = [line.split() for line in (sample / arp_file).read_bytes().decode("latin-1").split("\n")
+            if len(line) + 1 > 52]
+    if not kept or rows["ARPINFO"] != [tuple(words) for words in kept]:
+        raise Failure(f"ARP table: {rows['ARPINFO']}\nexpected: {kept}")
+    # Wine's netstat names the machine where an address is its own.
+    ours = [row for row in rows["NETSTATINFO"]
+            if row[0] == "TCP" and row[1].endswith(f":{local}") and row[2].endswith(f":{remote}")
+            and row[3] == "ESTABLISHED"]
+    if len(ours) != 1:
+        raise Failure(f"the connection {local} to {remote} is in the table {len(ours)} times: "
+                      f"{rows['NETSTATINFO']}")
+    return len(rows["ARPINFO"]) + len(rows["NETSTATINFO"])
+
+
+def main():
+    binaries, standins, pqhost = (pathlib.Path(a).resolve() for a in sys.argv[1:4])
+    samples = sorted(path.parent for path in (ROOT / "samples").glob("*/recording.json"))
+    if len(sys.argv) > 4:
+        samples = [sample for sample in samples if sample.name in sys.argv[4:]]
+    shutil.copyfile(standins / "standin_interpreter.exe", unix_path(r"C:\Windows\System32\cmd.exe"))
+    passed = failed = 0
+
+    def check(name, run, sample):
+        nonlocal passed, failed
+        wait_for_wine()
+        try:
+            print(f"[       OK ] {name}: {run(binaries, standins, pqhost, sample)} events")
+            passed += 1
+        except (Failure, OSError, ValueError, KeyError, subprocess.SubprocessError) as failure:
+            print(f"[  FAILED  ] {name}: {type(failure).__name__}: {failure}")
+            failed += 1
+        sys.stdout.flush()
+
+    for sample in samples:
+        reason = native_only(sample)
+        if reason:
+            print(f"[ native   ] {sample.name}: not under Wine, {reason}")
+        else:
+            check(sample.name, check_sample, sample)
+    check("Wine's own interpreter and netstat", check_wines_own, ROOT / "samples" / "two-socket-server")
+    wait_for_wine()
+    print(f"{passed} passed, {failed} failed")
+    return 1 if failed or not passed else 0
+
+
+sys.exit(main())
