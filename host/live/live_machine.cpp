@@ -57,12 +57,6 @@ std::string ToTools(const std::wstring& text, std::uint32_t codePage) {
 
 MachineFacts PrepareLiveMachine(const std::filesystem::path& folder) {
   std::filesystem::path path = std::filesystem::absolute(folder).make_preferred();
-  std::error_code failure;
-  std::filesystem::create_directories(path, failure);
-  if (failure) {
-    throw LiveError("cannot create the log folder " + ToUtf8(path.native()) + ": " +
-                    DescribeSystemError(static_cast<std::uint32_t>(failure.value())));
-  }
   if (path.has_filename()) path /= L"";  // ends with a backslash then
   const std::wstring& text = path.native();
 
@@ -76,6 +70,12 @@ MachineFacts PrepareLiveMachine(const std::filesystem::path& folder) {
   if (narrow->size() >= kLogFolderRoom) {
     throw LiveError("the log folder's path is longer than " + std::to_string(kLogFolderRoom - 1) +
                     " characters; choose another with --log-folder");
+  }
+  std::error_code failure;
+  std::filesystem::create_directories(path, failure);
+  if (failure) {
+    throw LiveError("cannot create the log folder " + ToUtf8(path.native()) + ": " +
+                    DescribeSystemError(static_cast<std::uint32_t>(failure.value())));
   }
   SetLogFolder(*narrow);
 

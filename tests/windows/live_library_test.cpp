@@ -115,15 +115,15 @@ TEST(LiveMachine, CreatesTheLogFolderAndTellsTheLogger) {
 
 TEST(LiveMachine, RefusesALogFolderThatThePluginHasNoRoomFor) {
   const std::filesystem::path folder =
-      BesideThisProgram("live machine test") / std::string(150, 'a') / std::string(100, 'b');
+      BesideThisProgram("refused") / std::string(150, 'a') / std::string(100, 'b');
   EXPECT_THROW(host::PrepareLiveMachine(folder), host::LiveError);
-  std::filesystem::remove_all(BesideThisProgram("live machine test"));
+  EXPECT_FALSE(std::filesystem::exists(BesideThisProgram("refused")));
 }
 
 TEST(LiveMachine, RefusesALogFolderThatTheCodePageLacks) {
-  const std::filesystem::path folder = BesideThisProgram("live machine test") / L"\x0434\x4e2d";
+  const std::filesystem::path folder = BesideThisProgram("refused") / L"\x0434\x4e2d";
   EXPECT_THROW(host::PrepareLiveMachine(folder), host::LiveError);
-  std::filesystem::remove_all(BesideThisProgram("live machine test"));
+  EXPECT_FALSE(std::filesystem::exists(BesideThisProgram("refused")));
 }
 
 }  // namespace
