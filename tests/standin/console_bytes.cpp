@@ -37,9 +37,12 @@ OwnCommandLine ReadOwnCommandLine() {
 }
 
 std::string NotRecognized(std::string_view program) {
-  return "'" + std::string(program) +
-         "' is not recognized as an internal or external command,\r\n"
-         "operable program or batch file.\r\n";
+  std::string words = "'";
+  words += program;
+  words +=
+      "' is not recognized as an internal or external command,\r\n"
+      "operable program or batch file.\r\n";
+  return words;
 }
 
 }  // namespace test
