@@ -39,7 +39,7 @@ class ModuleLog {
   template <typename... Parts>
   void operator()(LogLevel at, const Parts&... parts) const {
     LogKit::Log line(at.level, file, at.line);
-    (line.Stream() << "[repo] " << ... << parts);
+    ((line.Stream() << "[repo] ") << ... << parts);
   }
 
  private:
