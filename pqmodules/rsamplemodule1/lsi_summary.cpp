@@ -1,0 +1,61 @@
+// storcli /c0 show: one "label = value" line per fact, then tables of drives that stay unread here.
+//
+//   Product Name = ACME 9460
+//   Serial Number = SK7
+//   ...
+//   Function Number = 0
+
+#include "pqmodules/rsamplemodule1/lsi_summary.h"
+
+#include <utility>
+
+#include "frame/report_file.h"
+#include "frame/tool_runner.h"
+#include "pqmodules/rsamplemodule1/tables.h"
+
+namespace pq {
+namespace {
+
+/// A value begins right after its label's equals sign: its blank and its line end belong to it.
+LabelledColumn After(std::string_view label, Column column, bool endsRow = false) {
+  return {label, label.size(), std::move(column), endsRow};
+}
+
+}  // namespace
+
+const LabelledColumns& LsiSummaryFacts() {
+  static const LabelledColumns facts{
+      After("Product Name =", {"ProductName", "Product Name"}),
+      After("Serial Number =", {"SerialNumber", "Serial Number"}),
+      After("SAS Address =", {"SASAddress", "SAS Address"}),
+      After("Mfg. Date =", {"MfgDate", "Mfg. Date"}),
+      After("System Time =", {"SystemTime", "System Time"}),
+      After("Controller Time =", {"ControllerTime", "Controller Time"}),
+      After("FW Package Build =", {"FWPackageBuild", "FW Package Build"}),
+      After("BIOS Version =", {"BIOSVersion", "BIOS Version"}),
+      After("FW Version =", {"FWVersion", "FW Version"}),
+      After("Driver Name =", {"DriverName", "Driver Name"}),
+      After("Driver Version =", {"DriverVersion", "Driver Version"}),
+      After("Bus Number =", {"BusNumber", "Bus Number"}),
+      After("Device Number =", {"DeviceNumber", "Device Number"}),
+      After("Function Number =", {"FunctionNumber", "Function Number"}, true),
+  };
+  return facts;
+}
+
+void CollectLsiSummary(RRepository& repo) {
+  const std::string folder = GetExeFolder();
+  const std::string path = GetLogFolder() + "c0_showall.txt";
+  CheckFolderFits(folder, 5);
+  if (!RunLogged(kInventoryLog,
+                 ReportCommand(folder + "\\utilities\\lsi\\storcli.exe", "/c0 show", path))) {
+    return;
+  }
+  const auto file = OpenReport(kInventoryLog, path, "Failed to open raid log file");
+  if (!file) return;
+  RowBuffer row(repo, kRaidInfo, "LSI Controller 0 Info");
+  std::string_view line;
+  for (LineReader lines(file.get()); lines.Next(line);) Fill(row, LsiSummaryFacts().FindIn(line));
+}
+
+}  // namespace pq
