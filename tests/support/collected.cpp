@@ -1,6 +1,5 @@
 #include "tests/support/collected.h"
 
-#include <boost/shared_ptr.hpp>
 #include <fstream>
 #include <iterator>
 #include <sstream>
@@ -64,15 +63,6 @@ class Listening {
     host::SetRepositoryObserver(nullptr);
   }
 };
-
-boost::shared_ptr<RModule> FindModule(const std::string& name) {
-  std::vector<boost::shared_ptr<RModule>> modules;
-  AddModules(modules);
-  for (const auto& module : modules) {
-    if (module->GetName() == name) return module;
-  }
-  throw std::invalid_argument("no module is named " + name);
-}
 
 void EnumerateTable(RModule& module, const std::string& table, host::TraceWriter& trace,
                     RRepository& repository) {
@@ -141,6 +131,15 @@ Collected Collect(const host::Recording& recording, const std::string& module,
   collected.files = machine.Files();
   collected.openHandles = machine.OpenHandles();
   return collected;
+}
+
+boost::shared_ptr<RModule> FindModule(const std::string& name) {
+  std::vector<boost::shared_ptr<RModule>> modules;
+  AddModules(modules);
+  for (const auto& module : modules) {
+    if (module->GetName() == name) return module;
+  }
+  throw std::invalid_argument("no module is named " + name);
 }
 
 std::string SamplesFolder() { return PQ_SOURCE_FOLDER "/samples"; }

@@ -1,6 +1,7 @@
 // Runs modules on a recording inside a test and keeps all that came of it.
 #pragma once
 
+#include <boost/shared_ptr.hpp>
 #include <map>
 #include <memory>
 #include <string>
@@ -35,6 +36,9 @@ struct Collected {
 /// every table of its registry when there are none.
 Collected Collect(const host::Recording& recording, const std::string& module,
                   const std::vector<std::string>& tables = {});
+
+/// A new object of the module that calls itself `name`; its tables are not registered yet.
+boost::shared_ptr<halyard::repository::RModule> FindModule(const std::string& name);
 
 /// The folder of the recordings that come with the product.
 std::string SamplesFolder();
