@@ -53,6 +53,13 @@ std::string ToTools(const std::wstring& text, std::uint32_t codePage) {
   return exact ? *exact : ToUtf8(text);
 }
 
+/// The code page of what tools print: the console's, which they share, or, without one, the code
+/// page of the console that the system makes for them.
+std::uint32_t ReadToolCodePage() {
+  const UINT console = GetConsoleOutputCP();
+  return console != 0 ? console : GetOEMCP();
+}
+
 }  // namespace
 
 MachineFacts PrepareLiveMachine(const std::filesystem::path& folder) {
@@ -83,7 +90,7 @@ MachineFacts PrepareLiveMachine(const std::filesystem::path& folder) {
   facts.description = DescribeSystem();
   facts.name = ReadMachineName();
   facts.languageId = GetSystemDefaultLCID();
-  facts.codePage = GetOEMCP();
+  facts.codePage = ReadToolCodePage();
   facts.hostExecutable = ToTools(ReadHostExecutable(), facts.codePage);
   facts.logFolder = ToTools(text, facts.codePage);
   return facts;

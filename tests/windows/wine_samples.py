@@ -52,6 +52,11 @@ def unix_path(windows_path):
     return path
 
 
+def windows_path(path):
+    """How a program under Wine reaches a file of this machine."""
+    return "Z:" + str(path).replace("/", "\\")
+
+
 def place(source, target):
     """A second name for a file; a copy where the file system cannot."""
     target.parent.mkdir(parents=True, exist_ok=True)
@@ -82,8 +87,12 @@ def wait_for_wine():
 
 def run_wine(arguments, language, variables, stdin=b""):
     environment = os.environ | {"LOCPATH": str(LOCALES), "LC_ALL": locale_of(language)} | variables
-    return subprocess.run(["wine", *arguments], cwd=unix_path(WORKING_FOLDER), env=environment,
-                          input=stdin, capture_output=True, timeout=TIME_LIMIT, check=False)
+    ran = subprocess.run(["wine", *arguments], cwd=unix_path(WORKING_FOLDER), env=environment,
+                         input=stdin, capture_output=True, timeout=TIME_LIMIT, check=False)
+    if ran.returncode not in (0, 1):
+        raise Failure(f"exit code {ran.returncode}\n{ran.stderr.decode(errors='replace')}")
+    if b"stand-in" in ran.stderr:
+        raise Failure(ran.stderr.decode(errors="replace"))
 
 
 class Machine:
@@ -218,10 +227,26 @@ def compare(native, wine):
     return len(native)
 
 
+def compare_files(native, wine):
+    """The log folder as each of them left it."""
+    def content(folder):
+        return {str(path.relative_to(folder)).lower(): path.read_bytes()
+                for path in folder.rglob("*") if path.is_file()}
+
+    expected, got = content(native), content(wine)
+    if expected.keys() != got.keys():
+        raise Failure("log files that only one of them left: "
+                      f"{sorted(expected.keys() ^ got.keys())}, natively {sorted(expected)}")
+    for name, data in expected.items():
+        if got[name] != data:
+            raise Failure(f"log file {name} differs:\n  native: {data[:500]!r}\n"
+                          f"  wine:   {got[name][:500]!r}")
+
+
 def standin_variables(sample, state):
     shutil.rmtree(state, ignore_errors=True)
     state.mkdir(parents=True)
-    return {"PQ_STANDIN_RECORDING": str(sample), "PQ_STANDIN_STATE": str(state)}
+    return {"PQ_STANDIN_RECORDING": windows_path(sample), "PQ_STANDIN_STATE": windows_path(state)}
 
 
 def check_sample(binaries, standins, pqhost, sample):
@@ -230,20 +255,21 @@ def check_sample(binaries, standins, pqhost, sample):
     traces.mkdir(parents=True, exist_ok=True)
     native_trace, wine_trace = traces / "native.jsonl", traces / "wine.jsonl"
     wine_trace.unlink(missing_ok=True)
+    native_logs = traces / "native-logs"
+    shutil.rmtree(native_logs, ignore_errors=True)
     native = subprocess.run([pqhost, "collect", "--replay", sample, "--format", "none", "--trace",
-                             native_trace], capture_output=True, check=False, stdin=subprocess.DEVNULL)
+                             native_trace, "--log-folder", native_logs],
+                            capture_output=True, check=False, stdin=subprocess.DEVNULL)
     if native.returncode not in (0, 1):
         raise Failure(f"native replay: exit code {native.returncode}\n{native.stderr.decode()}")
     with Machine(binaries, standins, sample) as machine:
-        ran = run_wine([machine.host, "collect", "--log-folder", machine.log_folder.rstrip("\\"),
-                        "--format", "none", "--trace", str(wine_trace)],
-                       machine.recording.get("languageId", US_ENGLISH),
-                       standin_variables(sample, traces / "state")
-                       | {"WINEDLLOVERRIDES": os.environ["WINEDLLOVERRIDES"] + ";cmd.exe=n"},
-                       machine.recording.get("console", "").encode("latin-1"))
-        if ran.returncode not in (0, 1):
-            raise Failure(f"under Wine: exit code {ran.returncode}\n"
-                          f"{ran.stderr.decode(errors='replace')}")
+        run_wine([machine.host, "collect", "--log-folder", machine.log_folder.rstrip("\\"),
+                  "--format", "none", "--trace", windows_path(wine_trace)],
+                 machine.recording.get("languageId", US_ENGLISH),
+                 standin_variables(sample, traces / "state")
+                 | {"WINEDLLOVERRIDES": os.environ["WINEDLLOVERRIDES"] + ";cmd.exe=n"},
+                 machine.recording.get("console", "").encode("latin-1"))
+        compare_files(native_logs, unix_path(machine.log_folder))
         return compare(read_trace(native_trace), read_trace(wine_trace))
 
 
@@ -259,25 +285,20 @@ def check_wines_own(binaries, standins, _pqhost, sample):
         for name in SYSTEM_TOOLS:
             if name != "arp":
                 unix_path(f"{WORKING_FOLDER}\\{name}.exe").unlink()
-        ran = run_wine([machine.host, "collect", "--module", "Windows_Related_Info", "--log-folder",
-                        machine.log_folder.rstrip("\\"), "--format", "json", "--output", str(result)],
-                       US_ENGLISH,
-                       standin_variables(sample, OUTPUT / "wines_own.state")
-                       | {"WINEDLLOVERRIDES": os.environ["WINEDLLOVERRIDES"] + ";cmd.exe=b"})
-        if ran.returncode not in (0, 1):
-            raise Failure(f"exit code {ran.returncode}\n{ran.stderr.decode(errors='replace')}")
+        run_wine([machine.host, "collect", "--module", "Windows_Related_Info", "--log-folder",
+                  machine.log_folder.rstrip("\\"), "--format", "json", "--output",
+                  windows_path(result)],
+                 US_ENGLISH,
+                 standin_variables(sample, OUTPUT / "wines_own.state")
+                 | {"WINEDLLOVERRIDES": os.environ["WINEDLLOVERRIDES"] + ";cmd.exe=b"})
     collected = json.loads(result.read_text(encoding="utf-8"))
-    rows = {}
-    for module in collected["modules"]:
-        for table in module["tables"]:
-            rows[table["class"]] = [tuple(row.values()) if isinstance(row, dict) else tuple(row)
-                                    for row in table["rows"]]
+    rows = {table["class"]: [list(row.values()) for row in table["rows"]]
+            for table in collected["tables"]}
     arp_file = next(c["stdout"] for c in machine.recording["commands"] if "arp" in c["tool"])
     kept = [line.split() for line in (sample / arp_file).read_bytes().decode("latin-1").split("\n")
             if len(line) + 1 > 52]
-    if not kept or rows["ARPINFO"] != [tuple(words) for words in kept]:
+    if not kept or rows["ARPINFO"] != kept:
         raise Failure(f"ARP table: {rows['ARPINFO']}\nexpected: {kept}")
-    # Wine's netstat names the machine where an address is its own.
     ours = [row for row in rows["NETSTATINFO"]
             if row[0] == "TCP" and row[1].endswith(f":{local}") and row[2].endswith(f":{remote}")
             and row[3] == "ESTABLISHED"]
