@@ -160,15 +160,15 @@ void WriteResults(const Options& options, const Console& console, const Collecti
   }
 }
 
-/// A line on standard error for each; returns how many.
-std::size_t ReportFailures(const FailureList& failures, const TextDecoder& decode,
-                           const Console& console) {
+/// One line of UTF-8 for each failure.
+std::vector<std::string> DescribeFailures(const FailureList& failures, const TextDecoder& decode) {
+  std::vector<std::string> lines;
   for (const Failure& failure : failures.Failures()) {
     std::string where = decode(failure.module);
     if (!failure.tool.empty()) where += ", " + decode(failure.tool);
-    Complain(console, fmt::format("not collected: {}: {}", where, decode(failure.text)));
+    lines.push_back(fmt::format("not collected: {}: {}", where, decode(failure.text)));
   }
-  return failures.Failures().size();
+  return lines;
 }
 
 }  // namespace
@@ -201,17 +201,16 @@ int RunCollectCommand(const Options& options, const Console& console) {
 
   Collection collection = RunCollection(selection, !options.tables.empty(), listeners);
   collection.machine = source->Facts();
+  collection.problems = DescribeFailures(failures, TextDecoder(collection.machine.codePage));
   progress.reset();
 
-  std::size_t problems = 0;
   WriteResults(options, console, collection, output);
   if (trace) trace->Close();
   for (const std::string& problem : source->KeepLogFiles(console)) {
-    Complain(console, problem);
-    ++problems;
+    collection.problems.push_back(problem);
   }
-  problems += ReportFailures(failures, TextDecoder(collection.machine.codePage), console);
-  return problems == 0 ? kExitDone : kExitIncomplete;
+  for (const std::string& problem : collection.problems) Complain(console, problem);
+  return collection.problems.empty() ? kExitDone : kExitIncomplete;
 }
 
 }  // namespace host

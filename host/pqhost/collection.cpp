@@ -138,13 +138,13 @@ Collection RunCollection(const std::vector<ModuleSelection>& selection, bool tab
       listener.Enumerate(module.name, table);
       module.module->Tables().at(table).enumHandler(*collection.repository);
       if (tablesSeen.insert(table).second) {
-        collection.tables.push_back({table, module.name, layout, nullptr});
+        collection.tables.push_back({table, module.name, layout, nullptr, {}});
       }
     }
     if (tablesNamed) continue;
     for (const auto& [className, table] : stored) {
       if (!registered.contains(className) && tablesSeen.insert(className).second) {
-        collection.tables.push_back({className, module.name, {}, nullptr});
+        collection.tables.push_back({className, module.name, {}, nullptr, {}});
       }
     }
   }

@@ -58,6 +58,7 @@ struct CollectedTable {
   std::string module;
   TableLayout layout;
   const Table* rows = nullptr;  ///< null when none came
+  std::string status;           ///< UTF-8: how many rows, or why there are none
   std::size_t RowCount() const { return rows == nullptr ? 0 : rows->rows.size(); }
 };
 
@@ -69,6 +70,8 @@ struct Collection {
   std::vector<CollectedTable> tables;    ///< each once, in the order of use
   /// The user named the tables that he wants.
   bool tablesNamed = false;
+  /// What could not be collected, one line each. UTF-8.
+  std::vector<std::string> problems;
   std::unique_ptr<halyard::repository::RRepository> repository;
 };
 

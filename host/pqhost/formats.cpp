@@ -8,6 +8,7 @@ const std::vector<Format>& Formats() {
       {"json", "one JSON object with machine, modules and tables", WriteJson},
       {"ndjson", "one JSON object per row, each in a line", WriteJsonLines},
       {"csv", "comma-separated values", WriteCsv},
+      {"html", "a report in one file, to read in a browser and to send", WriteHtml},
       {"none", "no results; for a trace or log files alone", WriteNothing},
   };
   return formats;

@@ -36,6 +36,8 @@ void WriteJson(const Collection& collection, const Screen& screen, std::ostream&
 void WriteJsonLines(const Collection& collection, const Screen& screen, std::ostream& out);
 /// RFC 4180 (docs/csv.md).
 void WriteCsv(const Collection& collection, const Screen& screen, std::ostream& out);
+/// The report: one HTML file that opens offline.
+void WriteHtml(const Collection& collection, const Screen& screen, std::ostream& out);
 /// Nothing: for whoever wants only the trace or the log files.
 void WriteNothing(const Collection& collection, const Screen& screen, std::ostream& out);
 

@@ -1,0 +1,6 @@
+#!/usr/bin/env bash
+# Drives the HTML report in headless Chromium; pictures of it land in build/browser. Ends with
+# "N passed, N failed".
+set -euo pipefail
+cd "$(dirname "$0")/.."
+exec node tests/browser/report_test.mjs build/native/bin/pqhost build/browser
