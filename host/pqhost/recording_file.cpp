@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "host/recorded/interpreter.h"
+#include "host/recorded/machine_files.h"
 #include "host/recorded/own_commands.h"
 
 namespace host {
@@ -51,8 +52,7 @@ std::string Quoted(const std::string& text) {
 std::string Displayed(const std::filesystem::path& path) {
   const std::u8string utf8 = path.u8string();
   std::string text(utf8.begin(), utf8.end());
-  const bool isUtf8 =
-      Json::accept(Quoted(text)) && Quoted(text).find("\\ufffd") == std::string::npos;
+  const bool isUtf8 = Quoted(text).find("\\ufffd") == std::string::npos;
   for (char& c : text) {
     const auto byte = static_cast<unsigned char>(c);
     if (byte < 0x20 || byte == 0x7F || (byte >= 0x80 && !isUtf8)) c = '?';
@@ -85,10 +85,11 @@ class TrackedText {
 
 class RecordingReader {
  public:
-  explicit RecordingReader(const std::filesystem::path& folder)
-      : folder(folder), file(folder / kFileName) {}
+  explicit RecordingReader(const std::filesystem::path& given)
+      : folder(given.empty() ? "." : given), file(folder / kFileName) {}
 
   Recording Read() {
+    CheckFolder();
     const Json all = Parse(ReadWhole(file, [&](const std::string& why) { Fail("", why); }));
     if (!all.is_object()) Fail("", "has to be an object, { ... }");
     CheckFormat(all);
@@ -115,6 +116,13 @@ class RecordingReader {
   }
 
  private:
+  void CheckFolder() const {
+    std::error_code error;
+    if (std::filesystem::is_directory(folder, error)) return;
+    throw RecordingError(Displayed(folder) + ": there is no such folder; a recording is a folder " +
+                         "with a file " + kFileName);
+  }
+
   [[noreturn]] void Fail(const std::string& member, const std::string& what) const {
     throw RecordingError(Displayed(file) + ": " + (member.empty() ? "" : member + ": ") + what);
   }
@@ -323,7 +331,7 @@ class RecordingReader {
   /// about output would never be heard.
   void RefuseAnswerOfOwnCommand(const Json& entry, const std::string& tool,
                                 const std::string& where) const {
-    if (!IsOwnCommand(ToolName(tool))) return;
+    if (!IsOwnCommand(tool)) return;
     for (const char* member : {"stdout", "stderr", "exitCode"}) {
       if (!entry.contains(member)) continue;
       Fail(where + "." + member, "the interpreter does " + Printable(ToolName(tool)) +
@@ -336,6 +344,8 @@ class RecordingReader {
     if (members == nullptr) return;
     if (!members->is_object())
       Fail("files", "has to be an object, { ... }, not " + Shown(*members));
+    Recording nothing;
+    const MachineFiles paths(nothing);
     std::set<std::string> known;
     for (const auto& [name, path] : members->items()) {
       const std::string where = "files[" + Quoted(name) + "]";
@@ -343,7 +353,7 @@ class RecordingReader {
       if (windowsPath.empty() || windowsPath.ends_with('\\')) {
         Fail(where, "has to be the Windows path of a file");
       }
-      if (!known.insert(LowerCase(windowsPath)).second) {
+      if (!known.insert(LowerCase(paths.FullPath(windowsPath))).second) {
         Fail(where, "names a file that another member names too; paths compare without case");
       }
       files[windowsPath] = ReadNamedFile(path, where);
@@ -366,7 +376,7 @@ class RecordingReader {
     CheckName(name, where);
     const std::filesystem::path path = folder / std::u8string(name.begin(), name.end());
     CheckInside(path, name, where);
-    return ReadWhole(path, [&](const std::string& why) { Fail(where, Quoted(name) + " " + why); });
+    return ReadWhole(path, [&](const std::string& why) { Fail(where, Quoted(name) + ": " + why); });
   }
 
   void CheckName(const std::string& name, const std::string& where) const {

@@ -5,6 +5,8 @@
 //
 // gives one stage: program "C:\Halyard\pq_tools\amt_log.exe" (with its quotes), arguments
 // `10.0.0.5 admin secret`, standard output to C:\Halyard\logs\amtlog.txt.
+//
+// What the modules' own lines never hold has no meaning here: & ^ % are ordinary characters.
 #pragma once
 
 #include <functional>

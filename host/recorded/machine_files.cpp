@@ -16,11 +16,9 @@ std::string_view FolderOf(std::string_view path) {
 std::string_view FileNameOf(std::string_view path) { return path.substr(path.rfind('\\') + 1); }
 
 MachineFiles::MachineFiles(Recording& recording) : workingFolder(recording.workingFolder) {
-  for (const auto& folder :
-       {recording.workingFolder, std::string(FolderOf(recording.hostExecutable)),
-        recording.logFolder}) {
-    AddFolder(KeyOf(folder));
-  }
+  AddFolder(KeyOf(recording.workingFolder));
+  AddFolder(KeyOf(FolderOf(recording.hostExecutable)));
+  if (recording.hasLogFolder) AddFolder(KeyOf(recording.logFolder));
   for (const std::string& path : recording.readOnly) readOnly.insert(KeyOf(path));
   for (auto& [path, bytes] : recording.files) {
     Store(path, std::make_shared<const std::string>(std::move(bytes)));

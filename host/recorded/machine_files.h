@@ -18,7 +18,8 @@ enum class FileResult { kDone, kAccessDenied, kNoSuchPath, kExists };
 class MachineFiles {
  public:
   /// Takes the files out of `recording`. The host's folder, the log folder and the working folder
-  /// exist; other folders when a file lies under them, or once they were made.
+  /// exist, unless the recording says otherwise; other folders when a file lies under them, or once
+  /// they were made.
   explicit MachineFiles(Recording& recording);
 
   bool FolderExists(std::string_view path) const;

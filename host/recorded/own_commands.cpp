@@ -109,8 +109,9 @@ CommandOutcome FailWith(FileResult result) {
   return FailWith(result == FileResult::kAccessDenied ? kAccessDenied : kNoSuchPath);
 }
 
-bool IsOwnCommand(std::string_view tool) {
-  return tool == "copy" || tool == "md" || tool == "findstr";
+bool IsOwnCommand(std::string_view program) {
+  const std::string name = LowerCase(program);
+  return name == "copy" || name == "md" || name == "findstr" || name == "findstr.exe";
 }
 
 CommandOutcome RunOwnCommand(const Stage& stage, const Bytes& input, MachineFiles& files) {

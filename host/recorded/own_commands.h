@@ -30,8 +30,8 @@ inline constexpr std::string_view kNoSuchPath = "The system cannot find the path
 inline constexpr std::string_view kNoSuchFile = "The system cannot find the file specified.";
 inline constexpr std::string_view kBadSyntax = "The syntax of the command is incorrect.";
 
-/// Whether the interpreter does `tool` (as ToolName gives it) by itself here.
-bool IsOwnCommand(std::string_view tool);
+/// Whether the interpreter does `program`, as it stands on a line, by itself here.
+bool IsOwnCommand(std::string_view program);
 
 /// copy, md or findstr. `input` is what came through the pipe; may be null.
 CommandOutcome RunOwnCommand(const Stage& stage, const Bytes& input, MachineFiles& files);

@@ -263,7 +263,7 @@ struct RecordedMachine::State {
 
   CommandOutcome RunProgram(const Stage& stage, const Bytes& input) {
     if (stage.program.empty()) return {};
-    if (IsOwnCommand(ToolName(stage.program))) return RunOwnCommand(stage, input, files);
+    if (IsOwnCommand(stage.program)) return RunOwnCommand(stage, input, files);
     if (const AnswerQueue* queue = FindAnswers(stage)) return queue->Peek().outcome;
     return FailWith("'" + stage.program +
                     "' is not recognized as an internal or external command,\r\n"
@@ -319,6 +319,7 @@ std::string RecordedMachine::HostExecutable() {
 std::uint32_t RecordedMachine::SystemLanguage() { return state->recording.languageId; }
 
 bool RecordedMachine::PathExists(const std::string& path) {
+  if (path.empty()) return false;
   if (state->files.FolderExists(path)) return true;
   return !path.ends_with('\\') && state->files.Find(path) != nullptr;
 }

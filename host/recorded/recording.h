@@ -29,7 +29,8 @@ struct Recording {
   std::string hostExecutable = "C:\\Halyard\\halyard.exe";
   std::string logFolder = "C:\\Halyard\\logs\\";
   std::string workingFolder = "C:\\Halyard\\work\\";
-  std::string console;  ///< what the operator types
+  bool hasLogFolder = true;  ///< false: nobody made the log folder
+  std::string console;       ///< what the operator types
   /// Several entries for one command answer in turn; the last one answers from then on.
   std::vector<RecordedCommand> commands;
   /// Windows path to stored bytes.
