@@ -168,7 +168,8 @@ TEST(EventDump, KeepsEventDataOfManyLinesWithTheirLineEnds) {
 TEST(EventDump, TruncatesEventDataAt2047Characters) {
   Dump dump;
   dump.Take("=======\n");
-  for (int i = 0; i < 30; ++i) dump.Take(std::string(99, "abcdefghijklmnopqrstuvwxyz"[i % 26]) + "\n");
+  for (int i = 0; i < 30; ++i)
+    dump.Take(std::string(99, "abcdefghijklmnopqrstuvwxyz"[i % 26]) + "\n");
   EXPECT_THAT(dump.data.Text(), SizeIs(2047));
   EXPECT_EQ(dump.data.Text().substr(2000), std::string(47, 'u'));
 }
