@@ -6,7 +6,7 @@
 #include <cstring>
 #include <vector>
 
-#include "host/logger/logger.h"
+#include "tests/support/log_lines.h"
 #include "tests/support/refused_allocation.h"
 
 namespace {
@@ -37,20 +37,6 @@ class LinesFile final : public pq::TextFile {
   std::uint64_t size;
 };
 
-/// The log lines of one call, "level text".
-class LogLines {
- public:
-  LogLines() {
-    host::SetLogSink([this](const host::LogLine& line) {
-      texts.push_back(std::to_string(line.level) + " " + line.text);
-    });
-  }
-  LogLines(const LogLines&) = delete;
-  LogLines& operator=(const LogLines&) = delete;
-  ~LogLines() { host::SetLogSink({}); }
-  std::vector<std::string> texts;
-};
-
 TEST(Attachment, HoldsAllLinesOfTheFile) {
   LinesFile file({"one\n", "\n", "three"}, 10);
   EXPECT_STREQ(pq::ReadWholeReport(kLog, file).get(), "one\n\nthree");
@@ -62,7 +48,7 @@ TEST(Attachment, IsEmptyForAnEmptyFile) {
 }
 
 TEST(Attachment, LogsTheSizeOfTheStoredBytes) {
-  const LogLines log;
+  const test::LogLines log;
   LinesFile file({"one\n", "two\n"}, 10);
   pq::ReadWholeReport(kLog, file);
   EXPECT_EQ(log.texts, std::vector<std::string>{"4 [repo] Size:10"});
@@ -80,7 +66,7 @@ TEST(Attachment, StaysInItsMemoryWhenTheFileHasGrown) {
 }
 
 TEST(Attachment, SaysWhenThereIsNoMemory) {
-  const LogLines log;
+  const test::LogLines log;
   LinesFile file({"one\n"}, 4711);
   const test::RefusedAllocation refused(4712);
   EXPECT_EQ(pq::ReadWholeReport(kLog, file), nullptr);
@@ -88,7 +74,7 @@ TEST(Attachment, SaysWhenThereIsNoMemory) {
 }
 
 TEST(Attachment, SaysThatNoMemoryHoldsMoreBytesThanThereAreAddresses) {
-  const LogLines log;
+  const test::LogLines log;
   LinesFile file({"one\n"}, UINT64_MAX);
   EXPECT_EQ(pq::ReadWholeReport(kLog, file), nullptr);
   EXPECT_EQ(log.texts.back(), "4 [repo] Malloc failed!");

@@ -340,9 +340,10 @@ bool CanMeet(StepKind kind, Fault fault) {
     case Fault::kPipeFails:
       return kind == StepKind::kPipe;
     case Fault::kExitCodeUnreadable:
-      return kind == StepKind::kExitCode;
+      return kind == StepKind::kExitCode || kind == StepKind::kCheckedReport;
     case Fault::kReportNotCreated:
-      return kind == StepKind::kReport || kind == StepKind::kCopy || kind == StepKind::kSystem;
+      return kind == StepKind::kReport || kind == StepKind::kCheckedReport ||
+             kind == StepKind::kCopy || kind == StepKind::kSystem;
     case Fault::kToolMissing:
     case Fault::kNothingPrinted:
     case Fault::kBinaryPrinted:

@@ -34,12 +34,13 @@ enum class Fault {
 };
 
 enum class StepKind {
-  kReport,    ///< its output goes into a file
-  kPipe,      ///< its output is read through a pipe
-  kExitCode,  ///< only its exit code is read
-  kCopy,      ///< the interpreter's own copy
-  kOther,     ///< the interpreter's own md, and tools whose output nobody reads
-  kSystem,    ///< run through the standard library's `system`
+  kReport,         ///< its output goes into a file
+  kPipe,           ///< its output is read through a pipe
+  kExitCode,       ///< only its exit code is read
+  kCheckedReport,  ///< its output goes into a file, and its exit code is read
+  kCopy,           ///< the interpreter's own copy
+  kOther,          ///< the interpreter's own md, and tools whose output nobody reads
+  kSystem,         ///< run through the standard library's `system`
 };
 
 struct FaultOutcome {
