@@ -9,6 +9,7 @@
 
 #include "frame/add_modules.h"
 #include "host/pqhost/collection.h"
+#include "host/pqhost/command_text.h"
 #include "host/pqhost/commands.h"
 #include "host/pqhost/failures.h"
 #include "host/pqhost/formats.h"
@@ -35,6 +36,8 @@ class Source {
   virtual ~Source() = default;
   virtual void AddModules(ModuleList& modules) = 0;
   virtual MachineFacts Facts() = 0;
+  /// Whether the machine has what a command line runs.
+  virtual bool HasPrograms(const std::string& commandLine) = 0;
   /// Sees to the files that the collection left in the log folder; says where they are. Returns
   /// what went wrong.
   virtual std::vector<std::string> KeepLogFiles(const Console& console) = 0;
@@ -64,6 +67,10 @@ class ReplaySource final : public Source {
     return facts;
   }
 
+  bool HasPrograms(const std::string& commandLine) override {
+    return machine.HasPrograms(commandLine);
+  }
+
   std::vector<std::string> KeepLogFiles(const Console& console) override {
     if (!logFolder) return {};
     const LeftFiles left = WriteLeftFiles(machine.Files(), recording.logFolder,
@@ -89,6 +96,10 @@ class LiveSource final : public Source {
 
   void AddModules(ModuleList& modules) override { library->AddModules(modules); }
   MachineFacts Facts() override { return facts; }
+  bool HasPrograms(const std::string& commandLine) override {
+    // The path is in the machine's code page, as the C library takes it.
+    return std::ifstream(FindProgram(commandLine), std::ios::binary).is_open();
+  }
 
   std::vector<std::string> KeepLogFiles(const Console& console) override {
     console.error << fmt::format("Log files: {}\n", PathText(logFolder));
@@ -111,9 +122,9 @@ std::unique_ptr<Source> OpenSource(const Options& options, const Console& consol
 /// also when the collection ends the process.
 class TraceOutput {
  public:
-  TraceOutput(const Destination& destination, const Console& console)
+  TraceOutput(const Destination& destination, const Console& console, Passwords passwords)
       : path(destination.path),
-        writer(destination.IsStandardOutput() ? console.out : Open(destination.path)) {
+        writer(destination.IsStandardOutput() ? console.out : Open(destination.path), passwords) {
     SetRepositoryObserver(&writer);
   }
   TraceOutput(const TraceOutput&) = delete;
@@ -179,6 +190,8 @@ int RunCollectCommand(const Options& options, const Console& console) {
   listeners.Add(failures);
 
   const std::unique_ptr<Source> source = OpenSource(options, console, listeners);
+  failures.FindMissingPrograms(
+      [&](const std::string& commandLine) { return source->HasPrograms(commandLine); });
   ModuleList added;
   source->AddModules(added);
   const std::vector<LoadedModule> modules = RegisterModules(added);
@@ -190,7 +203,8 @@ int RunCollectCommand(const Options& options, const Console& console) {
   if (!options.output.IsStandardOutput()) output.emplace(options.output.path);
   std::optional<TraceOutput> trace;
   if (options.trace) {
-    trace.emplace(*options.trace, console);
+    const Passwords passwords = options.replay ? Passwords::kShown : Passwords::kHidden;
+    trace.emplace(*options.trace, console, passwords);
     listeners.Add(trace->Writer());
   }
   std::optional<ProgressLine> progress;

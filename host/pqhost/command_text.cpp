@@ -13,7 +13,7 @@ void SkipAll(std::string_view& text, char c) {
 
 }  // namespace
 
-std::string FindTool(std::string_view commandLine) {
+std::string FindProgram(std::string_view commandLine) {
   if (commandLine.starts_with("/c")) commandLine.remove_prefix(2);
   SkipAll(commandLine, ' ');
   const bool quoted = commandLine.starts_with('"');
@@ -24,8 +24,24 @@ std::string FindTool(std::string_view commandLine) {
   const std::size_t extension = program.rfind(kExtension);
   const bool isFile = extension != std::string_view::npos;
   program = program.substr(0, isFile ? extension + kExtension.size() : program.find(' '));
-  program.remove_prefix(program.find_last_of('\\') + 1);
   return std::string(program);
+}
+
+std::string FindTool(std::string_view commandLine) {
+  const std::string program = FindProgram(commandLine);
+  return program.substr(program.find_last_of('\\') + 1);
+}
+
+std::string HidePassword(std::string_view commandLine) {
+  // ..."C:\Halyard\pq_tools\amt_log.exe" 192.0.2.10 admin PASSWORD>"C:\Halyard\logs\amtlog.txt""
+  constexpr std::string_view kTool = "\\amt_log.exe\" ";
+  std::string text(commandLine);
+  const std::size_t tool = text.find(kTool);
+  const std::size_t end = text.rfind(">\"");
+  if (tool == std::string::npos || end == std::string::npos || end < tool) return text;
+  std::size_t at = tool + kTool.size();
+  for (int part = 0; part < 2; ++part) at = std::min(text.find(' ', at), end - 1) + 1;
+  return text.replace(at, end - at, "***");
 }
 
 }  // namespace host

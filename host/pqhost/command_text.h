@@ -6,8 +6,15 @@
 
 namespace host {
 
-/// The file name of the program that an interpreter's command line ("/c ...") runs; arguments,
-/// which may hold a password, are left out. Empty when there is none.
+/// The program that an interpreter's command line ("/c ...") runs, with its folder as it stands
+/// there, without quotes. Empty when there is none.
+std::string FindProgram(std::string_view commandLine);
+
+/// The file name of that program; arguments, which may hold a password, are left out.
 std::string FindTool(std::string_view commandLine);
+
+/// The command line with the password of the AMT log tool replaced by "***"; any other command line
+/// as it is.
+std::string HidePassword(std::string_view commandLine);
 
 }  // namespace host

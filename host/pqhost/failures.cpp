@@ -27,6 +27,25 @@ constexpr FailureText kFailureTexts[] = {
 /// The Microchip tool writes its report only when there is such a controller.
 constexpr std::string_view kNothingThere = "Failed to open PMC Controller file";
 
+/// A program whose exit code says whether something is there, by the end of its command line.
+struct PresenceTest {
+  std::string_view commandEnd;
+  std::string_view failure;
+};
+constexpr PresenceTest kPresenceTests[] = {
+    {"\\check_amt_bmc.exe\" amt",
+     "the program is missing, so it is not known whether the machine has AMT"},
+    {"\\check_amt_bmc.exe\" bmc",
+     "the program is missing, so it is not known whether the machine has a BMC"},
+};
+
+const PresenceTest* FindPresenceTest(std::string_view commandLine) {
+  const auto* found = std::find_if(
+      std::begin(kPresenceTests), std::end(kPresenceTests),
+      [&](const PresenceTest& test) { return commandLine.ends_with(test.commandEnd); });
+  return found == std::end(kPresenceTests) ? nullptr : found;
+}
+
 const FailureText* FindFailureText(std::string_view text) {
   const auto* found =
       std::find_if(std::begin(kFailureTexts), std::end(kFailureTexts),
@@ -54,6 +73,17 @@ void FailureList::Module(const std::string& name, const std::string& /*descripti
 void FailureList::OnProcess(const std::string& /*application*/, const std::string& commandLine,
                             bool /*inheritHandles*/, bool /*pipe*/) {
   tool = FindTool(commandLine);
+  const PresenceTest* presence = FindPresenceTest(commandLine);
+  if (presence == nullptr || !isProgramThere || isProgramThere(commandLine)) return;
+  AddOnce({module, tool, std::string(presence->failure)});
+}
+
+// The AMT module tests at every enumeration; a program that is missing is so once.
+void FailureList::AddOnce(Failure failure) {
+  const bool isKnown = std::any_of(failures.begin(), failures.end(), [&](const Failure& known) {
+    return known.module == failure.module && known.text == failure.text;
+  });
+  if (!isKnown) failures.push_back(std::move(failure));
 }
 
 void FailureList::Log(const LogLine& line) {

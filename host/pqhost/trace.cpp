@@ -2,6 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "host/pqhost/command_text.h"
+
 namespace host {
 namespace {
 
@@ -118,11 +120,13 @@ void TraceWriter::OnColumnHeaders(const halyard::repository::RInstancesWrapper& 
 
 void TraceWriter::OnProcess(const std::string& application, const std::string& commandLine,
                             bool inheritHandles, bool pipe) {
-  WriteLine(out, {{"event", "process"},
-                  {"application", ByteText(application)},
-                  {"commandLine", ByteText(commandLine)},
-                  {"inheritHandles", inheritHandles},
-                  {"pipe", pipe}});
+  WriteLine(out,
+            {{"event", "process"},
+             {"application", ByteText(application)},
+             {"commandLine",
+              ByteText(passwords == Passwords::kHidden ? HidePassword(commandLine) : commandLine)},
+             {"inheritHandles", inheritHandles},
+             {"pipe", pipe}});
 }
 
 void TraceWriter::OnSystem(const std::string& command) {

@@ -10,11 +10,16 @@
 
 namespace host {
 
+enum class Passwords { kShown, kHidden };
+
 /// Writes the events that it sees, and those that the host tells it, to `out`. Every byte of a text
 /// becomes the character with that code.
 class TraceWriter final : public RepositoryObserver, public CollectionListener {
  public:
-  explicit TraceWriter(std::ostream& out) : out(out) {}
+  /// What an operator typed on a live machine is to be hidden; the password that a recording holds
+  /// stands there anyway.
+  explicit TraceWriter(std::ostream& out, Passwords passwords = Passwords::kShown)
+      : out(out), passwords(passwords) {}
 
   void Module(const std::string& name, const std::string& description) override;
   /// The layout calls that follow are for `table`.
@@ -46,6 +51,7 @@ class TraceWriter final : public RepositoryObserver, public CollectionListener {
 
  private:
   std::ostream& out;
+  Passwords passwords;
   std::string layoutTable;
 };
 

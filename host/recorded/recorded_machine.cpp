@@ -395,6 +395,13 @@ void RecordedMachine::FailRangeCheck() {
   EndProcess("A path does not fit its buffer; the process ends here.");
 }
 
+bool RecordedMachine::HasPrograms(const std::string& commandLine) const {
+  const std::vector<Stage> stages = state->Parse(commandLine).stages;
+  return std::all_of(stages.begin(), stages.end(), [this](const Stage& stage) {
+    return IsOwnCommand(ToolName(stage.program)) || state->FindAnswers(stage) != nullptr;
+  });
+}
+
 std::map<std::string, std::string> RecordedMachine::Files() const { return state->files.All(); }
 
 int RecordedMachine::OpenHandles() const { return *state->openHandles; }

@@ -31,6 +31,9 @@ class RecordedMachine final : public pq::Platform {
   pq::ConsoleLine ReadConsoleLine(char* buffer, std::size_t size) override;
   [[noreturn]] void FailRangeCheck() override;
 
+  /// Whether the machine has every program of a command line: one of the interpreter's own, or one
+  /// that is recorded with these arguments.
+  bool HasPrograms(const std::string& commandLine) const;
   /// The files that lie on the machine now, by their path as it was first written.
   std::map<std::string, std::string> Files() const;
   /// Processes, pipes and files that are open at this moment.

@@ -2,8 +2,8 @@
 compares what it did with the native replay of the same recording.
 
 Stand-ins for the machine's tools and interpreter (tests/standin) answer from the recording; all
-else is real: processes, pipes, files, the console, the system language. Two things differ by nature
-and are levelled first, see `merge_chunks` and `native_only`.
+else is real: processes, pipes, files, the console, the system language. Three things differ by
+nature and are levelled first, see `merge_chunks`, `hide_password` and `native_only`.
 
 Usage: wine_samples.py WINDOWS_BINARIES STANDINS NATIVE_PQHOST [SAMPLE]...
 Environment: WINEPREFIX, a prefix that this program may change.
@@ -93,6 +93,7 @@ def run_wine(arguments, language, variables, stdin=b""):
         raise Failure(f"exit code {ran.returncode}\n{ran.stderr.decode(errors='replace')}")
     if b"stand-in" in ran.stderr:
         raise Failure(ran.stderr.decode(errors="replace"))
+    return ran
 
 
 class Machine:
@@ -205,6 +206,27 @@ def merge_chunks(events):
     return merged
 
 
+def passwords(recording):
+    """What the operator types as password: the last argument of the AMT log tool."""
+    return {command["arguments"].split()[-1] for command in recording.get("commands", [])
+            if command["tool"].lower().startswith("amt_log") and command.get("arguments")}
+
+
+def hide_password(event):
+    """A password that was typed on a live machine is hidden in its trace; a recording holds it."""
+    line = event.get("commandLine", "")
+    match = re.fullmatch(r'(.*\\amt_log\.exe" \S+ \S+ ).*(>"[^>]*)', line)
+    return event | {"commandLine": f"{match[1]}***{match[2]}"} if match else event
+
+
+def check_passwords_hidden(recording, ran, trace):
+    for password in passwords(recording):
+        for where, text in [("trace", trace.read_bytes()), ("standard output", ran.stdout),
+                            ("standard error", ran.stderr)]:
+            if password.encode("latin-1") in text:
+                raise Failure(f"the password {password} stands in the {where}")
+
+
 def read_trace(path):
     lines = path.read_bytes().split(b"\n")
     if lines[-1] != b"":
@@ -213,7 +235,7 @@ def read_trace(path):
 
 
 def compare(native, wine):
-    native, wine = merge_chunks(native), merge_chunks(wine)
+    native, wine = merge_chunks([hide_password(event) for event in native]), merge_chunks(wine)
     if len(native) < 20:
         raise Failure(f"the native trace has only {len(native)} events")
     for number, (expected, got) in enumerate(zip(native, wine), start=1):
@@ -263,13 +285,14 @@ def check_sample(binaries, standins, pqhost, sample):
     if native.returncode not in (0, 1):
         raise Failure(f"native replay: exit code {native.returncode}\n{native.stderr.decode()}")
     with Machine(binaries, standins, sample) as machine:
-        run_wine([machine.host, "collect", "--log-folder", machine.log_folder.rstrip("\\"),
-                  "--format", "none", "--trace", windows_path(wine_trace)],
-                 machine.recording.get("languageId", US_ENGLISH),
-                 standin_variables(sample, traces / "state")
-                 | {"WINEDLLOVERRIDES": os.environ["WINEDLLOVERRIDES"] + ";cmd.exe=n"},
-                 machine.recording.get("console", "").encode("latin-1"))
+        ran = run_wine([machine.host, "collect", "--log-folder", machine.log_folder.rstrip("\\"),
+                        "--format", "none", "--trace", windows_path(wine_trace)],
+                       machine.recording.get("languageId", US_ENGLISH),
+                       standin_variables(sample, traces / "state")
+                       | {"WINEDLLOVERRIDES": os.environ["WINEDLLOVERRIDES"] + ";cmd.exe=n"},
+                       machine.recording.get("console", "").encode("latin-1"))
         compare_files(native_logs, unix_path(machine.log_folder))
+        check_passwords_hidden(machine.recording, ran, wine_trace)
         return compare(read_trace(native_trace), read_trace(wine_trace))
 
 
