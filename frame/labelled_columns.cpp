@@ -1,5 +1,7 @@
 #include "frame/labelled_columns.h"
 
+#include <algorithm>
+
 namespace pq {
 namespace {
 
@@ -25,6 +27,18 @@ void Fill(RowBuffer& row, const LabelledFact& fact) {
   if (!fact) return;
   row.Set(fact.source->column, fact.value);
   if (fact.source->endsRow) row.Commit();
+}
+
+std::vector<Column> ColumnsOf(const LabelledColumns& labelled) {
+  std::vector<Column> columns;
+  for (const LabelledColumn& one : labelled.All()) {
+    const bool known = one.column.key.empty() ||
+                       std::any_of(columns.begin(), columns.end(), [&](const Column& column) {
+                         return column.key == one.column.key;
+                       });
+    if (!known) columns.push_back(one.column);
+  }
+  return columns;
 }
 
 }  // namespace pq

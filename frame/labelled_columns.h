@@ -35,10 +35,16 @@ class LabelledColumns {
   /// The fact in the zero-terminated `line`; its value points there.
   LabelledFact FindIn(std::string_view line) const;
 
+  /// All of them, in order.
+  const std::vector<LabelledColumn>& All() const { return columns; }
+
  private:
   std::vector<LabelledColumn> columns;
   LabelTable labels;
 };
+
+/// The columns that the labels fill, each once.
+std::vector<Column> ColumnsOf(const LabelledColumns& labelled);
 
 /// Sets the column of `fact`, if it has one, and commits the row that it ends.
 void Fill(RowBuffer& row, const LabelledFact& fact);

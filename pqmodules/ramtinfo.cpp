@@ -22,6 +22,7 @@ constexpr ModuleLog kLog{"pqmodules/ramtinfo"};
 
 const std::string kAmtLog = "AMTLOG";
 const Column kLine{kAmtLog, "AMT Log Info"};
+constexpr char kLogTool[] = "\\pq_tools\\amt_log.exe";
 constexpr char kReportName[] = "amtlog.txt";
 
 /// What check_amt_bmc.exe exits with on a machine that has AMT: not the usual 0.
@@ -69,7 +70,7 @@ LoginLine AskForLogin(std::array<char, kLoginLineRoom>& buffer, AmtLogin& login)
 }
 
 std::string LogCommand(const AmtLogin& login, const std::string& reportPath) {
-  std::string command = "/c \"\"" + GetExeFolder() + "\\pq_tools\\amt_log.exe\" ";
+  std::string command = "/c \"\"" + GetExeFolder() + kLogTool + "\" ";
   command.append(login.address).append(" ").append(login.userName).append(" ");
   // The redirection follows at once: a blank before it would be handed to the tool behind the
   // password.
@@ -151,6 +152,10 @@ int RAMTInfo::CollectAMTData(RRepository& repo) {
   if (!report) return 1;
   AddLines(LineReader(report.get()), repo);
   return 0;
+}
+
+TableSources RAMTInfo::DescribeTables() {
+  return {{kAmtLog, {{kLogTool, "ADDRESS USER PASSWORD", kReportName}}, {kLine}}};
 }
 
 }  // namespace pq

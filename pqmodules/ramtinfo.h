@@ -5,6 +5,7 @@
 #include <string>
 
 #include "frame/module.h"
+#include "frame/table_source.h"
 
 namespace pq {
 
@@ -13,6 +14,8 @@ class RAMTInfo : public CollectionModule {
   std::string GetName() override;
   std::string GetDescription() override;
   void RegisterTables() override;
+  /// Where the rows of its tables come from.
+  static TableSources DescribeTables();
 
   /// Tests for AMT at every call; the first call that finds it collects.
   void EnumAMTInstances(RRepository& repo);

@@ -142,4 +142,12 @@ BmcFamily RBMCInfo::CheckBmc() {
   return detection.family;
 }
 
+TableSources RBMCInfo::DescribeTables() {
+  TableSources sources = DescribeOemTables();
+  sources.push_back(DescribeSensors());
+  sources.push_back(DescribeSdr());
+  for (TableSource& source : DescribeFiles()) sources.push_back(std::move(source));
+  return sources;
+}
+
 }  // namespace pq

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "frame/module.h"
+#include "frame/table_source.h"
 
 namespace pq {
 
@@ -26,6 +27,8 @@ class RBMCInfo : public CollectionModule {
   std::string GetName() override;
   std::string GetDescription() override;
   void RegisterTables() override;
+  /// Where the rows of its tables come from.
+  static TableSources DescribeTables();
 
   void EnumBMCInstances(RRepository& repo);
   void FormatInfoTable(RInstancesWrapper& table);
@@ -46,6 +49,11 @@ class RBMCInfo : public CollectionModule {
   int CollectSel(RRepository& repo);
   void DumpSelHex();
   void DumpSensorIds();
+
+  static TableSources DescribeOemTables();
+  static TableSource DescribeSensors();
+  static TableSource DescribeSdr();
+  static TableSources DescribeFiles();
 
   /// Folder of the host's executable, fetched by each collection; the host's log folder, fetched by
   /// each enumeration.

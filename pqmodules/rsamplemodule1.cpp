@@ -121,4 +121,14 @@ void RSampleModule1::EnumXFirmwareInstancesCallback(RRepository& repo) {
   kLog(kProgress, "Exit EnumXFirmwareInstancesCallback");
 }
 
+TableSources RSampleModule1::DescribeTables() {
+  TableSources sources{{kSample1Table1, {}, {kColumns1.begin(), kColumns1.end()}},
+                       {kSample1Table2, {}, {kColumns2.begin(), kColumns2.end()}},
+                       {kJunAddTable, {}, {}},
+                       DescribeLsiSummary(),
+                       DescribeIntelController()};
+  for (TableSource& source : DescribeMicrochipArchive()) sources.push_back(std::move(source));
+  return sources;
+}
+
 }  // namespace pq

@@ -147,4 +147,19 @@ void RSampleModule2::CollectData(RRepository& repo) {
   kLog(kProgress, "Exit CollectData");
 }
 
+TableSources RSampleModule2::DescribeTables() {
+  TableSources sources{{kSample2Table1, {}, {kReadings.begin(), kReadings.end()}},
+                       {kSample2Table2, {}, {kFourColumns.begin(), kFourColumns.end()}}};
+  const auto add = [&](TableSources more) {
+    for (TableSource& source : more) sources.push_back(std::move(source));
+  };
+  add(DescribeEventLog());
+  add({DescribeTermLog(), DescribeDriveDetails()});
+  add(DescribeDriveLists());
+  add({DescribeSas2IrLog()});
+  add(DescribeIntelDevices());
+  add({DescribeLogLinks()});
+  return sources;
+}
+
 }  // namespace pq

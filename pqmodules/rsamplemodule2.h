@@ -5,6 +5,7 @@
 #include <string>
 
 #include "frame/module.h"
+#include "frame/table_source.h"
 
 namespace pq {
 
@@ -14,6 +15,8 @@ class RSampleModule2 : public CollectionModule {
   std::string GetName() override;
   std::string GetDescription() override;
   void RegisterTables() override;
+  /// Where the rows of its tables come from.
+  static TableSources DescribeTables();
 
   void EnumPQ2Instances(RRepository& repo);
   void FormatReadingsTable(RInstancesWrapper& table);

@@ -224,4 +224,22 @@ int ParseNetTable(RRepository& repo, unsigned mode) {
   return 0;
 }
 
+TableSources RWINInfo::DescribeTables() {
+  TableSources sources;
+  for (const NetTable* table : {&kArpTable, &kNetstatTable}) {
+    TableSource source{table->className, {}, {}};
+    std::string_view command = table->command;
+    command.remove_prefix(std::string_view("/c ").size());
+    const std::size_t blank = command.find(' ');
+    const std::string_view arguments =
+        blank == std::string_view::npos ? std::string_view() : command.substr(blank + 1);
+    source.commands.push_back({std::string(command.substr(0, blank)), std::string(arguments), {}});
+    for (const std::string& title : table->titles) {
+      source.columns.push_back({"item" + std::to_string(source.columns.size() + 1), title});
+    }
+    sources.push_back(std::move(source));
+  }
+  return sources;
+}
+
 }  // namespace pq

@@ -12,11 +12,14 @@ constexpr const char* kTools[] = {
     "\\utilities\\vroc\\IntelVROCCli.exe",
 };
 
+constexpr char kArguments[] = "-I";
+constexpr char kReportName[] = "rstcli64.txt";
+
 /// False when none of the tools ended well.
 bool WriteReport(const ModuleLog& log, const std::string& hostFolder, const std::string& path,
                  const IntelReportLog& style) {
   for (const char* tool : kTools) {
-    const std::string command = ReportCommand(hostFolder + tool, "-I", path);
+    const std::string command = ReportCommand(hostFolder + tool, kArguments, path);
     log(style.commandLevel, "rstcli raw path:", command);
     const ToolExit run = RunForExitCode(command);
     if (!run.started) {
@@ -42,10 +45,16 @@ bool WriteReport(const ModuleLog& log, const std::string& hostFolder, const std:
 
 std::unique_ptr<TextFile> RunIntelReport(const ModuleLog& log, const std::string& hostFolder,
                                          const IntelReportLog& style) {
-  const std::string path = GetLogFolder() + "rstcli64.txt";
+  const std::string path = GetLogFolder() + kReportName;
   if (!WriteReport(log, hostFolder, path, style)) return nullptr;
   if (style.reportPath) log(kDetail, "rstcli log path:", DoubleBackslashes(path));
   return OpenReport(log, path, "Failed to open raid log file");
+}
+
+std::vector<ToolCommand> IntelReportCommands() {
+  std::vector<ToolCommand> commands;
+  for (const char* tool : kTools) commands.push_back({tool, kArguments, kReportName});
+  return commands;
 }
 
 }  // namespace pq

@@ -4,9 +4,11 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "frame/module.h"
 #include "frame/platform.h"
+#include "frame/table_source.h"
 
 namespace pq {
 
@@ -21,5 +23,8 @@ struct IntelReportLog {
 /// after a failure of both, which is logged.
 std::unique_ptr<TextFile> RunIntelReport(const ModuleLog& log, const std::string& hostFolder,
                                          const IntelReportLog& style);
+
+/// The commands that write the report, for the description of tables.
+std::vector<ToolCommand> IntelReportCommands();
 
 }  // namespace pq

@@ -97,4 +97,13 @@ int CollectFile(RRepository& repo, const std::string& exePath, const FileQuery& 
 int RBMCInfo::CollectFru(RRepository& repo) { return CollectFile(repo, exePath, kFruQuery); }
 int RBMCInfo::CollectSel(RRepository& repo) { return CollectFile(repo, exePath, kSelQuery); }
 
+TableSources RBMCInfo::DescribeFiles() {
+  TableSources sources;
+  for (const FileQuery* query : {&kFruQuery, &kSelQuery}) {
+    sources.push_back(
+        {query->className, {ToolCommandOf(query->command, query->fileName)}, {query->column}});
+  }
+  return sources;
+}
+
 }  // namespace pq

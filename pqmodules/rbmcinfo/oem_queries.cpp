@@ -167,4 +167,20 @@ int RBMCInfo::QueryOem(RRepository& repo, int selector) {
                           : AddLines(row, query.lineColumn, output);
 }
 
+TableSources RBMCInfo::DescribeOemTables() {
+  TableSources sources;
+  for (const OemQuery& query : kOemQueries) {
+    TableSource source{query.className, {ToolCommandOf(query.pipe.command)}, {}};
+    if (query.HasPairs()) {
+      for (unsigned i = 0; i < query.pairKeys.count; ++i) {
+        source.columns.push_back({query.pairKeys.KeyAt(i), {}});
+      }
+    } else {
+      source.columns.push_back(query.lineColumn);
+    }
+    sources.push_back(std::move(source));
+  }
+  return sources;
+}
+
 }  // namespace pq

@@ -50,4 +50,8 @@ int RBMCInfo::CollectSdr(RRepository& repo) {
   return 0;
 }
 
+TableSource RBMCInfo::DescribeSdr() {
+  return {kSdrInfo, {ToolCommandOf(kSdrQuery.command)}, {kSdrColumn}};
+}
+
 }  // namespace pq

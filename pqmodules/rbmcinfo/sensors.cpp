@@ -86,4 +86,10 @@ int RBMCInfo::CollectSensorReadings(RRepository& repo) {
   return 0;
 }
 
+TableSource RBMCInfo::DescribeSensors() {
+  return {kSensorInfo,
+          {ToolCommandOf(kSensorQuery.command)},
+          {kSensorColumns.begin(), kSensorColumns.end()}};
+}
+
 }  // namespace pq

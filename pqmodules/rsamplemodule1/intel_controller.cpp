@@ -72,4 +72,12 @@ void CollectIntelController(RRepository& repo) {
   }
 }
 
+TableSource DescribeIntelController() {
+  TableSource source{kController, IntelReportCommands(), {}};
+  for (int place = kFirstSurePlace; place <= kLastPlace; ++place) {
+    source.columns.push_back(kLines[place].column);
+  }
+  return source;
+}
+
 }  // namespace pq

@@ -6,6 +6,7 @@
 
 #include "frame/module.h"
 #include "frame/row_buffer.h"
+#include "frame/table_source.h"
 
 namespace pq {
 
@@ -28,5 +29,7 @@ class IntelControllerScan {
 
 /// Adds the row of "CONTROLLER". A report that ends before the hardware revision adds none.
 void CollectIntelController(RRepository& repo);
+
+TableSource DescribeIntelController();
 
 }  // namespace pq

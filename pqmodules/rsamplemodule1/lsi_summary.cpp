@@ -16,6 +16,10 @@
 namespace pq {
 namespace {
 
+constexpr char kTool[] = "\\utilities\\lsi\\storcli.exe";
+constexpr char kArguments[] = "/c0 show";
+constexpr char kReportName[] = "c0_showall.txt";
+
 /// A value begins right after its label's equals sign: its blank and its line end belong to it.
 LabelledColumn After(std::string_view label, Column column, bool endsRow = false) {
   return {label, label.size(), std::move(column), endsRow};
@@ -45,10 +49,9 @@ const LabelledColumns& LsiSummaryFacts() {
 
 void CollectLsiSummary(RRepository& repo) {
   const std::string folder = GetExeFolder();
-  const std::string path = GetLogFolder() + "c0_showall.txt";
+  const std::string path = GetLogFolder() + kReportName;
   CheckFolderFits(folder, 5);
-  if (!RunLogged(kInventoryLog,
-                 ReportCommand(folder + "\\utilities\\lsi\\storcli.exe", "/c0 show", path))) {
+  if (!RunLogged(kInventoryLog, ReportCommand(folder + kTool, kArguments, path))) {
     return;
   }
   const auto file = OpenReport(kInventoryLog, path, "Failed to open raid log file");
@@ -56,6 +59,10 @@ void CollectLsiSummary(RRepository& repo) {
   RowBuffer row(repo, kRaidInfo, "LSI Controller 0 Info");
   std::string_view line;
   for (LineReader lines(file.get()); lines.Next(line);) Fill(row, LsiSummaryFacts().FindIn(line));
+}
+
+TableSource DescribeLsiSummary() {
+  return {kRaidInfo, {{kTool, kArguments, kReportName}}, ColumnsOf(LsiSummaryFacts())};
 }
 
 }  // namespace pq

@@ -3,6 +3,7 @@
 
 #include "frame/labelled_columns.h"
 #include "frame/module.h"
+#include "frame/table_source.h"
 
 namespace pq {
 
@@ -11,5 +12,7 @@ const LabelledColumns& LsiSummaryFacts();
 
 /// Adds the row of "RAIDINFO". A summary without a function number adds none.
 void CollectLsiSummary(RRepository& repo);
+
+TableSource DescribeLsiSummary();
 
 }  // namespace pq

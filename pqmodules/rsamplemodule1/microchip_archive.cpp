@@ -57,15 +57,20 @@ constexpr AttachedReport kAttachedReports[] = {
      "Failed to open Controller_1_SmartStats.xml file!"},
 };
 
+constexpr char kTool[] = "\\utilities\\arcconf\\arcconf.exe";
+constexpr char kArguments[] = "savesupportarchive c:\\";
+constexpr char kCopyName[] = "Firmware";  ///< of the copied folder in the log folder
+
+/// Whether a fact belongs to the row of versions.
+bool IsVersion(std::string_view label) { return label == kFirmware || label == kDriver; }
+
 /// Has arcconf write the archive and copies it into the log folder, for the host's own log
 /// collection. False when a command could not be started.
 bool SaveArchive(const std::string& logFolder) {
   const std::string folder = GetExeFolder();
   CheckFolderFits(folder, 4);
-  const std::string copy = logFolder + "Firmware";
-  if (!RunLogged(
-          kInventoryLog,
-          "/c \"" + folder + "\\utilities\\arcconf\\arcconf.exe savesupportarchive c:\\\"")) {
+  const std::string copy = logFolder + kCopyName;
+  if (!RunLogged(kInventoryLog, "/c \"" + folder + kTool + " " + kArguments + "\"")) {
     return false;
   }
   if (!RunLogged(kInventoryLog, "/c \"md \"" + copy + "\"\"")) return false;
@@ -91,7 +96,7 @@ void ReadConfig(TextFile* file, RowBuffer& controller, RowBuffer& versions) {
     const LabelledFact fact = ReadMicrochipConfigFact(line);
     if (!fact) continue;
     const std::string_view label = fact.source->label;
-    RowBuffer& row = label == kFirmware || label == kDriver ? versions : controller;
+    RowBuffer& row = IsVersion(label) ? versions : controller;
     row.Set(fact.source->column, fact.value);
     if (label == kDriver) return;
   }
@@ -163,6 +168,21 @@ void CollectMicrochipArchive(RRepository& repo) {
   versions.Commit();
   links.AddToRepository(repo);
   config.reset();
+}
+
+TableSources DescribeMicrochipArchive() {
+  const ToolCommand archive{kTool, kArguments, kCopyName};
+  TableSource controller{kPmcInfo, {archive}, {}};
+  TableSource versions{kPmcVer, {archive}, {}};
+  for (const LabelledColumn& fact : MicrochipConfigFacts().All()) {
+    (IsVersion(fact.label) ? versions : controller).columns.push_back(fact.column);
+    if (fact.label == kMode) controller.columns.push_back(kModel.column);
+  }
+  TableSource links{kPmcLink, {archive}, {}};
+  for (const AttachedReport& report : kAttachedReports) {
+    links.columns.push_back({report.property, report.property});
+  }
+  return {std::move(controller), std::move(versions), std::move(links)};
 }
 
 }  // namespace pq

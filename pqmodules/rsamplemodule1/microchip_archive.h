@@ -7,6 +7,7 @@
 
 #include "frame/labelled_columns.h"
 #include "frame/module.h"
+#include "frame/table_source.h"
 
 namespace pq {
 
@@ -18,5 +19,7 @@ LabelledFact ReadMicrochipConfigFact(std::string_view line);
 
 /// Adds one row each of "PMCINFO", "PMCVER" and "PMCLINK", or none at all.
 void CollectMicrochipArchive(RRepository& repo);
+
+TableSources DescribeMicrochipArchive();
 
 }  // namespace pq

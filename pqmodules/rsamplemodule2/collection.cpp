@@ -15,4 +15,8 @@ std::unique_ptr<TextFile> RunStorcli(const RaidLogsCollection& collection,
   return OpenReport(collection.log, path, "Failed to open raid log file");
 }
 
+ToolCommand CommandOf(const StorcliReport& report) {
+  return {kStorcli, report.arguments, report.fileName};
+}
+
 }  // namespace pq

@@ -7,6 +7,7 @@
 
 #include "frame/module.h"
 #include "frame/platform.h"
+#include "frame/table_source.h"
 
 namespace pq {
 
@@ -44,6 +45,9 @@ struct StorcliReport {
   const char* fileName;        ///< such as "c0_showall.txt"
   const char* commandMessage;  ///< before the command line in the log; null: it is not logged
 };
+
+/// The report's command, for the description of tables.
+ToolCommand CommandOf(const StorcliReport& report);
 
 /// Has storcli write the report and opens it. Null after a failure, which is logged.
 std::unique_ptr<TextFile> RunStorcli(const RaidLogsCollection& collection,

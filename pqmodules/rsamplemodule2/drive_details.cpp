@@ -64,4 +64,13 @@ void CollectDriveDetails(const RaidLogsCollection& collection) {
   for (LineReader lines(file.get()); lines.Next(line);) Fill(row, ReadFact(line));
 }
 
+TableSource DescribeDriveDetails() {
+  TableSource source{kPdList, {CommandOf(kReport)}, {}};
+  for (const Column& column : ColumnsOf(kFacts)) {
+    source.columns.push_back(column);
+    if (column.key == "Coercedsize") source.columns.push_back(kNonCoercedSize.column);
+  }
+  return source;
+}
+
 }  // namespace pq

@@ -8,4 +8,6 @@ namespace pq {
 /// Adds the rows of "PDLIST".
 void CollectDriveDetails(const RaidLogsCollection& collection);
 
+TableSource DescribeDriveDetails();
+
 }  // namespace pq

@@ -139,4 +139,14 @@ void CollectDriveLists(const RaidLogsCollection& collection) {
   }
 }
 
+TableSources DescribeDriveLists() {
+  const auto describe = [](const std::string& className, const std::vector<TokenColumn>& tokens) {
+    TableSource source{className, {CommandOf(kReport)}, {}};
+    for (const TokenColumn& token : tokens) source.columns.push_back(token.column);
+    return source;
+  };
+  return {describe(kTInfo, kTopology), describe(kVInfo, kVirtualDrives),
+          describe(kPInfo, kPhysicalDrives)};
+}
+
 }  // namespace pq

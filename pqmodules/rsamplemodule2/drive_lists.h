@@ -44,4 +44,6 @@ std::vector<std::string> ReadDriveRow(std::string_view line,
 /// Adds the rows of "TINFO", "VINFO" and "PINFO".
 void CollectDriveLists(const RaidLogsCollection& collection);
 
+TableSources DescribeDriveLists();
+
 }  // namespace pq

@@ -167,4 +167,14 @@ void CollectEventLog(const RaidLogsCollection& collection) {
   if (dump.HasRecords()) ConvertDump(collection);
 }
 
+TableSources DescribeEventLog() {
+  TableSources sources;
+  for (const EventPage& page : kPages) {
+    TableSource source{page.className, {CommandOf(kReport)}, {}};
+    for (const Column* column : kColumns) source.columns.push_back(*column);
+    sources.push_back(std::move(source));
+  }
+  return sources;
+}
+
 }  // namespace pq

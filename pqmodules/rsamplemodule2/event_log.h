@@ -60,4 +60,6 @@ class EventDump {
 /// Adds the rows of "EVENTLOG1" to "EVENTLOG5".
 void CollectEventLog(const RaidLogsCollection& collection);
 
+TableSources DescribeEventLog();
+
 }  // namespace pq

@@ -129,4 +129,18 @@ void CollectIntelDevices(const RaidLogsCollection& collection) {
   AddBlocks(file.get(), kVolumeBlock, volume);
 }
 
+TableSources DescribeIntelDevices() {
+  TableSource endDevices{kEndDeviceInfo, IntelReportCommands(), {}};
+  for (const Column& column : ColumnsOf(kEndDeviceFacts)) {
+    endDevices.columns.push_back(column);
+    if (column.key == "Type") endDevices.columns.push_back(kDiskType.column);
+  }
+  const auto describe = [](const std::string& className, const Block& block) {
+    TableSource source{className, IntelReportCommands(), {}};
+    for (const BlockColumn& column : block.columns) source.columns.push_back(column.column);
+    return source;
+  };
+  return {std::move(endDevices), describe(kArray, kArrayBlock), describe(kVolume, kVolumeBlock)};
+}
+
 }  // namespace pq

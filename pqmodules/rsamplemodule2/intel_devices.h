@@ -8,4 +8,6 @@ namespace pq {
 /// Adds the rows of "ENDDEVICEINFO", "ARRAY" and "VOLUME".
 void CollectIntelDevices(const RaidLogsCollection& collection);
 
+TableSources DescribeIntelDevices();
+
 }  // namespace pq

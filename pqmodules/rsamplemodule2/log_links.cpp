@@ -57,8 +57,8 @@ std::string FileTag(const LinkedReport& report, const std::string& number) {
 }
 
 /// The report's whole text; null after a failure, which is logged.
-std::unique_ptr<char[]> ReadReport(const RaidLogsCollection& collection,
-                                      const LinkedReport& report, const std::string& number) {
+std::unique_ptr<char[]> ReadReport(const RaidLogsCollection& collection, const LinkedReport& report,
+                                   const std::string& number) {
   const std::string path = GetLogFolder() + FileTag(report, number) + ".txt";
   collection.log(kDetail, report.pathMessage, path);
   const std::string command =
@@ -95,6 +95,15 @@ void CollectLogLinks(const RaidLogsCollection& collection, int controller) {
     AddAttachment(row, column.key, column.label, text, FileTag(kReports[i], number));
   }
   row.AddToRepository(collection.repo);
+}
+
+TableSource DescribeLogLinks() {
+  TableSource source{kLsiLink, {}, {kIndex}};
+  for (const LinkedReport& report : kReports) {
+    source.commands.push_back({kStorcli, "/c0" + report.arguments, FileTag(report, "0") + ".txt"});
+    source.columns.push_back(report.column);
+  }
+  return source;
 }
 
 }  // namespace pq

@@ -14,6 +14,12 @@
 namespace pq {
 namespace {
 
+constexpr char kUploadTool[] = "\\utilities\\lsi\\sas2ircu.exe";
+constexpr char kUploadArguments[] = "0 logir upload";
+constexpr char kUploadedLog[] = "logir.log";
+constexpr char kDecoder[] = "\\pq_tools\\SAS2IR_windows_x64.exe";
+constexpr char kDecodedName[] = "ir.txt";
+
 // Only the time skips the blank behind its label; all other values keep it.
 const LabelledColumns kFacts{
     {"Time:", 6, {"Time", "Time"}},
@@ -35,15 +41,14 @@ const LabelledColumns kFacts{
 /// decode and nobody to tell.
 void UploadLog(const RaidLogsCollection& collection) {
   const std::string command =
-      "\"" + collection.hostFolder + "\\utilities\\lsi\\sas2ircu.exe\" 0 logir upload > logir.log";
+      "\"" + collection.hostFolder + kUploadTool + "\" " + kUploadArguments + " > " + kUploadedLog;
   collection.log(kProgress, "cmdline_sas raw path:", command);
   Machine().RunSystem(command);
 }
 
 std::unique_ptr<TextFile> DecodeLog(const RaidLogsCollection& collection) {
-  const std::string path = GetLogFolder() + "ir.txt";
-  const std::string command = ReportCommand(
-      collection.hostFolder + "\\pq_tools\\SAS2IR_windows_x64.exe", "logir.log", path);
+  const std::string path = GetLogFolder() + kDecodedName;
+  const std::string command = ReportCommand(collection.hostFolder + kDecoder, kUploadedLog, path);
   collection.log(kProgress, "irlog2 raw path:", command);
   if (!RunLogged(collection.log, command)) return nullptr;
   collection.log(kProgress, "3irlog raw path:", DoubleBackslashes(path));
@@ -59,6 +64,12 @@ void CollectSas2IrLog(const RaidLogsCollection& collection) {
   RowBuffer row(collection.repo, kSas2IrLog, "LSI SAS2308 Log");
   std::string_view line;
   for (LineReader lines(file.get()); lines.Next(line);) Fill(row, kFacts.FindIn(line));
+}
+
+TableSource DescribeSas2IrLog() {
+  return {kSas2IrLog,
+          {{kUploadTool, kUploadArguments, {}}, {kDecoder, kUploadedLog, kDecodedName}},
+          ColumnsOf(kFacts)};
 }
 
 }  // namespace pq

@@ -8,4 +8,6 @@ namespace pq {
 /// Adds the rows of "SAS2IRLOG".
 void CollectSas2IrLog(const RaidLogsCollection& collection);
 
+TableSource DescribeSas2IrLog();
+
 }  // namespace pq

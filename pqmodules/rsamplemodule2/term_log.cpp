@@ -44,4 +44,6 @@ void CollectTermLog(const RaidLogsCollection& collection) {
   }
 }
 
+TableSource DescribeTermLog() { return {kFwTermLog, {CommandOf(kReport)}, {kLine}}; }
+
 }  // namespace pq

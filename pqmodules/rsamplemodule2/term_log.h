@@ -8,4 +8,6 @@ namespace pq {
 /// Adds the rows of "FWTERMLOG".
 void CollectTermLog(const RaidLogsCollection& collection);
 
+TableSource DescribeTermLog();
+
 }  // namespace pq
