@@ -227,6 +227,16 @@ def check_passwords_hidden(recording, ran, trace):
                 raise Failure(f"the password {password} stands in the {where}")
 
 
+def compare_failures(native, wine):
+    """What is said on standard error to be not collected, such as for a missing presence tool."""
+    def failures(ran):
+        return [line for line in ran.stderr.decode(errors="replace").splitlines()
+                if "not collected" in line]
+
+    if failures(native) != failures(wine):
+        raise Failure(f"not collected natively: {failures(native)}\n  under Wine: {failures(wine)}")
+
+
 def read_trace(path):
     lines = path.read_bytes().split(b"\n")
     if lines[-1] != b"":
@@ -293,6 +303,7 @@ def check_sample(binaries, standins, pqhost, sample):
                        machine.recording.get("console", "").encode("latin-1"))
         compare_files(native_logs, unix_path(machine.log_folder))
         check_passwords_hidden(machine.recording, ran, wine_trace)
+        compare_failures(native, ran)
         return compare(read_trace(native_trace), read_trace(wine_trace))
 
 
