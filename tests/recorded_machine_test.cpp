@@ -768,6 +768,13 @@ TEST(RecordedMachine, CountsAProcessThatWasLetGoAsOpen) {
   EXPECT_EQ(subject.machine.OpenHandles(), 1);
 }
 
+TEST(RecordedMachine, CountsAFileThatWasLetGoAsOpen) {
+  Subject subject(WithFiles({{R"(C:\a.txt)", ""}}));
+  auto file = subject.machine.OpenText(R"(C:\a.txt)");
+  (void)file.release();
+  EXPECT_EQ(subject.machine.OpenHandles(), 1);
+}
+
 TEST(RecordedMachine, ReportsTheEndOfAProcessWhenItIsAwaited) {
   Subject subject;
   subject.Run("/c tool");

@@ -150,10 +150,20 @@ class RecordedProcess final : public pq::Process {
   OpenProcesses& open;
 };
 
+class OpenedText;
+
+/// The files that nobody has closed yet.
+using OpenTexts = std::set<OpenedText*>;
+
 class OpenedText final : public pq::TextFile {
  public:
-  OpenedText(Bytes bytes, std::shared_ptr<int> openHandles)
-      : text(std::move(bytes)), handle(std::move(openHandles)) {}
+  OpenedText(Bytes bytes, std::shared_ptr<int> openHandles, OpenTexts& open)
+      : text(std::move(bytes)), handle(std::move(openHandles)), open(open) {
+    open.insert(this);
+  }
+  OpenedText(const OpenedText&) = delete;
+  OpenedText& operator=(const OpenedText&) = delete;
+  ~OpenedText() override { open.erase(this); }
   bool ReadLine(char* buffer, std::size_t size) override { return text.ReadLine(buffer, size); }
   void Rewind() override { text.Rewind(); }
   std::uint64_t SizeAndRewind() override { return text.SizeAndRewind(); }
@@ -161,6 +171,7 @@ class OpenedText final : public pq::TextFile {
  private:
   StoredText text;
   OpenHandle handle;
+  OpenTexts& open;
 };
 
 }  // namespace
@@ -182,8 +193,9 @@ struct RecordedMachine::State {
   State(const State&) = delete;
   State& operator=(const State&) = delete;
   ~State() {
-    // Processes that were let go: their handles stay open for as long as the machine runs.
+    // What was let go stays open for as long as the machine runs.
     while (!openProcesses.empty()) delete *openProcesses.begin();
+    while (!openTexts.empty()) delete *openTexts.begin();
   }
 
   Pipeline Parse(std::string_view commandLine) const {
@@ -305,6 +317,7 @@ struct RecordedMachine::State {
   std::size_t consoleAt = 0;
   std::shared_ptr<int> openHandles = std::make_shared<int>(0);
   OpenProcesses openProcesses;
+  OpenTexts openTexts;
 };
 
 RecordedMachine::RecordedMachine(Recording recording, MachineObserver* observer)
@@ -371,7 +384,7 @@ std::unique_ptr<pq::TextFile> RecordedMachine::OpenText(const std::string& path)
   if (state->observer != nullptr) state->observer->OnOpen(path, "r");
   Bytes bytes = state->files.Find(path);
   if (bytes == nullptr || path.ends_with('\\')) return nullptr;
-  return std::make_unique<OpenedText>(std::move(bytes), state->openHandles);
+  return std::make_unique<OpenedText>(std::move(bytes), state->openHandles, state->openTexts);
 }
 
 void RecordedMachine::WriteConsole(std::string_view text) {
