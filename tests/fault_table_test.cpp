@@ -61,6 +61,7 @@ void MeetFault(const FaultScenario& scenario, Fault fault, Lines lines) {
   ASSERT_EQ(whole.steps, StepsOf(scenario));
   for (std::size_t row = 0; row < scenario.rows.size(); ++row) {
     if (!CanMeet(scenario.rows[row].kind, fault)) continue;
+    if (fault == Fault::kReportNotCreated && scenario.rows[row].sharesReport) continue;
     SCOPED_TRACE(scenario.rows[row].commandLine);
     const FaultOutcome outcome = OutcomeOf(scenario.rows[row], fault);
     const FaultRun run = RunWithFault(scenario, whole, row, fault);

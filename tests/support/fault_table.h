@@ -54,6 +54,7 @@ struct FaultRow {
   StepKind kind = StepKind::kReport;
   std::map<Fault, FaultOutcome> outcomes = {};
   bool decides = false;
+  bool sharesReport = false;  ///< an earlier step writes the same file; it is not missing alone
 };
 
 struct FaultScenario {

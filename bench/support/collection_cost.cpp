@@ -1,0 +1,78 @@
+#include "bench/support/collection_cost.h"
+
+#include <cstdio>
+#include <ctime>
+#include <memory>
+#include <stdexcept>
+
+#include "bench/support/heap.h"
+#include "frame/halyard/repository.h"
+#include "host/logger/logger.h"
+#include "host/recorded/recorded_machine.h"
+#include "tests/support/collected.h"
+
+namespace bench {
+namespace {
+
+using halyard::repository::RRepository;
+
+double ProcessorSeconds() {
+  return static_cast<double>(std::clock()) / static_cast<double>(CLOCKS_PER_SEC);
+}
+
+/// Processor seconds of one fgets pass over `text`, stored in a file; the mean of passes that last
+/// long enough to be measured.
+double FgetsSeconds(const std::string& text) {
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::tmpfile(), &std::fclose);
+  if (!file || std::fwrite(text.data(), 1, text.size(), file.get()) != text.size()) {
+    throw std::runtime_error("no room for a temporary file");
+  }
+  constexpr double kLongEnough = 0.2;
+  char line[512];
+  int passes = 0;
+  const double start = ProcessorSeconds();
+  double spent = 0;
+  do {
+    std::rewind(file.get());
+    while (std::fgets(line, sizeof(line), file.get()) != nullptr) benchmark::DoNotOptimize(line);
+    ++passes;
+    spent = ProcessorSeconds() - start;
+  } while (spent < kLongEnough);
+  return spent / passes;
+}
+
+}  // namespace
+
+void MeasureCollection(benchmark::State& state, const CollectionCase& measured) {
+  host::SetLogFolder(measured.machine.logFolder);
+  std::size_t heap = 0;
+  double spent = 0;
+  for (auto _ : state) {
+    state.PauseTiming();
+    host::RecordedMachine machine(measured.machine);
+    const host::MachineInUse inUse(machine);
+    const auto module = test::FindModule(measured.module);
+    module->RegisterTables();
+    auto repository = std::make_unique<RRepository>();
+    const std::size_t before = HeapInUse();
+    ResetHeapPeak();
+    state.ResumeTiming();
+
+    const double start = ProcessorSeconds();
+    module->Tables().at(measured.table).enumHandler(*repository);
+    spent += ProcessorSeconds() - start;
+
+    state.PauseTiming();
+    heap = HeapPeak() - before;
+    repository.reset();
+    state.ResumeTiming();
+  }
+  const auto lines = static_cast<double>(measured.lineCount);
+  const double seconds = spent / static_cast<double>(state.iterations());
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(measured.text.size()));
+  state.counters["ns/line"] = seconds * 1e9 / lines;
+  state.counters["heap/line"] = static_cast<double>(heap) / lines;
+  state.counters["xfgets"] = seconds / FgetsSeconds(measured.text);
+}
+
+}  // namespace bench

@@ -1,0 +1,28 @@
+// What a collection costs per line of what a tool prints: processor time, heap, and how that
+// compares with a bare fgets pass over the same text.
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include <cstdint>
+#include <string>
+
+#include "host/recorded/recording.h"
+
+namespace bench {
+
+/// A module on a machine on which one tool prints `text` of `lineCount` lines.
+struct CollectionCase {
+  host::Recording machine;
+  std::string module;
+  std::string table;
+  std::string text;
+  std::int64_t lineCount = 0;
+};
+
+/// Runs the collection with an empty repository and without a log in each iteration. Counters:
+/// ns/line (processor time), heap/line (bytes, the highest mark of one run; the recording does not
+/// count), xfgets (times the fgets pass).
+void MeasureCollection(benchmark::State& state, const CollectionCase& measured);
+
+}  // namespace bench
