@@ -20,9 +20,13 @@ struct CollectionCase {
   std::int64_t lineCount = 0;
 };
 
+/// Processor seconds of one bare fgets pass with a 512-byte buffer over `text`, stored in a file.
+double FgetsSeconds(const std::string& text);
+
 /// Runs the collection with an empty repository and without a log in each iteration. Counters:
 /// ns/line (processor time), heap/line (bytes, the highest mark of one run; the recording does not
-/// count), xfgets (times the fgets pass).
+/// count), xfgets (times the fgets pass), kept/row and text/row (bytes that the repository holds in
+/// the end for a row of `table`, and how many of them are its texts; only when there are rows).
 void MeasureCollection(benchmark::State& state, const CollectionCase& measured);
 
 }  // namespace bench
