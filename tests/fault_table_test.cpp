@@ -3,8 +3,16 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <boost/shared_ptr.hpp>
+#include <filesystem>
+#include <regex>
+#include <set>
 #include <string>
 #include <vector>
+
+#include "frame/add_modules.h"
+#include "host/pqhost/recording_file.h"
+#include "tests/support/collected.h"
 
 namespace test {
 namespace {
@@ -73,6 +81,44 @@ void MeetFault(const FaultScenario& scenario, Fault fault, Lines lines) {
     }
     ExpectFollowingSteps(scenario, run, row, fault != Fault::kPipeFails, outcome);
     ExpectWholeAndClean(scenario, whole, run, outcome.leftOpen);
+  }
+}
+
+/// `step` as it is for the first RAID controller: its further ones only repeat the same steps.
+std::string ForFirstController(const std::string& step) {
+  static const std::regex controller(R"(([/\\])c\d+)");
+  return std::regex_replace(step, controller, "$1c0");
+}
+
+/// The steps that any scenario of `module` names.
+std::set<std::string> StepsNamedFor(const std::string& module) {
+  std::set<std::string> named;
+  for (const FaultScenario& scenario : FaultScenarios()) {
+    if (scenario.module != module) continue;
+    for (const FaultRow& row : scenario.rows) named.insert(row.commandLine);
+  }
+  return named;
+}
+
+std::vector<std::string> ModuleNames() {
+  std::vector<boost::shared_ptr<halyard::repository::RModule>> modules;
+  AddModules(modules);
+  std::vector<std::string> names;
+  for (const auto& module : modules) names.push_back(module->GetName());
+  return names;
+}
+
+TEST(FaultScenarios, CoverEveryStepThatTheSamplesMake) {
+  for (const auto& sample : std::filesystem::directory_iterator(SamplesFolder())) {
+    const auto recording = [&] { return host::LoadRecording(sample.path()); };
+    for (const std::string& module : ModuleNames()) {
+      SCOPED_TRACE(module + " on " + sample.path().filename().string());
+      const std::set<std::string> named = StepsNamedFor(module);
+      const FaultScenario run{.name = "", .module = module, .recording = recording, .rows = {}};
+      for (const std::string& step : RunWhole(run).steps) {
+        EXPECT_THAT(named, testing::Contains(ForFirstController(step)));
+      }
+    }
   }
 }
 
