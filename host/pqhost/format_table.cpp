@@ -21,7 +21,7 @@ namespace host {
 namespace {
 
 constexpr std::size_t kColumnGap = 2;
-constexpr std::size_t kNarrowestColumn = 8;
+constexpr std::size_t kWidestWord = 20;  ///< a longer one may be broken
 constexpr std::size_t kWidestLabel = 34;
 constexpr std::size_t kMostLines = 12;         ///< of one cell
 constexpr std::size_t kMostShownBytes = 1600;  ///< of one cell
@@ -102,13 +102,21 @@ class TablesWriter {
     if (title != className) out << " · " << className;
     out << " · " << CountOf(table.RowCount(), "row") << '\n';
     const std::vector<std::string> labels = Labels(*table.rows);
+    const bool inColumns = table.layout.byRow && !HasAttachments(*table.rows);
     const std::vector<std::size_t> widths =
-        table.layout.byRow ? FitColumns(*table.rows, labels) : std::vector<std::size_t>{};
+        inColumns ? FitColumns(*table.rows, labels) : std::vector<std::size_t>{};
     if (widths.empty()) {
       WriteBlocks(*table.rows);
     } else {
       WriteColumns(*table.rows, labels, widths);
     }
+  }
+
+  static bool HasAttachments(const Table& table) {
+    return std::any_of(table.rows.begin(), table.rows.end(), [](const Row& row) {
+      return std::any_of(row.shape->columns.begin(), row.shape->columns.end(),
+                         [&](const Column& c) { return IsAttachment(*row.shape, c.key); });
+    });
   }
 
   std::string Label(const Column& column) const {
@@ -178,33 +186,73 @@ class TablesWriter {
     return widest;
   }
 
-  /// A width for each column, or none when they do not fit: the widest columns give way, down to
-  /// kNarrowestColumn.
+  static std::size_t LongestWord(std::string_view shown) {
+    std::size_t longest = 0;
+    while (!shown.empty()) {
+      const std::size_t end = std::min(shown.find_first_of(" \n"), shown.size());
+      longest = std::max(longest, MeasureWidth(shown.substr(0, end)));
+      shown.remove_prefix(std::min(end + 1, shown.size()));
+    }
+    return longest;
+  }
+
+  /// What a column takes: in one line per cell, and with every line broken where a word ends.
+  struct Need {
+    std::size_t whole = 1;
+    std::size_t broken = 1;
+
+    void Add(std::string_view shown) {
+      whole = std::max(whole, WidestLine(shown));
+      if (broken < kWidestWord) broken = std::max(broken, LongestWord(shown));
+    }
+    /// The column's width when columns may be at most `most` wide.
+    std::size_t WidthAt(std::size_t most) const {
+      return std::min(whole, std::max(most, std::min(broken, kWidestWord)));
+    }
+  };
+
+  /// A width for each column, or none when they do not fit: the widest columns give way, as long as
+  /// no word has to be broken.
   std::vector<std::size_t> FitColumns(const Table& table, const std::vector<std::string>& labels) {
     if (labels.empty()) return {};
-    std::vector<std::size_t> needed;
-    for (const std::string& label : labels) {
-      needed.push_back(std::max<std::size_t>(1, MeasureWidth(label)));
-    }
+    std::vector<Need> needs(labels.size());
+    for (std::size_t i = 0; i < labels.size(); ++i) needs[i].Add(labels[i]);
     RowCells cells(table);
     for (const Row& row : table.rows) {
       const std::vector<std::size_t>& places = cells.PlacesIn(row);
       for (std::size_t i = 0; i < places.size(); ++i) {
-        if (places[i] == RowCells::kMissing) continue;
-        needed[i] = std::max(needed[i], WidestLine(Shown(row, places[i])));
+        if (places[i] != RowCells::kMissing) needs[i].Add(Shown(row, places[i]));
       }
     }
-    const std::size_t gaps = kColumnGap * (needed.size() - 1);
-    if (gaps >= width) return {};
-    const std::size_t room = width - gaps;
-    for (std::size_t most = width; most >= kNarrowestColumn; --most) {
-      std::size_t total = 0;
-      for (const std::size_t n : needed) total += std::min(n, most);
-      if (total > room) continue;
-      for (std::size_t& n : needed) n = std::min(n, most);
-      return needed;
+    const std::size_t gaps = kColumnGap * (needs.size() - 1);
+    for (std::size_t most = width; most > 0; --most) {
+      std::size_t total = gaps;
+      for (const Need& need : needs) total += need.WidthAt(most);
+      if (total > width) continue;
+      std::vector<std::size_t> widths;
+      for (const Need& need : needs) widths.push_back(need.WidthAt(most));
+      Widen(widths, needs, width - total);
+      return widths;
     }
     return {};
+  }
+
+  /// Deals out the `spare` columns of the screen: first to those who need fewest.
+  static void Widen(std::vector<std::size_t>& widths, const std::vector<Need>& needs,
+                    std::size_t spare) {
+    while (spare > 0) {
+      std::size_t poorest = widths.size();
+      for (std::size_t i = 0; i < widths.size(); ++i) {
+        const std::size_t missing = needs[i].whole - widths[i];
+        const bool fewer =
+            poorest == widths.size() || missing < needs[poorest].whole - widths[poorest];
+        if (missing > 0 && fewer) poorest = i;
+      }
+      if (poorest == widths.size()) return;
+      const std::size_t given = std::min(spare, needs[poorest].whole - widths[poorest]);
+      widths[poorest] += given;
+      spare -= given;
+    }
   }
 
   void WriteColumns(const Table& table, const std::vector<std::string>& labels,
