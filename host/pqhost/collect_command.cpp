@@ -13,6 +13,7 @@
 #include "host/pqhost/commands.h"
 #include "host/pqhost/failures.h"
 #include "host/pqhost/formats.h"
+#include "host/pqhost/json_text.h"
 #include "host/pqhost/left_files.h"
 #include "host/pqhost/live.h"
 #include "host/pqhost/output_file.h"
@@ -124,7 +125,9 @@ class TraceOutput {
  public:
   TraceOutput(const Destination& destination, const Console& console, Passwords passwords)
       : path(destination.path),
-        writer(destination.IsStandardOutput() ? console.out : Open(destination.path), passwords) {
+        forTerminal(console.out),
+        writer(destination.IsStandardOutput() ? StandardOutput(console) : Open(destination.path),
+               passwords) {
     SetRepositoryObserver(&writer);
   }
   TraceOutput(const TraceOutput&) = delete;
@@ -154,8 +157,13 @@ class TraceOutput {
     return file;
   }
 
+  std::ostream& StandardOutput(const Console& console) {
+    return console.outIsTerminal ? forTerminal.Stream() : console.out;
+  }
+
   std::ofstream file;
   std::filesystem::path path;
+  JsonForTerminal forTerminal;
   TraceWriter writer;
 };
 

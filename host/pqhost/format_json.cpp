@@ -8,6 +8,7 @@
 #include <set>
 
 #include "host/pqhost/formats.h"
+#include "host/pqhost/json_text.h"
 #include "host/pqhost/row_cells.h"
 #include "host/pqhost/table_titles.h"
 #include "host/pqhost/text.h"
@@ -18,26 +19,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-/// JSON escapes the control characters below 32 itself; the others that a terminal would obey only
-/// occur inside texts, and are escaped here.
-std::string Dump(const Json& value) {
-  const std::string text = value.dump();
-  std::string escaped;
-  escaped.reserve(text.size());
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const auto byte = static_cast<unsigned char>(text[i]);
-    const auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : 0);
-    if (byte == 0x7F) {
-      escaped += "\\u007f";
-    } else if (byte == 0xC2 && next >= 0x80 && next <= 0x9F) {
-      escaped += fmt::format("\\u{:04x}", next);
-      ++i;
-    } else {
-      escaped += text[i];
-    }
-  }
-  return escaped;
-}
+std::string Dump(const Json& value) { return EscapeJsonForTerminal(value.dump()); }
 
 class JsonWriter {
  public:

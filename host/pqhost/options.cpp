@@ -209,7 +209,7 @@ class Parser {
   std::string HelpText() const {
     const CLI::App* command = collect->parsed() ? collect : modules->parsed() ? modules : nullptr;
     if (command == nullptr) return app.help();
-    return command->help("pqhost " + command->get_name());
+    return command->help("pqhost");
   }
 
   Options Finish(const CLI::App& command) {

@@ -1,0 +1,382 @@
+// The program as its user meets it.
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "tests/support/host_run.h"
+
+namespace host {
+namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::ordered_json;
+using test::HostRun;
+using test::RunHost;
+using test::Sample;
+using test::TemporaryFolder;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+using Words = std::vector<std::string>;
+
+/// pqhost collect on a recording, with more options.
+HostRun Replay(const std::string& recording, const Words& more = {},
+               const test::HostTerminal& terminal = {}) {
+  Words arguments = {"collect", "--replay", recording};
+  arguments.insert(arguments.end(), more.begin(), more.end());
+  return RunHost(arguments, terminal);
+}
+
+HostRun ReplayServer(const Words& more = {}, const test::HostTerminal& terminal = {}) {
+  return Replay(Sample("two-socket-server"), more, terminal);
+}
+
+/// A recording of its own, with these further members.
+class MadeRecording {
+ public:
+  explicit MadeRecording(const std::string& members) {
+    test::WriteWholeFile(folder.Path() / "recording.json", "{\"format\": 1" + members + "}");
+  }
+  std::string Path() const { return folder / ""; }
+  void AddFile(const std::string& name, const std::string& content) {
+    test::WriteWholeFile(folder.Path() / name, content);
+  }
+
+ private:
+  TemporaryFolder folder;
+};
+
+/// The "event" of every line of a trace, with what is told of it.
+Words Events(const std::string& trace) {
+  Words events;
+  std::istringstream lines(trace);
+  std::string line;
+  while (std::getline(lines, line)) {
+    const Json event = Json::parse(line);
+    const std::string kind = event["event"];
+    if (kind == "module") events.push_back("module " + event["name"].get<std::string>());
+    if (kind == "layout" || kind == "enumerate") {
+      events.push_back(kind + " " + event["table"].get<std::string>());
+    }
+  }
+  return events;
+}
+
+TEST(Collect, ShowsTheTablesOfARecording) {
+  const HostRun run = ReplayServer({"--table", "NETSTATINFO"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.error, "");
+  EXPECT_THAT(run.out, StartsWith("Windows related information · Windows_Related_Info\n\n"
+                                  "Network connections · NETSTATINFO · "));
+  EXPECT_THAT(run.out, HasSubstr("\nProtocol  Local Address"));
+}
+
+TEST(Collect, ShowsEveryModuleInTheLibrarysOrder) {
+  const Json all = Json::parse(ReplayServer({"--format", "json"}).out);
+  Words names;
+  for (const Json& module : all["modules"]) names.push_back(module["name"]);
+  EXPECT_THAT(names, ElementsAre("sampleModule1", "sampleModule2", "BMC_Info", "AMT_Info",
+                                 "Windows_Related_Info"));
+  EXPECT_EQ(all["tables"].size(), 38U);
+}
+
+TEST(Collect, DescribesTheRecordedMachine) {
+  const Json machine = Json::parse(ReplayServer({"--format", "json"}).out)["machine"];
+  EXPECT_EQ(machine["recorded"], true);
+  EXPECT_EQ(machine["languageId"], 1033);
+  EXPECT_EQ(machine["logFolder"], "C:\\Halyard\\logs\\");
+}
+
+TEST(Collect, TracesModuleLayoutAndEnumerationInOrder) {
+  const HostRun run = ReplayServer({"--module", "Windows_Related_Info", "--trace", "-"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_THAT(Events(run.out),
+              ElementsAre("module Windows_Related_Info", "layout ARPINFO", "enumerate ARPINFO",
+                          "layout NETSTATINFO", "enumerate NETSTATINFO"));
+}
+
+TEST(Collect, EnumeratesATableNamedTwiceTwice) {
+  const HostRun run =
+      ReplayServer({"--table", "NETSTATINFO", "--table", "NETSTATINFO", "--trace", "-"});
+  EXPECT_THAT(Events(run.out),
+              ElementsAre("module Windows_Related_Info", "layout NETSTATINFO",
+                          "enumerate NETSTATINFO", "layout NETSTATINFO", "enumerate NETSTATINFO"));
+}
+
+TEST(Collect, WritesTheSameTraceToAFileAsToStandardOutput) {
+  const TemporaryFolder folder;
+  const HostRun run = ReplayServer({"--table", "ARPINFO", "--trace", folder / "t.jsonl"});
+  EXPECT_THAT(run.out, HasSubstr("ARP table"));
+  EXPECT_EQ(test::ReadWholeFile(folder / "t.jsonl"),
+            ReplayServer({"--table", "ARPINFO", "--trace", "-"}).out);
+}
+
+TEST(Collect, WritesOneByteAsOneCharacterInATrace) {
+  MadeRecording recording(R"(, "codePage": 437,
+    "commands": [{"tool": "arp.exe", "arguments": "-a", "stdout": "arp.txt"}])");
+  recording.AddFile("arp.txt", "\x81\n");
+  const HostRun run = Replay(recording.Path(), {"--table", "ARPINFO", "--trace", "-"});
+  EXPECT_THAT(run.out, HasSubstr("\"[repo] \xC2\x81\\n\""));
+}
+
+TEST(Collect, EscapesATracesControlCharactersOnATerminal) {
+  MadeRecording recording(R"(,
+    "commands": [{"tool": "arp.exe", "arguments": "-a", "stdout": "arp.txt"}])");
+  recording.AddFile("arp.txt",
+                    "\x9b"
+                    "31m\x7f\n");
+  const HostRun run =
+      Replay(recording.Path(), {"--table", "ARPINFO", "--trace", "-"}, {.out = true});
+  EXPECT_THAT(run.out, HasSubstr("\"[repo] \\u009b31m\\u007f\\n\""));
+}
+
+TEST(Collect, WritesResultsToAFile) {
+  const TemporaryFolder folder;
+  const HostRun run =
+      ReplayServer({"--table", "ARPINFO", "--format", "csv", "--output", folder / "arp.csv"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.out, "");
+  EXPECT_THAT(test::ReadWholeFile(folder / "arp.csv"),
+              StartsWith("Internet Address,Physical Address,Type\r\n"));
+  EXPECT_THAT(folder.Files(), ElementsAre("arp.csv"));
+}
+
+TEST(Collect, ReplacesAnEarlierResult) {
+  const TemporaryFolder folder;
+  test::WriteWholeFile(folder / "o", "old");
+  ReplayServer({"--table", "ARPINFO", "--format", "ndjson", "--output", folder / "o"});
+  EXPECT_THAT(test::ReadWholeFile(folder / "o"), StartsWith("{\"class\":\"ARPINFO\""));
+  EXPECT_THAT(folder.Files(), ElementsAre("o"));
+}
+
+TEST(Collect, WritesFilesWithUnusualNames) {
+  const TemporaryFolder folder;
+  ReplayServer({"--table", "ARPINFO", "--output", folder / "Größe 连接.txt"});
+  EXPECT_THAT(folder.Files(), ElementsAre("Größe 连接.txt"));
+}
+
+TEST(Collect, RefusesAnOutputThatCannotBeWritten) {
+  const TemporaryFolder folder;
+  HostRun run = ReplayServer({"--output", folder / "missing/o.txt"});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_THAT(run.error, AllOf(StartsWith("pqhost: cannot write "), HasSubstr("does not exist")));
+  run = ReplayServer({"--output", folder / ""});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_THAT(run.error, HasSubstr("it is a folder"));
+  run = ReplayServer({"--trace", folder / "missing/t"});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_THAT(run.error, HasSubstr("does not exist"));
+  EXPECT_THAT(folder.Files(), IsEmpty());
+}
+
+TEST(Collect, LeavesNoHalfFileBehindWhenTheCollectionIsRefused) {
+  const TemporaryFolder folder;
+  test::WriteWholeFile(folder / "o", "old");
+  const HostRun run = ReplayServer({"--output", folder / "o", "--trace", folder / "no/t"});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_EQ(test::ReadWholeFile(folder / "o"), "old");
+  EXPECT_THAT(folder.Files(), ElementsAre("o"));
+}
+
+TEST(Collect, WritesTheLogFilesOfAReplay) {
+  const TemporaryFolder folder;
+  const HostRun run = ReplayServer({"--module", "Windows_Related_Info", "--format", "none",
+                                    "--log-folder", folder / "logs/of it"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.out, "");
+  EXPECT_THAT(run.error, HasSubstr("Log files: "));
+  const Words files = folder.Files();
+  EXPECT_THAT(files, testing::Contains("logs/of it/route.txt"));
+  EXPECT_THAT(files, testing::Contains("logs/of it/hosts.txt"));
+  EXPECT_EQ(test::ReadWholeFile(folder / "logs/of it/route.txt"),
+            test::ReadWholeFile(Sample("two-socket-server") + "/windows/route_print.txt"));
+}
+
+TEST(Collect, WritesLogFilesBelowFoldersAndUnderTheirNamesInUtf8) {
+  MadeRecording recording(R"(, "codePage": 850, "files": {
+      "C:\\Halyard\\logs\\Firmware\\Ger\u0084t.txt": "x.txt",
+      "c:\\\\halyard\\\\LOGS\\\\b.txt": "x.txt", "C:\\Halyard\\other.txt": "x.txt"})");
+  recording.AddFile("x.txt", "content");
+  const TemporaryFolder folder;
+  const HostRun run = Replay(
+      recording.Path(), {"--table", "ARPINFO", "--format", "none", "--log-folder", folder / ""});
+  EXPECT_EQ(run.exitCode, 0) << run.error;
+  EXPECT_THAT(folder.Files(), ElementsAre("Firmware/Gerät.txt", "b.txt"));
+}
+
+TEST(Collect, KeepsOddNamesInsideTheLogFolder) {
+  MadeRecording recording(R"(, "files": {
+      "C:\\Halyard\\logs\\..\\up.txt": "x.txt", "C:\\Halyard\\logs\\a:b.txt": "x.txt",
+      "C:\\Halyard\\logs\\a/b.txt": "x.txt", "C:\\Halyard\\logs\\good.txt": "x.txt"})");
+  recording.AddFile("x.txt", "content");
+  const TemporaryFolder folder;
+  const HostRun run = Replay(recording.Path(), {"--table", "ARPINFO", "--format", "none",
+                                                "--log-folder", folder / "sub/logs"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(folder.Files(), ElementsAre("sub/logs/good.txt"));
+  EXPECT_THAT(run.error, HasSubstr("pqhost: not written: a:b.txt: no name for a file here\n"));
+}
+
+TEST(Collect, RefusesALogFolderThatIsAFile) {
+  const TemporaryFolder folder;
+  test::WriteWholeFile(folder / "logs", "");
+  const HostRun run = ReplayServer({"--log-folder", folder / "logs"});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_THAT(run.error, StartsWith("pqhost: cannot create the folder "));
+}
+
+TEST(Collect, SaysWhatCouldNotBeCollectedAndGoesOn) {
+  const MadeRecording recording(R"(, "commands": [
+    {"tool": "route", "arguments": "print", "startError": 5},
+    {"tool": "arp.exe", "arguments": "-a", "pipeError": 8}])");
+  const HostRun run = Replay(recording.Path(), {"--module", "Windows_Related_Info"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.error, HasSubstr("pqhost: not collected: Windows_Related_Info, route: "
+                                   "CreateProcess failed in getting route(5)\n"));
+  EXPECT_THAT(run.error, HasSubstr("pqhost: not collected: Windows_Related_Info: "
+                                   "Failed to create pipe for arp info\n"));
+  EXPECT_EQ(std::count(run.error.begin(), run.error.end(), '\n'), 2);
+  EXPECT_THAT(run.out, HasSubstr("No rows: ARPINFO NETSTATINFO"));
+}
+
+TEST(Collect, IsDoneOnAMachineThatLacksVendorsTools) {
+  const MadeRecording recording("");
+  const HostRun run =
+      Replay(recording.Path(), {"--module", "sampleModule1", "--module", "sampleModule2",
+                                "--module", "Windows_Related_Info"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.error, "");
+}
+
+TEST(Collect, SaysOnceThatNobodyKnowsWhetherThereIsAmt) {
+  const MadeRecording recording("");
+  const HostRun run = Replay(recording.Path(), {"--table", "AMTLOG", "--table", "AMTLOG"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_EQ(run.error,
+            "pqhost: not collected: AMT_Info, check_amt_bmc.exe: the program is missing, so it is "
+            "not known whether the machine has AMT\n");
+}
+
+TEST(Collect, RefusesARecordingThatIsNotThere) {
+  const TemporaryFolder folder;
+  const HostRun run = Replay(folder / "nothing");
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_EQ(run.out, "");
+  EXPECT_THAT(run.error, StartsWith("pqhost: "));
+  EXPECT_EQ(std::count(run.error.begin(), run.error.end(), '\n'), 1);
+}
+
+TEST(Collect, RefusesARecordingOfAnotherFormat) {
+  const TemporaryFolder folder;
+  test::WriteWholeFile(folder / "recording.json", "{\"format\": 2}");
+  const HostRun run = Replay(folder / "");
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_THAT(run.error, HasSubstr("format"));
+}
+
+TEST(Collect, RefusesUnknownNamesWithCode2) {
+  HostRun run = ReplayServer({"--module", "BMCInfo"});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_EQ(run.error,
+            "pqhost: there is no module BMCInfo; did you mean BMC_Info? (modules: sampleModule1, "
+            "sampleModule2, BMC_Info, AMT_Info, Windows_Related_Info)\n");
+  run = ReplayServer({"--table", "ARPINF"});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_THAT(run.error, HasSubstr("there is no table ARPINF; did you mean ARPINFO?"));
+}
+
+TEST(Collect, NeverPutsWhatWasTypedRawOnTheTerminal) {
+  const HostRun run = RunHost({"collect", "--form\x1b[31m"});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_THAT(run.error, AllOf(HasSubstr("\\x1b[31m"), Not(HasSubstr("\x1b"))));
+}
+
+TEST(Collect, ShowsProgressOnlyOnATerminal) {
+  EXPECT_EQ(ReplayServer({"--table", "ARPINFO"}).error, "");
+  const HostRun run = ReplayServer({"--table", "ARPINFO"}, {.error = true});
+  EXPECT_THAT(run.error, HasSubstr("Windows_Related_Info: arp.exe"));
+}
+
+TEST(Collect, FitsTheTerminal) {
+  const HostRun narrow = ReplayServer({"--table", "ARPINFO"}, {.out = true, .width = 40});
+  EXPECT_THAT(narrow.out, HasSubstr("Internet Address: "));
+  const HostRun wide = ReplayServer({"--table", "ARPINFO"}, {.out = true, .width = 80});
+  EXPECT_THAT(wide.out, HasSubstr("Internet Address  Physical Address"));
+}
+
+TEST(Collect, ColoursOnATerminal) {
+  EXPECT_THAT(ReplayServer({"--table", "ARPINFO"}, {.out = true, .colors = true}).out,
+              HasSubstr("\x1b[1mARP table\x1b[0m"));
+  EXPECT_THAT(ReplayServer({"--table", "ARPINFO"}, {.out = true}).out, Not(HasSubstr("\x1b")));
+}
+
+TEST(Collect, NeverColoursAFile) {
+  const TemporaryFolder folder;
+  ReplayServer({"--table", "ARPINFO", "--output", folder / "o"}, {.out = true, .colors = true});
+  EXPECT_THAT(test::ReadWholeFile(folder / "o"), Not(HasSubstr("\x1b")));
+}
+
+TEST(Collect, LeavesNothingSetBehindARun) {
+  const std::string first = ReplayServer({"--trace", "-"}).out;
+  RunHost({"collect", "--replay", "nowhere"});
+  EXPECT_EQ(ReplayServer({"--trace", "-"}).out, first);
+}
+
+TEST(Modules, ListsModulesTablesAndColumns) {
+  const HostRun run = RunHost({"modules"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_THAT(run.out, HasSubstr("Windows_Related_Info  Windows related information\n"));
+  EXPECT_THAT(run.out,
+              testing::ContainsRegex("  ARPINFO  +ARP table  +3 columns \\(40, 40, 20 wide\\)\n"));
+  EXPECT_THAT(run.out, testing::ContainsRegex("  MCINFO  +Management controller  +one property"));
+}
+
+TEST(Modules, ListsThemAsJson) {
+  const Json all = Json::parse(RunHost({"modules", "--format", "json"}).out);
+  EXPECT_EQ(all["modules"].size(), 5U);
+  const Json& windows = all["modules"][4];
+  EXPECT_EQ(windows["description"], "Windows related information");
+  EXPECT_EQ(windows["tables"][0].dump(),
+            R"({"class":"ARPINFO","title":"ARP table",)"
+            R"("layout":{"by":"row","headers":[],"widths":[40,40,20]}})");
+}
+
+TEST(Modules, TitlesEveryTableInWords) {
+  const Json all = Json::parse(RunHost({"modules", "--format", "json"}).out);
+  int tables = 0;
+  for (const Json& module : all["modules"]) {
+    for (const Json& table : module["tables"]) {
+      EXPECT_NE(table["title"], table["class"]);
+      ++tables;
+    }
+  }
+  EXPECT_EQ(tables, 38);
+}
+
+TEST(Program, SaysHowItIsUsed) {
+  const HostRun run = RunHost({"--help"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.error, "");
+  EXPECT_THAT(run.out, HasSubstr("Usage: pqhost"));
+}
+
+TEST(Program, ComplainsInOneLineOnStandardError) {
+  const HostRun run = RunHost({});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_EQ(run.out, "");
+  EXPECT_EQ(run.error,
+            "pqhost: nothing to do: give a command (collect, modules; see pqhost --help)\n");
+}
+
+}  // namespace
+}  // namespace host

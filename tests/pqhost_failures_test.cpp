@@ -1,0 +1,92 @@
+// What counts as "could not be collected", and how it is told.
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "host/pqhost/command_text.h"
+#include "host/pqhost/failures.h"
+
+namespace host {
+namespace {
+
+bool Reports(const std::string& text, unsigned level = 4) {
+  return ReportsFailure({level, "pqmodules/rbmcinfo", 1, "[repo] " + text});
+}
+
+TEST(Failures, AreWhatModulesSayOfProcessesPipesAndFiles) {
+  for (const char* text :
+       {"CreateProcess failed (5)", "CreateProcess failed(5)",
+        "CreateProcess failed in getting route(2)", "Failed to create pipe for arp info",
+        "Create Pipe failed", "Failed to open raid log file", "Failed to open file!",
+        "GetExitCodeProcess() failed: 6", "Malloc failed!", "Get AMT IP failed"}) {
+    EXPECT_TRUE(Reports(text)) << text;
+  }
+}
+
+TEST(Failures, AreAllErrorsOfLevel1) {
+  EXPECT_TRUE(Reports("check_amt_bmc bmc command meets error", 1));
+  EXPECT_FALSE(Reports("check_amt_bmc bmc command meets error", 3));
+}
+
+TEST(Failures, AreNotWhatAMachineLacks) {
+  EXPECT_FALSE(Reports("Failed to open PMC Controller file"));
+  EXPECT_FALSE(Reports("has no BMC, return 4", 3));
+  EXPECT_FALSE(Reports("Has no AMT, return 1", 3));
+}
+
+TEST(Failures, AreNotProgressOrDumps) {
+  EXPECT_FALSE(Reports("Enter EnumBMCInstances", 3));
+  EXPECT_FALSE(Reports("the tool says: CreateProcess failed (5)"));
+  EXPECT_FALSE(Reports(""));
+}
+
+TEST(Failures, NameModuleAndTool) {
+  FailureList list;
+  list.Module("Windows_Related_Info", "");
+  list.OnProcess("cmd.exe", "/c route print >\"C:\\logs\\route.txt\"", true, false);
+  list.Log({3, "f", 1, "[repo] CreateProcess failed in getting route(5)"});
+  ASSERT_EQ(list.Failures().size(), 1U);
+  EXPECT_EQ(list.Failures()[0].module, "Windows_Related_Info");
+  EXPECT_EQ(list.Failures()[0].tool, "route");
+  EXPECT_EQ(list.Failures()[0].text, "CreateProcess failed in getting route(5)");
+}
+
+TEST(Failures, NameNoToolWhereNoneWasTried) {
+  FailureList list;
+  list.Module("A", "");
+  list.OnProcess("cmd.exe", "/c route print", true, false);
+  list.Log({3, "f", 1, "[repo] Failed to create pipe for arp info"});
+  list.Module("B", "");
+  list.Log({4, "f", 1, "[repo] Failed to open raid log file"});
+  ASSERT_EQ(list.Failures().size(), 2U);
+  EXPECT_EQ(list.Failures()[0].tool, "");
+  EXPECT_EQ(list.Failures()[1].tool, "");
+}
+
+TEST(CommandText, FindsTheProgram) {
+  EXPECT_EQ(FindTool("/c netstat.exe"), "netstat.exe");
+  EXPECT_EQ(FindTool("/c route print >\"C:\\Halyard\\logs\\route.txt\""), "route");
+  EXPECT_EQ(FindTool("/c \"C:\\Program Files\\H\\pq_tools\\check_amt_bmc.exe\" bmc"),
+            "check_amt_bmc.exe");
+  EXPECT_EQ(FindTool("/c \"\"C:\\H\\utilities\\lsi\\storcli.exe\" /c0 show > \"C:\\l\\x.txt\"\""),
+            "storcli.exe");
+  EXPECT_EQ(FindTool("/c \"copy \"c:\\Support\\Firmware\" \"C:\\logs\\Firmware\"\""), "copy");
+  EXPECT_EQ(FindTool("/c \"C:\\H\\utilities\\arcconf\\arcconf.exe savesupportarchive c:\\\""),
+            "arcconf.exe");
+  EXPECT_EQ(FindTool("/c copy C:\\Windows\\hosts \"C:\\logs\\hosts.txt\" > nul \""), "copy");
+}
+
+TEST(CommandText, LeavesArgumentsOut) {
+  EXPECT_EQ(FindTool("/c \"\"C:\\H\\pq_tools\\amt_log.exe\" 10.0.0.5 admin secret>\"C:\\l.txt\"\""),
+            "amt_log.exe");
+}
+
+TEST(CommandText, FindsNothingInNothing) {
+  EXPECT_EQ(FindTool(""), "");
+  EXPECT_EQ(FindTool("/c "), "");
+  EXPECT_EQ(FindTool("/c \"\""), "");
+}
+
+}  // namespace
+}  // namespace host

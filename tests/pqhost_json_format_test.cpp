@@ -1,0 +1,158 @@
+#include <gmock/gmock.h>
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "tests/support/made_collection.h"
+
+namespace host {
+namespace {
+
+using Json = nlohmann::ordered_json;
+using halyard::repository::RInstance;
+using test::MadeCollection;
+
+TEST(JsonFormat, SaysFormatTimeMachineAndModules) {
+  MadeCollection made;
+  MachineFacts& machine = made.Get().machine;
+  machine = {true, "two sockets", "NODE31", 1031, 850, "C:\\H\\h.exe", "C:\\H\\logs\\"};
+  const Json all = Json::parse(made.As("json"));
+  EXPECT_EQ(all["format"], 1);
+  EXPECT_EQ(all["program"]["name"], "pqhost");
+  EXPECT_EQ(all["collected"], "2026-11-18T09:41:07Z");
+  EXPECT_EQ(all["machine"],
+            Json::parse(R"({"recorded": true, "name": "NODE31", "description": "two sockets",
+                            "languageId": 1031, "codePage": 850, "hostExecutable": "C:\\H\\h.exe",
+                            "logFolder": "C:\\H\\logs\\"})"));
+  EXPECT_EQ(all["modules"], Json::parse(R"([{"name": "Example", "description": "For tests"}])"));
+}
+
+TEST(JsonFormat, WritesATableWithColumnsAndRowsInOrder) {
+  MadeCollection made;
+  made.Table("ARPINFO").Row({{"Address", "b"}, {"Type", " x \r\n"}}).Row({{"Address", "a"}});
+  const Json all = Json::parse(made.As("json"));
+  EXPECT_EQ(all["tables"][0].dump(),
+            R"({"class":"ARPINFO","title":"ARP table","module":"Example",)"
+            R"("layout":{"by":"row","headers":[],"widths":[]},)"
+            R"("columns":[{"key":"k1","label":"Address"},{"key":"k2","label":"Type"}],)"
+            R"("instances":["made"],"attachments":[],)"
+            R"("rows":[{"k1":"b","k2":" x \r\n"},{"k1":"a"}]})");
+}
+
+TEST(JsonFormat, WritesATableWithoutRows) {
+  MadeCollection made;
+  made.Table("VOLUME", /*byRow=*/false);
+  const Json table = Json::parse(made.As("json"))["tables"][0];
+  EXPECT_EQ(table["columns"], Json::array());
+  EXPECT_EQ(table["instances"], Json::array());
+  EXPECT_EQ(table["rows"], Json::array());
+  EXPECT_EQ(table["layout"].dump(), R"({"by":"property","headers":[],"numbers":[]})");
+}
+
+TEST(JsonFormat, WritesACollectionWithoutTables) {
+  MadeCollection made;
+  EXPECT_EQ(Json::parse(made.As("json"))["tables"], Json::array());
+}
+
+TEST(JsonFormat, WritesIntegersAsNumbers) {
+  MadeCollection made;
+  made.Table("T");
+  RInstance instance("T", "made", -1);
+  instance.AddProperty("n", "N", -2147483647 - 1, false);
+  instance.AddToRepository(made.Repository());
+  EXPECT_EQ(Json::parse(made.As("json"))["tables"][0]["rows"].dump(), R"([{"n":-2147483648}])");
+}
+
+TEST(JsonFormat, KeepsARowsOwnOrderOfProperties) {
+  MadeCollection made;
+  made.Table("T").Row({{"A", "1"}, {"B", "2"}});
+  RInstance instance("T", "made", -1);
+  instance.AddProperty("k2", "B", std::string("3"), false);
+  instance.AddProperty("k1", "A", std::string("4"), false);
+  instance.AddToRepository(made.Repository());
+  const Json table = Json::parse(made.As("json"))["tables"][0];
+  EXPECT_EQ(table["rows"].dump(), R"([{"k1":"1","k2":"2"},{"k2":"3","k1":"4"}])");
+}
+
+TEST(JsonFormat, NamesTheInstanceOfEachRowWhenTheyDiffer) {
+  MadeCollection made;
+  made.Table("T").Row({{"A", "1"}}).Row({{"A", "2"}});
+  RInstance("T", "other", -1).AddToRepository(made.Repository());
+  const Json table = Json::parse(made.As("json"))["tables"][0];
+  EXPECT_EQ(table["instances"].dump(), R"(["made","made","other"])");
+}
+
+TEST(JsonFormat, NamesTheOtherLabelsOfAKey) {
+  MadeCollection made;
+  made.Table("T").Row({{"First", "1"}}).Row({{"Second", "2"}}).Row({{"First", "3"}});
+  const Json table = Json::parse(made.As("json"))["tables"][0];
+  EXPECT_EQ(table["columns"].dump(), R"([{"key":"k1","label":"First","otherLabels":["Second"]}])");
+}
+
+TEST(JsonFormat, TellsOfAttachments) {
+  MadeCollection made;
+  made.Table("T").Row({{"A", "1"}}).FileRow("raw text", "c0_showall");
+  const Json table = Json::parse(made.As("json"))["tables"][0];
+  EXPECT_EQ(table["attachments"].dump(),
+            R"([{"row":1,"key":"file","attributes":{"raw":"true","filename":"c0_showall"},)"
+            R"("bytes":8}])");
+  EXPECT_EQ(table["rows"][1]["file"], "raw text");
+}
+
+TEST(JsonFormat, ReadsTextsInTheMachinesCodePage) {
+  MadeCollection made;
+  made.Get().machine.codePage = 437;
+  made.Table("T").Row({{"\x81", "\x9b"}});
+  const Json table = Json::parse(made.As("json"))["tables"][0];
+  EXPECT_EQ(table["columns"][0]["label"], "ü");
+  EXPECT_EQ(table["rows"][0]["k1"], "¢");
+}
+
+TEST(JsonFormat, IsValidWhateverTheBytesAndLetsNoControlCharacterThrough) {
+  MadeCollection made;
+  std::string all;
+  for (int c = 0; c < 256; ++c) all += static_cast<char>(c);
+  made.Table("T" + all).Row({{all, all}}).FileRow(all, all);
+  for (const std::uint32_t codePage : {932U, 1252U, 65001U}) {
+    made.Get().machine.codePage = codePage;
+    for (const char* format : {"json", "ndjson"}) {
+      const std::string text = made.As(format);
+      std::size_t at = 0;
+      for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        EXPECT_TRUE(byte == '\n' || (byte >= 0x20 && byte != 0x7F)) << at;
+        ++at;
+      }
+      for (int c1 = 0x80; c1 <= 0x9F; ++c1) {
+        EXPECT_EQ(text.find(std::string("\xC2") + static_cast<char>(c1)), std::string::npos);
+      }
+      if (format == std::string("json")) {
+        EXPECT_TRUE(Json::accept(text));
+      }
+    }
+  }
+}
+
+TEST(JsonFormat, KeepsControlCharactersInsideTexts) {
+  MadeCollection made;
+  made.Get().machine.codePage = 65001;
+  made.Table("T").Row({{"A", "\x1b[31m\x7f\xC2\x85"}});
+  EXPECT_EQ(Json::parse(made.As("json"))["tables"][0]["rows"][0]["k1"], "\x1b[31m\x7f\xC2\x85");
+}
+
+TEST(JsonLinesFormat, WritesOneObjectPerRow) {
+  MadeCollection made;
+  made.Table("B").Row({{"X", "1\n2"}}).Table("A").Row({{"X", "3"}, {"Y", "4"}}).Table("EMPTY");
+  EXPECT_EQ(made.As("ndjson"),
+            "{\"class\":\"B\",\"row\":{\"k1\":\"1\\n2\"}}\n"
+            "{\"class\":\"A\",\"row\":{\"k1\":\"3\",\"k2\":\"4\"}}\n");
+}
+
+TEST(JsonLinesFormat, WritesNothingWithoutRows) {
+  MadeCollection made;
+  made.Table("EMPTY");
+  EXPECT_EQ(made.As("ndjson"), "");
+}
+
+}  // namespace
+}  // namespace host
