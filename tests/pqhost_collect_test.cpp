@@ -4,12 +4,15 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "tests/support/host_run.h"
+#include "tests/support/temporary_folder.h"
 
 namespace host {
 namespace {
@@ -45,12 +48,10 @@ HostRun ReplayServer(const Words& more = {}, const test::HostTerminal& terminal 
 class MadeRecording {
  public:
   explicit MadeRecording(const std::string& members) {
-    test::WriteWholeFile(folder.Path() / "recording.json", "{\"format\": 1" + members + "}");
+    folder.Write("recording.json", "{\"format\": 1" + members + "}");
   }
   std::string Path() const { return folder / ""; }
-  void AddFile(const std::string& name, const std::string& content) {
-    test::WriteWholeFile(folder.Path() / name, content);
-  }
+  void AddFile(const std::string& name, const std::string& content) { folder.Write(name, content); }
 
  private:
   TemporaryFolder folder;
@@ -117,8 +118,7 @@ TEST(Collect, WritesTheSameTraceToAFileAsToStandardOutput) {
   const TemporaryFolder folder;
   const HostRun run = ReplayServer({"--table", "ARPINFO", "--trace", folder / "t.jsonl"});
   EXPECT_THAT(run.out, HasSubstr("ARP table"));
-  EXPECT_EQ(test::ReadWholeFile(folder / "t.jsonl"),
-            ReplayServer({"--table", "ARPINFO", "--trace", "-"}).out);
+  EXPECT_EQ(folder.Read("t.jsonl"), ReplayServer({"--table", "ARPINFO", "--trace", "-"}).out);
 }
 
 TEST(Collect, WritesOneByteAsOneCharacterInATrace) {
@@ -146,16 +146,15 @@ TEST(Collect, WritesResultsToAFile) {
       ReplayServer({"--table", "ARPINFO", "--format", "csv", "--output", folder / "arp.csv"});
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_EQ(run.out, "");
-  EXPECT_THAT(test::ReadWholeFile(folder / "arp.csv"),
-              StartsWith("Internet Address,Physical Address,Type\r\n"));
+  EXPECT_THAT(folder.Read("arp.csv"), StartsWith("Internet Address,Physical Address,Type\r\n"));
   EXPECT_THAT(folder.Files(), ElementsAre("arp.csv"));
 }
 
 TEST(Collect, ReplacesAnEarlierResult) {
   const TemporaryFolder folder;
-  test::WriteWholeFile(folder / "o", "old");
+  folder.Write("o", "old");
   ReplayServer({"--table", "ARPINFO", "--format", "ndjson", "--output", folder / "o"});
-  EXPECT_THAT(test::ReadWholeFile(folder / "o"), StartsWith("{\"class\":\"ARPINFO\""));
+  EXPECT_THAT(folder.Read("o"), StartsWith("{\"class\":\"ARPINFO\""));
   EXPECT_THAT(folder.Files(), ElementsAre("o"));
 }
 
@@ -181,11 +180,18 @@ TEST(Collect, RefusesAnOutputThatCannotBeWritten) {
 
 TEST(Collect, LeavesNoHalfFileBehindWhenTheCollectionIsRefused) {
   const TemporaryFolder folder;
-  test::WriteWholeFile(folder / "o", "old");
+  folder.Write("o", "old");
   const HostRun run = ReplayServer({"--output", folder / "o", "--trace", folder / "no/t"});
   EXPECT_EQ(run.exitCode, 2);
-  EXPECT_EQ(test::ReadWholeFile(folder / "o"), "old");
+  EXPECT_EQ(folder.Read("o"), "old");
   EXPECT_THAT(folder.Files(), ElementsAre("o"));
+}
+
+/// What the recorded server's route tool prints.
+std::string RecordedRoutes() {
+  std::ifstream in(fs::path(Sample("two-socket-server")) / "windows/route_print.txt",
+                   std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
 }
 
 TEST(Collect, WritesTheLogFilesOfAReplay) {
@@ -198,8 +204,7 @@ TEST(Collect, WritesTheLogFilesOfAReplay) {
   const Words files = folder.Files();
   EXPECT_THAT(files, testing::Contains("logs/of it/route.txt"));
   EXPECT_THAT(files, testing::Contains("logs/of it/hosts.txt"));
-  EXPECT_EQ(test::ReadWholeFile(folder / "logs/of it/route.txt"),
-            test::ReadWholeFile(Sample("two-socket-server") + "/windows/route_print.txt"));
+  EXPECT_EQ(folder.Read("logs/of it/route.txt"), RecordedRoutes());
 }
 
 TEST(Collect, WritesLogFilesBelowFoldersAndUnderTheirNamesInUtf8) {
@@ -211,7 +216,8 @@ TEST(Collect, WritesLogFilesBelowFoldersAndUnderTheirNamesInUtf8) {
   const HostRun run = Replay(
       recording.Path(), {"--table", "ARPINFO", "--format", "none", "--log-folder", folder / ""});
   EXPECT_EQ(run.exitCode, 0) << run.error;
-  EXPECT_THAT(folder.Files(), ElementsAre("Firmware/Gerät.txt", "b.txt"));
+  EXPECT_THAT(folder.Files(), ElementsAre("Firmware/Gerät.txt", "b.txt", "netshare.txt",
+                                          "route.txt", "smbios_info.txt"));
 }
 
 TEST(Collect, KeepsOddNamesInsideTheLogFolder) {
@@ -223,13 +229,14 @@ TEST(Collect, KeepsOddNamesInsideTheLogFolder) {
   const HostRun run = Replay(recording.Path(), {"--table", "ARPINFO", "--format", "none",
                                                 "--log-folder", folder / "sub/logs"});
   EXPECT_EQ(run.exitCode, 1);
-  EXPECT_THAT(folder.Files(), ElementsAre("sub/logs/good.txt"));
+  EXPECT_THAT(folder.Files(), ElementsAre("sub/logs/good.txt", "sub/logs/netshare.txt",
+                                          "sub/logs/route.txt", "sub/logs/smbios_info.txt"));
   EXPECT_THAT(run.error, HasSubstr("pqhost: not written: a:b.txt: no name for a file here\n"));
 }
 
 TEST(Collect, RefusesALogFolderThatIsAFile) {
   const TemporaryFolder folder;
-  test::WriteWholeFile(folder / "logs", "");
+  folder.Write("logs", "");
   const HostRun run = ReplayServer({"--log-folder", folder / "logs"});
   EXPECT_EQ(run.exitCode, 2);
   EXPECT_THAT(run.error, StartsWith("pqhost: cannot create the folder "));
@@ -278,7 +285,7 @@ TEST(Collect, RefusesARecordingThatIsNotThere) {
 
 TEST(Collect, RefusesARecordingOfAnotherFormat) {
   const TemporaryFolder folder;
-  test::WriteWholeFile(folder / "recording.json", "{\"format\": 2}");
+  folder.Write("recording.json", "{\"format\": 2}");
   const HostRun run = Replay(folder / "");
   EXPECT_EQ(run.exitCode, 2);
   EXPECT_THAT(run.error, HasSubstr("format"));
@@ -323,7 +330,7 @@ TEST(Collect, ColoursOnATerminal) {
 TEST(Collect, NeverColoursAFile) {
   const TemporaryFolder folder;
   ReplayServer({"--table", "ARPINFO", "--output", folder / "o"}, {.out = true, .colors = true});
-  EXPECT_THAT(test::ReadWholeFile(folder / "o"), Not(HasSubstr("\x1b")));
+  EXPECT_THAT(folder.Read("o"), Not(HasSubstr("\x1b")));
 }
 
 TEST(Collect, LeavesNothingSetBehindARun) {

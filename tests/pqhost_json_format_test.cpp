@@ -49,6 +49,13 @@ TEST(JsonFormat, WritesATableWithoutRows) {
   EXPECT_EQ(table["layout"].dump(), R"({"by":"property","headers":[],"numbers":[]})");
 }
 
+TEST(JsonFormat, SaysWhatCouldNotBeCollected) {
+  MadeCollection made;
+  EXPECT_EQ(Json::parse(made.As("json"))["problems"], Json::array());
+  made.Get().problems = {"not collected: A: b"};
+  EXPECT_EQ(Json::parse(made.As("json"))["problems"].dump(), R"(["not collected: A: b"])");
+}
+
 TEST(JsonFormat, WritesACollectionWithoutTables) {
   MadeCollection made;
   EXPECT_EQ(Json::parse(made.As("json"))["tables"], Json::array());

@@ -43,7 +43,7 @@ class JsonWriter {
       WriteTable(table);
       separator = ",\n";
     }
-    out << "\n]\n}\n";
+    out << "\n],\n\"problems\": " << Dump(Problems()) << "\n}\n";
   }
 
   void WriteLines() {
@@ -63,6 +63,12 @@ class JsonWriter {
         {"description", machine.description},    {"languageId", machine.languageId},
         {"codePage", machine.codePage},          {"hostExecutable", decode(machine.hostExecutable)},
         {"logFolder", decode(machine.logFolder)}};
+  }
+
+  Json Problems() const {
+    Json lines = Json::array();
+    for (const std::string& problem : collection.problems) lines.push_back(problem);
+    return lines;
   }
 
   Json Module(const CollectedModule& module) const {

@@ -1,7 +1,6 @@
-// Runs the program inside a test, and folders for what it writes.
+// Runs the program inside a test.
 #pragma once
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -25,26 +24,5 @@ HostRun RunHost(const std::vector<std::string>& arguments, const HostTerminal& t
 
 /// `name` among the recordings that come with the product, as an argument.
 std::string Sample(const std::string& name);
-
-/// An empty folder of its own, removed in the end.
-class TemporaryFolder {
- public:
-  TemporaryFolder();
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-  ~TemporaryFolder();
-
-  const std::filesystem::path& Path() const { return path; }
-  /// A path in it, as an argument.
-  std::string operator/(const std::string& name) const;
-  /// The names of all files in it and below, sorted, with slashes.
-  std::vector<std::string> Files() const;
-
- private:
-  std::filesystem::path path;
-};
-
-std::string ReadWholeFile(const std::filesystem::path& path);
-void WriteWholeFile(const std::filesystem::path& path, const std::string& content);
 
 }  // namespace test

@@ -17,7 +17,7 @@ MadeCollection::MadeCollection() {
 }
 
 MadeCollection& MadeCollection::Table(const std::string& className, bool byRow) {
-  collection.tables.push_back({className, "Example", {byRow, {}, {}}, nullptr});
+  collection.tables.push_back({className, "Example", {byRow, {}, {}}, nullptr, {}});
   return *this;
 }
 
