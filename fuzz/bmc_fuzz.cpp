@@ -96,13 +96,17 @@ std::string WithJoinedLines(std::string output) {
   return output;
 }
 
+std::string Property(std::string key, const std::string& value) {
+  return std::move(key.append("=").append(value));
+}
+
 Rows PairRows(const std::string& output, const std::string& family, std::size_t keyCount) {
   const std::vector<std::string> tokens = test::SplitWithStrtok(output, ":\n\r");
   if (tokens.empty()) return {};
   std::vector<std::string> row;
   for (std::size_t i = 0; i < tokens.size() && i / 2 < keyCount; i += 2) {
-    row.push_back(family + std::to_string(i / 2 + 1) + "=" +
-                  (i + 1 < tokens.size() ? tokens[i + 1] : ""));
+    row.push_back(Property(family + std::to_string(i / 2 + 1),
+                           i + 1 < tokens.size() ? tokens[i + 1] : std::string()));
   }
   return {row};
 }
@@ -110,7 +114,7 @@ Rows PairRows(const std::string& output, const std::string& family, std::size_t 
 Rows LineRows(const std::string& output, const std::string& key) {
   Rows rows;
   for (const std::string& line : test::SplitWithStrtok(output, "\n\r")) {
-    rows.push_back({key + "=" + line});
+    rows.push_back({Property(key, line)});
   }
   return rows;
 }
@@ -123,7 +127,7 @@ Rows SensorRows(const std::string& output) {
     if (count > 0 && field == " ") break;
     if (count % 10 == 0) {
       rows.emplace_back();
-      for (int i = 1; i <= 10; ++i) rows.back().push_back("item" + std::to_string(i) + "=");
+      for (int i = 1; i <= 10; ++i) rows.back().push_back(Property("item" + std::to_string(i), ""));
     }
     rows.back()[count++ % 10] += field;
   }
@@ -139,7 +143,7 @@ Rows FileRows(const std::string& stored, const std::string& key) {
   Rows rows;
   while (!text.empty()) {
     const std::string line = text.substr(0, std::min<std::size_t>(text.find('\n'), 510) + 1);
-    rows.push_back({key + "=" + line.c_str()});
+    rows.push_back({Property(key, line.substr(0, line.find('\0')))});
     text.erase(0, line.size());
   }
   return rows;
