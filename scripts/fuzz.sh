@@ -23,17 +23,19 @@ replay=$1
 shift
 [[ $replay == --replay && $# -gt 0 ]] && usage
 
-scripts/build.sh fuzz || exit 1
 targets=("$@")
 if [[ ${#targets[@]} -eq 0 ]]; then
   for source in fuzz/*_fuzz.cpp; do targets+=("$(basename "$source" .cpp)"); done
 fi
+for target in "${targets[@]}"; do
+  [[ -f fuzz/$target.cpp ]] || { echo "$target: there is no fuzz/$target.cpp" >&2; exit 2; }
+done
+scripts/build.sh fuzz "${targets[@]}" || exit 1
 
 passed=0
 failed=0
 for target in "${targets[@]}"; do
   program=build/fuzz/bin/$target
-  [[ -x $program ]] || { echo "$target: there is no such target" >&2; exit 2; }
   found=$PWD/build/fuzz/found/$target
   grown=build/fuzz/grown/$target
   log=build/fuzz/$target.log
