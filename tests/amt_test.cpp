@@ -119,6 +119,7 @@ std::vector<std::string> TraceLinesWith(const std::string& trace, std::string_vi
 
 std::vector<std::vector<std::string>> RowsOf(const std::vector<std::string>& lines) {
   std::vector<std::vector<std::string>> rows;
+  rows.reserve(lines.size());
   for (const std::string& line : lines) rows.push_back({"AMTLOG=" + line});
   return rows;
 }
