@@ -1,6 +1,7 @@
 #include "frame/labelled_columns.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace pq {
 namespace {
@@ -12,6 +13,10 @@ LabelTable LabelsOf(const std::vector<LabelledColumn>& columns) {
 }
 
 }  // namespace
+
+LabelledColumn BehindLabel(std::string_view label, Column column, bool endsRow) {
+  return {label, label.size(), std::move(column), endsRow};
+}
 
 LabelledColumns::LabelledColumns(std::initializer_list<LabelledColumn> columns)
     : columns(columns), labels(LabelsOf(this->columns)) {}

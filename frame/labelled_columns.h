@@ -19,6 +19,9 @@ struct LabelledColumn {
   bool endsRow = false;  ///< the row is handed over once this column is set
 };
 
+/// A column whose value begins right behind its label; the blank there belongs to it.
+LabelledColumn BehindLabel(std::string_view label, Column column, bool endsRow = false);
+
 /// What a line says: the column that it fills and its value, line end and all. No column when the
 /// line holds no label.
 struct LabelledFact {

@@ -20,29 +20,24 @@ constexpr char kTool[] = "\\utilities\\lsi\\storcli.exe";
 constexpr char kArguments[] = "/c0 show";
 constexpr char kReportName[] = "c0_showall.txt";
 
-/// A value begins right after its label's equals sign: its blank and its line end belong to it.
-LabelledColumn After(std::string_view label, Column column, bool endsRow = false) {
-  return {label, label.size(), std::move(column), endsRow};
-}
-
 }  // namespace
 
 const LabelledColumns& LsiSummaryFacts() {
   static const LabelledColumns facts{
-      After("Product Name =", {"ProductName", "Product Name"}),
-      After("Serial Number =", {"SerialNumber", "Serial Number"}),
-      After("SAS Address =", {"SASAddress", "SAS Address"}),
-      After("Mfg. Date =", {"MfgDate", "Mfg. Date"}),
-      After("System Time =", {"SystemTime", "System Time"}),
-      After("Controller Time =", {"ControllerTime", "Controller Time"}),
-      After("FW Package Build =", {"FWPackageBuild", "FW Package Build"}),
-      After("BIOS Version =", {"BIOSVersion", "BIOS Version"}),
-      After("FW Version =", {"FWVersion", "FW Version"}),
-      After("Driver Name =", {"DriverName", "Driver Name"}),
-      After("Driver Version =", {"DriverVersion", "Driver Version"}),
-      After("Bus Number =", {"BusNumber", "Bus Number"}),
-      After("Device Number =", {"DeviceNumber", "Device Number"}),
-      After("Function Number =", {"FunctionNumber", "Function Number"}, true),
+      BehindLabel("Product Name =", {"ProductName", "Product Name"}),
+      BehindLabel("Serial Number =", {"SerialNumber", "Serial Number"}),
+      BehindLabel("SAS Address =", {"SASAddress", "SAS Address"}),
+      BehindLabel("Mfg. Date =", {"MfgDate", "Mfg. Date"}),
+      BehindLabel("System Time =", {"SystemTime", "System Time"}),
+      BehindLabel("Controller Time =", {"ControllerTime", "Controller Time"}),
+      BehindLabel("FW Package Build =", {"FWPackageBuild", "FW Package Build"}),
+      BehindLabel("BIOS Version =", {"BIOSVersion", "BIOS Version"}),
+      BehindLabel("FW Version =", {"FWVersion", "FW Version"}),
+      BehindLabel("Driver Name =", {"DriverName", "Driver Name"}),
+      BehindLabel("Driver Version =", {"DriverVersion", "Driver Version"}),
+      BehindLabel("Bus Number =", {"BusNumber", "Bus Number"}),
+      BehindLabel("Device Number =", {"DeviceNumber", "Device Number"}),
+      BehindLabel("Function Number =", {"FunctionNumber", "Function Number"}, true),
   };
   return facts;
 }

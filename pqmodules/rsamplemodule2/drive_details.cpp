@@ -15,36 +15,32 @@ namespace {
 // The message names the term log; readers of host logs know this step by it.
 constexpr StorcliReport kReport{"/c0/eall/sall show all", "pdlist.txt", "fwterm raw path:"};
 
-/// A value begins right after its label's equals sign.
-LabelledColumn After(std::string_view label, Column column, bool endsRow = false) {
-  return {label, label.size(), std::move(column), endsRow};
-}
-
 const LabelledColumns kFacts{
-    After("Shield Counter =", {"ShieldCounter", "Shield Counter"}),
-    After("Media Error Count =", {"MediaErrorCount", "Media Error Count"}),
-    After("Other Error Count =", {"OtherErrorCount", "Other Error Count"}),
-    After("Drive Temperature =", {"DriveTemperature", "Drive Temperature"}),
-    After("Predictive Failure Count =", {"PredictiveFail", "Predictive Failure Count"}),
-    After("S.M.A.R.T alert flagged by drive =", {"SMARTflag", "S.M.A.R.T alert flagged by drive"}),
-    After("SN =", {"SN", "SN"}),
-    After("WWN =", {"WWN", "WWN"}),
-    After("Firmware Revision =", {"FirmwareRevision", "Firmware Revision"}),
-    After("Raw size =", {"Rawsize", "Raw size"}),
-    After("Coerced size =", {"Coercedsize", "Coerced size"}),
-    After("Device Speed =", {"DeviceSpeed", "Device Speed"}),
-    After("Link Speed =", {"LinkSpeed", "Link Speed"}),
-    After("Logical Sector Size =", {"LogicalSectorSize", "Logical Sector Size"}),
-    After("Enclosure position =", {"Enclosureposition", "Enclosure position"}),
-    After("Connected Port Number =", {"ConnectedPortNumber", "Connected Port Number"}),
-    After("Commissioned Spare =", {"CommissionedSpare", "Commissioned Spare"}),
-    After("Emergency Spare =", {"EmergencySpare", "Emergency Spare"}),
-    After("Needs EKM Attention =", {"NeedsEKMAttention", "Needs EKM Attention"}, true),
+    BehindLabel("Shield Counter =", {"ShieldCounter", "Shield Counter"}),
+    BehindLabel("Media Error Count =", {"MediaErrorCount", "Media Error Count"}),
+    BehindLabel("Other Error Count =", {"OtherErrorCount", "Other Error Count"}),
+    BehindLabel("Drive Temperature =", {"DriveTemperature", "Drive Temperature"}),
+    BehindLabel("Predictive Failure Count =", {"PredictiveFail", "Predictive Failure Count"}),
+    BehindLabel("S.M.A.R.T alert flagged by drive =",
+                {"SMARTflag", "S.M.A.R.T alert flagged by drive"}),
+    BehindLabel("SN =", {"SN", "SN"}),
+    BehindLabel("WWN =", {"WWN", "WWN"}),
+    BehindLabel("Firmware Revision =", {"FirmwareRevision", "Firmware Revision"}),
+    BehindLabel("Raw size =", {"Rawsize", "Raw size"}),
+    BehindLabel("Coerced size =", {"Coercedsize", "Coerced size"}),
+    BehindLabel("Device Speed =", {"DeviceSpeed", "Device Speed"}),
+    BehindLabel("Link Speed =", {"LinkSpeed", "Link Speed"}),
+    BehindLabel("Logical Sector Size =", {"LogicalSectorSize", "Logical Sector Size"}),
+    BehindLabel("Enclosure position =", {"Enclosureposition", "Enclosure position"}),
+    BehindLabel("Connected Port Number =", {"ConnectedPortNumber", "Connected Port Number"}),
+    BehindLabel("Commissioned Spare =", {"CommissionedSpare", "Commissioned Spare"}),
+    BehindLabel("Emergency Spare =", {"EmergencySpare", "Emergency Spare"}),
+    BehindLabel("Needs EKM Attention =", {"NeedsEKMAttention", "Needs EKM Attention"}, true),
 };
 
 // "Coerced size =" also stands inside this label.
 const LabelledColumn kNonCoercedSize =
-    After("Non Coerced size =", {"NonCoercedsize", "Non Coerced size"});
+    BehindLabel("Non Coerced size =", {"NonCoercedsize", "Non Coerced size"});
 
 LabelledFact ReadFact(std::string_view line) {
   LabelledFact fact = kFacts.FindIn(line);
