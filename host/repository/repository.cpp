@@ -61,6 +61,7 @@ struct InstanceState {
 
 struct RepositoryState {
   std::map<std::string, host::Table> tables;
+  std::map<std::string, std::set<std::string>> columnKeys;  ///< of each table
   std::set<host::RowShape> shapes;
 
   static const RepositoryState& Of(const RRepository& repository) { return *repository.state; }
@@ -72,9 +73,8 @@ struct RepositoryState {
     table.rows.push_back({&*shape, instance.values});
   }
 
-  static void AddColumns(host::Table& table, const host::RowShape& shape) {
-    std::set<std::string> known;
-    for (const host::Column& column : table.columns) known.insert(column.key);
+  void AddColumns(host::Table& table, const host::RowShape& shape) {
+    std::set<std::string>& known = columnKeys[shape.className];
     for (const host::Column& column : shape.columns) {
       if (known.insert(column.key).second) table.columns.push_back(column);
     }

@@ -1,0 +1,117 @@
+// The host's side of the logger.
+
+#include "host/logger/logger.h"
+
+#include <gmock/gmock.h>
+
+#include <string>
+#include <vector>
+
+#include "frame/logkit/log.h"
+
+namespace host {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// Keeps every line as long as it lives.
+class KeptLog {
+ public:
+  KeptLog() {
+    SetLogSink([this](const LogLine& line) { lines.push_back(line); });
+  }
+  KeptLog(const KeptLog&) = delete;
+  KeptLog& operator=(const KeptLog&) = delete;
+  ~KeptLog() { SetLogSink({}); }
+
+  std::vector<LogLine> lines;
+};
+
+/// What GetLogDir answers, and what it leaves in a buffer full of 'x'.
+struct LogDir {
+  explicit LogDir(std::size_t size) : buffer(300, 'x') {
+    result = LogKit::GetLogDir(buffer.data(), size);
+  }
+  std::string Text() const { return buffer.c_str(); }
+
+  std::string buffer;
+  int result;
+};
+
+/// A path of `length` characters that ends with a backslash.
+std::string PathOf(std::size_t length) { return "C:" + std::string(length - 3, 'p') + "\\"; }
+
+TEST(Log, IsWrittenWhenItIsDestroyed) {
+  const KeptLog log;
+  {
+    LogKit::Log line(3, "pqmodules/rbmcinfo", 42);
+    line.Stream() << "[repo] "
+                  << "count " << 7;
+    EXPECT_THAT(log.lines, IsEmpty());
+  }
+  ASSERT_EQ(log.lines.size(), 1U);
+  EXPECT_EQ(log.lines[0].level, 3U);
+  EXPECT_EQ(log.lines[0].file, "pqmodules/rbmcinfo");
+  EXPECT_EQ(log.lines[0].line, 42);
+  EXPECT_EQ(log.lines[0].text, "[repo] count 7");
+}
+
+TEST(Log, IsWrittenAlsoWhenNothingWasStreamed) {
+  const KeptLog log;
+  { const LogKit::Log line(1, "f", 1); }
+  ASSERT_EQ(log.lines.size(), 1U);
+  EXPECT_EQ(log.lines[0].text, "");
+}
+
+TEST(Log, KeepsBytesAsTheyAre) {
+  const KeptLog log;
+  LogKit::Log(4, "f", 1).Stream() << "a\x81\n\r\xff";
+  EXPECT_EQ(log.lines.at(0).text, "a\x81\n\r\xff");
+}
+
+TEST(Log, GoesNowhereWithoutASink) {
+  std::vector<std::string> seen;
+  SetLogSink([&](const LogLine& line) { seen.push_back(line.text); });
+  LogKit::Log(3, "f", 1).Stream() << "one";
+  SetLogSink({});
+  LogKit::Log(3, "f", 1).Stream() << "two";
+  EXPECT_THAT(seen, ElementsAre("one"));
+}
+
+TEST(LogFolder, IsGivenWithItsLength) {
+  SetLogFolder("C:\\Halyard\\logs\\");
+  const LogDir dir(256);
+  EXPECT_EQ(dir.result, 16);
+  EXPECT_EQ(dir.Text(), "C:\\Halyard\\logs\\");
+}
+
+TEST(LogFolder, GetsTheBackslashThatIsMissing) {
+  SetLogFolder("C:\\logs");
+  EXPECT_EQ(LogDir(256).Text(), "C:\\logs\\");
+}
+
+TEST(LogFolder, FitsWithItsTerminator) {
+  SetLogFolder(PathOf(255));
+  const LogDir dir(256);
+  EXPECT_EQ(dir.result, 255);
+  EXPECT_EQ(dir.Text(), PathOf(255));
+}
+
+TEST(LogFolder, LeavesAnEmptyTextWhenItDoesNotFit) {
+  SetLogFolder(PathOf(256));
+  const LogDir dir(256);
+  EXPECT_EQ(dir.result, -1);
+  EXPECT_EQ(dir.Text(), "");
+  EXPECT_EQ(dir.buffer.substr(1, 10), "xxxxxxxxxx");
+}
+
+TEST(LogFolder, WritesNothingIntoABufferWithoutRoom) {
+  SetLogFolder("C:\\logs\\");
+  const LogDir dir(0);
+  EXPECT_EQ(dir.result, -1);
+  EXPECT_EQ(dir.buffer[0], 'x');
+}
+
+}  // namespace
+}  // namespace host

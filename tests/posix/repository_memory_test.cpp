@@ -1,0 +1,67 @@
+// What a stored row costs in memory. Measured with the system's allocator, which only Linux lets a
+// program ask.
+
+#include <gtest/gtest.h>
+#include <malloc.h>
+
+#include <cstddef>
+#include <string>
+
+#include "frame/halyard/repository.h"
+#include "host/repository/store.h"
+
+#ifdef __SANITIZE_ADDRESS__
+// The address sanitizer brings an allocator of its own.
+extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
+#endif
+
+namespace host {
+namespace {
+
+using halyard::repository::RInstance;
+using halyard::repository::RRepository;
+
+std::size_t AllocatedBytes() {
+#ifdef __SANITIZE_ADDRESS__
+  return __sanitizer_get_current_allocated_bytes();
+#else
+  const auto info = mallinfo2();
+  return info.uordblks + info.hblkhd;
+#endif
+}
+
+/// Bytes that `rows` rows of `columns` texts of `length` characters take beyond their texts, per
+/// row.
+double BytesBeyondText(std::size_t rows, int columns, std::size_t length) {
+  const std::size_t before = AllocatedBytes();
+  RRepository repository;
+  const std::string value(length, 'v');
+  for (std::size_t i = 0; i < rows; ++i) {
+    RInstance instance("SELINFO", "SEL Information", -1);
+    for (int c = 0; c < columns; ++c) {
+      instance.AddProperty("item" + std::to_string(c), "SEL Info", value, false);
+    }
+    instance.AddToRepository(repository);
+  }
+  EXPECT_EQ(TablesOf(repository).at("SELINFO").rows.size(), rows);
+  const std::size_t text = rows * static_cast<std::size_t>(columns) * length;
+  return (static_cast<double>(AllocatedBytes() - before) - static_cast<double>(text)) /
+         static_cast<double>(rows);
+}
+
+TEST(RepositoryMemory, IsUnder300BytesARowBeyondItsText) {
+  EXPECT_LT(BytesBeyondText(1000000, 1, 80), 300);
+}
+
+TEST(RepositoryMemory, IsUnder300BytesAlsoForARowWithoutText) {
+  EXPECT_LT(BytesBeyondText(1000000, 1, 0), 300);
+}
+
+TEST(RepositoryMemory, OfARowDoesNotGrowWithTheTable) {
+  const double few = BytesBeyondText(10000, 7, 12);
+  const double many = BytesBeyondText(200000, 7, 12);
+  EXPECT_LT(many, few * 1.1);
+}
+
+}  // namespace
+}  // namespace host
