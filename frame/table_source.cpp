@@ -13,7 +13,8 @@ ToolCommand ToolCommandOf(std::string_view behindFolder, std::string file) {
   arguments = first == std::string_view::npos
                   ? std::string_view()
                   : arguments.substr(first, arguments.find_last_not_of(' ') - first + 1);
-  return {std::string(behindFolder.substr(0, quote)), std::string(arguments), std::move(file)};
+  return {std::string(behindFolder.substr(0, quote)), std::string(arguments), std::move(file),
+          false};
 }
 
 }  // namespace pq

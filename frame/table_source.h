@@ -16,6 +16,8 @@ struct ToolCommand {
   std::string program;
   std::string arguments;
   std::string file;  ///< that it leaves in the log folder; empty when it is read through a pipe
+  /// The operator gives the arguments; `arguments` only names them.
+  bool argumentsFromOperator = false;
 };
 
 struct TableSource {

@@ -155,7 +155,7 @@ int RAMTInfo::CollectAMTData(RRepository& repo) {
 }
 
 TableSources RAMTInfo::DescribeTables() {
-  return {{kAmtLog, {{kLogTool, "ADDRESS USER PASSWORD", kReportName}}, {kLine}}};
+  return {{kAmtLog, {{kLogTool, "ADDRESS USER PASSWORD", kReportName, true}}, {kLine}}};
 }
 
 }  // namespace pq

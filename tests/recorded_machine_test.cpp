@@ -27,7 +27,7 @@ class Listener final : public MachineObserver {
     calls.push_back("process " + application + " " + commandLine +
                     (inheritHandles ? " inherits" : "") + (pipe ? " pipe" : ""));
   }
-  void OnProcessEnd() override { calls.push_back("end"); }
+  void OnProcessEnd(std::uint32_t /*exitCode*/) override { calls.push_back("end"); }
   void OnSystem(const std::string& command) override { calls.push_back("system " + command); }
   void OnOpen(const std::string& path, const std::string& mode) override {
     calls.push_back("open " + path + " " + mode);

@@ -62,6 +62,12 @@ std::uint32_t ReadToolCodePage() {
 
 }  // namespace
 
+bool HasProgram(const std::string& program) {
+  std::array<char, MAX_PATH> found{};
+  return SearchPathA(nullptr, program.c_str(), ".exe", static_cast<DWORD>(found.size()),
+                     found.data(), nullptr) > 0;
+}
+
 MachineFacts PrepareLiveMachine(const std::filesystem::path& folder) {
   std::filesystem::path path = std::filesystem::absolute(folder).make_preferred();
   if (path.has_filename()) path /= L"";  // ends with a backslash then

@@ -43,7 +43,9 @@ DWORD WINAPI WatchedWaitForSingleObject(HANDLE handle, DWORD milliseconds) {
   if (result == WAIT_OBJECT_0 && handle == TheWatch().process) {
     TheWatch().process = nullptr;
     const DWORD error = GetLastError();
-    TheWatch().observer->OnProcessEnd();
+    DWORD exitCode = 0;
+    GetExitCodeProcess(handle, &exitCode);
+    TheWatch().observer->OnProcessEnd(exitCode);
     SetLastError(error);
   }
   return result;

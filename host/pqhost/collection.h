@@ -10,6 +10,7 @@
 #include "frame/halyard/repository.h"
 #include "host/pqhost/collection_listener.h"
 #include "host/pqhost/machine_facts.h"
+#include "host/pqhost/table_status.h"
 #include "host/repository/store.h"
 
 namespace host {
@@ -58,7 +59,7 @@ struct CollectedTable {
   std::string module;
   TableLayout layout;
   const Table* rows = nullptr;  ///< null when none came
-  std::string status;           ///< UTF-8: how many rows, or why there are none
+  TableStatus status;           ///< how many rows, or why there are none
   std::size_t RowCount() const { return rows == nullptr ? 0 : rows->rows.size(); }
 };
 
@@ -72,6 +73,7 @@ struct Collection {
   bool tablesNamed = false;
   /// What could not be collected, one line each. UTF-8.
   std::vector<std::string> problems;
+  std::vector<LogLine> log;  ///< what the modules logged; only for formats that want it
   std::unique_ptr<halyard::repository::RRepository> repository;
 };
 

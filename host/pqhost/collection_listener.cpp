@@ -25,8 +25,8 @@ void CollectionListeners::OnProcess(const std::string& application, const std::s
   }
 }
 
-void CollectionListeners::OnProcessEnd() {
-  for (CollectionListener* listener : listeners) listener->OnProcessEnd();
+void CollectionListeners::OnProcessEnd(std::uint32_t exitCode) {
+  for (CollectionListener* listener : listeners) listener->OnProcessEnd(exitCode);
 }
 
 void CollectionListeners::OnSystem(const std::string& command) {

@@ -135,7 +135,7 @@ class ReportData {
     out << "{\"class\":" << ScriptJson(decode(table.className))
         << ",\"title\":" << ScriptJson(decode(TitleOf(table.className)))
         << ",\"kind\":" << ScriptJson(Kind(table, shown.size()))
-        << ",\"status\":" << ScriptJson(table.status) << ",\"rowCount\":" << rows.rows.size()
+        << ",\"status\":" << ScriptJson(table.status.text) << ",\"rowCount\":" << rows.rows.size()
         << ",\"columns\":" << ScriptJson(columns) << ",\"attachments\":[";
     WriteAttachments(rows, attached);
     out << "],\"rows\":[";

@@ -80,7 +80,8 @@ class JsonWriter {
     const Table& rows = table.rows == nullptr ? kNoRows : *table.rows;
     out << "{\"class\": " << Dump(decode(table.className))
         << ",\n \"title\": " << Dump(decode(TitleOf(table.className)))
-        << ",\n \"module\": " << Dump(decode(table.module))
+        << ",\n \"module\": " << Dump(decode(table.module)) << ",\n \"status\": "
+        << Dump({{"outcome", table.status.outcome}, {"text", table.status.text}})
         << ",\n \"layout\": " << Dump(Layout(table.layout)) << ",\n \"columns\": ["
         << Joined(Columns(rows), "\n  ") << "],\n \"instances\": " << Dump(InstanceKeys(rows))
         << ",\n \"attachments\": [" << Joined(Attachments(rows), "\n  ") << "],\n \"rows\": [";

@@ -9,6 +9,7 @@ const std::vector<Format>& Formats() {
       {"ndjson", "one JSON object per row, each in a line", WriteJsonLines},
       {"csv", "comma-separated values", WriteCsv},
       {"html", "a report in one file, to read in a browser and to send", WriteHtml},
+      {"sqlite", "an SQLite database, to query", WriteSqlite, true, true},
       {"none", "no results; for a trace or log files alone", WriteNothing},
   };
   return formats;

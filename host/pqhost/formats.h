@@ -20,6 +20,8 @@ struct Format {
   const char* name;
   const char* description;
   void (*write)(const Collection& collection, const Screen& screen, std::ostream& out);
+  bool wantsLog = false;  ///< needs Collection::log
+  bool isBinary = false;  ///< nothing for a terminal
 };
 
 /// All formats; the first is the default.
@@ -38,6 +40,8 @@ void WriteJsonLines(const Collection& collection, const Screen& screen, std::ost
 void WriteCsv(const Collection& collection, const Screen& screen, std::ostream& out);
 /// The report: one HTML file that opens offline.
 void WriteHtml(const Collection& collection, const Screen& screen, std::ostream& out);
+/// An SQLite file (docs/sql.md).
+void WriteSqlite(const Collection& collection, const Screen& screen, std::ostream& out);
 /// Nothing: for whoever wants only the trace or the log files.
 void WriteNothing(const Collection& collection, const Screen& screen, std::ostream& out);
 

@@ -38,6 +38,10 @@ class LiveLibrary {
 std::unique_ptr<LiveLibrary> LoadLiveLibrary(const std::filesystem::path& plugin,
                                              MachineObserver* observer);
 
+/// Whether this machine has the program, given with its folder or as the interpreter looks for it
+/// (current folder, then the folders of PATH). `program` is in the machine's code page.
+bool HasProgram(const std::string& program);
+
 /// Creates `folder` (with its parents) and makes it the log folder of this machine's facts and of
 /// the logger. Throws LiveError, also when the folder's path has no form in the machine's code
 /// page.

@@ -38,6 +38,12 @@ constexpr char kModulesExamples[] = R"(Examples:
   pqhost modules --format json
 )";
 
+constexpr char kQueryExamples[] = R"(Examples:
+  pqhost query --replay RECORDING "SELECT item1, item2 FROM SENSORINFO WHERE item4 <> 'OK'"
+  pqhost collect --format sqlite --output server.db
+  pqhost query server.db "SELECT class, rows, status FROM tables" --format csv
+)";
+
 /// What CLI11 fills in.
 struct Given {
   std::string replay;
@@ -46,6 +52,7 @@ struct Given {
   std::string format;
   std::string output;
   std::string trace;
+  std::vector<std::string> query;
 };
 
 std::filesystem::path PathOf(const std::string& utf8) {
@@ -128,6 +135,7 @@ class Parser {
     Prepare(app);
     DefineCollect();
     DefineModules();
+    DefineQuery();
   }
 
   Options Parse(std::vector<std::string> arguments) {
@@ -141,13 +149,15 @@ class Parser {
     } catch (const CLI::ParseError& error) {
       throw UsageError(fmt::format("{} (see pqhost --help)", OneLine(error.what())));
     }
-    const CLI::App* command = collect->parsed() ? collect : modules->parsed() ? modules : nullptr;
+    const CLI::App* command = ParsedCommand();
     RefuseExtras(app, command);
     if (command == nullptr) {
       throw UsageError(fmt::format("nothing to do: give a command ({}; see pqhost --help)",
                                    fmt::join(CommandNames(app), ", ")));
     }
-    options.command = command == collect ? Command::kCollect : Command::kModules;
+    options.command = command == collect ? Command::kCollect
+                      : command == query ? Command::kQuery
+                                         : Command::kModules;
     return Finish(*command);
   }
 
@@ -195,6 +205,26 @@ class Parser {
     modules->add_option("--format", given.format, "Format: table or json")->type_name("NAME");
   }
 
+  void DefineQuery() {
+    query = app.add_subcommand("query", "Ask a collection, or the database of one, in SQL");
+    Prepare(*query);
+    query->footer(kQueryExamples);
+    query->add_option("QUERY", given.query, "The database, if any, then one SELECT statement")
+        ->type_name("[FILE.db] SQL")
+        ->expected(1, 2);
+    query->add_option("--replay", given.replay, "Collect from this recording of a machine")
+        ->type_name("FOLDER");
+    query->add_option("--plugin", given.plugin, "The library, for a live collection")
+        ->type_name("FILE");
+    query
+        ->add_option("--log-folder", given.logFolder,
+                     "Folder for the files that the tools leave; live: logs, unless given")
+        ->type_name("FOLDER");
+    query->add_option("--format", given.format, "Format of the answer: " + FormatList())
+        ->type_name("NAME");
+    query->add_option("--output", given.output, "Write the answer to this file")->type_name("FILE");
+  }
+
   static std::string FormatList() {
     return fmt::format("{}; {} unless given", fmt::join(FormatNames(), ", "),
                        Formats().front().name);
@@ -206,8 +236,15 @@ class Parser {
     return options;
   }
 
+  const CLI::App* ParsedCommand() const {
+    for (const CLI::App* command : {collect, modules, query}) {
+      if (command->parsed()) return command;
+    }
+    return nullptr;
+  }
+
   std::string HelpText() const {
-    const CLI::App* command = collect->parsed() ? collect : modules->parsed() ? modules : nullptr;
+    const CLI::App* command = ParsedCommand();
     if (command == nullptr) return app.help();
     return command->help("pqhost");
   }
@@ -224,6 +261,7 @@ class Parser {
     options.replay = OptionalPath(command, "--replay", given.replay);
     options.logFolder = OptionalPath(command, "--log-folder", given.logFolder);
     if (command.count("--output") > 0) options.output = DestinationOf("--output", given.output);
+    if (options.command == Command::kQuery) return FinishQuery();
     if (command.count("--trace") > 0) {
       options.trace = DestinationOf("--trace", given.trace);
       // A trace on standard output stands alone there, unless a format is asked for.
@@ -248,8 +286,26 @@ class Parser {
     return options;
   }
 
+  Options FinishQuery() {
+    if (given.query.empty()) {
+      throw UsageError(
+          "there is no query: give one, as in pqhost query --replay FOLDER \"SELECT * "
+          "FROM SENSORINFO\"");
+    }
+    options.sql = given.query.back();
+    if (given.query.size() > 1) options.database = PathOf(given.query.front());
+    if (options.database && options.replay) {
+      throw UsageError("a database and --replay are both there to be asked: give one of them");
+    }
+    if (FindFormat(options.format)->isBinary) {
+      throw UsageError("an answer has no database format: choose another one");
+    }
+    return options;
+  }
+
   CLI::App app;
   CLI::App* collect = nullptr;
+  CLI::App* query = nullptr;
   CLI::App* modules = nullptr;
   Given given;
   Options options;

@@ -8,7 +8,7 @@
 
 namespace host {
 
-enum class Command { kShowText, kModules, kCollect };
+enum class Command { kShowText, kModules, kCollect, kQuery };
 
 /// A file to write to; "-" on the command line is standard output.
 struct Destination {
@@ -28,6 +28,10 @@ struct Options {
   std::string format;  ///< one of the formats' names
   Destination output;
   std::optional<Destination> trace;
+
+  // Of kQuery.
+  std::string sql;
+  std::optional<std::filesystem::path> database;  ///< none: what is collected is queried
 };
 
 /// Reads the arguments (UTF-8, without the program's name). Throws UsageError.

@@ -18,6 +18,8 @@ int RunCommand(const Options& options, const Console& console) {
       return RunModulesCommand(options, console);
     case Command::kCollect:
       return RunCollectCommand(options, console);
+    case Command::kQuery:
+      return RunQueryCommand(options, console);
     case Command::kShowText:
       break;
   }

@@ -52,7 +52,7 @@ void ProgressLine::OnProcess(const std::string& /*application*/, const std::stri
   Show(Name(FindTool(commandLine)));
 }
 
-void ProgressLine::OnProcessEnd() { Show(""); }
+void ProgressLine::OnProcessEnd(std::uint32_t /*exitCode*/) { Show(""); }
 
 void ProgressLine::OnSystem(const std::string& command) { Show(Name(FindTool(command))); }
 

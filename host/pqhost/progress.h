@@ -25,7 +25,7 @@ class ProgressLine final : public CollectionListener {
   void Module(const std::string& name, const std::string& description) override;
   void OnProcess(const std::string& application, const std::string& commandLine,
                  bool inheritHandles, bool pipe) override;
-  void OnProcessEnd() override;
+  void OnProcessEnd(std::uint32_t exitCode) override;
   void OnSystem(const std::string& command) override;
   void OnConsole(std::string_view text) override;
   void OnToolConsole(std::string_view text) override;

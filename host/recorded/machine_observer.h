@@ -1,6 +1,7 @@
 // How a host sees what modules do to the machine.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -15,7 +16,7 @@ class MachineObserver {
   virtual void OnProcess(const std::string& /*application*/, const std::string& /*commandLine*/,
                          bool /*inheritHandles*/, bool /*pipe*/) {}
   /// The process started last was awaited and has ended.
-  virtual void OnProcessEnd() {}
+  virtual void OnProcessEnd(std::uint32_t /*exitCode*/) {}
   /// A call of the standard library's `system`.
   virtual void OnSystem(const std::string& /*command*/) {}
   /// A file is opened, or tried to be; `path` as given.

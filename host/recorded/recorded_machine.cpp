@@ -134,7 +134,7 @@ class RecordedProcess final : public pq::Process {
   ~RecordedProcess() override { open.erase(this); }
 
   void Wait() override {
-    if (observer != nullptr) observer->OnProcessEnd();
+    if (observer != nullptr) observer->OnProcessEnd(exitCode);
   }
 
   std::uint32_t ReadExitCode(std::uint32_t& code) override {
@@ -416,6 +416,12 @@ bool RecordedMachine::HasPrograms(const std::string& commandLine) const {
 }
 
 std::map<std::string, std::string> RecordedMachine::Files() const { return state->files.All(); }
+
+std::optional<std::uint64_t> RecordedMachine::FileSize(const std::string& path) const {
+  const Bytes bytes = state->files.Find(path);
+  if (bytes == nullptr) return std::nullopt;
+  return bytes->size();
+}
 
 int RecordedMachine::OpenHandles() const { return *state->openHandles; }
 

@@ -4,6 +4,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 
@@ -36,6 +37,8 @@ class RecordedMachine final : public pq::Platform {
   bool HasPrograms(const std::string& commandLine) const;
   /// The files that lie on the machine now, by their path as it was first written.
   std::map<std::string, std::string> Files() const;
+  /// Size in bytes of the file `path`, if it is there.
+  std::optional<std::uint64_t> FileSize(const std::string& path) const;
   /// Processes, pipes and files that are open at this moment.
   int OpenHandles() const;
 

@@ -29,7 +29,7 @@ class Watcher final : public host::MachineObserver {
     collected.commandLines.push_back(commandLine);
     trace.OnProcess(application, commandLine, inheritHandles, pipe);
   }
-  void OnProcessEnd() override { trace.OnProcessEnd(); }
+  void OnProcessEnd(std::uint32_t exitCode) override { trace.OnProcessEnd(exitCode); }
   void OnSystem(const std::string& command) override { trace.OnSystem(command); }
   void OnOpen(const std::string& path, const std::string& mode) override {
     collected.opened.push_back(path);

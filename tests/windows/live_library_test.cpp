@@ -42,7 +42,7 @@ struct Seen final : host::MachineObserver {
     events.push_back(application + " | " + commandLine + (inheritHandles ? " | inherits" : "") +
                      (pipe ? " | pipe" : ""));
   }
-  void OnProcessEnd() override { events.emplace_back("end"); }
+  void OnProcessEnd(std::uint32_t /*exitCode*/) override { events.emplace_back("end"); }
 };
 
 TEST(LiveLibrary, AddsTheFiveModules) {

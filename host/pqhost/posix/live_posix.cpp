@@ -14,6 +14,8 @@ std::unique_ptr<LiveLibrary> LoadLiveLibrary(const std::filesystem::path& /*plug
   throw LiveError(kNeedsWindows);
 }
 
+bool HasProgram(const std::string& /*program*/) { return false; }
+
 MachineFacts PrepareLiveMachine(const std::filesystem::path& /*folder*/) {
   throw LiveError(kNeedsWindows);
 }

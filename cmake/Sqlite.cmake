@@ -1,0 +1,18 @@
+# SQLite: the system's library, or, for Windows, the amalgamation that npm's better-sqlite3 carries.
+add_library(pq_sqlite INTERFACE)
+if(WIN32)
+  set(sqlite_folder ${PROJECT_SOURCE_DIR}/node_modules/better-sqlite3/deps/sqlite3)
+  if(NOT EXISTS ${sqlite_folder}/sqlite3.c)
+    message(FATAL_ERROR "${sqlite_folder}/sqlite3.c is missing: run 'npm ci --ignore-scripts'")
+  endif()
+  enable_language(C)
+  add_library(sqlite3 STATIC ${sqlite_folder}/sqlite3.c)
+  target_include_directories(sqlite3 SYSTEM PUBLIC ${sqlite_folder})
+  target_compile_definitions(sqlite3 PRIVATE SQLITE_THREADSAFE=0 SQLITE_OMIT_LOAD_EXTENSION
+                                             SQLITE_DQS=0)
+  set_target_properties(sqlite3 PROPERTIES COMPILE_WARNING_AS_ERROR OFF)
+  target_link_libraries(pq_sqlite INTERFACE sqlite3)
+else()
+  find_package(SQLite3 REQUIRED)
+  target_link_libraries(pq_sqlite INTERFACE SQLite::SQLite3)
+endif()

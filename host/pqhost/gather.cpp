@@ -1,0 +1,75 @@
+#include "host/pqhost/gather.h"
+
+#include <fmt/format.h>
+
+#include <optional>
+
+#include "host/pqhost/failures.h"
+#include "host/pqhost/progress.h"
+#include "host/pqhost/table_status.h"
+#include "host/pqhost/text.h"
+
+namespace host {
+namespace {
+
+class LogKeeper final : public CollectionListener {
+ public:
+  void Log(const LogLine& line) override { lines.push_back(line); }
+  std::vector<LogLine> lines;
+};
+
+/// One line of UTF-8 for each failure.
+std::vector<std::string> DescribeFailures(const FailureList& failures, const TextDecoder& decode) {
+  std::vector<std::string> lines;
+  for (const Failure& failure : failures.Failures()) {
+    std::string where = decode(failure.module);
+    if (!failure.tool.empty()) where += ", " + decode(failure.tool);
+    lines.push_back(fmt::format("not collected: {}: {}", where, decode(failure.text)));
+  }
+  return lines;
+}
+
+}  // namespace
+
+Gathered Gather(const Options& options, const Console& console, bool keepLog,
+                const std::function<void(CollectionListeners&)>& beforeRun) {
+  CollectionListeners listeners;
+  FailureList failures;
+  listeners.Add(failures);
+  StatusTracker statuses;
+  listeners.Add(statuses);
+  LogKeeper log;
+  if (keepLog) listeners.Add(log);
+
+  std::unique_ptr<Source> source = OpenSource(options, console, listeners);
+  const auto hasPrograms = [&](const std::string& commandLine) {
+    return source->HasPrograms(commandLine);
+  };
+  failures.FindMissingPrograms(hasPrograms);
+  statuses.Ask(hasPrograms,
+               [&](const std::string& fileName) { return source->LogFileSize(fileName); });
+  ModuleList added;
+  source->AddModules(added);
+  const std::vector<LoadedModule> modules = RegisterModules(added);
+  const std::vector<ModuleSelection> selection =
+      SelectTables(modules, options.modules, options.tables);
+  beforeRun(listeners);
+
+  std::optional<ProgressLine> progress;
+  if (console.errorIsTerminal) {
+    progress.emplace(console.error, console.width);
+    listeners.Add(*progress);
+  }
+  Collection collection = RunCollection(selection, !options.tables.empty(), listeners);
+  progress.reset();
+
+  collection.machine = source->Facts();
+  for (CollectedTable& table : collection.tables) {
+    table.status = statuses.StatusOf(table.module, table.className, table.RowCount());
+  }
+  collection.problems = DescribeFailures(failures, TextDecoder(collection.machine.codePage));
+  collection.log = std::move(log.lines);
+  return {std::move(source), std::move(collection)};
+}
+
+}  // namespace host

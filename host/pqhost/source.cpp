@@ -1,0 +1,110 @@
+#include "host/pqhost/source.h"
+
+#include <fmt/format.h>
+
+#include <filesystem>
+#include <system_error>
+
+#include "frame/add_modules.h"
+#include "host/logger/logger.h"
+#include "host/pqhost/command_text.h"
+#include "host/pqhost/left_files.h"
+#include "host/pqhost/live.h"
+#include "host/pqhost/output_file.h"
+#include "host/pqhost/recording_file.h"
+#include "host/pqhost/text.h"
+#include "host/recorded/own_commands.h"
+#include "host/recorded/recorded_machine.h"
+
+namespace host {
+namespace {
+
+constexpr char kLiveLogFolder[] = "logs";
+
+class ReplaySource final : public Source {
+ public:
+  ReplaySource(const Options& options, MachineObserver& observer)
+      : recording(LoadRecording(*options.replay)),
+        machine(recording, &observer),
+        inUse(machine),
+        logFolder(options.logFolder) {
+    if (logFolder) CreateFolder(*logFolder);
+    SetLogFolder(recording.logFolder);
+  }
+
+  void AddModules(ModuleList& modules) override { ::AddModules(modules); }
+
+  MachineFacts Facts() override {
+    MachineFacts facts;
+    facts.recorded = true;
+    facts.description = TextDecoder(kUtf8CodePage)(recording.description);
+    facts.languageId = recording.languageId;
+    facts.codePage = recording.codePage;
+    facts.hostExecutable = recording.hostExecutable;
+    facts.logFolder = recording.logFolder;
+    return facts;
+  }
+
+  bool HasPrograms(const std::string& commandLine) override {
+    return machine.HasPrograms(commandLine);
+  }
+  std::optional<std::uint64_t> LogFileSize(const std::string& fileName) override {
+    return machine.FileSize(recording.logFolder + fileName);
+  }
+
+  std::vector<std::string> KeepLogFiles(const Console& console) override {
+    if (!logFolder) return {};
+    const LeftFiles left = WriteLeftFiles(machine.Files(), recording.logFolder,
+                                          TextDecoder(recording.codePage), *logFolder);
+    console.error << fmt::format("Log files: {} in {}\n", left.written, PathText(*logFolder));
+    return left.problems;
+  }
+
+ private:
+  Recording recording;
+  RecordedMachine machine;
+  MachineInUse inUse;
+  std::optional<std::filesystem::path> logFolder;
+};
+
+class LiveSource final : public Source {
+ public:
+  LiveSource(const Options& options, const Console& console, MachineObserver& observer)
+      : library(LoadLiveLibrary(options.plugin.value_or(console.programFolder / kPluginFileName),
+                                &observer)),
+        logFolder(std::filesystem::absolute(options.logFolder.value_or(kLiveLogFolder))),
+        facts(PrepareLiveMachine(logFolder)) {}
+
+  void AddModules(ModuleList& modules) override { library->AddModules(modules); }
+  MachineFacts Facts() override { return facts; }
+  bool HasPrograms(const std::string& commandLine) override {
+    const std::string program = FindProgram(commandLine);
+    return IsOwnCommand(program) || HasProgram(program);
+  }
+  std::optional<std::uint64_t> LogFileSize(const std::string& fileName) override {
+    std::error_code failure;
+    const std::uintmax_t size = std::filesystem::file_size(logFolder / fileName, failure);
+    if (failure) return std::nullopt;
+    return size;
+  }
+
+  std::vector<std::string> KeepLogFiles(const Console& console) override {
+    console.error << fmt::format("Log files: {}\n", PathText(logFolder));
+    return {};
+  }
+
+ private:
+  std::unique_ptr<LiveLibrary> library;
+  std::filesystem::path logFolder;
+  MachineFacts facts;
+};
+
+}  // namespace
+
+std::unique_ptr<Source> OpenSource(const Options& options, const Console& console,
+                                   MachineObserver& observer) {
+  if (options.replay) return std::make_unique<ReplaySource>(options, observer);
+  return std::make_unique<LiveSource>(options, console, observer);
+}
+
+}  // namespace host

@@ -1,0 +1,40 @@
+// Where the modules come from and what they collect from: a recording, or this machine.
+#pragma once
+
+#include <boost/shared_ptr.hpp>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "frame/halyard/repository.h"
+#include "host/pqhost/machine_facts.h"
+#include "host/pqhost/options.h"
+#include "host/pqhost/pqhost.h"
+#include "host/recorded/machine_observer.h"
+
+namespace host {
+
+using ModuleList = std::vector<boost::shared_ptr<halyard::repository::RModule>>;
+
+class Source {
+ public:
+  virtual ~Source() = default;
+  virtual void AddModules(ModuleList& modules) = 0;
+  virtual MachineFacts Facts() = 0;
+  /// Whether the machine has what a command line runs.
+  virtual bool HasPrograms(const std::string& commandLine) = 0;
+  /// Size in bytes of a file of the log folder, if it is there.
+  virtual std::optional<std::uint64_t> LogFileSize(const std::string& fileName) = 0;
+  /// Sees to the files that the collection left in the log folder; says where they are. Returns
+  /// what went wrong.
+  virtual std::vector<std::string> KeepLogFiles(const Console& console) = 0;
+};
+
+/// The source that the options ask for; `observer` sees what the modules do to it. Throws
+/// RecordingError or LiveError.
+std::unique_ptr<Source> OpenSource(const Options& options, const Console& console,
+                                   MachineObserver& observer);
+
+}  // namespace host
