@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "bench/support/heap.h"
+#include "bench/support/repository_calls.h"
 #include "frame/halyard/repository.h"
 #include "host/logger/logger.h"
 #include "host/recorded/recorded_machine.h"
@@ -36,6 +37,20 @@ void CountRows(benchmark::State& state, const RRepository& repository, const std
   state.counters["text/row"] = static_cast<double>(text) / rows;
 }
 
+/// What the collection asks of the repository.
+RepositoryCalls CallsOf(const CollectionCase& measured) {
+  RepositoryCalls calls;
+  host::RecordedMachine machine(measured.machine);
+  const host::MachineInUse inUse(machine);
+  const auto module = test::FindModule(measured.module);
+  module->RegisterTables();
+  RRepository repository;
+  host::SetRepositoryObserver(&calls);
+  module->Tables().at(measured.table).enumHandler(repository);
+  host::SetRepositoryObserver(nullptr);
+  return calls;
+}
+
 }  // namespace
 
 double FgetsSeconds(const std::string& text) {
@@ -59,8 +74,10 @@ double FgetsSeconds(const std::string& text) {
 
 void MeasureCollection(benchmark::State& state, const CollectionCase& measured) {
   host::SetLogFolder(measured.machine.logFolder);
+  const RepositoryCalls calls = CallsOf(measured);
   std::size_t heap = 0;
   double spent = 0;
+  double storing = 0;
   for (auto _ : state) {
     state.PauseTiming();
     host::RecordedMachine machine(measured.machine);
@@ -79,6 +96,10 @@ void MeasureCollection(benchmark::State& state, const CollectionCase& measured) 
     state.PauseTiming();
     heap = HeapPeak() - before;
     CountRows(state, *repository, measured.table, HeapInUse() - before);
+    repository = std::make_unique<RRepository>();
+    const double storeStart = ProcessorSeconds();
+    calls.Replay(*repository);
+    storing += ProcessorSeconds() - storeStart;
     repository.reset();
     state.ResumeTiming();
   }
@@ -87,7 +108,12 @@ void MeasureCollection(benchmark::State& state, const CollectionCase& measured) 
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(measured.text.size()));
   state.counters["ns/line"] = seconds * 1e9 / lines;
   state.counters["heap/line"] = static_cast<double>(heap) / lines;
-  state.counters["xfgets"] = seconds / FgetsSeconds(measured.text);
+  state.counters["heap/text"] =
+      static_cast<double>(heap) / static_cast<double>(measured.text.size());
+  const double fgets = FgetsSeconds(measured.text);
+  const double store = storing / static_cast<double>(state.iterations());
+  state.counters["xfgets"] = seconds / fgets;
+  state.counters["own/fgets"] = (seconds - store) / fgets;
 }
 
 }  // namespace bench
