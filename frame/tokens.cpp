@@ -4,14 +4,23 @@
 
 namespace pq {
 
+TokenScan::TokenScan(std::string_view text, std::string_view delimiters)
+    : at(text.data()), end(at + std::min(text.find('\0'), text.size())) {
+  for (const char c : delimiters) isDelimiter[static_cast<unsigned char>(c)] = true;
+}
+
+std::string_view TokenScan::Next() {
+  while (at != end && IsDelimiter(*at)) ++at;
+  const char* begin = at;
+  while (at != end && !IsDelimiter(*at)) ++at;
+  return {begin, static_cast<std::size_t>(at - begin)};
+}
+
 std::vector<std::string_view> SplitTokens(std::string_view text, std::string_view delimiters) {
-  text = text.substr(0, text.find('\0'));
   std::vector<std::string_view> tokens;
-  std::size_t at = 0;
-  while ((at = text.find_first_not_of(delimiters, at)) != std::string_view::npos) {
-    const std::size_t end = std::min(text.find_first_of(delimiters, at), text.size());
-    tokens.push_back(text.substr(at, end - at));
-    at = end;
+  TokenScan scan(text, delimiters);
+  for (std::string_view token = scan.Next(); !token.empty(); token = scan.Next()) {
+    tokens.push_back(token);
   }
   return tokens;
 }

@@ -1,6 +1,7 @@
 // Splitting a tool's output into tokens, and dealing tokens into the columns of a table in turn.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <string_view>
 #include <utility>
@@ -8,8 +9,24 @@
 
 namespace pq {
 
-/// The pieces of `text` between runs of `delimiters`, as strtok finds them: none of them is empty.
-/// They point into `text`, which ends at its first NUL.
+/// Hands out the pieces of a text between runs of delimiters, as strtok finds them.
+class TokenScan {
+ public:
+  /// Refers to `text`, which ends at its first NUL.
+  TokenScan(std::string_view text, std::string_view delimiters);
+
+  /// The next piece; none is empty before the end, and all are from there on.
+  std::string_view Next();
+
+ private:
+  bool IsDelimiter(char c) const { return isDelimiter[static_cast<unsigned char>(c)]; }
+
+  const char* at;
+  const char* end;
+  std::array<bool, 256> isDelimiter{};
+};
+
+/// All pieces at once.
 std::vector<std::string_view> SplitTokens(std::string_view text, std::string_view delimiters);
 
 /// Tokens dealt like cards: the first to column 0, the next to column 1, and so on in turn.

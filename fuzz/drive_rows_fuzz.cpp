@@ -39,14 +39,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (std::size_t i = 0; i < lists.size(); ++i) {
       if (!isRow[i]) continue;
       const std::vector<pq::TokenColumn> columns = ColumnsOf(lists[i]);
-      const std::vector<std::string> values = pq::ReadDriveRow(line, columns);
-      Require(values.size() <= columns.size());
-      for (std::size_t column = 0; column < values.size(); ++column) {
-        Require(!values[column].empty() && values[column].size() <= line.size());
-        Require(!columns[column].isSize || values[column].size() <= 19);
-        current[i].Set(columns[column].column.key, values[column]);
-      }
-      if (values.size() == columns.size()) rows[i].push_back(current[i].Texts());
+      std::size_t count = 0;
+      const bool isWhole =
+          pq::ReadDriveRow(line, columns, [&](const pq::Column& column, std::string_view value) {
+            Require(count < columns.size() && column.key == columns[count].column.key);
+            Require(!value.empty() && value.size() <= line.size());
+            Require(!columns[count].isSize || value.size() <= 19);
+            current[i].Set(column.key, std::string(value));
+            ++count;
+          });
+      Require(isWhole == (count == columns.size()));
+      if (isWhole) rows[i].push_back(current[i].Texts());
     }
   }
   Require(rows == test::ReadDriveListsPlainly(lines));

@@ -14,7 +14,6 @@
 #include <algorithm>
 
 #include "frame/label_table.h"
-#include "frame/tokens.h"
 #include "frame/tool_runner.h"
 
 namespace pq {
@@ -33,6 +32,8 @@ constexpr std::array<DriveList, kDriveListCount> kLists{{
     {"VD LIST :", kRule.substr(0, 27)},
     {"PD LIST :", kRule.substr(0, 28)},
 }};
+
+const LabelTable kTitles({kLists[0].title, kLists[1].title, kLists[2].title});
 
 /// The title, its underline, an empty line, a rule, the column heads and a rule.
 constexpr int kHeadLines = 6;
@@ -70,17 +71,20 @@ struct ListRows {
   RowBuffer row;
 
   void Take(std::string_view line) {
-    const std::vector<std::string> values = ReadDriveRow(line, columns);
-    for (std::size_t i = 0; i < values.size(); ++i) row.Set(columns[i].column, values[i]);
-    if (values.size() == columns.size()) row.Commit();
+    const bool isWhole = ReadDriveRow(
+        line, columns,
+        [this](const Column& column, std::string_view value) { row.Set(column, value); });
+    if (isWhole) row.Commit();
   }
 };
 
 }  // namespace
 
 std::array<bool, kDriveListCount> DriveListScan::Take(std::string_view line) {
-  for (std::size_t i = 0; i < kDriveListCount; ++i) {
-    if (Holds(line, kLists[i].title)) inList[i] = true;
+  if (kTitles.FindIn(line)) {  // A line can hold more than one.
+    for (std::size_t i = 0; i < kDriveListCount; ++i) {
+      if (Holds(line, kLists[i].title)) inList[i] = true;
+    }
   }
   std::array<bool, kDriveListCount> isRow{};
   for (std::size_t i = 0; i < kDriveListCount; ++i) {
@@ -105,20 +109,6 @@ std::string JoinSize(std::string_view number, std::string_view unit) {
   size += unit;
   size.resize(std::min(size.size(), kSizeLength));
   return size;
-}
-
-std::vector<std::string> ReadDriveRow(std::string_view line,
-                                      const std::vector<TokenColumn>& columns) {
-  const std::vector<std::string_view> tokens = SplitTokens(line, " ");
-  std::vector<std::string> values;
-  values.reserve(columns.size());
-  for (const TokenColumn& column : columns) {
-    const std::size_t last = column.isSize ? column.token + 1 : column.token;
-    if (tokens.size() < last) break;
-    const std::string_view token = tokens[column.token - 1];
-    values.push_back(column.isSize ? JoinSize(token, tokens[last - 1]) : std::string(token));
-  }
-  return values;
 }
 
 void CollectDriveLists(const RaidLogsCollection& collection) {

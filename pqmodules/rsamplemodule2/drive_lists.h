@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "frame/row_buffer.h"
+#include "frame/tokens.h"
 #include "pqmodules/rsamplemodule2/collection.h"
 
 namespace pq {
@@ -37,9 +38,27 @@ struct TokenColumn {
   bool isSize = false;  ///< the token is the number and the next one is the unit
 };
 
-/// The values of a data row's columns, in order, up to the first column that the row lacks.
-std::vector<std::string> ReadDriveRow(std::string_view line,
-                                      const std::vector<TokenColumn>& columns);
+/// Takes a data row apart: onValue(column, value) for each of `columns` (by rising token) up to the
+/// first one that the row lacks. True when it lacks none.
+template <typename OnValue>
+bool ReadDriveRow(std::string_view line, const std::vector<TokenColumn>& columns,
+                  const OnValue& onValue) {
+  TokenScan tokens(line, " ");
+  std::size_t count = 0;
+  for (const TokenColumn& column : columns) {
+    std::string_view token;
+    for (; count < column.token; ++count) token = tokens.Next();
+    const std::string_view unit = column.isSize ? tokens.Next() : token;
+    if (unit.empty()) return false;
+    if (column.isSize) {
+      ++count;
+      onValue(column.column, JoinSize(token, unit));
+    } else {
+      onValue(column.column, token);
+    }
+  }
+  return true;
+}
 
 /// Adds the rows of "TINFO", "VINFO" and "PINFO".
 void CollectDriveLists(const RaidLogsCollection& collection);
