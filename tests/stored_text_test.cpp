@@ -39,6 +39,22 @@ TEST(StoredText, EndsAtCtrlZ) {
               ElementsAre("a\n", "b"));
 }
 
+TEST(StoredText, EndsAtACtrlZThatBeginsALine) {
+  EXPECT_THAT(Pieces("a\n\x1A\nb\n", 16), ElementsAre("a\n"));
+  EXPECT_THAT(Pieces("\x1A", 16), IsEmpty());
+}
+
+TEST(StoredText, EndsAtTheFirstCtrlZInEveryBufferSize) {
+  for (std::size_t size = 2; size < 12; ++size) {
+    std::string all;
+    for (const std::string& piece : Pieces("abc\r\nd\x1A"
+                                           "e\x1A\r\nf",
+                                           size))
+      all += piece;
+    EXPECT_EQ(all, "abc\nd") << size;
+  }
+}
+
 TEST(StoredText, KeepsACarriageReturnBeforeCtrlZ) {
   EXPECT_THAT(Pieces("a\r\x1A\n", 16), ElementsAre("a\r"));
 }

@@ -10,8 +10,7 @@ namespace {
 constexpr char kCtrlZ = '\x1A';
 }
 
-StoredText::StoredText(Bytes bytes)
-    : bytes(std::move(bytes)), end(std::min(this->bytes->find(kCtrlZ), this->bytes->size())) {}
+StoredText::StoredText(Bytes bytes) : bytes(std::move(bytes)), end(this->bytes->size()) {}
 
 bool StoredText::ReadLine(char* buffer, std::size_t size) {
   if (size < 2 || at == end) return false;
@@ -22,6 +21,10 @@ bool StoredText::ReadLine(char* buffer, std::size_t size) {
   // The CR of a CR LF can be the last character that fits: both are one, so both are taken.
   if (lineFeed == nullptr && from[room - 1] == '\r' && at + room < end && from[room] == '\n') {
     ++stored;
+  }
+  if (const void* ctrlZ = std::memchr(from, kCtrlZ, stored)) {
+    end = static_cast<std::size_t>(static_cast<const char*>(ctrlZ) - bytes->data());
+    return ReadLine(buffer, size);
   }
   std::size_t length = stored;
   if (stored >= 2 && from[stored - 1] == '\n' && from[stored - 2] == '\r') {

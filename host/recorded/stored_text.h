@@ -25,7 +25,8 @@ class StoredText final : public pq::TextFile {
  private:
   Bytes bytes;
   std::size_t at = 0;
-  std::size_t end;  ///< where the text ends
+  std::size_t
+      end;  ///< where the text ends, as far as it was read: at a Ctrl-Z, or at the last byte
 };
 
 }  // namespace host
