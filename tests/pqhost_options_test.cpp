@@ -89,8 +89,10 @@ TEST(Options, WantsACommand) {
 
 TEST(Options, SuggestsTheCommandThatWasMeant) {
   EXPECT_EQ(Complaint({"colect"}),
-            "there is no command colect; did you mean collect? (commands: collect, modules)");
-  EXPECT_EQ(Complaint({"zzz"}), "there is no command zzz (commands: collect, modules)");
+            "there is no command colect; did you mean collect? (commands: collect, modules; see "
+            "pqhost --help)");
+  EXPECT_EQ(Complaint({"zzz"}),
+            "there is no command zzz (commands: collect, modules; see pqhost --help)");
 }
 
 TEST(Options, SuggestsTheOptionThatWasMeant) {
@@ -115,6 +117,13 @@ TEST(Options, RefusesWordsThatBelongToNothing) {
             "collect takes no argument ARPINFO (see pqhost collect --help)");
   EXPECT_EQ(Complaint({"collect", "--module", "A", "B"}),
             "collect takes no argument B (see pqhost collect --help)");
+}
+
+TEST(Options, RefusesASecondCommand) {
+  EXPECT_EQ(Complaint({"modules", "collect"}),
+            "modules takes no argument collect (see pqhost modules --help)");
+  EXPECT_EQ(Complaint({"collect", "collect"}),
+            "collect takes no argument collect (see pqhost collect --help)");
 }
 
 TEST(Options, RefusesAnOptionWithoutItsValue) {

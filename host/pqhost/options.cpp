@@ -102,7 +102,7 @@ void RefuseExtras(const CLI::App& app, const CLI::App* command) {
     throw UsageError(fmt::format("{} takes no argument {} (see pqhost {} --help)",
                                  command->get_name(), word, command->get_name()));
   }
-  throw UsageError(fmt::format("there is no command {}{} (commands: {})", word,
+  throw UsageError(fmt::format("there is no command {}{} (commands: {}; see pqhost --help)", word,
                                SuggestName(word, CommandNames(app)),
                                fmt::join(CommandNames(app), ", ")));
 }
@@ -132,6 +132,7 @@ class Parser {
     app.description("Collects what a server knows about itself and shows it as tables.");
     app.footer(kExamples);
     app.set_version_flag("--version", fmt::format("pqhost {}", kVersion), "Show the version");
+    app.require_subcommand(0, 1);
     Prepare(app);
     DefineCollect();
     DefineModules();

@@ -31,20 +31,25 @@ std::string ExplainUnwritable(const fs::path& path) {
   return why == 0 ? "the system gives no reason" : std::strerror(why);
 }
 
-OutputFile::OutputFile(fs::path path) : path(std::move(path)), partial(this->path) {
-  // Two runs that write to one place must not write into each other's file.
-  partial += fmt::format(".{:08x}.part", std::random_device{}());
+OutputFile::OutputFile(fs::path path) : path(std::move(path)), target(this->path) {
   std::error_code ignored;
+  const fs::file_status status = fs::status(target, ignored);
+  if (fs::is_regular_file(status)) target = fs::canonical(target, ignored);
+  if (!fs::exists(status) || fs::is_regular_file(status)) {
+    // Two runs that write to one place must not write into each other's file.
+    partial = target;
+    partial += fmt::format(".{:08x}.part", std::random_device{}());
+  }
   errno = 0;
-  if (!fs::is_directory(this->path, ignored)) stream.open(partial, std::ios::binary);
+  stream.open(partial.empty() ? target : partial, std::ios::binary);
   if (!stream.is_open()) {
-    const std::string why = ExplainUnwritable(this->path);
+    const std::string why = ExplainUnwritable(target);
     throw UsageError(fmt::format("cannot write {}: {}", PathText(this->path), why));
   }
 }
 
 OutputFile::~OutputFile() {
-  if (complete) return;
+  if (complete || partial.empty()) return;
   stream.close();
   std::error_code ignored;
   fs::remove(partial, ignored);
@@ -54,11 +59,11 @@ void OutputFile::Complete() {
   errno = 0;
   stream.close();
   if (!stream) {
-    const std::string why = ExplainUnwritable(path);
+    const std::string why = ExplainUnwritable(target);
     throw std::runtime_error(fmt::format("cannot write {}: {}", PathText(path), why));
   }
   std::error_code error;
-  fs::rename(partial, path, error);
+  if (!partial.empty()) fs::rename(partial, target, error);
   if (error) {
     throw std::runtime_error(fmt::format("cannot write {}: {}", PathText(path), error.message()));
   }

@@ -8,7 +8,8 @@
 namespace host {
 
 /// Written beside its final place and renamed when it is complete; an interrupted or failed run
-/// leaves what stood there before.
+/// leaves what stood there before. What is no file, such as a device or a named pipe, is written to
+/// directly.
 class OutputFile {
  public:
   /// Throws UsageError when it cannot be created.
@@ -24,8 +25,9 @@ class OutputFile {
   void Complete();
 
  private:
-  std::filesystem::path path;
-  std::filesystem::path partial;
+  std::filesystem::path path;     ///< as given
+  std::filesystem::path target;   ///< behind the links that lead there
+  std::filesystem::path partial;  ///< empty when written to directly
   std::ofstream stream;
   bool complete = false;
 };
