@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <boost/shared_ptr.hpp>
 #include <filesystem>
-#include <regex>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "frame/add_modules.h"
@@ -85,9 +85,15 @@ void MeetFault(const FaultScenario& scenario, Fault fault, Lines lines) {
 }
 
 /// `step` as it is for the first RAID controller: its further ones only repeat the same steps.
-std::string ForFirstController(const std::string& step) {
-  static const std::regex controller(R"(([/\\])c\d+)");
-  return std::regex_replace(step, controller, "$1c0");
+std::string ForFirstController(std::string step) {
+  constexpr std::string_view kDigits = "0123456789";
+  for (std::size_t at = 0; (at = step.find_first_of("/\\", at)) != std::string::npos; ++at) {
+    if (step.compare(at + 1, 1, "c") != 0) continue;
+    const std::size_t number = at + 2;
+    const std::size_t end = std::min(step.find_first_not_of(kDigits, number), step.size());
+    if (end > number) step.replace(number, end - number, "0");
+  }
+  return step;
 }
 
 /// The steps that any scenario of `module` names.
