@@ -31,7 +31,7 @@ TEST(ProgressLine, ForgetsAToolThatHasEnded) {
   ProgressLine progress(out, 80);
   progress.Module("sampleModule1", "");
   progress.OnProcess("cmd.exe", kStorcli, false, false);
-  progress.OnProcessEnd();
+  progress.OnProcessEnd(0);
   EXPECT_THAT(out.str(), EndsWith("s  sampleModule1"));
 }
 
