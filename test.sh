@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Builds and tests everything: native, sanitizers, Windows under Wine, fuzz corpora, formatting, lint.
+# Builds and tests everything: native, sanitizers, Windows under Wine, fuzz corpora, the report in a
+# browser, the JSON schema, formatting and lint.
 # Ends with one line that counts over all of them.
 set -uo pipefail
 cd "$(dirname "$0")"
@@ -48,6 +49,7 @@ counted native scripts/gtest.sh build/native/bin/pq_tests
 counted asan scripts/gtest.sh build/asan/bin/pq_tests
 counted windows scripts/wine_tests.sh
 counted fuzz scripts/fuzz.sh --replay
+counted browser scripts/browser_tests.sh
 check schema scripts/check_schema.sh build/native/bin/pqhost
 check format scripts/format.sh
 check lint scripts/lint.sh

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs through apt what the build and the tests need and this machine lacks.
+# Installs through apt and npm what the build and the tests need and this machine lacks.
 #   scripts/install.sh [build|test]     what ./run.sh needs (the default), or what ./test.sh needs
 set -euo pipefail
 
@@ -16,15 +16,28 @@ if [[ ${1:-build} == test ]]; then
     libbenchmark-dev
     python3 python3-jsonschema                    # lint cache, JSON schema
     locales                                       # a machine that is not English, under Wine
+    chromium                                      # what reads the HTML report in a test
   )
 fi
+command -v npm >/dev/null || packages+=(nodejs npm)  # SQLite's amalgamation, the browser's driver
 
 missing=()
 for package in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' ||
     missing+=("$package")
 done
-[[ ${#missing[@]} -eq 0 ]] && exit 0
+
+install_node_modules() {
+  [[ package-lock.json -ot node_modules/.package-lock.json ]] && return
+  echo "Installing through npm into node_modules: what package.json names"
+  npm ci --ignore-scripts --no-audit --no-fund --loglevel=error
+}
+
+cd "$(dirname "$0")/.."
+if [[ ${#missing[@]} -eq 0 ]]; then
+  install_node_modules
+  exit 0
+fi
 
 as_root=()
 if [[ $(id -u) -ne 0 ]]; then
@@ -44,3 +57,4 @@ if ! { "${as_root[@]}" apt-get update -qq &&
   exit 1
 fi
 rm -f "$log"
+install_node_modules

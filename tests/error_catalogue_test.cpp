@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "frame/error_entries.h"
+#include "tests/support/collected.h"
 
 namespace {
 
@@ -68,7 +69,7 @@ std::string FaultOf(std::string_view message) {
 }
 
 std::string ReadSource(const std::string& name) {
-  std::ifstream file(std::string(PQ_SOURCE_FOLDER) + "/" + name, std::ios::binary);
+  std::ifstream file(test::SamplesFolder() + "/../" + name, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), {}};
 }
 

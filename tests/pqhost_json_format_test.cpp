@@ -33,6 +33,7 @@ TEST(JsonFormat, WritesATableWithColumnsAndRowsInOrder) {
   const Json all = Json::parse(made.As("json"));
   EXPECT_EQ(all["tables"][0].dump(),
             R"({"class":"ARPINFO","title":"ARP table","module":"Example",)"
+            R"("status":{"outcome":"","text":""},)"
             R"("layout":{"by":"row","headers":[],"widths":[]},)"
             R"("columns":[{"key":"k1","label":"Address"},{"key":"k2","label":"Type"}],)"
             R"("instances":["made"],"attachments":[],)"

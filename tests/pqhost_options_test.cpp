@@ -84,15 +84,17 @@ TEST(Options, ReadsModules) {
 }
 
 TEST(Options, WantsACommand) {
-  EXPECT_EQ(Complaint({}), "nothing to do: give a command (collect, modules; see pqhost --help)");
+  EXPECT_EQ(Complaint({}),
+            "nothing to do: give a command (collect, modules, query; see pqhost --help)");
 }
 
 TEST(Options, SuggestsTheCommandThatWasMeant) {
-  EXPECT_EQ(Complaint({"colect"}),
-            "there is no command colect; did you mean collect? (commands: collect, modules; see "
-            "pqhost --help)");
+  EXPECT_EQ(
+      Complaint({"colect"}),
+      "there is no command colect; did you mean collect? (commands: collect, modules, query; see "
+      "pqhost --help)");
   EXPECT_EQ(Complaint({"zzz"}),
-            "there is no command zzz (commands: collect, modules; see pqhost --help)");
+            "there is no command zzz (commands: collect, modules, query; see pqhost --help)");
 }
 
 TEST(Options, SuggestsTheOptionThatWasMeant) {
@@ -105,9 +107,9 @@ TEST(Options, SuggestsTheOptionThatWasMeant) {
 }
 
 TEST(Options, SuggestsTheFormatThatWasMeant) {
-  EXPECT_EQ(
-      Complaint({"collect", "--format", "jsn"}),
-      "there is no format jsn; did you mean json? (formats: table, json, ndjson, csv, html, none)");
+  EXPECT_EQ(Complaint({"collect", "--format", "jsn"}),
+            "there is no format jsn; did you mean json? (formats: table, json, ndjson, csv, html, "
+            "sqlite, none)");
   EXPECT_EQ(Complaint({"modules", "--format", "csv"}),
             "there is no format csv (formats: table, json)");
 }
@@ -169,6 +171,24 @@ TEST(Options, HelpNamesEveryOptionAndHasExamples) {
 
 TEST(Options, SaysItsVersion) {
   EXPECT_THAT(Help({"--version"}), testing::MatchesRegex("pqhost [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+}
+
+TEST(Options, TakesAQueryWithOrWithoutADatabase) {
+  const Options live = ParseOptions({"query", "SELECT 1"});
+  EXPECT_EQ(live.sql, "SELECT 1");
+  EXPECT_FALSE(live.database);
+  const Options file = ParseOptions({"query", "server.db", "SELECT 2"});
+  EXPECT_EQ(file.sql, "SELECT 2");
+  EXPECT_EQ(file.database, std::filesystem::path("server.db"));
+}
+
+TEST(Options, RefusesADatabaseBesideARecording) {
+  EXPECT_EQ(Complaint({"query", "server.db", "SELECT 1", "--replay", "x"}),
+            "a database and --replay are both there to be asked: give one of them");
+}
+
+TEST(Options, RefusesAQueryWithoutSql) {
+  EXPECT_THAT(Complaint({"query"}), testing::StartsWith("there is no query"));
 }
 
 }  // namespace

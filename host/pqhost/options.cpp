@@ -39,7 +39,7 @@ constexpr char kModulesExamples[] = R"(Examples:
 )";
 
 constexpr char kQueryExamples[] = R"(Examples:
-  pqhost query --replay RECORDING "SELECT item1, item2 FROM SENSORINFO WHERE item4 <> 'OK'"
+  pqhost query --replay RECORDING "SELECT item1, item2 FROM SENSORINFO WHERE trim(item4) <> 'ok'"
   pqhost collect --format sqlite --output server.db
   pqhost query server.db "SELECT class, rows, status FROM tables" --format csv
 )";

@@ -41,6 +41,7 @@ Collection Ask(Database& database, const std::string& sql) {
   answer.repository = std::make_unique<RRepository>();
   answer.machine.codePage = kUtf8CodePage;
   answer.collected = std::chrono::system_clock::now();
+  answer.tablesNamed = true;  // One table, which formats show plainly.
   answer.modules.push_back({"query", sql});
   Database::Names names;
   std::vector<std::string> keys;

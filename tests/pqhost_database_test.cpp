@@ -1,0 +1,118 @@
+#include <gtest/gtest.h>
+
+#include "frame/halyard/repository.h"
+#include "host/pqhost/database.h"
+
+namespace {
+
+using halyard::repository::RInstance;
+using halyard::repository::RRepository;
+using host::Collection;
+using host::Database;
+using host::DatabaseError;
+
+/// One table, "CLASS", whose rows have the properties `Key` and `key`, which SQL takes for one
+/// name.
+Collection MakeCollection() {
+  Collection collection;
+  collection.repository = std::make_unique<RRepository>();
+  for (const char* value : {"one", "t\xE4st'); DROP TABLE log;--"}) {
+    RInstance row("CLASS", "instance", -1);
+    row.AddProperty("Key", "A \"label\"", value, false);
+    row.AddProperty("key", "Another", 7, false);
+    row.AddPropertyAttr("Key", "raw", "true");
+    row.AddPropertyAttr("Key", "filename", "report");
+    row.AddToRepository(*collection.repository);
+  }
+  collection.modules.push_back({"module", "A module"});
+  collection.tables.push_back({"CLASS",
+                               "module",
+                               {},
+                               &host::TablesOf(*collection.repository).at("CLASS"),
+                               {"rows", "2 rows"}});
+  collection.log.push_back({4, "pqmodules/x", 12, "[repo] a line"});
+  return collection;
+}
+
+std::vector<std::string> Ask(Database& database, const std::string& sql) {
+  std::vector<std::string> answers;
+  database.Query(
+      sql, [](const Database::Names&) {},
+      [&](const Database::Values& values) {
+        std::string line;
+        for (const auto& value : values) line += (line.empty() ? "" : "|") + value.value_or("NULL");
+        answers.push_back(line);
+      });
+  return answers;
+}
+
+class FilledDatabase : public testing::Test {
+ protected:
+  FilledDatabase() { database.Fill(MakeCollection()); }
+  Database database;
+};
+
+using Texts = std::vector<std::string>;
+
+TEST_F(FilledDatabase, HasATablePerClassWithTextsAsCollected) {
+  EXPECT_EQ(Ask(database, "SELECT row, Key FROM CLASS"),
+            (Texts{"1|one", "2|t\xC3\xA4st'); DROP TABLE log;--"}));
+}
+
+TEST_F(FilledDatabase, NamesColumnsApartThatDifferInCaseAlone) {
+  EXPECT_EQ(Ask(database, "SELECT key, name, label FROM columns WHERE class = 'CLASS'"),
+            (Texts{"Key|Key|A \"label\"", "key|key_2|Another"}));
+  EXPECT_EQ(Ask(database, "SELECT sum(key_2) FROM CLASS"), Texts{"14"});
+}
+
+TEST_F(FilledDatabase, TellsModulesTablesAttachmentsAndLog) {
+  EXPECT_EQ(Ask(database, "SELECT name, description FROM modules"), Texts{"module|A module"});
+  EXPECT_EQ(Ask(database, "SELECT class, name, rows, outcome, status FROM tables"),
+            Texts{"CLASS|CLASS|2|rows|2 rows"});
+  EXPECT_EQ(Ask(database, "SELECT row, key, filename, text FROM attachments LIMIT 1"),
+            Texts{"1|Key|report|one"});
+  EXPECT_EQ(Ask(database, "SELECT level, file, line, text FROM log"),
+            Texts{"4|pqmodules/x|12|[repo] a line"});
+}
+
+TEST_F(FilledDatabase, RefusesToWrite) {
+  EXPECT_THROW(Ask(database, "DELETE FROM CLASS"), DatabaseError);
+  EXPECT_EQ(Ask(database, "SELECT count(*) FROM CLASS"), Texts{"2"});
+}
+
+TEST_F(FilledDatabase, RefusesASecondStatement) {
+  EXPECT_THROW(Ask(database, "SELECT 1; SELECT 2"), DatabaseError);
+  EXPECT_EQ(Ask(database, "SELECT 1 ; "), Texts{"1"});
+}
+
+TEST_F(FilledDatabase, SaysWhatIsWrongInOneLine) {
+  try {
+    Ask(database, "SELECT * FROM NOWHERE");
+    FAIL();
+  } catch (const DatabaseError& error) {
+    EXPECT_STREQ(error.what(), "no such table: NOWHERE");
+  }
+}
+
+TEST_F(FilledDatabase, BecomesAFileOfSqlite) {
+  EXPECT_EQ(database.Serialize().substr(0, 15), "SQLite format 3");
+}
+
+TEST(Database, RefusesAFileThatIsNotThere) {
+  EXPECT_THROW(Database(std::filesystem::path("no-such-folder") / "x.db"), DatabaseError);
+}
+
+TEST(Database, NamesAClassApartThatIsCalledLikeItsOwnTables) {
+  Collection collection;
+  collection.repository = std::make_unique<RRepository>();
+  RInstance row("LOG", "", -1);
+  row.AddProperty("row", "Row", "x", false);
+  row.AddToRepository(*collection.repository);
+  collection.tables.push_back(
+      {"LOG", "module", {}, &host::TablesOf(*collection.repository).at("LOG"), {"rows", "1 row"}});
+  Database database;
+  database.Fill(collection);
+  EXPECT_EQ(Ask(database, "SELECT row, row_2 FROM LOG_2"), Texts{"1|x"});
+}
+
+}  // namespace
