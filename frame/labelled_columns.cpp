@@ -8,6 +8,7 @@ namespace {
 
 LabelTable LabelsOf(const std::vector<LabelledColumn>& columns) {
   std::vector<std::string_view> labels;
+  labels.reserve(columns.size());
   for (const LabelledColumn& column : columns) labels.push_back(column.label);
   return LabelTable(labels);
 }

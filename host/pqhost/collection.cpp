@@ -85,6 +85,7 @@ std::vector<ModuleSelection> SelectTables(const std::vector<LoadedModule>& modul
                                           const std::vector<std::string>& moduleNames,
                                           const std::vector<std::string>& tableNames) {
   std::vector<const LoadedModule*> chosen;
+  chosen.reserve(modules.size() + moduleNames.size());
   for (const std::string& name : moduleNames) chosen.push_back(&FindModule(modules, name));
   if (chosen.empty()) {
     for (const LoadedModule& module : modules) chosen.push_back(&module);

@@ -12,6 +12,7 @@
 #include "host/pqhost/live.h"
 #include "host/pqhost/screen_text.h"
 #include "host/pqhost/table_titles.h"
+#include "host/pqhost/tables_document.h"
 #include "host/pqhost/text.h"
 
 namespace host {
@@ -96,6 +97,8 @@ int RunModulesCommand(const Options& options, const Console& console) {
   const std::vector<LoadedModule> modules = RegisterModules(added);
   if (options.format == "json") {
     WriteJsonList(modules, console);
+  } else if (options.format == "markdown") {
+    console.out << WriteTablesDocument();
   } else {
     WriteList(modules, console);
   }

@@ -203,7 +203,8 @@ class Parser {
     Prepare(*modules);
     modules->footer(kModulesExamples);
     modules->add_option("--plugin", given.plugin, "Ask this library (Windows)")->type_name("FILE");
-    modules->add_option("--format", given.format, "Format: table or json")->type_name("NAME");
+    modules->add_option("--format", given.format, "Format: table, json or markdown")
+        ->type_name("NAME");
   }
 
   void DefineQuery() {
@@ -255,7 +256,7 @@ class Parser {
     const bool formatGiven = command.count("--format") > 0;
     options.format = formatGiven ? given.format : Formats().front().name;
     if (options.command == Command::kModules) {
-      CheckFormat(options.format, {"table", "json"});
+      CheckFormat(options.format, {"table", "json", "markdown"});
       return options;
     }
     CheckFormat(options.format, FormatNames());

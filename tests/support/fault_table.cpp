@@ -254,7 +254,13 @@ class FloodPipe final : public pq::Pipe {
 
 class FloodFile final : public pq::TextFile {
  public:
-  explicit FloodFile(std::unique_ptr<pq::TextFile> file) : file(std::move(file)) {}
+  FloodFile(std::unique_ptr<pq::TextFile> file, std::set<FloodFile*>& open)
+      : file(std::move(file)), open(open) {
+    open.insert(this);
+  }
+  FloodFile(const FloodFile&) = delete;
+  FloodFile& operator=(const FloodFile&) = delete;
+  ~FloodFile() override { open.erase(this); }
   bool ReadLine(char* buffer, std::size_t size) override { return text.ReadLine(buffer, size); }
   void Rewind() override { text.Rewind(); }
   std::uint64_t SizeAndRewind() override {
@@ -264,6 +270,7 @@ class FloodFile final : public pq::TextFile {
 
  private:
   std::unique_ptr<pq::TextFile> file;  // Counts as the open file.
+  std::set<FloodFile*>& open;
   FloodText text;
 };
 
@@ -275,6 +282,12 @@ class FloodedMachine final : public pq::Platform {
       : recording(recording),
         machine(recording, &observer),
         flooded(flooded.begin(), flooded.end()) {}
+  FloodedMachine(const FloodedMachine&) = delete;
+  FloodedMachine& operator=(const FloodedMachine&) = delete;
+  /// Takes back the files that a module let go, as the recorded machine does.
+  ~FloodedMachine() override {
+    while (!openFiles.empty()) delete *openFiles.begin();
+  }
 
   int OpenHandles() const { return machine.OpenHandles(); }
 
@@ -301,7 +314,7 @@ class FloodedMachine final : public pq::Platform {
   std::unique_ptr<pq::TextFile> OpenText(const std::string& path) override {
     std::unique_ptr<pq::TextFile> file = machine.OpenText(path);
     if (file == nullptr || !reports.contains(FileKey(path))) return file;
-    return std::make_unique<FloodFile>(std::move(file));
+    return std::make_unique<FloodFile>(std::move(file), openFiles);
   }
   void WriteConsole(std::string_view text) override { machine.WriteConsole(text); }
   pq::ConsoleLine ReadConsoleLine(char* buffer, std::size_t size) override {
@@ -323,6 +336,7 @@ class FloodedMachine final : public pq::Platform {
   host::RecordedMachine machine;
   std::set<std::string> flooded;
   std::set<std::string> reports;
+  std::set<FloodFile*> openFiles;
 };
 
 }  // namespace

@@ -1,0 +1,11 @@
+// docs/tables.md: every table, its columns, its tools and the files that these leave.
+#pragma once
+
+#include <string>
+
+namespace host {
+
+/// The document, in Markdown, from what the modules register and describe.
+std::string WriteTablesDocument();
+
+}  // namespace host
