@@ -33,7 +33,7 @@ struct LogDir {
   explicit LogDir(std::size_t size) : buffer(300, 'x') {
     result = LogKit::GetLogDir(buffer.data(), size);
   }
-  std::string Text() const { return buffer.c_str(); }
+  std::string Text() const { return buffer.substr(0, buffer.find('\0')); }
 
   std::string buffer;
   int result;
