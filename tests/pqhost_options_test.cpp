@@ -131,7 +131,7 @@ TEST(Options, RefusesASecondCommand) {
 
 TEST(Options, RefusesAnOptionWithoutItsValue) {
   for (const char* option : {"--module", "--table", "--replay", "--log-folder", "--plugin",
-                             "--format", "--output", "--trace"}) {
+                             "--format", "--output", "--trace", "--record", "--tool-limit"}) {
     EXPECT_THAT(Complaint({"collect", option}), HasSubstr(option)) << option;
   }
 }
@@ -153,6 +153,31 @@ TEST(Options, RefusesAPluginForAReplay) {
 TEST(Options, DoesNotTakeASlashForAnOption) {
   EXPECT_EQ(Complaint({"collect", "/module"}),
             "collect takes no argument /module (see pqhost collect --help)");
+}
+
+TEST(Options, ReadsRecordingFolderAndToolLimit) {
+  const Options options = ParseOptions({"collect", "--record", "r", "--tool-limit", "120"});
+  EXPECT_EQ(options.record, "r");
+  EXPECT_EQ(options.toolLimit, 120u);
+}
+
+TEST(Options, HaveNoToolLimitUnlessGiven) {
+  EXPECT_EQ(ParseOptions({"collect"}).toolLimit, std::nullopt);
+}
+
+TEST(Options, RefuseAToolLimitOfNoTime) {
+  EXPECT_THAT(Complaint({"collect", "--tool-limit", "0"}), HasSubstr("--tool-limit"));
+}
+
+TEST(Options, RefuseToRecordAReplay) {
+  EXPECT_EQ(Complaint({"collect", "--replay", "a", "--record", "b"}),
+            "--record has no use with --replay, which is a recording already: leave one of them "
+            "away");
+}
+
+TEST(Options, RefuseAToolLimitInAReplay) {
+  EXPECT_EQ(Complaint({"collect", "--replay", "a", "--tool-limit", "5"}),
+            "--tool-limit has no use with --replay, which runs no tools: leave one of them away");
 }
 
 TEST(Options, HelpNamesEveryOptionAndHasExamples) {

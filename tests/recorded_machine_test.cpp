@@ -821,5 +821,18 @@ TEST(MachineInUse, PutsTheMachineBackThatWasThereBefore) {
   EXPECT_EQ(&pq::Machine(), &outer);
 }
 
+TEST(EndingMachine, RefusesEveryStartAndPipe) {
+  RecordedMachine machine(Recording{});
+  machine.EndWhen([] { return true; });
+  EXPECT_EQ(machine.StartInterpreter("/c arp.exe -a", false, nullptr).error, 1223u);
+  EXPECT_EQ(machine.CreatePipe("/c arp.exe -a").error, 1223u);
+}
+
+TEST(EndingMachine, RunsEverythingUntilTheEnd) {
+  RecordedMachine machine(Recording{});
+  machine.EndWhen([] { return false; });
+  EXPECT_TRUE(machine.StartInterpreter("/c arp.exe -a", false, nullptr));
+}
+
 }  // namespace
 }  // namespace host

@@ -22,9 +22,9 @@ using AddModulesFunction = int(std::vector<boost::shared_ptr<halyard::repository
 class LoadedLibrary final : public LiveLibrary {
  public:
   LoadedLibrary(Library loaded, std::string fileName, AddModulesFunction* addModules,
-                MachineObserver* observer)
+                const LiveWatch& watch)
       : library(std::move(loaded)), fileName(std::move(fileName)), addModules(addModules) {
-    if (observer != nullptr) watched.emplace(library.get(), *observer);
+    if (watch.observer != nullptr) watched.emplace(library.get(), watch);
   }
 
   void AddModules(std::vector<boost::shared_ptr<halyard::repository::RModule>>& modules) override {
@@ -44,7 +44,7 @@ class LoadedLibrary final : public LiveLibrary {
 }  // namespace
 
 std::unique_ptr<LiveLibrary> LoadLiveLibrary(const std::filesystem::path& plugin,
-                                             MachineObserver* observer) {
+                                             const LiveWatch& watch) {
   // An absolute path, so that what stands beside the library is found and nothing of that name that
   // lies elsewhere is loaded in its place.
   const std::filesystem::path path = std::filesystem::absolute(plugin).make_preferred();
@@ -60,7 +60,7 @@ std::unique_ptr<LiveLibrary> LoadLiveLibrary(const std::filesystem::path& plugin
   if (addModules == nullptr) {
     throw LiveError(name + " is no plug-in of this kind: it exports no function AddModules");
   }
-  return std::make_unique<LoadedLibrary>(std::move(library), name, addModules, observer);
+  return std::make_unique<LoadedLibrary>(std::move(library), name, addModules, watch);
 }
 
 }  // namespace host

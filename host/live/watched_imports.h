@@ -1,11 +1,12 @@
 // Lets the host see what a loaded library does to the machine. The library calls the system through
 // a table of addresses in its own image; the host puts its own functions there, which tell the
-// observer and then do what the library asked for. The library itself knows nothing of it.
+// observer, keep what a recording needs, and then do what the library asked for. The library itself
+// knows nothing of it.
 #pragma once
 
 #include <vector>
 
-#include "host/recorded/machine_observer.h"
+#include "host/pqhost/live.h"
 
 namespace host {
 
@@ -13,9 +14,9 @@ namespace host {
 /// the table has no place to keep for whom it stands there.
 class WatchedImports {
  public:
-  /// `module` is what LoadLibrary answered; `observer` must outlive this object. What the library
-  /// does not import (a C runtime that is linked into it) goes unseen.
-  WatchedImports(void* module, MachineObserver& observer);
+  /// `module` is what LoadLibrary answered; `watch` has an observer. What the library does not
+  /// import (a C runtime that is linked into it) goes unseen.
+  WatchedImports(void* module, const LiveWatch& watch);
   WatchedImports(const WatchedImports&) = delete;
   WatchedImports& operator=(const WatchedImports&) = delete;
   /// Puts the addresses back.

@@ -107,6 +107,7 @@ int RunCollectCommand(const Options& options, const Console& console) {
   auto [source, collection] =
       Gather(options, console, FindFormat(options.format)->wantsLog, openOutputs);
 
+  source->KeepRecording(console);
   WriteResults(options, console, collection, output);
   if (trace) trace->Close();
   for (const std::string& problem : source->KeepLogFiles(console)) {

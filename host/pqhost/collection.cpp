@@ -113,7 +113,7 @@ TableLayout AskLayout(const LoadedModule& module, const std::string& className) 
 }
 
 Collection RunCollection(const std::vector<ModuleSelection>& selection, bool tablesNamed,
-                         CollectionListener& listener) {
+                         CollectionListener& listener, const std::function<bool()>& isEnding) {
   Collection collection;
   collection.collected = std::chrono::system_clock::now();
   collection.tablesNamed = tablesNamed;
@@ -136,8 +136,10 @@ Collection RunCollection(const std::vector<ModuleSelection>& selection, bool tab
     for (const std::string& table : selected.tables) {
       listener.Layout(table);
       const TableLayout layout = AskLayout(module, table);
-      listener.Enumerate(module.name, table);
-      module.module->Tables().at(table).enumHandler(*collection.repository);
+      if (!isEnding || !isEnding()) {
+        listener.Enumerate(module.name, table);
+        module.module->Tables().at(table).enumHandler(*collection.repository);
+      }
       if (tablesSeen.insert(table).second) {
         collection.tables.push_back({table, module.name, layout, nullptr, {}});
       }

@@ -3,6 +3,7 @@
 
 #include <boost/shared_ptr.hpp>
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -80,7 +81,8 @@ struct Collection {
 /// Uses the selected modules: for each table first its layout, then its enumeration. `listener`
 /// hears it all. Fills `modules`, `tables` and `repository` of the result. Classes that came from a
 /// module without being registered become tables behind the module's own, unless `tablesNamed`.
+/// Once `isEnding` (may be empty) answers true, no further table is enumerated.
 Collection RunCollection(const std::vector<ModuleSelection>& selection, bool tablesNamed,
-                         CollectionListener& listener);
+                         CollectionListener& listener, const std::function<bool()>& isEnding = {});
 
 }  // namespace host

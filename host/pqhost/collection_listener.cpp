@@ -29,6 +29,14 @@ void CollectionListeners::OnProcessEnd(std::uint32_t exitCode) {
   for (CollectionListener* listener : listeners) listener->OnProcessEnd(exitCode);
 }
 
+void CollectionListeners::OnToolEnded(unsigned seconds) {
+  for (CollectionListener* listener : listeners) listener->OnToolEnded(seconds);
+}
+
+void CollectionListeners::OnRefused() {
+  for (CollectionListener* listener : listeners) listener->OnRefused();
+}
+
 void CollectionListeners::OnSystem(const std::string& command) {
   for (CollectionListener* listener : listeners) listener->OnSystem(command);
 }

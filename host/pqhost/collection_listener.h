@@ -35,6 +35,8 @@ class CollectionListeners final : public CollectionListener {
   void OnProcess(const std::string& application, const std::string& commandLine,
                  bool inheritHandles, bool pipe) override;
   void OnProcessEnd(std::uint32_t exitCode) override;
+  void OnToolEnded(unsigned seconds) override;
+  void OnRefused() override;
   void OnSystem(const std::string& command) override;
   void OnOpen(const std::string& path, const std::string& mode) override;
   void OnConsole(std::string_view text) override;

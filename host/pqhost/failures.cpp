@@ -78,6 +78,12 @@ void FailureList::OnProcess(const std::string& /*application*/, const std::strin
   AddOnce({module, tool, std::string(presence->failure)});
 }
 
+void FailureList::OnToolEnded(unsigned seconds) {
+  failures.push_back(
+      {module, tool,
+       "did not end by itself and was ended after " + std::to_string(seconds) + " s"});
+}
+
 // The AMT module tests at every enumeration; a program that is missing is so once.
 void FailureList::AddOnce(Failure failure) {
   const bool isKnown = std::any_of(failures.begin(), failures.end(), [&](const Failure& known) {
@@ -87,7 +93,7 @@ void FailureList::AddOnce(Failure failure) {
 }
 
 void FailureList::Log(const LogLine& line) {
-  if (!ReportsFailure(line)) return;
+  if (interrupted || !ReportsFailure(line)) return;
   const std::string_view text = WithoutPrefix(line.text);
   const FailureText* known = FindFailureText(text);
   const bool ofLastTool = known == nullptr || known->ofLastTool;

@@ -35,6 +35,8 @@ class FailureList final : public CollectionListener {
   void Module(const std::string& name, const std::string& description) override;
   void OnProcess(const std::string& application, const std::string& commandLine,
                  bool inheritHandles, bool pipe) override;
+  void OnToolEnded(unsigned seconds) override;
+  void OnRefused() override { interrupted = true; }
   void Log(const LogLine& line) override;
 
  private:
@@ -44,6 +46,7 @@ class FailureList final : public CollectionListener {
   std::string module;
   std::string tool;
   std::vector<Failure> failures;
+  bool interrupted = false;  ///< the modules complain of what the host refuses
 };
 
 }  // namespace host

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "host/pqhost/failures.h"
+#include "host/pqhost/interruption.h"
 #include "host/pqhost/progress.h"
 #include "host/pqhost/table_status.h"
 #include "host/pqhost/text.h"
@@ -54,20 +55,28 @@ Gathered Gather(const Options& options, const Console& console, bool keepLog,
   const std::vector<ModuleSelection> selection =
       SelectTables(modules, options.modules, options.tables);
   beforeRun(listeners);
+  const InterruptionWatch interruptionWatch;
 
   std::optional<ProgressLine> progress;
   if (console.errorIsTerminal) {
     progress.emplace(console.error, console.width);
     listeners.Add(*progress);
   }
-  Collection collection = RunCollection(selection, !options.tables.empty(), listeners);
+  Collection collection =
+      RunCollection(selection, !options.tables.empty(), listeners, &InterruptionRequested);
   progress.reset();
+  if (InterruptionRequested()) statuses.Interrupted();
 
   collection.machine = source->Facts();
   for (CollectedTable& table : collection.tables) {
     table.status = statuses.StatusOf(table.module, table.className, table.RowCount());
   }
   collection.problems = DescribeFailures(failures, TextDecoder(collection.machine.codePage));
+  if (InterruptionRequested()) {
+    collection.problems.emplace_back(
+        "interrupted: the collection ended after the tool that was running; what comes after it is "
+        "missing");
+  }
   collection.log = std::move(log.lines);
   return {std::move(source), std::move(collection)};
 }

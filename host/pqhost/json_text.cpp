@@ -4,6 +4,21 @@
 
 namespace host {
 
+std::string ByteText(std::string_view bytes) {
+  std::string text;
+  text.reserve(bytes.size());
+  for (const char c : bytes) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte < 0x80) {
+      text += c;
+    } else {
+      text += static_cast<char>(0xC0 | (byte >> 6));
+      text += static_cast<char>(0x80 | (byte & 0x3F));
+    }
+  }
+  return text;
+}
+
 std::string EscapeJsonForTerminal(std::string_view json) {
   std::string escaped;
   escaped.reserve(json.size());

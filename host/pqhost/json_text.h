@@ -1,4 +1,4 @@
-// JSON where a terminal may read it.
+// Texts in JSON, and JSON where a terminal may read it.
 #pragma once
 
 #include <ostream>
@@ -7,6 +7,9 @@
 #include <string_view>
 
 namespace host {
+
+/// Every byte as the character with that code, in UTF-8: how a text of the machine stands in JSON.
+std::string ByteText(std::string_view bytes);
 
 /// `json` (valid UTF-8) with the control characters from 127 to 159 escaped, which a terminal would
 /// obey; those below 32 JSON escapes itself. They occur only inside texts, so it means the same.

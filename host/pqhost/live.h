@@ -5,12 +5,15 @@
 #include <boost/shared_ptr.hpp>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "frame/halyard/repository.h"
 #include "host/pqhost/machine_facts.h"
+#include "host/pqhost/recorder.h"
 #include "host/recorded/machine_observer.h"
 
 namespace host {
@@ -33,10 +36,29 @@ class LiveLibrary {
       std::vector<boost::shared_ptr<halyard::repository::RModule>>& modules) = 0;
 };
 
-/// Loads `plugin`, a path to the library's file. `observer` (may be null; must outlive the library)
-/// sees what the library does to the machine from then on. Throws LiveError.
+/// How the host accompanies what the library does to the machine. All of it must outlive the
+/// library.
+struct LiveWatch {
+  /// Sees it; null: the library is left to itself, and what follows means nothing.
+  MachineObserver* observer = nullptr;
+  /// Keeps what the machine answers once there is a recorder; null: never.
+  std::optional<Recorder>* recorder = nullptr;
+  /// After how many seconds a tool is ended, with its children.
+  std::optional<unsigned> toolLimit;
+};
+
+/// Loads `plugin`, a path to the library's file. Throws LiveError.
 std::unique_ptr<LiveLibrary> LoadLiveLibrary(const std::filesystem::path& plugin,
-                                             MachineObserver* observer);
+                                             const LiveWatch& watch);
+
+/// What a recorder looks up on this machine.
+std::unique_ptr<MachineView> ViewLiveMachine();
+
+/// A recording of this machine that holds nothing yet but `facts`.
+Recording DescribeLiveMachine(const MachineFacts& facts);
+
+/// SHA-256 of `bytes` as 64 hexadecimal digits.
+std::string Sha256Of(std::string_view bytes);
 
 /// Whether this machine has the program, given with its folder or as the interpreter looks for it
 /// (current folder, then the folders of PATH). `program` is in the machine's code page.

@@ -89,7 +89,7 @@ int RunModulesCommand(const Options& options, const Console& console) {
   std::unique_ptr<LiveLibrary> library;  // Outlives the modules that it added.
   std::vector<boost::shared_ptr<halyard::repository::RModule>> added;
   if (options.plugin) {
-    library = LoadLiveLibrary(*options.plugin, nullptr);
+    library = LoadLiveLibrary(*options.plugin, {});
     library->AddModules(added);
   } else {
     AddModules(added);

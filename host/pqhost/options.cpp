@@ -28,6 +28,7 @@ constexpr char kCollectExamples[] = R"(Examples:
   pqhost collect --module BMC_Info --module Windows_Related_Info
   pqhost collect --replay RECORDING --format json --output server.json
   pqhost collect --replay RECORDING --log-folder logs --format none
+  pqhost collect --record RECORDING --tool-limit 120
 
 Exit codes: 0 done; 1 something could not be collected, with a line for each on
 standard error; 2 wrong use or unreadable input.
@@ -44,14 +45,19 @@ constexpr char kQueryExamples[] = R"(Examples:
   pqhost query server.db "SELECT class, rows, status FROM tables" --format csv
 )";
 
+/// A day; a tool that needs longer needs no limit.
+constexpr unsigned kLongestToolLimit = 86400;
+
 /// What CLI11 fills in.
 struct Given {
   std::string replay;
+  std::string record;
   std::string logFolder;
   std::string plugin;
   std::string format;
   std::string output;
   std::string trace;
+  unsigned toolLimit = 0;
   std::vector<std::string> query;
 };
 
@@ -183,6 +189,10 @@ class Parser {
     collect->add_option("--replay", given.replay, "Collect from this recording of a machine")
         ->type_name("FOLDER");
     collect
+        ->add_option("--record", given.record,
+                     "Keep what the tools print in this new folder, to be replayed (Windows)")
+        ->type_name("FOLDER");
+    collect
         ->add_option("--log-folder", given.logFolder,
                      "Folder for the files that the tools leave; live: logs, unless given")
         ->type_name("FOLDER");
@@ -194,6 +204,11 @@ class Parser {
         ->type_name("NAME");
     collect->add_option("--output", given.output, "Write the results to this file")
         ->type_name("FILE");
+    collect
+        ->add_option("--tool-limit", given.toolLimit,
+                     "End a tool that runs for more than so many seconds (Windows)")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(1U, kLongestToolLimit));
     collect->add_option("--trace", given.trace, "Write all that the modules do to this file, or -")
         ->type_name("FILE");
   }
@@ -279,6 +294,17 @@ class Parser {
       if (!outputFree && options.trace->path == options.output.path) {
         throw UsageError("--trace and --output name the same file: give each its own");
       }
+    }
+    options.record = OptionalPath(command, "--record", given.record);
+    if (command.count("--tool-limit") > 0) options.toolLimit = given.toolLimit;
+    if (options.replay && options.record) {
+      throw UsageError(
+          "--record has no use with --replay, which is a recording already: leave one of them "
+          "away");
+    }
+    if (options.replay && options.toolLimit) {
+      throw UsageError(
+          "--tool-limit has no use with --replay, which runs no tools: leave one of them away");
     }
     if (options.replay && options.plugin) {
       throw UsageError(

@@ -23,11 +23,13 @@ struct Options {
   std::vector<std::string> modules;  ///< in the order named; empty: all
   std::vector<std::string> tables;   ///< in the order named; empty: all
   std::optional<std::filesystem::path> replay;
+  std::optional<std::filesystem::path> record;
   std::optional<std::filesystem::path> logFolder;
   std::optional<std::filesystem::path> plugin;
   std::string format;  ///< one of the formats' names
   Destination output;
   std::optional<Destination> trace;
+  std::optional<unsigned> toolLimit;  ///< seconds
 
   // Of kQuery.
   std::string sql;

@@ -24,15 +24,11 @@ namespace {
 
 using Json = nlohmann::json;
 
-constexpr char kFileName[] = "recording.json";
-constexpr std::uint64_t kFormat = 1;
 constexpr std::uint64_t kLargestNumber = 0xFFFFFFFF;
 /// How deep brackets may be nested: far more than a recording needs.
 constexpr int kDepthLimit = 16;
 /// How much of what the JSON reader says about a bad place is passed on.
 constexpr std::size_t kDetailLimit = 160;
-constexpr std::array<std::uint32_t, 9> kCodePages = {437,  850,  852,  932,  936,
-                                                     1250, 1251, 1252, 65001};
 
 /// `text` with everything but printable ASCII replaced, so that it stays one harmless line.
 std::string Printable(std::string_view text) {
@@ -86,7 +82,7 @@ class TrackedText {
 class RecordingReader {
  public:
   explicit RecordingReader(const std::filesystem::path& given)
-      : folder(given.empty() ? "." : given), file(folder / kFileName) {}
+      : folder(given.empty() ? "." : given), file(folder / kRecordingFileName) {}
 
   Recording Read() {
     CheckFolder();
@@ -120,7 +116,7 @@ class RecordingReader {
     std::error_code error;
     if (std::filesystem::is_directory(folder, error)) return;
     throw RecordingError(Displayed(folder) + ": there is no such folder; a recording is a folder " +
-                         "with a file " + kFileName);
+                         "with a file " + kRecordingFileName);
   }
 
   [[noreturn]] void Fail(const std::string& member, const std::string& what) const {
@@ -196,7 +192,7 @@ class RecordingReader {
   void CheckFormat(const Json& all) const {
     const Json* format = Find(all, "format");
     if (format == nullptr) Fail("format", "is missing; it has to be 1");
-    if (!format->is_number_integer() || *format != kFormat) {
+    if (!format->is_number_integer() || *format != kRecordingFormat) {
       Fail("format", "has to be 1, the only format there is, not " + Shown(*format));
     }
   }
@@ -271,9 +267,10 @@ class RecordingReader {
   void ReadCodePage(const Json& all, std::uint32_t& codePage) const {
     std::uint32_t given = codePage;
     ReadNumber(all, "codePage", "codePage", given);
-    if (std::find(kCodePages.begin(), kCodePages.end(), given) == kCodePages.end()) {
+    if (std::find(kRecordingCodePages.begin(), kRecordingCodePages.end(), given) ==
+        kRecordingCodePages.end()) {
       std::string known;
-      for (const std::uint32_t page : kCodePages) {
+      for (const std::uint32_t page : kRecordingCodePages) {
         known.append(known.empty() ? "" : ", ").append(std::to_string(page));
       }
       Fail("codePage", std::to_string(given) + " is not known; it has to be one of " + known);
@@ -418,10 +415,10 @@ Recording LoadRecording(const std::filesystem::path& folder) {
   try {
     return RecordingReader(folder).Read();
   } catch (const std::filesystem::filesystem_error& problem) {
-    throw RecordingError(Displayed(folder / kFileName) +
+    throw RecordingError(Displayed(folder / kRecordingFileName) +
                          ": cannot be read: " + Printable(problem.code().message()));
   } catch (const std::bad_alloc&) {
-    throw RecordingError(Displayed(folder / kFileName) +
+    throw RecordingError(Displayed(folder / kRecordingFileName) +
                          ": the recording is too large for this machine's memory");
   }
 }

@@ -8,9 +8,11 @@
 #include "frame/add_modules.h"
 #include "host/logger/logger.h"
 #include "host/pqhost/command_text.h"
+#include "host/pqhost/interruption.h"
 #include "host/pqhost/left_files.h"
 #include "host/pqhost/live.h"
 #include "host/pqhost/output_file.h"
+#include "host/pqhost/recorder.h"
 #include "host/pqhost/recording_file.h"
 #include "host/pqhost/text.h"
 #include "host/recorded/own_commands.h"
@@ -30,6 +32,7 @@ class ReplaySource final : public Source {
         logFolder(options.logFolder) {
     if (logFolder) CreateFolder(*logFolder);
     SetLogFolder(recording.logFolder);
+    machine.EndWhen(&InterruptionRequested);
   }
 
   void AddModules(ModuleList& modules) override { ::AddModules(modules); }
@@ -71,9 +74,14 @@ class LiveSource final : public Source {
  public:
   LiveSource(const Options& options, const Console& console, MachineObserver& observer)
       : library(LoadLiveLibrary(options.plugin.value_or(console.programFolder / kPluginFileName),
-                                &observer)),
+                                {&observer, &recorder, options.toolLimit})),
         logFolder(std::filesystem::absolute(options.logFolder.value_or(kLiveLogFolder))),
-        facts(PrepareLiveMachine(logFolder)) {}
+        facts(PrepareLiveMachine(logFolder)),
+        recordingFolder(options.record) {
+    if (!recordingFolder) return;
+    PrepareRecordingFolder(*recordingFolder);
+    recorder.emplace(DescribeLiveMachine(facts), *machineView);
+  }
 
   void AddModules(ModuleList& modules) override { library->AddModules(modules); }
   MachineFacts Facts() override { return facts; }
@@ -93,10 +101,19 @@ class LiveSource final : public Source {
     return {};
   }
 
+  void KeepRecording(const Console& console) override {
+    if (!recordingFolder) return;
+    WriteRecording(recorder->Take(), *recordingFolder, &Sha256Of);
+    console.error << fmt::format("Recording: {}\n", PathText(*recordingFolder));
+  }
+
  private:
+  std::unique_ptr<MachineView> machineView = ViewLiveMachine();
+  std::optional<Recorder> recorder;  // outlives the library, which tells it
   std::unique_ptr<LiveLibrary> library;
   std::filesystem::path logFolder;
   MachineFacts facts;
+  std::optional<std::filesystem::path> recordingFolder;
 };
 
 }  // namespace

@@ -30,9 +30,13 @@ class Source {
   /// Sees to the files that the collection left in the log folder; says where they are. Returns
   /// what went wrong.
   virtual std::vector<std::string> KeepLogFiles(const Console& console) = 0;
+  /// Writes the recording, if one was asked for; says where it is. Throws std::runtime_error when
+  /// it could not be written.
+  virtual void KeepRecording(const Console& /*console*/) {}
 };
 
 /// The source that the options ask for; `observer` sees what the modules do to it. Throws
+/// UsageError,
 /// RecordingError or LiveError.
 std::unique_ptr<Source> OpenSource(const Options& options, const Console& console,
                                    MachineObserver& observer);

@@ -64,6 +64,8 @@ constexpr Explanation kExplanations[] = {
     {"Create Pipe failed", "could not start", "its pipe could not be created", "SDRINFO"},
 };
 
+const TableStatus kInterrupted{"interrupted", "the collection was interrupted before"};
+
 constexpr std::string_view kLanguage = "Get OS language, lcid=";
 constexpr std::string_view kEnglish = "1033";
 /// Tables that only fixed rows or nothing at all fills.
@@ -101,7 +103,7 @@ bool EndsWithoutCase(std::string_view text, std::string_view end) {
 
 /// Other than a program that ended well and said so.
 bool Failed(const ToolRun& run) {
-  return !run.isThere || !run.startFailure.empty() || run.exitCode.value_or(0) != 0;
+  return !run.isThere || run.refused || !run.startFailure.empty() || run.exitCode.value_or(0) != 0;
 }
 
 }  // namespace
@@ -126,6 +128,7 @@ void StatusTracker::BeginRun(const std::string& commandLine, bool pipe) {
   run.isThere = !hasPrograms || hasPrograms(commandLine);
   runs.push_back(std::move(run));
   runIsOpen = true;
+  runJustBegan = true;
 }
 
 void StatusTracker::OnProcess(const std::string& /*application*/, const std::string& commandLine,
@@ -137,14 +140,23 @@ void StatusTracker::OnSystem(const std::string& command) { BeginRun("/c " + comm
 
 void StatusTracker::OnProcessEnd(std::uint32_t exitCode) {
   if (!runs.empty()) runs.back().exitCode = exitCode;
+  runJustBegan = false;
 }
 
-void StatusTracker::ToolEnded(unsigned seconds) {
+void StatusTracker::OnToolEnded(unsigned seconds) {
   if (!runs.empty()) runs.back().endedAfterSeconds = seconds;
+}
+
+void StatusTracker::OnRefused() {
+  interrupted = true;
+  // What the module says from here on tells of the refusal, not of the machine.
+  if (runJustBegan) runs.back().refused = true;
+  runIsOpen = false;
 }
 
 void StatusTracker::Log(const LogLine& line) {
   const std::string_view text = WithoutPrefix(line.text);
+  runJustBegan = false;
   if (runIsOpen) {
     ToolRun& run = runs.back();
     if (text.starts_with(kStartFailure) || text.starts_with(kExitCodeFailure)) {
@@ -159,9 +171,10 @@ void StatusTracker::Log(const LogLine& line) {
     }
   }
   const bool isTelling =
-      text.starts_with(kLanguage) ||
-      std::any_of(std::begin(kExplanations), std::end(kExplanations),
-                  [&](const Explanation& explanation) { return text == explanation.line; });
+      !interrupted &&
+      (text.starts_with(kLanguage) ||
+       std::any_of(std::begin(kExplanations), std::end(kExplanations),
+                   [&](const Explanation& explanation) { return text == explanation.line; }));
   if (isTelling) log[module].emplace_back(text);
 }
 
@@ -198,6 +211,7 @@ TableStatus StatusTracker::StatusOfRuns(const std::vector<const ToolRun*>& found
   if (run.endedAfterSeconds > 0) {
     return {"ended", fmt::format("{} was ended after {} s", name, run.endedAfterSeconds)};
   }
+  if (run.refused) return kInterrupted;
   if (!run.startFailure.empty()) {
     return {"could not start", fmt::format("{}: {}", name, run.startFailure)};
   }
@@ -235,7 +249,7 @@ TableStatus StatusTracker::StatusWithoutRun(const std::string& name,
       }
     }
   }
-  if (interrupted) return {"interrupted", "the collection was interrupted before"};
+  if (interrupted) return kInterrupted;
   // The step that decides over all the others of the module.
   for (const ToolRun& run : runs) {
     if (run.module != name || !Failed(run)) continue;

@@ -33,6 +33,7 @@ struct ToolRun {
   std::string openFailure;   ///< the module's words
   bool printed = false;      ///< something came through the pipe
   bool reportedError = false;
+  bool refused = false;            ///< never started, because the collection was interrupted
   unsigned endedAfterSeconds = 0;  ///< not 0: the host ended it
 };
 
@@ -53,8 +54,6 @@ class StatusTracker final : public CollectionListener {
   TableStatus StatusOf(const std::string& module, const std::string& className,
                        std::size_t rowCount) const;
 
-  /// The host ended the tool that ran last, after so many seconds.
-  void ToolEnded(unsigned seconds);
   /// The collection was interrupted: what is missing was never asked for.
   void Interrupted() { interrupted = true; }
 
@@ -63,6 +62,8 @@ class StatusTracker final : public CollectionListener {
   void OnProcess(const std::string& application, const std::string& commandLine,
                  bool inheritHandles, bool pipe) override;
   void OnProcessEnd(std::uint32_t exitCode) override;
+  void OnToolEnded(unsigned seconds) override;
+  void OnRefused() override;
   void OnSystem(const std::string& command) override;
   void Log(const LogLine& line) override;
 
@@ -80,6 +81,7 @@ class StatusTracker final : public CollectionListener {
   std::vector<ToolRun> runs;
   bool runIsOpen = false;                               ///< log lines are about the last run
   std::map<std::string, std::vector<std::string>> log;  ///< telling lines, by module
+  bool runJustBegan = false;  ///< nothing was seen since the last run was announced
   bool interrupted = false;
 };
 

@@ -3,27 +3,12 @@
 #include <nlohmann/json.hpp>
 
 #include "host/pqhost/command_text.h"
+#include "host/pqhost/json_text.h"
 
 namespace host {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-/// Every byte as the character with that code, in UTF-8.
-std::string ByteText(std::string_view bytes) {
-  std::string text;
-  text.reserve(bytes.size());
-  for (const char c : bytes) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte < 0x80) {
-      text += c;
-    } else {
-      text += static_cast<char>(0xC0 | (byte >> 6));
-      text += static_cast<char>(0x80 | (byte & 0x3F));
-    }
-  }
-  return text;
-}
 
 Json ByteTexts(const std::vector<std::string>& texts) {
   Json list = Json::array();

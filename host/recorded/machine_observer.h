@@ -7,6 +7,9 @@
 
 namespace host {
 
+/// "The operation was canceled by the user": the system error of what is refused.
+inline constexpr std::uint32_t kErrorCancelled = 1223;
+
 /// Called on the collecting thread, in the order of the calls. Texts are bytes in the machine's
 /// code page.
 class MachineObserver {
@@ -17,6 +20,11 @@ class MachineObserver {
                          bool /*inheritHandles*/, bool /*pipe*/) {}
   /// The process started last was awaited and has ended.
   virtual void OnProcessEnd(std::uint32_t /*exitCode*/) {}
+  /// The host ended the process started last, or children that it left, after so many seconds.
+  virtual void OnToolEnded(unsigned /*seconds*/) {}
+  /// The collection was interrupted: the start that was seen last, or the pipe that would come
+  /// before it, is refused.
+  virtual void OnRefused() {}
   /// A call of the standard library's `system`.
   virtual void OnSystem(const std::string& /*command*/) {}
   /// A file is opened, or tried to be; `path` as given.

@@ -109,6 +109,12 @@ CommandOutcome FailWith(FileResult result) {
   return FailWith(result == FileResult::kAccessDenied ? kAccessDenied : kNoSuchPath);
 }
 
+std::string NotRecognized(std::string_view program) {
+  std::string words = "'";
+  words.append(program).append("' is not recognized as an internal or external command,");
+  return words.append(kLineEnd).append("operable program or batch file.").append(kLineEnd);
+}
+
 bool IsOwnCommand(std::string_view program) {
   const std::string name = LowerCase(program);
   return name == "copy" || name == "md" || name == "findstr" || name == "findstr.exe";

@@ -25,6 +25,9 @@ Bytes ToBytes(std::string text);
 CommandOutcome FailWith(std::string_view words);
 CommandOutcome FailWith(FileResult result);
 
+/// What it writes about a program that is not there; `program` as it stands on the line.
+std::string NotRecognized(std::string_view program);
+
 inline constexpr std::string_view kAccessDenied = "Access is denied.";
 inline constexpr std::string_view kNoSuchPath = "The system cannot find the path specified.";
 inline constexpr std::string_view kNoSuchFile = "The system cannot find the file specified.";

@@ -277,9 +277,7 @@ struct RecordedMachine::State {
     if (stage.program.empty()) return {};
     if (IsOwnCommand(stage.program)) return RunOwnCommand(stage, input, files);
     if (const AnswerQueue* queue = FindAnswers(stage)) return queue->Peek().outcome;
-    return FailWith("'" + stage.program +
-                    "' is not recognized as an internal or external command,\r\n"
-                    "operable program or batch file.");
+    return {nullptr, ToBytes(NotRecognized(stage.program)), 1};
   }
 
   /// The redirection that holds for a handle: the last one.
@@ -309,6 +307,14 @@ struct RecordedMachine::State {
     for (const Bytes& piece : outcome.standardError) ShowOnConsole(piece);
   }
 
+  /// Whether no command may run any more; says so.
+  bool IsEnding() const {
+    if (!isEnding || !isEnding()) return false;
+    if (observer != nullptr) observer->OnRefused();
+    return true;
+  }
+
+  std::function<bool()> isEnding;
   Recording recording;  ///< without the commands and files, which are kept below
   MachineObserver* observer;
   MachineFiles files;
@@ -325,6 +331,10 @@ RecordedMachine::RecordedMachine(Recording recording, MachineObserver* observer)
 
 RecordedMachine::~RecordedMachine() = default;
 
+void RecordedMachine::EndWhen(std::function<bool()> isEnding) {
+  state->isEnding = std::move(isEnding);
+}
+
 std::string RecordedMachine::HostExecutable() {
   return state->recording.hostExecutable.substr(0, kExecutablePathLimit);
 }
@@ -338,6 +348,7 @@ bool RecordedMachine::PathExists(const std::string& path) {
 }
 
 pq::Acquired<pq::Pipe> RecordedMachine::CreatePipe(const std::string& commandLine) {
+  if (state->IsEnding()) return {nullptr, kErrorCancelled};
   const Pipeline pipeline = state->Parse(commandLine);
   const std::uint32_t error = state->FindError(pipeline, &Answer::pipeError);
   if (error != 0) {
@@ -352,6 +363,7 @@ pq::Acquired<pq::Process> RecordedMachine::StartInterpreter(const std::string& c
   if (state->observer != nullptr) {
     state->observer->OnProcess(pq::kInterpreter, commandLine, inheritHandles, output != nullptr);
   }
+  if (state->IsEnding()) return {nullptr, kErrorCancelled};
   const Pipeline pipeline = state->Parse(commandLine);
   const std::uint32_t startError = state->FindError(pipeline, &Answer::startError);
   if (startError != 0) {
@@ -374,6 +386,7 @@ pq::Acquired<pq::Process> RecordedMachine::StartInterpreter(const std::string& c
 
 void RecordedMachine::RunSystem(const std::string& command) {
   if (state->observer != nullptr) state->observer->OnSystem(command);
+  if (state->IsEnding()) return;
   const Pipeline pipeline = state->Parse("/c " + command);
   const bool canStart = state->FindError(pipeline, &Answer::startError) == 0;
   if (canStart) state->ShowOnConsole(state->Run(pipeline));

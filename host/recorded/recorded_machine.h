@@ -2,6 +2,7 @@
 // its files.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -19,6 +20,10 @@ class RecordedMachine final : public pq::Platform {
   /// Keeps a copy of `recording` and refers to `observer` (may be null) as long as it lives.
   explicit RecordedMachine(Recording recording, MachineObserver* observer = nullptr);
   ~RecordedMachine() override;
+
+  /// Once `isEnding` answers true, no command runs any more: a start and a pipe fail with
+  /// kErrorCancelled.
+  void EndWhen(std::function<bool()> isEnding);
 
   std::string HostExecutable() override;
   std::uint32_t SystemLanguage() override;

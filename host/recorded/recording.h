@@ -20,6 +20,8 @@ struct RecordedCommand {
   std::uint32_t startError = 0;     ///< not 0: the interpreter cannot be started for it
   std::uint32_t pipeError = 0;      ///< not 0: the pipe for it cannot be created
   std::uint32_t exitCodeError = 0;  ///< not 0: its exit code cannot be read
+
+  bool operator==(const RecordedCommand&) const = default;
 };
 
 struct Recording {

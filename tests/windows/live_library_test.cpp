@@ -28,7 +28,7 @@ std::filesystem::path BesideThisProgram(const char* name) {
 /// Why that file cannot be used as the library.
 std::string RefusalOf(const std::filesystem::path& plugin) {
   try {
-    host::LoadLiveLibrary(plugin, nullptr);
+    host::LoadLiveLibrary(plugin, {});
   } catch (const host::LiveError& error) {
     return error.what();
   }
@@ -46,7 +46,7 @@ struct Seen final : host::MachineObserver {
 };
 
 TEST(LiveLibrary, AddsTheFiveModules) {
-  const auto library = host::LoadLiveLibrary(BesideThisProgram(host::kPluginFileName), nullptr);
+  const auto library = host::LoadLiveLibrary(BesideThisProgram(host::kPluginFileName), {});
   Modules modules;
   library->AddModules(modules);
   std::vector<std::string> names;
@@ -57,7 +57,7 @@ TEST(LiveLibrary, AddsTheFiveModules) {
 
 TEST(LiveLibrary, ShowsTheProcessesThatItStarts) {
   Seen seen;
-  const auto library = host::LoadLiveLibrary(BesideThisProgram(host::kPluginFileName), &seen);
+  const auto library = host::LoadLiveLibrary(BesideThisProgram(host::kPluginFileName), {&seen});
   Modules modules;
   library->AddModules(modules);
   const auto& bmc = modules.at(2);
@@ -94,7 +94,7 @@ TEST(WatchedImports, PutsTheAddressesBack) {
   const std::vector<void*> before = addresses();
   host::MachineObserver observer;
   {
-    const host::WatchedImports watched(plugin, observer);
+    const host::WatchedImports watched(plugin, {&observer});
     EXPECT_NE(addresses(), before);
   }
   EXPECT_EQ(addresses(), before);

@@ -307,6 +307,89 @@ def check_sample(binaries, standins, pqhost, sample):
         return compare(read_trace(native_trace), read_trace(wine_trace))
 
 
+# Samples that are recorded from the laid out machine: with a password, a folder that is copied and
+# filtered pipes; and one in another language, where much is missing.
+RECORDED = ["amt-desktop", "two-socket-server", "bare-machine"]
+
+
+def check_recording(binaries, standins, pqhost, sample):
+    """Records the live collection and replays it natively: both do the same."""
+    folder = OUTPUT / (sample.name + ".recorded")
+    shutil.rmtree(folder, ignore_errors=True)
+    folder.mkdir(parents=True)
+    recorded, wine_trace, native_trace = (
+        folder / "recording", folder / "wine.jsonl", folder / "native.jsonl")
+    with Machine(binaries, standins, sample) as machine:
+        ran = run_wine([machine.host, "collect", "--log-folder", machine.log_folder.rstrip("\\"),
+                        "--format", "none", "--trace", windows_path(wine_trace),
+                        "--record", windows_path(recorded)],
+                       machine.recording.get("languageId", US_ENGLISH),
+                       standin_variables(sample, folder / "state")
+                       | {"WINEDLLOVERRIDES": os.environ["WINEDLLOVERRIDES"] + ";cmd.exe=n"},
+                       machine.recording.get("console", "").encode("latin-1"))
+        again = subprocess.run(["wine", machine.host, "collect", "--format", "none", "--record",
+                                windows_path(recorded)], cwd=unix_path(WORKING_FOLDER),
+                               capture_output=True, stdin=subprocess.DEVNULL, timeout=TIME_LIMIT,
+                               check=False)
+        if again.returncode != 2 or b"is not empty" not in again.stderr:
+            raise Failure(f"a recording is written over: {again.returncode} {again.stderr!r}")
+        password_of = passwords(machine.recording)
+    subprocess.run(["sha256sum", "--quiet", "--strict", "-c", "manifest.sha256"], cwd=recorded,
+                   check=True)
+    listed = {line.split("  ", 1)[1] for line in
+              (recorded / "manifest.sha256").read_text(encoding="ascii").splitlines()}
+    present = {str(path.relative_to(recorded)) for path in recorded.rglob("*") if path.is_file()}
+    if present - listed != {"manifest.sha256"}:
+        raise Failure(f"the manifest lacks {sorted(present - listed)}")
+    for path in recorded.rglob("*"):
+        for password in password_of:
+            if path.is_file() and password.encode("latin-1") in path.read_bytes():
+                raise Failure(f"the password {password} stands in {path}")
+    replayed = subprocess.run([pqhost, "collect", "--replay", recorded, "--format", "none",
+                               "--trace", native_trace], capture_output=True, check=False,
+                              stdin=subprocess.DEVNULL)
+    if replayed.returncode not in (0, 1):
+        raise Failure(f"replay: exit code {replayed.returncode}\n{replayed.stderr.decode()}")
+    compare_failures(replayed, ran)
+    return compare(read_trace(native_trace), read_trace(wine_trace))
+
+
+TOOL_LIMIT = 4  # seconds
+
+
+def check_tool_limit(mode):
+    """The server's collection with an arp.exe that hangs, or that leaves a child behind which holds
+    its pipe: arp is ended, and everything else is collected."""
+    def check(binaries, standins, _pqhost, sample):
+        folder = OUTPUT / ("tool_limit_" + mode)
+        shutil.rmtree(folder, ignore_errors=True)
+        folder.mkdir(parents=True)
+        result = folder / "result.json"
+        with Machine(binaries, standins, sample) as machine:
+            arp = unix_path(WORKING_FOLDER + r"\arp.exe")
+            arp.unlink()
+            place(standins / "standin_endless.exe", arp)
+            ran = run_wine([machine.host, "collect", "--module", "Windows_Related_Info",
+                            "--log-folder", machine.log_folder.rstrip("\\"), "--format", "json",
+                            "--output", windows_path(result), "--tool-limit", str(TOOL_LIMIT)],
+                           US_ENGLISH,
+                           standin_variables(sample, folder / "state")
+                           | {"PQ_STANDIN_MODE": mode, "WINEDLLOVERRIDES":
+                              os.environ["WINEDLLOVERRIDES"] + ";cmd.exe=n"})
+            left = subprocess.run(["wine", "tasklist"], capture_output=True, check=False)
+        if b"arp.exe" in left.stdout:
+            raise Failure(f"still running: {left.stdout.decode(errors='replace')}")
+        said = f"arp.exe: did not end by itself and was ended after {TOOL_LIMIT} s"
+        if said not in ran.stderr.decode(errors="replace") or ran.returncode != 1:
+            raise Failure(f"exit code {ran.returncode}: {ran.stderr!r}")
+        tables = json.loads(result.read_text(encoding="utf-8"))["tables"]
+        rows = {table["class"]: len(table["rows"]) for table in tables}
+        if rows["NETSTATINFO"] == 0 or rows["ARPINFO"] != 0:
+            raise Failure(f"rows: {rows}")
+        return rows["NETSTATINFO"]
+    return check
+
+
 def check_wines_own(binaries, standins, _pqhost, sample):
     """The ARP and the connection table through Wine's own interpreter and its own netstat, which
     lists the connections that this very machine has. Wine has no arp; that one stands in."""
@@ -367,6 +450,12 @@ def main():
             print(f"[ native   ] {sample.name}: not under Wine, {reason}")
         else:
             check(sample.name, check_sample, sample)
+    for sample in samples:
+        if sample.name in RECORDED:
+            check(f"recording of {sample.name}", check_recording, sample)
+    for mode in ["hang", "leave-child"]:
+        check(f"a tool with a limit ({mode})", check_tool_limit(mode),
+              ROOT / "samples" / "two-socket-server")
     check("Wine's own interpreter and netstat", check_wines_own, ROOT / "samples" / "two-socket-server")
     wait_for_wine()
     print(f"{passed} passed, {failed} failed")

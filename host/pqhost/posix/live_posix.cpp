@@ -4,15 +4,21 @@ namespace host {
 namespace {
 
 constexpr char kNeedsWindows[] =
-    "collecting from this machine itself needs Windows; here, give a recording with --replay "
-    "FOLDER";
+    "collecting from this machine itself, and recording it, needs Windows; here, give a recording "
+    "with --replay FOLDER";
 
 }  // namespace
 
 std::unique_ptr<LiveLibrary> LoadLiveLibrary(const std::filesystem::path& /*plugin*/,
-                                             MachineObserver* /*observer*/) {
+                                             const LiveWatch& /*watch*/) {
   throw LiveError(kNeedsWindows);
 }
+
+std::unique_ptr<MachineView> ViewLiveMachine() { return nullptr; }
+
+Recording DescribeLiveMachine(const MachineFacts& /*facts*/) { throw LiveError(kNeedsWindows); }
+
+std::string Sha256Of(std::string_view /*bytes*/) { throw LiveError(kNeedsWindows); }
 
 bool HasProgram(const std::string& /*program*/) { return false; }
 

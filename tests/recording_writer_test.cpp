@@ -1,0 +1,109 @@
+#include <gmock/gmock.h>
+
+#include "host/pqhost/recording_file.h"
+#include "host/pqhost/usage_error.h"
+#include "tests/support/temporary_folder.h"
+
+namespace host {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::UnorderedElementsAre;
+
+std::string AllBytes() {
+  std::string bytes;
+  for (int byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);
+  return bytes;
+}
+
+/// Stands for a digest: tells texts of different length apart.
+std::string LengthOf(std::string_view bytes) { return std::to_string(bytes.size()); }
+
+class WrittenRecording : public testing::Test {
+ protected:
+  Recording WriteAndLoad(const Recording& recording) {
+    WriteRecording(recording, folder.Path(), &LengthOf);
+    return LoadRecording(folder.Path());
+  }
+
+  test::TemporaryFolder folder;
+};
+
+TEST_F(WrittenRecording, IsReadAsItWas) {
+  Recording recording;
+  recording.description = "server in the hall, Größe M";
+  recording.languageId = 1031;
+  recording.codePage = 850;
+  recording.hostExecutable = "C:\\H\xE4lyard\\halyard.exe";
+  recording.logFolder = "D:\\L\xFFgs\\";
+  recording.console = "192.0.2.1 admin ***\n";
+  recording.files["C:\\Windows\\h\xF6sts"] = AllBytes();
+  recording.readOnly = {"D:\\L\xFFgs\\route.txt"};
+  const Recording read = WriteAndLoad(recording);
+  EXPECT_EQ(read.description, recording.description);
+  EXPECT_EQ(read.languageId, recording.languageId);
+  EXPECT_EQ(read.codePage, recording.codePage);
+  EXPECT_EQ(read.hostExecutable, recording.hostExecutable);
+  EXPECT_EQ(read.logFolder, recording.logFolder);
+  EXPECT_EQ(read.console, recording.console);
+  EXPECT_EQ(read.files, recording.files);
+  EXPECT_EQ(read.readOnly, recording.readOnly);
+}
+
+TEST_F(WrittenRecording, HasEveryAnswerInOrderAndByteForByte) {
+  std::string argumentBytes = AllBytes();
+  std::erase(argumentBytes, '\0');
+  Recording recording;
+  recording.commands = {{"storcli.exe", "/c0 show", AllBytes(), "error\r\n", 4294967295U},
+                        {"storcli.exe", "/c0 show", "second\n"},
+                        {"copy", argumentBytes, "", "", 0, 5},
+                        {"arp.exe", "-a", "", "", 0, 0, 8},
+                        {"check_amt_bmc.exe", "bmc", "", "", 0, 0, 0, 6}};
+  EXPECT_EQ(WriteAndLoad(recording).commands, recording.commands);
+}
+
+TEST_F(WrittenRecording, NamesItsFilesByCommandAndPath) {
+  Recording recording;
+  recording.commands = {{"storcli.exe", "/c0 show", "out", "err"}, {"net", "share", "shares"}};
+  recording.files["C:\\Windows\\System32\\drivers\\etc\\lmhosts.sam"] = "hosts";
+  WriteAndLoad(recording);
+  EXPECT_THAT(folder.Files(),
+              UnorderedElementsAre("commands/001_storcli_c0_show.err",
+                                   "commands/001_storcli_c0_show.txt", "commands/002_net_share.txt",
+                                   "files/001_lmhosts.sam", "manifest.sha256", "recording.json"));
+}
+
+TEST_F(WrittenRecording, HasAManifestOfItsFiles) {
+  Recording recording;
+  recording.commands = {{"net", "share", "shares"}};
+  WriteAndLoad(recording);
+  const std::string size = std::to_string(folder.Read("recording.json").size());
+  EXPECT_EQ(folder.Read("manifest.sha256"),
+            "6  commands/001_net_share.txt\n" + size + "  recording.json\n");
+}
+
+TEST_F(WrittenRecording, LeavesOutACodePageThatRecordingsDoNotKnow) {
+  Recording recording;
+  recording.codePage = 866;
+  EXPECT_EQ(WriteAndLoad(recording).codePage, 1252u);
+}
+
+TEST_F(WrittenRecording, IsRefusedAFolderThatHoldsSomething) {
+  folder.Write("recording.json", "{}");
+  try {
+    PrepareRecordingFolder(folder.Path());
+    FAIL() << "not refused";
+  } catch (const UsageError& error) {
+    EXPECT_THAT(error.what(), HasSubstr("is not empty"));
+  }
+  EXPECT_THAT(folder.Files(), ElementsAre("recording.json"));
+}
+
+TEST_F(WrittenRecording, GetsItsFolderMade) {
+  PrepareRecordingFolder(folder.Path() / "a" / "b");
+  EXPECT_TRUE(std::filesystem::is_directory(folder.Path() / "a" / "b"));
+}
+
+}  // namespace
+}  // namespace host
