@@ -64,6 +64,24 @@ TEST(Failures, NameNoToolWhereNoneWasTried) {
   EXPECT_EQ(list.Failures()[1].tool, "");
 }
 
+TEST(Failures, NameAToolThatTheHostEnded) {
+  FailureList list;
+  list.Module("A", "");
+  list.OnProcess("cmd.exe", "/c arp.exe -a", true, true);
+  list.OnToolEnded(30);
+  ASSERT_EQ(list.Failures().size(), 1U);
+  EXPECT_EQ(list.Failures()[0].tool, "arp.exe");
+  EXPECT_EQ(list.Failures()[0].text, "did not end by itself and was ended after 30 s");
+}
+
+TEST(Failures, AreNotWhatAnInterruptionRefuses) {
+  FailureList list;
+  list.Module("A", "");
+  list.OnRefused();
+  list.Log({3, "f", 1, "[repo] Failed to create pipe for arp info"});
+  EXPECT_TRUE(list.Failures().empty());
+}
+
 TEST(CommandText, FindsTheProgram) {
   EXPECT_EQ(FindTool("/c netstat.exe"), "netstat.exe");
   EXPECT_EQ(FindTool("/c route print >\"C:\\Halyard\\logs\\route.txt\""), "route");

@@ -148,9 +148,34 @@ TEST(TableStatus, TellsTheSecondToolWhereTheFirstFailed) {
 TEST(TableStatus, TellsAToolThatTheHostEnded) {
   Watched watched("sampleModule2");
   watched.Runs(StorcliCommand("/c0 show termlog", "fwtermlog.txt"), 1);
-  watched.tracker.ToolEnded(30);
+  watched.tracker.OnToolEnded(30);
   EXPECT_EQ(watched.tracker.StatusOf("sampleModule2", "FWTERMLOG", 0).text,
             "storcli.exe was ended after 30 s");
+}
+
+TEST(TableStatus, TellsAToolThatWasRefusedByAnInterruption) {
+  Watched watched("sampleModule2");
+  watched.tracker.OnProcess("cmd.exe", StorcliCommand("/c0 show termlog", "fwtermlog.txt"), false,
+                            false);
+  watched.tracker.OnRefused();
+  watched.Logs("CreateProcess failed (1223)");
+  EXPECT_EQ(watched.tracker.StatusOf("sampleModule2", "FWTERMLOG", 0).outcome, "interrupted");
+}
+
+TEST(TableStatus, TellsATableThatAnInterruptionLeftNoPipe) {
+  Watched watched("Windows_Related_Info");
+  watched.Runs("/c route print >\"C:\\H\\logs\\route.txt\"", 0);
+  watched.tracker.OnRefused();
+  watched.Logs("Failed to create pipe for arp info");
+  EXPECT_EQ(watched.tracker.StatusOf("Windows_Related_Info", "ARPINFO", 0).outcome, "interrupted");
+}
+
+TEST(TableStatus, KeepsWhatAToolAnsweredBeforeTheInterruption) {
+  Watched watched("sampleModule2");
+  watched.Runs(StorcliCommand("/c0 show termlog", "fwtermlog.txt"), 9);
+  watched.tracker.OnRefused();
+  EXPECT_EQ(watched.tracker.StatusOf("sampleModule2", "FWTERMLOG", 0).text,
+            "storcli.exe ended with code 9");
 }
 
 TEST(TableStatus, TellsTheStepThatEndedAModule) {

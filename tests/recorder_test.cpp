@@ -166,7 +166,7 @@ TEST_F(RecordedLogin, HasAPlaceholderInConsoleArgumentsAndOutput) {
   EXPECT_EQ(recording.console, "192.0.2.40 deskadmin ***\n");
   EXPECT_THAT(recording.commands,
               ElementsAre(RecordedCommand{"amt_log.exe", "192.0.2.40 deskadmin ***",
-                                          "session of *** refused\r\n"}));
+                                          "session of *** refused\r\n", ""}));
 }
 
 TEST_F(RecordedLogin, HidesAPasswordThatLooksLikeARedirection) {

@@ -56,7 +56,7 @@ TEST_F(WrittenRecording, HasEveryAnswerInOrderAndByteForByte) {
   std::erase(argumentBytes, '\0');
   Recording recording;
   recording.commands = {{"storcli.exe", "/c0 show", AllBytes(), "error\r\n", 4294967295U},
-                        {"storcli.exe", "/c0 show", "second\n"},
+                        {"storcli.exe", "/c0 show", "second\n", ""},
                         {"copy", argumentBytes, "", "", 0, 5},
                         {"arp.exe", "-a", "", "", 0, 0, 8},
                         {"check_amt_bmc.exe", "bmc", "", "", 0, 0, 0, 6}};
@@ -65,7 +65,7 @@ TEST_F(WrittenRecording, HasEveryAnswerInOrderAndByteForByte) {
 
 TEST_F(WrittenRecording, NamesItsFilesByCommandAndPath) {
   Recording recording;
-  recording.commands = {{"storcli.exe", "/c0 show", "out", "err"}, {"net", "share", "shares"}};
+  recording.commands = {{"storcli.exe", "/c0 show", "out", "err"}, {"net", "share", "shares", ""}};
   recording.files["C:\\Windows\\System32\\drivers\\etc\\lmhosts.sam"] = "hosts";
   WriteAndLoad(recording);
   EXPECT_THAT(folder.Files(),
@@ -76,7 +76,7 @@ TEST_F(WrittenRecording, NamesItsFilesByCommandAndPath) {
 
 TEST_F(WrittenRecording, HasAManifestOfItsFiles) {
   Recording recording;
-  recording.commands = {{"net", "share", "shares"}};
+  recording.commands = {{"net", "share", "shares", ""}};
   WriteAndLoad(recording);
   const std::string size = std::to_string(folder.Read("recording.json").size());
   EXPECT_EQ(folder.Read("manifest.sha256"),

@@ -1,5 +1,6 @@
-// Stands in for a tool that never ends, or for one that ends and leaves a child behind, which
-// inherited what the tool writes to. Which of them it is comes from the environment of the test.
+// Stands in for a tool that never ends; for one that ends and leaves a child behind, which
+// inherited what the tool writes to; or for one that takes its time. Which of them it is comes from
+// the environment of the test.
 
 #include <windows.h>
 
@@ -12,6 +13,8 @@ namespace {
 
 /// Far beyond the test's limit, but not for ever: a test that fails leaves nothing behind for good.
 constexpr DWORD kEndlessMilliseconds = 120'000;
+/// Long enough for a test to press Ctrl-C.
+constexpr DWORD kSlowMilliseconds = 6'000;
 
 std::string_view ReadMode() {
   static char mode[32] = {};
@@ -39,6 +42,9 @@ int main() {
   test::WriteBytes(GetStdHandle(STD_OUTPUT_HANDLE), "Interface: 192.0.2.10\r\n");
   if (test::ReadMode() == "leave-child") {
     test::LeaveChild();
+  } else if (test::ReadMode() == "slow") {
+    Sleep(test::kSlowMilliseconds);
+    test::WriteBytes(GetStdHandle(STD_OUTPUT_HANDLE), "slow tool is done\r\n");
   } else {
     Sleep(test::kEndlessMilliseconds);
   }

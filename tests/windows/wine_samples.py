@@ -15,9 +15,11 @@ import os
 import pathlib
 import re
 import shutil
+import signal
 import socket
 import subprocess
 import sys
+import time
 
 ROOT = pathlib.Path.cwd()
 PREFIX = pathlib.Path(os.environ["WINEPREFIX"])
@@ -390,6 +392,51 @@ def check_tool_limit(mode):
     return check
 
 
+def check_interruption(binaries, standins, _pqhost, sample):
+    """Ctrl-C while arp.exe takes its time: it ends by itself, netstat.exe is not run any more, and
+    what is there is written. Wine makes the event out of the signal."""
+    folder = OUTPUT / "interruption"
+    shutil.rmtree(folder, ignore_errors=True)
+    folder.mkdir(parents=True)
+    result, trace, recorded = folder / "result.json", folder / "trace.jsonl", folder / "recording"
+    with Machine(binaries, standins, sample) as machine:
+        arp = unix_path(WORKING_FOLDER + r"\arp.exe")
+        arp.unlink()
+        place(standins / "standin_endless.exe", arp)
+        variables = standin_variables(sample, folder / "state") | {
+            "LC_ALL": locale_of(US_ENGLISH), "PQ_STANDIN_MODE": "slow",
+            "WINEDLLOVERRIDES": os.environ["WINEDLLOVERRIDES"] + ";cmd.exe=n"}
+        with subprocess.Popen(
+                ["wine", machine.host, "collect", "--module", "Windows_Related_Info",
+                 "--log-folder", machine.log_folder.rstrip("\\"), "--format", "json", "--output",
+                 windows_path(result), "--trace", windows_path(trace), "--record",
+                 windows_path(recorded)],
+                cwd=unix_path(WORKING_FOLDER), env=os.environ | variables, stdin=subprocess.DEVNULL,
+                stdout=subprocess.PIPE, stderr=subprocess.PIPE) as ran:
+            counted = folder / "state"  # route.exe is answered for before arp.exe runs
+            deadline = time.monotonic() + TIME_LIMIT
+            while not any(counted.iterdir()) and time.monotonic() < deadline:
+                time.sleep(0.1)
+            time.sleep(2)
+            ran.send_signal(signal.SIGINT)
+            error = ran.communicate(timeout=TIME_LIMIT)[1].decode(errors="replace")
+    if ran.returncode != 1 or "interrupted: the collection ended" not in error:
+        raise Failure(f"exit code {ran.returncode}: {error}")
+    events = read_trace(trace)
+    if not any("slow tool is done" in event.get("text", "") for event in events):
+        raise Failure("the running tool did not end by itself")
+    if any("netstat" in event.get("commandLine", "") for event in events):
+        raise Failure("netstat.exe was started")
+    outcomes = {table["class"]: table["status"] for table in
+                json.loads(result.read_text(encoding="utf-8"))["tables"]}
+    if "interrupted" not in json.dumps(outcomes["NETSTATINFO"]):
+        raise Failure(f"status: {outcomes}")
+    kept = json.loads((recorded / "recording.json").read_text(encoding="utf-8"))["commands"]
+    if [command["tool"] for command in kept] != ["route", "arp.exe"]:
+        raise Failure(f"recorded: {kept}")
+    return len(events)
+
+
 def check_wines_own(binaries, standins, _pqhost, sample):
     """The ARP and the connection table through Wine's own interpreter and its own netstat, which
     lists the connections that this very machine has. Wine has no arp; that one stands in."""
@@ -456,6 +503,7 @@ def main():
     for mode in ["hang", "leave-child"]:
         check(f"a tool with a limit ({mode})", check_tool_limit(mode),
               ROOT / "samples" / "two-socket-server")
+    check("Ctrl-C", check_interruption, ROOT / "samples" / "two-socket-server")
     check("Wine's own interpreter and netstat", check_wines_own, ROOT / "samples" / "two-socket-server")
     wait_for_wine()
     print(f"{passed} passed, {failed} failed")
