@@ -23,7 +23,7 @@ std::string Complaint(const Words& arguments) {
   try {
     ParseOptions(arguments);
   } catch (const UsageError& error) {
-    const std::string text = error.what();
+    std::string text = error.what();
     EXPECT_EQ(text.find('\n'), std::string::npos) << text;
     return text;
   }

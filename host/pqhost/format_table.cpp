@@ -38,7 +38,8 @@ std::string CountOf(std::size_t count, const char* what) {
 
 std::string SizeText(std::size_t bytes) {
   if (bytes < 1024) return CountOf(bytes, "byte");
-  if (bytes < std::size_t{1024} * 1024) return fmt::format("{:.1f} KiB", static_cast<double>(bytes) / 1024);
+  if (bytes < std::size_t{1024} * 1024)
+    return fmt::format("{:.1f} KiB", static_cast<double>(bytes) / 1024);
   return fmt::format("{:.1f} MiB", static_cast<double>(bytes) / (1024 * 1024));
 }
 

@@ -44,7 +44,7 @@ struct LiveWatch {
   /// Keeps what the machine answers once there is a recorder; null: never.
   std::optional<Recorder>* recorder = nullptr;
   /// After how many seconds a tool is ended, with its children.
-  std::optional<unsigned> toolLimit;
+  std::optional<unsigned> toolLimit = std::nullopt;
 };
 
 /// Loads `plugin`, a path to the library's file. Throws LiveError.

@@ -150,7 +150,8 @@ inline std::vector<EventStep> ReadEventsPlainly(const std::vector<std::string>& 
     if (std::strstr(line.c_str(), "=======") != nullptr) {
       data.clear();
     } else {
-      data = (data + line).substr(0, 2047);
+      data += line;
+      data.resize(std::min<std::size_t>(data.size(), 2047));
     }
   }
   return steps;
