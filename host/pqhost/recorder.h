@@ -24,6 +24,15 @@ class MachineView {
   virtual bool HasProgram(const std::string& program) = 0;
 };
 
+/// A run from its start until the next one, or until its process was awaited.
+struct RecordedRun {
+  Stage stage;  ///< the first of the pipeline: the others filter what it writes
+  std::vector<std::vector<std::string>> filters;
+  bool isPiped = false;
+  std::string password;  ///< that the tool knows; empty: none
+  RecordedCommand command;
+};
+
 /// Told of everything in the order in which it happens. A password that the operator types is in
 /// nothing that Take() answers: "***" stands for it.
 class Recorder {
@@ -52,15 +61,6 @@ class Recorder {
   Recording Take();
 
  private:
-  /// A run from its start until the next one, or until its process was awaited.
-  struct Run {
-    Stage stage;  ///< the first of the pipeline: the others filter what it writes
-    std::vector<std::vector<std::string>> filters;
-    bool isPiped = false;
-    std::string password;  ///< that the tool knows; empty: none
-    RecordedCommand command;
-  };
-
   std::string TakeLogin();
   void KeepCopied(const std::string& arguments);
   void KeepFile(const std::string& path);
@@ -71,7 +71,7 @@ class Recorder {
 
   Recording recording;
   MachineView& machine;
-  std::optional<Run> run;
+  std::optional<RecordedRun> run;
   std::string typed;
   std::set<std::size_t> loginLines;  ///< those of `typed` that a password came from
   std::set<std::string> knownFiles;  ///< lower-case full paths of kept and of written files
