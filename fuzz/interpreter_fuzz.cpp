@@ -126,7 +126,8 @@ void CheckMachine(const std::string& commandLine, const Pipeline& pipeline,
   recording.files = {{"C:\\in\\a.txt", output}, {"C:\\in\\b.txt", ""}};
   for (const Stage& stage : pipeline.stages) {
     host::RecordedCommand command;
-    command.tool = host::ToolName(stage.program);
+    // A recorded tool loses one ".exe" when it is compared, as the program on the line does.
+    command.tool = host::ToolName(stage.program) + ".exe";
     command.arguments = stage.arguments;
     command.standardOutput = output;
     recording.commands.push_back(command);
