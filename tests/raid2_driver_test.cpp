@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/support/raid_tools.h"
@@ -11,9 +12,7 @@ namespace {
 
 using test::Collected;
 using test::RaidTools;
-using ::testing::AllOf;
 using ::testing::Contains;
-using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
@@ -191,6 +190,34 @@ TEST(RaidLogsDriver, CollectsOnceForAllTables) {
 TEST(RaidLogsDriver, EnumeratesEveryTableOfItsRegistry) {
   const Collected collected = test::Collect(RaidTools().recording, "sampleModule2");
   EXPECT_EQ(CountOf(collected.LogTexts(), "3 Enter EnumPQ2Instances"), 17U);
+}
+
+TEST(RaidLogsDriver, LaysEveryTableOutAsRows) {
+  const std::string trace = test::Collect(RaidTools().recording, "sampleModule2").trace;
+  const std::string events = "4,5,5,4,4,12,12";
+  const std::vector<std::pair<std::string, std::string>> layouts = {
+      {"S2TABLE1", "20,16,16,16,16,16"},
+      {"S2TABLE2", "20,30,30,20"},
+      {"EVENTLOG1", events},
+      {"EVENTLOG2", events},
+      {"EVENTLOG3", events},
+      {"EVENTLOG4", events},
+      {"EVENTLOG5", events},
+      {"FWTERMLOG", ""},
+      {"PDLIST", ""},
+      {"TINFO", ""},
+      {"VINFO", ""},
+      {"PINFO", ""},
+      {"SAS2IRLOG", ""},
+      {"ENDDEVICEINFO", ""},
+      {"ARRAY", ""},
+      {"VOLUME", ""},
+      {"LSILINK", "2,5,5,5,5"}};
+  for (const auto& [table, widths] : layouts) {
+    EXPECT_THAT(trace, HasSubstr(R"({"event":"layout","table":")" + table +
+                                 R"(","call":"SetRowHeaders","names":[],"widths":[)" + widths +
+                                 R"(],"flag":false})"));
+  }
 }
 
 TEST(RaidLogsDriver, LeavesNothingOpen) {
