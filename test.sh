@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
 # Builds and tests everything: native, sanitizers, Windows under Wine, fuzz corpora, the report in a
-# browser, the JSON schema, formatting and lint.
+# browser, the JSON schema, formatting and lint. A step's whole output is left in build/logs.
 # Ends with one line that counts over all of them.
 set -uo pipefail
 cd "$(dirname "$0")"
 
 scripts/install.sh test || exit 1
+mkdir -p build/logs
 
 passed=0
 failed=0
@@ -25,31 +26,39 @@ check() {  # NAME COMMAND...
   if "$@"; then count "$name" 1 0; else count "$name" 0 1; fi
 }
 
-# A command that ends with "N passed, N failed" and fails when something did.
-counted() {  # NAME COMMAND...
-  local name=$1 log=build/logs/$1.log line status=0
+# A command that ends with "N passed, N failed"; counted once all that runs beside it has ended.
+run() {  # NAME COMMAND...
+  local name=$1
   shift
-  "$@" >"$log" 2>&1 || status=$?
+  "$@" >"build/logs/$name.log" 2>&1
+  echo $? >"build/logs/$name.status"
+}
+
+counted() {  # NAME
+  local log=build/logs/$1.log line status
+  status=$(cat "build/logs/$1.status")
   line=$(grep -E '^[0-9]+ passed, [0-9]+ failed$' "$log" | tail -n 1)
   if [[ $line =~ ^([0-9]+)\ passed,\ ([0-9]+)\ failed$ ]] &&
      { [[ $status -eq 0 ]] || [[ ${BASH_REMATCH[2]} -gt 0 ]]; }; then
-    count "$name" "${BASH_REMATCH[1]}" "${BASH_REMATCH[2]}"
+    count "$1" "${BASH_REMATCH[1]}" "${BASH_REMATCH[2]}"
   else
-    count "$name" 0 1
+    count "$1" 0 1
     status=1
   fi
   [[ $status -eq 0 ]] || { grep -E -B 30 '^\[  FAILED|FAILED|failed' "$log" || cat "$log"; } | tail -n 80
 }
 
-mkdir -p build/logs
 for preset in native asan windows fuzz; do check "build $preset" scripts/build.sh "$preset"; done
 check "build bench" scripts/build.sh bench
 
-counted native scripts/gtest.sh build/native/bin/pq_tests
-counted asan scripts/gtest.sh build/asan/bin/pq_tests
-counted windows scripts/wine_tests.sh
-counted fuzz scripts/fuzz.sh --replay
-counted browser scripts/browser_tests.sh
+# These keep one core busy each.
+{ run windows scripts/wine_tests.sh; run browser scripts/browser_tests.sh; } &
+run native scripts/gtest.sh build/native/bin/pq_tests
+run asan scripts/gtest.sh build/asan/bin/pq_tests
+wait
+for name in native asan windows browser; do counted "$name"; done
+run fuzz scripts/fuzz.sh --replay
+counted fuzz
 check schema scripts/check_schema.sh build/native/bin/pqhost
 check format scripts/format.sh
 check lint scripts/lint.sh

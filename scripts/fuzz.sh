@@ -32,33 +32,51 @@ for target in "${targets[@]}"; do
 done
 scripts/build.sh fuzz "${targets[@]}" || exit 1
 
-passed=0
-failed=0
-for target in "${targets[@]}"; do
-  program=build/fuzz/bin/$target
-  found=$PWD/build/fuzz/found/$target
-  grown=build/fuzz/grown/$target
-  log=build/fuzz/$target.log
+reports=build/fuzz/reports
+rm -rf "$reports"
+mkdir -p "$reports"
+
+# Every seed once, each by itself, then whatever the fuzzer makes of them.
+examine() {  # TARGET; its report, begun with "ok" or "bad", goes to a file
+  local target=$1
+  local program=build/fuzz/bin/$target found=$PWD/build/fuzz/found/$target
+  local grown=build/fuzz/grown/$target log=build/fuzz/$target.log
+  local before status=0 runs seeds
   mkdir -p "$found" "$grown"
   before=$(ls "$found" | wc -l)
-  status=0
-  # Every seed once, each by itself: libFuzzer takes files for inputs and folders for corpora.
+  # libFuzzer takes files for inputs and folders for corpora.
   seeds=(fuzz/corpus/"$target"/*)
   "$program" -artifact_prefix="$found/" "${seeds[@]}" >"$log" 2>&1 || status=$?
   if [[ $status -eq 0 ]]; then
     "$program" -artifact_prefix="$found/" -max_total_time="$seconds" -timeout=25 -rss_limit_mb=2560 \
       -print_final_stats=1 "$grown" "fuzz/corpus/$target" >>"$log" 2>&1 || status=$?
   fi
-  runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log" | tail -n 1)
   if [[ $status -eq 0 ]]; then
+    runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log" | tail -n 1)
+    printf 'ok\n%-24s %4d seeds %10s runs   nothing found\n' "$target" "${#seeds[@]}" "${runs:-0}"
+  else
+    printf 'bad\n%-24s FAILED, %d input(s) in %s; its last lines:\n' "$target" \
+      $(($(ls "$found" | wc -l) - before)) "$found"
+    grep -E 'ERROR|SUMMARY|runtime error|deadly signal|Test unit written' "$log" | tail -n 6
+  fi >"$reports/$target"
+}
+
+# A target keeps one core busy.
+for target in "${targets[@]}"; do
+  while [[ $(jobs -rp | wc -l) -ge $(nproc) ]]; do wait -n; done
+  examine "$target" &
+done
+wait
+
+passed=0
+failed=0
+for target in "${targets[@]}"; do
+  if [[ $(head -n 1 "$reports/$target") == ok ]]; then
     passed=$((passed + 1))
-    printf '%-24s %4d seeds %10s runs   nothing found\n' "$target" "${#seeds[@]}" "${runs:-0}"
   else
     failed=$((failed + 1))
-    new=$(($(ls "$found" | wc -l) - before))
-    printf '%-24s FAILED, %d input(s) in %s; its last lines:\n' "$target" "$new" "$found"
-    grep -E 'ERROR|SUMMARY|runtime error|deadly signal|Test unit written' "$log" | tail -n 6
   fi
+  tail -n +2 "$reports/$target"
 done
 echo "$passed passed, $failed failed"
 [[ $failed -eq 0 ]]
