@@ -86,16 +86,17 @@ TEST(Options, ReadsModules) {
 
 TEST(Options, WantsACommand) {
   EXPECT_EQ(Complaint({}),
-            "nothing to do: give a command (collect, modules, query; see pqhost --help)");
+            "nothing to do: give a command (collect, modules, query, check; see pqhost --help)");
 }
 
 TEST(Options, SuggestsTheCommandThatWasMeant) {
+  EXPECT_EQ(Complaint({"colect"}),
+            "there is no command colect; did you mean collect? (commands: collect, modules, query, "
+            "check; see "
+            "pqhost --help)");
   EXPECT_EQ(
-      Complaint({"colect"}),
-      "there is no command colect; did you mean collect? (commands: collect, modules, query; see "
-      "pqhost --help)");
-  EXPECT_EQ(Complaint({"zzz"}),
-            "there is no command zzz (commands: collect, modules, query; see pqhost --help)");
+      Complaint({"zzz"}),
+      "there is no command zzz (commands: collect, modules, query, check; see pqhost --help)");
 }
 
 TEST(Options, SuggestsTheOptionThatWasMeant) {

@@ -21,7 +21,7 @@ const host::DryFacts kFacts{std::string(kFolder) + "\\halyard.exe", "C:\\Halyard
 
 std::vector<std::string> CommandLines(const host::DryFacts& facts, const std::string& module) {
   std::vector<std::string> lines;
-  for (const host::DryCommand& command : host::ListCommands(facts, {module})) {
+  for (const host::DryCommand& command : host::ListCommands(facts, {module}, {})) {
     EXPECT_EQ(command.module, module);
     lines.push_back(command.commandLine);
   }

@@ -5,6 +5,7 @@
 #include <array>
 #include <system_error>
 
+#include "frame/platform.h"
 #include "host/live/system_text.h"
 #include "host/logger/logger.h"
 #include "host/pqhost/live.h"
@@ -60,20 +61,15 @@ std::uint32_t ReadToolCodePage() {
   return console != 0 ? console : GetOEMCP();
 }
 
-}  // namespace
-
-bool HasProgram(const std::string& program) {
-  std::array<char, MAX_PATH> found{};
-  return SearchPathA(nullptr, program.c_str(), ".exe", static_cast<DWORD>(found.size()),
-                     found.data(), nullptr) > 0;
+std::filesystem::path WithSeparator(const std::filesystem::path& folder) {
+  std::filesystem::path path = std::filesystem::absolute(folder).make_preferred();
+  if (path.has_filename()) path /= L"";
+  return path;
 }
 
-MachineFacts PrepareLiveMachine(const std::filesystem::path& folder) {
-  std::filesystem::path path = std::filesystem::absolute(folder).make_preferred();
-  if (path.has_filename()) path /= L"";  // ends with a backslash then
+/// The log folder's path as the plug-in hands it to the system's narrow functions.
+std::string NarrowLogFolder(const std::filesystem::path& path) {
   const std::wstring& text = path.native();
-
-  // The plug-in hands this path to the system's narrow functions.
   const std::optional<std::string> narrow = ToCodePage(text, GetACP());
   if (!narrow) {
     throw LiveError("the log folder " + ToUtf8(text) +
@@ -84,13 +80,54 @@ MachineFacts PrepareLiveMachine(const std::filesystem::path& folder) {
     throw LiveError("the log folder's path is longer than " + std::to_string(kLogFolderRoom - 1) +
                     " characters; choose another with --log-folder");
   }
-  std::error_code failure;
-  std::filesystem::create_directories(path, failure);
-  if (failure) {
-    throw LiveError("cannot create the log folder " + ToUtf8(path.native()) + ": " +
-                    DescribeSystemError(static_cast<std::uint32_t>(failure.value())));
+  return *narrow;
+}
+
+/// `folder`, or the nearest one above it that is there.
+std::filesystem::path FindExisting(const std::filesystem::path& folder) {
+  std::filesystem::path path = std::filesystem::absolute(folder);
+  std::error_code ignored;
+  while (!std::filesystem::is_directory(path, ignored) && path.has_relative_path()) {
+    path = path.parent_path();
   }
-  SetLogFolder(*narrow);
+  return path;
+}
+
+bool CanWriteInto(const std::filesystem::path& folder) {
+  const std::wstring name =
+      folder / (L"pqhost-" + std::to_wstring(GetCurrentProcessId()) + L".check");
+  const HANDLE file = CreateFileW(name.c_str(), GENERIC_WRITE | DELETE, 0, nullptr, CREATE_NEW,
+                                  FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+  if (file == INVALID_HANDLE_VALUE) return false;
+  CloseHandle(file);
+  return true;
+}
+
+bool IsElevated() {
+  HANDLE token = nullptr;
+  if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token)) return false;
+  TOKEN_ELEVATION elevation{};
+  DWORD size = 0;
+  const bool isRead =
+      GetTokenInformation(token, TokenElevation, &elevation, sizeof(elevation), &size) != 0;
+  CloseHandle(token);
+  return isRead && elevation.TokenIsElevated != 0;
+}
+
+}  // namespace
+
+std::optional<std::string> LocateProgram(const std::string& program) {
+  std::array<char, MAX_PATH> found{};
+  const DWORD length = SearchPathA(nullptr, program.c_str(), ".exe",
+                                   static_cast<DWORD>(found.size()), found.data(), nullptr);
+  if (length == 0) return std::nullopt;
+  // A longer path is there too, only not to be had.
+  return length < found.size() ? std::string(found.data(), length) : program;
+}
+
+MachineFacts DescribeThisMachine(const std::filesystem::path& logFolder) {
+  const std::filesystem::path path = WithSeparator(logFolder);
+  NarrowLogFolder(path);
 
   MachineFacts facts;
   facts.description = DescribeSystem();
@@ -98,8 +135,33 @@ MachineFacts PrepareLiveMachine(const std::filesystem::path& folder) {
   facts.languageId = GetSystemDefaultLCID();
   facts.codePage = ReadToolCodePage();
   facts.hostExecutable = ToTools(ReadHostExecutable(), facts.codePage);
-  facts.logFolder = ToTools(text, facts.codePage);
+  facts.logFolder = ToTools(path.native(), facts.codePage);
   return facts;
+}
+
+MachineFacts PrepareLiveMachine(const std::filesystem::path& logFolder) {
+  MachineFacts facts = DescribeThisMachine(logFolder);
+  const std::filesystem::path path = WithSeparator(logFolder);
+  std::error_code failure;
+  std::filesystem::create_directories(path, failure);
+  if (failure) {
+    throw LiveError("cannot create the log folder " + ToUtf8(path.native()) + ": " +
+                    DescribeSystemError(static_cast<std::uint32_t>(failure.value())));
+  }
+  SetLogFolder(NarrowLogFolder(path));
+  return facts;
+}
+
+Surroundings LookAround(const std::filesystem::path& logFolder) {
+  const std::filesystem::path folder = FindExisting(logFolder);
+  Surroundings found;
+  found.hasInterpreter = GetFileAttributesA(pq::kInterpreter) != INVALID_FILE_ATTRIBUTES;
+  found.canWriteLogFolder = CanWriteInto(folder);
+  found.isElevated = IsElevated();
+  std::error_code ignored;
+  const std::filesystem::space_info space = std::filesystem::space(folder, ignored);
+  found.freeBytes = ignored ? 0 : space.available;
+  return found;
 }
 
 }  // namespace host

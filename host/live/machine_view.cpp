@@ -34,7 +34,9 @@ class LiveMachineView final : public MachineView {
     return files;
   }
 
-  bool HasProgram(const std::string& program) override { return host::HasProgram(program); }
+  bool HasProgram(const std::string& program) override {
+    return LocateProgram(program).has_value();
+  }
 };
 
 }  // namespace

@@ -10,6 +10,9 @@ namespace host {
 int RunModulesCommand(const Options& options, const Console& console);
 int RunCollectCommand(const Options& options, const Console& console);
 int RunQueryCommand(const Options& options, const Console& console);
+int RunCheckCommand(const Options& options, const Console& console);
+/// Shows what a collection would run.
+int RunDryRunCommand(const Options& options, const Console& console);
 
 /// One line on standard error, begun with the program's name; nothing in it reaches a terminal raw.
 void Complain(const Console& console, const std::string& text);

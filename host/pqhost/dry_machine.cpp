@@ -128,7 +128,8 @@ pq::ConsoleLine DryMachine::ReadConsoleLine(char* buffer, std::size_t size) {
 void DryMachine::FailRangeCheck() { std::abort(); }
 
 std::vector<DryCommand> ListCommands(const DryFacts& facts,
-                                     const std::vector<std::string>& moduleNames) {
+                                     const std::vector<std::string>& moduleNames,
+                                     const std::vector<std::string>& tableNames) {
   DryMachine machine(facts);
   const MachineInUse inUse(machine);
   SetLogFolder(facts.logFolder);
@@ -136,7 +137,7 @@ std::vector<DryCommand> ListCommands(const DryFacts& facts,
   AddModules(added);
   const std::vector<LoadedModule> modules = RegisterModules(added);
   ModuleTeller teller(machine);
-  RunCollection(SelectTables(modules, moduleNames, {}), /*tablesNamed=*/false, teller);
+  RunCollection(SelectTables(modules, moduleNames, tableNames), !tableNames.empty(), teller);
   return machine.Commands();
 }
 

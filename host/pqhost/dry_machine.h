@@ -50,8 +50,10 @@ class DryMachine final : public pq::Platform {
   std::vector<DryCommand> commands;
 };
 
-/// The commands that a collection would run, in order: all modules, or those named.
+/// The commands that a collection would run, in order: all modules and tables, or those named.
+/// Throws UsageError for a name that does not fit.
 std::vector<DryCommand> ListCommands(const DryFacts& facts,
-                                     const std::vector<std::string>& moduleNames);
+                                     const std::vector<std::string>& moduleNames,
+                                     const std::vector<std::string>& tableNames);
 
 }  // namespace host

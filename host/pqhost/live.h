@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "frame/halyard/repository.h"
+#include "host/pqhost/machine_check.h"
 #include "host/pqhost/machine_facts.h"
 #include "host/pqhost/recorder.h"
 #include "host/recorded/machine_observer.h"
@@ -60,13 +61,24 @@ Recording DescribeLiveMachine(const MachineFacts& facts);
 /// SHA-256 of `bytes` as 64 hexadecimal digits.
 std::string Sha256Of(std::string_view bytes);
 
-/// Whether this machine has the program, given with its folder or as the interpreter looks for it
-/// (current folder, then the folders of PATH). `program` is in the machine's code page.
-bool HasProgram(const std::string& program);
-
-/// Creates `folder` (with its parents) and makes it the log folder of this machine's facts and of
-/// the logger. Throws LiveError, also when the folder's path has no form in the machine's code
+/// Full path of the program, given with its folder or as the interpreter looks for it (current
+/// folder, then the folders of PATH); nothing when this machine has none. In the machine's code
 /// page.
-MachineFacts PrepareLiveMachine(const std::filesystem::path& folder);
+std::optional<std::string> LocateProgram(const std::string& program);
+
+/// Where the log folder is made when none is given: in the current folder.
+inline constexpr char kLogFolderName[] = "logs";
+
+/// This machine's facts, with `logFolder` as its log folder; nothing is created. Throws LiveError
+/// when the folder's path does not fit the modules' room or has no form in the machine's code page.
+MachineFacts DescribeThisMachine(const std::filesystem::path& logFolder);
+
+/// As above, and creates `logFolder` (with its parents) and makes it the logger's. Throws
+/// LiveError.
+MachineFacts PrepareLiveMachine(const std::filesystem::path& logFolder);
+
+/// What else a collection into `logFolder` depends on; nothing is left behind. The library is not
+/// looked at.
+Surroundings LookAround(const std::filesystem::path& logFolder);
 
 }  // namespace host

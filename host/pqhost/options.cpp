@@ -21,6 +21,7 @@ constexpr char kExamples[] = R"(Examples:
   pqhost collect --table ARPINFO --format csv --output arp.csv
                                                  one table as a file
   pqhost collect --replay RECORDING --trace -    all that the modules did, in order
+  pqhost check                                   what a collection would find here
   pqhost modules                                 which modules and tables there are
 )";
 
@@ -29,6 +30,7 @@ constexpr char kCollectExamples[] = R"(Examples:
   pqhost collect --replay RECORDING --format json --output server.json
   pqhost collect --replay RECORDING --log-folder logs --format none
   pqhost collect --record RECORDING --tool-limit 120
+  pqhost collect --module BMC_Info --dry-run
 
 Exit codes: 0 done; 1 something could not be collected, with a line for each on
 standard error; 2 wrong use or unreadable input.
@@ -37,6 +39,15 @@ standard error; 2 wrong use or unreadable input.
 constexpr char kModulesExamples[] = R"(Examples:
   pqhost modules
   pqhost modules --format json
+)";
+
+constexpr char kCheckExamples[] = R"(Examples:
+  pqhost check
+  pqhost check --module BMC_Info --log-folder D:\logs
+  pqhost check --replay RECORDING
+
+Exit codes: 0 everything is there; 1 something is missing; 2 wrong use or
+unreadable input.
 )";
 
 constexpr char kQueryExamples[] = R"(Examples:
@@ -119,6 +130,12 @@ std::vector<std::string> FormatNames() {
   return names;
 }
 
+std::vector<std::string> TextFormatNames() {
+  std::vector<std::string> names = FormatNames();
+  std::erase_if(names, [](const std::string& name) { return FindFormat(name)->isBinary; });
+  return names;
+}
+
 void CheckFormat(const std::string& format, const std::vector<std::string>& names) {
   if (std::find(names.begin(), names.end(), format) != names.end()) return;
   throw UsageError(fmt::format("there is no format {}{} (formats: {})", format,
@@ -143,6 +160,7 @@ class Parser {
     DefineCollect();
     DefineModules();
     DefineQuery();
+    DefineCheck();
   }
 
   Options Parse(std::vector<std::string> arguments) {
@@ -164,6 +182,7 @@ class Parser {
     }
     options.command = command == collect ? Command::kCollect
                       : command == query ? Command::kQuery
+                      : command == check ? Command::kCheck
                                          : Command::kModules;
     return Finish(*command);
   }
@@ -200,7 +219,9 @@ class Parser {
         ->add_option("--plugin", given.plugin,
                      "The library; repository_pqmodule.dll beside this program, unless given")
         ->type_name("FILE");
-    collect->add_option("--format", given.format, "Format of the results: " + FormatList())
+    collect
+        ->add_option("--format", given.format,
+                     "Format of the results: " + FormatList(FormatNames()))
         ->type_name("NAME");
     collect->add_option("--output", given.output, "Write the results to this file")
         ->type_name("FILE");
@@ -209,6 +230,8 @@ class Parser {
                      "End a tool that runs for more than so many seconds (Windows)")
         ->type_name("SECONDS")
         ->check(CLI::Range(1U, kLongestToolLimit));
+    collect->add_flag("--dry-run", options.dryRun,
+                      "Show the command lines in order, and run nothing");
     collect->add_option("--trace", given.trace, "Write all that the modules do to this file, or -")
         ->type_name("FILE");
   }
@@ -237,14 +260,32 @@ class Parser {
         ->add_option("--log-folder", given.logFolder,
                      "Folder for the files that the tools leave; live: logs, unless given")
         ->type_name("FOLDER");
-    query->add_option("--format", given.format, "Format of the answer: " + FormatList())
+    query
+        ->add_option("--format", given.format,
+                     "Format of the answer: " + FormatList(TextFormatNames()))
         ->type_name("NAME");
     query->add_option("--output", given.output, "Write the answer to this file")->type_name("FILE");
   }
 
-  static std::string FormatList() {
-    return fmt::format("{}; {} unless given", fmt::join(FormatNames(), ", "),
-                       Formats().front().name);
+  void DefineCheck() {
+    check = app.add_subcommand("check", "Tell what a collection would find, running nothing");
+    Prepare(*check);
+    check->footer(kCheckExamples);
+    check->add_option("--module", options.modules, "Look at this module's tools; may be repeated")
+        ->type_name("NAME")
+        ->allow_extra_args(false);
+    check->add_option("--replay", given.replay, "Look at this recording of a machine")
+        ->type_name("FOLDER");
+    check->add_option("--log-folder", given.logFolder, "Where the tools would leave their files")
+        ->type_name("FOLDER");
+    check
+        ->add_option("--plugin", given.plugin,
+                     "The library; repository_pqmodule.dll beside this program, unless given")
+        ->type_name("FILE");
+  }
+
+  static std::string FormatList(const std::vector<std::string>& names) {
+    return fmt::format("{}; {} unless given", fmt::join(names, ", "), Formats().front().name);
   }
 
   static Options ShowText(std::string text) {
@@ -254,7 +295,7 @@ class Parser {
   }
 
   const CLI::App* ParsedCommand() const {
-    for (const CLI::App* command : {collect, modules, query}) {
+    for (const CLI::App* command : {collect, modules, query, check}) {
       if (command->parsed()) return command;
     }
     return nullptr;
@@ -268,6 +309,12 @@ class Parser {
 
   Options Finish(const CLI::App& command) {
     options.plugin = OptionalPath(command, "--plugin", given.plugin);
+    if (options.command == Command::kCheck) {
+      options.replay = OptionalPath(command, "--replay", given.replay);
+      options.logFolder = OptionalPath(command, "--log-folder", given.logFolder);
+      RefusePluginWithReplay();
+      return options;
+    }
     const bool formatGiven = command.count("--format") > 0;
     options.format = formatGiven ? given.format : Formats().front().name;
     if (options.command == Command::kModules) {
@@ -306,12 +353,26 @@ class Parser {
       throw UsageError(
           "--tool-limit has no use with --replay, which runs no tools: leave one of them away");
     }
+    RefusePluginWithReplay();
+    if (options.dryRun) RefuseWithDryRun(command);
+    return options;
+  }
+
+  void RefusePluginWithReplay() const {
     if (options.replay && options.plugin) {
       throw UsageError(
           "--plugin has no use with --replay, which runs the built-in modules: leave "
           "one of them away");
     }
-    return options;
+  }
+
+  static void RefuseWithDryRun(const CLI::App& command) {
+    for (const char* option :
+         {"--record", "--format", "--output", "--tool-limit", "--trace", "--plugin"}) {
+      if (command.count(option) == 0) continue;
+      throw UsageError(fmt::format(
+          "{} has no use with --dry-run, which collects nothing: leave one of them away", option));
+    }
   }
 
   Options FinishQuery() {
@@ -335,6 +396,7 @@ class Parser {
   CLI::App* collect = nullptr;
   CLI::App* query = nullptr;
   CLI::App* modules = nullptr;
+  CLI::App* check = nullptr;
   Given given;
   Options options;
 };

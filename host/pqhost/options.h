@@ -8,7 +8,7 @@
 
 namespace host {
 
-enum class Command { kShowText, kModules, kCollect, kQuery };
+enum class Command { kShowText, kModules, kCollect, kQuery, kCheck };
 
 /// A file to write to; "-" on the command line is standard output.
 struct Destination {
@@ -30,6 +30,7 @@ struct Options {
   Destination output;
   std::optional<Destination> trace;
   std::optional<unsigned> toolLimit;  ///< seconds
+  bool dryRun = false;                ///< show what would run, and run nothing
 
   // Of kQuery.
   std::string sql;

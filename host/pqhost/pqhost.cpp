@@ -17,7 +17,10 @@ int RunCommand(const Options& options, const Console& console) {
     case Command::kModules:
       return RunModulesCommand(options, console);
     case Command::kCollect:
-      return RunCollectCommand(options, console);
+      return options.dryRun ? RunDryRunCommand(options, console)
+                            : RunCollectCommand(options, console);
+    case Command::kCheck:
+      return RunCheckCommand(options, console);
     case Command::kQuery:
       return RunQueryCommand(options, console);
     case Command::kShowText:

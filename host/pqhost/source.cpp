@@ -21,8 +21,6 @@
 namespace host {
 namespace {
 
-constexpr char kLiveLogFolder[] = "logs";
-
 class ReplaySource final : public Source {
  public:
   ReplaySource(const Options& options, MachineObserver& observer)
@@ -37,16 +35,7 @@ class ReplaySource final : public Source {
 
   void AddModules(ModuleList& modules) override { ::AddModules(modules); }
 
-  MachineFacts Facts() override {
-    MachineFacts facts;
-    facts.recorded = true;
-    facts.description = TextDecoder(kUtf8CodePage)(recording.description);
-    facts.languageId = recording.languageId;
-    facts.codePage = recording.codePage;
-    facts.hostExecutable = recording.hostExecutable;
-    facts.logFolder = recording.logFolder;
-    return facts;
-  }
+  MachineFacts Facts() override { return DescribeRecording(recording); }
 
   bool HasPrograms(const std::string& commandLine) override {
     return machine.HasPrograms(commandLine);
@@ -75,7 +64,7 @@ class LiveSource final : public Source {
   LiveSource(const Options& options, const Console& console, MachineObserver& observer)
       : library(LoadLiveLibrary(options.plugin.value_or(console.programFolder / kPluginFileName),
                                 {&observer, &recorder, options.toolLimit})),
-        logFolder(std::filesystem::absolute(options.logFolder.value_or(kLiveLogFolder))),
+        logFolder(std::filesystem::absolute(options.logFolder.value_or(kLogFolderName))),
         facts(PrepareLiveMachine(logFolder)),
         recordingFolder(options.record) {
     if (!recordingFolder) return;
@@ -87,7 +76,7 @@ class LiveSource final : public Source {
   MachineFacts Facts() override { return facts; }
   bool HasPrograms(const std::string& commandLine) override {
     const std::string program = FindProgram(commandLine);
-    return IsOwnCommand(program) || HasProgram(program);
+    return IsOwnCommand(program) || LocateProgram(program).has_value();
   }
   std::optional<std::uint64_t> LogFileSize(const std::string& fileName) override {
     std::error_code failure;
@@ -117,6 +106,17 @@ class LiveSource final : public Source {
 };
 
 }  // namespace
+
+MachineFacts DescribeRecording(const Recording& recording) {
+  MachineFacts facts;
+  facts.recorded = true;
+  facts.description = TextDecoder(kUtf8CodePage)(recording.description);
+  facts.languageId = recording.languageId;
+  facts.codePage = recording.codePage;
+  facts.hostExecutable = recording.hostExecutable;
+  facts.logFolder = recording.logFolder;
+  return facts;
+}
 
 std::unique_ptr<Source> OpenSource(const Options& options, const Console& console,
                                    MachineObserver& observer) {

@@ -13,6 +13,7 @@
 #include "host/pqhost/options.h"
 #include "host/pqhost/pqhost.h"
 #include "host/recorded/machine_observer.h"
+#include "host/recorded/recording.h"
 
 namespace host {
 
@@ -35,9 +36,11 @@ class Source {
   virtual void KeepRecording(const Console& /*console*/) {}
 };
 
+/// What a recording says about its machine.
+MachineFacts DescribeRecording(const Recording& recording);
+
 /// The source that the options ask for; `observer` sees what the modules do to it. Throws
-/// UsageError,
-/// RecordingError or LiveError.
+/// UsageError, RecordingError or LiveError.
 std::unique_ptr<Source> OpenSource(const Options& options, const Console& console,
                                    MachineObserver& observer);
 

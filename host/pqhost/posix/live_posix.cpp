@@ -20,9 +20,17 @@ Recording DescribeLiveMachine(const MachineFacts& /*facts*/) { throw LiveError(k
 
 std::string Sha256Of(std::string_view /*bytes*/) { throw LiveError(kNeedsWindows); }
 
-bool HasProgram(const std::string& /*program*/) { return false; }
+std::optional<std::string> LocateProgram(const std::string& /*program*/) { return std::nullopt; }
 
-MachineFacts PrepareLiveMachine(const std::filesystem::path& /*folder*/) {
+MachineFacts DescribeThisMachine(const std::filesystem::path& /*logFolder*/) {
+  throw LiveError(kNeedsWindows);
+}
+
+MachineFacts PrepareLiveMachine(const std::filesystem::path& /*logFolder*/) {
+  throw LiveError(kNeedsWindows);
+}
+
+Surroundings LookAround(const std::filesystem::path& /*logFolder*/) {
   throw LiveError(kNeedsWindows);
 }
 

@@ -1,0 +1,119 @@
+// pqhost check and pqhost collect --dry-run: what a collection would find, and what it would run.
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "host/pqhost/commands.h"
+#include "host/pqhost/dry_machine.h"
+#include "host/pqhost/live.h"
+#include "host/pqhost/machine_check.h"
+#include "host/pqhost/recording_file.h"
+#include "host/pqhost/screen_text.h"
+#include "host/pqhost/source.h"
+#include "host/pqhost/text.h"
+#include "host/recorded/interpreter.h"
+
+namespace host {
+namespace {
+
+std::filesystem::path LogFolderOf(const Options& options) {
+  return options.logFolder.value_or(kLogFolderName);
+}
+
+/// Why the library cannot be used; empty when it can.
+std::string TryLibrary(const Options& options, const Console& console) {
+  try {
+    LoadLiveLibrary(options.plugin.value_or(console.programFolder / kPluginFileName), {});
+    return {};
+  } catch (const LiveError& error) {
+    return error.what();
+  }
+}
+
+CheckedMachine LookAtThisMachine(const Options& options, const Console& console) {
+  CheckedMachine machine;
+  machine.facts = DescribeThisMachine(LogFolderOf(options));
+  machine.locate = &LocateProgram;
+  machine.surroundings = LookAround(LogFolderOf(options));
+  machine.surroundings->libraryProblem = TryLibrary(options, console);
+  return machine;
+}
+
+/// A recorded machine has the tools whose answers were recorded.
+CheckedMachine LookAtRecording(const std::filesystem::path& folder) {
+  const Recording recording = LoadRecording(folder);
+  const auto locate =
+      [commands = recording.commands](const std::string& program) -> std::optional<std::string> {
+    const bool isThere =
+        std::any_of(commands.begin(), commands.end(), [&](const RecordedCommand& command) {
+          return ToolName(command.tool) == ToolName(program);
+        });
+    return isThere ? std::optional(program) : std::nullopt;
+  };
+  return {DescribeRecording(recording), locate, std::nullopt};
+}
+
+const char* WordFor(Finding::Kind kind) {
+  switch (kind) {
+    case Finding::Kind::kGood:
+      return "ok";
+    case Finding::Kind::kNote:
+      return "note";
+    case Finding::Kind::kMissing:
+      break;
+  }
+  return "missing";
+}
+
+const char* ColorFor(Finding::Kind kind) {
+  switch (kind) {
+    case Finding::Kind::kGood:
+      return "\x1b[32m";
+    case Finding::Kind::kNote:
+      return "\x1b[33m";
+    case Finding::Kind::kMissing:
+      break;
+  }
+  return "\x1b[31m";
+}
+
+}  // namespace
+
+int RunCheckCommand(const Options& options, const Console& console) {
+  const CheckedMachine machine =
+      options.replay ? LookAtRecording(*options.replay) : LookAtThisMachine(options, console);
+  const std::vector<Finding> findings = CheckMachine(machine, options.modules);
+  std::size_t width = 0;
+  for (const Finding& finding : findings) {
+    width = std::max(width, MeasureWidth(EscapeControls(finding.subject)));
+  }
+  bool isComplete = true;
+  for (const Finding& finding : findings) {
+    if (finding.kind == Finding::Kind::kMissing) isComplete = false;
+    const std::string word = fmt::format("{:<7}", WordFor(finding.kind));
+    console.out << (console.colors ? ColorFor(finding.kind) + word + "\x1b[0m" : word) << "  "
+                << PadText(EscapeControls(finding.subject), width) << "  "
+                << EscapeControls(finding.text) << '\n';
+  }
+  return isComplete ? kExitDone : kExitIncomplete;
+}
+
+int RunDryRunCommand(const Options& options, const Console& console) {
+  const MachineFacts facts = options.replay ? DescribeRecording(LoadRecording(*options.replay))
+                                            : DescribeThisMachine(LogFolderOf(options));
+  const TextDecoder decode(facts.codePage);
+  std::string module;
+  for (const DryCommand& command :
+       ListCommands({facts.hostExecutable, facts.logFolder, facts.languageId}, options.modules,
+                    options.tables)) {
+    if (command.module != module) {
+      console.out << (module.empty() ? "" : "\n") << EscapeControls(command.module) << '\n';
+    }
+    module = command.module;
+    console.out << "  " << EscapeControls(decode(command.commandLine)) << '\n';
+  }
+  return kExitDone;
+}
+
+}  // namespace host
