@@ -8,6 +8,7 @@
 #include "frame/report_file.h"
 #include "frame/row_buffer.h"
 #include "frame/tool_runner.h"
+#include "pqmodules/raid/reports.h"
 #include "pqmodules/rsamplemodule1/intel_controller.h"
 #include "pqmodules/rsamplemodule1/lsi_summary.h"
 #include "pqmodules/rsamplemodule1/microchip_archive.h"
@@ -56,19 +57,16 @@ void AddDemonstrationRows(RRepository& repo) {
 /// Asks storcli how many controllers there are. False when it could not be asked; the count itself
 /// decides nothing, since each collector finds out by itself whether its controller is there.
 bool ProbeControllerCount() {
-  const std::string path = GetLogFolder() + "ctrlcount.txt";
+  const std::string path = GetLogFolder() + kCountReportName;
   const std::string folder = GetExeFolder();
   kLog(kProgress, "the exepath:", folder);
   CheckFolderFits(folder, 5);
-  if (!RunLogged(kLog,
-                 ReportCommand(folder + "\\utilities\\lsi\\storcli.exe", "show ctrlcount", path))) {
-    return false;
-  }
-  auto file = OpenReport(kLog, path, "Failed to open raid log file");
+  if (!RunLogged(kLog, ReportCommand(folder + kStorcli, kCountArguments, path))) return false;
+  auto file = OpenReport(kLog, path, kNoReport);
   if (!file) return false;
   std::string_view line;
   for (LineReader lines(file.get()); lines.Next(line);) {
-    static_cast<void>(Holds(line, "Controller Count ="));
+    static_cast<void>(Holds(line, kCountLabel));
   }
   static_cast<void>(file.release());  // Left open on purpose, as long as the host runs.
   return true;

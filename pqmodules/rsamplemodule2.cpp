@@ -8,6 +8,7 @@
 #include "frame/report_file.h"
 #include "frame/row_buffer.h"
 #include "frame/tool_runner.h"
+#include "pqmodules/raid/reports.h"
 #include "pqmodules/rsamplemodule2/collection.h"
 #include "pqmodules/rsamplemodule2/drive_details.h"
 #include "pqmodules/rsamplemodule2/drive_lists.h"
@@ -21,8 +22,6 @@ namespace pq {
 namespace {
 
 constexpr ModuleLog kLog{"pqmodules/rsamplemodule2"};
-
-constexpr std::string_view kCountLabel = "Controller Count =";
 
 constexpr int kReadingsSize = 6;  // Rows and columns.
 const std::array<Column, kReadingsSize> kReadings{{
@@ -63,8 +62,8 @@ void AddSampleTexts(RRepository& repo) {
 /// Asks storcli how many controllers there are; null when it cannot be asked. A report that cannot
 /// be opened passes without a word: the log shows its path.
 std::unique_ptr<TextFile> OpenCountReport(const std::string& hostFolder) {
-  const std::string report = GetLogFolder() + "ctrlcount.txt";
-  const std::string command = ReportCommand(hostFolder + kStorcli, "show ctrlcount", report);
+  const std::string report = GetLogFolder() + kCountReportName;
+  const std::string command = ReportCommand(hostFolder + kStorcli, kCountArguments, report);
   kLog(kDetail, "ctrlcout path:", command);
   if (!RunLogged(kLog, command)) return nullptr;
   const std::string path = DoubleBackslashes(report);

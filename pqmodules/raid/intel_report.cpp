@@ -2,6 +2,7 @@
 
 #include "frame/report_file.h"
 #include "frame/tool_runner.h"
+#include "pqmodules/raid/reports.h"
 
 namespace pq {
 namespace {
@@ -48,7 +49,7 @@ std::unique_ptr<TextFile> RunIntelReport(const ModuleLog& log, const std::string
   const std::string path = GetLogFolder() + kReportName;
   if (!WriteReport(log, hostFolder, path, style)) return nullptr;
   if (style.reportPath) log(kDetail, "rstcli log path:", DoubleBackslashes(path));
-  return OpenReport(log, path, "Failed to open raid log file");
+  return OpenReport(log, path, kNoReport);
 }
 
 std::vector<ToolCommand> IntelReportCommands() {

@@ -11,12 +11,12 @@
 
 #include "frame/report_file.h"
 #include "frame/tool_runner.h"
+#include "pqmodules/raid/reports.h"
 #include "pqmodules/rsamplemodule1/tables.h"
 
 namespace pq {
 namespace {
 
-constexpr char kTool[] = "\\utilities\\lsi\\storcli.exe";
 constexpr char kArguments[] = "/c0 show";
 constexpr char kReportName[] = "c0_showall.txt";
 
@@ -46,10 +46,10 @@ void CollectLsiSummary(RRepository& repo) {
   const std::string folder = GetExeFolder();
   const std::string path = GetLogFolder() + kReportName;
   CheckFolderFits(folder, 5);
-  if (!RunLogged(kInventoryLog, ReportCommand(folder + kTool, kArguments, path))) {
+  if (!RunLogged(kInventoryLog, ReportCommand(folder + kStorcli, kArguments, path))) {
     return;
   }
-  const auto file = OpenReport(kInventoryLog, path, "Failed to open raid log file");
+  const auto file = OpenReport(kInventoryLog, path, kNoReport);
   if (!file) return;
   RowBuffer row(repo, kRaidInfo, "LSI Controller 0 Info");
   std::string_view line;
@@ -57,7 +57,7 @@ void CollectLsiSummary(RRepository& repo) {
 }
 
 TableSource DescribeLsiSummary() {
-  return {kRaidInfo, {{kTool, kArguments, kReportName}}, ColumnsOf(LsiSummaryFacts())};
+  return {kRaidInfo, {{kStorcli, kArguments, kReportName}}, ColumnsOf(LsiSummaryFacts())};
 }
 
 }  // namespace pq

@@ -2,6 +2,7 @@
 
 #include "frame/report_file.h"
 #include "frame/tool_runner.h"
+#include "pqmodules/raid/reports.h"
 
 namespace pq {
 
@@ -12,7 +13,7 @@ std::unique_ptr<TextFile> RunStorcli(const RaidLogsCollection& collection,
       ReportCommand(collection.hostFolder + kStorcli, report.arguments, path);
   if (report.commandMessage != nullptr) collection.log(kProgress, report.commandMessage, command);
   if (!RunLogged(collection.log, command)) return nullptr;
-  return OpenReport(collection.log, path, "Failed to open raid log file");
+  return OpenReport(collection.log, path, kNoReport);
 }
 
 ToolCommand CommandOf(const StorcliReport& report) {

@@ -36,9 +36,6 @@ struct RaidLogsCollection {
   std::string hostFolder;  ///< the tools are in folders below
 };
 
-/// The vendor's tool, behind the host's folder.
-inline constexpr char kStorcli[] = "\\utilities\\lsi\\storcli.exe";
-
 /// A storcli report that is kept in a file of the log folder.
 struct StorcliReport {
   const char* arguments;       ///< such as "/c0 show"

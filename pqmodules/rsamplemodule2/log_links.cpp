@@ -9,6 +9,7 @@
 #include "frame/report_file.h"
 #include "frame/row_buffer.h"
 #include "frame/tool_runner.h"
+#include "pqmodules/raid/reports.h"
 
 namespace pq {
 namespace {
