@@ -34,21 +34,26 @@ class RBMCInfo : public CollectionModule {
   void FormatInfoTable(RInstancesWrapper& table);
   void FormatSensorTable(RInstancesWrapper& table);
 
- private:
-  void CollectData(RRepository& repo);
+  /// What the detection tool says; kDetectionFailed also when it cannot be started.
   BmcFamily CheckBmc();
 
-  // One step of a collection each; what a step returns (0: something was added) steers nothing.
+  // One step of a collection each. What a step returns steers nothing: 0 after its last row, 1
+  // after a failure.
 
   /// Query `selector` of the six pipe queries: 1 controller, 2 self-test, 3 versions, 4 power
-  /// supplies, 5 LAN, 6 LEDs. Any other selector runs nothing.
+  /// supplies, 5 LAN, 6 LEDs. Any other selector runs nothing. Returns 1 also when nothing was
+  /// added.
   int QueryOem(RRepository& repo, int selector);
   int CollectSensorReadings(RRepository& repo);
+  /// Returns 1 also when nothing was added.
   int CollectSdr(RRepository& repo);
   int CollectFru(RRepository& repo);
   int CollectSel(RRepository& repo);
   void DumpSelHex();
   void DumpSensorIds();
+
+ private:
+  void CollectData(RRepository& repo);
 
   static TableSources DescribeOemTables();
   static TableSource DescribeSensors();

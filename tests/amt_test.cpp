@@ -11,6 +11,8 @@
 #include "pqmodules/ramtinfo.h"
 #include "pqmodules/ramtinfo/login_line.h"
 #include "tests/support/collected.h"
+#include "tests/support/fake_platform.h"
+#include "tests/support/log_lines.h"
 
 namespace {
 
@@ -270,6 +272,27 @@ TEST(AmtPresence, HostFolderStandsInTheCommandAsItIs) {
   recording.commands = {PresenceAnswer(0)};
   EXPECT_THAT(Enumerate(recording).commandLines,
               ElementsAre("/c \"D:\\Server Tools\\Halyard\\pq_tools\\check_amt_bmc.exe\" amt"));
+}
+
+/// Tests for AMT in a host whose folder's path has `length` characters.
+int CheckInFolder(test::FakePlatform& machine, std::size_t length) {
+  const host::MachineInUse inUse(machine);
+  machine.hostExecutable = "C:\\" + std::string(length - 3, 'h') + "\\halyard.exe";
+  return pq::RAMTInfo().CheckAMT();
+}
+
+TEST(AmtPresence, HostFolderThatFillsTheCommandEndsTheProcess) {
+  test::FakePlatform machine;
+  EXPECT_THROW(CheckInFolder(machine, 508), test::RangeCheckFailed);
+  EXPECT_THAT(machine.calls, IsEmpty());
+}
+
+TEST(AmtPresence, CommandThatDoesNotFitIsNotStarted) {
+  test::FakePlatform machine;
+  const test::LogLines log;
+  EXPECT_EQ(CheckInFolder(machine, 507), 1);
+  EXPECT_THAT(log.texts, ElementsAre("4 [repo] CreateProcess failed (206)"));
+  EXPECT_THAT(machine.calls, IsEmpty());
 }
 
 // --- Several enumerations in a row.

@@ -5,7 +5,11 @@
 #include <vector>
 
 #include "host/pqhost/recording_file.h"
+#include "host/recorded/recorded_machine.h"
+#include "pqmodules/rbmcinfo.h"
 #include "tests/support/bmc_machine.h"
+#include "tests/support/fake_platform.h"
+#include "tests/support/log_lines.h"
 
 namespace test {
 namespace {
@@ -224,6 +228,148 @@ TEST(BmcModule, KeepsAHostPathWithoutBackslashWhole) {
   machine.hostExecutable = "halyard.exe";
   EXPECT_THAT(Collect(machine, kModule, {"MCINFO"}).LogTexts(),
               Contains("3 the exepath:halyard.exe"));
+}
+
+TEST(BmcDetection, StartsACommandThatJustFits) {
+  const std::string around = "/c \"\\pq_tools\\check_amt_bmc.exe\" bmc";
+  const auto callsIn = [&](std::size_t folderSize) {
+    FakePlatform machine;
+    machine.hostExecutable = "C:\\" + std::string(folderSize - 3, 'h') + "\\h.exe";
+    const host::MachineInUse inUse(machine);
+    halyard::repository::RRepository repository;
+    pq::RBMCInfo().EnumBMCInstances(repository);
+    return machine.calls.size();
+  };
+  EXPECT_EQ(callsIn(511 - around.size()), 3u);  // It is started, awaited and closed.
+  EXPECT_EQ(callsIn(512 - around.size()), 0u);
+}
+
+TEST(BmcDetection, ReportsACommandThatDoesNotFit) {
+  FakePlatform machine;
+  machine.hostExecutable = "C:\\" + std::string(505, 'h') + "\\h.exe";
+  const host::MachineInUse inUse(machine);
+  const LogLines log;
+  halyard::repository::RRepository repository;
+  pq::RBMCInfo().EnumBMCInstances(repository);
+  ASSERT_GE(log.texts.size(), 2u);
+  EXPECT_EQ(log.texts.end()[-2], "4 [repo] CreateProcess failed (206)");
+  EXPECT_EQ(log.texts.end()[-1], "3 [repo] Exit EnumBMCInstances");
+}
+
+using Step = int (*)(pq::RBMCInfo&, pq::RRepository&);
+
+/// What a step of a collection returns on the machine of `recording`.
+int ResultOf(const host::Recording& recording, Step step) {
+  Collect(MakeBmcMachine(4), kModule, {"MCINFO"});  // Finds the host's folder for all objects.
+  host::SetLogFolder(recording.logFolder);
+  host::RecordedMachine machine(recording);
+  const host::MachineInUse inUse(machine);
+  pq::RRepository repository;
+  pq::RBMCInfo module;
+  return step(module, repository);
+}
+
+template <int selector>
+int QueryStep(pq::RBMCInfo& module, pq::RRepository& repo) {
+  return module.QueryOem(repo, selector);
+}
+int SensorStep(pq::RBMCInfo& module, pq::RRepository& repo) {
+  return module.CollectSensorReadings(repo);
+}
+int SdrStep(pq::RBMCInfo& module, pq::RRepository& repo) { return module.CollectSdr(repo); }
+int FruStep(pq::RBMCInfo& module, pq::RRepository& repo) { return module.CollectFru(repo); }
+int SelStep(pq::RBMCInfo& module, pq::RRepository& repo) { return module.CollectSel(repo); }
+
+/// A step whose result counts, by what it asks the utility for.
+struct ResultStep {
+  const char* arguments;
+  Step step;
+};
+
+constexpr ResultStep kPipeSteps[] = {
+    {"korvaxoem mc", QueryStep<1>},  {"korvaxoem selftest", QueryStep<2>},
+    {"korvaxoem ver", QueryStep<3>}, {"korvaxoem psu", QueryStep<4>},
+    {"lan", QueryStep<5>},           {"korvaxoem led", QueryStep<6>},
+    {"sensor -s -q", SensorStep},    {"sensor", SdrStep},
+};
+constexpr ResultStep kFileSteps[] = {{"korvaxoem fru", FruStep}, {"sel", SelStep}};
+
+/// What `step` returns when the utility answers as `change` has it.
+template <typename Change>
+int ChangedResult(const ResultStep& step, const Change& change) {
+  host::Recording machine = MakeBmcMachine();
+  change(AnswerOf(machine, step.arguments));
+  return ResultOf(machine, step.step);
+}
+
+TEST(BmcStep, Returns0AfterItsLastRow) {
+  for (const ResultStep& step : kPipeSteps) {
+    EXPECT_EQ(ResultOf(MakeBmcMachine(), step.step), 0) << step.arguments;
+  }
+  for (const ResultStep& step : kFileSteps) {
+    EXPECT_EQ(ResultOf(MakeBmcMachine(), step.step), 0) << step.arguments;
+  }
+}
+
+TEST(BmcStep, Returns1WithoutAPipe) {
+  for (const ResultStep& step : kPipeSteps) {
+    EXPECT_EQ(ChangedResult(step, [](auto& answer) { answer.pipeError = 5; }), 1) << step.arguments;
+  }
+}
+
+TEST(BmcStep, Returns1WhenTheUtilityCannotStart) {
+  const auto failStart = [](host::RecordedCommand& answer) { answer.startError = 5; };
+  for (const ResultStep& step : kPipeSteps) {
+    EXPECT_EQ(ChangedResult(step, failStart), 1) << step.arguments;
+  }
+  for (const ResultStep& step : kFileSteps) {
+    EXPECT_EQ(ChangedResult(step, failStart), 1) << step.arguments;
+  }
+}
+
+TEST(BmcStep, Returns1AfterAnErrorText) {
+  for (const ResultStep& step : kPipeSteps) {
+    if (step.step == SdrStep) continue;  // Takes it for a line.
+    EXPECT_EQ(
+        ChangedResult(step, [](auto& answer) { answer.standardOutput = "Param (3) Error: x\r\n"; }),
+        1)
+        << step.arguments;
+  }
+}
+
+TEST(BmcStep, Returns1WithoutALineToAdd) {
+  for (const ResultStep& step : kPipeSteps) {
+    if (step.step == SensorStep) continue;
+    EXPECT_EQ(ChangedResult(step, [](auto& answer) { answer.standardOutput.clear(); }), 1)
+        << step.arguments;
+  }
+}
+
+TEST(BmcStep, OfAFileReturns0AlsoWithoutALine) {
+  for (const ResultStep& step : kFileSteps) {
+    EXPECT_EQ(ChangedResult(step, [](auto& answer) { answer.standardOutput.clear(); }), 0)
+        << step.arguments;
+  }
+}
+
+TEST(BmcStep, OfAFileReturns1WhenItCannotBeOpened) {
+  host::Recording machine = MakeBmcMachine();
+  machine.readOnly = {"C:\\Halyard\\logs\\fruinfo.txt", "C:\\Halyard\\logs\\selinfo.txt"};
+  for (const ResultStep& step : kFileSteps) {
+    EXPECT_EQ(ResultOf(machine, step.step), 1) << step.arguments;
+  }
+}
+
+TEST(BmcStep, OfAnUnknownSelectorRunsNothingAndReturns1) {
+  FakePlatform machine;
+  const host::MachineInUse inUse(machine);
+  const LogLines log;
+  pq::RRepository repository;
+  for (const int selector : {-1, 0, 7}) {
+    EXPECT_EQ(pq::RBMCInfo().QueryOem(repository, selector), 1) << selector;
+  }
+  EXPECT_THAT(machine.calls, IsEmpty());
+  EXPECT_THAT(log.texts, IsEmpty());
 }
 
 }  // namespace

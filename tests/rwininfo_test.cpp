@@ -9,6 +9,8 @@
 #include "host/pqhost/recording_file.h"
 #include "host/recorded/recorded_machine.h"
 #include "tests/support/collected.h"
+#include "tests/support/fake_platform.h"
+#include "tests/support/log_lines.h"
 
 namespace {
 
@@ -281,6 +283,27 @@ TEST(RWINInfo, DoesNotStartACommandLineThatDoesNotFit) {
   EXPECT_THAT(collected.LogTexts(), Contains("3 CreateProcess failed(206)"));
   EXPECT_THAT(collected.commandLines, Not(Contains(HasSubstr("getsmbios"))));
   EXPECT_THAT(collected.commandLines, Contains(HasSubstr("route print")));
+}
+
+/// Runs the module in a host whose folder's path has `length` characters.
+void CollectInFolder(test::FakePlatform& machine, std::size_t length) {
+  const host::MachineInUse inUse(machine);
+  machine.hostExecutable = "C:\\" + std::string(length - 3, 'h') + "\\halyard.exe";
+  halyard::repository::RRepository repository;
+  pq::RWINInfo().EnumWINInstances(repository);
+}
+
+TEST(RWINInfo, EndsTheProcessWhenTheHostsFolderFillsTheCommandOfTheSmbiosDump) {
+  test::FakePlatform machine;
+  EXPECT_THROW(CollectInFolder(machine, 507), test::RangeCheckFailed);
+}
+
+TEST(RWINInfo, ReportsAnSmbiosDumpWhoseCommandDoesNotFit) {
+  test::FakePlatform machine;
+  const test::LogLines log;
+  CollectInFolder(machine, 506);
+  EXPECT_THAT(log.texts, Contains("3 [repo] CreateProcess failed(206)"));
+  EXPECT_EQ(log.texts.back(), "3 [repo] Exit EnumWINInstances");
 }
 
 // ---- The ARP table
