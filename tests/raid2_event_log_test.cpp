@@ -1,10 +1,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "host/recorded/recorded_machine.h"
 #include "pqmodules/rsamplemodule2/event_log.h"
+#include "tests/support/fake_platform.h"
+#include "tests/support/log_lines.h"
 #include "tests/support/raid_tools.h"
 
 namespace {
@@ -310,6 +316,42 @@ TEST(EventLog, ConvertsADumpWithRecords) {
       R"(/c ""C:\Halyard\pq_tools\eventslog_convert.exe" "C:\Halyard\logs\raidevents.txt" > "C:\Halyard\logs\eventslog_convert.txt"")";
   EXPECT_THAT(collected.commandLines, Contains(command));
   EXPECT_THAT(collected.LogTexts(), Contains("4 eventslog_convert raw path:" + command));
+}
+
+// The converter is given the file to itself.
+TEST(EventLog, ClosesTheDumpBeforeItIsConverted) {
+  class OneRecord final : public test::FakePlatform {
+   public:
+    std::unique_ptr<pq::TextFile> OpenText(const std::string& /*path*/) override {
+      class Dump final : public pq::TextFile {
+       public:
+        explicit Dump(std::vector<std::string>& calls) : calls(calls) {}
+        ~Dump() override { calls.push_back("close file"); }
+        bool ReadLine(char* buffer, std::size_t /*size*/) override {
+          if (isAtEnd) return false;
+          isAtEnd = true;
+          constexpr char kLine[] = "seqNum: 1\n";
+          std::memcpy(buffer, kLine, sizeof(kLine));
+          return true;
+        }
+        void Rewind() override {}
+        std::uint64_t SizeAndRewind() override { return 0; }
+
+       private:
+        std::vector<std::string>& calls;
+        bool isAtEnd = false;
+      };
+      return std::make_unique<Dump>(calls);
+    }
+  } machine;
+  const host::MachineInUse inUse(machine);
+  const test::LogLines log;
+  halyard::repository::RRepository repository;
+  constexpr pq::ModuleLog kLog("pqmodules/rsamplemodule2");
+  pq::CollectEventLog({repository, kLog, "C:\\Halyard"});
+  EXPECT_THAT(machine.calls,
+              ElementsAre(HasSubstr("storcli.exe"), "wait", "close process", "close file",
+                          HasSubstr("eventslog_convert.exe"), "wait", "close process"));
 }
 
 TEST(EventLog, NeitherCommitsNorConvertsADumpWithoutRecords) {

@@ -144,6 +144,14 @@ TEST(RunForExitCode, ReadsTheCodeOfAToolThatInheritsNothing) {
   EXPECT_THAT(machine.calls, ElementsAre("start /c check", "wait", "close process"));
 }
 
+TEST(RunForExitCode, ReadsTheCodeOnceTheToolHasEnded) {
+  FakePlatform machine;
+  const host::MachineInUse inUse(machine);
+  RunForExitCode("/c check");
+  EXPECT_THAT(machine.calls,
+              ElementsAre("start /c check", "wait", "read exit code", "close process"));
+}
+
 TEST(RunForExitCode, LeavesACodeThatCannotBeReadAt0) {
   FakePlatform machine;
   const host::MachineInUse inUse(machine);

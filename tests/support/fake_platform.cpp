@@ -24,6 +24,7 @@ class FakePlatform::FakeProcess final : public pq::Process {
   }
   void Wait() override { machine.calls.push_back("wait"); }
   std::uint32_t ReadExitCode(std::uint32_t& exitCode) override {
+    machine.calls.push_back("read exit code");
     if (machine.exitCodeError == 0) exitCode = machine.exitCode;
     return machine.exitCodeError;
   }
