@@ -10,10 +10,10 @@
 namespace pq {
 namespace {
 
-/// `size` zero bytes and a terminator; null when there is no memory for them.
+/// Room for `size` bytes and a terminator; null when there is no memory for them.
 std::unique_ptr<char[]> AllocateText(std::uint64_t size) {
   if (size >= std::numeric_limits<std::ptrdiff_t>::max()) return nullptr;
-  return std::unique_ptr<char[]>(new (std::nothrow) char[static_cast<std::size_t>(size) + 1]());
+  return std::unique_ptr<char[]>(new (std::nothrow) char[static_cast<std::size_t>(size) + 1]);
 }
 
 }  // namespace
@@ -36,12 +36,15 @@ std::unique_ptr<char[]> ReadWholeReport(const ModuleLog& log, TextFile& file) {
     line.copy(text.get() + length, count);
     length += count;
   }
+  text[length] = '\0';
   return text;
 }
 
 void AddAttachment(RInstance& row, const std::string& key, const std::string& label,
-                   const std::string& text, const std::string& fileName) {
-  row.AddProperty(key, label, text, kPropertyFlag);
+                   std::unique_ptr<char[]> text, const std::string& fileName) {
+  const std::string value = text.get();
+  text.reset();
+  row.AddProperty(key, label, value, kPropertyFlag);
   row.AddPropertyAttr(key, "raw", "true");
   row.AddPropertyAttr(key, "filename", fileName);
 }

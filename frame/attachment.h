@@ -13,8 +13,9 @@ namespace pq {
 /// the stored bytes. Null, and logged, when there is no memory for it.
 std::unique_ptr<char[]> ReadWholeReport(const ModuleLog& log, TextFile& file);
 
-/// Sets the property `key` to `text` and marks it as the raw file `fileName`.
+/// Sets the property `key` to `text`, which is given up early since reports can be large and the
+/// row takes a copy, and marks it as the raw file `fileName`.
 void AddAttachment(RInstance& row, const std::string& key, const std::string& label,
-                   const std::string& text, const std::string& fileName);
+                   std::unique_ptr<char[]> text, const std::string& fileName);
 
 }  // namespace pq

@@ -29,7 +29,7 @@ std::vector<std::vector<std::string>> SensorsOf(const Collected& collected) {
   std::vector<std::vector<std::string>> sensors;
   const auto table = collected.Tables().find("SENSORINFO");
   if (table == collected.Tables().end()) return sensors;
-  for (const host::Row& row : table->second.rows) sensors.push_back(row.values);
+  for (const host::Row& row : table->second.rows) sensors.push_back(row.Values());
   return sensors;
 }
 

@@ -207,16 +207,16 @@ class Filler {
         if (place == RowCells::kMissing) {
           insert.SkipColumn();
         } else {
-          insert << decode(row.values[place]);
+          insert << decode(row.Values()[place]);
         }
       }
       insert.Run();
-      for (std::size_t i = 0; i < row.values.size(); ++i) {
+      for (std::size_t i = 0; i < row.Values().size(); ++i) {
         const std::string& key = row.shape->columns[i].key;
         if (!IsAttachment(*row.shape, key)) continue;
         const std::string* fileName = FindAttribute(*row.shape, key, "filename");
         (attachments << className << number << decode(key)
-                     << decode(fileName == nullptr ? key : *fileName) << decode(row.values[i]))
+                     << decode(fileName == nullptr ? key : *fileName) << decode(row.Values()[i]))
             .Run();
       }
     }

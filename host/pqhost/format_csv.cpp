@@ -28,7 +28,7 @@ class CsvWriter {
     for (const Row& row : table.rows->rows) {
       if (withClass) WriteField(decode(table.className));
       for (const std::size_t place : cells.PlacesIn(row)) {
-        WriteField(place == RowCells::kMissing ? "" : decode(row.values[place]));
+        WriteField(place == RowCells::kMissing ? "" : decode(row.Values()[place]));
       }
       EndRecord();
     }

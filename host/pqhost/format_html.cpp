@@ -147,7 +147,7 @@ class ReportData {
       Json values = Json::array();
       for (const std::size_t column : shown) {
         const std::size_t place = places[column];
-        values.push_back(place == RowCells::kMissing ? Json() : Json(decode(row.values[place])));
+        values.push_back(place == RowCells::kMissing ? Json() : Json(decode(row.Values()[place])));
       }
       out << separator << ScriptJson(values);
       separator = ",\n";
@@ -176,14 +176,14 @@ class ReportData {
     if (attached.empty()) return;
     const char* separator = "";
     for (const Row& row : table.rows) {
-      for (std::size_t i = 0; i < row.values.size(); ++i) {
+      for (std::size_t i = 0; i < row.Values().size(); ++i) {
         const Column& column = row.shape->columns[i];
         if (!attached.contains(column.key)) continue;
         const std::string* name = FindAttribute(*row.shape, column.key, "filename");
         out << separator
             << ScriptJson({{"label", decode(column.label)},
                            {"filename", decode(name == nullptr ? column.key : *name)},
-                           {"text", decode(row.values[i])}});
+                           {"text", decode(row.Values()[i])}});
         separator = ",\n";
       }
     }

@@ -160,21 +160,21 @@ class JsonWriter {
   }
 
   const std::string* FindValue(const Row& row, const std::string& decodedKey) const {
-    for (std::size_t i = 0; i < row.values.size(); ++i) {
-      if (decode(row.shape->columns[i].key) == decodedKey) return &row.values[i];
+    for (std::size_t i = 0; i < row.Values().size(); ++i) {
+      if (decode(row.shape->columns[i].key) == decodedKey) return &row.Values()[i];
     }
     return nullptr;
   }
 
   Json RowObject(const Row& row) const {
     Json object = Json::object();
-    for (std::size_t i = 0; i < row.values.size(); ++i) {
+    for (std::size_t i = 0; i < row.Values().size(); ++i) {
       const Column& column = row.shape->columns[i];
       Json& value = object[decode(column.key)];
       if (column.isInteger) {
-        value = std::stoi(row.values[i]);
+        value = std::stoi(row.Values()[i]);
       } else {
-        value = decode(row.values[i]);
+        value = decode(row.Values()[i]);
       }
     }
     return object;

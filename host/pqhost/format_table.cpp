@@ -133,7 +133,7 @@ class TablesWriter {
 
   /// The value as it is shown: without the blanks and line ends around it, a whole file as a note.
   std::string Shown(const Row& row, std::size_t place) const {
-    const std::string& value = row.values[place];
+    const std::string& value = row.Values()[place];
     const std::string& key = row.shape->columns[place].key;
     if (IsAttachment(*row.shape, key)) {
       const std::string* name = FindAttribute(*row.shape, key, "filename");

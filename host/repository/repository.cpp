@@ -42,19 +42,21 @@ void RModule::DelDisuseResources() {}
 struct InstanceState {
   std::uint64_t id;
   host::RowShape shape;
-  std::vector<std::string> values;
+  /// A row that was added holds them too and keeps them as they are.
+  std::shared_ptr<std::vector<std::string>> values = std::make_shared<std::vector<std::string>>();
 
   /// Sets the value of `column`, in its old place when the key is there already.
   void Set(host::Column column, std::string value) {
+    if (values.use_count() > 1) values = std::make_shared<std::vector<std::string>>(*values);
     const auto known = std::find_if(shape.columns.begin(), shape.columns.end(),
                                     [&](const host::Column& c) { return c.key == column.key; });
     const auto at = static_cast<std::size_t>(known - shape.columns.begin());
     if (known == shape.columns.end()) {
       shape.columns.push_back(std::move(column));
-      values.push_back(std::move(value));
+      values->push_back(std::move(value));
     } else {
       *known = std::move(column);
-      values[at] = std::move(value);
+      (*values)[at] = std::move(value);
     }
   }
 };
@@ -82,8 +84,7 @@ struct RepositoryState {
 };
 
 RInstance::RInstance(const std::string& className, const std::string& key, int number)
-    : state(new InstanceState{
-          ++host::TheObservation().lastId, {className, key, number, {}, {}}, {}}) {
+    : state(new InstanceState{++host::TheObservation().lastId, {className, key, number, {}, {}}}) {
   host::Tell(&host::RepositoryObserver::OnInstance, state->id, className, key, number);
 }
 

@@ -4,6 +4,7 @@
 
 #include <deque>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -38,11 +39,14 @@ struct RowShape {
   auto operator<=>(const RowShape&) const = default;
 };
 
-/// One instance as it stood when it was added. `values` has one text per column of the shape;
-/// integers as decimal numbers. Texts are bytes in the machine's code page.
+/// One instance as it stood when it was added. Texts are bytes in the machine's code page.
 struct Row {
   const RowShape* shape = nullptr;
-  std::vector<std::string> values;
+  /// Shared with the instance until that changes again.
+  std::shared_ptr<const std::vector<std::string>> values;
+
+  /// One text per column of the shape; integers as decimal numbers.
+  const std::vector<std::string>& Values() const { return *values; }
 };
 
 struct Table {

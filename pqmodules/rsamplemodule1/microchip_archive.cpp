@@ -9,6 +9,7 @@
 
 #include "pqmodules/rsamplemodule1/microchip_archive.h"
 
+#include <memory>
 #include <utility>
 
 #include "frame/attachment.h"
@@ -107,9 +108,9 @@ void AttachReports(RInstance& links) {
     const auto file =
         OpenReport(kInventoryLog, kArchiveFolder + "\\" + report.file, report.openFailure);
     if (!file) continue;
-    const auto text = ReadWholeReport(kInventoryLog, *file);
+    std::unique_ptr<char[]> text = ReadWholeReport(kInventoryLog, *file);
     if (!text) continue;
-    AddAttachment(links, report.property, report.property, text.get(), report.shownAs);
+    AddAttachment(links, report.property, report.property, std::move(text), report.shownAs);
   }
 }
 

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <memory>
+#include <utility>
 
 #include "frame/attachment.h"
 #include "frame/report_file.h"
@@ -91,9 +92,7 @@ void CollectLogLinks(const RaidLogsCollection& collection, int controller) {
   row.AddProperty(kIndex.key, kIndex.label, "Controller" + number, kPropertyFlag);
   for (std::size_t i = 0; i < kReports.size(); ++i) {
     const Column& column = kReports[i].column;
-    const std::string text = texts[i].get();
-    texts[i].reset();  // Reports can be large, and the row takes a copy.
-    AddAttachment(row, column.key, column.label, text, FileTag(kReports[i], number));
+    AddAttachment(row, column.key, column.label, std::move(texts[i]), FileTag(kReports[i], number));
   }
   row.AddToRepository(collection.repo);
 }

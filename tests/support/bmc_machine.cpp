@@ -70,8 +70,8 @@ std::vector<std::string> ValuesOf(const Collected& collected, const std::string&
   const auto table = collected.Tables().find(className);
   if (table == collected.Tables().end()) return values;
   for (const host::Row& row : table->second.rows) {
-    if (row.values.size() != 1) throw std::logic_error(className + " has more than one property");
-    values.push_back(row.values.front());
+    if (row.Values().size() != 1) throw std::logic_error(className + " has more than one property");
+    values.push_back(row.Values().front());
   }
   return values;
 }
