@@ -259,20 +259,29 @@
     return section;
   };
 
+  const linkTo = (table) => make("a", { href: `#table-${table.class}` }, table.title);
   const summary = () => {
-    const lines = data.modules.flatMap((module) => module.tables.map((table, index) =>
-      make("tr", {},
-        make("td", {}, index === 0 ? module.description : ""),
-        make("td", {}, make("a", { href: `#table-${table.class}` }, table.title)),
-        make("td", {}, table.rowCount ? plural(table.rowCount, "row") : "\u2013"),
-        make("td", { class: table.rowCount ? "good" : "warn" }, table.status))));
+    const collected = data.modules.map((module) => {
+      const filled = module.tables.filter((table) => table.rowCount);
+      return filled.length ? make("div", { class: "group" }, make("h4", {}, module.description),
+        make("ul", {}, ...filled.map((table) =>
+          make("li", {}, linkTo(table), " ", make("span", { class: "count" }, plural(table.rowCount, "row")))))) : null;
+    });
+    const reasons = new Map(); // why there are no rows: the tables of which this is so
+    for (const module of data.modules) {
+      for (const table of module.tables) {
+        if (!table.rowCount) reasons.set(table.status, [...(reasons.get(table.status) ?? []), table]);
+      }
+    }
+    const missing = [...reasons].map(([reason, tables]) => make("li", {}, make("span", { class: "warn" }, reason), ": ",
+      ...tables.flatMap((table, index) => [index ? ", " : "", linkTo(table)])));
+    const block = (heading, ...content) => make("div", { class: "block" }, make("h3", {}, heading), ...content);
     return make("section", { class: "panel", id: "summary" },
-      make("div", { class: "bar" }, make("h3", {}, "Summary"), make("span", { class: "grow" }),
+      make("div", { class: "bar" }, make("h2", {}, "Summary"), make("span", { class: "grow" }),
         make("span", { class: "count" }, data.outcome)),
-      make("div", { class: "scroll", tabindex: "0", role: "region", "aria-label": "Summary" },
-        make("table", {}, make("thead", {}, make("tr", {}, ...["Module", "Table", "Rows", "Status"].map((text) => make("th", { scope: "col" }, text)))),
-          make("tbody", {}, ...lines))),
-      ...data.notes.map((note) => make("div", { class: "bar warn" }, note)));
+      block("Collected", make("div", { class: "groups" }, ...collected)),
+      missing.length ? block("Without rows", make("ul", { class: "reasons" }, ...missing)) : null,
+      data.notes.length ? block("Failures", make("ul", { class: "reasons" }, ...data.notes.map((note) => make("li", {}, note)))) : null);
   };
 
   const setTheme = () => {
