@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/pqhost/recording_file.h"
@@ -17,6 +18,7 @@ namespace {
 using testing::Contains;
 using testing::Each;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
@@ -357,6 +359,42 @@ TEST(BmcStep, OfAFileReturns1WhenItCannotBeOpened) {
   machine.readOnly = {"C:\\Halyard\\logs\\fruinfo.txt", "C:\\Halyard\\logs\\selinfo.txt"};
   for (const ResultStep& step : kFileSteps) {
     EXPECT_EQ(ResultOf(machine, step.step), 1) << step.arguments;
+  }
+}
+
+/// What `step` does to the machine when the utility prints `output`, the start first.
+std::vector<std::string> CallsOf(const ResultStep& step, const std::string& output) {
+  FakePlatform machine;
+  bool isRead = false;
+  machine.onRead = [&](char* buffer, std::size_t size, std::size_t& count) {
+    count = output.copy(buffer, size);
+    return !std::exchange(isRead, true);
+  };
+  const host::MachineInUse inUse(machine);
+  pq::RRepository repository;
+  pq::RBMCInfo module;
+  step.step(module, repository);
+  return machine.calls;
+}
+
+TEST(BmcStep, ClosesThePipeThenAwaitsAndClosesTheUtility) {
+  for (const ResultStep& step : kPipeSteps) {
+    EXPECT_THAT(CallsOf(step, "a : b\r\n"),
+                ElementsAre(AllOf(HasSubstr(step.arguments), EndsWith(", inheriting, piped")),
+                            "close write end", "close read end", "wait", "close process"));
+  }
+}
+
+TEST(BmcStep, OfTheSensorsAwaitsAUtilityThatReportsAnError) {
+  EXPECT_THAT(CallsOf({"sensor -s -q", SensorStep}, "Error: x\r\n"),
+              ElementsAre(HasSubstr("sensor -s -q"), "close write end", "close read end", "wait",
+                          "close process"));
+}
+
+TEST(BmcStep, OfAFileClosesTheUtilityBeforeItOpensTheFile) {
+  for (const ResultStep& step : kFileSteps) {
+    EXPECT_THAT(CallsOf(step, ""), ElementsAre(HasSubstr(step.arguments), "wait", "close process",
+                                               StartsWith("open ")));
   }
 }
 

@@ -558,6 +558,18 @@ TEST(ParseNetTable, Returns0WithoutAnyRow) {
   EXPECT_EQ(ParseOn(NetstatPrints(kNetstatHead), pq::kConnectionMode), 0);
 }
 
+TEST(ParseNetTable, ClosesThePipeThenAwaitsAndClosesTheTool) {
+  for (const unsigned mode : {pq::kArpMode, pq::kConnectionMode}) {
+    test::FakePlatform machine;
+    const host::MachineInUse inUse(machine);
+    pq::RRepository repo;
+    pq::ParseNetTable(repo, mode);
+    EXPECT_THAT(machine.calls,
+                ElementsAre(testing::EndsWith(", inheriting, piped"), "close write end",
+                            "close read end", "wait", "close process"));
+  }
+}
+
 TEST(ParseNetTable, Returns0WithRows) {
   EXPECT_EQ(
       ParseOn(NetstatPrints(std::string(kNetstatHead) + "  TCP a b c\r\n"), pq::kConnectionMode),

@@ -66,6 +66,10 @@ TEST(DoubleBackslashes, LeavesTheRestOfAPathThatDoesNotFitDoubled) {
   EXPECT_EQ(DoubleBackslashes(path), "C:\\\\a\\" + std::string(505, 'x'));
 }
 
+TEST(DoubleBackslashes, EndsAPathThatFillsItsBuffer) {
+  EXPECT_EQ(DoubleBackslashes(std::string(600, 'x')), std::string(511, 'x'));
+}
+
 TEST(GetExeFolder, IsWhatStandsBeforeTheLastBackslash) {
   FakePlatform machine;
   const host::MachineInUse inUse(machine);
