@@ -1,6 +1,5 @@
 #include "frame/labelled_columns.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace pq {
@@ -37,13 +36,7 @@ void Fill(RowBuffer& row, const LabelledFact& fact) {
 
 std::vector<Column> ColumnsOf(const LabelledColumns& labelled) {
   std::vector<Column> columns;
-  for (const LabelledColumn& one : labelled.All()) {
-    const bool known = one.column.key.empty() ||
-                       std::any_of(columns.begin(), columns.end(), [&](const Column& column) {
-                         return column.key == one.column.key;
-                       });
-    if (!known) columns.push_back(one.column);
-  }
+  for (const LabelledColumn& one : labelled.All()) columns.push_back(one.column);
   return columns;
 }
 

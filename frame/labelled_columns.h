@@ -46,7 +46,7 @@ class LabelledColumns {
   LabelTable labels;
 };
 
-/// The columns that the labels fill, each once.
+/// The columns that the labels fill, in order.
 std::vector<Column> ColumnsOf(const LabelledColumns& labelled);
 
 /// Sets the column of `fact`, if it has one, and commits the row that it ends.
