@@ -143,7 +143,7 @@ void EventDump::Take(std::string_view line) {
 void EventDump::BeginRecord(std::string_view sequenceNumber) {
   hasRecords = true;
   const std::size_t page = EventPageOf(recordCount);
-  if (recordCount >= kRecordsPerPage || lineNumber > kHeadLines) EndRecord(page);
+  if (lineNumber > kHeadLines) EndRecord(page);
   pages.Set(page, kSequenceNumber, sequenceNumber);
   ++recordCount;
   // A record that crosses to the next page shows its number on both and goes on on the new one.
