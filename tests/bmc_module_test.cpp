@@ -242,7 +242,7 @@ TEST(BmcDetection, StartsACommandThatJustFits) {
     pq::RBMCInfo().EnumBMCInstances(repository);
     return machine.calls.size();
   };
-  EXPECT_EQ(callsIn(511 - around.size()), 3u);  // It is started, awaited and closed.
+  EXPECT_EQ(callsIn(511 - around.size()), 4u);  // It is started, awaited, asked and closed.
   EXPECT_EQ(callsIn(512 - around.size()), 0u);
 }
 
