@@ -411,7 +411,8 @@ TEST(Program, ComplainsInOneLineOnStandardError) {
   EXPECT_EQ(run.exitCode, 2);
   EXPECT_EQ(run.out, "");
   EXPECT_EQ(run.error,
-            "pqhost: nothing to do: give a command (collect, modules, query, check; see pqhost --help)\n");
+            "pqhost: nothing to do: give a command (collect, modules, query, check; see pqhost "
+            "--help)\n");
 }
 
 }  // namespace

@@ -54,28 +54,15 @@ CheckedMachine LookAtRecording(const std::filesystem::path& folder) {
   return {DescribeRecording(recording), locate, std::nullopt};
 }
 
-const char* WordFor(Finding::Kind kind) {
-  switch (kind) {
-    case Finding::Kind::kGood:
-      return "ok";
-    case Finding::Kind::kNote:
-      return "note";
-    case Finding::Kind::kMissing:
-      break;
-  }
-  return "missing";
-}
+/// How a finding of each kind begins.
+struct Look {
+  const char* word;
+  const char* color;
+};
 
-const char* ColorFor(Finding::Kind kind) {
-  switch (kind) {
-    case Finding::Kind::kGood:
-      return "\x1b[32m";
-    case Finding::Kind::kNote:
-      return "\x1b[33m";
-    case Finding::Kind::kMissing:
-      break;
-  }
-  return "\x1b[31m";
+Look LookOf(Finding::Kind kind) {
+  constexpr Look kLooks[] = {{"ok", "\x1b[32m"}, {"note", "\x1b[33m"}, {"missing", "\x1b[31m"}};
+  return kLooks[static_cast<std::size_t>(kind)];
 }
 
 }  // namespace
@@ -91,8 +78,9 @@ int RunCheckCommand(const Options& options, const Console& console) {
   bool isComplete = true;
   for (const Finding& finding : findings) {
     if (finding.kind == Finding::Kind::kMissing) isComplete = false;
-    const std::string word = fmt::format("{:<7}", WordFor(finding.kind));
-    console.out << (console.colors ? ColorFor(finding.kind) + word + "\x1b[0m" : word) << "  "
+    const Look look = LookOf(finding.kind);
+    console.out << (console.colors ? look.color : "") << fmt::format("{:<7}", look.word)
+                << (console.colors ? "\x1b[0m" : "") << "  "
                 << PadText(EscapeControls(finding.subject), width) << "  "
                 << EscapeControls(finding.text) << '\n';
   }

@@ -199,32 +199,16 @@ class Parser {
     collect = app.add_subcommand("collect", "Run the modules and show what they collect");
     Prepare(*collect);
     collect->footer(kCollectExamples);
-    collect->add_option("--module", options.modules, "Use this module; may be repeated")
-        ->type_name("NAME")
-        ->allow_extra_args(false);
-    collect->add_option("--table", options.tables, "Enumerate this table; may be repeated")
-        ->type_name("CLASS")
-        ->allow_extra_args(false);
-    collect->add_option("--replay", given.replay, "Collect from this recording of a machine")
-        ->type_name("FOLDER");
-    collect
-        ->add_option("--record", given.record,
-                     "Keep what the tools print in this new folder, to be replayed (Windows)")
-        ->type_name("FOLDER");
-    collect
-        ->add_option("--log-folder", given.logFolder,
-                     "Folder for the files that the tools leave; live: logs, unless given")
-        ->type_name("FOLDER");
-    collect
-        ->add_option("--plugin", given.plugin,
-                     "The library; repository_pqmodule.dll beside this program, unless given")
-        ->type_name("FILE");
-    collect
-        ->add_option("--format", given.format,
-                     "Format of the results: " + FormatList(FormatNames()))
-        ->type_name("NAME");
-    collect->add_option("--output", given.output, "Write the results to this file")
-        ->type_name("FILE");
+    AddNames(*collect, "--module", options.modules, "NAME", "Use this module; may be repeated");
+    AddNames(*collect, "--table", options.tables, "CLASS", "Enumerate this table; may be repeated");
+    AddReplay(*collect);
+    Add(*collect, "--record", given.record, "FOLDER",
+        "Keep what the tools print in this new folder, to be replayed (Windows)");
+    AddLogFolder(*collect);
+    AddPlugin(*collect);
+    Add(*collect, "--format", given.format, "NAME",
+        "Format of the results: " + FormatList(FormatNames()));
+    Add(*collect, "--output", given.output, "FILE", "Write the results to this file");
     collect
         ->add_option("--tool-limit", given.toolLimit,
                      "End a tool that runs for more than so many seconds (Windows)")
@@ -232,17 +216,16 @@ class Parser {
         ->check(CLI::Range(1U, kLongestToolLimit));
     collect->add_flag("--dry-run", options.dryRun,
                       "Show the command lines in order, and run nothing");
-    collect->add_option("--trace", given.trace, "Write all that the modules do to this file, or -")
-        ->type_name("FILE");
+    Add(*collect, "--trace", given.trace, "FILE",
+        "Write all that the modules do to this file, or -");
   }
 
   void DefineModules() {
     modules = app.add_subcommand("modules", "List the modules and their tables");
     Prepare(*modules);
     modules->footer(kModulesExamples);
-    modules->add_option("--plugin", given.plugin, "Ask this library (Windows)")->type_name("FILE");
-    modules->add_option("--format", given.format, "Format: table, json or markdown")
-        ->type_name("NAME");
+    Add(*modules, "--plugin", given.plugin, "FILE", "Ask this library (Windows)");
+    Add(*modules, "--format", given.format, "NAME", "Format: table, json or markdown");
   }
 
   void DefineQuery() {
@@ -252,36 +235,43 @@ class Parser {
     query->add_option("QUERY", given.query, "The database, if any, then one SELECT statement")
         ->type_name("[FILE.db] SQL")
         ->expected(1, 2);
-    query->add_option("--replay", given.replay, "Collect from this recording of a machine")
-        ->type_name("FOLDER");
-    query->add_option("--plugin", given.plugin, "The library, for a live collection")
-        ->type_name("FILE");
-    query
-        ->add_option("--log-folder", given.logFolder,
-                     "Folder for the files that the tools leave; live: logs, unless given")
-        ->type_name("FOLDER");
-    query
-        ->add_option("--format", given.format,
-                     "Format of the answer: " + FormatList(TextFormatNames()))
-        ->type_name("NAME");
-    query->add_option("--output", given.output, "Write the answer to this file")->type_name("FILE");
+    AddReplay(*query);
+    AddPlugin(*query);
+    AddLogFolder(*query);
+    Add(*query, "--format", given.format, "NAME",
+        "Format of the answer: " + FormatList(TextFormatNames()));
+    Add(*query, "--output", given.output, "FILE", "Write the answer to this file");
   }
 
   void DefineCheck() {
     check = app.add_subcommand("check", "Tell what a collection would find, running nothing");
     Prepare(*check);
     check->footer(kCheckExamples);
-    check->add_option("--module", options.modules, "Look at this module's tools; may be repeated")
-        ->type_name("NAME")
-        ->allow_extra_args(false);
-    check->add_option("--replay", given.replay, "Look at this recording of a machine")
-        ->type_name("FOLDER");
-    check->add_option("--log-folder", given.logFolder, "Where the tools would leave their files")
-        ->type_name("FOLDER");
-    check
-        ->add_option("--plugin", given.plugin,
-                     "The library; repository_pqmodule.dll beside this program, unless given")
-        ->type_name("FILE");
+    AddNames(*check, "--module", options.modules, "NAME",
+             "Look at this module's tools; may be repeated");
+    AddReplay(*check);
+    AddLogFolder(*check);
+    AddPlugin(*check);
+  }
+
+  static void Add(CLI::App& command, const char* name, std::string& value, const char* type,
+                  const std::string& help) {
+    command.add_option(name, value, help)->type_name(type);
+  }
+  static void AddNames(CLI::App& command, const char* name, std::vector<std::string>& values,
+                       const char* type, const char* help) {
+    command.add_option(name, values, help)->type_name(type)->allow_extra_args(false);
+  }
+  void AddReplay(CLI::App& command) {
+    Add(command, "--replay", given.replay, "FOLDER", "Take this recording for the machine");
+  }
+  void AddLogFolder(CLI::App& command) {
+    Add(command, "--log-folder", given.logFolder, "FOLDER",
+        "Folder for the files that the tools leave; live: logs, unless given");
+  }
+  void AddPlugin(CLI::App& command) {
+    Add(command, "--plugin", given.plugin, "FILE",
+        "The library; repository_pqmodule.dll beside this program, unless given");
   }
 
   static std::string FormatList(const std::vector<std::string>& names) {
