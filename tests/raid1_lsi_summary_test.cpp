@@ -121,6 +121,7 @@ TEST(LsiSummary, CutsAValueAtTheRoomOfALine) {
 TEST(LsiSummary, SaysWhenStorcliCannotBeStarted) {
   const Collected collected = Collect(RaidTools().RefuseStart("storcli.exe", "/c0 show", 8));
   EXPECT_THAT(collected.LogTexts(), Contains("4 CreateProcess failed (8)"));
+  EXPECT_THAT(collected.opened, Not(Contains(HasSubstr("c0_showall.txt"))));
   EXPECT_THAT(collected.Rows("RAIDINFO"), IsEmpty());
   EXPECT_THAT(collected.commandLines, Contains(HasSubstr("rstcli64_5.exe")));
 }
