@@ -1,12 +1,12 @@
 #include "pqmodules/rwininfo.h"
 
-#include <algorithm>
 #include <optional>
 #include <vector>
 
 #include "frame/error_entries.h"
 #include "frame/platform.h"
 #include "frame/report_file.h"
+#include "frame/run_to_pipe.h"
 #include "frame/tokens.h"
 #include "frame/tool_runner.h"
 #include "pqmodules/rwininfo/net_table.h"
@@ -71,24 +71,22 @@ struct NetTable {
   const std::string& className;
   const char* key;
   const char* command;
-  const char* pipeFailure;
-  const char* startFailure;
+  PipeFailures failures;
   std::vector<std::string> titles;
 };
-const NetTable kArpTable{kArpInfo,
-                         "ARP Information",
-                         "/c arp.exe -a",
-                         "Failed to create pipe for arp info",
-                         "CreateProcess failed in getting arp info(",
-                         {"Internet Address", "Physical Address", "Type"}};
-const NetTable kNetstatTable{kNetstatInfo,
-                             "Netstat Information",
-                             "/c netstat.exe",
-                             "Failed to create pipe for netstat info",
-                             "CreateProcess failed in getting netstat info(",
-                             {"Protocol", "Local Address", "Foreign Address", "State"}};
+const NetTable kArpTable{
+    kArpInfo,
+    "ARP Information",
+    "/c arp.exe -a",
+    {"Failed to create pipe for arp info", "CreateProcess failed in getting arp info("},
+    {"Internet Address", "Physical Address", "Type"}};
+const NetTable kNetstatTable{
+    kNetstatInfo,
+    "Netstat Information",
+    "/c netstat.exe",
+    {"Failed to create pipe for netstat info", "CreateProcess failed in getting netstat info("},
+    {"Protocol", "Local Address", "Foreign Address", "State"}};
 
-constexpr std::size_t kChunkRoom = 30720;
 constexpr char kBlanks[] = " \r\n";
 
 void RunStep(const std::string& commandLine, const char* failure) {
@@ -110,27 +108,6 @@ void CopyIfPresent(const CopyStep& step) {
 void WriteSmbiosDump() {
   CheckFolderFits(exePath, std::string_view(kSmbiosCommand).size());
   RunStep(kSmbiosCommand + exePath + kSmbiosTool + GetLogFolder() + kSmbiosFile, kSmbiosFailure);
-}
-
-/// What the table's tool prints; none when it could not be run.
-std::optional<std::string> CollectOutput(const NetTable& table) {
-  PipedTool tool(table.command);
-  if (!tool.OpenPipe()) {
-    kLog(kProgress, table.pipeFailure);
-    return std::nullopt;
-  }
-  if (const std::uint32_t error = tool.Start(); error != 0) {
-    kLog(kProgress, table.startFailure, error, ")");
-    return std::nullopt;
-  }
-  std::string output = tool.Collect(kChunkRoom, [](const char* chunk, std::size_t count) {
-    kLog(kDetail, chunk);
-    kLog(kDetail, "dw:", count);
-  });
-  output.resize(std::min(output.find('\0'), output.size()));
-  kLog(kDetail, "se:", output);
-  tool.Finish();
-  return output;
 }
 
 /// Deals the words of `text` into the table's columns and adds one instance per row.
@@ -214,7 +191,8 @@ void RWINInfo::CollectData(RRepository& repo) {
 
 int ParseNetTable(RRepository& repo, unsigned mode) {
   const bool isArp = mode == kArpMode;
-  const std::optional<std::string> output = CollectOutput(isArp ? kArpTable : kNetstatTable);
+  const NetTable& table = isArp ? kArpTable : kNetstatTable;
+  const std::optional<std::string> output = RunToPipe(kLog, table.command, table.failures);
   if (!output) return 1;
   if (isArp) {
     AddArpRows(repo, *output);

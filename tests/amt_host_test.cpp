@@ -112,6 +112,21 @@ TEST(CommandText, ProgramStandsWithItsFolder) {
   EXPECT_EQ(host::FindProgram(kAmtTest), "C:\\Halyard\\pq_tools\\check_amt_bmc.exe");
 }
 
+TEST(CommandText, ArgumentsEndAtAPipeOrARedirection) {
+  EXPECT_EQ(host::FindArguments(kAmtTest), "amt");
+  EXPECT_EQ(host::FindArguments("/c arp.exe -a"), "-a");
+  EXPECT_EQ(host::FindArguments("/c netstat.exe"), "");
+  EXPECT_EQ(host::FindArguments("/c route print >\"C:\\H\\route.txt\""), "print");
+  EXPECT_EQ(host::FindArguments("/c \"C:\\A B\\tool.exe\" lan | findstr Param"), "lan");
+  EXPECT_EQ(host::FindArguments("/c \"\"C:\\A B\\tool.exe\" /c0 show > \"C:\\out.txt\"\""),
+            "/c0 show");
+}
+
+TEST(CommandText, ArgumentsStandInTheQuotesOfTheirProgram) {
+  EXPECT_EQ(host::FindArguments("/c \"C:\\A B\\arcconf.exe savesupportarchive c:\\\""),
+            "savesupportarchive c:\\");
+}
+
 TEST(HiddenPassword, IsReplacedInTheCommandOfTheAmtLog) {
   EXPECT_EQ(host::HidePassword(kLogCommand),
             "/c \"\"C:\\Halyard\\pq_tools\\amt_log.exe\" 192.0.2.9 keeper "

@@ -187,6 +187,26 @@ TEST(TableStatus, TellsTheStepThatEndedAModule) {
             "storcli.exe: CreateProcess failed (206)");
 }
 
+/// What stands in the folder of a host where a blank makes the interpreter's quotes matter.
+constexpr char kArcconf[] =
+    "/c \"C:\\Halyard Host\\utilities\\arcconf\\arcconf.exe savesupportarchive c:\\\"";
+
+TEST(TableStatus, NamesTheTableOwnToolWhenAnotherIsMissingToo) {
+  Watched watched("sampleModule1");
+  watched.programsAreThere = false;
+  watched.Runs(StorcliCommand("show ctrlcount", "ctrlcount.txt"), 1).Runs(kArcconf, 1);
+  EXPECT_EQ(watched.tracker.StatusOf("sampleModule1", "PMCINFO", 0).text,
+            "arcconf.exe is not on this machine");
+}
+
+TEST(TableStatus, BlamesNoToolThatServesOtherTables) {
+  Watched watched("sampleModule2");
+  watched.Runs(StorcliCommand("show ctrlcount", "ctrlcount.txt"), 0);
+  watched.programsAreThere = false;
+  watched.Runs("/c \"\"C:\\H\\pq_tools\\rstcli64_5.exe\" -I > \"C:\\H\\logs\\rstcli64.txt\"\"", 1);
+  EXPECT_EQ(watched.tracker.StatusOf("sampleModule2", "LSILINK", 0).outcome, "not reached");
+}
+
 TEST(TableSources, DescribeEveryRegisteredTable) {
   std::vector<boost::shared_ptr<halyard::repository::RModule>> modules;
   AddModules(modules);

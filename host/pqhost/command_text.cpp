@@ -11,9 +11,13 @@ void SkipAll(std::string_view& text, char c) {
   text.remove_prefix(std::min(text.find_first_not_of(c), text.size()));
 }
 
-}  // namespace
+/// A command line's program, and all that stands behind it.
+struct Split {
+  std::string_view program;
+  std::string_view rest;
+};
 
-std::string FindProgram(std::string_view commandLine) {
+Split SplitProgram(std::string_view commandLine) {
   if (commandLine.starts_with("/c")) commandLine.remove_prefix(2);
   SkipAll(commandLine, ' ');
   const bool quoted = commandLine.starts_with('"');
@@ -24,7 +28,25 @@ std::string FindProgram(std::string_view commandLine) {
   const std::size_t extension = program.rfind(kExtension);
   const bool isFile = extension != std::string_view::npos;
   program = program.substr(0, isFile ? extension + kExtension.size() : program.find(' '));
-  return std::string(program);
+  return {program, commandLine.substr(program.size())};
+}
+
+}  // namespace
+
+std::string FindProgram(std::string_view commandLine) {
+  return std::string(SplitProgram(commandLine).program);
+}
+
+std::string FindArguments(std::string_view commandLine) {
+  std::string_view rest = SplitProgram(commandLine).rest;
+  const bool ownQuotes = rest.starts_with('"');
+  if (ownQuotes) rest.remove_prefix(1);
+  rest = rest.substr(0, rest.find_first_of("|>"));
+  SkipAll(rest, ' ');
+  rest = rest.substr(0, rest.find_last_not_of(' ') + 1);
+  // Quotes around program and arguments together end here.
+  if (!ownQuotes && rest.ends_with('"')) rest.remove_suffix(1);
+  return std::string(rest);
 }
 
 std::string FindTool(std::string_view commandLine) {

@@ -10,6 +10,9 @@ namespace host {
 /// there, without quotes. Empty when there is none.
 std::string FindProgram(std::string_view commandLine);
 
+/// What stands behind that program, up to a pipe or a redirection, without blanks at its ends.
+std::string FindArguments(std::string_view commandLine);
+
 /// The file name of that program; arguments, which may hold a password, are left out.
 std::string FindTool(std::string_view commandLine);
 

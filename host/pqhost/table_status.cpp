@@ -101,6 +101,13 @@ bool EndsWithoutCase(std::string_view text, std::string_view end) {
   return LowerCase(text).ends_with(LowerCase(end));
 }
 
+bool IsToolOf(const ToolRun& run, const pq::TableSource& source) {
+  return std::any_of(source.commands.begin(), source.commands.end(),
+                     [&](const pq::ToolCommand& command) {
+                       return EndsWithoutCase(run.program, command.program);
+                     });
+}
+
 /// Other than a program that ended well and said so.
 bool Failed(const ToolRun& run) {
   return !run.isThere || run.refused || !run.startFailure.empty() || run.exitCode.value_or(0) != 0;
@@ -118,12 +125,11 @@ void StatusTracker::Enumerate(const std::string& name, const std::string& /*tabl
 }
 
 void StatusTracker::BeginRun(const std::string& commandLine, bool pipe) {
-  const Pipeline pipeline = ParseCommandLine(commandLine, [](std::string_view) { return false; });
   ToolRun run;
   run.module = module;
   run.commandLine = commandLine;
   run.program = FindProgram(commandLine);
-  if (!pipeline.stages.empty()) run.arguments = pipeline.stages.front().arguments;
+  run.arguments = FindArguments(commandLine);
   run.readThroughPipe = pipe;
   run.isThere = !hasPrograms || hasPrograms(commandLine);
   runs.push_back(std::move(run));
@@ -234,7 +240,7 @@ TableStatus StatusTracker::StatusOfRuns(const std::vector<const ToolRun*>& found
 }
 
 TableStatus StatusTracker::StatusWithoutRun(const std::string& name,
-                                            const std::string& className) const {
+                                            const pq::TableSource& source) const {
   const auto lines = log.find(name);
   if (lines != log.end()) {
     for (auto line = lines->second.rbegin(); line != lines->second.rend(); ++line) {
@@ -244,25 +250,31 @@ TableStatus StatusTracker::StatusWithoutRun(const std::string& name,
                 "as a file in the log folder"};
       }
       for (const Explanation& explanation : kExplanations) {
-        if (*line != explanation.line || !Names(explanation.tables, className)) continue;
+        if (*line != explanation.line || !Names(explanation.tables, source.className)) continue;
         return {std::string(explanation.outcome), std::string(explanation.text)};
       }
     }
   }
   if (interrupted) return kInterrupted;
-  // The step that decides over all the others of the module.
+  // Of the table's own tools, and of the one that the module asks first, since that can end it all.
+  std::vector<const ToolRun*> deciding;
   for (const ToolRun& run : runs) {
-    if (run.module != name || !Failed(run)) continue;
+    if (run.module != name) continue;
+    if (deciding.empty() || IsToolOf(run, source)) deciding.push_back(&run);
+  }
+  for (const ToolRun* decided : deciding) {
+    const ToolRun& run = *decided;
+    if (!Failed(run)) continue;
     if (!run.isThere) {
       return {"tool missing", fmt::format("{} is not on this machine", NameOf(run.program))};
     }
     if (run.startFailure.empty()) continue;
     return {"could not start", fmt::format("{}: {}", NameOf(run.program), run.startFailure)};
   }
-  for (const ToolRun& run : runs) {
-    if (run.module != name || run.openFailure.empty()) continue;
+  for (const ToolRun* run : deciding) {
+    if (run->openFailure.empty()) continue;
     return {"output could not be opened",
-            fmt::format("{}: {}", NameOf(run.program), run.openFailure)};
+            fmt::format("{}: {}", NameOf(run->program), run->openFailure)};
   }
   return {"not reached", "no step of the collection asked for it"};
 }
@@ -274,7 +286,7 @@ TableStatus StatusTracker::StatusOf(const std::string& name, const std::string& 
   const pq::TableSource* source = FindTableSource(className);
   if (source == nullptr) return {"not reached", "no step of the collection asked for it"};
   const std::vector<const ToolRun*> found = RunsOf(name, *source);
-  return found.empty() ? StatusWithoutRun(name, className) : StatusOfRuns(found, *source);
+  return found.empty() ? StatusWithoutRun(name, *source) : StatusOfRuns(found, *source);
 }
 
 }  // namespace host

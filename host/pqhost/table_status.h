@@ -73,7 +73,7 @@ class StatusTracker final : public CollectionListener {
                                      const pq::TableSource& source) const;
   TableStatus StatusOfRuns(const std::vector<const ToolRun*>& runs,
                            const pq::TableSource& source) const;
-  TableStatus StatusWithoutRun(const std::string& module, const std::string& className) const;
+  TableStatus StatusWithoutRun(const std::string& module, const pq::TableSource& source) const;
 
   ProgramTest hasPrograms;
   FileSize logFileSize;

@@ -1,0 +1,22 @@
+// A tool's output read through a pipe, as the modules log it.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "frame/module.h"
+
+namespace pq {
+
+/// What a step says when its tool cannot be run.
+struct PipeFailures {
+  const char* pipe;   ///< the pipe cannot be created
+  const char* start;  ///< before the system error and ")"
+};
+
+/// Runs the tool and returns all that it writes to standard output and standard error, up to the
+/// first NUL. Each chunk and the whole are logged. Nothing after a failure, which is logged.
+std::optional<std::string> RunToPipe(const ModuleLog& log, const std::string& commandLine,
+                                     const PipeFailures& failures);
+
+}  // namespace pq
