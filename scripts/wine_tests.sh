@@ -24,9 +24,7 @@ run() {  # NAME COMMAND...
   fi
 }
 
-# The floods of 100 MB run natively and under the sanitizers; Wine's heap takes many minutes for them.
-[[ $# -gt 0 ]] || run program scripts/gtest.sh wine build/windows/bin/pq_tests.exe \
-  --gtest_filter='-*Meets100Megabytes*' </dev/null
+[[ $# -gt 0 ]] || run program scripts/gtest.sh wine build/windows/bin/pq_tests.exe </dev/null
 run samples python3 tests/windows/wine_samples.py build/windows/bin build/windows/standin \
   build/native/bin/pqhost "$@"
 wineserver -k

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <set>
 #include <string>
+#include <string_view>
 
 #include "host/repository/observer.h"
 #include "host/repository/store.h"
@@ -45,18 +46,23 @@ struct InstanceState {
   /// A row that was added holds them too and keeps them as they are.
   std::shared_ptr<std::vector<std::string>> values = std::make_shared<std::vector<std::string>>();
 
-  /// Sets the value of `column`, in its old place when the key is there already.
-  void Set(host::Column column, std::string value) {
+  /// Sets a value, in its old place when the key is there already. It is written over the one of
+  /// the row before: to let go of that and take a new one for every row would leave a gap in the
+  /// heap each time, which some heaps search through for every row that follows.
+  void Set(const std::string& key, const std::string& label, bool isInteger, bool flag,
+           std::string_view value) {
     if (values.use_count() > 1) values = std::make_shared<std::vector<std::string>>(*values);
     const auto known = std::find_if(shape.columns.begin(), shape.columns.end(),
-                                    [&](const host::Column& c) { return c.key == column.key; });
+                                    [&](const host::Column& column) { return column.key == key; });
     const auto at = static_cast<std::size_t>(known - shape.columns.begin());
     if (known == shape.columns.end()) {
-      shape.columns.push_back(std::move(column));
-      values->push_back(std::move(value));
+      shape.columns.push_back({key, label, isInteger, flag});
+      values->emplace_back(value);
     } else {
-      *known = std::move(column);
-      (*values)[at] = std::move(value);
+      known->label = label;
+      known->isInteger = isInteger;
+      known->flag = flag;
+      (*values)[at] = value;
     }
   }
 };
@@ -92,14 +98,14 @@ RInstance::~RInstance() { host::Tell(&host::RepositoryObserver::OnRelease, state
 
 void RInstance::AddProperty(const std::string& key, const std::string& label,
                             const std::string& value, bool flag) {
-  state->Set({key, label, /*isInteger=*/false, flag}, value);
+  state->Set(key, label, /*isInteger=*/false, flag, value);
   host::Tell<std::uint64_t, const std::string&, const std::string&, const std::string&, bool>(
       &host::RepositoryObserver::OnProperty, state->id, key, label, value, flag);
 }
 
 void RInstance::AddProperty(const std::string& key, const std::string& label, int value,
                             bool flag) {
-  state->Set({key, label, /*isInteger=*/true, flag}, std::to_string(value));
+  state->Set(key, label, /*isInteger=*/true, flag, std::to_string(value));
   host::Tell<std::uint64_t, const std::string&, const std::string&, int, bool>(
       &host::RepositoryObserver::OnProperty, state->id, key, label, value, flag);
 }
