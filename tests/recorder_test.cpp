@@ -109,6 +109,21 @@ TEST_F(MachineRecorder, KeepsARepeatedAnswerOnce) {
   EXPECT_THAT(recorder.Take().commands, SizeIs(2));
 }
 
+TEST_F(MachineRecorder, KeepsARepeatedAnswerThatAnotherFollows) {
+  for (const char* answer : {"one", "one", "two", "two"}) RunPiped("/c arp.exe -a", answer, 0);
+  std::vector<std::string> kept;
+  for (const RecordedCommand& command : recorder.Take().commands) {
+    kept.push_back(command.standardOutput);
+  }
+  EXPECT_THAT(kept, ElementsAre("one", "one", "two"));
+}
+
+TEST_F(MachineRecorder, TellsOfAFileThatCannotBeWrittenOnce) {
+  RunToFile(kStorcliShow, 1);
+  RunToFile(kStorcliShow, 1);
+  EXPECT_THAT(recorder.Take().readOnly, SizeIs(1));
+}
+
 TEST_F(MachineRecorder, LeavesOutAProgramThatIsMissing) {
   machine.missing = {"arp.exe"};
   RunPiped("/c arp.exe -a",
@@ -176,6 +191,27 @@ TEST_F(RecordedLogin, HidesAPasswordThatLooksLikeARedirection) {
   ASSERT_THAT(recording.commands, SizeIs(1));
   EXPECT_EQ(recording.commands[0].arguments, "192.0.2.40 deskadmin ***");
   EXPECT_EQ(recording.commands[0].standardOutput, "session of *** refused\r\n");
+}
+
+TEST_F(RecordedLogin, KeepsAddressAndUserWhateverThePasswordIs) {
+  for (const char* password : {"1", "***", "*", "deskadmin", "192.0.2.40", "a|b", "\"", "^&%"}) {
+    LogIn(password);
+    const Recording recording = recorder.Take();
+    EXPECT_EQ(recording.console, "192.0.2.40 deskadmin ***\n") << password;
+    ASSERT_THAT(recording.commands, SizeIs(1)) << password;
+    EXPECT_EQ(recording.commands[0].arguments, "192.0.2.40 deskadmin ***") << password;
+  }
+}
+
+TEST_F(RecordedLogin, LeavesTextsAloneThatAMerePasswordStandsIn) {
+  const std::string log = "1 deskadmin 192.0.2.41 1999-11-11 event 1 of 1\r\n";
+  machine.files["C:\\Halyard\\logs\\amtlog.txt"] = log;
+  for (const char* password : {"1", "event", "deskadmin"}) {
+    recorder.AddTyped(std::string("192.0.2.40 deskadmin ") + password + "\n");
+    RunToFile(std::string("/c \"\"C:\\Halyard\\pq_tools\\amt_log.exe\" 192.0.2.40 deskadmin ") +
+              password + ">\"C:\\Halyard\\logs\\amtlog.txt\"\"");
+    EXPECT_EQ(recorder.Take().commands.at(0).standardOutput, log) << password;
+  }
 }
 
 TEST_F(RecordedLogin, HidesLinesThatWereRefusedButKeepsTheirLength) {

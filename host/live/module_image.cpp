@@ -40,6 +40,7 @@ std::vector<Import> ListImports(void* module) {
   const Image image(module);
   std::vector<Import> imports;
   VisitImportedLibraries(image, [&](const IMAGE_IMPORT_DESCRIPTOR& library) {
+    if (library.OriginalFirstThunk == 0) return;  // a linker that keeps no names beside addresses
     const auto* name = image.At<IMAGE_THUNK_DATA64>(library.OriginalFirstThunk);
     auto* address = image.At<IMAGE_THUNK_DATA64>(library.FirstThunk);
     for (; name->u1.AddressOfData != 0; ++name, ++address) {

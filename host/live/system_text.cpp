@@ -23,7 +23,8 @@ std::optional<std::string> ToCodePage(std::wstring_view text, std::uint32_t code
   if (codePage == CP_UTF8) return ToUtf8(text);
   BOOL lossy = FALSE;
   std::string converted = Convert(text, codePage, WC_NO_BEST_FIT_CHARS, &lossy);
-  if (lossy) return std::nullopt;
+  // A code page that cannot be asked gives nothing at all.
+  if (lossy || converted.empty() != text.empty()) return std::nullopt;
   return converted;
 }
 

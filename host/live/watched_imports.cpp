@@ -13,6 +13,7 @@
 #include "frame/platform.h"
 #include "host/live/limited_tool.h"
 #include "host/live/module_image.h"
+#include "host/pqhost/amt_login.h"
 #include "host/pqhost/interruption.h"
 
 namespace host {
@@ -24,6 +25,7 @@ struct Watch {
   HANDLE process = nullptr;  ///< the process started last, until it was awaited
   HANDLE pipe = nullptr;     ///< read end of the pipe made last
   std::optional<LimitedTool> limited;
+  std::optional<AmtLogin> login;  ///< that the tool started last was given
 };
 
 Watch& TheWatch() {
@@ -84,10 +86,11 @@ BOOL WINAPI WatchedCreateProcessA(LPCSTR application, LPSTR commandLine,
                                   LPSECURITY_ATTRIBUTES threadSecurity, BOOL inheritHandles,
                                   DWORD flags, LPVOID environment, LPCSTR folder,
                                   LPSTARTUPINFOA startup, LPPROCESS_INFORMATION started) {
+  EndLimit();  // of a tool that the library abandoned
   const bool pipe = (startup->dwFlags & STARTF_USESTDHANDLES) != 0;
   Observer().OnProcess(application, commandLine, inheritHandles != FALSE, pipe);
   if (IsRefused()) return FALSE;
-  EndLimit();  // of a tool that the library abandoned
+  TheWatch().login = FindAmtLogin(commandLine);
   if (Recorder* recorder = TheRecorder()) recorder->BeginRun(commandLine, pipe);
   const BOOL done = StartWithLimit(flags, *started, [&](DWORD allFlags) {
     return CreateProcessA(application, commandLine, processSecurity, threadSecurity, inheritHandles,
@@ -120,6 +123,8 @@ DWORD WINAPI WatchedWaitForSingleObject(HANDLE handle, DWORD milliseconds) {
     DWORD exitCode = 0;
     GetExitCodeProcess(handle, &exitCode);
     EndLimit();
+    // Before anyone reads it: neither the tables nor the log folder are to show the password.
+    if (TheWatch().login) HidePasswordInReport(*TheWatch().login);
     if (Recorder* recorder = TheRecorder()) recorder->EndRun(exitCode);
     Observer().OnProcessEnd(exitCode);
     SetLastError(error);
@@ -127,8 +132,9 @@ DWORD WINAPI WatchedWaitForSingleObject(HANDLE handle, DWORD milliseconds) {
   return result;
 }
 
-/// What `system` does, for a tool with a limit.
-int RunSystemWithLimit(const char* command) {
+/// What `system` does, but with a process that this host knows: `system` gives none to end, and one
+/// that a Ctrl-C meant for the host would end.
+int RunSystem(const char* command) {
   const char* variable = std::getenv("COMSPEC");
   const std::string interpreter = variable != nullptr ? variable : pq::kInterpreter;
   std::string line = interpreter + " /c " + command;
@@ -140,23 +146,22 @@ int RunSystemWithLimit(const char* command) {
                           nullptr, &startup, &started);
   });
   if (!done) return -1;
+  CloseHandle(started.hThread);
   WaitForSingleObject(started.hProcess, INFINITE);
   DWORD exitCode = 0;
   GetExitCodeProcess(started.hProcess, &exitCode);
-  CloseHandle(started.hThread);
   CloseHandle(started.hProcess);
   EndLimit();
   return static_cast<int>(exitCode);
 }
 
 int WatchedSystem(const char* command) {
+  EndLimit();  // of a tool that the library abandoned
   Observer().OnSystem(command);
   if (IsRefused()) return -1;
-  EndLimit();
   Recorder* recorder = TheRecorder();
   if (recorder != nullptr) recorder->BeginRun(std::string("/c ") + command, /*isPiped=*/false);
-  const bool isLimited = TheWatch().given.toolLimit.has_value();
-  const int result = isLimited ? RunSystemWithLimit(command) : std::system(command);
+  const int result = RunSystem(command);
   if (recorder != nullptr) recorder->EndRun(static_cast<std::uint32_t>(result));
   return result;
 }
@@ -233,6 +238,7 @@ WatchedImports::~WatchedImports() {
   for (const Replaced& entry : replaced) SetSlot(entry.slot, entry.original);
   Watch& watch = TheWatch();
   watch.limited.reset();
+  watch.login.reset();
   watch.given = {};
   watch.process = watch.pipe = nullptr;
 }

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <fstream>
 #include <optional>
+#include <stdexcept>
 
 #include "host/pqhost/commands.h"
 #include "host/pqhost/formats.h"
@@ -107,7 +108,12 @@ int RunCollectCommand(const Options& options, const Console& console) {
   auto [source, collection] =
       Gather(options, console, FindFormat(options.format)->wantsLog, openOutputs);
 
-  source->KeepRecording(console);
+  // What the machine answered is shown also when it could not be kept.
+  try {
+    source->KeepRecording(console);
+  } catch (const std::runtime_error& error) {
+    collection.problems.emplace_back(error.what());
+  }
   WriteResults(options, console, collection, output);
   if (trace) trace->Close();
   for (const std::string& problem : source->KeepLogFiles(console)) {

@@ -54,16 +54,4 @@ std::string FindTool(std::string_view commandLine) {
   return program.substr(program.find_last_of('\\') + 1);
 }
 
-std::string HidePassword(std::string_view commandLine) {
-  // ..."C:\Halyard\pq_tools\amt_log.exe" 192.0.2.10 admin PASSWORD>"C:\Halyard\logs\amtlog.txt""
-  constexpr std::string_view kTool = "\\amt_log.exe\" ";
-  std::string text(commandLine);
-  const std::size_t tool = text.find(kTool);
-  const std::size_t end = text.rfind(">\"");
-  if (tool == std::string::npos || end == std::string::npos || end < tool) return text;
-  std::size_t at = tool + kTool.size();
-  for (int part = 0; part < 2; ++part) at = std::min(text.find(' ', at), end - 1) + 1;
-  return text.replace(at, end - at, "***");
-}
-
 }  // namespace host

@@ -16,8 +16,4 @@ std::string FindArguments(std::string_view commandLine);
 /// The file name of that program; arguments, which may hold a password, are left out.
 std::string FindTool(std::string_view commandLine);
 
-/// The command line with the password of the AMT log tool replaced by "***"; any other command line
-/// as it is.
-std::string HidePassword(std::string_view commandLine);
-
 }  // namespace host

@@ -1,19 +1,18 @@
 #include "host/pqhost/recorder.h"
 
 #include <algorithm>
+#include <map>
 #include <utility>
 
 #include "frame/tokens.h"
-#include "host/pqhost/command_text.h"
 #include "host/recorded/machine_files.h"
 #include "host/recorded/own_commands.h"
 
 namespace host {
 namespace {
 
-/// A word that the AMT module takes for a password, and that the replayed tool is asked with.
-constexpr char kPlaceholder[] = "***";
-constexpr std::size_t kPasswordWord = 2;
+/// How many words of a login stand before the password.
+constexpr std::size_t kWordsBeforePassword = 2;
 constexpr std::string_view kBlanks = " \r\n";
 
 std::string FullPath(const std::string& path) {
@@ -27,13 +26,6 @@ std::string KeyOf(const std::string& path) { return LowerCase(FullPath(path)); }
 std::string WithoutQuotes(std::string text) {
   std::erase(text, '"');
   return text;
-}
-
-void ReplaceAll(std::string& text, const std::string& search, std::string_view replacement) {
-  for (std::size_t at = text.find(search); at != std::string::npos;
-       at = text.find(search, at + replacement.size())) {
-    text.replace(at, search.size(), replacement);
-  }
 }
 
 std::vector<std::string_view> SplitLines(std::string_view text) {
@@ -64,15 +56,17 @@ Recorder::Recorder(Recording facts, MachineView& machine)
 
 void Recorder::BeginRun(const std::string& commandLine, bool isPiped) {
   CloseRun();
+  std::optional<AmtLogin> login = FindAmtLogin(commandLine);
+  if (login) MarkLoginLine();
   // A password may hold what the interpreter would take for a redirection, so it goes first.
-  const std::string hidden = HidePassword(commandLine);
-  const Pipeline pipeline = ParseCommandLine(
-      hidden, [&](std::string_view path) { return machine.HasProgram(std::string(path)); });
+  const Pipeline pipeline = ParseCommandLine(HidePassword(commandLine), [&](std::string_view path) {
+    return machine.HasProgram(std::string(path));
+  });
   if (pipeline.stages.empty() || pipeline.isMalformed) return;
   run.emplace();
   run->stage = pipeline.stages.front();
   run->isPiped = isPiped;
-  if (hidden != commandLine) run->password = TakeLogin();
+  run->login = std::move(login);
   for (auto stage = pipeline.stages.begin() + 1; stage != pipeline.stages.end(); ++stage) {
     run->filters.push_back(FindstrTexts(stage->arguments));
   }
@@ -82,12 +76,10 @@ void Recorder::BeginRun(const std::string& commandLine, bool isPiped) {
   if (ToolName(program) == "copy") KeepCopied(run->stage.arguments);
 }
 
-std::string Recorder::TakeLogin() {
+/// The line that was typed last is the one that the login came from.
+void Recorder::MarkLoginLine() {
   const std::vector<std::string_view> lines = SplitLines(typed);
-  if (lines.empty()) return {};
-  loginLines.insert(lines.size() - 1);
-  const std::vector<std::string_view> words = pq::SplitTokens(lines.back(), kBlanks);
-  return words.size() > kPasswordWord ? std::string(words[kPasswordWord]) : std::string();
+  if (!lines.empty()) loginLines.insert(lines.size() - 1);
 }
 
 void Recorder::KeepCopied(const std::string& arguments) {
@@ -127,21 +119,11 @@ void Recorder::EndRun(std::uint32_t exitCode) {
   CloseRun();
 }
 
-/// The recorded answer to the run, unless it goes without saying.
+/// Keeps the answer to the run, unless it goes without saying.
 void Recorder::CloseRun() {
   if (!run) return;
   TakeOutput();
-  if (IsForeignProgram()) {
-    RecordedCommand& command = run->command;
-    const auto before = std::find_if(recording.commands.rbegin(), recording.commands.rend(),
-                                     [&](const RecordedCommand& known) {
-                                       return ToolName(known.tool) == ToolName(command.tool) &&
-                                              known.arguments == command.arguments;
-                                     });
-    // The last answer is repeated for ever.
-    const bool isRepeated = before != recording.commands.rend() && *before == command;
-    if (!isRepeated) recording.commands.push_back(std::move(command));
-  }
+  if (IsForeignProgram()) recording.commands.push_back(std::move(run->command));
   run.reset();
 }
 
@@ -154,7 +136,7 @@ void Recorder::TakeOutput() {
     knownFiles.insert(KeyOf(target));
     if (written) {
       output = std::move(*written);
-    } else {
+    } else if (readOnly.insert(KeyOf(target)).second) {
       recording.readOnly.push_back(target);
     }
   }
@@ -169,7 +151,7 @@ void Recorder::TakeOutput() {
     }
     output = std::move(passed);
   }
-  if (!run->password.empty()) ReplaceAll(output, run->password, kPlaceholder);
+  if (run->login) output = HidePassword(std::move(output), *run->login);
 }
 
 /// Whether an entry has to answer for the run: not for the interpreter's own commands, nor for a
@@ -191,10 +173,10 @@ std::string Recorder::HideLines() const {
   for (std::size_t i = 0; i < lines.size(); ++i) {
     if (loginLines.contains(i)) {
       const std::vector<std::string_view> words = pq::SplitTokens(lines[i], kBlanks);
-      for (std::size_t word = 0; word < kPasswordWord && word < words.size(); ++word) {
+      for (std::size_t word = 0; word < kWordsBeforePassword && word < words.size(); ++word) {
         hidden.append(words[word]).append(" ");
       }
-      hidden.append(kPlaceholder).append("\n");
+      hidden.append(kHiddenPassword).append("\n");
       continue;
     }
     for (const char c : lines[i]) hidden += kBlanks.find(c) == std::string_view::npos ? '*' : c;
@@ -202,9 +184,34 @@ std::string Recorder::HideLines() const {
   return hidden;
 }
 
+/// The last answer of a command is given from then on, so it need not stand there again. An earlier
+/// one has to: it is the count of answers that tells when the next one comes.
+void Recorder::DropRepeatedEnds() {
+  std::vector<RecordedCommand>& commands = recording.commands;
+  std::map<std::pair<std::string, std::string>, std::vector<std::size_t>> answers;
+  for (std::size_t i = 0; i < commands.size(); ++i) {
+    answers[{ToolName(commands[i].tool), commands[i].arguments}].push_back(i);
+  }
+  std::set<std::size_t> dropped;
+  for (const auto& [command, places] : answers) {
+    for (std::size_t i = places.size() - 1; i > 0; --i) {
+      if (commands[places[i]] != commands[places[i - 1]]) break;
+      dropped.insert(places[i]);
+    }
+  }
+  for (auto place = dropped.rbegin(); place != dropped.rend(); ++place) {
+    commands.erase(commands.begin() + static_cast<std::ptrdiff_t>(*place));
+  }
+}
+
 Recording Recorder::Take() {
   CloseRun();
+  DropRepeatedEnds();
   recording.console = HideLines();
+  typed.clear();
+  loginLines.clear();
+  knownFiles.clear();
+  readOnly.clear();
   return std::exchange(recording, {});
 }
 

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/pqhost/amt_login.h"
 #include "host/recorded/interpreter.h"
 #include "host/recorded/recording.h"
 
@@ -29,12 +30,12 @@ struct RecordedRun {
   Stage stage;  ///< the first of the pipeline: the others filter what it writes
   std::vector<std::vector<std::string>> filters;
   bool isPiped = false;
-  std::string password;  ///< that the tool knows; empty: none
+  std::optional<AmtLogin> login;  ///< that the tool was given
   RecordedCommand command;
 };
 
 /// Told of everything in the order in which it happens. A password that the operator types is in
-/// nothing that Take() answers: "***" stands for it.
+/// nothing that Take() answers: kHiddenPassword stands for it.
 class Recorder {
  public:
   /// `facts` is the recording without what is recorded; `machine` must outlive this object.
@@ -61,12 +62,13 @@ class Recorder {
   Recording Take();
 
  private:
-  std::string TakeLogin();
+  void MarkLoginLine();
   void KeepCopied(const std::string& arguments);
   void KeepFile(const std::string& path);
   void CloseRun();
   void TakeOutput();
   bool IsForeignProgram() const;
+  void DropRepeatedEnds();
   std::string HideLines() const;
 
   Recording recording;
@@ -75,6 +77,7 @@ class Recorder {
   std::string typed;
   std::set<std::size_t> loginLines;  ///< those of `typed` that a password came from
   std::set<std::string> knownFiles;  ///< lower-case full paths of kept and of written files
+  std::set<std::string> readOnly;    ///< the same of files that could not be written
 };
 
 }  // namespace host

@@ -2,7 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "host/pqhost/command_text.h"
+#include "host/pqhost/amt_login.h"
 #include "host/pqhost/json_text.h"
 
 namespace host {
