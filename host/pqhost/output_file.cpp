@@ -40,12 +40,29 @@ OutputFile::OutputFile(fs::path path) : path(std::move(path)), target(this->path
     partial = target;
     partial += fmt::format(".{:08x}.part", std::random_device{}());
   }
-  errno = 0;
-  stream.open(partial.empty() ? target : partial, std::ios::binary);
-  if (!stream.is_open()) {
+  if (!Open()) {
     const std::string why = ExplainUnwritable(target);
     throw UsageError(fmt::format("cannot write {}: {}", PathText(this->path), why));
   }
+  if (partial.empty()) return;
+  // It can be written, which is all that is to be known for now. The tools that run before there is
+  // something to write are not to inherit it: what one of them left behind would keep it open.
+  stream.close();
+  fs::remove(partial, ignored);
+}
+
+bool OutputFile::Open() {
+  errno = 0;
+  stream.open(partial.empty() ? target : partial, std::ios::binary);
+  return stream.is_open();
+}
+
+std::ostream& OutputFile::Stream() {
+  if (!stream.is_open() && !Open()) {
+    const std::string why = ExplainUnwritable(target);
+    throw std::runtime_error(fmt::format("cannot write {}: {}", PathText(path), why));
+  }
+  return stream;
 }
 
 OutputFile::~OutputFile() {
@@ -56,6 +73,7 @@ OutputFile::~OutputFile() {
 }
 
 void OutputFile::Complete() {
+  Stream();  // also of a result without a byte
   errno = 0;
   stream.close();
   if (!stream) {

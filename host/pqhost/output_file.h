@@ -8,7 +8,8 @@
 namespace host {
 
 /// Written beside its final place and renamed when it is complete; an interrupted or failed run
-/// leaves what stood there before. What is no file, such as a device or a named pipe, is written to
+/// leaves what stood there before. Until something is written, nothing is there and nothing open.
+/// What is no file, such as a device or a named pipe, is written to
 /// directly.
 class OutputFile {
  public:
@@ -19,12 +20,15 @@ class OutputFile {
   /// Removes what was written unless Complete() succeeded.
   ~OutputFile();
 
-  std::ostream& Stream() { return stream; }
+  /// Throws std::runtime_error when the file cannot be created any more.
+  std::ostream& Stream();
   /// Closes the file and puts it in its place. Throws std::runtime_error when it could not be
   /// written.
   void Complete();
 
  private:
+  bool Open();
+
   std::filesystem::path path;     ///< as given
   std::filesystem::path target;   ///< behind the links that lead there
   std::filesystem::path partial;  ///< empty when written to directly

@@ -2,12 +2,13 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 
 #include "frame/add_modules.h"
 #include "host/logger/logger.h"
-#include "host/pqhost/command_text.h"
+#include "host/pqhost/amt_login.h"
 #include "host/pqhost/interruption.h"
 #include "host/pqhost/left_files.h"
 #include "host/pqhost/live.h"
@@ -15,6 +16,7 @@
 #include "host/pqhost/recorder.h"
 #include "host/pqhost/recording_file.h"
 #include "host/pqhost/text.h"
+#include "host/recorded/interpreter.h"
 #include "host/recorded/own_commands.h"
 #include "host/recorded/recorded_machine.h"
 
@@ -75,8 +77,15 @@ class LiveSource final : public Source {
   void AddModules(ModuleList& modules) override { library->AddModules(modules); }
   MachineFacts Facts() override { return facts; }
   bool HasPrograms(const std::string& commandLine) override {
-    const std::string program = FindProgram(commandLine);
-    return IsOwnCommand(program) || LocateProgram(program).has_value();
+    // As the interpreter reads the line, which may split it within the path of a program.
+    const Pipeline pipeline = ParseCommandLine(
+        HidePassword(commandLine),
+        [](std::string_view path) { return LocateProgram(std::string(path)).has_value(); });
+    return std::all_of(pipeline.stages.begin(), pipeline.stages.end(), [](const Stage& stage) {
+      std::string program = stage.program;
+      std::erase(program, '"');
+      return IsOwnCommand(program) || LocateProgram(program).has_value();
+    });
   }
   std::optional<std::uint64_t> LogFileSize(const std::string& fileName) override {
     std::error_code failure;

@@ -19,6 +19,7 @@ import signal
 import socket
 import subprocess
 import sys
+import tempfile
 import time
 
 ROOT = pathlib.Path.cwd()
@@ -89,13 +90,36 @@ def wait_for_wine():
 
 def run_wine(arguments, language, variables, stdin=b""):
     environment = os.environ | {"LOCPATH": str(LOCALES), "LC_ALL": locale_of(language)} | variables
-    ran = subprocess.run(["wine", *arguments], cwd=unix_path(WORKING_FOLDER), env=environment,
-                         input=stdin, capture_output=True, timeout=TIME_LIMIT, check=False)
+    # Files, because a pipe has its end only when all have gone that a tool left behind.
+    with tempfile.TemporaryFile() as out, tempfile.TemporaryFile() as error:
+        ran = subprocess.run(["wine", *arguments], cwd=unix_path(WORKING_FOLDER), env=environment,
+                             input=stdin, stdout=out, stderr=error, timeout=TIME_LIMIT, check=False)
+        for stream in (out, error):
+            stream.seek(0)
+        ran.stdout, ran.stderr = out.read(), error.read()
     if ran.returncode not in (0, 1):
         raise Failure(f"exit code {ran.returncode}\n{ran.stderr.decode(errors='replace')}")
     if b"stand-in" in ran.stderr:
         raise Failure(ran.stderr.decode(errors="replace"))
     return ran
+
+
+def interpreter_of_ours():
+    return {"WINEDLLOVERRIDES": os.environ["WINEDLLOVERRIDES"] + ";cmd.exe=n"}
+
+
+def count_running(program):
+    """How many processes of a Windows program run in the prefix. Wine's own tasklist tells nothing."""
+    count = 0
+    for process in pathlib.Path("/proc").glob("[0-9]*"):
+        try:
+            command = (process / "cmdline").read_bytes().split(b"\0")[0]
+            environment = (process / "environ").read_bytes().split(b"\0")
+        except OSError:  # gone meanwhile
+            continue
+        is_ours = f"WINEPREFIX={PREFIX}".encode() in environment
+        count += is_ours and command.lower().endswith(b"\\" + program.encode())
+    return count
 
 
 class Machine:
@@ -155,6 +179,18 @@ class Machine:
 
     def __exit__(self, *_):
         self.clear()
+
+
+def varied(sample, name, change):
+    """A copy of a sample of which `change(recording, folder)` made another one."""
+    folder = OUTPUT / "variants" / name
+    shutil.rmtree(folder, ignore_errors=True)
+    shutil.copytree(sample, folder)
+    path = folder / "recording.json"
+    recording = json.loads(path.read_text(encoding="utf-8"))
+    change(recording, folder)
+    path.write_text(json.dumps(recording), encoding="utf-8")
+    return folder
 
 
 def native_only(sample):
@@ -246,9 +282,9 @@ def read_trace(path):
     return [json.loads(line) for line in lines[:-1]]
 
 
-def compare(native, wine):
+def compare(native, wine, least=20):
     native, wine = merge_chunks([hide_password(event) for event in native]), merge_chunks(wine)
-    if len(native) < 20:
+    if len(native) < least:
         raise Failure(f"the native trace has only {len(native)} events")
     for number, (expected, got) in enumerate(zip(native, wine), start=1):
         if expected != got:
@@ -301,12 +337,40 @@ def check_sample(binaries, standins, pqhost, sample):
                         "--format", "none", "--trace", windows_path(wine_trace)],
                        machine.recording.get("languageId", US_ENGLISH),
                        standin_variables(sample, traces / "state")
-                       | {"WINEDLLOVERRIDES": os.environ["WINEDLLOVERRIDES"] + ";cmd.exe=n"},
+                       | interpreter_of_ours(),
                        machine.recording.get("console", "").encode("latin-1"))
         compare_files(native_logs, unix_path(machine.log_folder))
         check_passwords_hidden(machine.recording, ran, wine_trace)
         compare_failures(native, ran)
         return compare(read_trace(native_trace), read_trace(wine_trace))
+
+
+# A host that lies where the interpreter's quote rule matters: a command line with just two quotes
+# keeps them around a blank, and loses them, so that it is split there, around a parenthesis.
+HOST_FOLDERS = {
+    "a blank": (r"C:\Halyard Host", True),
+    "parentheses": (r"C:\Program Files (x86)\Halyard", False),
+}
+
+
+def check_host_folder(folder, is_found):
+    """The sample on a host in that folder, as any other; and whether the presence test, which has
+    just two quotes on its line, is found there."""
+    def check(binaries, standins, pqhost, sample):
+        def move(recording, _):
+            recording["hostExecutable"] = folder + r"\halyard.exe"
+            recording["logFolder"] = folder + "\\logs\\"
+
+        moved = varied(sample, sample.name + " in " + folder.rpartition("\\")[2], move)
+        count = check_sample(binaries, standins, pqhost, moved)
+        trace = read_trace(OUTPUT / moved.name / "wine.jsonl")
+        tested = [e for e in trace if e.get("commandLine") ==
+                  f'/c "{folder}\\pq_tools\\check_amt_bmc.exe" bmc']
+        asked = [e for e in trace if "ipmiutil" in e.get("commandLine", "")]
+        if not tested or bool(asked) != is_found:
+            raise Failure(f"{len(tested)} presence tests, {len(asked)} questions to the BMC")
+        return count
+    return check
 
 
 # Samples that are recorded from the laid out machine: with a password, a folder that is copied and
@@ -327,7 +391,7 @@ def check_recording(binaries, standins, pqhost, sample):
                         "--record", windows_path(recorded)],
                        machine.recording.get("languageId", US_ENGLISH),
                        standin_variables(sample, folder / "state")
-                       | {"WINEDLLOVERRIDES": os.environ["WINEDLLOVERRIDES"] + ";cmd.exe=n"},
+                       | interpreter_of_ours(),
                        machine.recording.get("console", "").encode("latin-1"))
         again = subprocess.run(["wine", machine.host, "collect", "--format", "none", "--record",
                                 windows_path(recorded)], cwd=unix_path(WORKING_FOLDER),
@@ -356,40 +420,125 @@ def check_recording(binaries, standins, pqhost, sample):
     return compare(read_trace(native_trace), read_trace(wine_trace))
 
 
+FORMATS = ["json", "ndjson", "csv", "html", "sqlite", "table"]
+
+# Passwords, and what becomes of them: "distinct" ones stand in no text by chance, "ordinary" ones do;
+# the interpreter takes some "apart", so that the tool is never asked with them, and a "digit" for the
+# handle of the redirection. The stand-in tool repeats each one, in its login and behind a label.
+PASSWORDS = {"Lantern-52": "distinct", "s3cr\xe9t": "distinct", "x&y^z%1": "distinct",
+             "deskadmin": "ordinary", "1": "digit", "11": "ordinary", "***": "ordinary", "opened": "ordinary",
+             "a>b-Lantern": "apart", "p\"quoted-9": "apart", "pipe|Lantern": "apart"}
+
+
+def check_password(password, kind):
+    """A live collection from a tool that repeats the password, once recorded and traced, once in each
+    format: the password is nowhere, other texts are whole, and the recording can be replayed."""
+    def check(binaries, standins, pqhost, sample):
+        text = ("192.0.2.40 deskadmin {0}\r\nPassword: {0}\r\n"
+                "1 2024-01-11 11:11:01 deskadmin opened the cover, sensor 1 of 11\r\n")
+        if kind == "distinct":
+            text += "no session for {0}, user deskadmin\r\n"
+
+        def change(recording, folder):
+            recording["console"] = f"192.0.2.40 deskadmin {password}\n"
+            for command in recording["commands"]:
+                if command["tool"] == "amt_log.exe":
+                    command["arguments"] = f"192.0.2.40 deskadmin {password}"
+                    (folder / command["stdout"]).write_bytes(
+                        text.format(password).encode("latin-1"))
+
+        number = list(PASSWORDS).index(password)
+        varied_sample = varied(sample, f"password {number}", change)
+        folder = OUTPUT / f"password_{number}"
+        shutil.rmtree(folder, ignore_errors=True)
+        folder.mkdir(parents=True)
+        recorded, trace = folder / "recording", folder / "wine.jsonl"
+        with Machine(binaries, standins, varied_sample) as machine:
+            def collect(*options):
+                ran = run_wine([machine.host, "collect", "--module", "AMT_Info", "--log-folder",
+                                machine.log_folder.rstrip("\\"), *options], US_ENGLISH,
+                               standin_variables(varied_sample, folder / "state")
+                               | interpreter_of_ours(),
+                               machine.recording["console"].encode("latin-1"))
+                shutil.rmtree(folder / "state")
+                (folder / "said").open("ab").write(ran.stdout + ran.stderr)
+                return ran
+
+            ran = collect("--format", "none", "--trace", windows_path(trace), "--record",
+                          windows_path(recorded))
+            if password == "Lantern-52":
+                for name in FORMATS:
+                    collect("--format", name, "--output", windows_path(folder / ("all." + name)))
+                collect("--format", "table")
+            shutil.copytree(unix_path(machine.log_folder), folder / "logs")
+        replay = folder / "native.jsonl"
+        native = subprocess.run([pqhost, "collect", "--replay", recorded, "--module", "AMT_Info",
+                                 "--format", "none", "--trace", replay], capture_output=True,
+                                check=False, stdin=subprocess.DEVNULL)
+        compare_failures(native, ran)
+        count = compare(read_trace(replay), read_trace(trace), least=10)
+        rows = [event["value"] for event in read_trace(trace) if event["event"] == "property"]
+        expected = text.format("***").replace("\r\n", "\n").splitlines(keepends=True)
+        if kind in ("apart", "digit"):
+            expected = []
+        if rows != expected:
+            raise Failure(f"rows: {rows}\n  expected: {expected}")
+        if kind in ("distinct", "apart"):
+            for path in (p for p in folder.rglob("*") if p.is_file()):
+                for form in {password.encode("latin-1"), password.encode("utf-8"),
+                             json.dumps(password)[1:-1].encode()}:
+                    if form in path.read_bytes():
+                        raise Failure(f"the password {password} stands in {path}")
+        return count
+    return check
+
+
 TOOL_LIMIT = 4  # seconds
 
 
-def check_tool_limit(mode):
-    """The server's collection with an arp.exe that hangs, or that leaves a child behind which holds
-    its pipe: arp is ended, and everything else is collected."""
+def check_tool_limit(tool, mode, is_ended):
+    """The server's collection with a tool that hangs, or that ends but leaves a child behind, which
+    holds what the tool wrote to. It is ended with its child, unless nothing waits for it any more,
+    and everything else is collected."""
     def check(binaries, standins, _pqhost, sample):
-        folder = OUTPUT / ("tool_limit_" + mode)
+        folder = OUTPUT / f"tool_limit_{tool}_{mode}"
         shutil.rmtree(folder, ignore_errors=True)
         folder.mkdir(parents=True)
         result = folder / "result.json"
         with Machine(binaries, standins, sample) as machine:
-            arp = unix_path(WORKING_FOLDER + r"\arp.exe")
-            arp.unlink()
-            place(standins / "standin_endless.exe", arp)
+            program = unix_path(f"{WORKING_FOLDER}\\{tool}.exe")
+            program.unlink()
+            place(standins / "standin_endless.exe", program)
             ran = run_wine([machine.host, "collect", "--module", "Windows_Related_Info",
                             "--log-folder", machine.log_folder.rstrip("\\"), "--format", "json",
                             "--output", windows_path(result), "--tool-limit", str(TOOL_LIMIT)],
                            US_ENGLISH,
                            standin_variables(sample, folder / "state")
-                           | {"PQ_STANDIN_MODE": mode, "WINEDLLOVERRIDES":
-                              os.environ["WINEDLLOVERRIDES"] + ";cmd.exe=n"})
-            left = subprocess.run(["wine", "tasklist"], capture_output=True, check=False)
-        if b"arp.exe" in left.stdout:
-            raise Failure(f"still running: {left.stdout.decode(errors='replace')}")
-        said = f"arp.exe: did not end by itself and was ended after {TOOL_LIMIT} s"
-        if said not in ran.stderr.decode(errors="replace") or ran.returncode != 1:
+                           | {"PQ_STANDIN_MODE": mode} | interpreter_of_ours())
+            left = count_running(f"{tool}.exe")
+        if left != (0 if is_ended else 1):
+            raise Failure(f"{left} processes of {tool}.exe run on")
+        said = f"did not end by itself and was ended after {TOOL_LIMIT} s" in ran.stderr.decode(
+            errors="replace")
+        if said != is_ended or ran.returncode != (1 if is_ended else 0):
             raise Failure(f"exit code {ran.returncode}: {ran.stderr!r}")
         tables = json.loads(result.read_text(encoding="utf-8"))["tables"]
         rows = {table["class"]: len(table["rows"]) for table in tables}
-        if rows["NETSTATINFO"] == 0 or rows["ARPINFO"] != 0:
+        texts = {table["class"]: table["status"]["text"] for table in tables}
+        if rows["NETSTATINFO"] == 0 or (rows["ARPINFO"] == 0) != (tool == "arp"):
             raise Failure(f"rows: {rows}")
+        if tool == "arp" and texts["ARPINFO"] != f"arp.exe was ended after {TOOL_LIMIT} s":
+            raise Failure(f"status: {texts}")
         return rows["NETSTATINFO"]
     return check
+
+
+def wait_for_first_tool(state):
+    """Until a stand-in has answered and the tool behind it has had the time to start."""
+    deadline = time.monotonic() + TIME_LIMIT
+    while not any(state.iterdir()) and time.monotonic() < deadline:
+        time.sleep(0.1)
+    time.sleep(2)
 
 
 def check_interruption(binaries, standins, _pqhost, sample):
@@ -404,8 +553,7 @@ def check_interruption(binaries, standins, _pqhost, sample):
         arp.unlink()
         place(standins / "standin_endless.exe", arp)
         variables = standin_variables(sample, folder / "state") | {
-            "LC_ALL": locale_of(US_ENGLISH), "PQ_STANDIN_MODE": "slow",
-            "WINEDLLOVERRIDES": os.environ["WINEDLLOVERRIDES"] + ";cmd.exe=n"}
+            "LC_ALL": locale_of(US_ENGLISH), "PQ_STANDIN_MODE": "slow"} | interpreter_of_ours()
         with subprocess.Popen(
                 ["wine", machine.host, "collect", "--module", "Windows_Related_Info",
                  "--log-folder", machine.log_folder.rstrip("\\"), "--format", "json", "--output",
@@ -413,11 +561,7 @@ def check_interruption(binaries, standins, _pqhost, sample):
                  windows_path(recorded)],
                 cwd=unix_path(WORKING_FOLDER), env=os.environ | variables, stdin=subprocess.DEVNULL,
                 stdout=subprocess.PIPE, stderr=subprocess.PIPE) as ran:
-            counted = folder / "state"  # route.exe is answered for before arp.exe runs
-            deadline = time.monotonic() + TIME_LIMIT
-            while not any(counted.iterdir()) and time.monotonic() < deadline:
-                time.sleep(0.1)
-            time.sleep(2)
+            wait_for_first_tool(folder / "state")
             ran.send_signal(signal.SIGINT)
             error = ran.communicate(timeout=TIME_LIMIT)[1].decode(errors="replace")
     if ran.returncode != 1 or "interrupted: the collection ended" not in error:
@@ -435,6 +579,39 @@ def check_interruption(binaries, standins, _pqhost, sample):
     if [command["tool"] for command in kept] != ["route", "arp.exe"]:
         raise Failure(f"recorded: {kept}")
     return len(events)
+
+
+def check_second_interruption(binaries, standins, _pqhost, sample):
+    """A second Ctrl-C while arp.exe hangs ends the program at once and leaves no half output."""
+    folder = OUTPUT / "second_interruption"
+    shutil.rmtree(folder, ignore_errors=True)
+    folder.mkdir(parents=True)
+    with Machine(binaries, standins, sample) as machine:
+        arp = unix_path(WORKING_FOLDER + r"\arp.exe")
+        arp.unlink()
+        place(standins / "standin_endless.exe", arp)
+        variables = standin_variables(sample, folder / "state") | interpreter_of_ours() | {
+            "LC_ALL": locale_of(US_ENGLISH), "PQ_STANDIN_MODE": "hang"}
+        with subprocess.Popen(
+                ["wine", machine.host, "collect", "--module", "Windows_Related_Info",
+                 "--log-folder", machine.log_folder.rstrip("\\"), "--format", "json", "--output",
+                 windows_path(folder / "result.json")],
+                cwd=unix_path(WORKING_FOLDER), env=os.environ | variables, stdin=subprocess.DEVNULL,
+                stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) as ran:
+            wait_for_first_tool(folder / "state")
+            for _ in range(2):
+                ran.send_signal(signal.SIGINT)
+                time.sleep(2)
+            try:
+                ran.wait(timeout=30)  # far less than the tool takes
+            except subprocess.TimeoutExpired as late:
+                ran.kill()
+                raise Failure("it runs on") from late
+    # Nothing of the exit code: the system gives it, and Wine's is 0.
+    written = [path.name for path in folder.iterdir() if path.name != "state"]
+    if written:
+        raise Failure(f"half a result: {written}")
+    return 2
 
 
 def check_wines_own(binaries, standins, _pqhost, sample):
@@ -500,10 +677,19 @@ def main():
     for sample in samples:
         if sample.name in RECORDED:
             check(f"recording of {sample.name}", check_recording, sample)
-    for mode in ["hang", "leave-child"]:
-        check(f"a tool with a limit ({mode})", check_tool_limit(mode),
+    for name, (folder, is_found) in HOST_FOLDERS.items():
+        check(f"blade on a host in a folder with {name}", check_host_folder(folder, is_found),
+              ROOT / "samples" / "blade")
+    for password, kind in PASSWORDS.items():
+        check(f"the AMT password {ascii(password)}", check_password(password, kind),
+              ROOT / "samples" / "amt-desktop")
+    # arp.exe is read through a pipe, route.exe writes to a file.
+    for tool, mode, is_ended in [("arp", "hang", True), ("arp", "leave-child", True),
+                                 ("route", "hang", True), ("route", "leave-child", False)]:
+        check(f"{tool} with a limit ({mode})", check_tool_limit(tool, mode, is_ended),
               ROOT / "samples" / "two-socket-server")
     check("Ctrl-C", check_interruption, ROOT / "samples" / "two-socket-server")
+    check("Ctrl-C twice", check_second_interruption, ROOT / "samples" / "two-socket-server")
     check("Wine's own interpreter and netstat", check_wines_own, ROOT / "samples" / "two-socket-server")
     wait_for_wine()
     print(f"{passed} passed, {failed} failed")

@@ -5,6 +5,7 @@
 #include <shellapi.h>
 
 #include <cstdio>
+#include <cstdlib>
 
 #include "host/pqhost/terminal.h"
 
@@ -40,7 +41,12 @@ TerminalFacts PrepareTerminal() {
   facts.errorIsTerminal = PrepareConsole(STD_ERROR_HANDLE);
   wchar_t noColor[2];
   facts.colors = outObeys && GetEnvironmentVariableW(L"NO_COLOR", noColor, 2) == 0;
-  if (facts.outIsTerminal || facts.errorIsTerminal) SetConsoleOutputCP(CP_UTF8);
+  if (facts.outIsTerminal || facts.errorIsTerminal) {
+    // The console outlives this program, and so would its code page.
+    static const UINT codePageBefore = GetConsoleOutputCP();
+    std::atexit([] { SetConsoleOutputCP(codePageBefore); });
+    SetConsoleOutputCP(CP_UTF8);
+  }
   CONSOLE_SCREEN_BUFFER_INFO info;
   const DWORD screen = facts.outIsTerminal ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE;
   if (GetConsoleScreenBufferInfo(GetStdHandle(screen), &info)) {
