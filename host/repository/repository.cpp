@@ -78,6 +78,8 @@ struct RepositoryState {
     const auto [shape, isNew] = shapes.insert(instance.shape);
     host::Table& table = tables[shape->className];
     if (isNew) AddColumns(table, *shape);
+    // A row stays; what the growing list had room for besides goes, without a copy of the texts.
+    instance.values->shrink_to_fit();
     table.rows.push_back({&*shape, instance.values});
   }
 
