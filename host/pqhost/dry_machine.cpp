@@ -43,9 +43,9 @@ class DryPipe final : public pq::Pipe {
   }
 };
 
-class DryProcess final : public pq::Process {
+class DryProcess final : public pq::Process, private HandedOut {
  public:
-  explicit DryProcess(std::uint32_t exitCode) : exitCode(exitCode) {}
+  DryProcess(std::uint32_t exitCode, HandedOutList& list) : HandedOut(list), exitCode(exitCode) {}
   void Wait() override {}
   std::uint32_t ReadExitCode(std::uint32_t& code) override {
     code = exitCode;
@@ -56,9 +56,9 @@ class DryProcess final : public pq::Process {
   std::uint32_t exitCode;
 };
 
-class DryText final : public pq::TextFile {
+class DryText final : public pq::TextFile, private HandedOut {
  public:
-  explicit DryText(std::string_view line) : line(line) {}
+  DryText(std::string_view line, HandedOutList& list) : HandedOut(list), line(line) {}
   bool ReadLine(char* buffer, std::size_t size) override {
     if (wasRead || line.empty()) return false;
     wasRead = true;
@@ -106,7 +106,7 @@ pq::Acquired<pq::Process> DryMachine::StartInterpreter(const std::string& comman
     return commandLine.find(exit.command) != std::string::npos;
   });
   const std::uint32_t exitCode = known == std::end(kExits) ? 0 : known->exitCode;
-  return {std::make_unique<DryProcess>(exitCode), 0};
+  return {std::make_unique<DryProcess>(exitCode, handedOut), 0};
 }
 
 void DryMachine::RunSystem(const std::string& command) { commands.push_back({module, command}); }
@@ -114,7 +114,7 @@ void DryMachine::RunSystem(const std::string& command) { commands.push_back({mod
 std::unique_ptr<pq::TextFile> DryMachine::OpenText(const std::string& path) {
   const auto* known = std::find_if(std::begin(kFiles), std::end(kFiles),
                                    [&](const DryFile& file) { return path.ends_with(file.end); });
-  return std::make_unique<DryText>(known == std::end(kFiles) ? "" : known->line);
+  return std::make_unique<DryText>(known == std::end(kFiles) ? "" : known->line, handedOut);
 }
 
 void DryMachine::WriteConsole(std::string_view /*text*/) {}

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "frame/platform.h"
+#include "host/recorded/handed_out.h"
 
 namespace host {
 
@@ -48,6 +49,7 @@ class DryMachine final : public pq::Platform {
   DryFacts facts;
   std::string module;
   std::vector<DryCommand> commands;
+  HandedOutList handedOut;
 };
 
 /// The commands that a collection would run, in order: all modules and tables, or those named.

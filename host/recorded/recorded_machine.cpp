@@ -5,9 +5,11 @@
 #include <cstdlib>
 #include <cstring>
 #include <deque>
+#include <set>
 #include <utility>
 #include <vector>
 
+#include "host/recorded/handed_out.h"
 #include "host/recorded/interpreter.h"
 #include "host/recorded/machine_files.h"
 #include "host/recorded/own_commands.h"
@@ -113,25 +115,15 @@ class RecordedPipe final : public pq::Pipe {
   bool isWriteEndOpen = true;
 };
 
-class RecordedProcess;
-
-/// The processes that nobody has closed yet.
-using OpenProcesses = std::set<RecordedProcess*>;
-
-class RecordedProcess final : public pq::Process {
+class RecordedProcess final : public pq::Process, private HandedOut {
  public:
   RecordedProcess(std::uint32_t exitCode, std::uint32_t exitCodeError, MachineObserver* observer,
-                  std::shared_ptr<int> openHandles, OpenProcesses& open)
-      : exitCode(exitCode),
+                  std::shared_ptr<int> openHandles, HandedOutList& open)
+      : HandedOut(open),
+        exitCode(exitCode),
         exitCodeError(exitCodeError),
         observer(observer),
-        handle(std::move(openHandles)),
-        open(open) {
-    open.insert(this);
-  }
-  RecordedProcess(const RecordedProcess&) = delete;
-  RecordedProcess& operator=(const RecordedProcess&) = delete;
-  ~RecordedProcess() override { open.erase(this); }
+        handle(std::move(openHandles)) {}
 
   void Wait() override {
     if (observer != nullptr) observer->OnProcessEnd(exitCode);
@@ -147,23 +139,12 @@ class RecordedProcess final : public pq::Process {
   std::uint32_t exitCodeError;
   MachineObserver* observer;
   OpenHandle handle;
-  OpenProcesses& open;
 };
 
-class OpenedText;
-
-/// The files that nobody has closed yet.
-using OpenTexts = std::set<OpenedText*>;
-
-class OpenedText final : public pq::TextFile {
+class OpenedText final : public pq::TextFile, private HandedOut {
  public:
-  OpenedText(Bytes bytes, std::shared_ptr<int> openHandles, OpenTexts& open)
-      : text(std::move(bytes)), handle(std::move(openHandles)), open(open) {
-    open.insert(this);
-  }
-  OpenedText(const OpenedText&) = delete;
-  OpenedText& operator=(const OpenedText&) = delete;
-  ~OpenedText() override { open.erase(this); }
+  OpenedText(Bytes bytes, std::shared_ptr<int> openHandles, HandedOutList& open)
+      : HandedOut(open), text(std::move(bytes)), handle(std::move(openHandles)) {}
   bool ReadLine(char* buffer, std::size_t size) override { return text.ReadLine(buffer, size); }
   void Rewind() override { text.Rewind(); }
   std::uint64_t SizeAndRewind() override { return text.SizeAndRewind(); }
@@ -171,7 +152,6 @@ class OpenedText final : public pq::TextFile {
  private:
   StoredText text;
   OpenHandle handle;
-  OpenTexts& open;
 };
 
 }  // namespace
@@ -190,14 +170,6 @@ struct RecordedMachine::State {
     }
     recording.commands.clear();
   }
-  State(const State&) = delete;
-  State& operator=(const State&) = delete;
-  ~State() {
-    // What was let go stays open for as long as the machine runs.
-    while (!openProcesses.empty()) delete *openProcesses.begin();
-    while (!openTexts.empty()) delete *openTexts.begin();
-  }
-
   Pipeline Parse(std::string_view commandLine) const {
     return ParseCommandLine(
         commandLine, [this](std::string_view path) { return tools.contains(ToolName(path)); });
@@ -322,8 +294,7 @@ struct RecordedMachine::State {
   std::set<std::string> tools;
   std::size_t consoleAt = 0;
   std::shared_ptr<int> openHandles = std::make_shared<int>(0);
-  OpenProcesses openProcesses;
-  OpenTexts openTexts;
+  HandedOutList handedOut;
 };
 
 RecordedMachine::RecordedMachine(Recording recording, MachineObserver* observer)
@@ -381,7 +352,7 @@ pq::Acquired<pq::Process> RecordedMachine::StartInterpreter(const std::string& c
     state->ShowOnConsole(outcome);
   }
   return {std::make_unique<RecordedProcess>(outcome.exitCode, exitCodeError, state->observer,
-                                            state->openHandles, state->openProcesses)};
+                                            state->openHandles, state->handedOut)};
 }
 
 void RecordedMachine::RunSystem(const std::string& command) {
@@ -397,7 +368,7 @@ std::unique_ptr<pq::TextFile> RecordedMachine::OpenText(const std::string& path)
   if (state->observer != nullptr) state->observer->OnOpen(path, "r");
   Bytes bytes = state->files.Find(path);
   if (bytes == nullptr || path.ends_with('\\')) return nullptr;
-  return std::make_unique<OpenedText>(std::move(bytes), state->openHandles, state->openTexts);
+  return std::make_unique<OpenedText>(std::move(bytes), state->openHandles, state->handedOut);
 }
 
 void RecordedMachine::WriteConsole(std::string_view text) {
