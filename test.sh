@@ -51,14 +51,14 @@ counted() {  # NAME
 for preset in native asan windows fuzz; do check "build $preset" scripts/build.sh "$preset"; done
 check "build bench" scripts/build.sh bench
 
-# These keep one core busy each.
-{ run windows scripts/wine_tests.sh; run browser scripts/browser_tests.sh; } &
+# Wine keeps one core busy, the others another one.
+run windows scripts/wine_tests.sh &
 run native scripts/gtest.sh build/native/bin/pq_tests
 run asan scripts/gtest.sh build/asan/bin/pq_tests
-wait
-for name in native asan windows browser; do counted "$name"; done
+run browser scripts/browser_tests.sh
 run fuzz scripts/fuzz.sh --replay
-counted fuzz
+wait
+for name in native asan windows browser fuzz; do counted "$name"; done
 check schema scripts/check_schema.sh build/native/bin/pqhost
 check format scripts/format.sh
 check lint scripts/lint.sh

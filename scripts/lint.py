@@ -29,7 +29,7 @@ def dependencies():
 
 def fingerprint(files):
     digest = hashlib.sha256()
-    for file in [ROOT / ".clang-tidy", *sorted(set(files))]:
+    for file in [ROOT / ".clang-tidy", ROOT / "tests" / ".clang-tidy", *sorted(set(files))]:
         digest.update(str(file.relative_to(ROOT)).encode())
         digest.update(file.read_bytes())
     return digest.hexdigest()
