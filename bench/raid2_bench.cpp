@@ -179,18 +179,20 @@ void BM_IntelDevices(benchmark::State& state) {
   MeasureReport(state, "rstcli64_5.exe", "-I", "ENDDEVICEINFO", IntelText(state.range(0)));
 }
 
-/// One controller with 1,000 drives, that many lines of events and as many of its firmware's log.
-/// Each of storcli's four reports is read twice, from two files: as rows, and whole.
+/// One controller with one drive for every 1,000 lines of events and as many lines of its
+/// firmware's log, so that all sizes have the same mixture. Each of storcli's four reports is read
+/// twice, from two files: as rows, and whole.
 void BM_RaidLogs(benchmark::State& state) {
   CollectionCase measured = RaidMachine("Controller Count = 1\r\n");
-  AddReport(measured, "storcli.exe", "/c0 show", DriveListText(1000), 2);
+  const std::int64_t drives = state.range(0) / 1000;
+  AddReport(measured, "storcli.exe", "/c0 show", DriveListText(drives), 2);
   AddReport(measured, "storcli.exe", "/c0 show events", EventText(state.range(0)), 2);
   AddReport(measured, "storcli.exe", "/c0 show termlog", TermLogText(state.range(0)), 2);
-  AddReport(measured, "storcli.exe", "/c0/eall/sall show all", DriveDetailsText(42000), 2);
-  AddReport(measured, "SAS2IR_windows_x64.exe", "logir.log", Sas2LogText(1000));
-  AddReport(measured, "rstcli64_5.exe", "-I", IntelText(1000));
+  AddReport(measured, "storcli.exe", "/c0/eall/sall show all", DriveDetailsText(42 * drives), 2);
+  AddReport(measured, "SAS2IR_windows_x64.exe", "logir.log", Sas2LogText(14 * drives));
+  AddReport(measured, "rstcli64_5.exe", "-I", IntelText(11 * drives));
   measured.table = "FWTERMLOG";
-  measured.lineCount = 4 * state.range(0) + 2 * 43000 + 2000;
+  measured.lineCount = 4 * state.range(0) + (2 * 43 + 14 + 11) * drives;
   MeasureCollection(state, measured);
 }
 

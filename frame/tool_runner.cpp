@@ -46,6 +46,13 @@ ToolExit RunForExitCode(const std::string& commandLine) {
   return result;
 }
 
+std::string JoinPieces(std::deque<std::string> pieces, std::size_t size) {
+  std::string text;
+  text.reserve(size);
+  for (; !pieces.empty(); pieces.pop_front()) text += pieces.front();
+  return text;
+}
+
 PipedTool::PipedTool(std::string commandLine) : commandLine(std::move(commandLine)) {}
 
 bool PipedTool::OpenPipe() {

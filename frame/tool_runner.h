@@ -6,9 +6,11 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "frame/platform.h"
 
@@ -58,6 +60,10 @@ struct ToolExit : ToolRun {
 /// As RunAndWait, without handle inheritance; reads the exit code.
 ToolExit RunForExitCode(const std::string& commandLine);
 
+/// The pieces as one text of `size` bytes. A text that grew with every piece would be copied again
+/// and again, and hold up to twice as much.
+std::string JoinPieces(std::deque<std::string> pieces, std::size_t size);
+
 /// A tool whose standard output and standard error are read through one pipe.
 ///
 ///   PipedTool tool(command);
@@ -79,15 +85,18 @@ class PipedTool {
   /// all bytes, at most kPipeOutputLimit; callers that treat them as text stop at the first NUL.
   template <typename OnChunk>
   std::string Collect(std::size_t chunkRoom, const OnChunk& onChunk) {
-    std::string output;
+    std::deque<std::string> pieces;
     const auto chunk = std::make_unique<char[]>(chunkRoom);
+    std::size_t left = kPipeOutputLimit;
     std::size_t count = 0;
     while (pipe->Read(chunk.get(), chunkRoom - 1, count)) {
       chunk[count] = '\0';
       onChunk(static_cast<const char*>(chunk.get()), count);
-      output.append(chunk.get(), std::min(count, kPipeOutputLimit - output.size()));
+      const std::size_t kept = std::min(count, left);
+      if (kept > 0) pieces.emplace_back(chunk.get(), kept);
+      left -= kept;
     }
-    return output;
+    return JoinPieces(std::move(pieces), kPipeOutputLimit - left);
   }
   /// Closes the read end, waits for the tool and closes its handles.
   void Finish();

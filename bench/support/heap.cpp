@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <limits>
 #include <new>
 
 namespace {
@@ -25,6 +26,14 @@ void Free(void* block) {
   inUse -= malloc_usable_size(block);
   std::free(block);
 }
+
+/// Memory that was had once stays with the program, as in a host that runs for long. What the
+/// kernel takes to hand out and clear pages, over and over for large blocks, would otherwise count
+/// in some benchmarks and not in others, depending on what ran before.
+const bool keepsMemory = [] {
+  constexpr int kNever = std::numeric_limits<int>::max();
+  return mallopt(M_MMAP_THRESHOLD, kNever) != 0 && mallopt(M_TRIM_THRESHOLD, kNever) != 0;
+}();
 
 }  // namespace
 

@@ -1,4 +1,4 @@
-// The heap of the program: every operator new and delete is counted.
+// The heap of the program: every operator new and delete is counted, and freed memory is kept.
 #pragma once
 
 #include <cstddef>

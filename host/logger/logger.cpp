@@ -31,7 +31,10 @@ void SetLogFolder(const std::string& folder) {
 
 namespace LogKit {
 
-Log::Log(unsigned level, const char* file, int line) : level(level), file(file), line(line) {}
+Log::Log(unsigned level, const char* file, int line) : level(level), file(file), line(line) {
+  // A text that nobody takes is not put together: a tool's whole output can be one.
+  if (!host::TheLogger().sink) stream.setstate(std::ios::badbit);
+}
 
 Log::~Log() {
   const auto& sink = host::TheLogger().sink;
