@@ -28,7 +28,6 @@ _pqhost_complete() {
     --format)
       case $command in
         modules) words="table json markdown" ;;
-        query) words="${formats/sqlite /}" ;;
         *) words=$formats ;;
       esac ;;
     --tool-limit) return ;;

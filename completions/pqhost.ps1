@@ -15,7 +15,7 @@ Register-ArgumentCompleter -Native -CommandName pqhost, pqhost.exe -ScriptBlock 
     $formats = @{
         collect = 'table', 'json', 'ndjson', 'csv', 'html', 'sqlite', 'none'
         modules = 'table', 'json', 'markdown'
-        query   = 'table', 'json', 'ndjson', 'csv', 'html', 'none'
+        query   = 'table', 'json', 'ndjson', 'csv', 'html', 'sqlite', 'none'
     }
 
     # The words before the one that is being typed.

@@ -332,6 +332,13 @@ TEST(Collect, ColoursOnATerminal) {
   EXPECT_THAT(ReplayServer({"--table", "ARPINFO"}, {.out = true}).out, Not(HasSubstr("\x1b")));
 }
 
+TEST(Collect, PrintsNoDatabaseOnATerminal) {
+  const HostRun run = Replay(Sample("two-socket-server"), {"--format", "sqlite"}, {.out = true});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_EQ(run.out, "");
+  EXPECT_EQ(run.error, "pqhost: --format sqlite is nothing for a terminal: add --output FILE\n");
+}
+
 TEST(Collect, NeverColoursAFile) {
   const TemporaryFolder folder;
   ReplayServer({"--table", "ARPINFO", "--output", folder / "o"}, {.out = true, .colors = true});
@@ -390,6 +397,17 @@ TEST(Query, AsksADatabaseThatACollectionWasWrittenTo) {
       {"query", file, "SELECT rows FROM tables WHERE class = 'SENSORINFO'", "--format", "ndjson"});
   EXPECT_EQ(run.exitCode, 0) << run.error;
   EXPECT_EQ(run.out, "{\"class\":\"ANSWER\",\"row\":{\"rows\":\"41\"}}\n");
+}
+
+TEST(Query, WritesItsAnswerAsADatabase) {
+  const TemporaryFolder folder;
+  const std::string answer = folder / "answer.db";
+  const HostRun asked = RunHost({"query", "--replay", Sample("two-socket-server"),
+                                 "SELECT class FROM tables WHERE class LIKE 'EVENTLOG%'",
+                                 "--format", "sqlite", "--output", answer});
+  EXPECT_EQ(asked.exitCode, 0) << asked.error;
+  EXPECT_THAT(RunHost({"query", answer, "SELECT count(*) FROM ANSWER", "--format", "csv"}).out,
+              HasSubstr("\r\n5\r\n"));
 }
 
 TEST(Query, SaysWhatIsWrongWithAQuery) {

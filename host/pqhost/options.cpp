@@ -130,12 +130,6 @@ std::vector<std::string> FormatNames() {
   return names;
 }
 
-std::vector<std::string> TextFormatNames() {
-  std::vector<std::string> names = FormatNames();
-  std::erase_if(names, [](const std::string& name) { return FindFormat(name)->isBinary; });
-  return names;
-}
-
 void CheckFormat(const std::string& format, const std::vector<std::string>& names) {
   if (std::find(names.begin(), names.end(), format) != names.end()) return;
   throw UsageError(fmt::format("there is no format {}{} (formats: {})", format,
@@ -206,8 +200,7 @@ class Parser {
         "Keep what the tools print in this new folder, to be replayed (Windows)");
     AddLogFolder(*collect);
     AddPlugin(*collect);
-    Add(*collect, "--format", given.format, "NAME",
-        "Format of the results: " + FormatList(FormatNames()));
+    Add(*collect, "--format", given.format, "NAME", "Format of the results: " + FormatList());
     Add(*collect, "--output", given.output, "FILE", "Write the results to this file");
     collect
         ->add_option("--tool-limit", given.toolLimit,
@@ -238,8 +231,7 @@ class Parser {
     AddReplay(*query);
     AddPlugin(*query);
     AddLogFolder(*query);
-    Add(*query, "--format", given.format, "NAME",
-        "Format of the answer: " + FormatList(TextFormatNames()));
+    Add(*query, "--format", given.format, "NAME", "Format of the answer: " + FormatList());
     Add(*query, "--output", given.output, "FILE", "Write the answer to this file");
   }
 
@@ -274,8 +266,9 @@ class Parser {
         "The library; repository_pqmodule.dll beside this program, unless given");
   }
 
-  static std::string FormatList(const std::vector<std::string>& names) {
-    return fmt::format("{}; {} unless given", fmt::join(names, ", "), Formats().front().name);
+  static std::string FormatList() {
+    return fmt::format("{}; {} unless given", fmt::join(FormatNames(), ", "),
+                       Formats().front().name);
   }
 
   static Options ShowText(std::string text) {
@@ -375,9 +368,6 @@ class Parser {
     if (given.query.size() > 1) options.database = PathOf(given.query.front());
     if (options.database && options.replay) {
       throw UsageError("a database and --replay are both there to be asked: give one of them");
-    }
-    if (FindFormat(options.format)->isBinary) {
-      throw UsageError("an answer has no database format: choose another one");
     }
     return options;
   }

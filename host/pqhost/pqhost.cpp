@@ -3,6 +3,7 @@
 #include <exception>
 
 #include "host/pqhost/commands.h"
+#include "host/pqhost/formats.h"
 #include "host/pqhost/live.h"
 #include "host/pqhost/options.h"
 #include "host/pqhost/recording_file.h"
@@ -12,7 +13,16 @@
 namespace host {
 namespace {
 
+void RefuseBytesOnTerminal(const Options& options, const Console& console) {
+  if (!console.outIsTerminal || !options.output.IsStandardOutput()) return;
+  const Format* format = FindFormat(options.format);
+  if (format == nullptr || !format->isBinary) return;
+  throw UsageError(std::string("--format ") + options.format +
+                   " is nothing for a terminal: add --output FILE");
+}
+
 int RunCommand(const Options& options, const Console& console) {
+  RefuseBytesOnTerminal(options, console);
   switch (options.command) {
     case Command::kModules:
       return RunModulesCommand(options, console);

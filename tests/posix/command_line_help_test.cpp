@@ -90,7 +90,7 @@ TEST(BashCompletion, OffersTheFormatsOfACommand) {
   EXPECT_EQ(CompleteInBash({"modules", "--format", ""}),
             (std::set<std::string>{"table", "json", "markdown"}));
   EXPECT_TRUE(CompleteInBash({"collect", "--format", "s"}).contains("sqlite"));
-  EXPECT_FALSE(CompleteInBash({"query", "--format", "s"}).contains("sqlite"));
+  EXPECT_TRUE(CompleteInBash({"query", "--format", "s"}).contains("sqlite"));
 }
 
 TEST(BashCompletion, OffersTheModules) {
