@@ -225,7 +225,8 @@ TEST(DryRunCommand, ShowsWhatANamedTableTakes) {
 }
 
 TEST(DryRunCommand, RefusesWhatItWouldNotDo) {
-  for (const char* option : {"--record", "--format", "--output", "--trace", "--tool-limit"}) {
+  for (const char* option :
+       {"--record", "--format", "--output", "--trace", "--tool-limit", "--plugin"}) {
     std::string value = std::string(option) == "--format" ? "json" : "7";
     const test::HostRun run = test::RunHost({"collect", "--dry-run", option, value});
     EXPECT_EQ(run.exitCode, 2) << option;
@@ -233,16 +234,6 @@ TEST(DryRunCommand, RefusesWhatItWouldNotDo) {
                              " has no use with --dry-run, which collects nothing: leave one of "
                              "them away\n");
   }
-}
-
-TEST(DryRunCommand, LeavesTheNextCollectionItsLogFolder) {
-  const std::vector<std::string> collect = {"collect", "--replay", test::Sample("hba-only"),
-                                            "--format", "json"};
-  const test::HostRun before = test::RunHost(collect);
-  test::RunHost({"collect", "--dry-run", "--replay", test::Sample("blade")});
-  const test::HostRun after = test::RunHost(collect);
-  EXPECT_EQ(after.exitCode, before.exitCode);
-  EXPECT_EQ(after.error, before.error);
 }
 
 }  // namespace
