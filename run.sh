@@ -24,8 +24,8 @@ scripts/build.sh windows pqhost repository_pqmodule
 out=$PWD/build/run
 mkdir -p "$out/logs"
 status=0
-(cd "$out" && wine ../windows/bin/pqhost.exe collect --log-folder logs --output result.txt </dev/null) ||
-  status=$?
+(cd "$out" && "${at_fixed_addresses[@]}" wine ../windows/bin/pqhost.exe collect --log-folder logs \
+  --output result.txt </dev/null) || status=$?
 [[ $status -le 1 ]] || exit "$status"
 cat "$out/result.txt"
 echo

@@ -13,7 +13,7 @@ failed=0
 run() {  # NAME COMMAND...
   local log=build/logs/wine-$1.log status=0 line
   shift
-  "$@" 2>&1 | tee "$log" || status=$?
+  "${at_fixed_addresses[@]}" "$@" 2>&1 | tee "$log" || status=$?
   line=$(tail -n 1 "$log")
   if [[ $line =~ ^([0-9]+)\ passed,\ ([0-9]+)\ failed$ ]]; then
     passed=$((passed + BASH_REMATCH[1]))
