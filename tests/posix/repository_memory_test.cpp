@@ -10,7 +10,12 @@
 #include "frame/halyard/repository.h"
 #include "host/repository/store.h"
 
-#ifdef __SANITIZE_ADDRESS__
+#ifdef __has_feature
+#define PQ_HAS_ADDRESS_SANITIZER __has_feature(address_sanitizer)
+#else
+#define PQ_HAS_ADDRESS_SANITIZER 0
+#endif
+#if PQ_HAS_ADDRESS_SANITIZER
 // The address sanitizer brings an allocator of its own.
 extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
 #endif
@@ -22,7 +27,7 @@ using halyard::repository::RInstance;
 using halyard::repository::RRepository;
 
 std::size_t AllocatedBytes() {
-#ifdef __SANITIZE_ADDRESS__
+#if PQ_HAS_ADDRESS_SANITIZER
   return __sanitizer_get_current_allocated_bytes();
 #else
   const auto info = mallinfo2();
@@ -45,6 +50,7 @@ double BytesBeyondText(std::size_t rows, int columns, std::size_t length) {
   }
   EXPECT_EQ(TablesOf(repository).at("SELINFO").rows.size(), rows);
   const std::size_t text = rows * static_cast<std::size_t>(columns) * length;
+  EXPECT_GT(AllocatedBytes() - before, text);
   return (static_cast<double>(AllocatedBytes() - before) - static_cast<double>(text)) /
          static_cast<double>(rows);
 }
