@@ -52,6 +52,8 @@ counted() {  # NAME
 for preset in native windows; do check "build $preset" scripts/build.sh "$preset"; done
 run windows scripts/wine_tests.sh &
 for preset in asan fuzz bench; do check "build $preset" nice scripts/build.sh "$preset"; done
+nice scripts/lint.sh >build/logs/lint.log 2>&1 &
+lint=$!
 
 run native scripts/gtest.sh build/native/bin/pq_tests
 run asan scripts/gtest.sh build/asan/bin/pq_tests
@@ -60,7 +62,8 @@ run fuzz scripts/fuzz.sh --replay
 for name in native asan browser fuzz; do counted "$name"; done
 check schema scripts/check_schema.sh build/native/bin/pqhost
 check format scripts/format.sh
-check lint nice scripts/lint.sh
+check lint wait "$lint"
+cat build/logs/lint.log
 wait
 counted windows
 
