@@ -100,8 +100,8 @@ class Platform {
   [[noreturn]] virtual void FailRangeCheck() = 0;
 };
 
-/// The machine that the modules see. Each binary brings its own: frame/windows in the library,
-/// host/recorded elsewhere.
+/// The machine that the modules see: frame/windows in the library, elsewhere the one that is in use
+/// on this thread (frame/bound).
 Platform& Machine();
 
 }  // namespace pq

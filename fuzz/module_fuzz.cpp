@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "frame/add_modules.h"
+#include "frame/bound/machine_in_use.h"
 #include "frame/platform.h"
 #include "host/logger/logger.h"
 #include "host/recorded/recorded_machine.h"
@@ -209,7 +210,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const auto& module = modules[data[0] % modules.size()];
   AnsweringMachine machine({reinterpret_cast<const char*>(data) + 2, size - 2},
                            data[1] % 2 == 1 ? 1033 : 1031);
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   host::SetLogFolder("C:\\Halyard\\logs\\");
   halyard::repository::RRepository repository;
   RunWatcher watcher;

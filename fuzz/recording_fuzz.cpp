@@ -13,8 +13,8 @@
 #include <string>
 #include <string_view>
 
-#include "host/pqhost/recording_file.h"
 #include "host/recorded/recorded_machine.h"
+#include "host/recording/recording_file.h"
 
 namespace {
 

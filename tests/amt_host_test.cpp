@@ -5,10 +5,10 @@
 #include <string>
 #include <vector>
 
-#include "host/pqhost/command_text.h"
-#include "host/pqhost/failures.h"
+#include "host/collect/command_text.h"
+#include "host/collect/failures.h"
+#include "host/collect/trace.h"
 #include "host/pqhost/pqhost.h"
-#include "host/pqhost/trace.h"
 #include "host/recorded/recorded_machine.h"
 #include "tests/support/collected.h"
 

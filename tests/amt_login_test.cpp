@@ -1,6 +1,6 @@
 // Keeping the password of the AMT log tool out of what the host writes.
 
-#include "host/pqhost/amt_login.h"
+#include "host/secrets/amt_login.h"
 
 #include <gmock/gmock.h>
 

@@ -6,8 +6,9 @@
 #include <string_view>
 #include <vector>
 
-#include "host/pqhost/recording_file.h"
+#include "frame/bound/machine_in_use.h"
 #include "host/recorded/recorded_machine.h"
+#include "host/recording/recording_file.h"
 #include "pqmodules/ramtinfo.h"
 #include "pqmodules/ramtinfo/login_line.h"
 #include "tests/support/collected.h"
@@ -91,7 +92,7 @@ template <typename Operation>
 int ResultOf(const host::Recording& recording, const Operation& operation) {
   host::SetLogFolder(recording.logFolder);
   host::RecordedMachine machine(recording);
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   pq::RAMTInfo module;
   return operation(module);
 }
@@ -276,7 +277,7 @@ TEST(AmtPresence, HostFolderStandsInTheCommandAsItIs) {
 
 /// Tests for AMT in a host whose folder's path has `length` characters.
 int CheckInFolder(test::FakePlatform& machine, std::size_t length) {
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   machine.hostExecutable = "C:\\" + std::string(length - 3, 'h') + "\\halyard.exe";
   return pq::RAMTInfo().CheckAMT();
 }

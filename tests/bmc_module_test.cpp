@@ -5,8 +5,9 @@
 #include <utility>
 #include <vector>
 
-#include "host/pqhost/recording_file.h"
+#include "frame/bound/machine_in_use.h"
 #include "host/recorded/recorded_machine.h"
+#include "host/recording/recording_file.h"
 #include "pqmodules/rbmcinfo.h"
 #include "tests/support/bmc_machine.h"
 #include "tests/support/fake_platform.h"
@@ -237,7 +238,7 @@ TEST(BmcDetection, StartsACommandThatJustFits) {
   const auto callsIn = [&](std::size_t folderSize) {
     FakePlatform machine;
     machine.hostExecutable = "C:\\" + std::string(folderSize - 3, 'h') + "\\h.exe";
-    const host::MachineInUse inUse(machine);
+    const pq::MachineInUse inUse(machine);
     halyard::repository::RRepository repository;
     pq::RBMCInfo().EnumBMCInstances(repository);
     return machine.calls.size();
@@ -249,7 +250,7 @@ TEST(BmcDetection, StartsACommandThatJustFits) {
 TEST(BmcDetection, ReportsACommandThatDoesNotFit) {
   FakePlatform machine;
   machine.hostExecutable = "C:\\" + std::string(505, 'h') + "\\h.exe";
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   const LogLines log;
   halyard::repository::RRepository repository;
   pq::RBMCInfo().EnumBMCInstances(repository);
@@ -265,7 +266,7 @@ int ResultOf(const host::Recording& recording, Step step) {
   Collect(MakeBmcMachine(4), kModule, {"MCINFO"});  // Finds the host's folder for all objects.
   host::SetLogFolder(recording.logFolder);
   host::RecordedMachine machine(recording);
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   pq::RRepository repository;
   pq::RBMCInfo module;
   return step(module, repository);
@@ -370,7 +371,7 @@ std::vector<std::string> CallsOf(const ResultStep& step, const std::string& outp
     count = output.copy(buffer, size);
     return !std::exchange(isRead, true);
   };
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   pq::RRepository repository;
   pq::RBMCInfo module;
   step.step(module, repository);
@@ -400,7 +401,7 @@ TEST(BmcStep, OfAFileClosesTheUtilityBeforeItOpensTheFile) {
 
 TEST(BmcStep, OfAnUnknownSelectorRunsNothingAndReturns1) {
   FakePlatform machine;
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   const LogLines log;
   pq::RRepository repository;
   for (const int selector : {-1, 0, 7}) {

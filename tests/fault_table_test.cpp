@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "frame/add_modules.h"
-#include "host/pqhost/recording_file.h"
+#include "host/recording/recording_file.h"
 #include "tests/support/collected.h"
 
 namespace test {

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "host/pqhost/machine_check.h"
-#include "host/pqhost/usage_error.h"
+#include "host/check/machine_check.h"
+#include "host/text/usage_error.h"
 #include "tests/support/host_run.h"
 
 namespace {

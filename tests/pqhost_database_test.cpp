@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "frame/halyard/repository.h"
-#include "host/pqhost/database.h"
+#include "host/formats/database.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "host/pqhost/command_text.h"
-#include "host/pqhost/failures.h"
+#include "host/collect/command_text.h"
+#include "host/collect/failures.h"
 
 namespace host {
 namespace {

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "host/pqhost/nearest_name.h"
+#include "host/text/nearest_name.h"
 
 namespace host {
 namespace {

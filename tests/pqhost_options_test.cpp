@@ -3,10 +3,10 @@
 #include <string>
 #include <vector>
 
-#include "host/pqhost/formats.h"
+#include "host/formats/formats.h"
 #include "host/pqhost/options.h"
-#include "host/pqhost/usage_error.h"
-#include "host/pqhost/version.h"
+#include "host/text/usage_error.h"
+#include "host/text/version.h"
 
 namespace host {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "host/pqhost/output_file.h"
-#include "host/pqhost/usage_error.h"
+#include "host/files/output_file.h"
+#include "host/text/usage_error.h"
 #include "tests/support/temporary_folder.h"
 
 namespace host {

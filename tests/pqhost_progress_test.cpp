@@ -3,8 +3,8 @@
 #include <sstream>
 #include <string>
 
-#include "host/pqhost/progress.h"
-#include "host/pqhost/screen_text.h"
+#include "host/pqhost/collection_progress.h"
+#include "host/text/screen_text.h"
 
 namespace host {
 namespace {
@@ -16,44 +16,44 @@ using testing::Not;
 constexpr char kWipe[] = "\r\x1b[K";
 constexpr char kStorcli[] = "/c \"\"C:\\H\\storcli.exe\" /c0 show > \"C:\\l\\x.txt\"\"";
 
-TEST(ProgressLine, ShowsModuleAndTool) {
+TEST(CollectionProgress, ShowsModuleAndTool) {
   std::ostringstream out;
   {
-    ProgressLine progress(out, 80);
+    CollectionProgress progress(out, 80);
     progress.Module("sampleModule1", "");
     progress.OnProcess("cmd.exe", kStorcli, false, false);
   }
   EXPECT_THAT(out.str(), HasSubstr("s  sampleModule1: storcli.exe (0.0 s)"));
 }
 
-TEST(ProgressLine, ForgetsAToolThatHasEnded) {
+TEST(CollectionProgress, ForgetsAToolThatHasEnded) {
   std::ostringstream out;
-  ProgressLine progress(out, 80);
+  CollectionProgress progress(out, 80);
   progress.Module("sampleModule1", "");
   progress.OnProcess("cmd.exe", kStorcli, false, false);
   progress.OnProcessEnd(0);
   EXPECT_THAT(out.str(), EndsWith("s  sampleModule1"));
 }
 
-TEST(ProgressLine, WipesItselfOffInTheEnd) {
+TEST(CollectionProgress, WipesItselfOffInTheEnd) {
   std::ostringstream out;
   {
-    ProgressLine progress(out, 80);
+    CollectionProgress progress(out, 80);
     progress.Module("sampleModule1", "");
   }
   EXPECT_THAT(out.str(), EndsWith(kWipe));
 }
 
-TEST(ProgressLine, WritesNothingWhenNothingHappened) {
+TEST(CollectionProgress, WritesNothingWhenNothingHappened) {
   std::ostringstream out;
-  { const ProgressLine progress(out, 80); }
+  { const CollectionProgress progress(out, 80); }
   EXPECT_EQ(out.str(), "");
 }
 
-TEST(ProgressLine, FitsTheTerminal) {
+TEST(CollectionProgress, FitsTheTerminal) {
   std::ostringstream out;
   {
-    ProgressLine progress(out, 16);
+    CollectionProgress progress(out, 16);
     progress.Module("a_module_with_a_long_name", "");
   }
   const std::string text = out.str();
@@ -61,17 +61,17 @@ TEST(ProgressLine, FitsTheTerminal) {
   EXPECT_LT(MeasureWidth(line), 16U) << line;
 }
 
-TEST(ProgressLine, MakesRoomForAPrompt) {
+TEST(CollectionProgress, MakesRoomForAPrompt) {
   std::ostringstream out;
-  ProgressLine progress(out, 80);
+  CollectionProgress progress(out, 80);
   progress.Module("AMT_Info", "");
   progress.OnConsole("Please input");
   EXPECT_THAT(out.str(), EndsWith(kWipe));
 }
 
-TEST(ProgressLine, NeverShowsWhatATerminalWouldObey) {
+TEST(CollectionProgress, NeverShowsWhatATerminalWouldObey) {
   std::ostringstream out;
-  ProgressLine progress(out, 80);
+  CollectionProgress progress(out, 80);
   progress.Module("m\x1b[2J", "");
   progress.OnProcess("cmd.exe", "/c t\x9b\x1b[2J.exe", false, false);
   EXPECT_THAT(out.str(), Not(HasSubstr("\x1b[2J")));

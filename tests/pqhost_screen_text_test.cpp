@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "host/pqhost/screen_text.h"
+#include "host/text/screen_text.h"
 
 namespace host {
 namespace {

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "host/pqhost/collection.h"
-#include "host/pqhost/usage_error.h"
+#include "host/collect/collection.h"
+#include "host/text/usage_error.h"
 
 namespace host {
 namespace {

@@ -3,7 +3,7 @@
 #include <sstream>
 #include <string>
 
-#include "host/pqhost/screen_text.h"
+#include "host/text/screen_text.h"
 #include "tests/support/made_collection.h"
 
 namespace host {

@@ -3,8 +3,8 @@
 #include <set>
 
 #include "frame/add_modules.h"
-#include "host/pqhost/table_sources.h"
-#include "host/pqhost/table_status.h"
+#include "host/catalogue/table_sources.h"
+#include "host/collect/table_status.h"
 
 namespace {
 

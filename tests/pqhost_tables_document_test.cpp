@@ -3,8 +3,8 @@
 #include <fstream>
 #include <iterator>
 
-#include "host/pqhost/dry_machine.h"
-#include "host/pqhost/tables_document.h"
+#include "host/check/dry_machine.h"
+#include "host/formats/tables_document.h"
 #include "tests/support/collected.h"
 
 namespace {

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "host/pqhost/text.h"
+#include "host/text/decoder.h"
 
 namespace host {
 namespace {

@@ -4,8 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "host/pqhost/recording_file.h"
+#include "frame/bound/machine_in_use.h"
 #include "host/recorded/recorded_machine.h"
+#include "host/recording/recording_file.h"
 #include "pqmodules/rsamplemodule1.h"
 #include "tests/support/collected.h"
 #include "tests/support/fake_platform.h"
@@ -138,7 +139,7 @@ TEST(RaidInventory, LeavesNothingOpenWhenTheCountCannotBeRead) {
 
 /// Runs the module in a host whose folder's path has `length` characters.
 void CollectInFolder(test::FakePlatform& machine, std::size_t length) {
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   machine.hostExecutable = "C:\\" + std::string(length - 3, 'h') + "\\halyard.exe";
   halyard::repository::RRepository repository;
   pq::RSampleModule1().EnumPQ1Instances(repository);

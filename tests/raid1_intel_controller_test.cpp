@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "frame/bound/machine_in_use.h"
 #include "host/recorded/recorded_machine.h"
 #include "pqmodules/rsamplemodule1/intel_controller.h"
 #include "tests/support/collected.h"
@@ -206,7 +207,7 @@ TEST(IntelController, EndsWhenTheExitCodeCannotBeRead) {
 
 TEST(IntelController, SaysWhenTheReportCannotBeOpened) {
   test::FakePlatform machine;  // Every tool ends well, no file can be opened.
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   const test::LogLines log;
   halyard::repository::RRepository repository;
   pq::CollectIntelController(repository);

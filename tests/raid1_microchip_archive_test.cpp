@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "frame/bound/machine_in_use.h"
 #include "host/recorded/recorded_machine.h"
 #include "pqmodules/rsamplemodule1/microchip_archive.h"
 #include "tests/support/collected.h"
@@ -281,7 +282,7 @@ TEST(MicrochipArchive, SaysWhenTheConfigurationReportIsGone) {
     }
     int opened = 0;
   } machine;
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   const test::LogLines log;
   halyard::repository::RRepository repository;
   pq::CollectMicrochipArchive(repository);
@@ -329,7 +330,7 @@ TEST(MicrochipArchive, GoesOnWithTheNextReportWhenThereIsNoMemory) {
 
 TEST(MicrochipArchive, EndsTheProcessWhenTheHostsFolderFillsTheCommand) {
   test::FakePlatform machine;
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   machine.hostExecutable = "C:\\" + std::string(505, 'h') + "\\halyard.exe";
   halyard::repository::RRepository repository;
   EXPECT_THROW(pq::CollectMicrochipArchive(repository), test::RangeCheckFailed);
@@ -337,7 +338,7 @@ TEST(MicrochipArchive, EndsTheProcessWhenTheHostsFolderFillsTheCommand) {
 
 TEST(MicrochipArchive, StartsNothingWhenTheCommandDoesNotFit) {
   test::FakePlatform machine;
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   const test::LogLines log;
   machine.hostExecutable = "C:\\" + std::string(504, 'h') + "\\halyard.exe";
   halyard::repository::RRepository repository;

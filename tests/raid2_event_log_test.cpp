@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "frame/bound/machine_in_use.h"
 #include "host/recorded/recorded_machine.h"
 #include "pqmodules/rsamplemodule2/event_log.h"
 #include "tests/support/fake_platform.h"
@@ -344,7 +345,7 @@ TEST(EventLog, ClosesTheDumpBeforeItIsConverted) {
       return std::make_unique<Dump>(calls);
     }
   } machine;
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   const test::LogLines log;
   halyard::repository::RRepository repository;
   constexpr pq::ModuleLog kLog("pqmodules/rsamplemodule2");

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "frame/bound/machine_in_use.h"
 #include "host/logger/logger.h"
 #include "host/recorded/recorded_machine.h"
 #include "host/repository/store.h"
@@ -236,7 +237,7 @@ TEST(IntelDevices, AreNoneWhenTheExitCodeCannotBeRead) {
 TEST(IntelDevices, AreNoneWhenTheReportCannotBeOpened) {
   // Every tool ends well here, and no file can be opened.
   test::FakePlatform platform;
-  const host::MachineInUse inUse(platform);
+  const pq::MachineInUse inUse(platform);
   host::SetLogFolder("C:\\Halyard\\logs\\");
   std::vector<std::string> texts;
   host::SetLogSink([&](const host::LogLine& line) { texts.push_back(line.text); });

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "host/pqhost/recording_file.h"
+#include "host/recording/recording_file.h"
 #include "tests/support/collected.h"
 #include "tests/support/raid_reference.h"
 

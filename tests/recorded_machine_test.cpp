@@ -5,6 +5,8 @@
 #include <array>
 #include <vector>
 
+#include "frame/bound/machine_in_use.h"
+
 namespace host {
 namespace {
 
@@ -812,10 +814,10 @@ TEST(RecordedMachineDeathTest, EndsTheProcessWhenNoMachineIsInUse) {
 
 TEST(MachineInUse, PutsTheMachineBackThatWasThereBefore) {
   RecordedMachine outer({});
-  const MachineInUse outerInUse(outer);
+  const pq::MachineInUse outerInUse(outer);
   {
     RecordedMachine inner({});
-    const MachineInUse innerInUse(inner);
+    const pq::MachineInUse innerInUse(inner);
     EXPECT_EQ(&pq::Machine(), &inner);
   }
   EXPECT_EQ(&pq::Machine(), &outer);

@@ -1,4 +1,4 @@
-#include "host/pqhost/recorder.h"
+#include "host/recording/recorder.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "host/pqhost/recording_file.h"
+#include "host/recording/recording_file.h"
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 
-#include "host/pqhost/recording_file.h"
-#include "host/pqhost/usage_error.h"
+#include "host/recording/recording_file.h"
+#include "host/text/usage_error.h"
 #include "tests/support/temporary_folder.h"
 
 namespace host {

@@ -6,8 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "host/pqhost/recording_file.h"
+#include "frame/bound/machine_in_use.h"
 #include "host/recorded/recorded_machine.h"
+#include "host/recording/recording_file.h"
 #include "tests/support/collected.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/log_lines.h"
@@ -287,7 +288,7 @@ TEST(RWINInfo, DoesNotStartACommandLineThatDoesNotFit) {
 
 /// Runs the module in a host whose folder's path has `length` characters.
 void CollectInFolder(test::FakePlatform& machine, std::size_t length) {
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   machine.hostExecutable = "C:\\" + std::string(length - 3, 'h') + "\\halyard.exe";
   halyard::repository::RRepository repository;
   pq::RWINInfo().EnumWINInstances(repository);
@@ -540,7 +541,7 @@ TEST(RWINInfoNetstat, LogsAPipeThatCouldNotBeCreated) {
 
 int ParseOn(const Recording& recording, unsigned mode) {
   host::RecordedMachine machine(recording);
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   pq::RRepository repo;
   return pq::ParseNetTable(repo, mode);
 }
@@ -561,7 +562,7 @@ TEST(ParseNetTable, Returns0WithoutAnyRow) {
 TEST(ParseNetTable, ClosesThePipeThenAwaitsAndClosesTheTool) {
   for (const unsigned mode : {pq::kArpMode, pq::kConnectionMode}) {
     test::FakePlatform machine;
-    const host::MachineInUse inUse(machine);
+    const pq::MachineInUse inUse(machine);
     pq::RRepository repo;
     pq::ParseNetTable(repo, mode);
     EXPECT_THAT(machine.calls,

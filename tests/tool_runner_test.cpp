@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "frame/bound/machine_in_use.h"
 #include "host/logger/logger.h"
 #include "host/recorded/recorded_machine.h"
 #include "tests/support/fake_platform.h"
@@ -72,14 +73,14 @@ TEST(DoubleBackslashes, EndsAPathThatFillsItsBuffer) {
 
 TEST(GetExeFolder, IsWhatStandsBeforeTheLastBackslash) {
   FakePlatform machine;
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   machine.hostExecutable = "C:\\Program Files (x86)\\Halyard\\halyard.exe";
   EXPECT_EQ(GetExeFolder(), "C:\\Program Files (x86)\\Halyard");
 }
 
 TEST(GetExeFolder, IsTheWholePathWithoutAnyBackslash) {
   FakePlatform machine;
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   machine.hostExecutable = "halyard.exe";
   EXPECT_EQ(GetExeFolder(), "halyard.exe");
 }
@@ -91,14 +92,14 @@ TEST(GetLogFolder, EndsWithABackslash) {
 
 TEST(CheckFolderFits, EndsTheProcessWhenTheFolderDoesNotFitBehindItsPrefix) {
   FakePlatform machine;
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   EXPECT_NO_THROW(CheckFolderFits(std::string(506, 'x'), 5));
   EXPECT_THROW(CheckFolderFits(std::string(507, 'x'), 5), test::RangeCheckFailed);
 }
 
 TEST(RunAndWait, WaitsForTheToolAndClosesIt) {
   FakePlatform machine;
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   EXPECT_TRUE(RunAndWait("/c route print", /*inheritHandles=*/true).started);
   EXPECT_THAT(machine.calls,
               ElementsAre("start /c route print, inheriting", "wait", "close process"));
@@ -106,14 +107,14 @@ TEST(RunAndWait, WaitsForTheToolAndClosesIt) {
 
 TEST(RunAndWait, DoesNotInheritUnlessAsked) {
   FakePlatform machine;
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   RunAndWait("/c route print", /*inheritHandles=*/false);
   EXPECT_EQ(machine.calls.front(), "start /c route print");
 }
 
 TEST(RunAndWait, TellsTheSystemErrorOfAFailedStart) {
   FakePlatform machine;
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   machine.startError = 5;
   const ToolRun run = RunAndWait("/c route print", false);
   EXPECT_FALSE(run.started);
@@ -122,7 +123,7 @@ TEST(RunAndWait, TellsTheSystemErrorOfAFailedStart) {
 
 TEST(RunAndWait, StartsACommandLineOf511Characters) {
   FakePlatform machine;
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   const std::string commandLine = "/c " + std::string(508, 'x');
   EXPECT_TRUE(RunAndWait(commandLine, false).started);
   EXPECT_EQ(machine.calls.front(), "start " + commandLine);
@@ -130,7 +131,7 @@ TEST(RunAndWait, StartsACommandLineOf511Characters) {
 
 TEST(RunAndWait, NeverStartsACommandLineThatDoesNotFit) {
   FakePlatform machine;
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   const ToolRun run = RunAndWait("/c " + std::string(509, 'x'), false);
   EXPECT_FALSE(run.started);
   EXPECT_EQ(run.startError, 206u);
@@ -139,7 +140,7 @@ TEST(RunAndWait, NeverStartsACommandLineThatDoesNotFit) {
 
 TEST(RunForExitCode, ReadsTheCodeOfAToolThatInheritsNothing) {
   FakePlatform machine;
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   machine.exitCode = 4294967295;
   const ToolExit exit = RunForExitCode("/c check");
   EXPECT_TRUE(exit.started);
@@ -150,7 +151,7 @@ TEST(RunForExitCode, ReadsTheCodeOfAToolThatInheritsNothing) {
 
 TEST(RunForExitCode, ReadsTheCodeOnceTheToolHasEnded) {
   FakePlatform machine;
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   RunForExitCode("/c check");
   EXPECT_THAT(machine.calls,
               ElementsAre("start /c check", "wait", "read exit code", "close process"));
@@ -158,7 +159,7 @@ TEST(RunForExitCode, ReadsTheCodeOnceTheToolHasEnded) {
 
 TEST(RunForExitCode, LeavesACodeThatCannotBeReadAt0) {
   FakePlatform machine;
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   machine.exitCode = 7;
   machine.exitCodeError = 6;
   const ToolExit exit = RunForExitCode("/c check");
@@ -168,7 +169,7 @@ TEST(RunForExitCode, LeavesACodeThatCannotBeReadAt0) {
 
 TEST(RunForExitCode, TellsTheSystemErrorOfAFailedStart) {
   FakePlatform machine;
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   machine.startError = 2;
   const ToolExit exit = RunForExitCode("/c check");
   EXPECT_FALSE(exit.started);
@@ -184,7 +185,7 @@ struct PipedText {
 /// Reads `text` through a pipe that gives as much as it is asked for.
 PipedText ReadThroughPipe(const std::string& text, std::size_t chunkRoom) {
   FakePlatform machine;
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   std::size_t at = 0;
   machine.onRead = [&](char* buffer, std::size_t size, std::size_t& count) {
     count = text.copy(buffer, size, at);
@@ -227,7 +228,7 @@ TEST(PipedTool, GivesNothingForAToolThatPrintsNothing) {
 
 TEST(PipedTool, GoesOnAfterAReadThatBroughtNothing) {
   FakePlatform machine;
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   int reads = 0;
   machine.onRead = [&](char* buffer, std::size_t /*size*/, std::size_t& count) {
     ++reads;
@@ -245,7 +246,7 @@ TEST(PipedTool, GoesOnAfterAReadThatBroughtNothing) {
 
 TEST(PipedTool, DropsWhatARunawayToolPrintsBehind64MiB) {
   FakePlatform machine;
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   constexpr std::size_t kPrinted = (std::size_t{64} << 20) + 100000;
   std::size_t left = kPrinted;
   machine.onRead = [&](char* buffer, std::size_t size, std::size_t& count) {
@@ -267,7 +268,7 @@ TEST(PipedTool, DropsWhatARunawayToolPrintsBehind64MiB) {
 
 TEST(PipedTool, ClosesTheWriteEndRightAfterTheStart) {
   FakePlatform machine;
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   PipedTool tool("/c arp.exe -a");
   ASSERT_TRUE(tool.OpenPipe());
   ASSERT_EQ(tool.Start(), 0u);
@@ -277,7 +278,7 @@ TEST(PipedTool, ClosesTheWriteEndRightAfterTheStart) {
 
 TEST(PipedTool, FinishesByClosingTheReadEndBeforeItWaits) {
   FakePlatform machine;
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   PipedTool tool("/c arp.exe -a");
   ASSERT_TRUE(tool.OpenPipe());
   ASSERT_EQ(tool.Start(), 0u);
@@ -288,7 +289,7 @@ TEST(PipedTool, FinishesByClosingTheReadEndBeforeItWaits) {
 
 TEST(PipedTool, LeavesAnAbandonedToolOpen) {
   FakePlatform machine;
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   PipedTool tool("/c arp.exe -a");
   ASSERT_TRUE(tool.OpenPipe());
   ASSERT_EQ(tool.Start(), 0u);
@@ -300,7 +301,7 @@ TEST(PipedTool, LeavesAnAbandonedToolOpen) {
 
 TEST(PipedTool, ClosesBothEndsAfterAFailedStart) {
   FakePlatform machine;
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   machine.startError = 5;
   {
     PipedTool tool("/c arp.exe -a");
@@ -314,7 +315,7 @@ TEST(PipedTool, ClosesBothEndsAfterAFailedStart) {
 
 TEST(PipedTool, StartsNothingWithoutAPipe) {
   FakePlatform machine;
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   machine.pipeError = 1450;
   PipedTool tool("/c arp.exe -a");
   EXPECT_FALSE(tool.OpenPipe());
@@ -323,7 +324,7 @@ TEST(PipedTool, StartsNothingWithoutAPipe) {
 
 TEST(PipedTool, StartsACommandLineOf255Characters) {
   FakePlatform machine;
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   PipedTool tool("/c " + std::string(252, 'x'));
   ASSERT_TRUE(tool.OpenPipe());
   EXPECT_EQ(tool.Start(), 0u);
@@ -332,7 +333,7 @@ TEST(PipedTool, StartsACommandLineOf255Characters) {
 
 TEST(PipedTool, NeverStartsACommandLineThatDoesNotFit) {
   FakePlatform machine;
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   PipedTool tool("/c " + std::string(253, 'x'));
   ASSERT_TRUE(tool.OpenPipe());
   EXPECT_EQ(tool.Start(), 206u);

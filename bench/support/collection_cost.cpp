@@ -7,6 +7,7 @@
 
 #include "bench/support/heap.h"
 #include "bench/support/repository_calls.h"
+#include "frame/bound/machine_in_use.h"
 #include "frame/halyard/repository.h"
 #include "host/logger/logger.h"
 #include "host/recorded/recorded_machine.h"
@@ -41,7 +42,7 @@ void CountRows(benchmark::State& state, const RRepository& repository, const std
 RepositoryCalls CallsOf(const CollectionCase& measured) {
   RepositoryCalls calls;
   host::RecordedMachine machine(measured.machine);
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   const auto module = test::FindModule(measured.module);
   module->RegisterTables();
   RRepository repository;
@@ -81,7 +82,7 @@ void MeasureCollection(benchmark::State& state, const CollectionCase& measured) 
   for (auto _ : state) {
     state.PauseTiming();
     host::RecordedMachine machine(measured.machine);
-    const host::MachineInUse inUse(machine);
+    const pq::MachineInUse inUse(machine);
     const auto module = test::FindModule(measured.module);
     module->RegisterTables();
     auto repository = std::make_unique<RRepository>();

@@ -4,11 +4,11 @@
 
 #include <optional>
 
-#include "host/pqhost/failures.h"
-#include "host/pqhost/interruption.h"
-#include "host/pqhost/progress.h"
-#include "host/pqhost/table_status.h"
-#include "host/pqhost/text.h"
+#include "host/collect/failures.h"
+#include "host/collect/table_status.h"
+#include "host/live/interruption.h"
+#include "host/pqhost/collection_progress.h"
+#include "host/text/decoder.h"
 
 namespace host {
 namespace {
@@ -57,7 +57,7 @@ Gathered Gather(const Options& options, const Console& console, bool keepLog,
   beforeRun(listeners);
   const InterruptionWatch interruptionWatch;
 
-  std::optional<ProgressLine> progress;
+  std::optional<CollectionProgress> progress;
   if (console.errorIsTerminal) {
     progress.emplace(console.error, console.width);
     listeners.Add(*progress);

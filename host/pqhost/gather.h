@@ -5,10 +5,11 @@
 #include <functional>
 #include <memory>
 
-#include "host/pqhost/collection.h"
+#include "host/collect/collection.h"
 #include "host/pqhost/options.h"
 #include "host/pqhost/pqhost.h"
 #include "host/pqhost/source.h"
+#include "host/program/console.h"
 
 namespace host {
 

@@ -6,10 +6,10 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 
-#include "host/pqhost/formats.h"
-#include "host/pqhost/nearest_name.h"
-#include "host/pqhost/usage_error.h"
-#include "host/pqhost/version.h"
+#include "host/formats/formats.h"
+#include "host/text/nearest_name.h"
+#include "host/text/usage_error.h"
+#include "host/text/version.h"
 
 namespace host {
 namespace {

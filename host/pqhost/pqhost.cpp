@@ -2,13 +2,13 @@
 
 #include <exception>
 
-#include "host/pqhost/commands.h"
-#include "host/pqhost/formats.h"
-#include "host/pqhost/live.h"
+#include "host/formats/formats.h"
+#include "host/live/live.h"
+#include "host/pqhost/commands/commands.h"
 #include "host/pqhost/options.h"
-#include "host/pqhost/recording_file.h"
-#include "host/pqhost/screen_text.h"
-#include "host/pqhost/usage_error.h"
+#include "host/recording/recording_file.h"
+#include "host/text/screen_text.h"
+#include "host/text/usage_error.h"
 
 namespace host {
 namespace {
@@ -41,10 +41,6 @@ int RunCommand(const Options& options, const Console& console) {
 }
 
 }  // namespace
-
-void Complain(const Console& console, const std::string& text) {
-  console.error << "pqhost: " << EscapeControls(text) << std::endl;
-}
 
 int RunPqhost(const std::vector<std::string>& arguments, const Console& console) {
   int exitCode = kExitDone;

@@ -7,18 +7,21 @@
 #include <system_error>
 
 #include "frame/add_modules.h"
+#include "frame/bound/machine_in_use.h"
+#include "host/files/left_files.h"
+#include "host/files/output_file.h"
+#include "host/files/sha256.h"
+#include "host/live/interruption.h"
+#include "host/live/live.h"
 #include "host/logger/logger.h"
-#include "host/pqhost/amt_login.h"
-#include "host/pqhost/interruption.h"
-#include "host/pqhost/left_files.h"
-#include "host/pqhost/live.h"
-#include "host/pqhost/output_file.h"
-#include "host/pqhost/recorder.h"
-#include "host/pqhost/recording_file.h"
-#include "host/pqhost/text.h"
 #include "host/recorded/interpreter.h"
 #include "host/recorded/own_commands.h"
 #include "host/recorded/recorded_machine.h"
+#include "host/recording/recorder.h"
+#include "host/recording/recording_file.h"
+#include "host/secrets/amt_login.h"
+#include "host/text/decoder.h"
+#include "host/text/path_text.h"
 
 namespace host {
 namespace {
@@ -57,7 +60,7 @@ class ReplaySource final : public Source {
  private:
   Recording recording;
   RecordedMachine machine;
-  MachineInUse inUse;
+  pq::MachineInUse inUse;
   std::optional<std::filesystem::path> logFolder;
 };
 
@@ -101,7 +104,7 @@ class LiveSource final : public Source {
 
   void KeepRecording(const Console& console) override {
     if (!recordingFolder) return;
-    WriteRecording(recorder->Take(), *recordingFolder, &Sha256Of);
+    WriteRecording(recorder->Take(), *recordingFolder, &ComputeSha256);
     console.error << fmt::format("Recording: {}\n", PathText(*recordingFolder));
   }
 

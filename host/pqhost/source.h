@@ -9,9 +9,10 @@
 #include <vector>
 
 #include "frame/halyard/repository.h"
-#include "host/pqhost/machine_facts.h"
+#include "host/collect/machine_facts.h"
 #include "host/pqhost/options.h"
 #include "host/pqhost/pqhost.h"
+#include "host/program/console.h"
 #include "host/recorded/machine_observer.h"
 #include "host/recorded/recording.h"
 

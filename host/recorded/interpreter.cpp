@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "host/text/ascii.h"
+
 namespace host {
 namespace {
 
@@ -175,14 +177,6 @@ std::string FilterLines(std::string_view input, const std::vector<std::string>& 
     if (passes) output.append(line).append("\r\n");
   }
   return output;
-}
-
-std::string LowerCase(std::string_view text) {
-  std::string lower(text);
-  for (char& c : lower) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return lower;
 }
 
 }  // namespace host

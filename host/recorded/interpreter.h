@@ -66,7 +66,4 @@ std::vector<std::string> FindstrTexts(std::string_view arguments);
 /// The lines of `input` that hold any of `texts`, in the same case; each ends with CR LF.
 std::string FilterLines(std::string_view input, const std::vector<std::string>& texts);
 
-/// Lower case of A to Z; other bytes as they are.
-std::string LowerCase(std::string_view text);
-
 }  // namespace host

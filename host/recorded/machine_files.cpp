@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "host/recorded/interpreter.h"
+#include "host/text/ascii.h"
 
 namespace host {
 

@@ -4,6 +4,8 @@
 #include <utility>
 #include <vector>
 
+#include "host/text/ascii.h"
+
 namespace host {
 namespace {
 

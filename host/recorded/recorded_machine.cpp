@@ -14,11 +14,10 @@
 #include "host/recorded/machine_files.h"
 #include "host/recorded/own_commands.h"
 #include "host/recorded/stored_text.h"
+#include "host/text/ascii.h"
 
 namespace host {
 namespace {
-
-pq::Platform* machineInUse = nullptr;
 
 /// What GetModuleFileNameA stores in a 260-byte buffer at most.
 constexpr std::size_t kExecutablePathLimit = 259;
@@ -409,19 +408,4 @@ std::optional<std::uint64_t> RecordedMachine::FileSize(const std::string& path) 
 
 int RecordedMachine::OpenHandles() const { return *state->openHandles; }
 
-MachineInUse::MachineInUse(pq::Platform& machine) : before(std::exchange(machineInUse, &machine)) {}
-
-MachineInUse::~MachineInUse() { machineInUse = before; }
-
 }  // namespace host
-
-namespace pq {
-
-Platform& Machine() {
-  if (host::machineInUse == nullptr) {
-    host::EndProcess("There is no machine to collect from: none was put in use.");
-  }
-  return *host::machineInUse;
-}
-
-}  // namespace pq

@@ -52,16 +52,4 @@ class RecordedMachine final : public pq::Platform {
   std::unique_ptr<State> state;
 };
 
-/// Makes `machine` the one that the modules see, until destroyed.
-class MachineInUse {
- public:
-  explicit MachineInUse(pq::Platform& machine);
-  MachineInUse(const MachineInUse&) = delete;
-  MachineInUse& operator=(const MachineInUse&) = delete;
-  ~MachineInUse();
-
- private:
-  pq::Platform* before;
-};
-
 }  // namespace host

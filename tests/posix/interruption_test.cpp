@@ -1,6 +1,6 @@
 // Ctrl-C during a collection.
 
-#include "host/pqhost/interruption.h"
+#include "host/live/interruption.h"
 
 #include <gmock/gmock.h>
 #include <signal.h>

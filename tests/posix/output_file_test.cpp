@@ -1,6 +1,6 @@
 // Places that are no files of their own: links, devices and pipes.
 
-#include "host/pqhost/output_file.h"
+#include "host/files/output_file.h"
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>

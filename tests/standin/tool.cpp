@@ -13,8 +13,8 @@
 #include <string>
 #include <vector>
 
-#include "host/pqhost/recording_file.h"
 #include "host/recorded/interpreter.h"
+#include "host/recording/recording_file.h"
 #include "tests/standin/console_bytes.h"
 
 namespace test {

@@ -6,7 +6,8 @@
 #include <stdexcept>
 
 #include "frame/add_modules.h"
-#include "host/pqhost/trace.h"
+#include "frame/bound/machine_in_use.h"
+#include "host/collect/trace.h"
 #include "host/recorded/recorded_machine.h"
 #include "host/repository/observer.h"
 
@@ -112,7 +113,7 @@ Collected Collect(const host::Recording& recording, const std::string& module,
   host::TraceWriter trace(traceText);
   Watcher watcher(collected, trace);
   host::RecordedMachine machine(recording, &watcher);
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   host::SetLogFolder(recording.logFolder);
   const boost::shared_ptr<RModule> collecting = FindModule(module);
   {

@@ -6,10 +6,12 @@
 #include <string_view>
 #include <utility>
 
+#include "frame/bound/machine_in_use.h"
 #include "host/logger/logger.h"
 #include "host/recorded/interpreter.h"
 #include "host/recorded/recorded_machine.h"
 #include "host/repository/observer.h"
+#include "host/text/ascii.h"
 #include "tests/support/collected.h"
 
 namespace test {
@@ -62,7 +64,7 @@ class RunWatcher final : public host::MachineObserver, public host::RepositoryOb
 /// Enumerates the scenario's tables on `machine`.
 void Enumerate(const FaultScenario& scenario, const host::Recording& recording,
                pq::Platform& machine) {
-  const host::MachineInUse inUse(machine);
+  const pq::MachineInUse inUse(machine);
   host::SetLogFolder(recording.logFolder);
   const auto module = FindModule(scenario.module);
   module->RegisterTables();

@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include "host/pqhost/collection.h"
-#include "host/pqhost/formats.h"
+#include "host/collect/collection.h"
+#include "host/formats/formats.h"
 
 namespace test {
 

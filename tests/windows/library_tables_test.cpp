@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "host/live/module_image.h"
+#include "host/live/windows/module_image.h"
 
 namespace test {
 namespace {

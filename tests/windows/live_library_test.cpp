@@ -10,9 +10,9 @@
 
 #include "frame/logkit/log.h"
 #include "frame/platform.h"
-#include "host/live/module_image.h"
-#include "host/live/watched_imports.h"
-#include "host/pqhost/live.h"
+#include "host/live/live.h"
+#include "host/live/windows/module_image.h"
+#include "host/live/windows/watched_imports.h"
 
 namespace test {
 namespace {

@@ -1,0 +1,187 @@
+#include "host/check/machine_check.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+#include "frame/platform.h"
+#include "host/catalogue/table_sources.h"
+#include "host/check/dry_machine.h"
+#include "host/collect/collection.h"
+#include "host/collect/command_text.h"
+#include "host/recorded/interpreter.h"
+#include "host/recorded/own_commands.h"
+#include "host/text/decoder.h"
+
+namespace host {
+namespace {
+
+constexpr std::uint32_t kUsEnglish = 1033;
+/// The support archive and the controllers' logs of a large machine.
+constexpr std::uint64_t kEnoughBytes = std::uint64_t{1} << 30;
+constexpr double kBytesPerGiB = 1 << 30;
+
+class Findings {
+ public:
+  void Good(std::string_view subject, std::string text) {
+    Add(Finding::Kind::kGood, subject, std::move(text));
+  }
+  void Note(std::string_view subject, std::string text) {
+    Add(Finding::Kind::kNote, subject, std::move(text));
+  }
+  void Missing(std::string_view subject, std::string text) {
+    Add(Finding::Kind::kMissing, subject, std::move(text));
+  }
+  std::vector<Finding> Take() { return std::move(all); }
+
+ private:
+  void Add(Finding::Kind kind, std::string_view subject, std::string text) {
+    all.push_back({kind, std::string(subject), std::move(text)});
+  }
+
+  std::vector<Finding> all;
+};
+
+/// The classes of each module's tables.
+std::map<std::string, std::set<std::string>> ListClasses() {
+  std::map<std::string, std::set<std::string>> classes;
+  for (const LoadedModule& module : LoadLinkedModules()) {
+    for (const auto& [name, handlers] : module.module->Tables()) classes[module.name].insert(name);
+  }
+  return classes;
+}
+
+/// Those of `classes` that a program of this name serves.
+std::vector<std::string> FindServed(const std::set<std::string>& classes,
+                                    const std::string& program) {
+  std::vector<std::string> served;
+  for (const pq::TableSource& source : AllTableSources()) {
+    const bool serves = std::any_of(source.commands.begin(), source.commands.end(),
+                                    [&](const pq::ToolCommand& command) {
+                                      return ToolName(command.program) == ToolName(program);
+                                    });
+    if (serves && classes.contains(source.className)) served.push_back(source.className);
+  }
+  return served;
+}
+
+std::string SayWhatIsMissing(const std::string& program, const std::vector<std::string>& served) {
+  std::string text = program + " is not there; put it in its place";
+  if (served.size() == 1) text += fmt::format(", or {} stays empty", served.front());
+  if (served.size() > 1) text += fmt::format(", or these stay empty: {}", fmt::join(served, ", "));
+  return text;
+}
+
+void CheckTools(const CheckedMachine& machine, const std::vector<DryCommand>& commands,
+                Findings& findings) {
+  const TextDecoder decode(machine.facts.codePage);
+  std::map<std::string, std::set<std::string>> classes = ListClasses();
+  std::set<std::pair<std::string, std::string>> seen;
+  for (const DryCommand& command : commands) {
+    const std::string program = FindProgram(command.commandLine);
+    if (IsOwnCommand(program) || !seen.insert({command.module, program}).second) continue;
+    const std::optional<std::string> path = machine.locate(program);
+    if (path) {
+      findings.Good(command.module, decode(*path));
+    } else {
+      findings.Missing(
+          command.module,
+          SayWhatIsMissing(decode(program), FindServed(classes[command.module], program)));
+    }
+  }
+}
+
+void CheckSurroundings(const Surroundings& found, const std::string& logFolder,
+                       Findings& findings) {
+  if (found.libraryProblem.empty()) {
+    findings.Good("library", "can be used");
+  } else {
+    findings.Missing("library", found.libraryProblem);
+  }
+  if (found.hasInterpreter) {
+    findings.Good("interpreter", pq::kInterpreter);
+  } else {
+    findings.Missing("interpreter",
+                     fmt::format("{} is not there; no tool can be run", pq::kInterpreter));
+  }
+  if (found.canWriteLogFolder) {
+    findings.Good("log folder", logFolder + " can be written");
+  } else {
+    findings.Missing("log folder",
+                     logFolder + " cannot be written; choose another with --log-folder");
+  }
+  const std::string room = fmt::format("{:.1f} GiB free for the log folder",
+                                       static_cast<double>(found.freeBytes) / kBytesPerGiB);
+  if (found.freeBytes >= kEnoughBytes) {
+    findings.Good("disk", room);
+  } else {
+    findings.Note("disk", room +
+                              "; logs of large controllers may not fit: make room, or choose "
+                              "another folder with --log-folder");
+  }
+  if (found.isElevated) {
+    findings.Good("rights", "elevated");
+  } else {
+    findings.Note("rights",
+                  "not elevated: tools for the BMC and for RAID controllers may refuse; start this "
+                  "program as administrator");
+  }
+}
+
+void CheckLanguage(std::uint32_t languageId, Findings& findings) {
+  if (languageId == kUsEnglish) {
+    findings.Good("language", fmt::format("{}, English (United States)", languageId));
+  } else {
+    findings.Note("language",
+                  fmt::format("{}, not 1033 (English, United States): ARPINFO and NETSTATINFO stay "
+                              "empty; read what arp and netstat print in the log folder",
+                              languageId));
+  }
+}
+
+void CheckHostFolder(const MachineFacts& facts, const TextDecoder& decode, Findings& findings) {
+  const std::string folder = facts.hostExecutable.substr(0, facts.hostExecutable.rfind('\\'));
+  if (const std::optional<char> split = FindSplit(folder)) {
+    findings.Missing(
+        "host folder",
+        fmt::format("{} is cut at {} where a tool's path alone stands in quotes, and "
+                    "the tool is not found; move the program to another folder",
+                    decode(folder),
+                    *split == ' ' ? "its first blank" : fmt::format("its first {}", *split)));
+  } else {
+    findings.Good("host folder", decode(folder));
+  }
+}
+
+}  // namespace
+
+std::optional<char> FindSplit(std::string_view folder) {
+  const bool hasBlank = folder.find(' ') != std::string_view::npos;
+  const bool quotesStay = hasBlank && folder.find_first_of("&()@^") == std::string_view::npos;
+  // Without quotes these end a word, or are taken out of it.
+  const std::size_t split = folder.find_first_of(" &^,;=");
+  if (quotesStay || split == std::string_view::npos) return std::nullopt;
+  return folder[split];
+}
+
+std::vector<Finding> CheckMachine(const CheckedMachine& machine,
+                                  const std::vector<std::string>& moduleNames) {
+  const MachineFacts& facts = machine.facts;
+  const TextDecoder decode(facts.codePage);
+  Findings findings;
+  CheckTools(
+      machine,
+      ListCommands({facts.hostExecutable, facts.logFolder, facts.languageId}, moduleNames, {}),
+      findings);
+  if (machine.surroundings) {
+    CheckSurroundings(*machine.surroundings, decode(facts.logFolder), findings);
+  }
+  CheckLanguage(facts.languageId, findings);
+  CheckHostFolder(facts, decode, findings);
+  return findings.Take();
+}
+
+}  // namespace host

@@ -1,0 +1,41 @@
+// What a collection would find on a machine, before it runs: each module's tools, where results go,
+// and what about the machine keeps tables empty.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/collect/machine_facts.h"
+
+namespace host {
+
+struct CheckedMachine {
+  MachineFacts facts;
+  /// Full path of a program, given with its folder or as the interpreter looks for it; nothing when
+  /// it is not there. Bytes in the machine's code page.
+  std::function<std::optional<std::string>(const std::string& program)> locate;
+  std::optional<Surroundings> surroundings;
+};
+
+struct Finding {
+  enum class Kind { kGood, kNote, kMissing };
+  Kind kind = Kind::kGood;
+  std::string subject;  ///< a module's name, or what about the machine
+  std::string text;     ///< UTF-8, one line: what was found and, unless good, what to do about it
+};
+
+/// Module by module (all, or those named) and tool by tool, then the machine. Throws UsageError for
+/// a module's name that does not fit.
+std::vector<Finding> CheckMachine(const CheckedMachine& machine,
+                                  const std::vector<std::string>& moduleNames);
+
+/// The character of the host's folder at which the interpreter ends the program's name on lines
+/// whose only quotes stand around it. The interpreter keeps such quotes when there is a blank
+/// between them and none of &<>()@^|; it takes all others away.
+std::optional<char> FindSplit(std::string_view folder);
+
+}  // namespace host

@@ -1,0 +1,56 @@
+#include "host/collect/collection_listener.h"
+
+namespace host {
+
+void CollectionListeners::Module(const std::string& name, const std::string& description) {
+  for (CollectionListener* listener : listeners) listener->Module(name, description);
+}
+
+void CollectionListeners::Layout(const std::string& table) {
+  for (CollectionListener* listener : listeners) listener->Layout(table);
+}
+
+void CollectionListeners::Enumerate(const std::string& module, const std::string& table) {
+  for (CollectionListener* listener : listeners) listener->Enumerate(module, table);
+}
+
+void CollectionListeners::Log(const LogLine& line) {
+  for (CollectionListener* listener : listeners) listener->Log(line);
+}
+
+void CollectionListeners::OnProcess(const std::string& application, const std::string& commandLine,
+                                    bool inheritHandles, bool pipe) {
+  for (CollectionListener* listener : listeners) {
+    listener->OnProcess(application, commandLine, inheritHandles, pipe);
+  }
+}
+
+void CollectionListeners::OnProcessEnd(std::uint32_t exitCode) {
+  for (CollectionListener* listener : listeners) listener->OnProcessEnd(exitCode);
+}
+
+void CollectionListeners::OnToolEnded(unsigned seconds) {
+  for (CollectionListener* listener : listeners) listener->OnToolEnded(seconds);
+}
+
+void CollectionListeners::OnRefused() {
+  for (CollectionListener* listener : listeners) listener->OnRefused();
+}
+
+void CollectionListeners::OnSystem(const std::string& command) {
+  for (CollectionListener* listener : listeners) listener->OnSystem(command);
+}
+
+void CollectionListeners::OnOpen(const std::string& path, const std::string& mode) {
+  for (CollectionListener* listener : listeners) listener->OnOpen(path, mode);
+}
+
+void CollectionListeners::OnConsole(std::string_view text) {
+  for (CollectionListener* listener : listeners) listener->OnConsole(text);
+}
+
+void CollectionListeners::OnToolConsole(std::string_view text) {
+  for (CollectionListener* listener : listeners) listener->OnToolConsole(text);
+}
+
+}  // namespace host

@@ -1,0 +1,52 @@
+// What could not be collected, derived from what the host sees of a collection.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "host/collect/collection_listener.h"
+
+namespace host {
+
+/// One thing that could not be collected. Texts are bytes in the machine's code page.
+struct Failure {
+  std::string module;
+  std::string tool;  ///< file name of the program concerned; empty when none was started yet
+  std::string text;  ///< the module's own words without the log's prefix, or the host's
+};
+
+/// Whether the log line says that something could not be collected. That a machine has no tool or
+/// controller of some vendor is nothing of the kind.
+bool ReportsFailure(const LogLine& line);
+
+/// Gathers the failures of a collection.
+class FailureList final : public CollectionListener {
+ public:
+  /// Whether the machine has what a command line runs.
+  using ProgramTest = std::function<bool(const std::string& commandLine)>;
+
+  /// From now on a program that answers for the presence of something, and is missing itself, is a
+  /// failure: the interpreter then ends as a program that gave an answer does.
+  void FindMissingPrograms(ProgramTest test) { isProgramThere = std::move(test); }
+
+  const std::vector<Failure>& Failures() const { return failures; }
+
+  void Module(const std::string& name, const std::string& description) override;
+  void OnProcess(const std::string& application, const std::string& commandLine,
+                 bool inheritHandles, bool pipe) override;
+  void OnToolEnded(unsigned seconds) override;
+  void OnRefused() override { interrupted = true; }
+  void Log(const LogLine& line) override;
+
+ private:
+  void AddOnce(Failure failure);
+
+  ProgramTest isProgramThere;
+  std::string module;
+  std::string tool;
+  std::vector<Failure> failures;
+  bool interrupted = false;  ///< the modules complain of what the host refuses
+};
+
+}  // namespace host

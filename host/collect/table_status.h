@@ -1,0 +1,88 @@
+// Why a table has rows, or none: worked out in this one place from what the host saw.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "frame/table_source.h"
+#include "host/collect/collection_listener.h"
+
+namespace host {
+
+struct TableStatus {
+  /// One of the words of docs/json.md, such as "rows" or "tool missing".
+  std::string outcome;
+  std::string text;  ///< UTF-8, for people
+};
+
+/// All that a program of the machine was seen doing.
+struct ToolRun {
+  std::string module;
+  std::string commandLine;
+  std::string program;    ///< as it stands on the command line, without quotes
+  std::string arguments;  ///< of the first program of a pipe
+  bool isThere = true;    ///< the machine has the program
+  bool readThroughPipe = false;
+  std::optional<std::uint32_t> exitCode;
+  std::string startFailure;  ///< the module's words
+  std::string openFailure;   ///< the module's words
+  bool printed = false;      ///< something came through the pipe
+  bool reportedError = false;
+  bool refused = false;            ///< never started, because the collection was interrupted
+  unsigned endedAfterSeconds = 0;  ///< not 0: the host ended it
+};
+
+/// Follows a collection and answers for its tables.
+class StatusTracker final : public CollectionListener {
+ public:
+  /// Whether the machine has what a command line runs.
+  using ProgramTest = std::function<bool(const std::string& commandLine)>;
+  /// Size in bytes of a file of the log folder, if it is there.
+  using FileSize = std::function<std::optional<std::uint64_t>(const std::string& fileName)>;
+
+  void Ask(ProgramTest programTest, FileSize fileSize) {
+    hasPrograms = std::move(programTest);
+    logFileSize = std::move(fileSize);
+  }
+
+  /// The status of `className`, a table of `module` with `rowCount` rows.
+  TableStatus StatusOf(const std::string& module, const std::string& className,
+                       std::size_t rowCount) const;
+
+  /// The collection was interrupted: what is missing was never asked for.
+  void Interrupted() { interrupted = true; }
+
+  void Module(const std::string& name, const std::string& description) override;
+  void Enumerate(const std::string& module, const std::string& table) override;
+  void OnProcess(const std::string& application, const std::string& commandLine,
+                 bool inheritHandles, bool pipe) override;
+  void OnProcessEnd(std::uint32_t exitCode) override;
+  void OnToolEnded(unsigned seconds) override;
+  void OnRefused() override;
+  void OnSystem(const std::string& command) override;
+  void Log(const LogLine& line) override;
+
+ private:
+  void BeginRun(const std::string& commandLine, bool pipe);
+  std::vector<const ToolRun*> RunsOf(const std::string& module,
+                                     const pq::TableSource& source) const;
+  TableStatus StatusOfRuns(const std::vector<const ToolRun*>& runs,
+                           const pq::TableSource& source) const;
+  TableStatus StatusWithoutRun(const std::string& module, const pq::TableSource& source) const;
+
+  ProgramTest hasPrograms;
+  FileSize logFileSize;
+  std::string module;
+  std::vector<ToolRun> runs;
+  bool runIsOpen = false;                               ///< log lines are about the last run
+  std::map<std::string, std::vector<std::string>> log;  ///< telling lines, by module
+  bool runJustBegan = false;  ///< nothing was seen since the last run was announced
+  bool interrupted = false;
+};
+
+}  // namespace host

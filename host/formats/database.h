@@ -1,0 +1,51 @@
+// A collection as a database: one table per class, and what is known about modules, tables,
+// columns, attachments and log lines (docs/sql.md).
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "host/collect/collection.h"
+
+struct sqlite3;
+
+namespace host {
+
+/// What SQLite says is wrong. UTF-8, one line.
+class DatabaseError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+class Database {
+ public:
+  /// An empty one in memory.
+  Database();
+  /// The file, to be read only. Throws DatabaseError.
+  explicit Database(const std::filesystem::path& file);
+  Database(const Database&) = delete;
+  Database& operator=(const Database&) = delete;
+  ~Database();
+
+  /// Adds a collection's tables, in one transaction.
+  void Fill(const Collection& collection);
+  /// The database as the bytes of a file.
+  std::string Serialize();
+
+  using Names = std::vector<std::string>;
+  /// One text per column; none where the value is NULL.
+  using Values = std::vector<std::optional<std::string>>;
+  /// Runs one statement that only reads. `onColumns` is called once, then `onRow` for each row.
+  /// Throws DatabaseError, also for a statement that would write and for more than one.
+  void Query(const std::string& sql, const std::function<void(const Names&)>& onColumns,
+             const std::function<void(const Values&)>& onRow);
+
+ private:
+  sqlite3* handle = nullptr;
+};
+
+}  // namespace host

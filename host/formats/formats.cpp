@@ -1,0 +1,28 @@
+#include "host/formats/formats.h"
+
+namespace host {
+
+const std::vector<Format>& Formats() {
+  static const std::vector<Format> formats = {
+      {"table", "aligned tables for people", WriteTables},
+      {"json", "one JSON object with machine, modules and tables", WriteJson},
+      {"ndjson", "one JSON object per row, each in a line", WriteJsonLines},
+      {"csv", "comma-separated values", WriteCsv},
+      {"html", "a report in one file, to read in a browser and to send", WriteHtml},
+      {"sqlite", "an SQLite database, to query", WriteSqlite, true, true},
+      {"none", "no results; for a trace or log files alone", WriteNothing},
+  };
+  return formats;
+}
+
+const Format* FindFormat(const std::string& name) {
+  for (const Format& format : Formats()) {
+    if (name == format.name) return &format;
+  }
+  return nullptr;
+}
+
+void WriteNothing(const Collection& /*collection*/, const Screen& /*screen*/,
+                  std::ostream& /*out*/) {}
+
+}  // namespace host

@@ -1,0 +1,48 @@
+// The formats in which a collection can be had.
+#pragma once
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "host/collect/collection.h"
+
+namespace host {
+
+/// What the results are written to.
+struct Screen {
+  bool isTerminal = false;
+  bool colors = false;
+  unsigned width = 120;  ///< in columns
+};
+
+struct Format {
+  const char* name;
+  const char* description;
+  void (*write)(const Collection& collection, const Screen& screen, std::ostream& out);
+  bool wantsLog = false;  ///< needs Collection::log
+  bool isBinary = false;  ///< nothing for a terminal
+};
+
+/// All formats; the first is the default.
+const std::vector<Format>& Formats();
+
+/// Null when there is none of that name.
+const Format* FindFormat(const std::string& name);
+
+/// Tables for people: aligned, as wide as the screen, in the modules' order.
+void WriteTables(const Collection& collection, const Screen& screen, std::ostream& out);
+/// One JSON object (docs/json.md).
+void WriteJson(const Collection& collection, const Screen& screen, std::ostream& out);
+/// One JSON object per row, each in a line (docs/json.md).
+void WriteJsonLines(const Collection& collection, const Screen& screen, std::ostream& out);
+/// RFC 4180 (docs/csv.md).
+void WriteCsv(const Collection& collection, const Screen& screen, std::ostream& out);
+/// The report: one HTML file that opens offline.
+void WriteHtml(const Collection& collection, const Screen& screen, std::ostream& out);
+/// An SQLite file (docs/sql.md).
+void WriteSqlite(const Collection& collection, const Screen& screen, std::ostream& out);
+/// Nothing: for whoever wants only the trace or the log files.
+void WriteNothing(const Collection& collection, const Screen& screen, std::ostream& out);
+
+}  // namespace host

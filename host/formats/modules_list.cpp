@@ -1,0 +1,84 @@
+#include "host/formats/modules_list.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "host/catalogue/table_titles.h"
+#include "host/text/decoder.h"
+#include "host/text/screen_text.h"
+
+namespace host {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+/// Names come from the library; they are ASCII, and whatever else comes must stay valid UTF-8.
+std::string Clean(const std::string& text) {
+  return EscapeControls(TextDecoder(kUtf8CodePage)(text));
+}
+
+std::string DescribeLayout(const TableLayout& layout) {
+  if (!layout.byRow) return "one property per line";
+  if (!layout.headers.empty()) return Clean(fmt::format("{}", fmt::join(layout.headers, ", ")));
+  if (layout.numbers.empty()) return "one row per line";
+  return fmt::format("{} columns ({} wide)", layout.numbers.size(),
+                     fmt::join(layout.numbers, ", "));
+}
+
+Json LayoutJson(const TableLayout& layout) {
+  Json headers = Json::array();
+  for (const std::string& header : layout.headers) headers.push_back(Clean(header));
+  return {{"by", layout.byRow ? "row" : "property"},
+          {"headers", headers},
+          {layout.byRow ? "widths" : "numbers", layout.numbers}};
+}
+
+}  // namespace
+
+void WriteModulesList(const std::vector<LoadedModule>& modules, const Screen& screen,
+                      std::ostream& out) {
+  const char* const bold = screen.colors ? "\x1b[1m" : "";
+  const char* const plain = screen.colors ? "\x1b[0m" : "";
+  std::size_t nameWidth = 0;
+  std::size_t titleWidth = 0;
+  for (const LoadedModule& module : modules) {
+    for (const auto& [name, handlers] : module.module->Tables()) {
+      nameWidth = std::max(nameWidth, MeasureWidth(Clean(name)));
+      titleWidth = std::max(titleWidth, MeasureWidth(Clean(TitleOf(name))));
+    }
+  }
+  const char* separator = "";
+  for (const LoadedModule& module : modules) {
+    out << separator << bold << Clean(module.name) << plain << "  " << Clean(module.description)
+        << '\n';
+    separator = "\n";
+    for (const auto& [name, handlers] : module.module->Tables()) {
+      const std::string line = fmt::format("  {}  {}  {}", PadText(Clean(name), nameWidth),
+                                           PadText(Clean(TitleOf(name)), titleWidth),
+                                           DescribeLayout(AskLayout(module, name)));
+      out << CutText(line, std::max(screen.width, 20U)) << '\n';
+    }
+  }
+}
+
+void WriteModulesJson(const std::vector<LoadedModule>& modules, std::ostream& out) {
+  Json list = Json::array();
+  for (const LoadedModule& module : modules) {
+    Json tables = Json::array();
+    for (const auto& [name, handlers] : module.module->Tables()) {
+      tables.push_back({{"class", Clean(name)},
+                        {"title", Clean(TitleOf(name))},
+                        {"layout", LayoutJson(AskLayout(module, name))}});
+    }
+    list.push_back({{"name", Clean(module.name)},
+                    {"description", Clean(module.description)},
+                    {"tables", tables}});
+  }
+  const Json all = {{"format", 1}, {"modules", list}};
+  out << all.dump(2) << '\n';
+}
+
+}  // namespace host

@@ -1,0 +1,18 @@
+// Which modules and tables there are.
+#pragma once
+
+#include <ostream>
+#include <vector>
+
+#include "host/collect/collection.h"
+#include "host/formats/formats.h"
+
+namespace host {
+
+/// A line for each table, grouped by module.
+void WriteModulesList(const std::vector<LoadedModule>& modules, const Screen& screen,
+                      std::ostream& out);
+/// One JSON object (docs/json.md).
+void WriteModulesJson(const std::vector<LoadedModule>& modules, std::ostream& out);
+
+}  // namespace host

@@ -1,0 +1,80 @@
+// A collection on this very machine: the library is loaded and the machine's own tools run. Only
+// Windows can do that (host/live); elsewhere LoadLiveLibrary says so.
+#pragma once
+
+#include <boost/shared_ptr.hpp>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "frame/halyard/repository.h"
+#include "host/collect/machine_facts.h"
+#include "host/recorded/machine_observer.h"
+#include "host/recording/recorder.h"
+
+namespace host {
+
+/// The library's file name; it stands beside the program.
+inline constexpr char kPluginFileName[] = "repository_pqmodule.dll";
+
+/// Why the library cannot be used, and what would help. UTF-8, one line.
+class LiveError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// The loaded library. It must outlive every module that it added.
+class LiveLibrary {
+ public:
+  virtual ~LiveLibrary() = default;
+  /// Calls the library's exported function of that name. Throws LiveError when it reports failure.
+  virtual void AddModules(
+      std::vector<boost::shared_ptr<halyard::repository::RModule>>& modules) = 0;
+};
+
+/// How the host accompanies what the library does to the machine. All of it must outlive the
+/// library.
+struct LiveWatch {
+  /// Sees it; null: the library is left to itself, and what follows means nothing.
+  MachineObserver* observer = nullptr;
+  /// Keeps what the machine answers once there is a recorder; null: never.
+  std::optional<Recorder>* recorder = nullptr;
+  /// After how many seconds a tool is ended, with its children.
+  std::optional<unsigned> toolLimit = std::nullopt;
+};
+
+/// Loads `plugin`, a path to the library's file. Throws LiveError.
+std::unique_ptr<LiveLibrary> LoadLiveLibrary(const std::filesystem::path& plugin,
+                                             const LiveWatch& watch);
+
+/// What a recorder looks up on this machine.
+std::unique_ptr<MachineView> ViewLiveMachine();
+
+/// A recording of this machine that holds nothing yet but `facts`.
+Recording DescribeLiveMachine(const MachineFacts& facts);
+
+/// Full path of the program, given with its folder or as the interpreter looks for it (current
+/// folder, then the folders of PATH); nothing when this machine has none. In the machine's code
+/// page.
+std::optional<std::string> LocateProgram(const std::string& program);
+
+/// Where the log folder is made when none is given: in the current folder.
+inline constexpr char kLogFolderName[] = "logs";
+
+/// This machine's facts, with `logFolder` as its log folder; nothing is created. Throws LiveError
+/// when the folder's path does not fit the modules' room or has no form in the machine's code page.
+MachineFacts DescribeThisMachine(const std::filesystem::path& logFolder);
+
+/// As above, and creates `logFolder` (with its parents) and makes it the logger's. Throws
+/// LiveError.
+MachineFacts PrepareLiveMachine(const std::filesystem::path& logFolder);
+
+/// What else a collection into `logFolder` depends on; nothing is left behind. The library is not
+/// looked at.
+Surroundings LookAround(const std::filesystem::path& logFolder);
+
+}  // namespace host

@@ -1,0 +1,35 @@
+#include "host/live/live.h"
+
+namespace host {
+namespace {
+
+constexpr char kNeedsWindows[] =
+    "collecting from this machine itself, and recording it, needs Windows; here, give a recording "
+    "with --replay FOLDER";
+
+}  // namespace
+
+std::unique_ptr<LiveLibrary> LoadLiveLibrary(const std::filesystem::path& /*plugin*/,
+                                             const LiveWatch& /*watch*/) {
+  throw LiveError(kNeedsWindows);
+}
+
+std::unique_ptr<MachineView> ViewLiveMachine() { return nullptr; }
+
+Recording DescribeLiveMachine(const MachineFacts& /*facts*/) { throw LiveError(kNeedsWindows); }
+
+std::optional<std::string> LocateProgram(const std::string& /*program*/) { return std::nullopt; }
+
+MachineFacts DescribeThisMachine(const std::filesystem::path& /*logFolder*/) {
+  throw LiveError(kNeedsWindows);
+}
+
+MachineFacts PrepareLiveMachine(const std::filesystem::path& /*logFolder*/) {
+  throw LiveError(kNeedsWindows);
+}
+
+Surroundings LookAround(const std::filesystem::path& /*logFolder*/) {
+  throw LiveError(kNeedsWindows);
+}
+
+}  // namespace host

@@ -1,0 +1,66 @@
+// The plug-in as a loaded library.
+
+#include <windows.h>
+
+#include <optional>
+
+#include "host/live/live.h"
+#include "host/live/windows/system_text.h"
+#include "host/live/windows/watched_imports.h"
+
+namespace host {
+namespace {
+
+struct LibraryCloser {
+  using pointer = HMODULE;
+  void operator()(HMODULE module) const { FreeLibrary(module); }
+};
+using Library = std::unique_ptr<void, LibraryCloser>;
+
+using AddModulesFunction = int(std::vector<boost::shared_ptr<halyard::repository::RModule>>&);
+
+class LoadedLibrary final : public LiveLibrary {
+ public:
+  LoadedLibrary(Library loaded, std::string fileName, AddModulesFunction* addModules,
+                const LiveWatch& watch)
+      : library(std::move(loaded)), fileName(std::move(fileName)), addModules(addModules) {
+    if (watch.observer != nullptr) watched.emplace(library.get(), watch);
+  }
+
+  void AddModules(std::vector<boost::shared_ptr<halyard::repository::RModule>>& modules) override {
+    const int result = addModules(modules);
+    if (result == 0) return;
+    throw LiveError(fileName + ": its AddModules answered " + std::to_string(result) +
+                    " instead of 0; it added no usable modules");
+  }
+
+ private:
+  Library library;
+  std::string fileName;
+  AddModulesFunction* addModules;
+  std::optional<WatchedImports> watched;
+};
+
+}  // namespace
+
+std::unique_ptr<LiveLibrary> LoadLiveLibrary(const std::filesystem::path& plugin,
+                                             const LiveWatch& watch) {
+  // An absolute path, so that what stands beside the library is found and nothing of that name that
+  // lies elsewhere is loaded in its place.
+  const std::filesystem::path path = std::filesystem::absolute(plugin).make_preferred();
+  const std::string name = ToUtf8(path.native());
+  Library library(LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
+  if (!library) {
+    throw LiveError("cannot load " + name + ": " + DescribeSystemError(GetLastError()) +
+                    "; it needs repository.dll and logger.dll beside this program");
+  }
+  // By way of void*, because the function's true type is the library's own declaration.
+  auto* addModules = reinterpret_cast<AddModulesFunction*>(
+      reinterpret_cast<void*>(GetProcAddress(library.get(), "AddModules")));
+  if (addModules == nullptr) {
+    throw LiveError(name + " is no plug-in of this kind: it exports no function AddModules");
+  }
+  return std::make_unique<LoadedLibrary>(std::move(library), name, addModules, watch);
+}
+
+}  // namespace host

@@ -1,0 +1,167 @@
+// Facts about this very machine, and its log folder.
+
+#include <windows.h>
+
+#include <array>
+#include <system_error>
+
+#include "frame/platform.h"
+#include "host/live/live.h"
+#include "host/live/windows/system_text.h"
+#include "host/logger/logger.h"
+
+namespace host {
+namespace {
+
+/// Room that the plug-in has for the log folder, terminator included.
+constexpr std::size_t kLogFolderRoom = 256;
+
+/// Where the system describes itself.
+constexpr wchar_t kVersionKey[] = L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion";
+
+std::string ReadVersionValue(const wchar_t* name) {
+  std::array<wchar_t, 128> value{};
+  DWORD size = sizeof(value);
+  const LSTATUS status = RegGetValueW(HKEY_LOCAL_MACHINE, kVersionKey, name, RRF_RT_REG_SZ, nullptr,
+                                      value.data(), &size);
+  return status == ERROR_SUCCESS ? ToUtf8(value.data()) : std::string();
+}
+
+/// As "Windows Server 2022 Standard, build 20348".
+std::string DescribeSystem() {
+  std::string words = ReadVersionValue(L"ProductName");
+  if (words.empty()) words = "Windows";
+  const std::string build = ReadVersionValue(L"CurrentBuildNumber");
+  return build.empty() ? words : words + ", build " + build;
+}
+
+std::string ReadMachineName() {
+  std::array<wchar_t, 256> name{};
+  DWORD size = static_cast<DWORD>(name.size());
+  if (!GetComputerNameExW(ComputerNameDnsHostname, name.data(), &size)) return {};
+  return ToUtf8({name.data(), size});
+}
+
+std::wstring ReadHostExecutable() {
+  std::array<wchar_t, 32768> path{};
+  const DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+  return {path.data(), length};
+}
+
+/// In `codePage`; a path with a character that has no form there stays UTF-8.
+std::string ToTools(const std::wstring& text, std::uint32_t codePage) {
+  const std::optional<std::string> exact = ToCodePage(text, codePage);
+  return exact ? *exact : ToUtf8(text);
+}
+
+/// The code page of what tools print: the console's, which they share, or, without one, the code
+/// page of the console that the system makes for them.
+std::uint32_t ReadToolCodePage() {
+  const UINT console = GetConsoleOutputCP();
+  return console != 0 ? console : GetOEMCP();
+}
+
+std::filesystem::path WithSeparator(const std::filesystem::path& folder) {
+  std::filesystem::path path = std::filesystem::absolute(folder).make_preferred();
+  if (path.has_filename()) path /= L"";
+  return path;
+}
+
+/// The log folder's path as the plug-in hands it to the system's narrow functions.
+std::string NarrowLogFolder(const std::filesystem::path& path) {
+  const std::wstring& text = path.native();
+  const std::optional<std::string> narrow = ToCodePage(text, GetACP());
+  if (!narrow) {
+    throw LiveError("the log folder " + ToUtf8(text) +
+                    " has characters that the system's code page " + std::to_string(GetACP()) +
+                    " lacks; choose another with --log-folder");
+  }
+  if (narrow->size() >= kLogFolderRoom) {
+    throw LiveError("the log folder's path is longer than " + std::to_string(kLogFolderRoom - 1) +
+                    " characters; choose another with --log-folder");
+  }
+  return *narrow;
+}
+
+/// `folder`, or the nearest one above it that is there.
+std::filesystem::path FindExisting(const std::filesystem::path& folder) {
+  std::filesystem::path path = std::filesystem::absolute(folder);
+  std::error_code ignored;
+  while (!std::filesystem::is_directory(path, ignored) && path.has_relative_path()) {
+    path = path.parent_path();
+  }
+  return path;
+}
+
+bool CanWriteInto(const std::filesystem::path& folder) {
+  const std::wstring name =
+      folder / (L"pqhost-" + std::to_wstring(GetCurrentProcessId()) + L".check");
+  const HANDLE file = CreateFileW(name.c_str(), GENERIC_WRITE | DELETE, 0, nullptr, CREATE_NEW,
+                                  FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+  if (file == INVALID_HANDLE_VALUE) return false;
+  CloseHandle(file);
+  return true;
+}
+
+bool IsElevated() {
+  HANDLE token = nullptr;
+  if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token)) return false;
+  TOKEN_ELEVATION elevation{};
+  DWORD size = 0;
+  const bool isRead =
+      GetTokenInformation(token, TokenElevation, &elevation, sizeof(elevation), &size) != 0;
+  CloseHandle(token);
+  return isRead && elevation.TokenIsElevated != 0;
+}
+
+}  // namespace
+
+std::optional<std::string> LocateProgram(const std::string& program) {
+  std::array<char, MAX_PATH> found{};
+  const DWORD length = SearchPathA(nullptr, program.c_str(), ".exe",
+                                   static_cast<DWORD>(found.size()), found.data(), nullptr);
+  if (length == 0) return std::nullopt;
+  // A longer path is there too, only not to be had.
+  return length < found.size() ? std::string(found.data(), length) : program;
+}
+
+MachineFacts DescribeThisMachine(const std::filesystem::path& logFolder) {
+  const std::filesystem::path path = WithSeparator(logFolder);
+  NarrowLogFolder(path);
+
+  MachineFacts facts;
+  facts.description = DescribeSystem();
+  facts.name = ReadMachineName();
+  facts.languageId = GetSystemDefaultLCID();
+  facts.codePage = ReadToolCodePage();
+  facts.hostExecutable = ToTools(ReadHostExecutable(), facts.codePage);
+  facts.logFolder = ToTools(path.native(), facts.codePage);
+  return facts;
+}
+
+MachineFacts PrepareLiveMachine(const std::filesystem::path& logFolder) {
+  MachineFacts facts = DescribeThisMachine(logFolder);
+  const std::filesystem::path path = WithSeparator(logFolder);
+  std::error_code failure;
+  std::filesystem::create_directories(path, failure);
+  if (failure) {
+    throw LiveError("cannot create the log folder " + ToUtf8(path.native()) + ": " +
+                    DescribeSystemError(static_cast<std::uint32_t>(failure.value())));
+  }
+  SetLogFolder(NarrowLogFolder(path));
+  return facts;
+}
+
+Surroundings LookAround(const std::filesystem::path& logFolder) {
+  const std::filesystem::path folder = FindExisting(logFolder);
+  Surroundings found;
+  found.hasInterpreter = GetFileAttributesA(pq::kInterpreter) != INVALID_FILE_ATTRIBUTES;
+  found.canWriteLogFolder = CanWriteInto(folder);
+  found.isElevated = IsElevated();
+  std::error_code ignored;
+  const std::filesystem::space_info space = std::filesystem::space(folder, ignored);
+  found.freeBytes = ignored ? 0 : space.available;
+  return found;
+}
+
+}  // namespace host

@@ -1,0 +1,63 @@
+// What a recorder looks up on this machine, with the narrow functions that the modules use too.
+
+#include <windows.h>
+
+#include <array>
+#include <fstream>
+#include <iterator>
+
+#include "frame/logkit/log.h"
+#include "host/live/live.h"
+#include "host/text/version.h"
+
+namespace host {
+namespace {
+
+class LiveMachineView final : public MachineView {
+ public:
+  std::optional<std::string> ReadFile(const std::string& path) override {
+    std::ifstream file(path, std::ios::binary);
+    if (!file.is_open()) return std::nullopt;
+    return std::string(std::istreambuf_iterator<char>(file), {});
+  }
+
+  std::vector<std::string> ListFiles(const std::string& folder) override {
+    std::vector<std::string> files;
+    WIN32_FIND_DATAA found;
+    const HANDLE search = FindFirstFileA((folder + "\\*").c_str(), &found);
+    if (search == INVALID_HANDLE_VALUE) return files;
+    do {
+      if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) continue;
+      files.push_back(folder + "\\" + found.cFileName);
+    } while (FindNextFileA(search, &found));
+    FindClose(search);
+    return files;
+  }
+
+  bool HasProgram(const std::string& program) override {
+    return LocateProgram(program).has_value();
+  }
+};
+
+}  // namespace
+
+std::unique_ptr<MachineView> ViewLiveMachine() { return std::make_unique<LiveMachineView>(); }
+
+Recording DescribeLiveMachine(const MachineFacts& facts) {
+  // Paths as the modules get them, which may be in another code page than what tools print.
+  std::array<char, MAX_PATH> executable{};
+  const DWORD length =
+      GetModuleFileNameA(nullptr, executable.data(), static_cast<DWORD>(executable.size()));
+  std::array<char, 256> logFolder{};
+  LogKit::GetLogDir(logFolder.data(), logFolder.size());
+
+  Recording recording;
+  recording.description = facts.description + ", recorded by pqhost " + kVersion;
+  recording.languageId = facts.languageId;
+  recording.codePage = facts.codePage;
+  recording.hostExecutable.assign(executable.data(), length);
+  recording.logFolder = logFolder.data();
+  return recording;
+}
+
+}  // namespace host

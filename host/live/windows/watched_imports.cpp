@@ -1,0 +1,246 @@
+#include "host/live/windows/watched_imports.h"
+
+#include <io.h>
+#include <windows.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "frame/platform.h"
+#include "host/live/interruption.h"
+#include "host/live/windows/limited_tool.h"
+#include "host/live/windows/module_image.h"
+#include "host/secrets/amt_login.h"
+
+namespace host {
+namespace {
+
+/// What the replaced functions share.
+struct Watch {
+  LiveWatch given;
+  HANDLE process = nullptr;  ///< the process started last, until it was awaited
+  HANDLE pipe = nullptr;     ///< read end of the pipe made last
+  std::optional<LimitedTool> limited;
+  std::optional<AmtLogin> login;  ///< that the tool started last was given
+};
+
+Watch& TheWatch() {
+  static Watch watch;
+  return watch;
+}
+
+MachineObserver& Observer() { return *TheWatch().given.observer; }
+
+/// Null as long as nothing is recorded.
+Recorder* TheRecorder() {
+  std::optional<Recorder>* recorder = TheWatch().given.recorder;
+  return recorder != nullptr && recorder->has_value() ? &**recorder : nullptr;
+}
+
+/// Whether nothing may be started any more; says so.
+bool IsRefused() {
+  if (!InterruptionRequested()) return false;
+  Observer().OnRefused();
+  SetLastError(kErrorCancelled);
+  return true;
+}
+
+/// Starts a process that ends when its time is up, if it has a limit. Ctrl-C is for the host alone.
+template <typename Start>
+BOOL StartWithLimit(DWORD flags, PROCESS_INFORMATION& started, const Start& start) {
+  const std::optional<unsigned>& limit = TheWatch().given.toolLimit;
+  flags |= CREATE_NEW_PROCESS_GROUP;
+  if (!limit) return start(flags);
+  if (!start(flags | CREATE_SUSPENDED)) return FALSE;
+  TheWatch().limited.emplace(started.hProcess, std::chrono::seconds(*limit));
+  if ((flags & CREATE_SUSPENDED) == 0) ResumeThread(started.hThread);
+  return TRUE;
+}
+
+/// Stops the clock of the tool started last.
+void EndLimit() {
+  Watch& watch = TheWatch();
+  if (!watch.limited) return;
+  const bool wasEnded = watch.limited->Stop();
+  watch.limited.reset();
+  if (wasEnded) Observer().OnToolEnded(*watch.given.toolLimit);
+}
+
+// Each of these stands in the library's table for the function of that name. None of them may
+// change what GetLastError answers behind the call that it stands for: the library reads it next.
+
+BOOL WINAPI WatchedCreatePipe(PHANDLE readEnd, PHANDLE writeEnd, LPSECURITY_ATTRIBUTES security,
+                              DWORD size) {
+  if (IsRefused()) return FALSE;
+  const BOOL done = CreatePipe(readEnd, writeEnd, security, size);
+  TheWatch().pipe = done ? *readEnd : nullptr;
+  return done;
+}
+
+BOOL WINAPI WatchedCreateProcessA(LPCSTR application, LPSTR commandLine,
+                                  LPSECURITY_ATTRIBUTES processSecurity,
+                                  LPSECURITY_ATTRIBUTES threadSecurity, BOOL inheritHandles,
+                                  DWORD flags, LPVOID environment, LPCSTR folder,
+                                  LPSTARTUPINFOA startup, LPPROCESS_INFORMATION started) {
+  EndLimit();  // of a tool that the library abandoned
+  const bool pipe = (startup->dwFlags & STARTF_USESTDHANDLES) != 0;
+  Observer().OnProcess(application, commandLine, inheritHandles != FALSE, pipe);
+  if (IsRefused()) return FALSE;
+  TheWatch().login = FindAmtLogin(commandLine);
+  if (Recorder* recorder = TheRecorder()) recorder->BeginRun(commandLine, pipe);
+  const BOOL done = StartWithLimit(flags, *started, [&](DWORD allFlags) {
+    return CreateProcessA(application, commandLine, processSecurity, threadSecurity, inheritHandles,
+                          allFlags, environment, folder, startup, started);
+  });
+  TheWatch().process = done ? started->hProcess : nullptr;
+  if (!done) {
+    const DWORD error = GetLastError();
+    if (Recorder* recorder = TheRecorder()) recorder->FailRun(error);
+    SetLastError(error);
+  }
+  return done;
+}
+
+BOOL WINAPI WatchedReadFile(HANDLE file, LPVOID buffer, DWORD size, LPDWORD count,
+                            LPOVERLAPPED overlapped) {
+  const BOOL done = ReadFile(file, buffer, size, count, overlapped);
+  Recorder* recorder = TheRecorder();
+  if (done && recorder != nullptr && file == TheWatch().pipe) {
+    recorder->AddOutput({static_cast<const char*>(buffer), *count});
+  }
+  return done;
+}
+
+DWORD WINAPI WatchedWaitForSingleObject(HANDLE handle, DWORD milliseconds) {
+  const DWORD result = WaitForSingleObject(handle, milliseconds);
+  if (result == WAIT_OBJECT_0 && handle == TheWatch().process) {
+    TheWatch().process = nullptr;
+    const DWORD error = GetLastError();
+    DWORD exitCode = 0;
+    GetExitCodeProcess(handle, &exitCode);
+    EndLimit();
+    // Before anyone reads it: neither the tables nor the log folder are to show the password.
+    if (TheWatch().login) HidePasswordInReport(*TheWatch().login);
+    if (Recorder* recorder = TheRecorder()) recorder->EndRun(exitCode);
+    Observer().OnProcessEnd(exitCode);
+    SetLastError(error);
+  }
+  return result;
+}
+
+/// What `system` does, but with a process that this host knows: `system` gives none to end, and one
+/// that a Ctrl-C meant for the host would end.
+int RunSystem(const char* command) {
+  const char* variable = std::getenv("COMSPEC");
+  const std::string interpreter = variable != nullptr ? variable : pq::kInterpreter;
+  std::string line = interpreter + " /c " + command;
+  STARTUPINFOA startup{};
+  startup.cb = sizeof(startup);
+  PROCESS_INFORMATION started{};
+  const BOOL done = StartWithLimit(0, started, [&](DWORD flags) {
+    return CreateProcessA(interpreter.c_str(), line.data(), nullptr, nullptr, TRUE, flags, nullptr,
+                          nullptr, &startup, &started);
+  });
+  if (!done) return -1;
+  CloseHandle(started.hThread);
+  WaitForSingleObject(started.hProcess, INFINITE);
+  DWORD exitCode = 0;
+  GetExitCodeProcess(started.hProcess, &exitCode);
+  CloseHandle(started.hProcess);
+  EndLimit();
+  return static_cast<int>(exitCode);
+}
+
+int WatchedSystem(const char* command) {
+  EndLimit();  // of a tool that the library abandoned
+  Observer().OnSystem(command);
+  if (IsRefused()) return -1;
+  Recorder* recorder = TheRecorder();
+  if (recorder != nullptr) recorder->BeginRun(std::string("/c ") + command, /*isPiped=*/false);
+  const int result = RunSystem(command);
+  if (recorder != nullptr) recorder->EndRun(static_cast<std::uint32_t>(result));
+  return result;
+}
+
+std::FILE* WatchedOpen(const char* path, const char* mode) {
+  Observer().OnOpen(path, mode);
+  if (Recorder* recorder = TheRecorder()) recorder->KeepOpened(path);
+  return std::fopen(path, mode);
+}
+
+int WatchedAccess(const char* path, int mode) {
+  const int result = _access(path, mode);
+  Recorder* recorder = TheRecorder();
+  if (result == 0 && recorder != nullptr) recorder->KeepTested(path);
+  return result;
+}
+
+int WatchedGetCharacter(std::FILE* file) {
+  // Who ended the collection is not asked any more.
+  if (file == stdin && InterruptionRequested()) return EOF;
+  const int character = std::getc(file);
+  Recorder* recorder = TheRecorder();
+  if (file == stdin && character != EOF && recorder != nullptr) {
+    const char typed = static_cast<char>(character);
+    recorder->AddTyped({&typed, 1});
+  }
+  return character;
+}
+
+std::size_t WatchedWrite(const void* data, std::size_t size, std::size_t count, std::FILE* file) {
+  if (file == stdout) Observer().OnConsole({static_cast<const char*>(data), size * count});
+  return std::fwrite(data, size, count, file);
+}
+
+struct Replacement {
+  std::string_view function;
+  void* replacement;
+};
+
+const Replacement kReplacements[] = {
+    {"CreatePipe", reinterpret_cast<void*>(&WatchedCreatePipe)},
+    {"CreateProcessA", reinterpret_cast<void*>(&WatchedCreateProcessA)},
+    {"ReadFile", reinterpret_cast<void*>(&WatchedReadFile)},
+    {"WaitForSingleObject", reinterpret_cast<void*>(&WatchedWaitForSingleObject)},
+    {"_access", reinterpret_cast<void*>(&WatchedAccess)},
+    {"fopen", reinterpret_cast<void*>(&WatchedOpen)},
+    {"fwrite", reinterpret_cast<void*>(&WatchedWrite)},
+    {"getc", reinterpret_cast<void*>(&WatchedGetCharacter)},
+    {"system", reinterpret_cast<void*>(&WatchedSystem)},
+};
+
+/// Writes to a table that the loader has made read-only.
+void SetSlot(void** slot, void* function) {
+  DWORD protection = 0;
+  if (!VirtualProtect(slot, sizeof(*slot), PAGE_READWRITE, &protection)) return;
+  *slot = function;
+  VirtualProtect(slot, sizeof(*slot), protection, &protection);
+}
+
+}  // namespace
+
+WatchedImports::WatchedImports(void* module, const LiveWatch& watch) {
+  TheWatch().given = watch;
+  for (const Import& import : ListImports(module)) {
+    for (const Replacement& replacement : kReplacements) {
+      if (import.function != replacement.function) continue;
+      replaced.push_back({import.slot, *import.slot});
+      SetSlot(import.slot, replacement.replacement);
+    }
+  }
+}
+
+WatchedImports::~WatchedImports() {
+  for (const Replaced& entry : replaced) SetSlot(entry.slot, entry.original);
+  Watch& watch = TheWatch();
+  watch.limited.reset();
+  watch.login.reset();
+  watch.given = {};
+  watch.process = watch.pipe = nullptr;
+}
+
+}  // namespace host

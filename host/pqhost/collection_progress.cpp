@@ -1,0 +1,34 @@
+#include "host/pqhost/collection_progress.h"
+
+#include "host/collect/command_text.h"
+#include "host/text/decoder.h"
+
+namespace host {
+namespace {
+
+/// Names of modules and tools are ASCII; whatever else comes has to be valid UTF-8.
+std::string MakeUtf8(const std::string& bytes) { return TextDecoder(kUtf8CodePage)(bytes); }
+
+}  // namespace
+
+void CollectionProgress::Module(const std::string& name, const std::string& /*description*/) {
+  line.BeginTask(MakeUtf8(name));
+}
+
+void CollectionProgress::OnProcess(const std::string& /*application*/,
+                                   const std::string& commandLine, bool /*inheritHandles*/,
+                                   bool /*pipe*/) {
+  line.BeginStep(MakeUtf8(FindTool(commandLine)));
+}
+
+void CollectionProgress::OnProcessEnd(std::uint32_t /*exitCode*/) { line.BeginStep(""); }
+
+void CollectionProgress::OnSystem(const std::string& command) {
+  line.BeginStep(MakeUtf8(FindTool(command)));
+}
+
+// Somebody else writes to the terminal, and may wait there for an answer.
+void CollectionProgress::OnConsole(std::string_view /*text*/) { line.Hide(); }
+void CollectionProgress::OnToolConsole(std::string_view /*text*/) { line.Hide(); }
+
+}  // namespace host

@@ -1,0 +1,30 @@
+// Who a program talks to, and the exit codes that it answers with.
+#pragma once
+
+#include <filesystem>
+#include <ostream>
+#include <string>
+
+namespace host {
+
+/// Where the program writes, and to whom.
+struct Console {
+  std::ostream& out;
+  std::ostream& error;
+  bool outIsTerminal = false;
+  bool errorIsTerminal = false;
+  bool colors = false;   ///< results may carry colour sequences
+  unsigned width = 120;  ///< columns for results; also when they do not go to a terminal
+  /// The folder of the program's file, where the library is by default.
+  std::filesystem::path programFolder;
+};
+
+inline constexpr int kExitDone = 0;
+inline constexpr int kExitIncomplete = 1;  ///< something could not be collected or written
+inline constexpr int kExitMisused = 2;     ///< wrong use or unreadable input; nothing was collected
+
+/// Writes one line to standard error, after the program's name. Nothing in `text` (UTF-8) reaches a
+/// terminal raw.
+void Complain(const Console& console, const std::string& text);
+
+}  // namespace host

@@ -1,0 +1,219 @@
+#include "host/recording/recorder.h"
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+#include "frame/tokens.h"
+#include "host/recorded/machine_files.h"
+#include "host/recorded/own_commands.h"
+#include "host/text/ascii.h"
+
+namespace host {
+namespace {
+
+/// How many words of a login stand before the password.
+constexpr std::size_t kWordsBeforePassword = 2;
+constexpr std::string_view kBlanks = " \r\n";
+
+std::string FullPath(const std::string& path) {
+  Recording nothing;
+  return MachineFiles(nothing).FullPath(path);
+}
+
+/// As recorded paths are told apart.
+std::string KeyOf(const std::string& path) { return LowerCase(FullPath(path)); }
+
+std::string WithoutQuotes(std::string text) {
+  std::erase(text, '"');
+  return text;
+}
+
+std::vector<std::string_view> SplitLines(std::string_view text) {
+  std::vector<std::string_view> lines;
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find('\n'), text.size() - 1) + 1;
+    lines.push_back(text.substr(0, end));
+    text.remove_prefix(end);
+  }
+  return lines;
+}
+
+/// The file that standard output goes to; empty when it goes to none, or to the null device.
+std::string OutputFileOf(const Stage& stage) {
+  std::string target;
+  for (const Redirection& redirection : stage.redirections) {
+    if (redirection.kind != Redirection::Kind::kRead && redirection.handle == 1) {
+      target = redirection.target;
+    }
+  }
+  return LowerCase(FileNameOf(target)) == "nul" ? "" : target;
+}
+
+}  // namespace
+
+Recorder::Recorder(Recording facts, MachineView& machine)
+    : recording(std::move(facts)), machine(machine) {}
+
+void Recorder::BeginRun(const std::string& commandLine, bool isPiped) {
+  CloseRun();
+  std::optional<AmtLogin> login = FindAmtLogin(commandLine);
+  if (login) MarkLoginLine();
+  // A password may hold what the interpreter would take for a redirection, so it goes first.
+  const Pipeline pipeline = ParseCommandLine(HidePassword(commandLine), [&](std::string_view path) {
+    return machine.HasProgram(std::string(path));
+  });
+  if (pipeline.stages.empty() || pipeline.isMalformed) return;
+  run.emplace();
+  run->stage = pipeline.stages.front();
+  run->isPiped = isPiped;
+  run->login = std::move(login);
+  for (auto stage = pipeline.stages.begin() + 1; stage != pipeline.stages.end(); ++stage) {
+    run->filters.push_back(FindstrTexts(stage->arguments));
+  }
+  const std::string program = WithoutQuotes(run->stage.program);
+  run->command.tool = FileNameOf(program);
+  run->command.arguments = run->stage.arguments;
+  if (ToolName(program) == "copy") KeepCopied(run->stage.arguments);
+}
+
+/// The line that was typed last is the one that the login came from.
+void Recorder::MarkLoginLine() {
+  const std::vector<std::string_view> lines = SplitLines(typed);
+  if (!lines.empty()) loginLines.insert(lines.size() - 1);
+}
+
+void Recorder::KeepCopied(const std::string& arguments) {
+  const std::vector<std::string> paths = SplitWords(arguments);
+  if (paths.empty()) return;
+  KeepFile(paths.front());
+  for (const std::string& path : machine.ListFiles(paths.front())) KeepFile(path);
+}
+
+void Recorder::KeepOpened(const std::string& path) {
+  // What lies in the log folder was written there by a command that is recorded itself.
+  if (!KeyOf(path).starts_with(LowerCase(recording.logFolder))) KeepFile(path);
+}
+
+void Recorder::KeepFile(const std::string& path) {
+  if (knownFiles.contains(KeyOf(path))) return;
+  std::optional<std::string> bytes = machine.ReadFile(path);
+  if (!bytes) return;
+  knownFiles.insert(KeyOf(path));
+  recording.files[FullPath(path)] = std::move(*bytes);
+}
+
+void Recorder::FailRun(std::uint32_t error) {
+  if (!run) return;
+  run->command.startError = error;
+  recording.commands.push_back(std::move(run->command));
+  run.reset();
+}
+
+void Recorder::AddOutput(std::string_view bytes) {
+  if (run && run->isPiped) run->command.standardOutput += bytes;
+}
+
+void Recorder::EndRun(std::uint32_t exitCode) {
+  // The exit code of a pipeline is that of its last filter, which works it out again.
+  if (run && run->filters.empty()) run->command.exitCode = exitCode;
+  CloseRun();
+}
+
+/// Keeps the answer to the run, unless it goes without saying.
+void Recorder::CloseRun() {
+  if (!run) return;
+  TakeOutput();
+  if (IsForeignProgram()) recording.commands.push_back(std::move(run->command));
+  run.reset();
+}
+
+/// Moves what the tool wrote to the place that it came from.
+void Recorder::TakeOutput() {
+  std::string& output = run->command.standardOutput;
+  if (const std::string target = OutputFileOf(run->stage); !target.empty()) {
+    const bool isOwn = IsOwnCommand(run->stage.program);
+    std::optional<std::string> written = isOwn ? std::string() : machine.ReadFile(target);
+    knownFiles.insert(KeyOf(target));
+    if (written) {
+      output = std::move(*written);
+    } else if (readOnly.insert(KeyOf(target)).second) {
+      recording.readOnly.push_back(target);
+    }
+  }
+  if (!run->filters.empty()) {
+    // Only what a filter lets through comes from standard output; the rest went past it.
+    std::string passed;
+    for (const std::string_view line : SplitLines(output)) {
+      const bool passes = std::all_of(
+          run->filters.begin(), run->filters.end(),
+          [&](const std::vector<std::string>& texts) { return !FilterLines(line, texts).empty(); });
+      (passes ? passed : run->command.standardError) += line;
+    }
+    output = std::move(passed);
+  }
+  if (run->login) output = HidePassword(std::move(output), *run->login);
+}
+
+/// Whether an entry has to answer for the run: not for the interpreter's own commands, nor for a
+/// program that is missing, unless the interpreter says so in words of another language.
+bool Recorder::IsForeignProgram() const {
+  const std::string& program = run->stage.program;
+  if (IsOwnCommand(program) || ToolName(program).empty()) return false;
+  if (machine.HasProgram(WithoutQuotes(program))) return true;
+  const RecordedCommand& command = run->command;
+  const std::string written = command.standardOutput + command.standardError;
+  return run->isPiped && written != NotRecognized(program);
+}
+
+/// What the operator typed. A line that was refused may hold a password at any place, and only its
+/// length and its blanks matter.
+std::string Recorder::HideLines() const {
+  std::string hidden;
+  const std::vector<std::string_view> lines = SplitLines(typed);
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    if (loginLines.contains(i)) {
+      const std::vector<std::string_view> words = pq::SplitTokens(lines[i], kBlanks);
+      for (std::size_t word = 0; word < kWordsBeforePassword && word < words.size(); ++word) {
+        hidden.append(words[word]).append(" ");
+      }
+      hidden.append(kHiddenPassword).append("\n");
+      continue;
+    }
+    for (const char c : lines[i]) hidden += kBlanks.find(c) == std::string_view::npos ? '*' : c;
+  }
+  return hidden;
+}
+
+/// The last answer of a command is given from then on, so it need not stand there again. An earlier
+/// one has to: it is the count of answers that tells when the next one comes.
+void Recorder::DropRepeatedEnds() {
+  std::vector<RecordedCommand>& commands = recording.commands;
+  std::map<std::pair<std::string, std::string>, std::vector<std::size_t>> answers;
+  for (std::size_t i = 0; i < commands.size(); ++i) {
+    answers[{ToolName(commands[i].tool), commands[i].arguments}].push_back(i);
+  }
+  std::set<std::size_t> dropped;
+  for (const auto& [command, places] : answers) {
+    for (std::size_t i = places.size() - 1; i > 0; --i) {
+      if (commands[places[i]] != commands[places[i - 1]]) break;
+      dropped.insert(places[i]);
+    }
+  }
+  for (auto place = dropped.rbegin(); place != dropped.rend(); ++place) {
+    commands.erase(commands.begin() + static_cast<std::ptrdiff_t>(*place));
+  }
+}
+
+Recording Recorder::Take() {
+  CloseRun();
+  DropRepeatedEnds();
+  recording.console = HideLines();
+  typed.clear();
+  loginLines.clear();
+  knownFiles.clear();
+  readOnly.clear();
+  return std::exchange(recording, {});
+}
+
+}  // namespace host

@@ -1,0 +1,147 @@
+// Writing a recording:
+//
+//   recording.json
+//   commands/001_storcli_c0_show.txt   what the first command wrote to standard output
+//   commands/001_storcli_c0_show.err   what it wrote to standard error
+//   files/001_hosts                    a file of the machine
+//   manifest.sha256                    the digests of all of them
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "host/files/output_file.h"
+#include "host/recorded/interpreter.h"
+#include "host/recorded/machine_files.h"
+#include "host/recording/recording_file.h"
+#include "host/text/json_text.h"
+#include "host/text/path_text.h"
+#include "host/text/usage_error.h"
+
+namespace host {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr std::size_t kNameLimit = 40;
+
+/// `text` as part of a file name on any system.
+std::string NamePart(std::string_view text) {
+  std::string name;
+  for (const char c : text) {
+    const bool isPlain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
+                         (c >= '0' && c <= '9') || c == '-' || c == '.';
+    if (isPlain) {
+      name += c;
+    } else if (!name.empty() && !name.ends_with('_')) {
+      name += '_';
+    }
+  }
+  name.resize(std::min(name.size(), kNameLimit));
+  while (name.ends_with('_') || name.ends_with('.')) name.pop_back();
+  return name;
+}
+
+class RecordingWriter {
+ public:
+  RecordingWriter(const Recording& recording, std::filesystem::path folder, const Digest& sha256)
+      : recording(recording), folder(std::move(folder)), sha256(sha256) {}
+
+  void Write() {
+    Json all{{"format", kRecordingFormat},
+             {"description", recording.description},
+             {"languageId", recording.languageId}};
+    const bool isKnown = std::find(kRecordingCodePages.begin(), kRecordingCodePages.end(),
+                                   recording.codePage) != kRecordingCodePages.end();
+    if (isKnown) all["codePage"] = recording.codePage;
+    all["hostExecutable"] = ByteText(recording.hostExecutable);
+    all["logFolder"] = ByteText(recording.logFolder);
+    if (!recording.console.empty()) all["console"] = ByteText(recording.console);
+    all["commands"] = Json::array();
+    for (const RecordedCommand& command : recording.commands) {
+      all["commands"].push_back(WriteCommand(command, all["commands"].size() + 1));
+    }
+    all["files"] = Json::object();
+    for (const auto& [path, bytes] : recording.files) {
+      const std::string name =
+          fmt::format("files/{:03}_{}", all["files"].size() + 1, NamePart(FileNameOf(path)));
+      WriteFile(name, bytes);
+      all["files"][ByteText(path)] = name;
+    }
+    for (const std::string& path : recording.readOnly) all["readOnly"].push_back(ByteText(path));
+    WriteFile(kRecordingFileName,
+              all.dump(2, ' ', /*ensure_ascii=*/false, Json::error_handler_t::replace) + "\n");
+    WriteFile(kManifestFileName, std::exchange(manifest, {}));
+  }
+
+ private:
+  Json WriteCommand(const RecordedCommand& command, std::size_t number) {
+    Json entry{{"tool", ByteText(command.tool)}};
+    if (!command.arguments.empty()) entry["arguments"] = ByteText(command.arguments);
+    const std::string name = fmt::format(
+        "commands/{:03}_{}", number, NamePart(ToolName(command.tool) + " " + command.arguments));
+    if (!command.standardOutput.empty()) {
+      entry["stdout"] = name + ".txt";
+      WriteFile(name + ".txt", command.standardOutput);
+    }
+    if (!command.standardError.empty()) {
+      entry["stderr"] = name + ".err";
+      WriteFile(name + ".err", command.standardError);
+    }
+    for (const auto& [member, value] :
+         {std::pair{"exitCode", command.exitCode}, std::pair{"startError", command.startError},
+          std::pair{"pipeError", command.pipeError},
+          std::pair{"exitCodeError", command.exitCodeError}}) {
+      if (value != 0) entry[member] = value;
+    }
+    return entry;
+  }
+
+  /// `name` has only characters that every system takes, and "/".
+  void WriteFile(const std::string& name, const std::string& bytes) {
+    const std::filesystem::path path = folder / name;
+    std::error_code failure;
+    std::filesystem::create_directories(path.parent_path(), failure);
+    errno = 0;
+    std::ofstream file(path, std::ios::binary);
+    file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    file.close();
+    if (!file) {
+      const std::string why = ExplainUnwritable(path);
+      throw std::runtime_error(fmt::format("cannot write {}: {}", PathText(path), why));
+    }
+    manifest += fmt::format("{}  {}\n", sha256(bytes), name);
+  }
+
+  const Recording& recording;
+  std::filesystem::path folder;
+  const Digest& sha256;
+  std::string manifest;
+};
+
+}  // namespace
+
+void PrepareRecordingFolder(const std::filesystem::path& folder) {
+  std::error_code failure;
+  std::filesystem::create_directories(folder, failure);
+  if (failure || !std::filesystem::is_directory(folder, failure)) {
+    throw UsageError(fmt::format("cannot create the recording's folder {}: {}", PathText(folder),
+                                 failure.message()));
+  }
+  if (!std::filesystem::is_empty(folder, failure) || failure) {
+    throw UsageError(fmt::format("{} is not empty: give --record a folder that is new or empty",
+                                 PathText(folder)));
+  }
+}
+
+void WriteRecording(const Recording& recording, const std::filesystem::path& folder,
+                    const Digest& sha256) {
+  RecordingWriter(recording, folder, sha256).Write();
+}
+
+}  // namespace host

@@ -1,0 +1,166 @@
+#include "host/text/decoder.h"
+
+#include <array>
+#include <map>
+#include <optional>
+
+#include "host/text/code_page.h"
+
+namespace host {
+namespace {
+
+/// Bytes that begin a character of two bytes.
+struct LeadBytes {
+  std::uint32_t codePage;
+  unsigned char first;
+  unsigned char last;
+};
+constexpr LeadBytes kLeadBytes[] = {
+    {932, 0x81, 0x9F}, {932, 0xE0, 0xFC}, {936, 0x81, 0xFE}, {949, 0x81, 0xFE}, {950, 0x81, 0xFE},
+};
+
+bool IsLeadByte(std::uint32_t codePage, unsigned char byte) {
+  for (const LeadBytes& range : kLeadBytes) {
+    if (range.codePage == codePage && byte >= range.first && byte <= range.last) return true;
+  }
+  return false;
+}
+
+bool IsSurrogate(char32_t c) { return c >= 0xD800 && c <= 0xDFFF; }
+
+/// Systems fill the holes of a code page with control characters or with characters of private use;
+/// here a hole is a hole on every system.
+bool FillsHole(char32_t c) { return (c >= 0x80 && c <= 0x9F) || (c >= 0xE000 && c <= 0xF8FF); }
+
+/// The character that a code page has where systems disagree.
+std::optional<char32_t> Disputed(std::uint32_t codePage, unsigned char byte) {
+  if (codePage == 936 && byte == 0x80) return U'\u20AC';
+  return std::nullopt;
+}
+
+std::string CleanUtf8(std::string_view bytes) {
+  std::string text;
+  text.reserve(bytes.size());
+  while (!bytes.empty()) AppendUtf8(text, TakeUtf8(bytes));
+  return text;
+}
+
+}  // namespace
+
+void AppendUtf8(std::string& text, char32_t character) {
+  const auto c = static_cast<std::uint32_t>(character);
+  const auto tail = [&](int shift) { text += static_cast<char>(0x80 | ((c >> shift) & 0x3F)); };
+  if (c < 0x80) {
+    text += static_cast<char>(c);
+  } else if (c < 0x800) {
+    text += static_cast<char>(0xC0 | (c >> 6));
+    tail(0);
+  } else if (c < 0x10000) {
+    text += static_cast<char>(0xE0 | (c >> 12));
+    tail(6);
+    tail(0);
+  } else {
+    text += static_cast<char>(0xF0 | (c >> 18));
+    tail(12);
+    tail(6);
+    tail(0);
+  }
+}
+
+char32_t TakeUtf8(std::string_view& text) {
+  const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+  const unsigned char lead = byteAt(0);
+  std::size_t length = 1;
+  char32_t character = lead;
+  char32_t smallest = 0;
+  if (lead >= 0xC2 && lead <= 0xDF) {
+    length = 2;
+    character = lead & 0x1F;
+    smallest = 0x80;
+  } else if (lead >= 0xE0 && lead <= 0xEF) {
+    length = 3;
+    character = lead & 0x0F;
+    smallest = 0x800;
+  } else if (lead >= 0xF0 && lead <= 0xF4) {
+    length = 4;
+    character = lead & 0x07;
+    smallest = 0x10000;
+  } else if (lead >= 0x80) {
+    character = kReplacementCharacter;
+  }
+  std::size_t taken = 1;
+  for (; taken < length && taken < text.size() && (byteAt(taken) & 0xC0) == 0x80; ++taken) {
+    character = character << 6 | (byteAt(taken) & 0x3F);
+  }
+  const bool whole = taken == length;
+  text.remove_prefix(taken);
+  const bool valid =
+      whole && character >= smallest && character <= 0x10FFFF && !IsSurrogate(character);
+  return valid ? character : kReplacementCharacter;
+}
+
+struct TextDecoder::Characters {
+  using Row = std::array<char32_t, 256>;
+
+  std::uint32_t number = 0;
+  std::unique_ptr<CodePage> codePage;  ///< null for UTF-8, and when the system does not know it
+  Row singles{};
+  std::map<unsigned char, Row> pairs;  ///< by lead byte, as they come up
+
+  char32_t Decode(std::string_view bytes) {
+    const std::optional<char32_t> c = codePage ? codePage->Decode(bytes) : std::nullopt;
+    return c && !FillsHole(*c) && !IsSurrogate(*c) ? *c : kReplacementCharacter;
+  }
+
+  void FillSingles() {
+    for (unsigned i = 0; i < singles.size(); ++i) {
+      const char byte = static_cast<char>(i);
+      const auto disputed = Disputed(number, static_cast<unsigned char>(i));
+      singles[i] = i < 0x80 ? i : disputed ? *disputed : Decode({&byte, 1});
+    }
+  }
+
+  char32_t Pair(unsigned char lead, unsigned char trail) {
+    const auto [row, isNew] = pairs.try_emplace(lead);
+    if (isNew) {
+      for (unsigned i = 0; i < row->second.size(); ++i) {
+        const char bytes[] = {static_cast<char>(lead), static_cast<char>(i)};
+        row->second[i] = Decode({bytes, 2});
+      }
+    }
+    return row->second[trail];
+  }
+};
+
+TextDecoder::TextDecoder(std::uint32_t codePage) : characters(std::make_unique<Characters>()) {
+  characters->number = codePage;
+  if (codePage == kUtf8CodePage) return;
+  characters->codePage = OpenCodePage(codePage);
+  characters->FillSingles();
+}
+
+TextDecoder::~TextDecoder() = default;
+
+std::string TextDecoder::operator()(std::string_view bytes) const {
+  if (characters->number == kUtf8CodePage) return CleanUtf8(bytes);
+  std::string text;
+  text.reserve(bytes.size());
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(bytes[i]);
+    if (byte < 0x80) {
+      text += bytes[i];
+    } else if (!IsLeadByte(characters->number, byte)) {
+      AppendUtf8(text, characters->singles[byte]);
+    } else if (i + 1 == bytes.size()) {
+      AppendUtf8(text, kReplacementCharacter);
+    } else {
+      const auto trail = static_cast<unsigned char>(bytes[i + 1]);
+      const char32_t c = characters->Pair(byte, trail);
+      AppendUtf8(text, c);
+      if (c != kReplacementCharacter || trail >= 0x80) ++i;
+    }
+  }
+  return text;
+}
+
+}  // namespace host

@@ -1,0 +1,76 @@
+// Texts in JSON, and JSON where a terminal may read it.
+#pragma once
+
+#include <concepts>
+#include <ostream>
+#include <streambuf>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace host {
+
+/// Every byte as the character with that code, in UTF-8: how a text of the machine stands in JSON.
+std::string ByteText(std::string_view bytes);
+
+/// Appends `text` (valid UTF-8) to `json` as a JSON text, quotes included.
+void AppendJsonText(std::string& json, std::string_view text);
+
+/// Appends a text of the machine, each byte as in ByteText, as a JSON text, quotes included.
+void AppendJsonBytes(std::string& json, std::string_view bytes);
+
+/// Builds one JSON object in one line, member by member. Names are plain ASCII.
+class JsonObject {
+ public:
+  JsonObject& AddText(std::string_view name, std::string_view utf8) {
+    AppendJsonText(Begin(name), utf8);
+    return *this;
+  }
+  JsonObject& AddBytes(std::string_view name, std::string_view bytes) {
+    AppendJsonBytes(Begin(name), bytes);
+    return *this;
+  }
+  JsonObject& AddNumber(std::string_view name, std::integral auto number) {
+    Begin(name) += std::to_string(number);
+    return *this;
+  }
+  JsonObject& AddFlag(std::string_view name, bool flag) {
+    Begin(name) += flag ? "true" : "false";
+    return *this;
+  }
+  /// Adds what `append(json)` appends, which has to be one JSON value.
+  template <typename Append>
+  JsonObject& Add(std::string_view name, const Append& append) {
+    append(Begin(name));
+    return *this;
+  }
+
+  /// The object; nothing can be added after that.
+  std::string Take() { return std::move(json += '}'); }
+
+ private:
+  std::string& Begin(std::string_view name);
+
+  std::string json = "{";
+};
+
+/// `json` (valid UTF-8) with the control characters from 127 to 159 escaped, which a terminal would
+/// obey; those below 32 JSON escapes itself. They occur only inside texts, so it means the same.
+std::string EscapeJsonForTerminal(std::string_view json);
+
+/// A stream that passes lines of JSON on to `out`, escaped so.
+class JsonForTerminal : private std::streambuf {
+ public:
+  explicit JsonForTerminal(std::ostream& out) : out(out), stream(this) {}
+
+  std::ostream& Stream() { return stream; }
+
+ private:
+  int_type overflow(int_type character) override;
+
+  std::ostream& out;
+  std::string line;
+  std::ostream stream;
+};
+
+}  // namespace host
