@@ -15,11 +15,8 @@
 #include <string_view>
 #include <vector>
 
-#include "frame/add_modules.h"
-#include "frame/bound/machine_in_use.h"
 #include "frame/platform.h"
-#include "host/logger/logger.h"
-#include "host/recorded/recorded_machine.h"
+#include "host/collect/collect.h"
 #include "host/recorded/stored_text.h"
 #include "host/repository/observer.h"
 
@@ -147,7 +144,7 @@ class AnsweringMachine final : public pq::Platform {
   class AnsweringFile final : public pq::TextFile {
    public:
     AnsweringFile(OpenObjects<pq::TextFile>& open, std::string_view text)
-        : open(open), stored(std::make_shared<const std::string>(text)) {
+        : open(open), stored(std::string(text)) {
       open.Add(this);
     }
     ~AnsweringFile() override { open.Remove(this); }
@@ -167,23 +164,20 @@ class AnsweringMachine final : public pq::Platform {
   OpenObjects<pq::TextFile> files;
 };
 
-/// What one run says and builds.
-class RunWatcher final : public host::RepositoryObserver {
+/// Holds what one run says and builds against the rules that all modules keep.
+class RunWatcher final : public host::CollectionListener, public host::RepositoryObserver {
  public:
-  RunWatcher() {
-    host::SetRepositoryObserver(this);
-    host::SetLogSink([this](const host::LogLine& line) {
-      Require(line.level == 1 || line.level == 3 || line.level == 4);
-      Require(line.text.starts_with("[repo] "));
-      if (first.empty()) first = line.text;
-      last = line.text;
-    });
+  host::RepositoryObserver* Calls() override { return this; }
+  bool WantsLog() const override { return true; }
+  void Enumerate(const std::string& /*module*/, const std::string& /*table*/) override {
+    CheckLines();
+    first.clear();
   }
-  RunWatcher(const RunWatcher&) = delete;
-  RunWatcher& operator=(const RunWatcher&) = delete;
-  ~RunWatcher() override {
-    host::SetLogSink({});
-    host::SetRepositoryObserver(nullptr);
+  void Log(const host::LogLine& line) override {
+    Require(line.level == 1 || line.level == 3 || line.level == 4);
+    Require(line.text.starts_with("[repo] "));
+    if (first.empty()) first = line.text;
+    last = line.text;
   }
   void OnInstance(std::uint64_t /*id*/, const std::string& /*className*/,
                   const std::string& /*key*/, int number) override {
@@ -196,6 +190,15 @@ class RunWatcher final : public host::RepositoryObserver {
   }
   void OnRelease(std::uint64_t /*id*/) override { --alive; }
 
+  /// An enumeration begins and ends with its module's own lines.
+  void CheckLines() const {
+    if (last.empty()) return;
+    Require(first.starts_with("[repo] Enter Enum"));
+    Require(last == "[repo] Exit" + first.substr(12));
+  }
+  long CountAlive() const { return alive; }
+
+ private:
   std::string first;
   std::string last;
   long alive = 0;
@@ -205,27 +208,21 @@ class RunWatcher final : public host::RepositoryObserver {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size < 2) return 0;
-  std::vector<boost::shared_ptr<halyard::repository::RModule>> modules;
-  AddModules(modules);
-  const auto& module = modules[data[0] % modules.size()];
+  const std::vector<host::LoadedModule> modules = host::LoadLinkedModules();
+  const std::string& name = modules[data[0] % modules.size()].name;
   AnsweringMachine machine({reinterpret_cast<const char*>(data) + 2, size - 2},
                            data[1] % 2 == 1 ? 1033 : 1031);
-  const pq::MachineInUse inUse(machine);
-  host::SetLogFolder("C:\\Halyard\\logs\\");
-  halyard::repository::RRepository repository;
+  host::MachineFacts facts;
+  facts.logFolder = "C:\\Halyard\\logs\\";
+  host::PlatformSource source(machine, facts);
   RunWatcher watcher;
-  module->RegisterTables();
-  for (const auto& [name, handlers] : module->Tables()) {
-    watcher.first.clear();
-    handlers.enumHandler(repository);
-    Require(watcher.first.starts_with("[repo] Enter Enum"));
-    Require(watcher.last == "[repo] Exit" + watcher.first.substr(12));
-  }
-  Require(watcher.alive == 0);
+  host::Collect(source, {{name}, {}}, watcher);
+  watcher.CheckLines();
+  Require(watcher.CountAlive() == 0);
   Require(machine.OpenPipes() == 0);
   // A BMC utility that cannot reach its controller is left alone, and so is the file in which the
   // RAID inventory looked for a controller count.
-  if (module->GetName() != "BMC_Info") Require(machine.OpenProcesses() == 0);
-  Require(machine.OpenFiles() <= (module->GetName() == "sampleModule1" ? 1 : 0));
+  if (name != "BMC_Info") Require(machine.OpenProcesses() == 0);
+  Require(machine.OpenFiles() <= (name == "sampleModule1" ? 1 : 0));
   return 0;
 }

@@ -72,7 +72,7 @@ void CheckComplaint(const std::string& complaint) {
 void CheckMachine(host::Recording recording) {
   const auto commands = recording.commands;
   const auto files = recording.files;
-  for (const auto& [path, bytes] : files) Require(bytes.find(kSecret) == std::string::npos);
+  for (const auto& [path, bytes] : files) Require(bytes.Text().find(kSecret) == std::string::npos);
   host::RecordedMachine machine(std::move(recording));
   Require(machine.HostExecutable().size() <= 259);
   for (const auto& [path, bytes] : files) {

@@ -90,7 +90,7 @@ std::string PromptsAround(const std::vector<std::string>& complaints) {
 /// Runs one of the module's own operations on `recording`.
 template <typename Operation>
 int ResultOf(const host::Recording& recording, const Operation& operation) {
-  host::SetLogFolder(recording.logFolder);
+  const host::LogFolderInUse logFolder(recording.logFolder);
   host::RecordedMachine machine(recording);
   const pq::MachineInUse inUse(machine);
   pq::RAMTInfo module;

@@ -264,7 +264,7 @@ using Step = int (*)(pq::RBMCInfo&, pq::RRepository&);
 /// What a step of a collection returns on the machine of `recording`.
 int ResultOf(const host::Recording& recording, Step step) {
   Collect(MakeBmcMachine(4), kModule, {"MCINFO"});  // Finds the host's folder for all objects.
-  host::SetLogFolder(recording.logFolder);
+  const host::LogFolderInUse logFolder(recording.logFolder);
   host::RecordedMachine machine(recording);
   const pq::MachineInUse inUse(machine);
   pq::RRepository repository;

@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "frame/logkit/log.h"
+#include "host/text/usage_error.h"
 
 namespace test {
 namespace {
@@ -85,11 +86,11 @@ TEST(Collected, ListensToNothingAfterwards) {
 }
 
 TEST(Collected, RefusesAModuleThatIsNotThere) {
-  EXPECT_THROW(Collect({}, "Windows"), std::invalid_argument);
+  EXPECT_THROW(Collect({}, "Windows"), host::UsageError);
 }
 
 TEST(Collected, RefusesATableThatIsNotThere) {
-  EXPECT_THROW(Collect({}, "Windows_Related_Info", {"ARP"}), std::out_of_range);
+  EXPECT_THROW(Collect({}, "Windows_Related_Info", {"ARP"}), host::UsageError);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "frame/logkit/log.h"
@@ -18,14 +19,10 @@ using testing::IsEmpty;
 /// Keeps every line as long as it lives.
 class KeptLog {
  public:
-  KeptLog() {
-    SetLogSink([this](const LogLine& line) { lines.push_back(line); });
-  }
-  KeptLog(const KeptLog&) = delete;
-  KeptLog& operator=(const KeptLog&) = delete;
-  ~KeptLog() { SetLogSink({}); }
-
   std::vector<LogLine> lines;
+
+ private:
+  LogSinkInUse sink{[this](const LogLine& line) { lines.push_back(line); }};
 };
 
 /// What GetLogDir answers, and what it leaves in a buffer full of 'x'.
@@ -72,42 +69,65 @@ TEST(Log, KeepsBytesAsTheyAre) {
 
 TEST(Log, GoesNowhereWithoutASink) {
   std::vector<std::string> seen;
-  SetLogSink([&](const LogLine& line) { seen.push_back(line.text); });
-  LogKit::Log(3, "f", 1).Stream() << "one";
-  SetLogSink({});
+  {
+    const LogSinkInUse sink([&](const LogLine& line) { seen.push_back(line.text); });
+    LogKit::Log(3, "f", 1).Stream() << "one";
+  }
   LogKit::Log(3, "f", 1).Stream() << "two";
   EXPECT_THAT(seen, ElementsAre("one"));
 }
 
 TEST(LogFolder, IsGivenWithItsLength) {
-  SetLogFolder("C:\\Halyard\\logs\\");
+  const LogFolderInUse folder("C:\\Halyard\\logs\\");
   const LogDir dir(256);
   EXPECT_EQ(dir.result, 16);
   EXPECT_EQ(dir.Text(), "C:\\Halyard\\logs\\");
 }
 
 TEST(LogFolder, GetsTheBackslashThatIsMissing) {
-  SetLogFolder("C:\\logs");
+  const LogFolderInUse folder("C:\\logs");
   EXPECT_EQ(LogDir(256).Text(), "C:\\logs\\");
 }
 
 TEST(LogFolder, FitsWithItsTerminator) {
-  SetLogFolder(PathOf(255));
+  const LogFolderInUse folder(PathOf(255));
   const LogDir dir(256);
   EXPECT_EQ(dir.result, 255);
   EXPECT_EQ(dir.Text(), PathOf(255));
 }
 
 TEST(LogFolder, LeavesAnEmptyTextWhenItDoesNotFit) {
-  SetLogFolder(PathOf(256));
+  const LogFolderInUse folder(PathOf(256));
   const LogDir dir(256);
   EXPECT_EQ(dir.result, -1);
   EXPECT_EQ(dir.Text(), "");
   EXPECT_EQ(dir.buffer.substr(1, 10), "xxxxxxxxxx");
 }
 
+TEST(LogFolder, IsTheInnermostOneAndThenTheOneBefore) {
+  const LogFolderInUse outer("C:\\outer\\");
+  {
+    const LogFolderInUse inner("C:\\inner\\");
+    EXPECT_EQ(LogDir(256).Text(), "C:\\inner\\");
+  }
+  EXPECT_EQ(LogDir(256).Text(), "C:\\outer\\");
+}
+
+TEST(LogFolder, IsTheThreadsOwn) {
+  const LogFolderInUse folder("C:\\logs\\");
+  std::string elsewhere = "unset";
+  std::thread([&] { elsewhere = LogDir(256).Text(); }).join();
+  EXPECT_EQ(elsewhere, "");
+}
+
+TEST(Log, GoesToTheSinkOfItsThread) {
+  const KeptLog log;
+  std::thread([] { LogKit::Log(3, "f", 1).Stream() << "elsewhere"; }).join();
+  EXPECT_THAT(log.lines, IsEmpty());
+}
+
 TEST(LogFolder, WritesNothingIntoABufferWithoutRoom) {
-  SetLogFolder("C:\\logs\\");
+  const LogFolderInUse folder("C:\\logs\\");
   const LogDir dir(0);
   EXPECT_EQ(dir.result, -1);
   EXPECT_EQ(dir.buffer[0], 'x');

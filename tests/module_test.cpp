@@ -45,15 +45,12 @@ class ExampleModule : public CollectionModule {
 
 /// Every log line as "level file text" as long as it lives.
 struct LogKept {
-  LogKept() {
-    host::SetLogSink([this](const host::LogLine& line) {
-      lines.push_back(std::to_string(line.level) + " " + line.file + " " + line.text);
-      sourceLines.push_back(line.line);
-    });
-  }
-  ~LogKept() { host::SetLogSink({}); }
   std::vector<std::string> lines;
   std::vector<int> sourceLines;
+  host::LogSinkInUse sink{[this](const host::LogLine& line) {
+    lines.push_back(std::to_string(line.level) + " " + line.file + " " + line.text);
+    sourceLines.push_back(line.line);
+  }};
 };
 
 TEST(ModuleLog, WritesOneLineWithItsPartsBehindThePrefix) {

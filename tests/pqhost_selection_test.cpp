@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "host/collect/collection.h"
+#include "host/collect/collect.h"
 #include "host/text/usage_error.h"
 
 namespace host {
@@ -54,9 +54,27 @@ class ListedModule : public RModule {
   Names& calls;
 };
 
-class Selection : public testing::Test {
+/// Has these modules and no machine.
+class ListedSource final : public Source {
+ public:
+  explicit ListedSource(ModuleList modules) : modules(std::move(modules)) {}
+
+  void Begin(CollectionListener& /*listener*/) override {}
+  void AddModules(ModuleList& added) override { added = modules; }
+  pq::Platform* Machine() override { return nullptr; }
+  MachineFacts Facts() override { return {}; }
+  bool HasPrograms(const std::string& /*commandLine*/) override { return true; }
+  std::optional<std::uint64_t> LogFileSize(const std::string& /*fileName*/) override {
+    return std::nullopt;
+  }
+
+ private:
+  ModuleList modules;
+};
+
+class SelectedTables : public testing::Test {
  protected:
-  Selection()
+  SelectedTables()
       : first(boost::make_shared<ListedModule>("First", Names{"B", "A"}, calls)),
         second(boost::make_shared<ListedModule>("Second", Names{"C"}, calls)),
         modules(RegisterModules({first, second})) {
@@ -66,7 +84,7 @@ class Selection : public testing::Test {
   /// The selected tables as "module.table".
   Names Select(const Names& moduleNames, const Names& tableNames) {
     Names selected;
-    for (const ModuleSelection& chosen : SelectTables(modules, moduleNames, tableNames)) {
+    for (const ModuleSelection& chosen : SelectTables(modules, {moduleNames, tableNames})) {
       for (const std::string& table : chosen.tables) {
         selected.push_back(chosen.module->name + "." + table);
       }
@@ -76,7 +94,7 @@ class Selection : public testing::Test {
 
   std::string Complaint(const Names& moduleNames, const Names& tableNames) {
     try {
-      SelectTables(modules, moduleNames, tableNames);
+      SelectTables(modules, {moduleNames, tableNames});
     } catch (const UsageError& error) {
       return error.what();
     }
@@ -85,8 +103,14 @@ class Selection : public testing::Test {
 
   Collection Run(const Names& moduleNames, const Names& tableNames) {
     CollectionListener nobody;
-    return RunCollection(SelectTables(modules, moduleNames, tableNames), !tableNames.empty(),
-                         nobody);
+    return Run(moduleNames, tableNames, nobody);
+  }
+
+  Collection Run(const Names& moduleNames, const Names& tableNames, CollectionListener& listener) {
+    ListedSource source({first, second});
+    Collection collection = Collect(source, {moduleNames, tableNames}, listener);
+    std::erase_if(calls, [](const std::string& call) { return call.starts_with("register"); });
+    return collection;
   }
 
   Names calls;
@@ -95,58 +119,58 @@ class Selection : public testing::Test {
   std::vector<LoadedModule> modules;
 };
 
-TEST_F(Selection, TakesModulesInTheirOrderAndTablesByName) {
+TEST_F(SelectedTables, TakesModulesInTheirOrderAndTablesByName) {
   EXPECT_THAT(Select({}, {}), ElementsAre("First.A", "First.B", "Second.C"));
 }
 
-TEST_F(Selection, TakesNamedModulesInTheOrderNamed) {
+TEST_F(SelectedTables, TakesNamedModulesInTheOrderNamed) {
   EXPECT_THAT(Select({"Second", "First"}, {}), ElementsAre("Second.C", "First.A", "First.B"));
 }
 
-TEST_F(Selection, TakesNamedTablesInTheOrderNamed) {
+TEST_F(SelectedTables, TakesNamedTablesInTheOrderNamed) {
   EXPECT_THAT(Select({}, {"B", "A"}), ElementsAre("First.B", "First.A"));
 }
 
-TEST_F(Selection, TakesATableNamedTwiceTwice) {
+TEST_F(SelectedTables, TakesATableNamedTwiceTwice) {
   EXPECT_THAT(Select({}, {"A", "B", "A"}), ElementsAre("First.A", "First.B", "First.A"));
 }
 
-TEST_F(Selection, UsesOnlyTheModulesThatOwnANamedTable) {
+TEST_F(SelectedTables, UsesOnlyTheModulesThatOwnANamedTable) {
   EXPECT_THAT(Select({}, {"C"}), ElementsAre("Second.C"));
   EXPECT_THAT(Select({"First", "Second"}, {"C"}), ElementsAre("Second.C"));
 }
 
-TEST_F(Selection, RefusesAnUnknownModuleAndNamesThoseThereAre) {
+TEST_F(SelectedTables, RefusesAnUnknownModuleAndNamesThoseThereAre) {
   EXPECT_EQ(Complaint({"Frist"}, {}),
             "there is no module Frist; did you mean First? (modules: First, Second)");
 }
 
-TEST_F(Selection, RefusesAnUnknownTableAndNamesThoseThereAre) {
+TEST_F(SelectedTables, RefusesAnUnknownTableAndNamesThoseThereAre) {
   EXPECT_EQ(Complaint({}, {"NOTHING"}), "there is no table NOTHING (tables: A, B, C)");
 }
 
-TEST_F(Selection, RefusesATableOfAModuleThatWasNotNamed) {
+TEST_F(SelectedTables, RefusesATableOfAModuleThatWasNotNamed) {
   EXPECT_EQ(Complaint({"First"}, {"C"}),
             "table C belongs to module Second: add --module Second, or leave --module away");
 }
 
-TEST_F(Selection, RefusesBeforeAnythingIsEnumerated) {
+TEST_F(SelectedTables, RefusesBeforeAnythingIsEnumerated) {
   Complaint({}, {"A", "NOTHING"});
   EXPECT_THAT(calls, ElementsAre());
 }
 
-TEST_F(Selection, RegistersEachModuleOnce) {
+TEST_F(SelectedTables, RegistersEachModuleOnce) {
   RegisterModules({first, second});
   EXPECT_THAT(calls, ElementsAre("register First", "register Second"));
 }
 
-TEST_F(Selection, AsksForTheLayoutOfEachTableBeforeItIsEnumerated) {
+TEST_F(SelectedTables, AsksForTheLayoutOfEachTableBeforeItIsEnumerated) {
   Run({}, {});
   EXPECT_THAT(calls, ElementsAre("layout A", "enumerate A", "layout B", "enumerate B", "layout C",
                                  "enumerate C"));
 }
 
-TEST_F(Selection, TellsListenersBeforeThingsHappen) {
+TEST_F(SelectedTables, TellsListenersBeforeThingsHappen) {
   struct Teller : CollectionListener {
     explicit Teller(Names& calls) : calls(calls) {}
     void Module(const std::string& name, const std::string& description) override {
@@ -159,26 +183,26 @@ TEST_F(Selection, TellsListenersBeforeThingsHappen) {
     Names& calls;
   };
   Teller teller(calls);
-  RunCollection(SelectTables(modules, {}, {"C"}), true, teller);
+  Run({}, {"C"}, teller);
   EXPECT_THAT(calls, ElementsAre("told Second, about Second", "told layout C", "layout C",
                                  "told enumerate Second.C", "enumerate C"));
 }
 
-TEST_F(Selection, ListsATableNamedTwiceOnceWithTheRowsOfBoth) {
+TEST_F(SelectedTables, ListsATableNamedTwiceOnceWithTheRowsOfBoth) {
   const Collection collection = Run({}, {"A", "A"});
   ASSERT_EQ(collection.tables.size(), 1U);
   EXPECT_EQ(collection.tables[0].RowCount(), 2U);
   ASSERT_EQ(collection.modules.size(), 1U);
 }
 
-TEST_F(Selection, KeepsTheLayoutOfATable) {
+TEST_F(SelectedTables, KeepsTheLayoutOfATable) {
   const Collection collection = Run({}, {"A"});
   EXPECT_FALSE(collection.tables[0].layout.byRow);
   EXPECT_THAT(collection.tables[0].layout.headers, ElementsAre("A"));
   EXPECT_THAT(collection.tables[0].layout.numbers, ElementsAre(30, 2));
 }
 
-TEST_F(Selection, ListsAClassThatNobodyRegisteredBehindItsModulesTables) {
+TEST_F(SelectedTables, ListsAClassThatNobodyRegisteredBehindItsModulesTables) {
   first->alsoInto = "EXTRA";
   const Collection collection = Run({}, {});
   ASSERT_EQ(collection.tables.size(), 4U);
@@ -187,14 +211,14 @@ TEST_F(Selection, ListsAClassThatNobodyRegisteredBehindItsModulesTables) {
   EXPECT_EQ(collection.tables[2].RowCount(), 2U);
 }
 
-TEST_F(Selection, LeavesAwayWhatWasNotNamed) {
+TEST_F(SelectedTables, LeavesAwayWhatWasNotNamed) {
   first->alsoInto = "B";
   const Collection collection = Run({}, {"A"});
   ASSERT_EQ(collection.tables.size(), 1U);
   EXPECT_EQ(collection.tables[0].className, "A");
 }
 
-TEST_F(Selection, EnumeratesAModuleNamedTwiceTwice) {
+TEST_F(SelectedTables, EnumeratesAModuleNamedTwiceTwice) {
   Run({"Second", "Second"}, {});
   EXPECT_THAT(calls, ElementsAre("layout C", "enumerate C", "layout C", "enumerate C"));
 }

@@ -10,6 +10,7 @@
 #include "host/repository/store.h"
 #include "pqmodules/rsamplemodule2/intel_devices.h"
 #include "tests/support/fake_platform.h"
+#include "tests/support/log_lines.h"
 #include "tests/support/raid_tools.h"
 
 namespace {
@@ -238,14 +239,12 @@ TEST(IntelDevices, AreNoneWhenTheReportCannotBeOpened) {
   // Every tool ends well here, and no file can be opened.
   test::FakePlatform platform;
   const pq::MachineInUse inUse(platform);
-  host::SetLogFolder("C:\\Halyard\\logs\\");
-  std::vector<std::string> texts;
-  host::SetLogSink([&](const host::LogLine& line) { texts.push_back(line.text); });
+  const host::LogFolderInUse folder("C:\\Halyard\\logs\\");
+  const test::LogLines lines;
   halyard::repository::RRepository repository;
   constexpr pq::ModuleLog log("pqmodules/rsamplemodule2");
   pq::CollectIntelDevices({repository, log, "C:\\Halyard"});
-  host::SetLogSink({});
-  EXPECT_EQ(texts.back(), "[repo] Failed to open raid log file");
+  EXPECT_EQ(lines.texts.back(), "4 [repo] Failed to open raid log file");
   EXPECT_THAT(host::TablesOf(repository), IsEmpty());
 }
 

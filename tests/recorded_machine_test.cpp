@@ -456,7 +456,7 @@ TEST(RecordedMachine, RefusesAFilterWithoutTexts) {
 
 // --- copy
 
-Recording WithFiles(std::map<std::string, std::string> files) {
+Recording WithFiles(std::map<std::string, Bytes> files) {
   Recording recording;
   recording.files = std::move(files);
   return recording;

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -43,11 +44,6 @@ Texts Cells(const Row& row) {
 /// Writes every event that it sees as a line.
 class Listener : public RepositoryObserver {
  public:
-  Listener() { SetRepositoryObserver(this); }
-  Listener(const Listener&) = delete;
-  Listener& operator=(const Listener&) = delete;
-  ~Listener() override { SetRepositoryObserver(nullptr); }
-
   void OnInstance(std::uint64_t id, const std::string& className, const std::string& key,
                   int number) override {
     Note(id, "instance " + className + " " + key + " " + std::to_string(number));
@@ -86,8 +82,13 @@ class Listener : public RepositoryObserver {
   }
 };
 
+/// A listener in use as long as it lives.
+struct Listening : Listener {
+  RepositoryObserverInUse use{*this};
+};
+
 TEST(RepositoryObserver, SeesEveryCallInOrder) {
-  const Listener listener;
+  const Listening listener;
   RRepository repository;
   {
     RInstance instance("ARPINFO", "arp", -1);
@@ -104,7 +105,7 @@ TEST(RepositoryObserver, SeesEveryCallInOrder) {
 
 TEST(RepositoryObserver, CountsInstancesFrom1InOrderOfConstruction) {
   const RInstance before("T", "unseen", -1);
-  const Listener listener;
+  const Listening listener;
   {
     const RInstance first("T", "a", -1);
     const RInstance second("T", "b", -1);
@@ -115,14 +116,14 @@ TEST(RepositoryObserver, CountsInstancesFrom1InOrderOfConstruction) {
 
 TEST(RepositoryObserver, CountsFrom1AgainForTheNextOne) {
   for (int i = 0; i < 2; ++i) {
-    const Listener listener;
+    const Listening listener;
     { const RInstance instance("T", "a", -1); }
     EXPECT_THAT(listener.events, ElementsAre("1 instance T a -1", "1 release"));
   }
 }
 
 TEST(RepositoryObserver, SeesLayoutsWithTheirTable) {
-  const Listener listener;
+  const Listening listener;
   RInstancesWrapper table;
   table.className = "SENSORINFO";
   table.SetRowHeaders({"a"}, {19, 9}, true);
@@ -131,11 +132,32 @@ TEST(RepositoryObserver, SeesLayoutsWithTheirTable) {
                                            "column headers of SENSORINFO 0 30 2"));
 }
 
-TEST(RepositoryObserver, SeesNothingAnyMoreWhenItIsUnset) {
+TEST(RepositoryObserver, SeesNothingBeforeAndAfterItsUse) {
   Listener listener;
-  SetRepositoryObserver(nullptr);
-  { const RInstance instance("T", "a", -1); }
+  { const RInstance instance("T", "before", -1); }
+  { const RepositoryObserverInUse use(listener); }
+  { const RInstance instance("T", "after", -1); }
   EXPECT_THAT(listener.events, IsEmpty());
+}
+
+TEST(RepositoryObserver, SeesItsOwnThreadAlone) {
+  Listener listener;
+  const RepositoryObserverInUse use(listener);
+  std::thread([] { const RInstance instance("T", "elsewhere", -1); }).join();
+  EXPECT_THAT(listener.events, IsEmpty());
+}
+
+TEST(RepositoryObserver, MakesWayForAnotherAndComesBack) {
+  Listener outer;
+  Listener inner;
+  const RepositoryObserverInUse useOuter(outer);
+  {
+    const RepositoryObserverInUse useInner(inner);
+    const RInstance instance("T", "a", -1);
+  }
+  { const RInstance instance("T", "b", -1); }
+  EXPECT_THAT(inner.events, ElementsAre("1 instance T a -1", "1 release"));
+  EXPECT_THAT(outer.events, ElementsAre("1 instance T b -1", "1 release"));
 }
 
 TEST(Repository, HoldsOnlyClassesThatHaveRows) {

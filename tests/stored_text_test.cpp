@@ -11,9 +11,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-StoredText Open(std::string bytes) {
-  return StoredText(std::make_shared<const std::string>(std::move(bytes)));
-}
+StoredText Open(std::string bytes) { return StoredText(std::move(bytes)); }
 
 /// All pieces that a buffer of `size` bytes gets.
 std::vector<std::string> Pieces(const std::string& bytes, std::size_t size) {
@@ -117,10 +115,13 @@ TEST(StoredText, StartsAgainAfterCtrlZ) {
   EXPECT_TRUE(text.ReadLine(buffer.data(), buffer.size()));
 }
 
-TEST(StoredText, SharesItsBytes) {
-  const Bytes bytes = std::make_shared<const std::string>("a");
-  const StoredText text(bytes);
-  EXPECT_EQ(bytes.use_count(), 2);
+TEST(StoredText, KeepsItsTextWhenAnotherCopyChanges) {
+  Bytes bytes = "a\n";
+  StoredText text(bytes);
+  bytes += "b\n";
+  std::array<char, 8> buffer{};
+  EXPECT_TRUE(text.ReadLine(buffer.data(), buffer.size()));
+  EXPECT_FALSE(text.ReadLine(buffer.data(), buffer.size()));
 }
 
 }  // namespace

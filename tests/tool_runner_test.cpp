@@ -86,7 +86,7 @@ TEST(GetExeFolder, IsTheWholePathWithoutAnyBackslash) {
 }
 
 TEST(GetLogFolder, EndsWithABackslash) {
-  host::SetLogFolder("D:\\collected");
+  const host::LogFolderInUse folder("D:\\collected");
   EXPECT_EQ(GetLogFolder(), "D:\\collected\\");
 }
 

@@ -7,12 +7,10 @@
 
 #include "bench/support/heap.h"
 #include "bench/support/repository_calls.h"
-#include "frame/bound/machine_in_use.h"
 #include "frame/halyard/repository.h"
-#include "host/logger/logger.h"
-#include "host/recorded/recorded_machine.h"
+#include "host/collect/collection_run.h"
+#include "host/collect/recorded_source.h"
 #include "host/repository/store.h"
-#include "tests/support/collected.h"
 
 namespace bench {
 namespace {
@@ -40,16 +38,19 @@ void CountRows(benchmark::State& state, const RRepository& repository, const std
 
 /// What the collection asks of the repository.
 RepositoryCalls CallsOf(const CollectionCase& measured) {
-  RepositoryCalls calls;
-  host::RecordedMachine machine(measured.machine);
-  const pq::MachineInUse inUse(machine);
-  const auto module = test::FindModule(measured.module);
-  module->RegisterTables();
+  /// Writes the calls down.
+  class Writer final : public host::CollectionListener {
+   public:
+    host::RepositoryObserver* Calls() override { return &calls; }
+    RepositoryCalls calls;
+  };
+  Writer writer;
+  host::RecordedSource source(measured.machine);
   RRepository repository;
-  host::SetRepositoryObserver(&calls);
-  module->Tables().at(measured.table).enumHandler(repository);
-  host::SetRepositoryObserver(nullptr);
-  return calls;
+  host::Collection ignored;
+  host::CollectionRun(source, {{measured.module}, {measured.table}}, writer)
+      .Enumerate(repository, ignored);
+  return std::move(writer.calls);
 }
 
 }  // namespace
@@ -74,24 +75,23 @@ double FgetsSeconds(const std::string& text) {
 }
 
 void MeasureCollection(benchmark::State& state, const CollectionCase& measured) {
-  host::SetLogFolder(measured.machine.logFolder);
   const RepositoryCalls calls = CallsOf(measured);
   std::size_t heap = 0;
   double spent = 0;
   double storing = 0;
   for (auto _ : state) {
     state.PauseTiming();
-    host::RecordedMachine machine(measured.machine);
-    const pq::MachineInUse inUse(machine);
-    const auto module = test::FindModule(measured.module);
-    module->RegisterTables();
+    host::RecordedSource source(measured.machine);
+    host::CollectionListener nobody;
+    host::CollectionRun run(source, {{measured.module}, {measured.table}}, nobody);
+    host::Collection ignored;
     auto repository = std::make_unique<RRepository>();
     const std::size_t before = HeapInUse();
     ResetHeapPeak();
     state.ResumeTiming();
 
     const double start = ProcessorSeconds();
-    module->Tables().at(measured.table).enumHandler(*repository);
+    run.Enumerate(*repository, ignored);
     spent += ProcessorSeconds() - start;
 
     state.PauseTiming();

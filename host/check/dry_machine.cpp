@@ -4,11 +4,7 @@
 #include <cstdlib>
 #include <iterator>
 
-#include "frame/add_modules.h"
-#include "frame/bound/machine_in_use.h"
-#include "host/collect/collection.h"
-#include "host/logger/logger.h"
-#include "host/recorded/recorded_machine.h"
+#include "host/collect/collect.h"
 
 namespace host {
 namespace {
@@ -132,13 +128,12 @@ std::vector<DryCommand> ListCommands(const DryFacts& facts,
                                      const std::vector<std::string>& moduleNames,
                                      const std::vector<std::string>& tableNames) {
   DryMachine machine(facts);
-  const pq::MachineInUse inUse(machine);
-  SetLogFolder(facts.logFolder);
-  std::vector<boost::shared_ptr<halyard::repository::RModule>> added;
-  AddModules(added);
-  const std::vector<LoadedModule> modules = RegisterModules(added);
+  MachineFacts machineFacts;
+  machineFacts.hostExecutable = facts.hostExecutable;
+  machineFacts.logFolder = facts.logFolder;
+  PlatformSource source(machine, machineFacts);
   ModuleTeller teller(machine);
-  RunCollection(SelectTables(modules, moduleNames, tableNames), !tableNames.empty(), teller);
+  Collect(source, {moduleNames, tableNames}, teller);
   return machine.Commands();
 }
 

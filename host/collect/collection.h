@@ -1,57 +1,24 @@
-// A collection: which modules and tables are asked for, in which order, and what came of it.
+// What came of a collection.
 #pragma once
 
-#include <boost/shared_ptr.hpp>
 #include <chrono>
-#include <functional>
+#include <cstdint>
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "frame/halyard/repository.h"
-#include "host/collect/collection_listener.h"
 #include "host/collect/machine_facts.h"
+#include "host/collect/selection.h"
 #include "host/collect/table_status.h"
+#include "host/logger/logger.h"
+#include "host/recorded/machine_observer.h"
 #include "host/repository/store.h"
+#include "host/text/bytes.h"
 
 namespace host {
-
-/// A module that the plug-in added, with its tables registered.
-struct LoadedModule {
-  boost::shared_ptr<halyard::repository::RModule> module;
-  std::string name;
-  std::string description;
-};
-
-/// Asks each module for its names and has it register its tables, once.
-std::vector<LoadedModule> RegisterModules(
-    const std::vector<boost::shared_ptr<halyard::repository::RModule>>& modules);
-
-/// The modules that are linked into this program, registered.
-std::vector<LoadedModule> LoadLinkedModules();
-
-/// One module to use, and its tables to enumerate, in order; a table may be there twice.
-struct ModuleSelection {
-  const LoadedModule* module = nullptr;
-  std::vector<std::string> tables;
-};
-
-/// Modules as named, otherwise in the plug-in's order; without module names, only those that own
-/// one of the named tables. Tables as named, otherwise in the order of the module's registry. The
-/// result refers to `modules`. Throws UsageError for a name that does not fit.
-std::vector<ModuleSelection> SelectTables(const std::vector<LoadedModule>& modules,
-                                          const std::vector<std::string>& moduleNames,
-                                          const std::vector<std::string>& tableNames);
-
-/// How a table wants to be shown.
-struct TableLayout {
-  bool byRow = true;                   ///< one instance per line; otherwise one property per line
-  std::vector<std::string> headers;    ///< as the module gave them, mostly none
-  std::vector<std::uint64_t> numbers;  ///< by row: one width per column; otherwise two numbers
-};
-
-/// Calls the layout callback of `className`.
-TableLayout AskLayout(const LoadedModule& module, const std::string& className);
 
 struct CollectedModule {
   std::string name;
@@ -67,7 +34,15 @@ struct CollectedTable {
   std::size_t RowCount() const { return rows == nullptr ? 0 : rows->rows.size(); }
 };
 
-/// What a collection brought. Texts are bytes in the machine's code page, unless said otherwise.
+/// A command line that a module ran, and what the tool answered.
+struct CollectedAnswer : ToolAnswer {
+  std::string module;
+  std::string commandLine;
+  std::optional<std::uint32_t> exitCode;  ///< none: the tool was not awaited, or did not start
+};
+
+/// A finished collection. It owns all that it shows and may outlive whatever it came from. Texts
+/// are bytes in the machine's code page, unless said otherwise.
 struct Collection {
   MachineFacts machine;
   std::chrono::system_clock::time_point collected;
@@ -77,15 +52,14 @@ struct Collection {
   bool tablesNamed = false;
   /// What could not be collected, one line each. UTF-8.
   std::vector<std::string> problems;
-  std::vector<LogLine> log;  ///< what the modules logged; only for formats that want it
-  std::unique_ptr<halyard::repository::RRepository> repository;
+  std::vector<LogLine> log;  ///< what the modules logged; only when asked for
+  /// What the tools answered, in the order of the command lines. Texts are shared with the
+  /// recording.
+  std::vector<CollectedAnswer> answers;
+  /// The files of a recorded machine after the collection, by their Windows path; those of a live
+  /// one are where they are.
+  std::map<std::string, Bytes> files;
+  std::unique_ptr<halyard::repository::RRepository> repository;  ///< of the tables' rows
 };
-
-/// Uses the selected modules: for each table first its layout, then its enumeration. `listener`
-/// hears it all. Fills `modules`, `tables` and `repository` of the result. Classes that came from a
-/// module without being registered become tables behind the module's own, unless `tablesNamed`.
-/// Once `isEnding` (may be empty) answers true, no further table is enumerated.
-Collection RunCollection(const std::vector<ModuleSelection>& selection, bool tablesNamed,
-                         CollectionListener& listener, const std::function<bool()>& isEnding = {});
 
 }  // namespace host

@@ -1,6 +1,30 @@
 #include "host/collect/collection_listener.h"
 
+#include <algorithm>
+
 namespace host {
+
+void CollectionListeners::Begin() {
+  // By number: the list may grow meanwhile.
+  for (std::size_t i = 0; i < listeners.size(); ++i) listeners[i]->Begin();
+}
+
+RepositoryObserver* CollectionListeners::Calls() {
+  for (CollectionListener* listener : listeners) {
+    if (RepositoryObserver* calls = listener->Calls()) return calls;
+  }
+  return nullptr;
+}
+
+bool CollectionListeners::WantsLog() const {
+  return std::any_of(listeners.begin(), listeners.end(),
+                     [](const CollectionListener* listener) { return listener->WantsLog(); });
+}
+
+bool CollectionListeners::WantsEnd() {
+  return std::any_of(listeners.begin(), listeners.end(),
+                     [](CollectionListener* listener) { return listener->WantsEnd(); });
+}
 
 void CollectionListeners::Module(const std::string& name, const std::string& description) {
   for (CollectionListener* listener : listeners) listener->Module(name, description);
@@ -23,6 +47,10 @@ void CollectionListeners::OnProcess(const std::string& application, const std::s
   for (CollectionListener* listener : listeners) {
     listener->OnProcess(application, commandLine, inheritHandles, pipe);
   }
+}
+
+void CollectionListeners::OnAnswer(const ToolAnswer& answer) {
+  for (CollectionListener* listener : listeners) listener->OnAnswer(answer);
 }
 
 void CollectionListeners::OnProcessEnd(std::uint32_t exitCode) {

@@ -32,6 +32,7 @@ class FailureList final : public CollectionListener {
 
   const std::vector<Failure>& Failures() const { return failures; }
 
+  bool WantsLog() const override { return true; }
   void Module(const std::string& name, const std::string& description) override;
   void OnProcess(const std::string& application, const std::string& commandLine,
                  bool inheritHandles, bool pipe) override;

@@ -57,6 +57,7 @@ class StatusTracker final : public CollectionListener {
   /// The collection was interrupted: what is missing was never asked for.
   void Interrupted() { interrupted = true; }
 
+  bool WantsLog() const override { return true; }
   void Module(const std::string& name, const std::string& description) override;
   void Enumerate(const std::string& module, const std::string& table) override;
   void OnProcess(const std::string& application, const std::string& commandLine,

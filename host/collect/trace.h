@@ -22,6 +22,8 @@ class TraceWriter final : public RepositoryObserver, public CollectionListener {
   explicit TraceWriter(std::ostream& out, Passwords passwords = Passwords::kShown)
       : out(out), passwords(passwords) {}
 
+  RepositoryObserver* Calls() override { return this; }
+  bool WantsLog() const override { return true; }
   void Module(const std::string& name, const std::string& description) override;
   /// The layout calls that follow are for `table`.
   void Layout(const std::string& table) override;

@@ -89,9 +89,8 @@ void CreateFolder(const fs::path& folder) {
   }
 }
 
-LeftFiles WriteLeftFiles(const std::map<std::string, std::string>& files,
-                         const std::string& logFolder, const TextDecoder& decode,
-                         const fs::path& target) {
+LeftFiles WriteLeftFiles(const std::map<std::string, Bytes>& files, const std::string& logFolder,
+                         const TextDecoder& decode, const fs::path& target) {
   LeftFiles left;
   for (const auto& [path, content] : files) {
     const std::optional<std::string> below = PathBelow(path, logFolder);

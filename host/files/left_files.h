@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "host/text/bytes.h"
 #include "host/text/decoder.h"
 
 namespace host {
@@ -20,8 +21,7 @@ void CreateFolder(const std::filesystem::path& folder);
 
 /// Writes the files of `files` (Windows path to content) that lie under `logFolder` into `target`,
 /// with their folders below it.
-LeftFiles WriteLeftFiles(const std::map<std::string, std::string>& files,
-                         const std::string& logFolder, const TextDecoder& decode,
-                         const std::filesystem::path& target);
+LeftFiles WriteLeftFiles(const std::map<std::string, Bytes>& files, const std::string& logFolder,
+                         const TextDecoder& decode, const std::filesystem::path& target);
 
 }  // namespace host

@@ -12,13 +12,13 @@
 #include <vector>
 
 #include "frame/halyard/repository.h"
+#include "host/collect/collection_listener.h"
 #include "host/collect/machine_facts.h"
-#include "host/recorded/machine_observer.h"
 #include "host/recording/recorder.h"
 
 namespace host {
 
-/// The library's file name; it stands beside the program.
+/// The library's file name; it is beside the program.
 inline constexpr char kPluginFileName[] = "repository_pqmodule.dll";
 
 /// Why the library cannot be used, and what would help. UTF-8, one line.
@@ -36,11 +36,12 @@ class LiveLibrary {
       std::vector<boost::shared_ptr<halyard::repository::RModule>>& modules) = 0;
 };
 
-/// How the host accompanies what the library does to the machine. All of it must outlive the
-/// library.
+/// How the host accompanies what the library does to the machine. All of it must outlive the use of
+/// the library.
 struct LiveWatch {
-  /// Sees it; null: the library is left to itself, and what follows means nothing.
-  MachineObserver* observer = nullptr;
+  /// Sees it, and says when no more tools are to start; null: the library is left to itself, and
+  /// what follows means nothing.
+  CollectionListener* listener = nullptr;
   /// Keeps what the machine answers once there is a recorder; null: never.
   std::optional<Recorder>* recorder = nullptr;
   /// After how many seconds a tool is ended, with its children.
@@ -54,8 +55,14 @@ std::unique_ptr<LiveLibrary> LoadLiveLibrary(const std::filesystem::path& plugin
 /// What a recorder looks up on this machine.
 std::unique_ptr<MachineView> ViewLiveMachine();
 
-/// A recording of this machine that holds nothing yet but `facts`.
-Recording DescribeLiveMachine(const MachineFacts& facts);
+/// A live machine that is ready for a collection.
+struct LiveMachine {
+  MachineFacts facts;
+  std::string logFolder;  ///< as the plug-in hands it to the system's narrow functions
+};
+
+/// A recording of this machine that holds nothing yet but its facts.
+Recording DescribeLiveMachine(const LiveMachine& machine);
 
 /// Full path of the program, given with its folder or as the interpreter looks for it (current
 /// folder, then the folders of PATH); nothing when this machine has none. In the machine's code
@@ -69,9 +76,8 @@ inline constexpr char kLogFolderName[] = "logs";
 /// when the folder's path does not fit the modules' room or has no form in the machine's code page.
 MachineFacts DescribeThisMachine(const std::filesystem::path& logFolder);
 
-/// As above, and creates `logFolder` (with its parents) and makes it the logger's. Throws
-/// LiveError.
-MachineFacts PrepareLiveMachine(const std::filesystem::path& logFolder);
+/// As above, and creates `logFolder` with its parents. Throws LiveError.
+LiveMachine PrepareLiveMachine(const std::filesystem::path& logFolder);
 
 /// What else a collection into `logFolder` depends on; nothing is left behind. The library is not
 /// looked at.

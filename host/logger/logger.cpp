@@ -8,24 +8,22 @@
 namespace host {
 namespace {
 
-struct Logger {
-  std::function<void(const LogLine&)> sink;
-  std::string folder;
-};
-
-Logger& TheLogger() {
-  static Logger logger;
-  return logger;
-}
+thread_local const LogSinkInUse* sinkInUse = nullptr;
+thread_local const LogFolderInUse* folderInUse = nullptr;
 
 }  // namespace
 
-void SetLogSink(std::function<void(const LogLine&)> sink) { TheLogger().sink = std::move(sink); }
+LogSinkInUse::LogSinkInUse(std::function<void(const LogLine&)> given)
+    : sink(std::move(given)), before(std::exchange(sinkInUse, this)) {}
 
-void SetLogFolder(const std::string& folder) {
-  TheLogger().folder = folder;
-  if (!folder.ends_with('\\')) TheLogger().folder += '\\';
+LogSinkInUse::~LogSinkInUse() { sinkInUse = before; }
+
+LogFolderInUse::LogFolderInUse(std::string given)
+    : folder(std::move(given)), before(std::exchange(folderInUse, this)) {
+  if (!folder.ends_with('\\')) folder += '\\';
 }
+
+LogFolderInUse::~LogFolderInUse() { folderInUse = before; }
 
 }  // namespace host
 
@@ -33,18 +31,19 @@ namespace LogKit {
 
 Log::Log(unsigned level, const char* file, int line) : level(level), file(file), line(line) {
   // A text that nobody takes is not put together: a tool's whole output can be one.
-  if (!host::TheLogger().sink) stream.setstate(std::ios::badbit);
+  if (host::sinkInUse == nullptr) stream.setstate(std::ios::badbit);
 }
 
 Log::~Log() {
-  const auto& sink = host::TheLogger().sink;
-  if (sink) sink({level, file, line, std::move(stream).str()});
+  if (host::sinkInUse != nullptr) {
+    host::sinkInUse->Take({level, file, line, std::move(stream).str()});
+  }
 }
 
 std::ostringstream& Log::Stream() { return stream; }
 
 int GetLogDir(char* buffer, std::size_t size) {
-  const std::string& folder = host::TheLogger().folder;
+  const std::string folder = host::folderInUse == nullptr ? "" : host::folderInUse->Path();
   const bool fits = folder.size() < size;
   if (size > 0) buffer[0] = '\0';
   if (!fits) return -1;

@@ -1,4 +1,4 @@
-// The host's side of the logger: where the log lines go and where the log folder is.
+// The host's side of the logger: where a thread's log lines go, and where its log folder is.
 #pragma once
 
 #include <functional>
@@ -13,10 +13,37 @@ struct LogLine {
   std::string text;  ///< with its "[repo] " prefix; bytes in the machine's code page
 };
 
-/// Has `sink` see every log line from now on; an empty function ends that.
-LOGGER_API void SetLogSink(std::function<void(const LogLine&)> sink);
+// Both hold for the calling thread until they are destroyed, on that thread; then what was in use
+// before is in use again. They may be nested.
 
-/// Sets what LogKit::GetLogDir answers. A missing backslash at the end is added.
-LOGGER_API void SetLogFolder(const std::string& folder);
+/// Has `sink` see every log line.
+class LOGGER_API LogSinkInUse {
+ public:
+  explicit LogSinkInUse(std::function<void(const LogLine&)> sink);
+  LogSinkInUse(const LogSinkInUse&) = delete;
+  LogSinkInUse& operator=(const LogSinkInUse&) = delete;
+  ~LogSinkInUse();
+
+  void Take(const LogLine& line) const { sink(line); }
+
+ private:
+  std::function<void(const LogLine&)> sink;
+  const LogSinkInUse* before;
+};
+
+/// Sets what LogKit::GetLogDir answers; a missing backslash at the end is added.
+class LOGGER_API LogFolderInUse {
+ public:
+  explicit LogFolderInUse(std::string folder);
+  LogFolderInUse(const LogFolderInUse&) = delete;
+  LogFolderInUse& operator=(const LogFolderInUse&) = delete;
+  ~LogFolderInUse();
+
+  const std::string& Path() const { return folder; }
+
+ private:
+  std::string folder;
+  const LogFolderInUse* before;
+};
 
 }  // namespace host

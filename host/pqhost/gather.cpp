@@ -1,83 +1,49 @@
 #include "host/pqhost/gather.h"
 
-#include <fmt/format.h>
-
 #include <optional>
 
-#include "host/collect/failures.h"
-#include "host/collect/table_status.h"
 #include "host/live/interruption.h"
 #include "host/pqhost/collection_progress.h"
-#include "host/text/decoder.h"
 
 namespace host {
 namespace {
 
-class LogKeeper final : public CollectionListener {
+/// Opens the command's outputs, listens for Ctrl-C and shows progress as soon as the collection
+/// begins.
+class Attendant final : public CollectionListener {
  public:
-  void Log(const LogLine& line) override { lines.push_back(line); }
-  std::vector<LogLine> lines;
-};
+  Attendant(const Console& console, CollectionListeners& listeners,
+            const std::function<void(CollectionListeners&)>& beforeRun)
+      : console(console), listeners(listeners), beforeRun(beforeRun) {}
 
-/// One line of UTF-8 for each failure.
-std::vector<std::string> DescribeFailures(const FailureList& failures, const TextDecoder& decode) {
-  std::vector<std::string> lines;
-  for (const Failure& failure : failures.Failures()) {
-    std::string where = decode(failure.module);
-    if (!failure.tool.empty()) where += ", " + decode(failure.tool);
-    lines.push_back(fmt::format("not collected: {}: {}", where, decode(failure.text)));
-  }
-  return lines;
-}
-
-}  // namespace
-
-Gathered Gather(const Options& options, const Console& console, bool keepLog,
-                const std::function<void(CollectionListeners&)>& beforeRun) {
-  CollectionListeners listeners;
-  FailureList failures;
-  listeners.Add(failures);
-  StatusTracker statuses;
-  listeners.Add(statuses);
-  LogKeeper log;
-  if (keepLog) listeners.Add(log);
-
-  std::unique_ptr<Source> source = OpenSource(options, console, listeners);
-  const auto hasPrograms = [&](const std::string& commandLine) {
-    return source->HasPrograms(commandLine);
-  };
-  failures.FindMissingPrograms(hasPrograms);
-  statuses.Ask(hasPrograms,
-               [&](const std::string& fileName) { return source->LogFileSize(fileName); });
-  ModuleList added;
-  source->AddModules(added);
-  const std::vector<LoadedModule> modules = RegisterModules(added);
-  const std::vector<ModuleSelection> selection =
-      SelectTables(modules, options.modules, options.tables);
-  beforeRun(listeners);
-  const InterruptionWatch interruptionWatch;
-
-  std::optional<CollectionProgress> progress;
-  if (console.errorIsTerminal) {
+  void Begin() override {
+    beforeRun(listeners);
+    interruption.emplace();
+    if (!console.errorIsTerminal) return;
     progress.emplace(console.error, console.width);
     listeners.Add(*progress);
   }
-  Collection collection =
-      RunCollection(selection, !options.tables.empty(), listeners, &InterruptionRequested);
-  progress.reset();
-  if (InterruptionRequested()) statuses.Interrupted();
 
-  collection.machine = source->Facts();
-  for (CollectedTable& table : collection.tables) {
-    table.status = statuses.StatusOf(table.module, table.className, table.RowCount());
-  }
-  collection.problems = DescribeFailures(failures, TextDecoder(collection.machine.codePage));
-  if (InterruptionRequested()) {
-    collection.problems.emplace_back(
-        "interrupted: the collection ended after the tool that was running; what comes after it is "
-        "missing");
-  }
-  collection.log = std::move(log.lines);
+  bool WantsEnd() override { return interruption && InterruptionRequested(); }
+
+ private:
+  const Console& console;
+  CollectionListeners& listeners;
+  const std::function<void(CollectionListeners&)>& beforeRun;
+  std::optional<InterruptionWatch> interruption;
+  std::optional<CollectionProgress> progress;
+};
+
+}  // namespace
+
+Gathered Gather(const Options& options, const Console& console, KeepLog keepLog,
+                const std::function<void(CollectionListeners&)>& beforeRun) {
+  std::unique_ptr<CommandSource> source = OpenSource(options, console);
+  CollectionListeners listeners;
+  Attendant attendant(console, listeners, beforeRun);
+  listeners.Add(attendant);
+  Collection collection =
+      Collect(source->Get(), {options.modules, options.tables}, listeners, keepLog);
   return {std::move(source), std::move(collection)};
 }
 

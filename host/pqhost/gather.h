@@ -1,27 +1,24 @@
-// A collection from options to rows, with what every command wants to know of it: failures, the
-// status of each table, progress on a terminal.
+// A collection from a command's options, with progress on a terminal and an early end on Ctrl-C.
 #pragma once
 
 #include <functional>
 #include <memory>
 
-#include "host/collect/collection.h"
+#include "host/collect/collect.h"
 #include "host/pqhost/options.h"
-#include "host/pqhost/pqhost.h"
 #include "host/pqhost/source.h"
 #include "host/program/console.h"
 
 namespace host {
 
 struct Gathered {
-  std::unique_ptr<Source> source;
+  std::unique_ptr<CommandSource> source;
   Collection collection;
 };
 
 /// Collects what `options` ask for. `beforeRun` is called once nothing can be refused any more and
-/// no tool has run; it may add listeners. With `keepLog` the collection keeps the log lines. Throws
-/// UsageError, RecordingError or LiveError.
-Gathered Gather(const Options& options, const Console& console, bool keepLog,
+/// no tool has run; it may add listeners. Throws UsageError, RecordingError or LiveError.
+Gathered Gather(const Options& options, const Console& console, KeepLog keepLog,
                 const std::function<void(CollectionListeners&)>& beforeRun);
 
 }  // namespace host

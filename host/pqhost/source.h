@@ -1,48 +1,31 @@
-// Where the modules come from and what they collect from: a recording, or this machine.
+// Where a command collects from, and where it keeps what comes of it: a recording, or this machine.
 #pragma once
 
-#include <boost/shared_ptr.hpp>
-#include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "frame/halyard/repository.h"
-#include "host/collect/machine_facts.h"
+#include "host/collect/collection.h"
+#include "host/collect/source.h"
 #include "host/pqhost/options.h"
-#include "host/pqhost/pqhost.h"
 #include "host/program/console.h"
-#include "host/recorded/machine_observer.h"
-#include "host/recorded/recording.h"
 
 namespace host {
 
-using ModuleList = std::vector<boost::shared_ptr<halyard::repository::RModule>>;
-
-class Source {
+class CommandSource {
  public:
-  virtual ~Source() = default;
-  virtual void AddModules(ModuleList& modules) = 0;
-  virtual MachineFacts Facts() = 0;
-  /// Whether the machine has what a command line runs.
-  virtual bool HasPrograms(const std::string& commandLine) = 0;
-  /// Size in bytes of a file of the log folder, if it is there.
-  virtual std::optional<std::uint64_t> LogFileSize(const std::string& fileName) = 0;
-  /// Sees to the files that the collection left in the log folder; says where they are. Returns
-  /// what went wrong.
-  virtual std::vector<std::string> KeepLogFiles(const Console& console) = 0;
+  virtual ~CommandSource() = default;
+  virtual Source& Get() = 0;
+  /// Sees to the files that the tools left in the log folder; says where they are. Returns a line
+  /// of UTF-8 for each that could not be kept.
+  virtual std::vector<std::string> KeepLogFiles(const Collection& collection,
+                                                const Console& console) = 0;
   /// Writes the recording, if one was asked for; says where it is. Throws std::runtime_error when
   /// it could not be written.
   virtual void KeepRecording(const Console& /*console*/) {}
 };
 
-/// What a recording says about its machine.
-MachineFacts DescribeRecording(const Recording& recording);
-
-/// The source that the options ask for; `observer` sees what the modules do to it. Throws
-/// UsageError, RecordingError or LiveError.
-std::unique_ptr<Source> OpenSource(const Options& options, const Console& console,
-                                   MachineObserver& observer);
+/// The source that the options ask for. Throws UsageError or RecordingError.
+std::unique_ptr<CommandSource> OpenSource(const Options& options, const Console& console);
 
 }  // namespace host

@@ -133,6 +133,17 @@ Pipeline ParseCommandLine(std::string_view commandLine, const ProgramTest& isPro
   return ParseCommand(ApplyQuoteRule(text, isProgram));
 }
 
+std::string FindOutputFile(const Pipeline& pipeline) {
+  std::string file;
+  for (const Stage& stage : pipeline.stages) {
+    for (const Redirection& redirection : stage.redirections) {
+      const bool isOutput = redirection.kind != Redirection::Kind::kRead && redirection.handle == 1;
+      if (isOutput) file = redirection.target;
+    }
+  }
+  return LowerCase(file.substr(file.rfind('\\') + 1)) == "nul" ? "" : file;
+}
+
 std::string ToolName(std::string_view program) {
   std::string name = LowerCase(WithoutQuotes(program));
   name.erase(0, name.rfind('\\') + 1);

@@ -16,15 +16,12 @@ std::string_view FolderOf(std::string_view path) {
 
 std::string_view FileNameOf(std::string_view path) { return path.substr(path.rfind('\\') + 1); }
 
-MachineFiles::MachineFiles(Recording& recording) : workingFolder(recording.workingFolder) {
+MachineFiles::MachineFiles(const Recording& recording) : workingFolder(recording.workingFolder) {
   AddFolder(KeyOf(recording.workingFolder));
   AddFolder(KeyOf(FolderOf(recording.hostExecutable)));
   if (recording.hasLogFolder) AddFolder(KeyOf(recording.logFolder));
   for (const std::string& path : recording.readOnly) readOnly.insert(KeyOf(path));
-  for (auto& [path, bytes] : recording.files) {
-    Store(path, std::make_shared<const std::string>(std::move(bytes)));
-  }
-  recording.files.clear();
+  for (const auto& [path, bytes] : recording.files) Store(path, bytes);
 }
 
 std::string MachineFiles::FullPath(std::string_view path) const {
@@ -68,16 +65,17 @@ bool MachineFiles::IsReadOnly(std::string key) const {
 
 bool MachineFiles::FolderExists(std::string_view path) const { return HasFolder(KeyOf(path)); }
 
-Bytes MachineFiles::Find(std::string_view path) const {
+std::optional<Bytes> MachineFiles::Find(std::string_view path) const {
   const auto file = files.find(KeyOf(path));
-  return file == files.end() ? nullptr : file->second.bytes;
+  if (file == files.end()) return std::nullopt;
+  return file->second.bytes;
 }
 
 FileResult MachineFiles::Create(std::string_view path) {
   const std::string key = KeyOf(path);
   if (IsReadOnly(key) || HasFolder(key)) return FileResult::kAccessDenied;
   if (!HasFolder(std::string(FolderOf(key)))) return FileResult::kNoSuchPath;
-  Store(path, std::make_shared<const std::string>());
+  Store(path, {});
   return FileResult::kDone;
 }
 
@@ -109,9 +107,9 @@ std::map<std::string, Bytes> MachineFiles::FilesIn(std::string_view folder) cons
   return inside;
 }
 
-std::map<std::string, std::string> MachineFiles::All() const {
-  std::map<std::string, std::string> all;
-  for (const auto& [key, file] : files) all.emplace(file.path, *file.bytes);
+std::map<std::string, Bytes> MachineFiles::All() const {
+  std::map<std::string, Bytes> all;
+  for (const auto& [key, file] : files) all.emplace(file.path, file.bytes);
   return all;
 }
 

@@ -3,12 +3,12 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
 
 #include "host/recorded/recording.h"
-#include "host/recorded/stored_text.h"
 
 namespace host {
 
@@ -17,14 +17,14 @@ enum class FileResult { kDone, kAccessDenied, kNoSuchPath, kExists };
 
 class MachineFiles {
  public:
-  /// Takes the files out of `recording`. The host's folder, the log folder and the working folder
+  /// The host's folder, the log folder and the working folder
   /// exist, unless the recording says otherwise; other folders when a file lies under them, or once
   /// they were made.
-  explicit MachineFiles(Recording& recording);
+  explicit MachineFiles(const Recording& recording);
 
   bool FolderExists(std::string_view path) const;
-  /// The bytes of a file; null when there is no such file.
-  Bytes Find(std::string_view path) const;
+  /// The bytes of a file; nothing when there is no such file.
+  std::optional<Bytes> Find(std::string_view path) const;
 
   /// Makes `path` an empty file, unless it cannot be written.
   FileResult Create(std::string_view path);
@@ -38,7 +38,7 @@ class MachineFiles {
   /// File name to bytes of the files right in a folder.
   std::map<std::string, Bytes> FilesIn(std::string_view folder) const;
   /// All files by their full path, spelled as it was first written.
-  std::map<std::string, std::string> All() const;
+  std::map<std::string, Bytes> All() const;
 
  private:
   struct StoredFile {

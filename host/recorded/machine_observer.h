@@ -5,10 +5,19 @@
 #include <string>
 #include <string_view>
 
+#include "host/text/bytes.h"
+
 namespace host {
 
 /// "The operation was canceled by the user": the system error of what is refused.
 inline constexpr std::uint32_t kErrorCancelled = 1223;
+
+/// What came of a command line. Paths and texts are bytes in the machine's code page.
+struct ToolAnswer {
+  Bytes output;      ///< written to the pipe or to the host's console
+  std::string file;  ///< that standard output went to; empty when it went to none
+  Bytes fileText;
+};
 
 /// Called on the collecting thread, in the order of the calls. Texts are bytes in the machine's
 /// code page.
@@ -18,6 +27,8 @@ class MachineObserver {
   /// A start of the interpreter is attempted; it may still fail.
   virtual void OnProcess(const std::string& /*application*/, const std::string& /*commandLine*/,
                          bool /*inheritHandles*/, bool /*pipe*/) {}
+  /// What the tool started last wrote; called before its process is awaited, or without that.
+  virtual void OnAnswer(const ToolAnswer& /*answer*/) {}
   /// The process started last was awaited and has ended.
   virtual void OnProcessEnd(std::uint32_t /*exitCode*/) {}
   /// The host ended the process started last, or children that it left, after so many seconds.

@@ -1,6 +1,6 @@
 #include "host/recorded/own_commands.h"
 
-#include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -46,7 +46,7 @@ CommandOutcome DoCopies(const std::vector<Copy>& copies, bool namesEach, Machine
     ++done;
   }
   said.append("        ").append(std::to_string(done)).append(" file(s) copied.").append(kLineEnd);
-  outcome.standardOutput = ToBytes(std::move(said));
+  outcome.standardOutput = std::move(said);
   return outcome;
 }
 
@@ -55,11 +55,11 @@ CommandOutcome CopyFiles(const std::string& arguments, MachineFiles& files) {
   if (paths.empty() || paths.size() > 2) return FailWith(kBadSyntax);
   const std::string& source = paths[0];
   const std::string target = paths.size() == 2 ? paths[1] : ".";
-  const Bytes bytes = files.Find(source);
-  if (bytes != nullptr && !source.ends_with('\\')) {
+  const std::optional<Bytes> bytes = files.Find(source);
+  if (bytes && !source.ends_with('\\')) {
     const bool isIntoFolder = target.ends_with('\\') || files.FolderExists(target);
     const std::string to = isIntoFolder ? Join(target, FileNameOf(source)) : target;
-    return DoCopies({{source, to, bytes}}, /*namesEach=*/false, files);
+    return DoCopies({{source, to, *bytes}}, /*namesEach=*/false, files);
   }
   if (!files.FolderExists(source)) return FailWith(kNoSuchFile);
   if (!files.FolderExists(target)) return FailWith(kNoSuchPath);
@@ -94,17 +94,15 @@ CommandOutcome FindLines(const std::string& arguments, const Bytes& input) {
     outcome.exitCode = 2;
     return outcome;
   }
-  outcome.standardOutput = ToBytes(FilterLines(input ? *input : std::string_view(), texts));
-  outcome.exitCode = outcome.standardOutput->empty() ? 1 : 0;
+  outcome.standardOutput = FilterLines(input, texts);
+  outcome.exitCode = outcome.standardOutput.empty() ? 1 : 0;
   return outcome;
 }
 
 }  // namespace
 
-Bytes ToBytes(std::string text) { return std::make_shared<const std::string>(std::move(text)); }
-
 CommandOutcome FailWith(std::string_view words) {
-  return {nullptr, ToBytes(std::string(words).append(kLineEnd)), 1};
+  return {{}, std::string(words).append(kLineEnd), 1};
 }
 
 CommandOutcome FailWith(FileResult result) {

@@ -11,15 +11,12 @@
 
 namespace host {
 
-/// What a command leaves. Null bytes stand for nothing written.
+/// What a command leaves.
 struct CommandOutcome {
   Bytes standardOutput;
   Bytes standardError;
   std::uint32_t exitCode = 0;
 };
-
-/// Text that a command writes.
-Bytes ToBytes(std::string text);
 
 /// The interpreter's words for what went wrong, with exit code 1.
 CommandOutcome FailWith(std::string_view words);
@@ -36,7 +33,7 @@ inline constexpr std::string_view kBadSyntax = "The syntax of the command is inc
 /// Whether the interpreter does `program`, as it stands on a line, by itself here.
 bool IsOwnCommand(std::string_view program);
 
-/// copy, md or findstr. `input` is what came through the pipe; may be null.
+/// copy, md or findstr. `input` is what came through the pipe.
 CommandOutcome RunOwnCommand(const Stage& stage, const Bytes& input, MachineFiles& files);
 
 }  // namespace host

@@ -84,7 +84,7 @@ class RecordedPipe final : public pq::Pipe {
   explicit RecordedPipe(std::shared_ptr<int> openHandles) : handle(std::move(openHandles)) {}
 
   void Write(const Bytes& bytes) {
-    if (bytes != nullptr && !bytes->empty()) pieces.push_back(bytes);
+    if (!bytes.empty()) pieces.push_back(bytes);
   }
 
   void CloseWriteEnd() override { isWriteEndOpen = false; }
@@ -96,10 +96,10 @@ class RecordedPipe final : public pq::Pipe {
     const bool hasMore = !pieces.empty();
     count = 0;
     while (count < size && !pieces.empty()) {
-      const std::size_t taken = pieces.front()->copy(buffer + count, size - count, at);
+      const std::size_t taken = pieces.front().Text().copy(buffer + count, size - count, at);
       count += taken;
       at += taken;
-      if (at == pieces.front()->size()) {
+      if (at == pieces.front().size()) {
         pieces.pop_front();
         at = 0;
       }
@@ -156,18 +156,20 @@ class OpenedText final : public pq::TextFile, private HandedOut {
 }  // namespace
 
 struct RecordedMachine::State {
-  State(Recording given, MachineObserver* observer)
-      : recording(std::move(given)), observer(observer), files(recording) {
-    for (RecordedCommand& command : recording.commands) {
+  State(const Recording& recording, MachineObserver* observer)
+      : hostExecutable(recording.hostExecutable.substr(0, kExecutablePathLimit)),
+        languageId(recording.languageId),
+        console(recording.console),
+        observer(observer),
+        files(recording) {
+    for (const RecordedCommand& command : recording.commands) {
       tools.insert(ToolName(command.tool));
       commands[KeyOf(command.tool, command.arguments)].answers.push_back(
-          {{ToBytes(std::move(command.standardOutput)), ToBytes(std::move(command.standardError)),
-            command.exitCode},
+          {{command.standardOutput, command.standardError, command.exitCode},
            command.startError,
            command.pipeError,
            command.exitCodeError});
     }
-    recording.commands.clear();
   }
   Pipeline Parse(std::string_view commandLine) const {
     return ParseCommandLine(
@@ -198,7 +200,7 @@ struct RecordedMachine::State {
     PipelineOutcome outcome;
     if (pipeline.isMalformed) {
       CommandOutcome failed = FailWith(kBadSyntax);
-      return {nullptr, {failed.standardError}, failed.exitCode};
+      return {{}, {failed.standardError}, failed.exitCode};
     }
     for (const Stage& stage : pipeline.stages) RunStage(stage, outcome);
     return outcome;
@@ -206,7 +208,7 @@ struct RecordedMachine::State {
 
   /// Runs one command on what the one before wrote, and leaves what the next one reads.
   void RunStage(const Stage& stage, PipelineOutcome& outcome) {
-    Bytes input = std::exchange(outcome.standardOutput, nullptr);
+    Bytes input = std::exchange(outcome.standardOutput, {});
     for (const Redirection& redirection : stage.redirections) {
       const CommandOutcome opened = OpenRedirection(redirection, input);
       if (opened.exitCode == 0) continue;
@@ -223,7 +225,7 @@ struct RecordedMachine::State {
     }
     if (const Redirection* to = FindRedirection(stage, 2)) {
       Deliver(*to, ran.standardError);
-    } else if (ran.standardError != nullptr) {
+    } else if (!ran.standardError.empty()) {
       outcome.standardError.push_back(ran.standardError);
     }
   }
@@ -231,16 +233,19 @@ struct RecordedMachine::State {
   /// Creates the file of an output, or takes `input` from a file. A failure has an exit code.
   CommandOutcome OpenRedirection(const Redirection& redirection, Bytes& input) {
     if (redirection.kind == Redirection::Kind::kRead) {
-      input = IsNullDevice(redirection.target) ? nullptr : files.Find(redirection.target);
-      const bool isThere = input != nullptr || IsNullDevice(redirection.target);
-      return isThere ? CommandOutcome() : FailWith(kNoSuchFile);
+      const std::optional<Bytes> source =
+          IsNullDevice(redirection.target) ? Bytes() : files.Find(redirection.target);
+      if (!source) return FailWith(kNoSuchFile);
+      input = *source;
+      return {};
     }
     if (IsNullDevice(redirection.target)) return {};
-    const Bytes before =
-        redirection.kind == Redirection::Kind::kAppend ? files.Find(redirection.target) : nullptr;
+    const std::optional<Bytes> before = redirection.kind == Redirection::Kind::kAppend
+                                            ? files.Find(redirection.target)
+                                            : std::nullopt;
     const FileResult created = files.Create(redirection.target);
     if (created != FileResult::kDone) return FailWith(created);
-    if (before != nullptr) files.Store(redirection.target, before);
+    if (before) files.Store(redirection.target, *before);
     return {};
   }
 
@@ -248,7 +253,7 @@ struct RecordedMachine::State {
     if (stage.program.empty()) return {};
     if (IsOwnCommand(stage.program)) return RunOwnCommand(stage, input, files);
     if (const AnswerQueue* queue = FindAnswers(stage)) return queue->Peek().outcome;
-    return {nullptr, ToBytes(NotRecognized(stage.program)), 1};
+    return {{}, NotRecognized(stage.program), 1};
   }
 
   /// The redirection that holds for a handle: the last one.
@@ -261,16 +266,35 @@ struct RecordedMachine::State {
   }
 
   void Deliver(const Redirection& to, const Bytes& bytes) {
-    if (IsNullDevice(to.target) || bytes == nullptr || bytes->empty()) return;
-    const Bytes before = files.Find(to.target);
-    const bool isEmpty = before == nullptr || before->empty();
-    files.Store(to.target, isEmpty ? bytes : ToBytes(*before + *bytes));
+    if (IsNullDevice(to.target) || bytes.empty()) return;
+    Bytes written = files.Find(to.target).value_or(Bytes());
+    if (written.empty()) {
+      written = bytes;
+    } else {
+      written += bytes;
+    }
+    files.Store(to.target, std::move(written));
   }
 
   void ShowOnConsole(const Bytes& bytes) {
-    if (observer != nullptr && bytes != nullptr && !bytes->empty()) {
-      observer->OnToolConsole(*bytes);
+    if (observer != nullptr && !bytes.empty()) {
+      observer->OnToolConsole(bytes);
     }
+  }
+
+  /// Tells what came of a pipeline that was run.
+  void TellAnswer(const Pipeline& pipeline, const PipelineOutcome& outcome) {
+    if (observer == nullptr) return;
+    ToolAnswer answer{outcome.standardOutput, FindOutputFile(pipeline), {}};
+    for (const Bytes& piece : outcome.standardError) {
+      if (answer.output.empty()) {
+        answer.output = piece;
+      } else {
+        answer.output += piece;
+      }
+    }
+    if (!answer.file.empty()) answer.fileText = files.Find(answer.file).value_or(Bytes());
+    observer->OnAnswer(answer);
   }
 
   void ShowOnConsole(const PipelineOutcome& outcome) {
@@ -286,7 +310,9 @@ struct RecordedMachine::State {
   }
 
   std::function<bool()> isEnding;
-  Recording recording;  ///< without the commands and files, which are kept below
+  std::string hostExecutable;
+  std::uint32_t languageId;
+  std::string console;  ///< what the operator types
   MachineObserver* observer;
   MachineFiles files;
   std::map<CommandKey, AnswerQueue> commands;
@@ -296,8 +322,8 @@ struct RecordedMachine::State {
   HandedOutList handedOut;
 };
 
-RecordedMachine::RecordedMachine(Recording recording, MachineObserver* observer)
-    : state(std::make_unique<State>(std::move(recording), observer)) {}
+RecordedMachine::RecordedMachine(const Recording& recording, MachineObserver* observer)
+    : state(std::make_unique<State>(recording, observer)) {}
 
 RecordedMachine::~RecordedMachine() = default;
 
@@ -305,16 +331,14 @@ void RecordedMachine::EndWhen(std::function<bool()> isEnding) {
   state->isEnding = std::move(isEnding);
 }
 
-std::string RecordedMachine::HostExecutable() {
-  return state->recording.hostExecutable.substr(0, kExecutablePathLimit);
-}
+std::string RecordedMachine::HostExecutable() { return state->hostExecutable; }
 
-std::uint32_t RecordedMachine::SystemLanguage() { return state->recording.languageId; }
+std::uint32_t RecordedMachine::SystemLanguage() { return state->languageId; }
 
 bool RecordedMachine::PathExists(const std::string& path) {
   if (path.empty()) return false;
   if (state->files.FolderExists(path)) return true;
-  return !path.ends_with('\\') && state->files.Find(path) != nullptr;
+  return !path.ends_with('\\') && state->files.Find(path).has_value();
 }
 
 pq::Acquired<pq::Pipe> RecordedMachine::CreatePipe(const std::string& commandLine) {
@@ -343,6 +367,7 @@ pq::Acquired<pq::Process> RecordedMachine::StartInterpreter(const std::string& c
   const std::uint32_t exitCodeError = state->FindError(pipeline, &Answer::exitCodeError);
   const PipelineOutcome outcome = state->Run(pipeline);
   state->UseUpAnswers(pipeline);
+  state->TellAnswer(pipeline, outcome);
   if (output != nullptr) {
     auto& pipe = static_cast<RecordedPipe&>(*output);
     pipe.Write(outcome.standardOutput);
@@ -359,15 +384,19 @@ void RecordedMachine::RunSystem(const std::string& command) {
   if (state->IsEnding()) return;
   const Pipeline pipeline = state->Parse("/c " + command);
   const bool canStart = state->FindError(pipeline, &Answer::startError) == 0;
-  if (canStart) state->ShowOnConsole(state->Run(pipeline));
+  if (canStart) {
+    const PipelineOutcome outcome = state->Run(pipeline);
+    state->TellAnswer(pipeline, outcome);
+    state->ShowOnConsole(outcome);
+  }
   state->UseUpAnswers(pipeline);
 }
 
 std::unique_ptr<pq::TextFile> RecordedMachine::OpenText(const std::string& path) {
   if (state->observer != nullptr) state->observer->OnOpen(path, "r");
-  Bytes bytes = state->files.Find(path);
-  if (bytes == nullptr || path.ends_with('\\')) return nullptr;
-  return std::make_unique<OpenedText>(std::move(bytes), state->openHandles, state->handedOut);
+  std::optional<Bytes> bytes = state->files.Find(path);
+  if (!bytes || path.ends_with('\\')) return nullptr;
+  return std::make_unique<OpenedText>(std::move(*bytes), state->openHandles, state->handedOut);
 }
 
 void RecordedMachine::WriteConsole(std::string_view text) {
@@ -375,7 +404,7 @@ void RecordedMachine::WriteConsole(std::string_view text) {
 }
 
 pq::ConsoleLine RecordedMachine::ReadConsoleLine(char* buffer, std::size_t size) {
-  const std::string& typed = state->recording.console;
+  const std::string& typed = state->console;
   const std::size_t end = std::min(typed.find('\n', state->consoleAt), typed.size());
   std::string_view line(typed.data() + state->consoleAt, end - state->consoleAt);
   state->consoleAt = std::min(end + 1, typed.size());
@@ -398,11 +427,11 @@ bool RecordedMachine::HasPrograms(const std::string& commandLine) const {
   });
 }
 
-std::map<std::string, std::string> RecordedMachine::Files() const { return state->files.All(); }
+std::map<std::string, Bytes> RecordedMachine::Files() const { return state->files.All(); }
 
 std::optional<std::uint64_t> RecordedMachine::FileSize(const std::string& path) const {
-  const Bytes bytes = state->files.Find(path);
-  if (bytes == nullptr) return std::nullopt;
+  const std::optional<Bytes> bytes = state->files.Find(path);
+  if (!bytes) return std::nullopt;
   return bytes->size();
 }
 

@@ -17,8 +17,8 @@ namespace host {
 
 class RecordedMachine final : public pq::Platform {
  public:
-  /// Keeps a copy of `recording` and refers to `observer` (may be null) as long as it lives.
-  explicit RecordedMachine(Recording recording, MachineObserver* observer = nullptr);
+  /// Shares the texts of `recording` and refers to `observer` (may be null) as long as it lives.
+  explicit RecordedMachine(const Recording& recording, MachineObserver* observer = nullptr);
   ~RecordedMachine() override;
 
   /// Once `isEnding` answers true, no command runs any more: a start and a pipe fail with
@@ -40,8 +40,8 @@ class RecordedMachine final : public pq::Platform {
   /// Whether the machine has every program of a command line: one of the interpreter's own, or one
   /// that is recorded with these arguments.
   bool HasPrograms(const std::string& commandLine) const;
-  /// The files that lie on the machine now, by their path as it was first written.
-  std::map<std::string, std::string> Files() const;
+  /// The files that are on the machine now, by their path as it was first written.
+  std::map<std::string, Bytes> Files() const;
   /// Size in bytes of the file `path`, if it is there.
   std::optional<std::uint64_t> FileSize(const std::string& path) const;
   /// Processes, pipes and files that are open at this moment.

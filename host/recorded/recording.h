@@ -1,5 +1,5 @@
-// What a recording says about a machine: what its tools print and which files lie on it. Plain
-// data; the file format is host/recording/recording_file.h's.
+// What a recording says about a machine: what its tools print and which files are on it. Plain
+// data, cheap to copy; the file format is host/recording/recording_file.h's.
 #pragma once
 
 #include <cstdint>
@@ -8,14 +8,16 @@
 #include <string>
 #include <vector>
 
+#include "host/text/bytes.h"
+
 namespace host {
 
 /// One answer of a tool. Texts are bytes as they are on the machine.
 struct RecordedCommand {
   std::string tool;       ///< file name of the program; compared without case and without ".exe"
   std::string arguments;  ///< all behind the program up to a pipe or a redirection, ends trimmed
-  std::string standardOutput;
-  std::string standardError;
+  Bytes standardOutput;
+  Bytes standardError;
   std::uint32_t exitCode = 0;
   std::uint32_t startError = 0;     ///< not 0: the interpreter cannot be started for it
   std::uint32_t pipeError = 0;      ///< not 0: the pipe for it cannot be created
@@ -36,7 +38,7 @@ struct Recording {
   /// Several entries for one command answer in turn; the last one answers from then on.
   std::vector<RecordedCommand> commands;
   /// Windows path to stored bytes.
-  std::map<std::string, std::string> files;
+  std::map<std::string, Bytes> files;
   std::vector<std::string> readOnly;
 };
 

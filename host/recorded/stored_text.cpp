@@ -10,11 +10,11 @@ namespace {
 constexpr char kCtrlZ = '\x1A';
 }
 
-StoredText::StoredText(Bytes bytes) : bytes(std::move(bytes)), end(this->bytes->size()) {}
+StoredText::StoredText(Bytes bytes) : bytes(std::move(bytes)), end(this->bytes.size()) {}
 
 bool StoredText::ReadLine(char* buffer, std::size_t size) {
   if (size < 2 || at == end) return false;
-  const char* from = bytes->data() + at;
+  const char* from = bytes.Text().data() + at;
   const std::size_t room = std::min(size - 1, end - at);
   const auto* lineFeed = static_cast<const char*>(std::memchr(from, '\n', room));
   std::size_t stored = lineFeed != nullptr ? static_cast<std::size_t>(lineFeed - from) + 1 : room;
@@ -23,7 +23,7 @@ bool StoredText::ReadLine(char* buffer, std::size_t size) {
     ++stored;
   }
   if (const void* ctrlZ = std::memchr(from, kCtrlZ, stored)) {
-    end = static_cast<std::size_t>(static_cast<const char*>(ctrlZ) - bytes->data());
+    end = static_cast<std::size_t>(static_cast<const char*>(ctrlZ) - bytes.Text().data());
     return ReadLine(buffer, size);
   }
   std::size_t length = stored;
@@ -41,7 +41,7 @@ bool StoredText::ReadLine(char* buffer, std::size_t size) {
 
 std::uint64_t StoredText::SizeAndRewind() {
   Rewind();
-  return bytes->size();
+  return bytes.size();
 }
 
 }  // namespace host

@@ -3,16 +3,11 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
-#include <string>
 
 #include "frame/platform.h"
+#include "host/text/bytes.h"
 
 namespace host {
-
-/// Bytes that several owners share; never null, never changed. A tool's report can be hundreds of
-/// megabytes, so it exists once: as its answer, as the file that it went to, as what is being read.
-using Bytes = std::shared_ptr<const std::string>;
 
 /// Reads `bytes` line by line: CR LF is one line feed, Ctrl-Z ends the file.
 class StoredText final : public pq::TextFile {

@@ -130,7 +130,7 @@ void Recorder::CloseRun() {
 
 /// Moves what the tool wrote to the place that it came from.
 void Recorder::TakeOutput() {
-  std::string& output = run->command.standardOutput;
+  Bytes& output = run->command.standardOutput;
   if (const std::string target = OutputFileOf(run->stage); !target.empty()) {
     const bool isOwn = IsOwnCommand(run->stage.program);
     std::optional<std::string> written = isOwn ? std::string() : machine.ReadFile(target);
@@ -143,7 +143,7 @@ void Recorder::TakeOutput() {
   }
   if (!run->filters.empty()) {
     // Only what a filter lets through comes from standard output; the rest went past it.
-    std::string passed;
+    Bytes passed;
     for (const std::string_view line : SplitLines(output)) {
       const bool passes = std::all_of(
           run->filters.begin(), run->filters.end(),
@@ -152,7 +152,7 @@ void Recorder::TakeOutput() {
     }
     output = std::move(passed);
   }
-  if (run->login) output = HidePassword(std::move(output), *run->login);
+  if (run->login) output = HidePassword(output.Text(), *run->login);
 }
 
 /// Whether an entry has to answer for the run: not for the interpreter's own commands, nor for a
@@ -162,7 +162,7 @@ bool Recorder::IsForeignProgram() const {
   if (IsOwnCommand(program) || ToolName(program).empty()) return false;
   if (machine.HasProgram(WithoutQuotes(program))) return true;
   const RecordedCommand& command = run->command;
-  const std::string written = command.standardOutput + command.standardError;
+  const std::string written = command.standardOutput.Text() + command.standardError.Text();
   return run->isPiped && written != NotRecognized(program);
 }
 

@@ -336,7 +336,7 @@ class RecordingReader {
     }
   }
 
-  void ReadFiles(const Json& all, std::map<std::string, std::string>& files) const {
+  void ReadFiles(const Json& all, std::map<std::string, Bytes>& files) const {
     const Json* members = Find(all, "files");
     if (members == nullptr) return;
     if (!members->is_object())

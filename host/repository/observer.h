@@ -10,7 +10,7 @@
 namespace host {
 
 /// Called on the collecting thread, in the order of the calls. `id` counts the instances from 1, in
-/// order of construction, since the observer was set. Texts are bytes in the machine's code page.
+/// order of construction, since the observer is in use. Texts are bytes in the machine's code page.
 class RepositoryObserver {
  public:
   virtual ~RepositoryObserver() = default;
@@ -35,7 +35,24 @@ class RepositoryObserver {
                                unsigned /*second*/) {}
 };
 
-/// Has `observer` see all calls from now on; null ends that. The caller keeps ownership.
-REPOSITORY_API void SetRepositoryObserver(RepositoryObserver* observer);
+/// Has `observer` see all calls of the calling thread until destroyed, on that thread; then the one
+/// from before sees them again. May be nested.
+class REPOSITORY_API RepositoryObserverInUse {
+ public:
+  /// `observer` has to outlive this object.
+  explicit RepositoryObserverInUse(RepositoryObserver& observer);
+  RepositoryObserverInUse(const RepositoryObserverInUse&) = delete;
+  RepositoryObserverInUse& operator=(const RepositoryObserverInUse&) = delete;
+  ~RepositoryObserverInUse();
+
+  RepositoryObserver& Observer() const { return observer; }
+  /// The number of the next instance.
+  std::uint64_t CountInstance() { return ++lastId; }
+
+ private:
+  RepositoryObserver& observer;
+  std::uint64_t lastId = 0;
+  RepositoryObserverInUse* before;
+};
 
 }  // namespace host

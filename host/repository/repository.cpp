@@ -4,6 +4,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "host/repository/observer.h"
 #include "host/repository/store.h"
@@ -11,26 +12,21 @@
 namespace host {
 namespace {
 
-struct Observation {
-  RepositoryObserver* observer = nullptr;
-  std::uint64_t lastId = 0;
-};
-
-Observation& TheObservation() {
-  static Observation observation;
-  return observation;
-}
+thread_local RepositoryObserverInUse* observerInUse = nullptr;
 
 /// Tells the observer, if there is one.
 template <typename... Parameters, typename... Arguments>
 void Tell(void (RepositoryObserver::*event)(Parameters...), Arguments&&... arguments) {
-  RepositoryObserver* observer = TheObservation().observer;
-  if (observer != nullptr) (observer->*event)(std::forward<Arguments>(arguments)...);
+  if (observerInUse == nullptr) return;
+  (observerInUse->Observer().*event)(std::forward<Arguments>(arguments)...);
 }
 
 }  // namespace
 
-void SetRepositoryObserver(RepositoryObserver* observer) { TheObservation() = {observer, 0}; }
+RepositoryObserverInUse::RepositoryObserverInUse(RepositoryObserver& observer)
+    : observer(observer), before(std::exchange(observerInUse, this)) {}
+
+RepositoryObserverInUse::~RepositoryObserverInUse() { observerInUse = before; }
 
 }  // namespace host
 
@@ -92,7 +88,9 @@ struct RepositoryState {
 };
 
 RInstance::RInstance(const std::string& className, const std::string& key, int number)
-    : state(new InstanceState{++host::TheObservation().lastId, {className, key, number, {}, {}}}) {
+    : state(new InstanceState{
+          host::observerInUse == nullptr ? 0 : host::observerInUse->CountInstance(),
+          {className, key, number, {}, {}}}) {
   host::Tell(&host::RepositoryObserver::OnInstance, state->id, className, key, number);
 }
 

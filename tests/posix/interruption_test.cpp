@@ -74,7 +74,8 @@ class InterruptedCollection : public testing::Test {
     options.command = Command::kCollect;
     options.replay = test::Sample("two-socket-server");
     const Console console{out, error, false, false, false, 120, {}};
-    return Gather(options, console, false, [&](CollectionListeners& all) { all.Add(listener); });
+    return Gather(options, console, KeepLog::kNo,
+                  [&](CollectionListeners& all) { all.Add(listener); });
   }
 
   const CollectedTable& Table(const std::string& className) {

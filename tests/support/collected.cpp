@@ -6,31 +6,39 @@
 #include <stdexcept>
 
 #include "frame/add_modules.h"
-#include "frame/bound/machine_in_use.h"
+#include "host/collect/recorded_source.h"
 #include "host/collect/trace.h"
-#include "host/recorded/recorded_machine.h"
-#include "host/repository/observer.h"
 
 namespace test {
 namespace {
 
-using halyard::repository::RInstancesWrapper;
 using halyard::repository::RModule;
-using halyard::repository::RRepository;
 
 constexpr char kPrefix[] = "[repo] ";
 
 /// Keeps what the machine tells and passes it on to the trace.
-class Watcher final : public host::MachineObserver {
+class Watcher final : public host::CollectionListener {
  public:
   Watcher(Collected& collected, host::TraceWriter& trace) : collected(collected), trace(trace) {}
 
+  host::RepositoryObserver* Calls() override { return &trace; }
+  bool WantsLog() const override { return true; }
+  void Module(const std::string& name, const std::string& description) override {
+    trace.Module(name, description);
+  }
+  void Layout(const std::string& table) override { trace.Layout(table); }
+  void Enumerate(const std::string& module, const std::string& table) override {
+    trace.Enumerate(module, table);
+  }
+  void Log(const host::LogLine& line) override {
+    collected.log.push_back(line);
+    trace.Log(line);
+  }
   void OnProcess(const std::string& application, const std::string& commandLine,
                  bool inheritHandles, bool pipe) override {
     collected.commandLines.push_back(commandLine);
     trace.OnProcess(application, commandLine, inheritHandles, pipe);
   }
-  void OnProcessEnd(std::uint32_t exitCode) override { trace.OnProcessEnd(exitCode); }
   void OnSystem(const std::string& command) override { trace.OnSystem(command); }
   void OnOpen(const std::string& path, const std::string& mode) override {
     collected.opened.push_back(path);
@@ -40,41 +48,11 @@ class Watcher final : public host::MachineObserver {
     collected.console += text;
     trace.OnConsole(text);
   }
-  void OnToolConsole(std::string_view text) override { trace.OnToolConsole(text); }
 
  private:
   Collected& collected;
   host::TraceWriter& trace;
 };
-
-/// Has log lines and repository calls arrive in the trace for as long as it lives.
-class Listening {
- public:
-  Listening(Collected& collected, host::TraceWriter& trace) {
-    host::SetRepositoryObserver(&trace);
-    host::SetLogSink([&](const host::LogLine& line) {
-      collected.log.push_back(line);
-      trace.Log(line);
-    });
-  }
-  Listening(const Listening&) = delete;
-  Listening& operator=(const Listening&) = delete;
-  ~Listening() {
-    host::SetLogSink({});
-    host::SetRepositoryObserver(nullptr);
-  }
-};
-
-void EnumerateTable(RModule& module, const std::string& table, host::TraceWriter& trace,
-                    RRepository& repository) {
-  const halyard::repository::TableHandlers& handlers = module.Tables().at(table);
-  RInstancesWrapper container;
-  container.className = table;
-  trace.Layout(table);
-  handlers.layoutHandler(container);
-  trace.Enumerate(module.GetName(), table);
-  handlers.enumHandler(repository);
-}
 
 }  // namespace
 
@@ -102,35 +80,20 @@ std::vector<std::vector<std::string>> Collected::Rows(const std::string& classNa
 }
 
 const std::map<std::string, host::Table>& Collected::Tables() const {
-  return host::TablesOf(*repository);
+  return host::TablesOf(*collection.repository);
 }
 
 Collected Collect(const host::Recording& recording, const std::string& module,
                   const std::vector<std::string>& tables) {
   Collected collected;
-  collected.repository = std::make_unique<RRepository>();
   std::ostringstream traceText;
   host::TraceWriter trace(traceText);
   Watcher watcher(collected, trace);
-  host::RecordedMachine machine(recording, &watcher);
-  const pq::MachineInUse inUse(machine);
-  host::SetLogFolder(recording.logFolder);
-  const boost::shared_ptr<RModule> collecting = FindModule(module);
-  {
-    const Listening listening(collected, trace);
-    trace.Module(collecting->GetName(), collecting->GetDescription());
-    collecting->RegisterTables();
-    std::vector<std::string> names = tables;
-    if (names.empty()) {
-      for (const auto& [name, handlers] : collecting->Tables()) names.push_back(name);
-    }
-    for (const std::string& name : names) {
-      EnumerateTable(*collecting, name, trace, *collected.repository);
-    }
-  }
+  host::RecordedSource source(recording);
+  collected.collection = host::Collect(source, {{module}, tables}, watcher);
   collected.trace = std::move(traceText).str();
-  collected.files = machine.Files();
-  collected.openHandles = machine.OpenHandles();
+  for (const auto& [path, bytes] : collected.collection.files) collected.files[path] = bytes;
+  collected.openHandles = source.CountOpenHandles();
   return collected;
 }
 

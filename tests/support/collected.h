@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "host/collect/collect.h"
 #include "host/logger/logger.h"
 #include "host/recorded/recording.h"
 #include "host/repository/store.h"
@@ -20,9 +21,9 @@ struct Collected {
   std::vector<std::string> commandLines;     ///< of every process started or tried, in order
   std::vector<std::string> opened;           ///< paths given to fopen, in order
   std::string console;                       ///< what modules wrote to standard output
-  std::map<std::string, std::string> files;  ///< what lies on the machine afterwards
+  std::map<std::string, std::string> files;  ///< what is on the machine afterwards
   int openHandles = 0;                       ///< processes, pipes and files still open afterwards
-  std::unique_ptr<halyard::repository::RRepository> repository;
+  host::Collection collection;
 
   /// "level text" of every log line, without the "[repo] " prefix.
   std::vector<std::string> LogTexts() const;

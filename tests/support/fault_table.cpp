@@ -6,7 +6,8 @@
 #include <string_view>
 #include <utility>
 
-#include "frame/bound/machine_in_use.h"
+#include "host/collect/collection_run.h"
+#include "host/collect/recorded_source.h"
 #include "host/logger/logger.h"
 #include "host/recorded/interpreter.h"
 #include "host/recorded/recorded_machine.h"
@@ -28,25 +29,19 @@ std::vector<FaultScenario>& Registered() {
 }
 
 /// Sees what one run does. Log lines are cut at `lineLimit` characters, without their prefix.
-class RunWatcher final : public host::MachineObserver, public host::RepositoryObserver {
+class RunWatcher final : public host::CollectionListener, public host::RepositoryObserver {
  public:
-  explicit RunWatcher(std::size_t lineLimit) {
-    host::SetRepositoryObserver(this);
-    host::SetLogSink([this, lineLimit](const host::LogLine& line) {
-      constexpr std::string_view kPrefix = "[repo] ";
-      const std::string_view text = line.text;
-      run.lines.push_back(
-          std::to_string(line.level) + ' ' +
-          std::string(text.substr(text.starts_with(kPrefix) ? kPrefix.size() : 0, lineLimit)));
-    });
-  }
-  RunWatcher(const RunWatcher&) = delete;
-  RunWatcher& operator=(const RunWatcher&) = delete;
-  ~RunWatcher() override {
-    host::SetLogSink({});
-    host::SetRepositoryObserver(nullptr);
-  }
+  explicit RunWatcher(std::size_t lineLimit) : lineLimit(lineLimit) {}
 
+  host::RepositoryObserver* Calls() override { return this; }
+  bool WantsLog() const override { return true; }
+  void Log(const host::LogLine& line) override {
+    constexpr std::string_view kPrefix = "[repo] ";
+    const std::string_view text = line.text;
+    run.lines.push_back(
+        std::to_string(line.level) + ' ' +
+        std::string(text.substr(text.starts_with(kPrefix) ? kPrefix.size() : 0, lineLimit)));
+  }
   void OnProcess(const std::string& /*application*/, const std::string& commandLine,
                  bool /*inheritHandles*/, bool /*pipe*/) override {
     run.steps.push_back(commandLine);
@@ -59,28 +54,24 @@ class RunWatcher final : public host::MachineObserver, public host::RepositoryOb
   void OnRelease(std::uint64_t /*id*/) override { ++run.instancesReleased; }
 
   FaultRun run;
+
+ private:
+  std::size_t lineLimit;
 };
 
-/// Enumerates the scenario's tables on `machine`.
-void Enumerate(const FaultScenario& scenario, const host::Recording& recording,
-               pq::Platform& machine) {
-  const pq::MachineInUse inUse(machine);
-  host::SetLogFolder(recording.logFolder);
-  const auto module = FindModule(scenario.module);
-  module->RegisterTables();
+/// Enumerates the scenario's tables on `source`.
+void Enumerate(const FaultScenario& scenario, host::Source& source, RunWatcher& watcher) {
   halyard::repository::RRepository repository;
-  std::vector<std::string> tables = scenario.tables;
-  if (tables.empty()) {
-    for (const auto& [name, handlers] : module->Tables()) tables.push_back(name);
-  }
-  for (const std::string& table : tables) module->Tables().at(table).enumHandler(repository);
+  host::Collection ignored;
+  host::CollectionRun run(source, {{scenario.module}, scenario.tables}, watcher);
+  run.Enumerate(repository, ignored);
 }
 
 FaultRun Run(const FaultScenario& scenario, const host::Recording& recording) {
   RunWatcher watcher(std::string::npos);
-  host::RecordedMachine machine(recording, &watcher);
-  Enumerate(scenario, recording, machine);
-  watcher.run.openHandles = machine.OpenHandles();
+  host::RecordedSource source(recording);
+  Enumerate(scenario, source, watcher);
+  watcher.run.openHandles = source.CountOpenHandles();
   return std::move(watcher.run);
 }
 
@@ -393,7 +384,10 @@ FaultRun RunFlooded(const FaultScenario& scenario, const std::vector<std::string
   const host::Recording recording = scenario.recording();
   RunWatcher watcher(80);
   FloodedMachine machine(recording, watcher, flooded);
-  Enumerate(scenario, recording, machine);
+  host::MachineFacts facts;
+  facts.logFolder = recording.logFolder;
+  host::PlatformSource source(machine, facts);
+  Enumerate(scenario, source, watcher);
   watcher.run.openHandles = machine.OpenHandles();
   return std::move(watcher.run);
 }

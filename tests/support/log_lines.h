@@ -10,16 +10,12 @@ namespace test {
 
 class LogLines {
  public:
-  LogLines() {
-    host::SetLogSink([this](const host::LogLine& line) {
-      texts.push_back(std::to_string(line.level) + " " + line.text);
-    });
-  }
-  LogLines(const LogLines&) = delete;
-  LogLines& operator=(const LogLines&) = delete;
-  ~LogLines() { host::SetLogSink({}); }
-
   std::vector<std::string> texts;  ///< "level text"
+
+ private:
+  host::LogSinkInUse sink{[this](const host::LogLine& line) {
+    texts.push_back(std::to_string(line.level) + " " + line.text);
+  }};
 };
 
 }  // namespace test

@@ -16,7 +16,7 @@ std::unique_ptr<LiveLibrary> LoadLiveLibrary(const std::filesystem::path& /*plug
 
 std::unique_ptr<MachineView> ViewLiveMachine() { return nullptr; }
 
-Recording DescribeLiveMachine(const MachineFacts& /*facts*/) { throw LiveError(kNeedsWindows); }
+Recording DescribeLiveMachine(const LiveMachine& /*machine*/) { throw LiveError(kNeedsWindows); }
 
 std::optional<std::string> LocateProgram(const std::string& /*program*/) { return std::nullopt; }
 
@@ -24,7 +24,7 @@ MachineFacts DescribeThisMachine(const std::filesystem::path& /*logFolder*/) {
   throw LiveError(kNeedsWindows);
 }
 
-MachineFacts PrepareLiveMachine(const std::filesystem::path& /*logFolder*/) {
+LiveMachine PrepareLiveMachine(const std::filesystem::path& /*logFolder*/) {
   throw LiveError(kNeedsWindows);
 }
 

@@ -24,7 +24,7 @@ class LoadedLibrary final : public LiveLibrary {
   LoadedLibrary(Library loaded, std::string fileName, AddModulesFunction* addModules,
                 const LiveWatch& watch)
       : library(std::move(loaded)), fileName(std::move(fileName)), addModules(addModules) {
-    if (watch.observer != nullptr) watched.emplace(library.get(), watch);
+    if (watch.listener != nullptr) watched.emplace(library.get(), watch);
   }
 
   void AddModules(std::vector<boost::shared_ptr<halyard::repository::RModule>>& modules) override {

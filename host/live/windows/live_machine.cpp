@@ -8,7 +8,6 @@
 #include "frame/platform.h"
 #include "host/live/live.h"
 #include "host/live/windows/system_text.h"
-#include "host/logger/logger.h"
 
 namespace host {
 namespace {
@@ -139,7 +138,7 @@ MachineFacts DescribeThisMachine(const std::filesystem::path& logFolder) {
   return facts;
 }
 
-MachineFacts PrepareLiveMachine(const std::filesystem::path& logFolder) {
+LiveMachine PrepareLiveMachine(const std::filesystem::path& logFolder) {
   MachineFacts facts = DescribeThisMachine(logFolder);
   const std::filesystem::path path = WithSeparator(logFolder);
   std::error_code failure;
@@ -148,8 +147,7 @@ MachineFacts PrepareLiveMachine(const std::filesystem::path& logFolder) {
     throw LiveError("cannot create the log folder " + ToUtf8(path.native()) + ": " +
                     DescribeSystemError(static_cast<std::uint32_t>(failure.value())));
   }
-  SetLogFolder(NarrowLogFolder(path));
-  return facts;
+  return {std::move(facts), NarrowLogFolder(path)};
 }
 
 Surroundings LookAround(const std::filesystem::path& logFolder) {

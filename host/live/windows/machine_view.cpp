@@ -6,7 +6,6 @@
 #include <fstream>
 #include <iterator>
 
-#include "frame/logkit/log.h"
 #include "host/live/live.h"
 #include "host/text/version.h"
 
@@ -43,20 +42,18 @@ class LiveMachineView final : public MachineView {
 
 std::unique_ptr<MachineView> ViewLiveMachine() { return std::make_unique<LiveMachineView>(); }
 
-Recording DescribeLiveMachine(const MachineFacts& facts) {
+Recording DescribeLiveMachine(const LiveMachine& machine) {
   // Paths as the modules get them, which may be in another code page than what tools print.
   std::array<char, MAX_PATH> executable{};
   const DWORD length =
       GetModuleFileNameA(nullptr, executable.data(), static_cast<DWORD>(executable.size()));
-  std::array<char, 256> logFolder{};
-  LogKit::GetLogDir(logFolder.data(), logFolder.size());
 
   Recording recording;
-  recording.description = facts.description + ", recorded by pqhost " + kVersion;
-  recording.languageId = facts.languageId;
-  recording.codePage = facts.codePage;
+  recording.description = machine.facts.description + ", recorded by pqhost " + kVersion;
+  recording.languageId = machine.facts.languageId;
+  recording.codePage = machine.facts.codePage;
   recording.hostExecutable.assign(executable.data(), length);
-  recording.logFolder = logFolder.data();
+  recording.logFolder = machine.logFolder;
   return recording;
 }
 

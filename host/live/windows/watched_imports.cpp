@@ -6,14 +6,17 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "frame/platform.h"
-#include "host/live/interruption.h"
 #include "host/live/windows/limited_tool.h"
 #include "host/live/windows/module_image.h"
+#include "host/recorded/interpreter.h"
 #include "host/secrets/amt_login.h"
 
 namespace host {
@@ -26,6 +29,8 @@ struct Watch {
   HANDLE pipe = nullptr;     ///< read end of the pipe made last
   std::optional<LimitedTool> limited;
   std::optional<AmtLogin> login;  ///< that the tool started last was given
+  std::string commandLine;        ///< of the tool started last, until its answer was told
+  Bytes output;                   ///< what came through its pipe so far
 };
 
 Watch& TheWatch() {
@@ -33,7 +38,7 @@ Watch& TheWatch() {
   return watch;
 }
 
-MachineObserver& Observer() { return *TheWatch().given.observer; }
+CollectionListener& Observer() { return *TheWatch().given.listener; }
 
 /// Null as long as nothing is recorded.
 Recorder* TheRecorder() {
@@ -43,7 +48,7 @@ Recorder* TheRecorder() {
 
 /// Whether nothing may be started any more; says so.
 bool IsRefused() {
-  if (!InterruptionRequested()) return false;
+  if (!Observer().WantsEnd()) return false;
   Observer().OnRefused();
   SetLastError(kErrorCancelled);
   return true;
@@ -70,6 +75,25 @@ void EndLimit() {
   if (wasEnded) Observer().OnToolEnded(*watch.given.toolLimit);
 }
 
+/// The bytes of the file that a command line's output went to.
+Bytes ReadOutputFile(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(file), {});
+}
+
+/// Tells what the tool started last wrote, once.
+void TellAnswer() {
+  Watch& watch = TheWatch();
+  if (watch.commandLine.empty()) return;
+  // A password may hold what the interpreter would take for a redirection.
+  const Pipeline pipeline = ParseCommandLine(
+      HidePassword(std::exchange(watch.commandLine, {})),
+      [](std::string_view path) { return LocateProgram(std::string(path)).has_value(); });
+  ToolAnswer answer{std::exchange(watch.output, {}), FindOutputFile(pipeline), {}};
+  if (!answer.file.empty()) answer.fileText = ReadOutputFile(answer.file);
+  Observer().OnAnswer(answer);
+}
+
 // Each of these stands in the library's table for the function of that name. None of them may
 // change what GetLastError answers behind the call that it stands for: the library reads it next.
 
@@ -87,6 +111,7 @@ BOOL WINAPI WatchedCreateProcessA(LPCSTR application, LPSTR commandLine,
                                   DWORD flags, LPVOID environment, LPCSTR folder,
                                   LPSTARTUPINFOA startup, LPPROCESS_INFORMATION started) {
   EndLimit();  // of a tool that the library abandoned
+  TellAnswer();
   const bool pipe = (startup->dwFlags & STARTF_USESTDHANDLES) != 0;
   Observer().OnProcess(application, commandLine, inheritHandles != FALSE, pipe);
   if (IsRefused()) return FALSE;
@@ -97,6 +122,7 @@ BOOL WINAPI WatchedCreateProcessA(LPCSTR application, LPSTR commandLine,
                           allFlags, environment, folder, startup, started);
   });
   TheWatch().process = done ? started->hProcess : nullptr;
+  if (done) TheWatch().commandLine = commandLine;
   if (!done) {
     const DWORD error = GetLastError();
     if (Recorder* recorder = TheRecorder()) recorder->FailRun(error);
@@ -108,10 +134,10 @@ BOOL WINAPI WatchedCreateProcessA(LPCSTR application, LPSTR commandLine,
 BOOL WINAPI WatchedReadFile(HANDLE file, LPVOID buffer, DWORD size, LPDWORD count,
                             LPOVERLAPPED overlapped) {
   const BOOL done = ReadFile(file, buffer, size, count, overlapped);
-  Recorder* recorder = TheRecorder();
-  if (done && recorder != nullptr && file == TheWatch().pipe) {
-    recorder->AddOutput({static_cast<const char*>(buffer), *count});
-  }
+  if (!done || file != TheWatch().pipe) return done;
+  const std::string_view bytes(static_cast<const char*>(buffer), *count);
+  TheWatch().output += bytes;
+  if (Recorder* recorder = TheRecorder()) recorder->AddOutput(bytes);
   return done;
 }
 
@@ -126,6 +152,7 @@ DWORD WINAPI WatchedWaitForSingleObject(HANDLE handle, DWORD milliseconds) {
     // Before anyone reads it: neither the tables nor the log folder are to show the password.
     if (TheWatch().login) HidePasswordInReport(*TheWatch().login);
     if (Recorder* recorder = TheRecorder()) recorder->EndRun(exitCode);
+    TellAnswer();
     Observer().OnProcessEnd(exitCode);
     SetLastError(error);
   }
@@ -157,11 +184,14 @@ int RunSystem(const char* command) {
 
 int WatchedSystem(const char* command) {
   EndLimit();  // of a tool that the library abandoned
+  TellAnswer();
   Observer().OnSystem(command);
   if (IsRefused()) return -1;
   Recorder* recorder = TheRecorder();
   if (recorder != nullptr) recorder->BeginRun(std::string("/c ") + command, /*isPiped=*/false);
   const int result = RunSystem(command);
+  TheWatch().commandLine = std::string("/c ") + command;
+  TellAnswer();
   if (recorder != nullptr) recorder->EndRun(static_cast<std::uint32_t>(result));
   return result;
 }
@@ -181,7 +211,7 @@ int WatchedAccess(const char* path, int mode) {
 
 int WatchedGetCharacter(std::FILE* file) {
   // Who ended the collection is not asked any more.
-  if (file == stdin && InterruptionRequested()) return EOF;
+  if (file == stdin && Observer().WantsEnd()) return EOF;
   const int character = std::getc(file);
   Recorder* recorder = TheRecorder();
   if (file == stdin && character != EOF && recorder != nullptr) {
@@ -241,6 +271,8 @@ WatchedImports::~WatchedImports() {
   watch.login.reset();
   watch.given = {};
   watch.process = watch.pipe = nullptr;
+  watch.commandLine.clear();
+  watch.output.clear();
 }
 
 }  // namespace host

@@ -14,7 +14,7 @@ namespace host {
 /// the table has no place to keep for whom it stands there.
 class WatchedImports {
  public:
-  /// `module` is what LoadLibrary answered; `watch` has an observer. What the library does not
+  /// `module` is what LoadLibrary answered; `watch` has a listener. What the library does not
   /// import (a C runtime that is linked into it) goes unseen.
   WatchedImports(void* module, const LiveWatch& watch);
   WatchedImports(const WatchedImports&) = delete;

@@ -6,9 +6,9 @@
 
 #include "host/check/dry_machine.h"
 #include "host/check/machine_check.h"
+#include "host/collect/recorded_source.h"
 #include "host/live/live.h"
 #include "host/pqhost/commands/commands.h"
-#include "host/pqhost/source.h"
 #include "host/recorded/interpreter.h"
 #include "host/recording/recording_file.h"
 #include "host/text/decoder.h"

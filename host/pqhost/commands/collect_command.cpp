@@ -29,12 +29,9 @@ class TraceOutput {
       : path(destination.path),
         forTerminal(console.out),
         writer(destination.IsStandardOutput() ? StandardOutput(console) : Open(destination.path),
-               passwords) {
-    SetRepositoryObserver(&writer);
-  }
+               passwords) {}
   TraceOutput(const TraceOutput&) = delete;
   TraceOutput& operator=(const TraceOutput&) = delete;
-  ~TraceOutput() { SetRepositoryObserver(nullptr); }
 
   TraceWriter& Writer() { return writer; }
 
@@ -107,7 +104,8 @@ int RunCollectCommand(const Options& options, const Console& console) {
     listeners.Add(trace->Writer());
   };
   auto [source, collection] =
-      Gather(options, console, FindFormat(options.format)->wantsLog, openOutputs);
+      Gather(options, console, FindFormat(options.format)->wantsLog ? KeepLog::kYes : KeepLog::kNo,
+             openOutputs);
 
   // What the machine answered is shown also when it could not be kept.
   try {
@@ -117,7 +115,7 @@ int RunCollectCommand(const Options& options, const Console& console) {
   }
   WriteResults(options, console, collection, output);
   if (trace) trace->Close();
-  for (const std::string& problem : source->KeepLogFiles(console)) {
+  for (const std::string& problem : source->KeepLogFiles(collection, console)) {
     collection.problems.push_back(problem);
   }
   for (const std::string& problem : collection.problems) Complain(console, problem);

@@ -77,7 +77,7 @@ int RunQueryCommand(const Options& options, const Console& console) {
       database.emplace(*options.database);
       if (!options.output.IsStandardOutput()) output.emplace(options.output.path);
     } else {
-      const Gathered gathered = Gather(options, console, /*keepLog=*/true, [&](auto&) {
+      const Gathered gathered = Gather(options, console, KeepLog::kYes, [&](auto&) {
         if (!options.output.IsStandardOutput()) output.emplace(options.output.path);
       });
       database.emplace();

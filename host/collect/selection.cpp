@@ -1,10 +1,9 @@
-#include "host/collect/collection.h"
+#include "host/collect/selection.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
 #include <algorithm>
-#include <set>
 
 #include "frame/add_modules.h"
 #include "host/text/nearest_name.h"
@@ -14,7 +13,6 @@ namespace host {
 
 using halyard::repository::RInstancesWrapper;
 using halyard::repository::RModule;
-using halyard::repository::RRepository;
 
 namespace {
 
@@ -60,20 +58,9 @@ void CheckTables(const std::vector<LoadedModule>& modules,
   }
 }
 
-/// Keeps the log and the repository's observers in place for the time of one collection.
-class LogSinkInUse {
- public:
-  explicit LogSinkInUse(CollectionListener& listener) {
-    SetLogSink([&listener](const LogLine& line) { listener.Log(line); });
-  }
-  LogSinkInUse(const LogSinkInUse&) = delete;
-  LogSinkInUse& operator=(const LogSinkInUse&) = delete;
-  ~LogSinkInUse() { SetLogSink({}); }
-};
-
 }  // namespace
 
-std::vector<LoadedModule> RegisterModules(const std::vector<boost::shared_ptr<RModule>>& modules) {
+std::vector<LoadedModule> RegisterModules(const ModuleList& modules) {
   std::vector<LoadedModule> loaded;
   for (const boost::shared_ptr<RModule>& module : modules) {
     module->RegisterTables();
@@ -83,30 +70,29 @@ std::vector<LoadedModule> RegisterModules(const std::vector<boost::shared_ptr<RM
 }
 
 std::vector<LoadedModule> LoadLinkedModules() {
-  std::vector<boost::shared_ptr<RModule>> modules;
+  ModuleList modules;
   AddModules(modules);
   return RegisterModules(modules);
 }
 
 std::vector<ModuleSelection> SelectTables(const std::vector<LoadedModule>& modules,
-                                          const std::vector<std::string>& moduleNames,
-                                          const std::vector<std::string>& tableNames) {
+                                          const Selection& wanted) {
   std::vector<const LoadedModule*> chosen;
-  chosen.reserve(modules.size() + moduleNames.size());
-  for (const std::string& name : moduleNames) chosen.push_back(&FindModule(modules, name));
+  chosen.reserve(modules.size() + wanted.modules.size());
+  for (const std::string& name : wanted.modules) chosen.push_back(&FindModule(modules, name));
   if (chosen.empty()) {
     for (const LoadedModule& module : modules) chosen.push_back(&module);
   }
-  CheckTables(modules, chosen, tableNames);
+  CheckTables(modules, chosen, wanted.tables);
 
   std::vector<ModuleSelection> selection;
   for (const LoadedModule* module : chosen) {
     ModuleSelection selected{module, {}};
-    for (const std::string& table : tableNames) {
+    for (const std::string& table : wanted.tables) {
       if (HasTable(*module, table)) selected.tables.push_back(table);
     }
-    if (tableNames.empty()) selected.tables = TableNames(*module);
-    if (!selected.tables.empty() || tableNames.empty()) selection.push_back(std::move(selected));
+    if (wanted.tables.empty()) selected.tables = TableNames(*module);
+    if (!selected.tables.empty() || wanted.tables.empty()) selection.push_back(std::move(selected));
   }
   return selection;
 }
@@ -117,52 +103,6 @@ TableLayout AskLayout(const LoadedModule& module, const std::string& className) 
   table.byRow = true;  // A layout callback that sets nothing leaves a plain list of rows.
   module.module->Tables().at(className).layoutHandler(table);
   return {table.byRow, table.headers, table.numbers};
-}
-
-Collection RunCollection(const std::vector<ModuleSelection>& selection, bool tablesNamed,
-                         CollectionListener& listener, const std::function<bool()>& isEnding) {
-  Collection collection;
-  collection.collected = std::chrono::system_clock::now();
-  collection.tablesNamed = tablesNamed;
-  collection.repository = std::make_unique<RRepository>();
-  const std::map<std::string, Table>& stored = TablesOf(*collection.repository);
-
-  const LogSinkInUse logSink(listener);
-  std::set<std::string> modulesSeen;
-  std::set<std::string> tablesSeen;
-  std::set<std::string> registered;
-  for (const ModuleSelection& selected : selection) {
-    for (const std::string& table : TableNames(*selected.module)) registered.insert(table);
-  }
-  for (const ModuleSelection& selected : selection) {
-    const LoadedModule& module = *selected.module;
-    listener.Module(module.name, module.description);
-    if (modulesSeen.insert(module.name).second) {
-      collection.modules.push_back({module.name, module.description});
-    }
-    for (const std::string& table : selected.tables) {
-      listener.Layout(table);
-      const TableLayout layout = AskLayout(module, table);
-      if (!isEnding || !isEnding()) {
-        listener.Enumerate(module.name, table);
-        module.module->Tables().at(table).enumHandler(*collection.repository);
-      }
-      if (tablesSeen.insert(table).second) {
-        collection.tables.push_back({table, module.name, layout, nullptr, {}});
-      }
-    }
-    if (tablesNamed) continue;
-    for (const auto& [className, table] : stored) {
-      if (!registered.contains(className) && tablesSeen.insert(className).second) {
-        collection.tables.push_back({className, module.name, {}, nullptr, {}});
-      }
-    }
-  }
-  for (CollectedTable& table : collection.tables) {
-    const auto found = stored.find(table.className);
-    if (found != stored.end()) table.rows = &found->second;
-  }
-  return collection;
 }
 
 }  // namespace host

@@ -1,0 +1,121 @@
+#include "host/collect/collect.h"
+
+#include <fmt/format.h>
+
+#include "host/collect/collection_run.h"
+#include "host/collect/failures.h"
+#include "host/collect/recorded_source.h"
+#include "host/collect/table_status.h"
+#include "host/secrets/amt_login.h"
+#include "host/text/decoder.h"
+
+namespace host {
+namespace {
+
+constexpr char kInterrupted[] =
+    "interrupted: the collection ended after the tool that was running; what comes after it is "
+    "missing";
+
+class LogKeeper final : public CollectionListener {
+ public:
+  bool WantsLog() const override { return true; }
+  void Log(const LogLine& line) override { lines.push_back(line); }
+
+  std::vector<LogLine> lines;
+};
+
+class AnswerKeeper final : public CollectionListener {
+ public:
+  void Module(const std::string& name, const std::string& /*description*/) override {
+    module = name;
+  }
+  void OnProcess(const std::string& /*application*/, const std::string& commandLine,
+                 bool /*inheritHandles*/, bool /*pipe*/) override {
+    answers.push_back({{}, module, HidePassword(commandLine), {}});
+  }
+  void OnSystem(const std::string& command) override {
+    answers.push_back({{}, module, command, {}});
+  }
+  void OnAnswer(const ToolAnswer& answer) override {
+    if (!answers.empty()) static_cast<ToolAnswer&>(answers.back()) = answer;
+  }
+  void OnProcessEnd(std::uint32_t exitCode) override {
+    if (!answers.empty()) answers.back().exitCode = exitCode;
+  }
+
+  std::vector<CollectedAnswer> answers;
+
+ private:
+  std::string module;
+};
+
+/// One line of UTF-8 for each failure.
+std::vector<std::string> DescribeFailures(const FailureList& failures, const TextDecoder& decode) {
+  std::vector<std::string> lines;
+  for (const Failure& failure : failures.Failures()) {
+    std::string where = decode(failure.module);
+    if (!failure.tool.empty()) where += ", " + decode(failure.tool);
+    lines.push_back(fmt::format("not collected: {}: {}", where, decode(failure.text)));
+  }
+  return lines;
+}
+
+}  // namespace
+
+Collection Collect(Source& source, const Selection& selection, CollectionListener& listener,
+                   KeepLog keepLog) {
+  const auto hasPrograms = [&](const std::string& commandLine) {
+    return source.HasPrograms(commandLine);
+  };
+  CollectionListeners listeners;
+  FailureList failures;
+  failures.FindMissingPrograms(hasPrograms);
+  listeners.Add(failures);
+  StatusTracker statuses;
+  statuses.Ask(hasPrograms,
+               [&](const std::string& fileName) { return source.LogFileSize(fileName); });
+  listeners.Add(statuses);
+  AnswerKeeper answers;
+  listeners.Add(answers);
+  LogKeeper log;
+  if (keepLog == KeepLog::kYes) listeners.Add(log);
+  listeners.Add(listener);
+
+  Collection collection;
+  collection.tablesNamed = !selection.tables.empty();
+  collection.repository = std::make_unique<halyard::repository::RRepository>();
+  {
+    CollectionRun run(source, selection, listeners);
+    collection.collected = std::chrono::system_clock::now();
+    run.Enumerate(*collection.repository, collection);
+  }
+  const bool wasInterrupted = listener.WantsEnd();
+  if (wasInterrupted) statuses.Interrupted();
+
+  collection.machine = source.Facts();
+  const std::map<std::string, Table>& stored = TablesOf(*collection.repository);
+  for (CollectedTable& table : collection.tables) {
+    const auto rows = stored.find(table.className);
+    if (rows != stored.end()) table.rows = &rows->second;
+    table.status = statuses.StatusOf(table.module, table.className, table.RowCount());
+  }
+  collection.problems = DescribeFailures(failures, TextDecoder(collection.machine.codePage));
+  if (wasInterrupted) collection.problems.emplace_back(kInterrupted);
+  collection.log = std::move(log.lines);
+  collection.answers = std::move(answers.answers);
+  collection.files = source.Files();
+  return collection;
+}
+
+Collection Collect(const Recording& recording, const Selection& selection,
+                   CollectionListener& listener, KeepLog keepLog) {
+  RecordedSource source(recording);
+  return Collect(source, selection, listener, keepLog);
+}
+
+Collection Collect(const Recording& recording, const Selection& selection) {
+  CollectionListener nobody;
+  return Collect(recording, selection, nobody);
+}
+
+}  // namespace host

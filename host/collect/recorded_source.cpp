@@ -1,0 +1,36 @@
+#include "host/collect/recorded_source.h"
+
+#include "frame/add_modules.h"
+#include "host/text/decoder.h"
+
+namespace host {
+
+MachineFacts DescribeRecording(const Recording& recording) {
+  MachineFacts facts;
+  facts.recorded = true;
+  facts.description = TextDecoder(kUtf8CodePage)(recording.description);
+  facts.languageId = recording.languageId;
+  facts.codePage = recording.codePage;
+  facts.hostExecutable = recording.hostExecutable;
+  facts.logFolder = recording.logFolder;
+  return facts;
+}
+
+void RecordedSource::Begin(CollectionListener& listener) {
+  machine.emplace(recording, &listener);
+  machine->EndWhen([&listener] { return listener.WantsEnd(); });
+}
+
+void RecordedSource::AddModules(ModuleList& modules) { ::AddModules(modules); }
+
+bool RecordedSource::HasPrograms(const std::string& commandLine) {
+  return machine->HasPrograms(commandLine);
+}
+
+std::optional<std::uint64_t> RecordedSource::LogFileSize(const std::string& fileName) {
+  return machine->FileSize(recording.logFolder + fileName);
+}
+
+void PlatformSource::AddModules(ModuleList& modules) { ::AddModules(modules); }
+
+}  // namespace host

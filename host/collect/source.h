@@ -1,0 +1,59 @@
+// What a collection collects from: a machine, and modules that know it.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+
+#include "frame/platform.h"
+#include "host/collect/collection_listener.h"
+#include "host/collect/machine_facts.h"
+#include "host/collect/selection.h"
+#include "host/text/bytes.h"
+
+namespace host {
+
+/// Good for one collection. All of it is called on the collecting thread. Texts are bytes in the
+/// machine's code page.
+class Source {
+ public:
+  virtual ~Source() = default;
+  /// Comes first. `listener` sees what modules do to the machine and says when to end; it outlives
+  /// the collection.
+  virtual void Begin(CollectionListener& listener) = 0;
+  virtual void AddModules(ModuleList& modules) = 0;
+  /// The machine that the modules are to see; null: they bring their own.
+  virtual pq::Platform* Machine() = 0;
+  virtual MachineFacts Facts() = 0;
+  /// What the modules get for the log folder; mostly that of Facts().
+  virtual std::string LogFolder() { return Facts().logFolder; }
+  /// Whether the machine has what a command line runs.
+  virtual bool HasPrograms(const std::string& commandLine) = 0;
+  /// Size in bytes of a file of the log folder, if it is there.
+  virtual std::optional<std::uint64_t> LogFileSize(const std::string& fileName) = 0;
+  /// The files of a recorded machine as they are now, by their path.
+  virtual std::map<std::string, Bytes> Files() { return {}; }
+};
+
+/// The linked-in modules on a machine that the caller keeps.
+class PlatformSource : public Source {
+ public:
+  PlatformSource(pq::Platform& machine, MachineFacts facts)
+      : machine(machine), facts(std::move(facts)) {}
+
+  void Begin(CollectionListener& /*listener*/) override {}
+  void AddModules(ModuleList& modules) override;
+  pq::Platform* Machine() override { return &machine; }
+  MachineFacts Facts() override { return facts; }
+  bool HasPrograms(const std::string& /*commandLine*/) override { return true; }
+  std::optional<std::uint64_t> LogFileSize(const std::string& /*fileName*/) override {
+    return std::nullopt;
+  }
+
+ private:
+  pq::Platform& machine;
+  MachineFacts facts;
+};
+
+}  // namespace host

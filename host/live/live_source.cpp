@@ -1,0 +1,50 @@
+#include "host/live/live_source.h"
+
+#include <algorithm>
+#include <system_error>
+
+#include "host/files/sha256.h"
+#include "host/recorded/interpreter.h"
+#include "host/recorded/own_commands.h"
+#include "host/recording/recording_file.h"
+#include "host/secrets/amt_login.h"
+
+namespace host {
+
+LiveSource::LiveSource(LiveSettings given) : settings(std::move(given)) {
+  settings.logFolder = std::filesystem::absolute(settings.logFolder);
+}
+
+void LiveSource::Begin(CollectionListener& listener) {
+  library = LoadLiveLibrary(settings.plugin, {&listener, &recorder, settings.toolLimit});
+  machine = PrepareLiveMachine(settings.logFolder);
+  if (!settings.recordingFolder) return;
+  PrepareRecordingFolder(*settings.recordingFolder);
+  recorder.emplace(DescribeLiveMachine(machine), *machineView);
+}
+
+bool LiveSource::HasPrograms(const std::string& commandLine) {
+  // As the interpreter reads the line, which may split it within the path of a program.
+  const Pipeline pipeline = ParseCommandLine(HidePassword(commandLine), [](std::string_view path) {
+    return LocateProgram(std::string(path)).has_value();
+  });
+  return std::all_of(pipeline.stages.begin(), pipeline.stages.end(), [](const Stage& stage) {
+    std::string program = stage.program;
+    std::erase(program, '"');
+    return IsOwnCommand(program) || LocateProgram(program).has_value();
+  });
+}
+
+std::optional<std::uint64_t> LiveSource::LogFileSize(const std::string& fileName) {
+  std::error_code failure;
+  const std::uintmax_t size = std::filesystem::file_size(settings.logFolder / fileName, failure);
+  if (failure) return std::nullopt;
+  return size;
+}
+
+void LiveSource::WriteRecording() {
+  if (!recorder) return;
+  host::WriteRecording(recorder->Take(), *settings.recordingFolder, &ComputeSha256);
+}
+
+}  // namespace host

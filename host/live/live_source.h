@@ -1,0 +1,49 @@
+// A collection from this very machine, by the loaded library.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "host/collect/source.h"
+#include "host/live/live.h"
+#include "host/recording/recorder.h"
+
+namespace host {
+
+struct LiveSettings {
+  std::filesystem::path plugin;
+  std::filesystem::path logFolder;
+  std::optional<std::filesystem::path> recordingFolder;  ///< where the recording is to be written
+  std::optional<unsigned> toolLimit;                     ///< seconds
+};
+
+/// Begin() throws LiveError, and UsageError when the recording's folder cannot be used.
+class LiveSource final : public Source {
+ public:
+  explicit LiveSource(LiveSettings settings);
+
+  void Begin(CollectionListener& listener) override;
+  void AddModules(ModuleList& modules) override { library->AddModules(modules); }
+  pq::Platform* Machine() override { return nullptr; }
+  MachineFacts Facts() override { return machine.facts; }
+  std::string LogFolder() override { return machine.logFolder; }
+  bool HasPrograms(const std::string& commandLine) override;
+  std::optional<std::uint64_t> LogFileSize(const std::string& fileName) override;
+
+  /// The folder of the tools' files, absolute.
+  const std::filesystem::path& LogFolderPath() const { return settings.logFolder; }
+  /// Writes the recording, if one was asked for. Throws std::runtime_error when it cannot be
+  /// written.
+  void WriteRecording();
+
+ private:
+  LiveSettings settings;
+  std::unique_ptr<MachineView> machineView = ViewLiveMachine();
+  std::optional<Recorder> recorder;  // outlives the library, which tells it
+  std::unique_ptr<LiveLibrary> library;
+  LiveMachine machine;
+};
+
+}  // namespace host

@@ -1,0 +1,174 @@
+// One process collects many recordings, one after the other and on several threads, and none of
+// them sees another.
+#include "host/collect/collect.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "host/collect/recorded_source.h"
+#include "host/collect/trace.h"
+#include "host/recording/recording_file.h"
+#include "host/text/usage_error.h"
+#include "tests/support/collected.h"
+#include "tests/support/samples.h"
+
+namespace host {
+namespace {
+
+using test::CollectTrace;
+using test::LoadSamples;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+TEST(Collection, GivesTheSameTraceAfterAnyOtherSample) {
+  const std::map<std::string, Recording> samples = LoadSamples();
+  std::map<std::string, std::string> alone;
+  for (const auto& [name, recording] : samples) alone[name] = CollectTrace(recording);
+  for (const auto& [first, before] : samples) {
+    for (const auto& [second, recording] : samples) {
+      Collect(before);
+      EXPECT_EQ(CollectTrace(recording) == alone[second], true) << first << ", then " << second;
+    }
+  }
+}
+
+// Each thread begins with another sample, so that different ones run side by side.
+TEST(Collection, GivesTheSameTracesOnSeveralThreads) {
+  constexpr std::size_t kThreads = 8;
+  constexpr std::size_t kCollections = 200;
+  std::vector<Recording> recordings;
+  std::vector<std::string> alone;
+  for (const auto& [name, recording] : LoadSamples()) {
+    recordings.push_back(recording);
+    alone.push_back(CollectTrace(recording));
+  }
+  std::vector<std::size_t> different(kThreads, 0);
+  std::vector<std::thread> threads;
+  for (std::size_t thread = 0; thread < kThreads; ++thread) {
+    threads.emplace_back([&, thread] {
+      for (std::size_t i = 0; i < kCollections; ++i) {
+        const std::size_t sample = (thread + i) % recordings.size();
+        if (CollectTrace(recordings[sample]) != alone[sample]) ++different[thread];
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_THAT(different, testing::Each(0U));
+}
+
+/// One tool that prints into a pipe and one that writes a file.
+Recording MakeTwoTools() {
+  Recording recording;
+  recording.commands = {
+      {"arp.exe", "-a", "to the pipe\r\n", "", 3},
+      {"route", "print", "to the file\r\n", ""},
+  };
+  return recording;
+}
+
+const CollectedAnswer* FindAnswer(const Collection& collection, const std::string& words) {
+  const auto found = std::find_if(collection.answers.begin(), collection.answers.end(),
+                                  [&](const CollectedAnswer& answer) {
+                                    return answer.commandLine.find(words) != std::string::npos;
+                                  });
+  return found == collection.answers.end() ? nullptr : &*found;
+}
+
+TEST(Collection, KeepsWhatAToolWroteIntoItsPipe) {
+  const Recording recording = MakeTwoTools();
+  const Collection collection = Collect(recording);
+  const CollectedAnswer* answer = FindAnswer(collection, "arp.exe -a");
+  ASSERT_NE(answer, nullptr);
+  EXPECT_EQ(answer->module, "Windows_Related_Info");
+  EXPECT_EQ(answer->commandLine, "/c arp.exe -a");
+  EXPECT_EQ(answer->exitCode, 3U);
+  EXPECT_TRUE(answer->output.SharesWith(recording.commands[0].standardOutput));
+  EXPECT_EQ(answer->file, "");
+}
+
+TEST(Collection, KeepsWhatAToolWroteIntoItsFile) {
+  const Recording recording = MakeTwoTools();
+  const Collection collection = Collect(recording);
+  const CollectedAnswer* answer = FindAnswer(collection, "route print");
+  ASSERT_NE(answer, nullptr);
+  EXPECT_EQ(answer->output, "");
+  EXPECT_EQ(answer->file, "C:\\Halyard\\logs\\route.txt");
+  EXPECT_TRUE(answer->fileText.SharesWith(recording.commands[1].standardOutput));
+  EXPECT_TRUE(collection.files.at(answer->file).SharesWith(answer->fileText));
+}
+
+TEST(Collection, HasNoExitCodeOfAToolThatCouldNotStart) {
+  Recording recording = MakeTwoTools();
+  recording.commands[0].startError = 5;
+  const Collection collection = Collect(recording);
+  const CollectedAnswer* answer = FindAnswer(collection, "arp.exe -a");
+  ASSERT_NE(answer, nullptr);
+  EXPECT_EQ(answer->exitCode, std::nullopt);
+  EXPECT_EQ(answer->output, "");
+}
+
+TEST(Collection, HidesAPasswordInTheCommandLinesThatItKeeps) {
+  const Recording recording = LoadRecording(test::SamplesFolder() + "/amt-desktop");
+  const Collection collection = Collect(recording);
+  const CollectedAnswer* answer = FindAnswer(collection, "amt_log.exe");
+  ASSERT_NE(answer, nullptr);
+  EXPECT_THAT(answer->commandLine, testing::HasSubstr(" ***>"));
+}
+
+TEST(Collection, OutlivesTheRecordingAndTheSource) {
+  std::optional<Recording> recording = LoadRecording(test::SamplesFolder() + "/two-socket-server");
+  const std::string trace = CollectTrace(*recording);
+  std::optional<Collection> collection;
+  {
+    RecordedSource source(*recording);
+    CollectionListener nobody;
+    collection = Collect(source, {{}, {"SENSORINFO"}}, nobody);
+  }
+  recording.reset();
+  ASSERT_THAT(collection->tables, SizeIs(1));
+  EXPECT_EQ(collection->tables[0].rows->rows.front().Values().front(), "CPU0 Temp        ");
+  EXPECT_FALSE(collection->files.empty());
+}
+
+TEST(Collection, KeepsTheLogOnlyWhenAsked) {
+  CollectionListener nobody;
+  EXPECT_THAT(Collect(MakeTwoTools(), {}, nobody, KeepLog::kNo).log, IsEmpty());
+  EXPECT_FALSE(Collect(MakeTwoTools(), {}, nobody, KeepLog::kYes).log.empty());
+}
+
+TEST(Collection, BeginsNothingWhenTheSelectionNamesNothingThatExists) {
+  struct Watcher : CollectionListener {
+    void Begin() override { hasBegun = true; }
+    bool hasBegun = false;
+  };
+  Watcher watcher;
+  EXPECT_THROW(Collect(MakeTwoTools(), {{}, {"NOTHING"}}, watcher), UsageError);
+  EXPECT_FALSE(watcher.hasBegun);
+}
+
+TEST(Collection, EndsWhenItsListenerSaysSo) {
+  struct Impatient : CollectionListener {
+    bool WantsEnd() override { return started > 0; }
+    void OnProcess(const std::string& /*application*/, const std::string& /*commandLine*/,
+                   bool /*inheritHandles*/, bool /*pipe*/) override {
+      ++started;
+    }
+    int started = 0;
+  };
+  Impatient listener;
+  const Collection collection = Collect(MakeTwoTools(), {{"Windows_Related_Info"}, {}}, listener);
+  EXPECT_THAT(collection.problems, ElementsAre(testing::HasSubstr("interrupted")));
+  EXPECT_EQ(collection.tables.at(1).status.outcome, "interrupted");
+}
+
+}  // namespace
+}  // namespace host
