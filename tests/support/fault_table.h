@@ -1,15 +1,16 @@
 // The fault table: every step of every module meets every fault.
 //
-// How to add a module: write tests/faults_<module>.cpp with one FaultScenario for each kind of
-// machine on which the module does something else, and register it there with a namespace-scope
-// `const test::FaultScenarioEntry kEntry{...}`. Its rows are the steps (command lines, and calls of
-// `system`) of a full run in their order; a missing or surplus row fails. For each fault that a row
-// states an outcome for, that is: the log lines that come in addition ("level text", in order; all
-// of them, for start, pipe, exit code and report faults), the steps that still follow when they are
-// not those of a full run, and how many handles more stay open. Without an outcome a fault adds no
-// line, leaves all later steps and leaves nothing open. `decides` marks a step whose output decides
-// what follows: then only the steps before it are compared where no `after` is stated.
-// A failed start has the system error 5, a failed pipe 1450, an unreadable exit code 6.
+// How to add a module: write tests/pqmodules/<module>/faults.cpp with one FaultScenario for each
+// kind of machine on which the module does something else, and register it there with a
+// namespace-scope `const test::FaultScenarioEntry kEntry{...}`. Its rows are the steps (command
+// lines, and calls of `system`) of a full run in their order; a missing or surplus row fails. For
+// each fault that a row states an outcome for, that is: the log lines that come in addition ("level
+// text", in order; all of them, for start, pipe, exit code and report faults), the steps that still
+// follow when they are not those of a full run, and how many handles more stay open. Without an
+// outcome a fault adds no line, leaves all later steps and leaves nothing open. `decides` marks a
+// step whose output decides what follows: then only the steps before it are compared where no
+// `after` is stated. A failed start has the system error 5, a failed pipe 1450, an unreadable exit
+// code 6.
 #pragma once
 
 #include <functional>

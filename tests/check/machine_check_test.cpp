@@ -1,8 +1,9 @@
+#include "host/check/machine_check.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
-#include "host/check/machine_check.h"
 #include "host/text/usage_error.h"
 #include "tests/support/host_run.h"
 

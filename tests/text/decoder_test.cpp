@@ -1,10 +1,10 @@
 // Bytes of a machine as UTF-8. The same expectations hold on every system.
 
+#include "host/text/decoder.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
-
-#include "host/text/decoder.h"
 
 namespace host {
 namespace {

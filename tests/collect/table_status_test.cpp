@@ -1,10 +1,11 @@
+#include "host/collect/table_status.h"
+
 #include <gtest/gtest.h>
 
 #include <set>
 
 #include "frame/add_modules.h"
 #include "host/catalogue/table_sources.h"
-#include "host/collect/table_status.h"
 
 namespace {
 

@@ -1,11 +1,12 @@
 // What counts as "could not be collected", and how it is told.
 
+#include "host/collect/failures.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
 
 #include "host/collect/command_text.h"
-#include "host/collect/failures.h"
 
 namespace host {
 namespace {

@@ -1,10 +1,11 @@
+#include "host/pqhost/options.h"
+
 #include <gmock/gmock.h>
 
 #include <string>
 #include <vector>
 
 #include "host/formats/formats.h"
-#include "host/pqhost/options.h"
 #include "host/text/usage_error.h"
 #include "host/text/version.h"
 

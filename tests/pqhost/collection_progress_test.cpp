@@ -1,9 +1,10 @@
+#include "host/pqhost/collection_progress.h"
+
 #include <gmock/gmock.h>
 
 #include <sstream>
 #include <string>
 
-#include "host/pqhost/collection_progress.h"
 #include "host/text/screen_text.h"
 
 namespace host {

@@ -1,10 +1,11 @@
+#include "host/formats/tables_document.h"
+
 #include <gtest/gtest.h>
 
 #include <fstream>
 #include <iterator>
 
 #include "host/check/dry_machine.h"
-#include "host/formats/tables_document.h"
 #include "tests/support/collected.h"
 
 namespace {

@@ -1,3 +1,5 @@
+#include "pqmodules/rsamplemodule2/intel_devices.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -8,7 +10,6 @@
 #include "host/logger/logger.h"
 #include "host/recorded/recorded_machine.h"
 #include "host/repository/store.h"
-#include "pqmodules/rsamplemodule2/intel_devices.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/log_lines.h"
 #include "tests/support/raid_tools.h"

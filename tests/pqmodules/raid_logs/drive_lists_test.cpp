@@ -1,10 +1,11 @@
+#include "pqmodules/rsamplemodule2/drive_lists.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
-#include "pqmodules/rsamplemodule2/drive_lists.h"
 #include "tests/support/raid_tools.h"
 
 namespace {

@@ -1,10 +1,11 @@
+#include "pqmodules/rsamplemodule1/lsi_summary.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
-#include "pqmodules/rsamplemodule1/lsi_summary.h"
 #include "tests/support/collected.h"
 #include "tests/support/raid_tools.h"
 

@@ -1,3 +1,5 @@
+#include "pqmodules/rsamplemodule1/intel_controller.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -6,7 +8,6 @@
 
 #include "frame/bound/machine_in_use.h"
 #include "host/recorded/recorded_machine.h"
-#include "pqmodules/rsamplemodule1/intel_controller.h"
 #include "tests/support/collected.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/log_lines.h"

@@ -1,7 +1,8 @@
+#include "host/formats/database.h"
+
 #include <gtest/gtest.h>
 
 #include "frame/halyard/repository.h"
-#include "host/formats/database.h"
 
 namespace {
 

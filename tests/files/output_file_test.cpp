@@ -1,8 +1,9 @@
+#include "host/files/output_file.h"
+
 #include <gmock/gmock.h>
 
 #include <string>
 
-#include "host/files/output_file.h"
 #include "host/text/usage_error.h"
 #include "tests/support/temporary_folder.h"
 

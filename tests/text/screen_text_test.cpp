@@ -1,8 +1,8 @@
+#include "host/text/screen_text.h"
+
 #include <gmock/gmock.h>
 
 #include <string>
-
-#include "host/text/screen_text.h"
 
 namespace host {
 namespace {

@@ -1,3 +1,5 @@
+#include "pqmodules/rsamplemodule2/event_log.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -9,7 +11,6 @@
 
 #include "frame/bound/machine_in_use.h"
 #include "host/recorded/recorded_machine.h"
-#include "pqmodules/rsamplemodule2/event_log.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/log_lines.h"
 #include "tests/support/raid_tools.h"

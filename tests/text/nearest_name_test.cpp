@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
-
 #include "host/text/nearest_name.h"
+
+#include <gtest/gtest.h>
 
 namespace host {
 namespace {

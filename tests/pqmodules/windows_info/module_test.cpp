@@ -1,5 +1,3 @@
-#include "pqmodules/rwininfo.h"
-
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -9,6 +7,7 @@
 #include "frame/bound/machine_in_use.h"
 #include "host/recorded/recorded_machine.h"
 #include "host/recording/recording_file.h"
+#include "pqmodules/rwininfo.h"
 #include "tests/support/collected.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/log_lines.h"
