@@ -9,13 +9,12 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <fstream>
 #include <nlohmann/json.hpp>
 #include <system_error>
 #include <utility>
 #include <vector>
 
-#include "host/files/output_file.h"
+#include "host/files/whole_file.h"
 #include "host/recorded/interpreter.h"
 #include "host/recorded/machine_files.h"
 #include "host/recording/recording_file.h"
@@ -104,17 +103,7 @@ class RecordingWriter {
 
   /// `name` has only characters that every system takes, and "/".
   void WriteFile(const std::string& name, const std::string& bytes) {
-    const std::filesystem::path path = folder / name;
-    std::error_code failure;
-    std::filesystem::create_directories(path.parent_path(), failure);
-    errno = 0;
-    std::ofstream file(path, std::ios::binary);
-    file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    file.close();
-    if (!file) {
-      const std::string why = ExplainUnwritable(path);
-      throw std::runtime_error(fmt::format("cannot write {}: {}", PathText(path), why));
-    }
+    WriteWholeFile(folder / name, bytes);
     manifest += fmt::format("{}  {}\n", sha256(bytes), name);
   }
 
