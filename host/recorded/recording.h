@@ -1,5 +1,5 @@
 // What a recording says about a machine: what its tools print and which files lie on it. Plain
-// data; the file format is host/recording/recording_file.h's.
+// data; host/recording knows it as files.
 #pragma once
 
 #include <cstdint>

@@ -1,10 +1,4 @@
-// Writing a recording:
-//
-//   recording.json
-//   commands/001_storcli_c0_show.txt   what the first command wrote to standard output
-//   commands/001_storcli_c0_show.err   what it wrote to standard error
-//   files/001_hosts                    a file of the machine
-//   manifest.sha256                    the digests of all of them
+#include "host/recording/recording_writer.h"
 
 #include <fmt/format.h>
 
@@ -17,7 +11,7 @@
 #include "host/files/whole_file.h"
 #include "host/recorded/interpreter.h"
 #include "host/recorded/machine_files.h"
-#include "host/recording/recording_file.h"
+#include "host/recording/recording_format.h"
 #include "host/text/json_text.h"
 #include "host/text/path_text.h"
 #include "host/text/usage_error.h"
