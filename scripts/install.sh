@@ -14,6 +14,7 @@ if [[ ${1:-build} == test ]]; then
     clang libclang-rt-14-dev                      # fuzz targets
     clang-format clang-tidy
     libbenchmark-dev
+    valgrind                                      # counts instructions in a test
     python3 python3-jsonschema                    # lint cache, JSON schema
     locales                                       # a machine that is not English, under Wine
     chromium                                      # what reads the HTML report in a test
