@@ -23,8 +23,8 @@ using Json = nlohmann::ordered_json;
 
 constexpr std::size_t kNameLimit = 40;
 
-/// `text` as part of a file name on any system.
-std::string NamePart(std::string_view text) {
+/// `text` as part of a file name that every system takes.
+std::string MakeNamePart(std::string_view text) {
   std::string name;
   for (const char c : text) {
     const bool isPlain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
@@ -62,7 +62,7 @@ class RecordingWriter {
     all["files"] = Json::object();
     for (const auto& [path, bytes] : recording.files) {
       const std::string name =
-          fmt::format("files/{:03}_{}", all["files"].size() + 1, NamePart(FileNameOf(path)));
+          fmt::format("files/{:03}_{}", all["files"].size() + 1, MakeNamePart(FileNameOf(path)));
       WriteFile(name, bytes);
       all["files"][ByteText(path)] = name;
     }
@@ -76,8 +76,9 @@ class RecordingWriter {
   Json WriteCommand(const RecordedCommand& command, std::size_t number) {
     Json entry{{"tool", ByteText(command.tool)}};
     if (!command.arguments.empty()) entry["arguments"] = ByteText(command.arguments);
-    const std::string name = fmt::format(
-        "commands/{:03}_{}", number, NamePart(ToolName(command.tool) + " " + command.arguments));
+    const std::string name =
+        fmt::format("commands/{:03}_{}", number,
+                    MakeNamePart(ToolName(command.tool) + " " + command.arguments));
     if (!command.standardOutput.empty()) {
       entry["stdout"] = name + ".txt";
       WriteFile(name + ".txt", command.standardOutput);
@@ -95,7 +96,7 @@ class RecordingWriter {
     return entry;
   }
 
-  /// `name` has only characters that every system takes, and "/".
+  /// `name` has a "/" after each folder.
   void WriteFile(const std::string& name, const std::string& bytes) {
     WriteWholeFile(folder / name, bytes);
     manifest += fmt::format("{}  {}\n", sha256(bytes), name);
