@@ -14,7 +14,7 @@
 #include <string_view>
 
 #include "host/recorded/recorded_machine.h"
-#include "host/recording/recording_file.h"
+#include "host/recording/recording_reader.h"
 
 namespace {
 

@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(
   g++ cmake ninja-build ccache                    # native build
   g++-mingw-w64-x86-64-posix wine wine64          # Windows build and where it runs
-  libboost-dev libcli11-dev nlohmann-json3-dev libfmt-dev libsqlite3-dev libssl-dev
+  libboost-dev libcli11-dev nlohmann-json3-dev libfmt-dev libsqlite3-dev nettle-dev
   googletest
 )
 if [[ ${1:-build} == test ]]; then
@@ -14,6 +14,7 @@ if [[ ${1:-build} == test ]]; then
     clang libclang-rt-14-dev                      # fuzz targets
     clang-format clang-tidy
     libbenchmark-dev
+    valgrind                                      # counts instructions in a test
     python3 python3-jsonschema                    # lint cache, JSON schema
     locales                                       # a machine that is not English, under Wine
     chromium                                      # what reads the HTML report in a test

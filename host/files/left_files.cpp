@@ -3,13 +3,12 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <fstream>
 #include <optional>
+#include <stdexcept>
 #include <string_view>
 #include <system_error>
 
-#include "host/files/output_file.h"
+#include "host/files/whole_file.h"
 #include "host/text/ascii.h"
 #include "host/text/path_text.h"
 #include "host/text/usage_error.h"
@@ -19,17 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// With single backslashes and in small letters: equal for equal files.
-std::string Normal(std::string_view path) {
-  std::string normal;
-  for (const char c : path) {
-    if (c == '\\' && normal.ends_with('\\')) continue;
-    normal += LowerCase(c);
-  }
-  return normal;
-}
-
-std::string WithSingleBackslashes(std::string_view path) {
+std::string SingleBackslashes(std::string_view path) {
   std::string single;
   for (const char c : path) {
     if (c != '\\' || !single.ends_with('\\')) single += c;
@@ -37,13 +26,13 @@ std::string WithSingleBackslashes(std::string_view path) {
   return single;
 }
 
-/// What stands behind `folder` in `path`; none when it does not lie there.
-std::optional<std::string> PathBelow(const std::string& path, const std::string& folder) {
-  std::string start = Normal(folder);
+/// The part of `path` after `folder`; none when it is not in there. Case makes no difference.
+std::optional<std::string> FindPathBelow(std::string_view path, std::string_view folder) {
+  std::string start = SingleBackslashes(folder);
   if (!start.ends_with('\\')) start += '\\';
-  const std::string normal = Normal(path);
-  if (!normal.starts_with(start)) return std::nullopt;
-  return WithSingleBackslashes(path).substr(start.size());
+  const std::string single = SingleBackslashes(path);
+  if (!LowerCase(single).starts_with(LowerCase(start))) return std::nullopt;
+  return single.substr(start.size());
 }
 
 /// A name that means the same thing on every file system, and nothing outside the folder.
@@ -56,26 +45,16 @@ bool IsPlainName(std::string_view name) {
 }
 
 /// The path of a file below `target`; empty when a part of its name cannot be used.
-fs::path PathIn(const fs::path& target, std::string_view below) {
+fs::path MakePath(const fs::path& target, std::string_view below) {
   fs::path path = target;
   while (true) {
     const std::size_t end = std::min(below.find('\\'), below.size());
     const std::string_view name = below.substr(0, end);
     if (!IsPlainName(name)) return {};
-    path /= fs::path(std::u8string(name.begin(), name.end()));
+    path /= PathFromText(name);
     if (end == below.size()) return path;
     below.remove_prefix(end + 1);
   }
-}
-
-bool WriteFile(const fs::path& path, const std::string& content) {
-  std::error_code ignored;
-  fs::create_directories(path.parent_path(), ignored);
-  errno = 0;
-  std::ofstream file(path, std::ios::binary);
-  file.write(content.data(), static_cast<std::streamsize>(content.size()));
-  file.close();
-  return !file.fail();
 }
 
 }  // namespace
@@ -93,17 +72,19 @@ LeftFiles WriteLeftFiles(const std::map<std::string, Bytes>& files, const std::s
                          const TextDecoder& decode, const fs::path& target) {
   LeftFiles left;
   for (const auto& [path, content] : files) {
-    const std::optional<std::string> below = PathBelow(path, logFolder);
+    const std::optional<std::string> below = FindPathBelow(path, logFolder);
     if (!below) continue;
     const std::string name = decode(*below);
-    const fs::path file = PathIn(target, name);
+    const fs::path file = MakePath(target, name);
     if (file.empty()) {
       left.problems.push_back(fmt::format("not written: {}: no name for a file here", name));
-    } else if (WriteFile(file, content)) {
+      continue;
+    }
+    try {
+      WriteWholeFile(file, content);
       ++left.written;
-    } else {
-      const std::string why = ExplainUnwritable(file);
-      left.problems.push_back(fmt::format("cannot write {}: {}", PathText(file), why));
+    } catch (const std::runtime_error& problem) {
+      left.problems.emplace_back(problem.what());
     }
   }
   return left;

@@ -3,29 +3,17 @@
 #include <fmt/format.h>
 
 #include <cerrno>
-#include <cstring>
 #include <random>
-#include <string>
+#include <stdexcept>
 #include <system_error>
 #include <utility>
 
-#include "host/text/path_text.h"
+#include "host/files/whole_file.h"
 #include "host/text/usage_error.h"
 
 namespace host {
 
 namespace fs = std::filesystem;
-
-std::string ExplainUnwritable(const fs::path& path) {
-  const int why = errno;
-  std::error_code ignored;
-  if (fs::is_directory(path, ignored)) return "it is a folder";
-  const fs::path folder = path.parent_path();
-  if (!folder.empty() && !fs::exists(folder, ignored)) {
-    return fmt::format("the folder {} does not exist", PathText(folder));
-  }
-  return why == 0 ? "the system gives no reason" : std::strerror(why);
-}
 
 OutputFile::OutputFile(fs::path path) : path(std::move(path)), target(this->path) {
   std::error_code ignored;
@@ -36,13 +24,9 @@ OutputFile::OutputFile(fs::path path) : path(std::move(path)), target(this->path
     partial = target;
     partial += fmt::format(".{:08x}.part", std::random_device{}());
   }
-  if (!Open()) {
-    const std::string why = ExplainUnwritable(target);
-    throw UsageError(fmt::format("cannot write {}: {}", PathText(this->path), why));
-  }
+  if (!Open()) throw UsageError(DescribeUnwritable(this->path));
   if (partial.empty()) return;
-  // It can be written, which is all that is to be known for now. The tools that run before there is
-  // something to write are not to inherit it: what one of them left behind would keep it open.
+  // Only a probe. Close it: a tool's child could inherit the handle and block the rename.
   stream.close();
   fs::remove(partial, ignored);
 }
@@ -54,10 +38,7 @@ bool OutputFile::Open() {
 }
 
 std::ostream& OutputFile::Stream() {
-  if (!stream.is_open() && !Open()) {
-    const std::string why = ExplainUnwritable(target);
-    throw std::runtime_error(fmt::format("cannot write {}: {}", PathText(path), why));
-  }
+  if (!stream.is_open() && !Open()) throw std::runtime_error(DescribeUnwritable(path));
   return stream;
 }
 
@@ -72,15 +53,10 @@ void OutputFile::Complete() {
   Stream();  // also of a result without a byte
   errno = 0;
   stream.close();
-  if (!stream) {
-    const std::string why = ExplainUnwritable(target);
-    throw std::runtime_error(fmt::format("cannot write {}: {}", PathText(path), why));
-  }
+  if (!stream) throw std::runtime_error(DescribeUnwritable(path));
   std::error_code error;
   if (!partial.empty()) fs::rename(partial, target, error);
-  if (error) {
-    throw std::runtime_error(fmt::format("cannot write {}: {}", PathText(path), error.message()));
-  }
+  if (error) throw std::runtime_error(DescribeUnwritable(path, error.message()));
   complete = true;
 }
 

@@ -8,9 +8,8 @@
 namespace host {
 
 /// Written beside its final place and renamed when it is complete; an interrupted or failed run
-/// leaves what stood there before. Until something is written, nothing is there and nothing open.
-/// What is no file, such as a device or a named pipe, is written to
-/// directly.
+/// leaves what was there before. Until something is written, there is no file and nothing open. A
+/// device or a named pipe is written to directly.
 class OutputFile {
  public:
   /// Throws UsageError when it cannot be created.
@@ -30,13 +29,10 @@ class OutputFile {
   bool Open();
 
   std::filesystem::path path;     ///< as given
-  std::filesystem::path target;   ///< behind the links that lead there
+  std::filesystem::path target;   ///< where the links of `path` lead
   std::filesystem::path partial;  ///< empty when written to directly
   std::ofstream stream;
   bool complete = false;
 };
-
-/// Why `path` cannot be created or written, in a few words. Call it at once after the failure.
-std::string ExplainUnwritable(const std::filesystem::path& path);
 
 }  // namespace host

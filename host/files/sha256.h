@@ -1,4 +1,4 @@
-// SHA-256, by the system's cryptography library.
+// SHA-256, by a cryptography library.
 #pragma once
 
 #include <string>

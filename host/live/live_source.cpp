@@ -6,7 +6,7 @@
 #include "host/files/sha256.h"
 #include "host/recorded/interpreter.h"
 #include "host/recorded/own_commands.h"
-#include "host/recording/recording_file.h"
+#include "host/recording/recording_writer.h"
 #include "host/secrets/amt_login.h"
 
 namespace host {

@@ -6,7 +6,7 @@
 #include "host/live/live.h"
 #include "host/pqhost/commands/commands.h"
 #include "host/pqhost/options.h"
-#include "host/recording/recording_file.h"
+#include "host/recording/recording_reader.h"
 #include "host/text/screen_text.h"
 #include "host/text/usage_error.h"
 

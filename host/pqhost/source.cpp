@@ -8,7 +8,7 @@
 #include "host/collect/recorded_source.h"
 #include "host/files/left_files.h"
 #include "host/live/live_source.h"
-#include "host/recording/recording_file.h"
+#include "host/recording/recording_reader.h"
 #include "host/text/decoder.h"
 #include "host/text/path_text.h"
 

@@ -133,15 +133,22 @@ Pipeline ParseCommandLine(std::string_view commandLine, const ProgramTest& isPro
   return ParseCommand(ApplyQuoteRule(text, isProgram));
 }
 
+std::string FindOutputFile(const Stage& stage) {
+  std::string file;
+  for (const Redirection& redirection : stage.redirections) {
+    const bool isOutput = redirection.kind != Redirection::Kind::kRead && redirection.handle == 1;
+    if (isOutput) file = redirection.target;
+  }
+  return LowerCase(file.substr(file.rfind('\\') + 1)) == "nul" ? "" : file;
+}
+
 std::string FindOutputFile(const Pipeline& pipeline) {
   std::string file;
   for (const Stage& stage : pipeline.stages) {
-    for (const Redirection& redirection : stage.redirections) {
-      const bool isOutput = redirection.kind != Redirection::Kind::kRead && redirection.handle == 1;
-      if (isOutput) file = redirection.target;
-    }
+    std::string own = FindOutputFile(stage);
+    if (!own.empty()) file = std::move(own);
   }
-  return LowerCase(file.substr(file.rfind('\\') + 1)) == "nul" ? "" : file;
+  return file;
 }
 
 std::string ToolName(std::string_view program) {

@@ -53,8 +53,9 @@ Pipeline ParseCommand(std::string_view command);
 /// Both of the above for a whole command line, with its "/c ".
 Pipeline ParseCommandLine(std::string_view commandLine, const ProgramTest& isProgram);
 
-/// The file that the pipeline's standard output goes to: that of its last command which has one.
-/// Empty when it goes to none, or to the null device.
+/// The file that standard output goes to; empty when there is none, or it is the null device.
+std::string FindOutputFile(const Stage& stage);
+/// That of the last command which has one.
 std::string FindOutputFile(const Pipeline& pipeline);
 
 /// File name of a program as it stands on a line: without folder, quotes and ".exe", in lower case.

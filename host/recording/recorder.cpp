@@ -12,19 +12,19 @@
 namespace host {
 namespace {
 
-/// How many words of a login stand before the password.
+/// The words of a login before its password: address and user.
 constexpr std::size_t kWordsBeforePassword = 2;
 constexpr std::string_view kBlanks = " \r\n";
 
-std::string FullPath(const std::string& path) {
+std::string MakeFullPath(const std::string& path) {
   Recording nothing;
   return MachineFiles(nothing).FullPath(path);
 }
 
-/// As recorded paths are told apart.
-std::string KeyOf(const std::string& path) { return LowerCase(FullPath(path)); }
+/// Equal for two paths of one file.
+std::string MakeKey(const std::string& path) { return LowerCase(MakeFullPath(path)); }
 
-std::string WithoutQuotes(std::string text) {
+std::string RemoveQuotes(std::string text) {
   std::erase(text, '"');
   return text;
 }
@@ -39,17 +39,6 @@ std::vector<std::string_view> SplitLines(std::string_view text) {
   return lines;
 }
 
-/// The file that standard output goes to; empty when it goes to none, or to the null device.
-std::string OutputFileOf(const Stage& stage) {
-  std::string target;
-  for (const Redirection& redirection : stage.redirections) {
-    if (redirection.kind != Redirection::Kind::kRead && redirection.handle == 1) {
-      target = redirection.target;
-    }
-  }
-  return LowerCase(FileNameOf(target)) == "nul" ? "" : target;
-}
-
 }  // namespace
 
 Recorder::Recorder(Recording facts, MachineView& machine)
@@ -59,7 +48,7 @@ void Recorder::BeginRun(const std::string& commandLine, bool isPiped) {
   CloseRun();
   std::optional<AmtLogin> login = FindAmtLogin(commandLine);
   if (login) MarkLoginLine();
-  // A password may hold what the interpreter would take for a redirection, so it goes first.
+  // A password may contain signs that the interpreter takes for a redirection. Hide it first.
   const Pipeline pipeline = ParseCommandLine(HidePassword(commandLine), [&](std::string_view path) {
     return machine.HasProgram(std::string(path));
   });
@@ -71,13 +60,13 @@ void Recorder::BeginRun(const std::string& commandLine, bool isPiped) {
   for (auto stage = pipeline.stages.begin() + 1; stage != pipeline.stages.end(); ++stage) {
     run->filters.push_back(FindstrTexts(stage->arguments));
   }
-  const std::string program = WithoutQuotes(run->stage.program);
+  const std::string program = RemoveQuotes(run->stage.program);
   run->command.tool = FileNameOf(program);
   run->command.arguments = run->stage.arguments;
   if (ToolName(program) == "copy") KeepCopied(run->stage.arguments);
 }
 
-/// The line that was typed last is the one that the login came from.
+/// A login comes from the line that was typed last.
 void Recorder::MarkLoginLine() {
   const std::vector<std::string_view> lines = SplitLines(typed);
   if (!lines.empty()) loginLines.insert(lines.size() - 1);
@@ -91,16 +80,16 @@ void Recorder::KeepCopied(const std::string& arguments) {
 }
 
 void Recorder::KeepOpened(const std::string& path) {
-  // What lies in the log folder was written there by a command that is recorded itself.
-  if (!KeyOf(path).starts_with(LowerCase(recording.logFolder))) KeepFile(path);
+  // A file in the log folder comes from a command, and that is recorded itself.
+  if (!MakeKey(path).starts_with(LowerCase(recording.logFolder))) KeepFile(path);
 }
 
 void Recorder::KeepFile(const std::string& path) {
-  if (knownFiles.contains(KeyOf(path))) return;
+  if (knownFiles.contains(MakeKey(path))) return;
   std::optional<std::string> bytes = machine.ReadFile(path);
   if (!bytes) return;
-  knownFiles.insert(KeyOf(path));
-  recording.files[FullPath(path)] = std::move(*bytes);
+  knownFiles.insert(MakeKey(path));
+  recording.files[MakeFullPath(path)] = std::move(*bytes);
 }
 
 void Recorder::FailRun(std::uint32_t error) {
@@ -115,34 +104,34 @@ void Recorder::AddOutput(std::string_view bytes) {
 }
 
 void Recorder::EndRun(std::uint32_t exitCode) {
-  // The exit code of a pipeline is that of its last filter, which works it out again.
+  // A pipeline ends with the exit code of its last filter. A replay runs the filter again.
   if (run && run->filters.empty()) run->command.exitCode = exitCode;
   CloseRun();
 }
 
-/// Keeps the answer to the run, unless it goes without saying.
+/// Keeps the answer, unless a replay would give it without an entry.
 void Recorder::CloseRun() {
   if (!run) return;
   TakeOutput();
-  if (IsForeignProgram()) recording.commands.push_back(std::move(run->command));
+  if (NeedsEntry()) recording.commands.push_back(std::move(run->command));
   run.reset();
 }
 
-/// Moves what the tool wrote to the place that it came from.
+/// Undoes redirection and filters: the entry has to say what the tool itself wrote.
 void Recorder::TakeOutput() {
   Bytes& output = run->command.standardOutput;
-  if (const std::string target = OutputFileOf(run->stage); !target.empty()) {
+  if (const std::string target = FindOutputFile(run->stage); !target.empty()) {
     const bool isOwn = IsOwnCommand(run->stage.program);
     std::optional<std::string> written = isOwn ? std::string() : machine.ReadFile(target);
-    knownFiles.insert(KeyOf(target));
+    knownFiles.insert(MakeKey(target));
     if (written) {
       output = std::move(*written);
-    } else if (readOnly.insert(KeyOf(target)).second) {
+    } else if (readOnly.insert(MakeKey(target)).second) {
       recording.readOnly.push_back(target);
     }
   }
   if (!run->filters.empty()) {
-    // Only what a filter lets through comes from standard output; the rest went past it.
+    // A line that the filters drop was still read here, so it came from standard error.
     Bytes passed;
     for (const std::string_view line : SplitLines(output)) {
       const bool passes = std::all_of(
@@ -155,19 +144,19 @@ void Recorder::TakeOutput() {
   if (run->login) output = HidePassword(output.Text(), *run->login);
 }
 
-/// Whether an entry has to answer for the run: not for the interpreter's own commands, nor for a
-/// program that is missing, unless the interpreter says so in words of another language.
-bool Recorder::IsForeignProgram() const {
+/// Whether the run needs an entry. The interpreter's own commands need none. A missing program
+/// needs one only if this interpreter says so in other words than a replay would.
+bool Recorder::NeedsEntry() const {
   const std::string& program = run->stage.program;
   if (IsOwnCommand(program) || ToolName(program).empty()) return false;
-  if (machine.HasProgram(WithoutQuotes(program))) return true;
+  if (machine.HasProgram(RemoveQuotes(program))) return true;
   const RecordedCommand& command = run->command;
   const std::string written = command.standardOutput.Text() + command.standardError.Text();
   return run->isPiped && written != NotRecognized(program);
 }
 
-/// What the operator typed. A line that was refused may hold a password at any place, and only its
-/// length and its blanks matter.
+/// What the operator typed, without passwords. A refused line may contain one anywhere, so only its
+/// length and its blanks are kept.
 std::string Recorder::HideLines() const {
   std::string hidden;
   const std::vector<std::string_view> lines = SplitLines(typed);
@@ -185,8 +174,7 @@ std::string Recorder::HideLines() const {
   return hidden;
 }
 
-/// The last answer of a command is given from then on, so it need not stand there again. An earlier
-/// one has to: it is the count of answers that tells when the next one comes.
+/// A replay repeats the last answer, so trailing duplicates go; earlier ones count turns.
 void Recorder::DropRepeatedEnds() {
   std::vector<RecordedCommand>& commands = recording.commands;
   std::map<std::pair<std::string, std::string>, std::vector<std::size_t>> answers;

@@ -18,31 +18,31 @@ namespace host {
 class MachineView {
  public:
   virtual ~MachineView() = default;
-  /// The bytes of a file; nothing when there is none of that name, or only a folder.
+  /// The bytes of a file; none when there is no such file, or it is a folder.
   virtual std::optional<std::string> ReadFile(const std::string& path) = 0;
   /// The paths of the files right in `folder`.
   virtual std::vector<std::string> ListFiles(const std::string& folder) = 0;
   virtual bool HasProgram(const std::string& program) = 0;
 };
 
-/// A run from its start until the next one, or until its process was awaited.
+/// A run of the interpreter, until its process was awaited or the next one starts.
 struct RecordedRun {
-  Stage stage;  ///< the first of the pipeline: the others filter what it writes
-  std::vector<std::vector<std::string>> filters;
+  Stage stage;                                    ///< the first of the pipeline
+  std::vector<std::vector<std::string>> filters;  ///< the texts of each further stage, a findstr
   bool isPiped = false;
-  std::optional<AmtLogin> login;  ///< that the tool was given
+  std::optional<AmtLogin> login;  ///< given to the tool
   RecordedCommand command;
 };
 
-/// Told of everything in the order in which it happens. A password that the operator types is in
-/// nothing that Take() answers: kHiddenPassword stands for it.
+/// Is told of everything in the order in which it happens. In what Take() returns, kHiddenPassword
+/// replaces each password that the operator typed.
 class Recorder {
  public:
   /// `facts` is the recording without what is recorded; `machine` must outlive this object.
   Recorder(Recording facts, MachineView& machine);
 
   /// The interpreter is about to be started for `commandLine`, which begins with "/c ". `isPiped`:
-  /// what the tool writes comes through a pipe.
+  /// the tool's output comes through a pipe.
   void BeginRun(const std::string& commandLine, bool isPiped);
   /// It could not be started.
   void FailRun(std::uint32_t error);
@@ -51,14 +51,14 @@ class Recorder {
   /// The process was awaited.
   void EndRun(std::uint32_t exitCode);
 
-  /// The file or folder `path` exists, as a module found out.
+  /// A module found that the file or folder `path` exists.
   void KeepTested(const std::string& path) { KeepFile(path); }
   /// A module is about to open `path`.
   void KeepOpened(const std::string& path);
   /// The operator typed this.
   void AddTyped(std::string_view bytes) { typed += bytes; }
 
-  /// What was recorded; the recorder is empty afterwards.
+  /// Returns the recording and leaves the recorder empty.
   Recording Take();
 
  private:
@@ -67,7 +67,7 @@ class Recorder {
   void KeepFile(const std::string& path);
   void CloseRun();
   void TakeOutput();
-  bool IsForeignProgram() const;
+  bool NeedsEntry() const;
   void DropRepeatedEnds();
   std::string HideLines() const;
 
@@ -75,9 +75,9 @@ class Recorder {
   MachineView& machine;
   std::optional<RecordedRun> run;
   std::string typed;
-  std::set<std::size_t> loginLines;  ///< those of `typed` that a password came from
-  std::set<std::string> knownFiles;  ///< lower-case full paths of kept and of written files
-  std::set<std::string> readOnly;    ///< the same of files that could not be written
+  std::set<std::size_t> loginLines;  ///< lines of `typed` with a password that was used
+  std::set<std::string> knownFiles;  ///< keys of files that were kept, or written by a command
+  std::set<std::string> readOnly;    ///< keys of files that could not be written
 };
 
 }  // namespace host

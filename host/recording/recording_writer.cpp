@@ -1,24 +1,17 @@
-// Writing a recording:
-//
-//   recording.json
-//   commands/001_storcli_c0_show.txt   what the first command wrote to standard output
-//   commands/001_storcli_c0_show.err   what it wrote to standard error
-//   files/001_hosts                    a file of the machine
-//   manifest.sha256                    the digests of all of them
+#include "host/recording/recording_writer.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <fstream>
 #include <nlohmann/json.hpp>
 #include <system_error>
 #include <utility>
 #include <vector>
 
-#include "host/files/output_file.h"
+#include "host/files/whole_file.h"
 #include "host/recorded/interpreter.h"
 #include "host/recorded/machine_files.h"
-#include "host/recording/recording_file.h"
+#include "host/recording/recording_format.h"
 #include "host/text/json_text.h"
 #include "host/text/path_text.h"
 #include "host/text/usage_error.h"
@@ -30,8 +23,8 @@ using Json = nlohmann::ordered_json;
 
 constexpr std::size_t kNameLimit = 40;
 
-/// `text` as part of a file name on any system.
-std::string NamePart(std::string_view text) {
+/// `text` as part of a file name that every system takes.
+std::string MakeNamePart(std::string_view text) {
   std::string name;
   for (const char c : text) {
     const bool isPlain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
@@ -69,7 +62,7 @@ class RecordingWriter {
     all["files"] = Json::object();
     for (const auto& [path, bytes] : recording.files) {
       const std::string name =
-          fmt::format("files/{:03}_{}", all["files"].size() + 1, NamePart(FileNameOf(path)));
+          fmt::format("files/{:03}_{}", all["files"].size() + 1, MakeNamePart(FileNameOf(path)));
       WriteFile(name, bytes);
       all["files"][ByteText(path)] = name;
     }
@@ -83,8 +76,9 @@ class RecordingWriter {
   Json WriteCommand(const RecordedCommand& command, std::size_t number) {
     Json entry{{"tool", ByteText(command.tool)}};
     if (!command.arguments.empty()) entry["arguments"] = ByteText(command.arguments);
-    const std::string name = fmt::format(
-        "commands/{:03}_{}", number, NamePart(ToolName(command.tool) + " " + command.arguments));
+    const std::string name =
+        fmt::format("commands/{:03}_{}", number,
+                    MakeNamePart(ToolName(command.tool) + " " + command.arguments));
     if (!command.standardOutput.empty()) {
       entry["stdout"] = name + ".txt";
       WriteFile(name + ".txt", command.standardOutput);
@@ -102,19 +96,9 @@ class RecordingWriter {
     return entry;
   }
 
-  /// `name` has only characters that every system takes, and "/".
+  /// `name` has a "/" after each folder.
   void WriteFile(const std::string& name, const std::string& bytes) {
-    const std::filesystem::path path = folder / name;
-    std::error_code failure;
-    std::filesystem::create_directories(path.parent_path(), failure);
-    errno = 0;
-    std::ofstream file(path, std::ios::binary);
-    file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    file.close();
-    if (!file) {
-      const std::string why = ExplainUnwritable(path);
-      throw std::runtime_error(fmt::format("cannot write {}: {}", PathText(path), why));
-    }
+    WriteWholeFile(folder / name, bytes);
     manifest += fmt::format("{}  {}\n", sha256(bytes), name);
   }
 

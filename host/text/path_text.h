@@ -7,7 +7,8 @@
 
 namespace host {
 
-/// The path as UTF-8, for messages.
+/// The path as one line of UTF-8, for messages: what a terminal would obey, and all that is beyond
+/// ASCII in a path that is not UTF-8, becomes "?".
 std::string PathText(const std::filesystem::path& path);
 
 /// The path that a UTF-8 text names.

@@ -15,7 +15,7 @@
 
 #include "host/collect/recorded_source.h"
 #include "host/collect/trace.h"
-#include "host/recording/recording_file.h"
+#include "host/recording/recording_reader.h"
 #include "host/text/usage_error.h"
 #include "tests/support/collected.h"
 #include "tests/support/samples.h"

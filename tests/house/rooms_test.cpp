@@ -57,7 +57,7 @@ constexpr Library kLibraries[] = {
     {"<sqlite3", "formats"},
     {"<CLI/", "pqhost/commands"},
     {"<nlohmann/", "text recording formats"},
-    {"<openssl/", "files/posix"},
+    {"<nettle/", "files/posix"},
     {"<libpq", ""},
     // Results and messages go to the streams that a program hands in.
     {"<iostream>", "pqhost/main"},

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "frame/add_modules.h"
-#include "host/recording/recording_file.h"
+#include "host/recording/recording_reader.h"
 #include "tests/support/collected.h"
 
 namespace test {

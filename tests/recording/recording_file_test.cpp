@@ -1,10 +1,9 @@
-#include "host/recording/recording_file.h"
-
 #include <gmock/gmock.h>
 
 #include <set>
 
 #include "host/recorded/recorded_machine.h"
+#include "host/recording/recording_reader.h"
 #include "tests/support/collected.h"
 #include "tests/support/temporary_folder.h"
 

@@ -1,6 +1,8 @@
+#include "host/recording/recording_writer.h"
+
 #include <gmock/gmock.h>
 
-#include "host/recording/recording_file.h"
+#include "host/recording/recording_reader.h"
 #include "host/text/usage_error.h"
 #include "tests/support/temporary_folder.h"
 

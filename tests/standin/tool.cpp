@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "host/recorded/interpreter.h"
-#include "host/recording/recording_file.h"
+#include "host/recording/recording_reader.h"
 #include "tests/standin/console_bytes.h"
 
 namespace test {

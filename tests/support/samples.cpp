@@ -5,7 +5,7 @@
 
 #include "host/collect/collect.h"
 #include "host/collect/trace.h"
-#include "host/recording/recording_file.h"
+#include "host/recording/recording_reader.h"
 #include "tests/support/collected.h"
 
 namespace test {

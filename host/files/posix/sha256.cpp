@@ -1,22 +1,21 @@
 #include "host/files/sha256.h"
 
-#include <openssl/evp.h>
+#include <nettle/sha2.h>
 
 #include <array>
-#include <stdexcept>
+#include <cstdint>
 
 #include "host/text/hex_text.h"
 
 namespace host {
 
 std::string ComputeSha256(std::string_view bytes) {
-  std::array<char, EVP_MAX_MD_SIZE> digest{};
-  unsigned size = 0;
-  const int isDone =
-      EVP_Digest(bytes.data(), bytes.size(), reinterpret_cast<unsigned char*>(digest.data()), &size,
-                 EVP_sha256(), nullptr);
-  if (isDone != 1) throw std::runtime_error("libcrypto cannot compute SHA-256");
-  return HexText({digest.data(), size});
+  sha256_ctx context;
+  sha256_init(&context);
+  sha256_update(&context, bytes.size(), reinterpret_cast<const std::uint8_t*>(bytes.data()));
+  std::array<char, SHA256_DIGEST_SIZE> digest{};
+  sha256_digest(&context, digest.size(), reinterpret_cast<std::uint8_t*>(digest.data()));
+  return HexText({digest.data(), digest.size()});
 }
 
 }  // namespace host

@@ -10,7 +10,7 @@
 #include "host/live/live.h"
 #include "host/pqhost/commands/commands.h"
 #include "host/recorded/interpreter.h"
-#include "host/recording/recording_file.h"
+#include "host/recording/recording_reader.h"
 #include "host/text/decoder.h"
 #include "host/text/screen_text.h"
 

@@ -10,11 +10,11 @@
 
 #include "host/collect/trace.h"
 #include "host/files/output_file.h"
+#include "host/files/whole_file.h"
 #include "host/formats/formats.h"
 #include "host/pqhost/commands/commands.h"
 #include "host/pqhost/gather.h"
 #include "host/text/json_text.h"
-#include "host/text/path_text.h"
 #include "host/text/screen_text.h"
 #include "host/text/usage_error.h"
 
@@ -40,19 +40,14 @@ class TraceOutput {
     if (!file.is_open()) return;
     errno = 0;
     file.close();
-    if (file) return;
-    const std::string why = ExplainUnwritable(path);
-    throw std::runtime_error(fmt::format("cannot write {}: {}", PathText(path), why));
+    if (!file) throw std::runtime_error(DescribeUnwritable(path));
   }
 
  private:
   std::ostream& Open(const std::filesystem::path& target) {
     errno = 0;
     file.open(target, std::ios::binary);
-    if (!file.is_open()) {
-      const std::string why = ExplainUnwritable(target);
-      throw UsageError(fmt::format("cannot write {}: {}", PathText(target), why));
-    }
+    if (!file.is_open()) throw UsageError(DescribeUnwritable(target));
     return file;
   }
 

@@ -1,6 +1,6 @@
 // The AMT module: the presence test decides whether the operator is asked and the log tool runs.
 
-#include "host/recording/recording_file.h"
+#include "host/recording/recording_reader.h"
 #include "tests/support/collected.h"
 #include "tests/support/fault_table.h"
 

@@ -8,7 +8,7 @@
 
 #include "frame/bound/machine_in_use.h"
 #include "host/recorded/recorded_machine.h"
-#include "host/recording/recording_file.h"
+#include "host/recording/recording_reader.h"
 #include "pqmodules/ramtinfo.h"
 #include "pqmodules/ramtinfo/login_line.h"
 #include "tests/support/collected.h"

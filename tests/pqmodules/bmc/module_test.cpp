@@ -7,7 +7,7 @@
 
 #include "frame/bound/machine_in_use.h"
 #include "host/recorded/recorded_machine.h"
-#include "host/recording/recording_file.h"
+#include "host/recording/recording_reader.h"
 #include "pqmodules/rbmcinfo.h"
 #include "tests/support/bmc_machine.h"
 #include "tests/support/fake_platform.h"

@@ -1,7 +1,7 @@
 // The RAID inventory module: one scenario where Intel RST answers and an archive lies there, one
 // where VROC answers in RST's place and no archive was ever written.
 
-#include "host/recording/recording_file.h"
+#include "host/recording/recording_reader.h"
 #include "tests/support/collected.h"
 #include "tests/support/fault_table.h"
 

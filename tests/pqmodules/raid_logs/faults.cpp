@@ -1,7 +1,7 @@
 // The RAID logs module: one scenario on an adapter whose reports are linked, one on a controller
 // that is not counted and has a log of events.
 
-#include "host/recording/recording_file.h"
+#include "host/recording/recording_reader.h"
 #include "tests/support/collected.h"
 #include "tests/support/fault_table.h"
 

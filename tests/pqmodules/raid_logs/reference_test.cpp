@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "host/recording/recording_file.h"
+#include "host/recording/recording_reader.h"
 #include "tests/support/collected.h"
 #include "tests/support/raid_reference.h"
 

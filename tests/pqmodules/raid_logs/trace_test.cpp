@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "host/recording/recording_file.h"
+#include "host/recording/recording_reader.h"
 #include "tests/support/raid_tools.h"
 
 namespace {

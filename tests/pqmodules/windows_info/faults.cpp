@@ -1,7 +1,7 @@
 // The Windows module: on a US English machine two tables are read through pipes, on any other all
 // output goes into files. A step depends on no other.
 
-#include "host/recording/recording_file.h"
+#include "host/recording/recording_reader.h"
 #include "tests/support/collected.h"
 #include "tests/support/fault_table.h"
 

@@ -6,7 +6,7 @@
 
 #include "frame/bound/machine_in_use.h"
 #include "host/recorded/recorded_machine.h"
-#include "host/recording/recording_file.h"
+#include "host/recording/recording_reader.h"
 #include "pqmodules/rwininfo.h"
 #include "tests/support/collected.h"
 #include "tests/support/fake_platform.h"

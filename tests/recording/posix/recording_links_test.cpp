@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-#include "host/recording/recording_file.h"
+#include "host/recording/recording_reader.h"
 #include "tests/support/temporary_folder.h"
 
 namespace host {

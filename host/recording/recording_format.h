@@ -1,0 +1,16 @@
+// What the reader and the writer of recordings agree on.
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+namespace host {
+
+inline constexpr char kRecordingFileName[] = "recording.json";
+inline constexpr char kManifestFileName[] = "manifest.sha256";
+inline constexpr std::uint64_t kRecordingFormat = 1;
+/// The code pages that a recording can name.
+inline constexpr std::array<std::uint32_t, 9> kRecordingCodePages = {437,  850,  852,  932,  936,
+                                                                     1250, 1251, 1252, 65001};
+
+}  // namespace host

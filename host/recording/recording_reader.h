@@ -1,0 +1,22 @@
+// Reads a recording from its folder.
+#pragma once
+
+#include <filesystem>
+#include <stdexcept>
+
+#include "host/recorded/recording.h"
+
+namespace host {
+
+/// Says in one line of UTF-8 what is wrong with a recording: file, line or member, and what would
+/// be right.
+class RecordingError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// Reads `folder`/recording.json and the files that it names, each of them once. Throws
+/// RecordingError.
+Recording LoadRecording(const std::filesystem::path& folder);
+
+}  // namespace host

@@ -1,0 +1,33 @@
+#include "host/recording/named_files.h"
+
+#include <gmock/gmock.h>
+
+#include <stdexcept>
+
+#include "tests/support/temporary_folder.h"
+
+namespace host {
+namespace {
+
+TEST(NamedFiles, AreReadOnceAndShared) {
+  const test::TemporaryFolder folder;
+  folder.Write("a", "bytes");
+  folder.Write("b", "bytes");
+  NamedFiles files(folder.Path());
+  const auto read = files.Read("a");
+  EXPECT_EQ(*read, "bytes");
+  EXPECT_EQ(files.Read("a"), read);
+  EXPECT_NE(files.Read("b"), read);
+}
+
+TEST(NamedFiles, AreRefusedEveryTime) {
+  const test::TemporaryFolder folder;
+  NamedFiles files(folder.Path());
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_THAT([&] { files.Read("a"); },
+                testing::ThrowsMessage<std::runtime_error>("\"a\": there is no such file"));
+  }
+}
+
+}  // namespace
+}  // namespace host
