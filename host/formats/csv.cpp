@@ -70,11 +70,11 @@ class CsvWriter {
       return;
     }
     out << '"';
-    for (const char c : text) {
-      if (c == '"') out << '"';
-      out << c;
+    for (std::size_t at = 0; (at = text.find('"')) != std::string_view::npos;) {
+      out << text.substr(0, at + 1) << '"';
+      text.remove_prefix(at + 1);
     }
-    out << '"';
+    out << text << '"';
   }
 
   void EndRecord() {
