@@ -83,9 +83,10 @@ TEST(TableView, IsEmptyWithoutRows) {
 TEST(TableView, ListsTheOtherLabelsOfAKeyOnceInTheOrderInWhichTheyCame) {
   MadeCollection made;
   made.Table("T");
-  for (const char* label : {"First", "Third", "Second", "Third", "First"}) made.Row({{label, ""}});
+  for (const char* label : {"First", "Third", "Second"}) made.Row({{label, ""}});
+  for (const char* label : {"Third", "First"}) made.Row({{label, ""}, {"One more", ""}});
   const Viewed viewed(made);
-  ASSERT_EQ(viewed.table.Columns().size(), 1U);
+  ASSERT_EQ(viewed.table.Columns().size(), 2U);
   EXPECT_EQ(viewed.table.Columns()[0].label.View(), "First");
   EXPECT_EQ(Copy(viewed.table.Columns()[0].otherLabels), (Texts{"Third", "Second"}));
   EXPECT_EQ(viewed.table.RowAt(1).CellAt(0).Label().View(), "Third");

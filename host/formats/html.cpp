@@ -10,6 +10,7 @@
 #include "host/answers/tool_versions.h"
 #include "host/collect/table_view.h"
 #include "host/formats/formats.h"
+#include "host/formats/json_buffer.h"
 #include "host/formats/report/report_page.h"
 #include "host/text/json_text.h"
 #include "host/text/time_text.h"
@@ -43,18 +44,18 @@ std::string MakeNonce() {
 class ReportData {
  public:
   ReportData(const Collection& collection, std::ostream& out)
-      : collection(collection), view(collection), out(out) {}
+      : collection(collection), view(collection), json(&WriteJsonForScript, out) {}
 
   void Write() {
-    AppendMember("{\"title\":", ChooseTitle());
+    json.AppendText("{\"title\":", ChooseTitle());
     json += ",\"facts\":";
-    AppendJsonList(json, ListFacts(), [](std::string& text, const Fact& fact) {
+    json.AppendList(ListFacts(), [](std::string& text, const Fact& fact) {
       AppendJsonList(text, fact, &AppendJsonText);
     });
-    AppendMember(",\"outcome\":", DescribeOutcome());
+    json.AppendText(",\"outcome\":", DescribeOutcome());
     json += ",\"notes\":";
-    AppendJsonList(json, collection.problems, &AppendJsonText);
-    AppendMember(",\"footer\":", fmt::format("Made by pqhost {}.", kVersion));
+    json.AppendList(collection.problems, &AppendJsonText);
+    json.AppendText(",\"footer\":", fmt::format("Made by pqhost {}.", kVersion));
     json += ",\"modules\":[";
     const char* separator = "";
     for (const CollectedModule& module : collection.modules) {
@@ -63,7 +64,7 @@ class ReportData {
       separator = ",\n";
     }
     json += "]}";
-    Flush();
+    json.Flush();
   }
 
  private:
@@ -105,8 +106,8 @@ class ReportData {
 
   void WriteModule(const CollectedModule& module) {
     const auto [name, description] = view.ViewModule(module);
-    AppendMember("{\"name\":", name);
-    AppendMember(",\"description\":", description);
+    json.AppendText("{\"name\":", name);
+    json.AppendText(",\"description\":", description);
     json += ",\"tables\":[";
     const char* separator = "";
     for (const CollectedTable& table : collection.tables) {
@@ -123,12 +124,12 @@ class ReportData {
     for (std::size_t i = 0; i < table.Columns().size(); ++i) {
       if (!table.Columns()[i].hasFiles) shown.push_back(i);
     }
-    AppendMember("{\"class\":", table.ClassName());
-    AppendMember(",\"title\":", table.Title());
-    AppendMember(",\"kind\":", ChooseKind(table, shown.size()));
-    AppendMember(",\"status\":", table.Status().text);
+    json.AppendText("{\"class\":", table.ClassName());
+    json.AppendText(",\"title\":", table.Title());
+    json.AppendText(",\"kind\":", ChooseKind(table, shown.size()));
+    json.AppendText(",\"status\":", table.Status().text);
     json += fmt::format(",\"rowCount\":{},\"columns\":", table.RowCount());
-    AppendJsonList(json, shown, [&](std::string& text, std::size_t i) {
+    json.AppendList(shown, [&](std::string& text, std::size_t i) {
       const ColumnView& column = table.Columns()[i];
       text += JsonObject().AddText("key", column.key).AddText("label", column.label).Take();
     });
@@ -137,7 +138,7 @@ class ReportData {
     json += "],\"rows\":[";
     WriteRows(table, shown);
     json += "]}";
-    Flush();
+    json.Flush();
   }
 
   static const char* ChooseKind(const TableView& table, std::size_t columnCount) {
@@ -150,14 +151,14 @@ class ReportData {
     for (std::size_t i = 0; i < table.RowCount(); ++i) {
       const RowView row = table.RowAt(i);
       if (i > 0) json += ",\n";
-      AppendJsonList(json, shown, [&](std::string& text, std::size_t column) {
+      json.AppendList(shown, [&](std::string& text, std::size_t column) {
         if (const std::optional<CellView> cell = row.FindCell(column)) {
           AppendJsonText(text, cell->Text());
         } else {
           text += "null";
         }
       });
-      Flush();
+      json.Flush();
     }
   }
 
@@ -180,25 +181,14 @@ class ReportData {
                     .AddText("text", cell.Text())
                     .Take();
         separator = ",\n";
-        Flush();
+        json.Flush();
       }
     }
   }
 
-  void AppendMember(const char* before, std::string_view text) {
-    json += before;
-    AppendJsonText(json, text);
-  }
-
-  void Flush() {
-    WriteJsonForScript(json, out);
-    json.clear();
-  }
-
   const Collection& collection;
   CollectionView view;
-  std::ostream& out;
-  std::string json;  ///< not written yet
+  JsonBuffer json;
 };
 
 }  // namespace

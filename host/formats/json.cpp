@@ -5,6 +5,7 @@
 
 #include "host/collect/table_view.h"
 #include "host/formats/formats.h"
+#include "host/formats/json_buffer.h"
 #include "host/text/json_text.h"
 #include "host/text/time_text.h"
 #include "host/text/version.h"
@@ -33,12 +34,12 @@ std::pair<std::size_t, std::size_t> FindPlaces(const RowView& row, std::string_v
 class JsonWriter {
  public:
   JsonWriter(const Collection& collection, std::ostream& out)
-      : collection(collection), view(collection), out(out) {}
+      : collection(collection), view(collection), json(&WriteJsonForTerminal, out) {}
 
   void WriteObject() {
     json += "{\n\"format\": 1,\n\"program\": ";
     json += JsonObject().AddText("name", "pqhost").AddText("version", kVersion).Take();
-    AppendMember(",\n\"collected\": ", FormatIsoTime(collection.collected));
+    json.AppendText(",\n\"collected\": ", FormatIsoTime(collection.collected));
     json += ",\n\"machine\": ";
     AppendMachine();
     json += ",\n\"modules\": [";
@@ -57,9 +58,9 @@ class JsonWriter {
       separator = ",\n";
     }
     json += "\n],\n\"problems\": ";
-    AppendJsonList(json, collection.problems, &AppendJsonText);
+    json.AppendList(collection.problems, &AppendJsonText);
     json += "\n}\n";
-    Flush();
+    json.Flush();
   }
 
   void WriteLines() {
@@ -67,11 +68,11 @@ class JsonWriter {
       const TableView table = view.ViewTable(collected);
       const bool keysRepeat = HasRepeatedKeys(table);
       for (std::size_t i = 0; i < table.RowCount(); ++i) {
-        AppendMember("{\"class\":", table.ClassName());
+        json.AppendText("{\"class\":", table.ClassName());
         json += ",\"row\":";
         AppendRow(table.RowAt(i), keysRepeat);
         json += "}\n";
-        Flush();
+        json.Flush();
       }
     }
   }
@@ -91,9 +92,9 @@ class JsonWriter {
   }
 
   void WriteTable(const TableView& table) {
-    AppendMember("{\"class\": ", table.ClassName());
-    AppendMember(",\n \"title\": ", table.Title());
-    AppendMember(",\n \"module\": ", table.Module());
+    json.AppendText("{\"class\": ", table.ClassName());
+    json.AppendText(",\n \"title\": ", table.Title());
+    json.AppendText(",\n \"module\": ", table.Module());
     json += ",\n \"status\": ";
     const TableStatus& status = table.Status();
     json += JsonObject().AddText("outcome", status.outcome).AddText("text", status.text).Take();
@@ -102,7 +103,7 @@ class JsonWriter {
     json += ",\n \"columns\": [";
     AppendColumns(table);
     json += "],\n \"instances\": ";
-    AppendJsonList(json, table.ListInstanceKeys(), &AppendJsonText);
+    json.AppendList(table.ListInstanceKeys(), &AppendJsonText);
     json += ",\n \"attachments\": [";
     AppendAttachments(table);
     json += "],\n \"rows\": [";
@@ -110,7 +111,7 @@ class JsonWriter {
     for (std::size_t i = 0; i < table.RowCount(); ++i) {
       json += i == 0 ? "\n  " : ",\n  ";
       AppendRow(table.RowAt(i), keysRepeat);
-      Flush();
+      json.Flush();
     }
     json += "]}";
   }
@@ -139,7 +140,8 @@ class JsonWriter {
           AppendJsonList(text, column.otherLabels, &AppendJsonText);
         });
       }
-      json += separator + entry.Take();
+      json += separator;
+      json += entry.Take();
       separator = ",\n  ";
     }
   }
@@ -153,7 +155,8 @@ class JsonWriter {
         entry.Add("attributes",
                   [&](std::string& text) { AppendPairs(text, attachment.attributes); });
         if (attachment.byteSize) entry.AddNumber("bytes", *attachment.byteSize);
-        json += separator + entry.Take();
+        json += separator;
+        json += entry.Take();
         separator = ",\n  ";
       }
     }
@@ -174,38 +177,26 @@ class JsonWriter {
 
   /// Properties whose keys read the same are one member: where the first is, with the last's value.
   void AppendRow(const RowView& row, bool keysRepeat) {
-    json += '{';
+    json += "{";
     for (std::size_t place = 0; place < row.CellCount(); ++place) {
       const DecodedText key = row.CellAt(place).Key();
       const auto [first, last] = keysRepeat ? FindPlaces(row, key) : std::pair(place, place);
       if (first != place) continue;
-      if (place > 0) json += ',';
-      AppendJsonText(json, key);
-      json += ':';
+      json.AppendText(place > 0 ? "," : "", key);
       const CellView cell = row.CellAt(last);
       if (cell.IsInteger()) {
+        json += ":";
         json += cell.Text();
       } else {
-        AppendJsonText(json, cell.Text());
+        json.AppendText(":", cell.Text());
       }
     }
-    json += '}';
-  }
-
-  void AppendMember(const char* before, std::string_view text) {
-    json += before;
-    AppendJsonText(json, text);
-  }
-
-  void Flush() {
-    WriteJsonForTerminal(json, out);
-    json.clear();
+    json += "}";
   }
 
   const Collection& collection;
   CollectionView view;
-  std::ostream& out;
-  std::string json;  ///< not written yet
+  JsonBuffer json;
 };
 
 }  // namespace
