@@ -12,23 +12,8 @@ JsonObject BeginEvent(std::string_view name) {
   return event;
 }
 
-/// Adds a list; `appendOne` appends one of its elements.
-template <typename List, typename AppendOne>
-void AddList(JsonObject& event, std::string_view name, const List& list,
-             const AppendOne& appendOne) {
-  event.Add(name, [&](std::string& json) {
-    char separator = '[';
-    for (const auto& element : list) {
-      json += separator;
-      appendOne(json, element);
-      separator = ',';
-    }
-    json += separator == '[' ? "[]" : "]";
-  });
-}
-
 void AddTexts(JsonObject& event, std::string_view name, const std::vector<std::string>& texts) {
-  AddList(event, name, texts, &AppendJsonBytes);
+  event.Add(name, [&](std::string& json) { AppendJsonList(json, texts, &AppendJsonBytes); });
 }
 
 }  // namespace
@@ -104,8 +89,7 @@ void TraceWriter::OnRowHeaders(const halyard::repository::RInstancesWrapper& /*t
                                const std::vector<std::string>& names,
                                const std::vector<unsigned>& widths, bool flag) {
   JsonObject event = BeginLayout("SetRowHeaders", names);
-  AddList(event, "widths", widths,
-          [](std::string& json, unsigned width) { json += std::to_string(width); });
+  event.Add("widths", [&](std::string& json) { AppendJsonNumbers(json, widths); });
   Write(event.AddFlag("flag", flag));
 }
 

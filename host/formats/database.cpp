@@ -1,6 +1,5 @@
 #include "host/formats/database.h"
 
-#include <fmt/chrono.h>
 #include <fmt/format.h>
 #include <sqlite3.h>
 
@@ -9,12 +8,11 @@
 #include <set>
 #include <string_view>
 
-#include "host/catalogue/table_titles.h"
-#include "host/collect/row_cells.h"
+#include "host/collect/table_view.h"
 #include "host/files/output_file.h"
 #include "host/text/ascii.h"
-#include "host/text/decoder.h"
 #include "host/text/path_text.h"
+#include "host/text/time_text.h"
 #include "host/text/version.h"
 
 namespace host {
@@ -53,7 +51,7 @@ void Execute(sqlite3* handle, const char* sql) {
 }
 
 /// An SQL name, whatever it holds.
-std::string Quoted(std::string_view name) {
+std::string Quote(std::string_view name) {
   std::string quoted = "\"";
   for (const char c : name) {
     if (c == '"') quoted += '"';
@@ -68,13 +66,13 @@ class Insert {
   Insert(sqlite3* handle, const std::string& table, std::size_t columnCount) : handle(handle) {
     std::string places = "?";
     for (std::size_t i = 1; i < columnCount; ++i) places += ",?";
-    const std::string sql = fmt::format("INSERT INTO {} VALUES ({})", Quoted(table), places);
+    const std::string sql = fmt::format("INSERT INTO {} VALUES ({})", Quote(table), places);
     sqlite3_stmt* raw = nullptr;
     if (sqlite3_prepare_v2(handle, sql.c_str(), -1, &raw, nullptr) != SQLITE_OK) Fail(handle);
     statement.reset(raw);
   }
 
-  Insert& operator<<(const std::string& text) {
+  Insert& operator<<(std::string_view text) {
     Check(sqlite3_bind_text64(statement.get(), ++bound, text.data(), text.size(), SQLITE_TRANSIENT,
                               SQLITE_UTF8));
     return *this;
@@ -110,8 +108,8 @@ class UniqueNames {
   explicit UniqueNames(const Taken& takenNames) {
     for (const std::string_view name : takenNames) taken.insert(LowerCase(name));
   }
-  std::string Take(const std::string& wanted) {
-    std::string name = wanted;
+  std::string Take(std::string_view wanted) {
+    std::string name(wanted);
     for (int i = 2; !taken.insert(LowerCase(name)).second; ++i) {
       name = fmt::format("{}_{}", wanted, i);
     }
@@ -125,7 +123,7 @@ class UniqueNames {
 class Filler {
  public:
   Filler(sqlite3* handle, const Collection& collection)
-      : handle(handle), collection(collection), decode(collection.machine.codePage) {}
+      : handle(handle), collection(collection), view(collection) {}
 
   void Fill() {
     Execute(handle, kSchema);
@@ -133,16 +131,18 @@ class Filler {
     Insert modules(handle, "modules", 3);
     std::int64_t position = 0;
     for (const CollectedModule& module : collection.modules) {
-      (modules << ++position << decode(module.name) << decode(module.description)).Run();
+      const auto [name, description] = view.ViewModule(module);
+      (modules << ++position << name << description).Run();
     }
     Insert tables(handle, "tables", 8);
     UniqueNames names(kOwnTables);
     position = 0;
-    for (const CollectedTable& table : collection.tables) {
-      const std::string name = names.Take(decode(table.className));
-      (tables << ++position << decode(table.className) << name << decode(TitleOf(table.className))
-              << decode(table.module) << static_cast<std::int64_t>(table.RowCount())
-              << table.status.outcome << table.status.text)
+    for (const CollectedTable& collected : collection.tables) {
+      const TableView table = view.ViewTable(collected);
+      const std::string name = names.Take(table.ClassName());
+      (tables << ++position << table.ClassName() << name << table.Title() << table.Module()
+              << static_cast<std::int64_t>(table.RowCount()) << table.Status().outcome
+              << table.Status().text)
           .Run();
       AddTable(table, name);
     }
@@ -150,7 +150,7 @@ class Filler {
     position = 0;
     for (const LogLine& line : collection.log) {
       (log << ++position << static_cast<std::int64_t>(line.level) << line.file
-           << static_cast<std::int64_t>(line.line) << decode(line.text))
+           << static_cast<std::int64_t>(line.line) << view.LogText(line))
           .Run();
     }
   }
@@ -158,60 +158,57 @@ class Filler {
  private:
   void AddMachine() {
     const MachineFacts& machine = collection.machine;
-    const auto time = std::chrono::time_point_cast<std::chrono::seconds>(collection.collected);
     const std::pair<const char*, std::string> facts[] = {
         {"name", machine.name},
         {"description", machine.description},
         {"recorded", machine.recorded ? "yes" : "no"},
-        {"collected", fmt::format("{:%Y-%m-%dT%H:%M:%SZ}", time)},
+        {"collected", FormatIsoTime(collection.collected)},
         {"languageId", std::to_string(machine.languageId)},
         {"codePage", std::to_string(machine.codePage)},
-        {"hostExecutable", decode(machine.hostExecutable)},
-        {"logFolder", decode(machine.logFolder)},
+        {"hostExecutable", std::string(view.HostExecutable())},
+        {"logFolder", std::string(view.LogFolder())},
         {"pqhost", kVersion},
     };
     Insert insert(handle, "machine", 2);
-    for (const auto& [name, value] : facts) (insert << std::string(name) << value).Run();
+    for (const auto& [name, value] : facts) (insert << name << value).Run();
   }
 
-  void AddTable(const CollectedTable& table, const std::string& name) {
-    static const Table kNoRows;
-    const Table& rows = table.rows == nullptr ? kNoRows : *table.rows;
-    const std::string className = decode(table.className);
-    std::string definition = fmt::format("{} INTEGER PRIMARY KEY", Quoted(kRowColumn));
+  void CreateTable(const TableView& table, const std::string& name) {
+    std::string definition = fmt::format("{} INTEGER PRIMARY KEY", Quote(kRowColumn));
     UniqueNames names(std::vector<std::string_view>{kRowColumn});
     Insert columns(handle, "columns", 5);
     std::int64_t position = 0;
-    for (const Column& column : rows.columns) {
-      const std::string columnName = names.Take(decode(column.key));
+    for (const ColumnView& column : table.Columns()) {
+      const std::string columnName = names.Take(column.key);
       definition +=
-          fmt::format(", {} {}", Quoted(columnName), column.isInteger ? "INTEGER" : "TEXT");
-      (columns << className << ++position << decode(column.key) << columnName
-               << decode(column.label))
+          fmt::format(", {} {}", Quote(columnName), column.isInteger ? "INTEGER" : "TEXT");
+      (columns << table.ClassName() << ++position << column.key << columnName << column.label)
           .Run();
     }
-    Execute(handle, fmt::format("CREATE TABLE {} ({})", Quoted(name), definition).c_str());
+    Execute(handle, fmt::format("CREATE TABLE {} ({})", Quote(name), definition).c_str());
+  }
 
-    Insert insert(handle, name, rows.columns.size() + 1);
+  void AddTable(const TableView& table, const std::string& name) {
+    CreateTable(table, name);
+    Insert rows(handle, name, table.Columns().size() + 1);
     Insert attachments(handle, "attachments", 5);
-    RowCells cells(rows);
-    std::int64_t number = 0;
-    for (const Row& row : rows.rows) {
-      insert << ++number;
-      for (const std::size_t place : cells.PlacesIn(row)) {
-        if (place == RowCells::kMissing) {
-          insert.SkipColumn();
+    for (std::size_t i = 0; i < table.RowCount(); ++i) {
+      const RowView row = table.RowAt(i);
+      const auto number = static_cast<std::int64_t>(i + 1);
+      rows << number;
+      for (std::size_t column = 0; column < table.Columns().size(); ++column) {
+        if (const std::optional<CellView> cell = row.FindCell(column)) {
+          rows << cell->Text();
         } else {
-          insert << decode(row.Values()[place]);
+          rows.SkipColumn();
         }
       }
-      insert.Run();
-      for (std::size_t i = 0; i < row.Values().size(); ++i) {
-        const std::string& key = row.shape->columns[i].key;
-        if (!IsAttachment(*row.shape, key)) continue;
-        const std::string* fileName = FindAttribute(*row.shape, key, "filename");
-        (attachments << className << number << decode(key)
-                     << decode(fileName == nullptr ? key : *fileName) << decode(row.Values()[i]))
+      rows.Run();
+      for (std::size_t place = 0; place < row.CellCount(); ++place) {
+        const CellView cell = row.CellAt(place);
+        if (!cell.IsFile()) continue;
+        (attachments << table.ClassName() << number << cell.Key()
+                     << cell.FileName().value_or(cell.Key()) << cell.Text())
             .Run();
       }
     }
@@ -219,7 +216,7 @@ class Filler {
 
   sqlite3* handle;
   const Collection& collection;
-  TextDecoder decode;
+  CollectionView view;
 };
 
 std::optional<std::string> ReadColumn(sqlite3_stmt* statement, int column) {

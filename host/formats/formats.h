@@ -1,4 +1,4 @@
-// The formats in which a collection can be had.
+// Output formats, one writer per --format name.
 #pragma once
 
 #include <ostream>
@@ -9,7 +9,7 @@
 
 namespace host {
 
-/// What the results are written to.
+/// Where results go: a terminal, or a file or pipe.
 struct Screen {
   bool isTerminal = false;
   bool colors = false;
@@ -21,13 +21,13 @@ struct Format {
   const char* description;
   void (*write)(const Collection& collection, const Screen& screen, std::ostream& out);
   bool wantsLog = false;  ///< needs Collection::log
-  bool isBinary = false;  ///< nothing for a terminal
+  bool isBinary = false;  ///< never written to a terminal
 };
 
 /// All formats; the first is the default.
 const std::vector<Format>& Formats();
 
-/// Null when there is none of that name.
+/// Null when no format has that name.
 const Format* FindFormat(const std::string& name);
 
 /// Tables for people: aligned, as wide as the screen, in the modules' order.
@@ -42,7 +42,7 @@ void WriteCsv(const Collection& collection, const Screen& screen, std::ostream& 
 void WriteHtml(const Collection& collection, const Screen& screen, std::ostream& out);
 /// An SQLite file (docs/sql.md).
 void WriteSqlite(const Collection& collection, const Screen& screen, std::ostream& out);
-/// Nothing: for whoever wants only the trace or the log files.
+/// Nothing, for those who want the trace or the log files alone.
 void WriteNothing(const Collection& collection, const Screen& screen, std::ostream& out);
 
 }  // namespace host

@@ -15,10 +15,8 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-/// Names come from the library; they are ASCII, and whatever else comes must stay valid UTF-8.
-std::string Clean(const std::string& text) {
-  return EscapeControls(TextDecoder(kUtf8CodePage)(text));
-}
+/// The library's names are ASCII; whatever else comes must become valid UTF-8 and be harmless.
+std::string Clean(const std::string& text) { return EscapeControls(CleanUtf8(text)); }
 
 std::string DescribeLayout(const TableLayout& layout) {
   if (!layout.byRow) return "one property per line";

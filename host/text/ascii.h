@@ -1,10 +1,15 @@
 // Letters of ASCII. Nothing here depends on a locale; bytes above 127 stay as they are.
 #pragma once
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 
 namespace host {
+
+inline bool IsAscii(std::string_view text) {
+  return std::all_of(text.begin(), text.end(), [](char c) { return (c & 0x80) == 0; });
+}
 
 constexpr char LowerCase(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;

@@ -4,12 +4,13 @@
 #include <map>
 #include <optional>
 
+#include "host/text/ascii.h"
 #include "host/text/code_page.h"
 
 namespace host {
 namespace {
 
-/// Bytes that begin a character of two bytes.
+/// Lead bytes of two-byte characters.
 struct LeadBytes {
   std::uint32_t codePage;
   unsigned char first;
@@ -28,15 +29,17 @@ bool IsLeadByte(std::uint32_t codePage, unsigned char byte) {
 
 bool IsSurrogate(char32_t c) { return c >= 0xD800 && c <= 0xDFFF; }
 
-/// Systems fill the holes of a code page with control characters or with characters of private use;
-/// here a hole is a hole on every system.
-bool FillsHole(char32_t c) { return (c >= 0x80 && c <= 0x9F) || (c >= 0xE000 && c <= 0xF8FF); }
+/// Systems fill the gaps of a code page with control or private-use characters; here a gap stays a
+/// gap on every system.
+bool FillsGap(char32_t c) { return (c >= 0x80 && c <= 0x9F) || (c >= 0xE000 && c <= 0xF8FF); }
 
-/// The character that a code page has where systems disagree.
-std::optional<char32_t> Disputed(std::uint32_t codePage, unsigned char byte) {
+/// The character for a byte that systems disagree on.
+std::optional<char32_t> FindDisputed(std::uint32_t codePage, unsigned char byte) {
   if (codePage == 936 && byte == 0x80) return U'\u20AC';
   return std::nullopt;
 }
+
+}  // namespace
 
 std::string CleanUtf8(std::string_view bytes) {
   std::string text;
@@ -44,8 +47,6 @@ std::string CleanUtf8(std::string_view bytes) {
   while (!bytes.empty()) AppendUtf8(text, TakeUtf8(bytes));
   return text;
 }
-
-}  // namespace
 
 void AppendUtf8(std::string& text, char32_t character) {
   const auto c = static_cast<std::uint32_t>(character);
@@ -105,22 +106,22 @@ struct TextDecoder::Characters {
   std::uint32_t number = 0;
   std::unique_ptr<CodePage> codePage;  ///< null for UTF-8, and when the system does not know it
   Row singles{};
-  std::map<unsigned char, Row> pairs;  ///< by lead byte, as they come up
+  std::map<unsigned char, Row> pairs;  ///< by lead byte, filled on first use
 
   char32_t Decode(std::string_view bytes) {
     const std::optional<char32_t> c = codePage ? codePage->Decode(bytes) : std::nullopt;
-    return c && !FillsHole(*c) && !IsSurrogate(*c) ? *c : kReplacementCharacter;
+    return c && !FillsGap(*c) && !IsSurrogate(*c) ? *c : kReplacementCharacter;
   }
 
   void FillSingles() {
     for (unsigned i = 0; i < singles.size(); ++i) {
       const char byte = static_cast<char>(i);
-      const auto disputed = Disputed(number, static_cast<unsigned char>(i));
+      const auto disputed = FindDisputed(number, static_cast<unsigned char>(i));
       singles[i] = i < 0x80 ? i : disputed ? *disputed : Decode({&byte, 1});
     }
   }
 
-  char32_t Pair(unsigned char lead, unsigned char trail) {
+  char32_t DecodePair(unsigned char lead, unsigned char trail) {
     const auto [row, isNew] = pairs.try_emplace(lead);
     if (isNew) {
       for (unsigned i = 0; i < row->second.size(); ++i) {
@@ -141,6 +142,11 @@ TextDecoder::TextDecoder(std::uint32_t codePage) : characters(std::make_unique<C
 
 TextDecoder::~TextDecoder() = default;
 
+DecodedText TextDecoder::Decode(std::string_view bytes) const {
+  if (IsAscii(bytes)) return DecodedText(bytes);
+  return DecodedText((*this)(bytes));
+}
+
 std::string TextDecoder::operator()(std::string_view bytes) const {
   if (characters->number == kUtf8CodePage) return CleanUtf8(bytes);
   std::string text;
@@ -155,7 +161,7 @@ std::string TextDecoder::operator()(std::string_view bytes) const {
       AppendUtf8(text, kReplacementCharacter);
     } else {
       const auto trail = static_cast<unsigned char>(bytes[i + 1]);
-      const char32_t c = characters->Pair(byte, trail);
+      const char32_t c = characters->DecodePair(byte, trail);
       AppendUtf8(text, c);
       if (c != kReplacementCharacter || trail >= 0x80) ++i;
     }

@@ -69,29 +69,25 @@ std::string& JsonObject::Begin(std::string_view name) {
   return json;
 }
 
-std::string EscapeJsonForTerminal(std::string_view json) {
-  std::string escaped;
-  escaped.reserve(json.size());
+void WriteJsonForTerminal(std::string_view json, std::ostream& out) {
+  std::size_t written = 0;
   for (std::size_t i = 0; i < json.size(); ++i) {
     const auto byte = static_cast<unsigned char>(json[i]);
     const auto next = static_cast<unsigned char>(i + 1 < json.size() ? json[i + 1] : 0);
-    if (byte == 0x7F) {
-      escaped += "\\u007f";
-    } else if (byte == 0xC2 && next >= 0x80 && next <= 0x9F) {
-      escaped += fmt::format("\\u{:04x}", next);
-      ++i;
-    } else {
-      escaped += json[i];
-    }
+    const bool isPair = byte == 0xC2 && next >= 0x80 && next <= 0x9F;
+    if (byte != 0x7F && !isPair) continue;
+    out << json.substr(written, i - written) << fmt::format("\\u{:04x}", isPair ? next : byte);
+    if (isPair) ++i;
+    written = i + 1;
   }
-  return escaped;
+  out << json.substr(written);
 }
 
 JsonForTerminal::int_type JsonForTerminal::overflow(int_type character) {
   if (traits_type::eq_int_type(character, traits_type::eof())) return 0;
   line += traits_type::to_char_type(character);
   if (line.ends_with('\n')) {
-    out << EscapeJsonForTerminal(line);
+    WriteJsonForTerminal(line, out);
     line.clear();
   }
   return character;

@@ -10,7 +10,7 @@
 
 namespace host {
 
-/// Every byte as the character with that code, in UTF-8: how a text of the machine stands in JSON.
+/// Every byte as the character with that code, in UTF-8: the machine's texts in JSON, lossless.
 std::string ByteText(std::string_view bytes);
 
 /// Appends `text` (valid UTF-8) to `json` as a JSON text, quotes included.
@@ -18,6 +18,27 @@ void AppendJsonText(std::string& json, std::string_view text);
 
 /// Appends a text of the machine, each byte as in ByteText, as a JSON text, quotes included.
 void AppendJsonBytes(std::string& json, std::string_view bytes);
+
+/// Appends a JSON array of the elements of `list`; `appendOne(json, element)` appends one of them.
+template <typename List, typename AppendOne>
+void AppendJsonList(std::string& json, const List& list, const AppendOne& appendOne) {
+  json += '[';
+  const char* separator = "";
+  for (const auto& element : list) {
+    json += separator;
+    appendOne(json, element);
+    separator = ",";
+  }
+  json += ']';
+}
+
+/// Appends a JSON array of whole numbers.
+template <typename List>
+void AppendJsonNumbers(std::string& json, const List& numbers) {
+  AppendJsonList(json, numbers, [](std::string& text, std::integral auto number) {
+    text += std::to_string(number);
+  });
+}
 
 /// Builds one JSON object in one line, member by member. Names are plain ASCII.
 class JsonObject {
@@ -54,11 +75,12 @@ class JsonObject {
   std::string json = "{";
 };
 
-/// `json` (valid UTF-8) with the control characters from 127 to 159 escaped, which a terminal would
-/// obey; those below 32 JSON escapes itself. They occur only inside texts, so it means the same.
-std::string EscapeJsonForTerminal(std::string_view json);
+/// Writes `json` (valid UTF-8) with the control characters from 127 to 159 escaped, which a
+/// terminal would obey; JSON itself escapes those below 32. They occur only inside texts, so the
+/// meaning is the same.
+void WriteJsonForTerminal(std::string_view json, std::ostream& out);
 
-/// A stream that passes lines of JSON on to `out`, escaped so.
+/// A stream that passes lines of JSON on to `out`, escaped in that way.
 class JsonForTerminal : private std::streambuf {
  public:
   explicit JsonForTerminal(std::ostream& out) : out(out), stream(this) {}

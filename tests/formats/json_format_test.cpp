@@ -11,6 +11,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 using halyard::repository::RInstance;
 using test::MadeCollection;
+using testing::HasSubstr;
 
 TEST(JsonFormat, SaysFormatTimeMachineAndModules) {
   MadeCollection made;
@@ -95,6 +96,18 @@ TEST(JsonFormat, NamesTheOtherLabelsOfAKey) {
   made.Table("T").Row({{"First", "1"}}).Row({{"Second", "2"}}).Row({{"First", "3"}});
   const Json table = Json::parse(made.As("json"))["tables"][0];
   EXPECT_EQ(table["columns"].dump(), R"([{"key":"k1","label":"First","otherLabels":["Second"]}])");
+}
+
+TEST(JsonFormat, HasOneMemberForKeysThatReadTheSame) {
+  MadeCollection made;
+  made.Table("T");
+  RInstance instance("T", "made", -1);
+  instance.AddProperty("a\x81", "A", std::string("1"), false);
+  instance.AddProperty("b", "B", std::string("2"), false);
+  instance.AddProperty("a\x8d", "A", std::string("3"), false);
+  instance.AddToRepository(made.Repository());
+  EXPECT_THAT(made.As("json"), HasSubstr("\n  {\"a\uFFFD\":\"3\",\"b\":\"2\"}]"));
+  EXPECT_THAT(made.As("ndjson"), HasSubstr("{\"a\uFFFD\":\"3\",\"b\":\"2\"}}\n"));
 }
 
 TEST(JsonFormat, TellsOfAttachments) {

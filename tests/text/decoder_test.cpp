@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 namespace host {
 namespace {
@@ -110,6 +111,22 @@ TEST(Text, IsValidUtf8WhateverTheBytes) {
     EXPECT_EQ(clean(text), text) << codePage;
     EXPECT_GE(text.size(), all.size() / 2) << codePage;
   }
+}
+
+TEST(Text, CopiesNoAscii) {
+  const std::string ascii = "plain";
+  const std::string other = "\x83\x5c";  // One character, whose second byte is that of a backslash.
+  for (const std::uint32_t codePage : {932U, 1252U, 65001U}) {
+    const TextDecoder decoder(codePage);
+    EXPECT_EQ(decoder.Decode(ascii).View().data(), ascii.data());
+    EXPECT_EQ(decoder.Decode(other).View(), decoder(other));
+  }
+}
+
+TEST(Text, KeepsADecodedTextWhenItIsMoved) {
+  std::vector<DecodedText> texts;
+  for (int i = 0; i < 20; ++i) texts.push_back(TextDecoder(1252).Decode("\xe4"));
+  for (const DecodedText& text : texts) EXPECT_EQ(text.View(), "ä");
 }
 
 TEST(Text, TakesUtf8ApartAndPutsItTogetherAgain) {

@@ -1,0 +1,134 @@
+#include "host/collect/table_view.h"
+
+#include <algorithm>
+#include <set>
+
+#include "host/catalogue/table_titles.h"
+
+namespace host {
+namespace {
+
+/// The value of an attribute of the property `key`, the one set last; null when it has none.
+const std::string* FindAttribute(const RowShape& shape, std::string_view key,
+                                 std::string_view name) {
+  const auto found =
+      std::find_if(shape.attributes.rbegin(), shape.attributes.rend(),
+                   [&](const Attribute& a) { return a.propertyKey == key && a.name == name; });
+  return found == shape.attributes.rend() ? nullptr : &found->value;
+}
+
+bool HoldsFile(const RowShape& shape, std::string_view key) {
+  const std::string* raw = FindAttribute(shape, key, "raw");
+  return raw != nullptr && *raw == "true";
+}
+
+}  // namespace
+
+bool CellView::IsFile() const { return HoldsFile(*row.shape, GetColumn().key); }
+
+std::optional<DecodedText> CellView::FileName() const {
+  const std::string* name = FindAttribute(*row.shape, GetColumn().key, "filename");
+  if (name == nullptr) return std::nullopt;
+  return decoder.Decode(*name);
+}
+
+std::optional<CellView> RowView::FindCell(std::size_t column) const {
+  if (places[column] == kMissing) return std::nullopt;
+  return CellAt(places[column]);
+}
+
+std::optional<std::size_t> RowView::FindByteSize(std::string_view key) const {
+  for (std::size_t place = 0; place < CellCount(); ++place) {
+    if (CellAt(place).Key().View() == key) return CellAt(place).ByteSize();
+  }
+  return std::nullopt;
+}
+
+std::vector<AttachmentView> RowView::ListAttachments() const {
+  std::vector<AttachmentView> attachments;
+  for (const Attribute& attribute : row.shape->attributes) {
+    DecodedText key = decoder.Decode(attribute.propertyKey);
+    auto attachment =
+        std::find_if(attachments.begin(), attachments.end(),
+                     [&](const AttachmentView& a) { return a.key.View() == key.View(); });
+    if (attachment == attachments.end()) {
+      const std::optional<std::size_t> byteSize = FindByteSize(key);
+      attachments.push_back({std::move(key), {}, byteSize});
+      attachment = attachments.end() - 1;
+    }
+    auto& attributes = attachment->attributes;
+    DecodedText name = decoder.Decode(attribute.name);
+    DecodedText value = decoder.Decode(attribute.value);
+    const auto known = std::find_if(attributes.begin(), attributes.end(), [&](const auto& entry) {
+      return entry.first.View() == name.View();
+    });
+    if (known == attributes.end()) {
+      attributes.emplace_back(std::move(name), std::move(value));
+    } else {
+      known->second = std::move(value);
+    }
+  }
+  return attachments;
+}
+
+TableView::TableView(const TextDecoder& decoder, const CollectedTable& table)
+    : decoder(decoder), table(table) {
+  if (table.rows == nullptr) return;
+  std::map<std::string_view, std::size_t> columnsByKey;
+  std::set<std::pair<std::size_t, std::string_view>> labels;
+  for (const Column& column : table.rows->columns) {
+    columnsByKey.emplace(column.key, columns.size());
+    labels.emplace(columns.size(), column.label);
+    columns.push_back(
+        {decoder.Decode(column.key), decoder.Decode(column.label), {}, column.isInteger});
+  }
+  for (const Row& row : table.rows->rows) {
+    const RowShape& shape = *row.shape;
+    const auto [known, isNew] =
+        placesByShape.try_emplace(&shape, columns.size(), RowView::kMissing);
+    if (!isNew) continue;
+    for (std::size_t place = 0; place < shape.columns.size(); ++place) {
+      const Column& property = shape.columns[place];
+      const std::size_t at = columnsByKey.at(property.key);
+      known->second[at] = place;
+      ColumnView& column = columns[at];
+      column.hasFiles = column.hasFiles || HoldsFile(shape, property.key);
+      if (labels.emplace(at, property.label).second) {
+        column.otherLabels.push_back(decoder.Decode(property.label));
+      }
+    }
+  }
+}
+
+DecodedText TableView::Title() const {
+  const std::string title = TitleOf(table.className);  // The class name itself, if not known.
+  return DecodedText(decoder(title));
+}
+
+std::vector<DecodedText> TableView::ListHeaders() const {
+  std::vector<DecodedText> headers;
+  for (const std::string& header : table.layout.headers) headers.push_back(decoder.Decode(header));
+  return headers;
+}
+
+RowView TableView::RowAt(std::size_t number) const {
+  const Row& row = table.rows->rows[number];
+  return {decoder, row, placesByShape.at(row.shape)};
+}
+
+std::vector<DecodedText> TableView::ListInstanceKeys() const {
+  std::vector<DecodedText> keys;
+  if (RowCount() == 0) return keys;
+  const std::deque<Row>& rows = table.rows->rows;
+  const std::string& first = rows.front().shape->instanceKey;
+  const bool areSame =
+      std::all_of(placesByShape.begin(), placesByShape.end(),
+                  [&](const auto& entry) { return entry.first->instanceKey == first; });
+  const std::size_t count = areSame ? 1 : rows.size();
+  keys.reserve(count);
+  for (std::size_t i = 0; i < count; ++i)
+    keys.push_back(decoder.Decode(rows[i].shape->instanceKey));
+  return keys;
+}
+
+}  // namespace host

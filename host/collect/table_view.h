@@ -1,0 +1,146 @@
+// A collection in UTF-8, its values found by row and column: all that a writer needs to know of it.
+// Bytes of the machine are decoded when a text is asked for, and no sooner. A view refers to the
+// collection, which must not change meanwhile.
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "host/collect/collection.h"
+#include "host/text/decoder.h"
+
+namespace host {
+
+/// One property of a row, with its value.
+class CellView {
+ public:
+  CellView(const TextDecoder& decoder, const Row& row, std::size_t place)
+      : decoder(decoder), row(row), place(place) {}
+
+  DecodedText Key() const { return decoder.Decode(GetColumn().key); }
+  /// The row's own label; another row may have another one for the same key.
+  DecodedText Label() const { return decoder.Decode(GetColumn().label); }
+  DecodedText Text() const { return decoder.Decode(GetBytes()); }
+  /// Text() is a decimal number.
+  bool IsInteger() const { return GetColumn().isInteger; }
+  /// Bytes of the value as it was collected.
+  std::size_t ByteSize() const { return GetBytes().size(); }
+  /// The value is a whole file.
+  bool IsFile() const;
+  std::optional<DecodedText> FileName() const;
+
+ private:
+  const Column& GetColumn() const { return row.shape->columns[place]; }
+  const std::string& GetBytes() const { return row.Values()[place]; }
+
+  const TextDecoder& decoder;
+  const Row& row;
+  std::size_t place;
+};
+
+/// A property with attributes, such as a whole file with its name.
+struct AttachmentView {
+  DecodedText key;
+  /// Name and value; each name once, with the value that it was given last.
+  std::vector<std::pair<DecodedText, DecodedText>> attributes;
+  std::optional<std::size_t> byteSize;  ///< of the property's value; none without such a property
+};
+
+class RowView {
+ public:
+  /// For each column of the table its place among the row's properties, or kMissing.
+  using Places = std::vector<std::size_t>;
+  static constexpr std::size_t kMissing = static_cast<std::size_t>(-1);
+
+  RowView(const TextDecoder& decoder, const Row& row, const Places& places)
+      : decoder(decoder), row(row), places(places) {}
+
+  /// The row's properties, in its own order.
+  std::size_t CellCount() const { return row.Values().size(); }
+  CellView CellAt(std::size_t place) const { return {decoder, row, place}; }
+
+  /// The property of a column of the table; none when the row has no such property.
+  std::optional<CellView> FindCell(std::size_t column) const;
+
+  /// The properties with attributes, in the order in which these came.
+  std::vector<AttachmentView> ListAttachments() const;
+
+ private:
+  std::optional<std::size_t> FindByteSize(std::string_view key) const;
+
+  const TextDecoder& decoder;
+  const Row& row;
+  const Places& places;
+};
+
+/// A key that some row of a table has.
+struct ColumnView {
+  DecodedText key;
+  DecodedText label;                     ///< the first that a row gave it
+  std::vector<DecodedText> otherLabels;  ///< that later rows gave it, each once
+  bool isInteger = false;
+  bool hasFiles = false;  ///< some row has a whole file there
+};
+
+/// A table of a collection; one without rows is empty and has no columns.
+class TableView {
+ public:
+  /// Looks at the rows' keys, not at their values. Refers to both.
+  TableView(const TextDecoder& decoder, const CollectedTable& table);
+
+  DecodedText ClassName() const { return decoder.Decode(table.className); }
+  DecodedText Title() const;
+  DecodedText Module() const { return decoder.Decode(table.module); }
+  const TableStatus& Status() const { return table.status; }
+
+  bool IsByRow() const { return table.layout.byRow; }
+  std::vector<DecodedText> ListHeaders() const;
+  const std::vector<std::uint64_t>& LayoutNumbers() const { return table.layout.numbers; }
+
+  /// In the order in which the keys first came.
+  const std::vector<ColumnView>& Columns() const { return columns; }
+  std::size_t RowCount() const { return table.RowCount(); }
+  /// `number` counts from 0.
+  RowView RowAt(std::size_t number) const;
+  /// One when all rows have the same, otherwise one per row.
+  std::vector<DecodedText> ListInstanceKeys() const;
+
+ private:
+  const TextDecoder& decoder;
+  const CollectedTable& table;
+  std::vector<ColumnView> columns;
+  std::map<const RowShape*, RowView::Places> placesByShape;
+};
+
+struct ModuleView {
+  DecodedText name;
+  DecodedText description;
+};
+
+/// The texts of a collection, with the one decoder for all of them, which views of tables refer to.
+class CollectionView {
+ public:
+  explicit CollectionView(const Collection& collection)
+      : collection(collection), decoder(collection.machine.codePage) {}
+
+  DecodedText HostExecutable() const { return decoder.Decode(collection.machine.hostExecutable); }
+  DecodedText LogFolder() const { return decoder.Decode(collection.machine.logFolder); }
+  ModuleView ViewModule(const CollectedModule& module) const {
+    return {decoder.Decode(module.name), decoder.Decode(module.description)};
+  }
+  TableView ViewTable(const CollectedTable& table) const { return {decoder, table}; }
+  DecodedText LogText(const LogLine& line) const { return decoder.Decode(line.text); }
+  /// Something that was found in one of the values, such as a tool's version.
+  DecodedText Excerpt(std::string_view bytes) const { return decoder.Decode(bytes); }
+
+ private:
+  const Collection& collection;
+  TextDecoder decoder;
+};
+
+}  // namespace host

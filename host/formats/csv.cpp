@@ -1,0 +1,101 @@
+// A single named table is plain CSV: a head with the columns' labels, then the rows. Otherwise
+// every table is a section of its own, with the class as first column and an empty line between two
+// sections.
+
+#include <fmt/format.h>
+
+#include <map>
+
+#include "host/collect/table_view.h"
+#include "host/formats/formats.h"
+#include "host/text/screen_text.h"
+
+namespace host {
+namespace {
+
+class CsvWriter {
+ public:
+  CsvWriter(bool withClass, const Screen& screen, std::ostream& out)
+      : escapes(screen.isTerminal), withClass(withClass), out(out) {}
+
+  void Write(const TableView& table) {
+    if (table.RowCount() == 0) return;
+    if (withClass && !first) EndRecord();
+    first = false;
+    WriteHead(table);
+    const DecodedText className = table.ClassName();
+    for (std::size_t i = 0; i < table.RowCount(); ++i) {
+      const RowView row = table.RowAt(i);
+      if (withClass) WriteField(className);
+      for (std::size_t column = 0; column < table.Columns().size(); ++column) {
+        const std::optional<CellView> cell = row.FindCell(column);
+        WriteField(cell ? cell->Text() : DecodedText(std::string_view()));
+      }
+      EndRecord();
+    }
+  }
+
+ private:
+  void WriteHead(const TableView& table) {
+    std::map<std::string_view, int> uses;
+    for (const ColumnView& column : table.Columns()) ++uses[column.label];
+    if (withClass) WriteField("class");
+    for (const ColumnView& column : table.Columns()) {
+      const std::string_view label = column.label;
+      if (label.empty()) {
+        WriteField(column.key);
+      } else if (uses[label] == 1) {
+        WriteField(label);
+      } else {
+        WriteField(fmt::format("{} ({})", label, column.key.View()));
+      }
+    }
+    EndRecord();
+  }
+
+  void WriteField(std::string_view text) {
+    if (inRecord) out << ',';
+    inRecord = true;
+    if (escapes) {
+      WriteQuoted(EscapeControls(text));
+    } else {
+      WriteQuoted(text);
+    }
+  }
+
+  /// In quotes only if there is need for them.
+  void WriteQuoted(std::string_view text) {
+    if (text.find_first_of(",\"\r\n") == std::string_view::npos) {
+      out << text;
+      return;
+    }
+    out << '"';
+    for (std::size_t at = 0; (at = text.find('"')) != std::string_view::npos;) {
+      out << text.substr(0, at + 1) << '"';
+      text.remove_prefix(at + 1);
+    }
+    out << text << '"';
+  }
+
+  void EndRecord() {
+    out << "\r\n";
+    inRecord = false;
+  }
+
+  bool escapes;
+  bool withClass;
+  std::ostream& out;
+  bool first = true;
+  bool inRecord = false;
+};
+
+}  // namespace
+
+void WriteCsv(const Collection& collection, const Screen& screen, std::ostream& out) {
+  const CollectionView view(collection);
+  const bool isPlain = collection.tablesNamed && collection.tables.size() == 1;
+  CsvWriter writer(!isPlain, screen, out);
+  for (const CollectedTable& table : collection.tables) writer.Write(view.ViewTable(table));
+}
+
+}  // namespace host

@@ -1,0 +1,217 @@
+// The report: one HTML file with everything in it, which opens offline. The page is drawn by its
+// own script (host/formats/report/) from a data block; texts of tools are only ever in that block.
+
+#include <fmt/format.h>
+
+#include <array>
+#include <random>
+#include <set>
+
+#include "host/answers/tool_versions.h"
+#include "host/collect/table_view.h"
+#include "host/formats/formats.h"
+#include "host/formats/json_buffer.h"
+#include "host/formats/report/report_page.h"
+#include "host/text/json_text.h"
+#include "host/text/time_text.h"
+#include "host/text/version.h"
+
+namespace host {
+namespace {
+
+/// Above this a table that asks for one property per line is shown by rows: nobody reads that many
+/// rows side by side.
+constexpr std::size_t kMaxPropertyRows = 4;
+
+/// Writes JSON that may be inside a script element: the only place where the report escapes texts.
+/// No text can end the element, open another or start a comment in it.
+void WriteJsonForScript(std::string_view json, std::ostream& out) {
+  for (std::size_t at = 0; (at = json.find_first_of("<>")) != std::string_view::npos;) {
+    out << json.substr(0, at) << (json[at] == '<' ? "\\u003c" : "\\u003e");
+    json.remove_prefix(at + 1);
+  }
+  out << json;
+}
+
+/// Nobody who wrote the data can have known it.
+std::string MakeNonce() {
+  std::random_device random;
+  std::string nonce;
+  for (int i = 0; i < 4; ++i) nonce += fmt::format("{:08x}", random());
+  return nonce;
+}
+
+class ReportData {
+ public:
+  ReportData(const Collection& collection, std::ostream& out)
+      : collection(collection), view(collection), json(&WriteJsonForScript, out) {}
+
+  void Write() {
+    json.AppendText("{\"title\":", ChooseTitle());
+    json += ",\"facts\":";
+    json.AppendList(ListFacts(), [](std::string& text, const Fact& fact) {
+      AppendJsonList(text, fact, &AppendJsonText);
+    });
+    json.AppendText(",\"outcome\":", DescribeOutcome());
+    json += ",\"notes\":";
+    json.AppendList(collection.problems, &AppendJsonText);
+    json.AppendText(",\"footer\":", fmt::format("Made by pqhost {}.", kVersion));
+    json += ",\"modules\":[";
+    const char* separator = "";
+    for (const CollectedModule& module : collection.modules) {
+      json += separator;
+      WriteModule(module);
+      separator = ",\n";
+    }
+    json += "]}";
+    json.Flush();
+  }
+
+ private:
+  using Fact = std::array<std::string, 2>;  ///< name and value
+
+  std::string ChooseTitle() const {
+    const MachineFacts& machine = collection.machine;
+    if (!machine.name.empty()) return machine.name;
+    return machine.description.empty() ? "Server" : machine.description;
+  }
+
+  std::vector<Fact> ListFacts() const {
+    const MachineFacts& machine = collection.machine;
+    std::vector<Fact> facts;
+    const auto add = [&](std::string_view name, std::string_view value) {
+      if (!value.empty()) facts.push_back({std::string(name), std::string(value)});
+    };
+    if (!machine.name.empty()) add("System", machine.description);
+    add("Collected", FormatTimeForPeople(collection.collected));
+    add("From", machine.recorded ? "a recording" : "this machine, live");
+    add("Language", std::to_string(machine.languageId));
+    add("Code page", std::to_string(machine.codePage));
+    add("Host program", view.HostExecutable());
+    for (const ToolVersion& tool : FindToolVersions(collection)) {
+      add(tool.tool, view.Excerpt(tool.version));
+    }
+    return facts;
+  }
+
+  std::string DescribeOutcome() const {
+    std::size_t filled = 0;
+    std::size_t rows = 0;
+    for (const CollectedTable& table : collection.tables) {
+      if (table.RowCount() > 0) ++filled;
+      rows += table.RowCount();
+    }
+    return fmt::format("{} of {} tables with {} rows", filled, collection.tables.size(), rows);
+  }
+
+  void WriteModule(const CollectedModule& module) {
+    const auto [name, description] = view.ViewModule(module);
+    json.AppendText("{\"name\":", name);
+    json.AppendText(",\"description\":", description);
+    json += ",\"tables\":[";
+    const char* separator = "";
+    for (const CollectedTable& table : collection.tables) {
+      if (table.module != module.name) continue;
+      json += separator;
+      WriteTable(view.ViewTable(table));
+      separator = ",\n";
+    }
+    json += "]}";
+  }
+
+  void WriteTable(const TableView& table) {
+    std::vector<std::size_t> shown;  // Whole files are shown below the table.
+    for (std::size_t i = 0; i < table.Columns().size(); ++i) {
+      if (!table.Columns()[i].hasFiles) shown.push_back(i);
+    }
+    json.AppendText("{\"class\":", table.ClassName());
+    json.AppendText(",\"title\":", table.Title());
+    json.AppendText(",\"kind\":", ChooseKind(table, shown.size()));
+    json.AppendText(",\"status\":", table.Status().text);
+    json += fmt::format(",\"rowCount\":{},\"columns\":", table.RowCount());
+    json.AppendList(shown, [&](std::string& text, std::size_t i) {
+      const ColumnView& column = table.Columns()[i];
+      text += JsonObject().AddText("key", column.key).AddText("label", column.label).Take();
+    });
+    json += ",\"attachments\":[";
+    WriteAttachments(table);
+    json += "],\"rows\":[";
+    WriteRows(table, shown);
+    json += "]}";
+    json.Flush();
+  }
+
+  static const char* ChooseKind(const TableView& table, std::size_t columnCount) {
+    if (columnCount == 1 && table.RowCount() > 1) return "log";
+    return !table.IsByRow() && table.RowCount() <= kMaxPropertyRows ? "properties" : "rows";
+  }
+
+  void WriteRows(const TableView& table, const std::vector<std::size_t>& shown) {
+    if (shown.empty()) return;
+    for (std::size_t i = 0; i < table.RowCount(); ++i) {
+      const RowView row = table.RowAt(i);
+      if (i > 0) json += ",\n";
+      json.AppendList(shown, [&](std::string& text, std::size_t column) {
+        if (const std::optional<CellView> cell = row.FindCell(column)) {
+          AppendJsonText(text, cell->Text());
+        } else {
+          text += "null";
+        }
+      });
+      json.Flush();
+    }
+  }
+
+  void WriteAttachments(const TableView& table) {
+    std::set<std::string_view> fileKeys;
+    for (const ColumnView& column : table.Columns()) {
+      if (column.hasFiles) fileKeys.insert(column.key);
+    }
+    if (fileKeys.empty()) return;
+    const char* separator = "";
+    for (std::size_t i = 0; i < table.RowCount(); ++i) {
+      const RowView row = table.RowAt(i);
+      for (std::size_t place = 0; place < row.CellCount(); ++place) {
+        const CellView cell = row.CellAt(place);
+        if (!fileKeys.contains(cell.Key())) continue;
+        json += separator;
+        json += JsonObject()
+                    .AddText("label", cell.Label())
+                    .AddText("filename", cell.FileName().value_or(cell.Key()))
+                    .AddText("text", cell.Text())
+                    .Take();
+        separator = ",\n";
+        json.Flush();
+      }
+    }
+  }
+
+  const Collection& collection;
+  CollectionView view;
+  JsonBuffer json;
+};
+
+}  // namespace
+
+void WriteHtml(const Collection& collection, const Screen& /*screen*/, std::ostream& out) {
+  const std::string nonce = MakeNonce();
+  std::string_view page = kReportPage;
+  for (std::size_t at = 0; (at = page.find('@')) != std::string_view::npos;) {
+    out << page.substr(0, at);
+    page.remove_prefix(at);
+    const std::string_view place = page.substr(0, page.find('@', 1) + 1);
+    page.remove_prefix(place.size());
+    if (place == "@NONCE@") {
+      out << nonce;
+    } else if (place == "@STYLE@") {
+      out << kReportStyle;
+    } else if (place == "@SCRIPT@") {
+      out << kReportScript;
+    } else if (place == "@DATA@") {
+      ReportData(collection, out).Write();
+    }
+  }
+  out << page;
+}
+
+}  // namespace host

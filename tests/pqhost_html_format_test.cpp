@@ -1,0 +1,211 @@
+#include <gmock/gmock.h>
+
+#include <nlohmann/json.hpp>
+#include <regex>
+#include <set>
+#include <string>
+
+#include "tests/support/made_collection.h"
+
+namespace host {
+namespace {
+
+using Json = nlohmann::ordered_json;
+using halyard::repository::RInstance;
+using test::MadeCollection;
+using testing::HasSubstr;
+
+/// The data block as it is in the page, between its script element's tags.
+std::string FindDataBlock(const std::string& page) {
+  const std::string begin = R"(<script type="application/json" id="data">)";
+  const std::size_t at = page.find(begin) + begin.size();
+  return page.substr(at, page.find("</script>", at) - at);
+}
+
+Json ReadData(MadeCollection& made) { return Json::parse(FindDataBlock(made.As("html"))); }
+
+Json ReadTable(MadeCollection& made) { return ReadData(made)["modules"][0]["tables"][0]; }
+
+TEST(HtmlFormat, SaysWhatWasCollectedWhereAndWhen) {
+  MadeCollection made;
+  made.Get().machine = {true, "two sockets", "NODE31", 1031, 850, "C:\\\x94\\h.exe", "C:\\H\\"};
+  made.Get().problems = {"not collected: A: b"};
+  made.Table("T").Row({{"A", "1"}}).Row({{"A", "2"}}).Table("EMPTY");
+  Json data = ReadData(made);
+  data["modules"] = nullptr;
+  EXPECT_EQ(data.dump(),
+            R"({"title":"NODE31","facts":[["System","two sockets"],)"
+            R"(["Collected","2026-11-18 09:41:07 UTC"],["From","a recording"],)"
+            R"(["Language","1031"],["Code page","850"],["Host program","C:\\ö\\h.exe"]],)"
+            R"("outcome":"1 of 2 tables with 2 rows","notes":["not collected: A: b"],)"
+            R"("footer":"Made by pqhost 0.1.0.","modules":null})");
+}
+
+TEST(HtmlFormat, IsTitledByTheDescriptionOfANamelessMachine) {
+  MadeCollection made;
+  EXPECT_EQ(ReadData(made)["title"], "Server");
+  made.Get().machine.description = "two sockets";
+  EXPECT_EQ(ReadData(made)["title"], "two sockets");
+  EXPECT_EQ(ReadData(made)["facts"][0][0], "Collected");
+}
+
+TEST(HtmlFormat, NamesTheToolsVersions) {
+  MadeCollection made;
+  made.Get().machine.codePage = 850;
+  made.Table("FRUINFO").Row({{"A", "ipmiutil fru version 3.18\x81\r\n"}});
+  EXPECT_EQ(ReadData(made)["facts"].back().dump(), R"(["ipmiutil","3.18ü"])");
+}
+
+TEST(HtmlFormat, WritesATableWithItsRowsByColumn) {
+  MadeCollection made;
+  made.Table("ARPINFO").Row({{"Address", "b"}, {"Type", " x \r\n"}}).Row({{"Address", "a"}});
+  made.Get().tables.front().status = {"rows", "2 rows"};
+  EXPECT_EQ(
+      ReadTable(made).dump(),
+      R"({"class":"ARPINFO","title":"ARP table","kind":"rows","status":"2 rows",)"
+      R"("rowCount":2,"columns":[{"key":"k1","label":"Address"},)"
+      R"({"key":"k2","label":"Type"}],"attachments":[],"rows":[["b"," x \r\n"],["a",null]]})");
+}
+
+TEST(HtmlFormat, WritesATableWithoutRows) {
+  MadeCollection made;
+  made.Table("VOLUME", /*byRow=*/false);
+  made.Get().tables.front().status = {"tool missing", "the program is not there"};
+  const Json table = ReadTable(made);
+  EXPECT_EQ(table["status"], "the program is not there");
+  EXPECT_EQ(table["rowCount"], 0);
+  EXPECT_EQ(table["columns"], Json::array());
+  EXPECT_EQ(table["rows"], Json::array());
+}
+
+TEST(HtmlFormat, PutsTablesUnderTheirModules) {
+  MadeCollection made;
+  made.Table("FIRST").Table("SECOND");
+  made.Get().modules.push_back({"Other", "Another"});
+  made.Get().tables.back().module = "Other";
+  const Json modules = ReadData(made)["modules"];
+  ASSERT_EQ(modules.size(), 2U);
+  EXPECT_EQ(modules[0]["name"], "Example");
+  EXPECT_EQ(modules[0]["tables"].size(), 1U);
+  EXPECT_EQ(modules[1]["description"], "Another");
+  EXPECT_EQ(modules[1]["tables"][0]["class"], "SECOND");
+}
+
+TEST(HtmlFormat, ChoosesHowATableIsShown) {
+  const auto chooseKind = [](bool byRow, int columnCount, int rowCount) {
+    MadeCollection made;
+    made.Table("T", byRow);
+    MadeCollection::Pairs properties(static_cast<std::size_t>(columnCount), {"A", "1"});
+    for (int i = 0; i < rowCount; ++i) made.Row(properties);
+    return ReadTable(made)["kind"];
+  };
+  EXPECT_EQ(chooseKind(true, 1, 2), "log");
+  EXPECT_EQ(chooseKind(true, 1, 1), "rows");
+  EXPECT_EQ(chooseKind(true, 2, 2), "rows");
+  EXPECT_EQ(chooseKind(false, 2, 4), "properties");
+  EXPECT_EQ(chooseKind(false, 2, 5), "rows");
+}
+
+TEST(HtmlFormat, LetsNoTextEndItsDataBlock) {
+  MadeCollection made;
+  const std::string hostile = "</script><!--<script>alert(1)</script>\x1b\"\\";
+  made.Get().modules.front().description = hostile;
+  made.Get().problems = {hostile};
+  made.Get().machine.description = hostile;
+  made.Get().machine.hostExecutable = hostile;
+  made.Table("T").Row({{hostile, hostile}}).FileRow(hostile, hostile);
+  made.Get().tables.front().status.text = hostile;
+  const std::string page = made.As("html");
+  const std::string block = FindDataBlock(page);
+  EXPECT_EQ(block.find_first_of("<>"), std::string::npos);
+  const Json data = Json::parse(block);
+  EXPECT_EQ(data["title"], hostile);
+  EXPECT_EQ(data["notes"][0], hostile);
+  const Json table = data["modules"][0]["tables"][0];
+  EXPECT_EQ(table["status"], hostile);
+  EXPECT_EQ(table["columns"][0]["label"], hostile);
+  EXPECT_EQ(table["rows"][0][0], hostile);
+  EXPECT_EQ(table["attachments"][0]["filename"], hostile);
+  EXPECT_EQ(table["attachments"][0]["text"], hostile);
+}
+
+TEST(HtmlFormat, IsValidJsonWhateverTheBytes) {
+  MadeCollection made;
+  std::string all;
+  for (int c = 0; c < 256; ++c) all += static_cast<char>(c);
+  made.Table("T" + all).Row({{all, all}}).FileRow(all, all);
+  for (const std::uint32_t codePage : {932U, 1252U, 65001U}) {
+    made.Get().machine.codePage = codePage;
+    EXPECT_TRUE(Json::accept(FindDataBlock(made.As("html")))) << codePage;
+  }
+}
+
+TEST(HtmlFormat, ReadsTextsInTheMachinesCodePage) {
+  MadeCollection made;
+  made.Get().machine.codePage = 437;
+  made.Get().modules.front() = {"Example", "\x84"};
+  made.Table("T").Row({{"\x81", "\x9b"}});
+  EXPECT_EQ(ReadData(made)["modules"][0]["description"], "ä");
+  EXPECT_EQ(ReadTable(made)["columns"][0]["label"], "ü");
+  EXPECT_EQ(ReadTable(made)["rows"][0][0], "¢");
+}
+
+TEST(HtmlFormat, ShowsWholeFilesBelowTheTableInsteadOfInIt) {
+  MadeCollection made;
+  made.Table("T").Row({{"A", "1"}}).FileRow("raw\r\ntext", "c0_showall");
+  const Json table = ReadTable(made);
+  EXPECT_EQ(table["attachments"].dump(),
+            R"([{"label":"File","filename":"c0_showall","text":"raw\r\ntext"}])");
+  EXPECT_EQ(table["columns"].dump(), R"([{"key":"k1","label":"A"}])");
+  EXPECT_EQ(table["rows"].dump(), R"([["1"],[null]])");
+}
+
+TEST(HtmlFormat, WritesNoRowsWhereAllIsFiles) {
+  MadeCollection made;
+  made.Table("T").FileRow("one", "a").FileRow("two", "b");
+  const Json table = ReadTable(made);
+  EXPECT_EQ(table["rowCount"], 2);
+  EXPECT_EQ(table["attachments"].size(), 2U);
+  EXPECT_EQ(table["columns"], Json::array());
+  EXPECT_EQ(table["rows"], Json::array());
+}
+
+TEST(HtmlFormat, NamesAFileWithoutANameByItsKey) {
+  MadeCollection made;
+  made.Table("T");
+  RInstance instance("T", "made", -1);
+  instance.AddProperty("dump", "Dump", std::string("x"), false);
+  instance.AddPropertyAttr("dump", "raw", "true");
+  instance.AddToRepository(made.Repository());
+  EXPECT_EQ(ReadTable(made)["attachments"][0]["filename"], "dump");
+}
+
+TEST(HtmlFormat, AllowsOnlyItsOwnStyleAndScriptByANonceOfItsOwn) {
+  MadeCollection made;
+  const std::regex nonce("nonce(?:-|=\")([0-9a-f]{32})['\"]");
+  std::set<std::string> nonces;
+  for (int report = 0; report < 2; ++report) {
+    const std::string page = made.As("html");
+    int uses = 0;
+    for (std::sregex_iterator at(page.begin(), page.end(), nonce), end; at != end; ++at) {
+      nonces.insert((*at)[1]);
+      ++uses;
+    }
+    EXPECT_EQ(uses, 4);  // Two in the policy, and those of the style and the script.
+    EXPECT_THAT(page, HasSubstr("default-src 'none'"));
+  }
+  EXPECT_EQ(nonces.size(), 2U);
+}
+
+TEST(HtmlFormat, LeavesNoPlaceOfThePageUnfilled) {
+  MadeCollection made;
+  const std::string page = made.As("html");
+  for (const char* place : {"@NONCE@", "@STYLE@", "@SCRIPT@", "@DATA@"}) {
+    EXPECT_EQ(page.find(place), std::string::npos) << place;
+  }
+  EXPECT_TRUE(page.starts_with("<!DOCTYPE html>"));
+  EXPECT_TRUE(page.ends_with("</html>\n"));
+}
+
+}  // namespace
+}  // namespace host
