@@ -6,15 +6,9 @@
 #include <vector>
 
 #include "host/collect/collection.h"
+#include "host/text/screen.h"
 
 namespace host {
-
-/// What the results are written to.
-struct Screen {
-  bool isTerminal = false;
-  bool colors = false;
-  unsigned width = 120;  ///< in columns
-};
 
 struct Format {
   const char* name;

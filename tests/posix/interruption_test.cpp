@@ -73,7 +73,7 @@ class InterruptedCollection : public testing::Test {
     Options options;
     options.command = Command::kCollect;
     options.replay = test::Sample("two-socket-server");
-    const Console console{out, error, false, false, false, 120, {}};
+    const Console console{"pqhost", out, error, false, false, false, 120, {}};
     return Gather(options, console, false, [&](CollectionListeners& all) { all.Add(listener); });
   }
 
