@@ -8,6 +8,7 @@
 
 #include "host/formats/formats.h"
 #include "host/text/nearest_name.h"
+#include "host/text/path_text.h"
 #include "host/text/usage_error.h"
 #include "host/text/version.h"
 
@@ -72,20 +73,16 @@ struct Given {
   std::vector<std::string> query;
 };
 
-std::filesystem::path PathOf(const std::string& utf8) {
-  return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
-}
-
 std::optional<std::filesystem::path> OptionalPath(const CLI::App& app, const std::string& option,
                                                   const std::string& value) {
   if (app.count(option) == 0) return std::nullopt;
   if (value.empty()) throw UsageError(option + " is empty: give a path");
-  return PathOf(value);
+  return PathFromText(value);
 }
 
 Destination DestinationOf(const std::string& option, const std::string& value) {
   if (value.empty()) throw UsageError(option + " is empty: give a file, or - for standard output");
-  return {value == "-" ? std::filesystem::path() : PathOf(value)};
+  return {PathFromText(value)};
 }
 
 std::vector<std::string> OptionNames(const CLI::App& app) {
@@ -365,7 +362,7 @@ class Parser {
           "FROM SENSORINFO\"");
     }
     options.sql = given.query.back();
-    if (given.query.size() > 1) options.database = PathOf(given.query.front());
+    if (given.query.size() > 1) options.database = PathFromText(given.query.front());
     if (options.database && options.replay) {
       throw UsageError("a database and --replay are both there to be asked: give one of them");
     }

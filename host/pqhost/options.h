@@ -6,15 +6,11 @@
 #include <string>
 #include <vector>
 
+#include "host/program/destination.h"
+
 namespace host {
 
 enum class Command { kShowText, kModules, kCollect, kQuery, kCheck };
-
-/// A file to write to; "-" on the command line is standard output.
-struct Destination {
-  std::filesystem::path path;  ///< empty: standard output
-  bool IsStandardOutput() const { return path.empty(); }
-};
 
 struct Options {
   Command command = Command::kShowText;

@@ -6,23 +6,18 @@
 #include "host/live/live.h"
 #include "host/pqhost/commands/commands.h"
 #include "host/pqhost/options.h"
+#include "host/program/result_output.h"
 #include "host/recording/recording_file.h"
-#include "host/text/screen_text.h"
 #include "host/text/usage_error.h"
 
 namespace host {
 namespace {
 
-void RefuseBytesOnTerminal(const Options& options, const Console& console) {
-  if (!console.outIsTerminal || !options.output.IsStandardOutput()) return;
-  const Format* format = FindFormat(options.format);
-  if (format == nullptr || !format->isBinary) return;
-  throw UsageError(std::string("--format ") + options.format +
-                   " is nothing for a terminal: add --output FILE");
-}
-
 int RunCommand(const Options& options, const Console& console) {
-  RefuseBytesOnTerminal(options, console);
+  const Format* format = FindFormat(options.format);
+  if (format != nullptr && format->isBinary) {
+    RefuseBytesOnTerminal(options.format, options.output, console);
+  }
   switch (options.command) {
     case Command::kModules:
       return RunModulesCommand(options, console);

@@ -3,83 +3,18 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <fstream>
 #include <optional>
 #include <stdexcept>
 
-#include "host/collect/trace.h"
-#include "host/files/output_file.h"
 #include "host/formats/formats.h"
 #include "host/pqhost/commands/commands.h"
 #include "host/pqhost/gather.h"
-#include "host/text/json_text.h"
-#include "host/text/path_text.h"
+#include "host/pqhost/trace_output.h"
+#include "host/program/result_output.h"
 #include "host/text/screen_text.h"
-#include "host/text/usage_error.h"
 
 namespace host {
 namespace {
-
-/// The trace while it is written. It is not put aside until complete: it must tell what happened
-/// also when the collection ends the process.
-class TraceOutput {
- public:
-  TraceOutput(const Destination& destination, const Console& console, Passwords passwords)
-      : path(destination.path),
-        forTerminal(console.out),
-        writer(destination.IsStandardOutput() ? StandardOutput(console) : Open(destination.path),
-               passwords) {
-    SetRepositoryObserver(&writer);
-  }
-  TraceOutput(const TraceOutput&) = delete;
-  TraceOutput& operator=(const TraceOutput&) = delete;
-  ~TraceOutput() { SetRepositoryObserver(nullptr); }
-
-  TraceWriter& Writer() { return writer; }
-
-  /// Throws std::runtime_error when the file could not be written.
-  void Close() {
-    if (!file.is_open()) return;
-    errno = 0;
-    file.close();
-    if (file) return;
-    const std::string why = ExplainUnwritable(path);
-    throw std::runtime_error(fmt::format("cannot write {}: {}", PathText(path), why));
-  }
-
- private:
-  std::ostream& Open(const std::filesystem::path& target) {
-    errno = 0;
-    file.open(target, std::ios::binary);
-    if (!file.is_open()) {
-      const std::string why = ExplainUnwritable(target);
-      throw UsageError(fmt::format("cannot write {}: {}", PathText(target), why));
-    }
-    return file;
-  }
-
-  std::ostream& StandardOutput(const Console& console) {
-    return console.outIsTerminal ? forTerminal.Stream() : console.out;
-  }
-
-  std::ofstream file;
-  std::filesystem::path path;
-  JsonForTerminal forTerminal;
-  TraceWriter writer;
-};
-
-void WriteResults(const Options& options, const Console& console, const Collection& collection,
-                  std::optional<OutputFile>& output) {
-  const Format& format = *FindFormat(options.format);
-  if (output) {
-    format.write(collection, Screen{false, false, console.width}, output->Stream());
-    output->Complete();
-  } else {
-    const Screen screen{console.outIsTerminal, console.colors, console.width};
-    format.write(collection, screen, console.out);
-  }
-}
 
 /// A line on standard error for every table: its rows, or why there are none.
 void ReportStatus(const Collection& collection, const Console& console) {
@@ -97,17 +32,17 @@ void ReportStatus(const Collection& collection, const Console& console) {
 
 int RunCollectCommand(const Options& options, const Console& console) {
   // All that can be refused is refused before a tool runs.
-  std::optional<OutputFile> output;
+  std::optional<ResultOutput> output;
   std::optional<TraceOutput> trace;
   const auto openOutputs = [&](CollectionListeners& listeners) {
-    if (!options.output.IsStandardOutput()) output.emplace(options.output.path);
+    output.emplace(options.output, console);
     if (!options.trace) return;
     const Passwords passwords = options.replay ? Passwords::kShown : Passwords::kHidden;
     trace.emplace(*options.trace, console, passwords);
     listeners.Add(trace->Writer());
   };
-  auto [source, collection] =
-      Gather(options, console, FindFormat(options.format)->wantsLog, openOutputs);
+  const Format& format = *FindFormat(options.format);
+  auto [source, collection] = Gather(options, console, format.wantsLog, openOutputs);
 
   // What the machine answered is shown also when it could not be kept.
   try {
@@ -115,7 +50,9 @@ int RunCollectCommand(const Options& options, const Console& console) {
   } catch (const std::runtime_error& error) {
     collection.problems.emplace_back(error.what());
   }
-  WriteResults(options, console, collection, output);
+  output->Write([&, &results = collection](const Screen& screen, std::ostream& out) {
+    format.write(results, screen, out);
+  });
   if (trace) trace->Close();
   for (const std::string& problem : source->KeepLogFiles(console)) {
     collection.problems.push_back(problem);

@@ -5,11 +5,11 @@
 
 #include <optional>
 
-#include "host/files/output_file.h"
 #include "host/formats/database.h"
 #include "host/formats/formats.h"
 #include "host/pqhost/commands/commands.h"
 #include "host/pqhost/gather.h"
+#include "host/program/result_output.h"
 #include "host/text/decoder.h"
 #include "host/text/usage_error.h"
 
@@ -69,17 +69,16 @@ Collection Ask(Database& database, const std::string& sql) {
 }  // namespace
 
 int RunQueryCommand(const Options& options, const Console& console) {
-  std::optional<OutputFile> output;
+  std::optional<ResultOutput> output;
   std::optional<Database> database;
   int exitCode = kExitDone;
   try {
     if (options.database) {
       database.emplace(*options.database);
-      if (!options.output.IsStandardOutput()) output.emplace(options.output.path);
+      output.emplace(options.output, console);
     } else {
-      const Gathered gathered = Gather(options, console, /*keepLog=*/true, [&](auto&) {
-        if (!options.output.IsStandardOutput()) output.emplace(options.output.path);
-      });
+      const Gathered gathered = Gather(options, console, /*keepLog=*/true,
+                                       [&](auto&) { output.emplace(options.output, console); });
       database.emplace();
       database->Fill(gathered.collection);
       for (const std::string& problem : gathered.collection.problems) Complain(console, problem);
@@ -87,13 +86,8 @@ int RunQueryCommand(const Options& options, const Console& console) {
     }
     const Collection answer = Ask(*database, options.sql);
     const Format& format = *FindFormat(options.format);
-    if (output) {
-      format.write(answer, Screen{false, false, console.width}, output->Stream());
-      output->Complete();
-    } else {
-      format.write(answer, Screen{console.outIsTerminal, console.colors, console.width},
-                   console.out);
-    }
+    output->Write(
+        [&](const Screen& screen, std::ostream& out) { format.write(answer, screen, out); });
   } catch (const DatabaseError& error) {
     throw UsageError(error.what());
   }
