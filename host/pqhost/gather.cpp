@@ -32,8 +32,8 @@ std::vector<std::string> DescribeFailures(const FailureList& failures, const Tex
 
 }  // namespace
 
-Gathered Gather(const Options& options, const Console& console, bool keepLog,
-                const std::function<void(CollectionListeners&)>& beforeRun) {
+Gathered Gather(const SourceOptions& from, const SelectionOptions& wanted, const Console& console,
+                bool keepLog, const std::function<void(CollectionListeners&)>& beforeRun) {
   CollectionListeners listeners;
   FailureList failures;
   listeners.Add(failures);
@@ -42,7 +42,7 @@ Gathered Gather(const Options& options, const Console& console, bool keepLog,
   LogKeeper log;
   if (keepLog) listeners.Add(log);
 
-  std::unique_ptr<Source> source = OpenSource(options, console, listeners);
+  std::unique_ptr<Source> source = OpenSource(from, console, listeners);
   const auto hasPrograms = [&](const std::string& commandLine) {
     return source->HasPrograms(commandLine);
   };
@@ -53,7 +53,7 @@ Gathered Gather(const Options& options, const Console& console, bool keepLog,
   source->AddModules(added);
   const std::vector<LoadedModule> modules = RegisterModules(added);
   const std::vector<ModuleSelection> selection =
-      SelectTables(modules, options.modules, options.tables);
+      SelectTables(modules, wanted.modules, wanted.tables);
   beforeRun(listeners);
   const InterruptionWatch interruptionWatch;
 
@@ -63,7 +63,7 @@ Gathered Gather(const Options& options, const Console& console, bool keepLog,
     listeners.Add(*progress);
   }
   Collection collection =
-      RunCollection(selection, !options.tables.empty(), listeners, &InterruptionRequested);
+      RunCollection(selection, !wanted.tables.empty(), listeners, &InterruptionRequested);
   progress.reset();
   if (InterruptionRequested()) statuses.Interrupted();
 

@@ -28,7 +28,7 @@ namespace {
 
 class ReplaySource final : public Source {
  public:
-  ReplaySource(const Options& options, MachineObserver& observer)
+  ReplaySource(const SourceOptions& options, MachineObserver& observer)
       : recording(LoadRecording(*options.replay)),
         machine(recording, &observer),
         inUse(machine),
@@ -66,10 +66,10 @@ class ReplaySource final : public Source {
 
 class LiveSource final : public Source {
  public:
-  LiveSource(const Options& options, const Console& console, MachineObserver& observer)
-      : library(LoadLiveLibrary(options.plugin.value_or(console.programFolder / kPluginFileName),
+  LiveSource(const SourceOptions& options, const Console& console, MachineObserver& observer)
+      : library(LoadLiveLibrary(ChoosePlugin(options, console),
                                 {&observer, &recorder, options.toolLimit})),
-        logFolder(std::filesystem::absolute(options.logFolder.value_or(kLogFolderName))),
+        logFolder(std::filesystem::absolute(ChooseLogFolder(options))),
         facts(PrepareLiveMachine(logFolder)),
         recordingFolder(options.record) {
     if (!recordingFolder) return;
@@ -119,6 +119,14 @@ class LiveSource final : public Source {
 
 }  // namespace
 
+std::filesystem::path ChoosePlugin(const SourceOptions& options, const Console& console) {
+  return options.plugin.value_or(console.programFolder / kPluginFileName);
+}
+
+std::filesystem::path ChooseLogFolder(const SourceOptions& options) {
+  return options.logFolder.value_or(kLogFolderName);
+}
+
 MachineFacts DescribeRecording(const Recording& recording) {
   MachineFacts facts;
   facts.recorded = true;
@@ -130,7 +138,7 @@ MachineFacts DescribeRecording(const Recording& recording) {
   return facts;
 }
 
-std::unique_ptr<Source> OpenSource(const Options& options, const Console& console,
+std::unique_ptr<Source> OpenSource(const SourceOptions& options, const Console& console,
                                    MachineObserver& observer) {
   if (options.replay) return std::make_unique<ReplaySource>(options, observer);
   return std::make_unique<LiveSource>(options, console, observer);

@@ -3,6 +3,7 @@
 
 #include <boost/shared_ptr.hpp>
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -10,8 +11,6 @@
 
 #include "frame/halyard/repository.h"
 #include "host/collect/machine_facts.h"
-#include "host/pqhost/options.h"
-#include "host/pqhost/pqhost.h"
 #include "host/program/console.h"
 #include "host/recorded/machine_observer.h"
 #include "host/recorded/recording.h"
@@ -19,6 +18,23 @@
 namespace host {
 
 using ModuleList = std::vector<boost::shared_ptr<halyard::repository::RModule>>;
+
+/// What a user says about it.
+struct SourceOptions {
+  std::optional<std::filesystem::path> replay;     ///< a recording; none: this machine
+  std::optional<std::filesystem::path> logFolder;  ///< where the files that the tools leave go
+
+  // Of this machine alone.
+  std::optional<std::filesystem::path> plugin;  ///< the library's file
+  std::optional<std::filesystem::path> record;  ///< new folder to keep a recording in
+  std::optional<unsigned> toolLimit;            ///< seconds
+};
+
+/// The library's file, which is beside the program unless given.
+std::filesystem::path ChoosePlugin(const SourceOptions& options, const Console& console);
+
+/// The log folder on this machine.
+std::filesystem::path ChooseLogFolder(const SourceOptions& options);
 
 class Source {
  public:
@@ -40,9 +56,9 @@ class Source {
 /// What a recording says about its machine.
 MachineFacts DescribeRecording(const Recording& recording);
 
-/// The source that the options ask for; `observer` sees what the modules do to it. Throws
+/// The source that the options ask for; `observer` sees all that the modules do to it. Throws
 /// UsageError, RecordingError or LiveError.
-std::unique_ptr<Source> OpenSource(const Options& options, const Console& console,
+std::unique_ptr<Source> OpenSource(const SourceOptions& options, const Console& console,
                                    MachineObserver& observer);
 
 }  // namespace host

@@ -70,11 +70,10 @@ class InterruptedCollection : public testing::Test {
   InterruptedCollection() : gathered(Collect()) {}
 
   Gathered Collect() {
-    Options options;
-    options.command = Command::kCollect;
-    options.replay = test::Sample("two-socket-server");
+    SourceOptions source;
+    source.replay = test::Sample("two-socket-server");
     const Console console{"pqhost", out, error, false, false, false, 120, {}};
-    return Gather(options, console, false, [&](CollectionListeners& all) { all.Add(listener); });
+    return Gather(source, {}, console, false, [&](CollectionListeners& all) { all.Add(listener); });
   }
 
   const CollectedTable& Table(const std::string& className) {
