@@ -168,13 +168,13 @@ std::vector<CommandDescription> DescribeCommandLine() {
   DefinedProgram program;
   DefineProgram(program);
   const OptionDescription help = {"--help", OptionValue::kNone, {}};
-  std::vector<CommandDescription> descriptions = {
-      {"", {{"--version", OptionValue::kNone, {}}, help}}};
+  std::vector<CommandDescription> descriptions;
   for (const DefinedCommand& command : program.commands) {
     if (command.row.isHidden) continue;
     descriptions.push_back({command.row.name, command.options.Describe()});
     descriptions.back().options.push_back(help);
   }
+  descriptions.push_back({"", {{"--version", OptionValue::kNone, {}}, help}});
   return descriptions;
 }
 

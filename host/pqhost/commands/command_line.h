@@ -18,8 +18,8 @@ struct CommandDescription {
   std::vector<OptionDescription> options;
 };
 
-/// The program itself, then its commands, without the hidden ones; options in the order of the
-/// help, --help last.
+/// The commands in the order of the help, without the hidden ones, then the program itself; options
+/// in the order of the help, but --help last.
 std::vector<CommandDescription> DescribeCommandLine();
 
 }  // namespace host

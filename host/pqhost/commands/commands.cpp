@@ -4,10 +4,7 @@ namespace host {
 
 const std::vector<const Command*>& GetCommands() {
   static const std::vector<const Command*> commands = {
-      &kCollectCommand,
-      &kModulesCommand,
-      &kQueryCommand,
-      &kCheckCommand,
+      &kCollectCommand, &kModulesCommand, &kQueryCommand, &kCheckCommand, &kCompletionCommand,
   };
   return commands;
 }

@@ -21,13 +21,14 @@ struct Command {
   /// Defines the options. The set outlives the result, which is called, if at all, once the command
   /// line has been read and the values have been checked.
   CommandRun (*define)(OptionSet& set);
-  bool isHidden = false;  ///< not in help, messages and completions
+  bool isHidden = false;  ///< for developers: not in help, messages and completions
 };
 
 extern const Command kCollectCommand;
 extern const Command kModulesCommand;
 extern const Command kQueryCommand;
 extern const Command kCheckCommand;
+extern const Command kCompletionCommand;
 
 /// All commands, in the order of the help.
 const std::vector<const Command*>& GetCommands();
