@@ -1,10 +1,9 @@
-# Completion of pqhost's command line for bash:
+# Completion of pqhost's command line for bash, written by "pqhost completion --shell bash":
 #   source completions/pqhost.bash
 # or copy it to /usr/share/bash-completion/completions/pqhost.
 
 _pqhost_complete() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-  local formats="table json ndjson csv html sqlite none"
   local command="" word words
   COMPREPLY=()
   for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
@@ -13,38 +12,53 @@ _pqhost_complete() {
     esac
   done
 
-  case $previous in
-    --replay | --record | --log-folder)
+  case "$command $previous" in
+    'collect --module') words='sampleModule1 sampleModule2 BMC_Info AMT_Info Windows_Related_Info' ;;
+    'collect --table') words='<table>' ;;
+    'collect --replay') words='<folder>' ;;
+    'collect --record') words='<folder>' ;;
+    'collect --log-folder') words='<folder>' ;;
+    'collect --plugin') words='<file>' ;;
+    'collect --format') words='table json ndjson csv html sqlite none' ;;
+    'collect --output') words='<file>' ;;
+    'collect --tool-limit') words='<any>' ;;
+    'collect --trace') words='<file>' ;;
+    'collect '*) words='--module --table --replay --record --log-folder --plugin --format --output --tool-limit --dry-run --trace --help' ;;
+    'modules --plugin') words='<file>' ;;
+    'modules --format') words='table json markdown' ;;
+    'modules '*) words='--plugin --format --help' ;;
+    'query --replay') words='<folder>' ;;
+    'query --plugin') words='<file>' ;;
+    'query --log-folder') words='<folder>' ;;
+    'query --format') words='table json ndjson csv html sqlite none' ;;
+    'query --output') words='<file>' ;;
+    'query '*) words='--replay --plugin --log-folder --format --output --help' ;;
+    'check --module') words='sampleModule1 sampleModule2 BMC_Info AMT_Info Windows_Related_Info' ;;
+    'check --replay') words='<folder>' ;;
+    'check --log-folder') words='<folder>' ;;
+    'check --plugin') words='<file>' ;;
+    'check '*) words='--module --replay --log-folder --plugin --help' ;;
+    *) words='collect modules query check --version --help' ;;
+  esac
+
+  case $words in
+    '<folder>')
       mapfile -t COMPREPLY < <(compgen -d -- "$current")
       return ;;
-    --plugin | --output | --trace)
+    '<file>')
       mapfile -t COMPREPLY < <(compgen -f -- "$current")
       return ;;
-    --module)
-      words="sampleModule1 sampleModule2 BMC_Info AMT_Info Windows_Related_Info" ;;
-    --table)
-      # What the program itself names; class names stand two columns in.
+    '<any>') return ;;
+    '<table>')
+      # The program lists them, each in a line of its own, two columns in.
       words=$("${COMP_WORDS[0]}" modules 2>/dev/null | sed -n 's/^  \([A-Z0-9]*\) .*/\1/p') ;;
-    --format)
-      case $command in
-        modules) words="table json markdown" ;;
-        *) words=$formats ;;
-      esac ;;
-    --tool-limit) return ;;
-    *)
-      case $command in
-        collect) words="--module --table --replay --record --log-folder --plugin --format --output
-                        --tool-limit --dry-run --trace --help" ;;
-        modules) words="--plugin --format --help" ;;
-        query) words="--replay --plugin --log-folder --format --output --help" ;;
-        check) words="--module --replay --log-folder --plugin --help" ;;
-        *) words="collect modules query check --help --version" ;;
-      esac ;;
   esac
   mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
-  if [[ $command == query && $current != -* && ${#COMPREPLY[@]} -eq 0 ]]; then
-    mapfile -t COMPREPLY < <(compgen -f -X '!*.db' -- "$current")
-  fi
+  [[ $current == -* || ${#COMPREPLY[@]} -gt 0 ]] && return
+  # A word that belongs to no option.
+  case $command in
+    query) mapfile -t COMPREPLY < <(compgen -f -X '!*.db' -- "$current") ;;
+  esac
 }
 
 complete -o filenames -F _pqhost_complete pqhost

@@ -1,47 +1,55 @@
-# Completion of pqhost's command line for PowerShell:
+# Completion of pqhost's command line for PowerShell, written by
+# "pqhost completion --shell powershell":
 #   . .\completions\pqhost.ps1
 # in the profile ($PROFILE) for every session.
 
 Register-ArgumentCompleter -Native -CommandName pqhost, pqhost.exe -ScriptBlock {
     param($wordToComplete, $commandAst, $cursorPosition)
 
-    $options = @{
-        collect = '--module', '--table', '--replay', '--record', '--log-folder', '--plugin',
-                  '--format', '--output', '--tool-limit', '--dry-run', '--trace', '--help'
-        modules = '--plugin', '--format', '--help'
-        query   = '--replay', '--plugin', '--log-folder', '--format', '--output', '--help'
-        check   = '--module', '--replay', '--log-folder', '--plugin', '--help'
-    }
-    $formats = @{
-        collect = 'table', 'json', 'ndjson', 'csv', 'html', 'sqlite', 'none'
-        modules = 'table', 'json', 'markdown'
-        query   = 'table', 'json', 'ndjson', 'csv', 'html', 'sqlite', 'none'
+    $offers = @{
+        'collect --module' = 'sampleModule1', 'sampleModule2', 'BMC_Info', 'AMT_Info', 'Windows_Related_Info'
+        'collect --table' = '<table>'
+        'collect --replay' = '<folder>'
+        'collect --record' = '<folder>'
+        'collect --log-folder' = '<folder>'
+        'collect --plugin' = '<file>'
+        'collect --format' = 'table', 'json', 'ndjson', 'csv', 'html', 'sqlite', 'none'
+        'collect --output' = '<file>'
+        'collect --tool-limit' = '<any>'
+        'collect --trace' = '<file>'
+        'collect' = '--module', '--table', '--replay', '--record', '--log-folder', '--plugin', '--format', '--output', '--tool-limit', '--dry-run', '--trace', '--help'
+        'modules --plugin' = '<file>'
+        'modules --format' = 'table', 'json', 'markdown'
+        'modules' = '--plugin', '--format', '--help'
+        'query --replay' = '<folder>'
+        'query --plugin' = '<file>'
+        'query --log-folder' = '<folder>'
+        'query --format' = 'table', 'json', 'ndjson', 'csv', 'html', 'sqlite', 'none'
+        'query --output' = '<file>'
+        'query' = '--replay', '--plugin', '--log-folder', '--format', '--output', '--help'
+        'check --module' = 'sampleModule1', 'sampleModule2', 'BMC_Info', 'AMT_Info', 'Windows_Related_Info'
+        'check --replay' = '<folder>'
+        'check --log-folder' = '<folder>'
+        'check --plugin' = '<file>'
+        'check' = '--module', '--replay', '--log-folder', '--plugin', '--help'
+        '' = 'collect', 'modules', 'query', 'check', '--version', '--help'
     }
 
     # The words before the one that is being typed.
     $words = @($commandAst.CommandElements |
         Where-Object { $_.Extent.EndOffset -lt $cursorPosition } |
         ForEach-Object { $_.ToString() })
-    $command = $words | Where-Object { $options.ContainsKey($_) } | Select-Object -First 1
-    $previous = $words[-1]
+    $command = $words | Where-Object { $_ -in 'collect', 'modules', 'query', 'check' } | Select-Object -First 1
 
-    $candidates = switch ($previous) {
-        '--module' {
-            'sampleModule1', 'sampleModule2', 'BMC_Info', 'AMT_Info', 'Windows_Related_Info'
-        }
-        '--table' {
-            # What the program itself names; class names stand two columns in.
-            & $words[0] modules 2>$null |
-                ForEach-Object { if ($_ -cmatch '^  ([A-Z0-9]+) ') { $Matches[1] } }
-        }
-        '--format' { if ($command) { $formats[$command] } }
-        { $_ -in '--replay', '--record', '--log-folder', '--plugin', '--output', '--trace' } {
-            return  # PowerShell's own completion of paths
-        }
-        default {
-            if ($command) { $options[$command] }
-            else { 'collect', 'modules', 'query', 'check', '--help', '--version' }
-        }
+    $candidates = $offers["$command $($words[-1])"]
+    if (-not $candidates) { $candidates = $offers["$command"] }
+    if ("$candidates" -in '<folder>', '<file>', '<any>') {
+        return  # PowerShell's own completion of paths
+    }
+    if ("$candidates" -eq '<table>') {
+        # The program lists them, each in a line of its own, two columns in.
+        $candidates = & $words[0] modules 2>$null |
+            ForEach-Object { if ($_ -cmatch '^  ([A-Z0-9]+) ') { $Matches[1] } }
     }
     $candidates | Where-Object { $_ -like "$wordToComplete*" } | ForEach-Object {
         [System.Management.Automation.CompletionResult]::new($_, $_, 'ParameterValue', $_)

@@ -6,15 +6,9 @@
 #include <vector>
 
 #include "host/collect/collection.h"
+#include "host/text/screen.h"
 
 namespace host {
-
-/// Where results go: a terminal, or a file or pipe.
-struct Screen {
-  bool isTerminal = false;
-  bool colors = false;
-  unsigned width = 120;  ///< in columns
-};
 
 struct Format {
   const char* name;

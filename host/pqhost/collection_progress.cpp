@@ -27,7 +27,7 @@ void CollectionProgress::OnSystem(const std::string& command) {
   line.BeginStep(MakeUtf8(FindTool(command)));
 }
 
-// Somebody else writes to the terminal, and may wait there for an answer.
+// Modules and tools may ask something there and wait for the answer.
 void CollectionProgress::OnConsole(std::string_view /*text*/) { line.Hide(); }
 void CollectionProgress::OnToolConsole(std::string_view /*text*/) { line.Hide(); }
 

@@ -11,8 +11,7 @@ namespace host {
 
 class CollectionProgress final : public CollectionListener {
  public:
-  /// As ProgressLine. What modules and tools write to the terminal is announced by OnConsole and
-  /// OnToolConsole.
+  /// As ProgressLine, which is hidden as soon as a module or a tool writes to the terminal.
   CollectionProgress(std::ostream& out, unsigned width) : line(out, width) {}
 
   void Module(const std::string& name, const std::string& description) override;

@@ -36,14 +36,13 @@ class Attendant final : public CollectionListener {
 
 }  // namespace
 
-Gathered Gather(const Options& options, const Console& console, KeepLog keepLog,
-                const std::function<void(CollectionListeners&)>& beforeRun) {
-  std::unique_ptr<CommandSource> source = OpenSource(options, console);
+Gathered Gather(const SourceOptions& from, const Selection& selection, const Console& console,
+                KeepLog keepLog, const std::function<void(CollectionListeners&)>& beforeRun) {
+  std::unique_ptr<CommandSource> source = OpenSource(from, console);
   CollectionListeners listeners;
   Attendant attendant(console, listeners, beforeRun);
   listeners.Add(attendant);
-  Collection collection =
-      Collect(source->Get(), {options.modules, options.tables}, listeners, keepLog);
+  Collection collection = Collect(source->Get(), selection, listeners, keepLog);
   return {std::move(source), std::move(collection)};
 }
 

@@ -5,7 +5,6 @@
 #include <memory>
 
 #include "host/collect/collect.h"
-#include "host/pqhost/options.h"
 #include "host/pqhost/source.h"
 #include "host/program/console.h"
 
@@ -16,9 +15,10 @@ struct Gathered {
   Collection collection;
 };
 
-/// Collects what `options` ask for. `beforeRun` is called once nothing can be refused any more and
-/// no tool has run; it may add listeners. Throws UsageError, RecordingError or LiveError.
-Gathered Gather(const Options& options, const Console& console, KeepLog keepLog,
-                const std::function<void(CollectionListeners&)>& beforeRun);
+/// Collects what `selection` names from `from`. `beforeRun` is called once nothing can be refused
+/// any more and no tool has run; it may add listeners. Throws UsageError, RecordingError or
+/// LiveError.
+Gathered Gather(const SourceOptions& from, const Selection& selection, const Console& console,
+                KeepLog keepLog, const std::function<void(CollectionListeners&)>& beforeRun);
 
 }  // namespace host

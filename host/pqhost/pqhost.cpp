@@ -2,69 +2,41 @@
 
 #include <exception>
 
-#include "host/formats/formats.h"
 #include "host/live/live.h"
-#include "host/pqhost/commands/commands.h"
-#include "host/pqhost/options.h"
+#include "host/pqhost/commands/command_line.h"
 #include "host/recording/recording_reader.h"
-#include "host/text/screen_text.h"
 #include "host/text/usage_error.h"
 
 namespace host {
 namespace {
 
-void RefuseBytesOnTerminal(const Options& options, const Console& console) {
-  if (!console.outIsTerminal || !options.output.IsStandardOutput()) return;
-  const Format* format = FindFormat(options.format);
-  if (format == nullptr || !format->isBinary) return;
-  throw UsageError(std::string("--format ") + options.format +
-                   " is nothing for a terminal: add --output FILE");
+int Fail(const Console& console, const std::exception& error, int exitCode) {
+  Complain(console, error.what());
+  return exitCode;
 }
 
-int RunCommand(const Options& options, const Console& console) {
-  RefuseBytesOnTerminal(options, console);
-  switch (options.command) {
-    case Command::kModules:
-      return RunModulesCommand(options, console);
-    case Command::kCollect:
-      return options.dryRun ? RunDryRunCommand(options, console)
-                            : RunCollectCommand(options, console);
-    case Command::kCheck:
-      return RunCheckCommand(options, console);
-    case Command::kQuery:
-      return RunQueryCommand(options, console);
-    case Command::kShowText:
-      break;
+int RunAndExplain(const std::vector<std::string>& arguments, const Console& console) {
+  try {
+    return RunCommandLine(arguments, console);
+  } catch (const UsageError& error) {
+    return Fail(console, error, kExitMisused);
+  } catch (const RecordingError& error) {
+    return Fail(console, error, kExitMisused);
+  } catch (const LiveError& error) {
+    return Fail(console, error, kExitMisused);
+  } catch (const std::exception& error) {
+    return Fail(console, error, kExitIncomplete);
   }
-  console.out << options.text;
-  return kExitDone;
 }
 
 }  // namespace
 
 int RunPqhost(const std::vector<std::string>& arguments, const Console& console) {
-  int exitCode = kExitDone;
-  try {
-    exitCode = RunCommand(ParseOptions(arguments), console);
-  } catch (const UsageError& error) {
-    Complain(console, error.what());
-    exitCode = kExitMisused;
-  } catch (const RecordingError& error) {
-    Complain(console, error.what());
-    exitCode = kExitMisused;
-  } catch (const LiveError& error) {
-    Complain(console, error.what());
-    exitCode = kExitMisused;
-  } catch (const std::exception& error) {
-    Complain(console, error.what());
-    exitCode = kExitIncomplete;
-  }
+  const int exitCode = RunAndExplain(arguments, console);
   console.out.flush();
-  if (!console.out && exitCode == kExitDone) {
-    Complain(console, "standard output could not be written");
-    exitCode = kExitIncomplete;
-  }
-  return exitCode;
+  if (console.out || exitCode != kExitDone) return exitCode;
+  Complain(console, "standard output could not be written");
+  return kExitIncomplete;
 }
 
 }  // namespace host

@@ -1,4 +1,4 @@
-// The program: what it is asked, what it answers. main.cpp only calls it.
+// The program, as main.cpp and the tests call it.
 #pragma once
 
 #include <string>

@@ -17,7 +17,7 @@ namespace {
 
 class ReplaySource final : public CommandSource {
  public:
-  explicit ReplaySource(const Options& options)
+  explicit ReplaySource(const SourceOptions& options)
       : source(LoadRecording(*options.replay)), logFolder(options.logFolder) {
     if (logFolder) CreateFolder(*logFolder);
   }
@@ -40,9 +40,9 @@ class ReplaySource final : public CommandSource {
 
 class ThisMachine final : public CommandSource {
  public:
-  ThisMachine(const Options& options, const Console& console)
-      : source({options.plugin.value_or(console.programFolder / kPluginFileName),
-                options.logFolder.value_or(kLogFolderName), options.record, options.toolLimit}),
+  ThisMachine(const SourceOptions& options, const Console& console)
+      : source({ChoosePlugin(options, console), ChooseLogFolder(options), options.record,
+                options.toolLimit}),
         recordingFolder(options.record) {}
 
   Source& Get() override { return source; }
@@ -66,7 +66,15 @@ class ThisMachine final : public CommandSource {
 
 }  // namespace
 
-std::unique_ptr<CommandSource> OpenSource(const Options& options, const Console& console) {
+std::filesystem::path ChoosePlugin(const SourceOptions& options, const Console& console) {
+  return options.plugin.value_or(console.programFolder / kPluginFileName);
+}
+
+std::filesystem::path ChooseLogFolder(const SourceOptions& options) {
+  return options.logFolder.value_or(kLogFolderName);
+}
+
+std::unique_ptr<CommandSource> OpenSource(const SourceOptions& options, const Console& console) {
   if (options.replay) return std::make_unique<ReplaySource>(options);
   return std::make_unique<ThisMachine>(options, console);
 }

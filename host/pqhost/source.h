@@ -1,16 +1,34 @@
 // Where a command collects from, and where it keeps what comes of it: a recording, or this machine.
 #pragma once
 
+#include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "host/collect/collection.h"
 #include "host/collect/source.h"
-#include "host/pqhost/options.h"
 #include "host/program/console.h"
 
 namespace host {
+
+/// What a user says about it.
+struct SourceOptions {
+  std::optional<std::filesystem::path> replay;     ///< a recording; none: this machine
+  std::optional<std::filesystem::path> logFolder;  ///< where the files that the tools leave go
+
+  // Of this machine alone.
+  std::optional<std::filesystem::path> plugin;  ///< the library's file
+  std::optional<std::filesystem::path> record;  ///< new folder to keep a recording in
+  std::optional<unsigned> toolLimit;            ///< seconds
+};
+
+/// The library's file, which is beside the program unless given.
+std::filesystem::path ChoosePlugin(const SourceOptions& options, const Console& console);
+
+/// The log folder on this machine.
+std::filesystem::path ChooseLogFolder(const SourceOptions& options);
 
 class CommandSource {
  public:
@@ -26,6 +44,6 @@ class CommandSource {
 };
 
 /// The source that the options ask for. Throws UsageError or RecordingError.
-std::unique_ptr<CommandSource> OpenSource(const Options& options, const Console& console);
+std::unique_ptr<CommandSource> OpenSource(const SourceOptions& options, const Console& console);
 
 }  // namespace host

@@ -4,8 +4,12 @@
 
 namespace host {
 
+Screen DescribeScreen(const Console& console) {
+  return {console.outIsTerminal, console.colors, console.width};
+}
+
 void Complain(const Console& console, const std::string& text) {
-  console.error << "pqhost: " << EscapeControls(text) << std::endl;
+  console.error << console.programName << ": " << EscapeControls(text) << std::endl;
 }
 
 }  // namespace host

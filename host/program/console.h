@@ -1,14 +1,17 @@
-// Who a program talks to, and the exit codes that it answers with.
+// The console a program runs on, and the exit codes it ends with.
 #pragma once
 
 #include <filesystem>
 #include <ostream>
 #include <string>
 
+#include "host/text/screen.h"
+
 namespace host {
 
 /// Where the program writes, and to whom.
 struct Console {
+  std::string programName;  ///< begins each of its messages
   std::ostream& out;
   std::ostream& error;
   bool outIsTerminal = false;
@@ -23,8 +26,11 @@ inline constexpr int kExitDone = 0;
 inline constexpr int kExitIncomplete = 1;  ///< something could not be collected or written
 inline constexpr int kExitMisused = 2;     ///< wrong use or unreadable input; nothing was collected
 
-/// Writes one line to standard error, after the program's name. Nothing in `text` (UTF-8) reaches a
-/// terminal raw.
+/// Standard output as the screen for a result.
+Screen DescribeScreen(const Console& console);
+
+/// Writes one line to standard error, after the program's name. Control characters in `text`
+/// (UTF-8) are escaped.
 void Complain(const Console& console, const std::string& text);
 
 }  // namespace host

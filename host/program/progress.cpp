@@ -7,7 +7,7 @@
 namespace host {
 namespace {
 
-constexpr char kWipe[] = "\r\x1b[K";
+constexpr char kClearLine[] = "\r\x1b[K";
 constexpr auto kTick = std::chrono::milliseconds(500);
 
 std::string FormatSeconds(std::chrono::steady_clock::duration time) {
@@ -20,13 +20,13 @@ std::string FormatSeconds(std::chrono::steady_clock::duration time) {
 }  // namespace
 
 ProgressLine::ProgressLine(std::ostream& out, unsigned width)
-    : out(out), width(width), ticker([this] { Tick(); }) {}
+    : out(out), width(width), ticker([this] { RedrawEveryTick(); }) {}
 
 ProgressLine::~ProgressLine() {
   {
     const std::lock_guard lock(mutex);
     ending = true;
-    Wipe();
+    Clear();
   }
   wake.notify_one();
   ticker.join();
@@ -36,7 +36,7 @@ void ProgressLine::BeginTask(const std::string& name) {
   const std::lock_guard lock(mutex);
   task = EscapeControls(name);
   step.clear();
-  wanted = true;
+  hidden = false;
   Draw();
 }
 
@@ -44,32 +44,32 @@ void ProgressLine::BeginStep(const std::string& name) {
   const std::lock_guard lock(mutex);
   step = EscapeControls(name);
   stepBegin = Clock::now();
-  wanted = true;
+  hidden = false;
   Draw();
 }
 
 void ProgressLine::Hide() {
   const std::lock_guard lock(mutex);
-  wanted = false;
-  Wipe();
+  hidden = true;
+  Clear();
 }
 
 void ProgressLine::Draw() {
-  if (!wanted || ending) return;
+  if (hidden || ending) return;
   const Clock::time_point now = Clock::now();
   std::string line = fmt::format("{}  {}", FormatSeconds(now - begin), task);
   if (!step.empty()) line += fmt::format(": {} ({})", step, FormatSeconds(now - stepBegin));
-  // The last column stays free: some terminals wrap as soon as it is written.
-  out << kWipe << CutText(line, width > 1 ? width - 1 : 1) << std::flush;
-  shown = true;
+  // Some terminals wrap as soon as the last column is written.
+  out << kClearLine << CutText(line, width > 1 ? width - 1 : 1) << std::flush;
+  drawn = true;
 }
 
-void ProgressLine::Wipe() {
-  if (shown) out << kWipe << std::flush;
-  shown = false;
+void ProgressLine::Clear() {
+  if (drawn) out << kClearLine << std::flush;
+  drawn = false;
 }
 
-void ProgressLine::Tick() {
+void ProgressLine::RedrawEveryTick() {
   std::unique_lock lock(mutex);
   while (!wake.wait_for(lock, kTick, [this] { return ending; })) Draw();
 }

@@ -1,5 +1,5 @@
-// What a person at a terminal sees while a program works: one line that says what is running, and
-// for how long.
+// A progress line: one line of a terminal that names the running task and its step, with the time
+// that each has taken.
 #pragma once
 
 #include <chrono>
@@ -13,38 +13,40 @@ namespace host {
 
 class ProgressLine {
  public:
-  /// `out` is a terminal of `width` columns; the line is wiped off it in the end. Nothing else may
-  /// write to it while the line is shown.
+  /// `out` is a terminal of `width` columns. Nothing else may write to it while the line is shown;
+  /// the destructor clears the line.
   ProgressLine(std::ostream& out, unsigned width);
   ProgressLine(const ProgressLine&) = delete;
   ProgressLine& operator=(const ProgressLine&) = delete;
   ~ProgressLine();
 
-  /// Names the task, such as a module; no step of it has begun. Texts are UTF-8, escaped here.
+  /// Shows a task, such as a module, of which no step has begun yet. Names are UTF-8; their control
+  /// characters are escaped.
   void BeginTask(const std::string& name);
-  /// Names a step of the task, such as a tool; its time counts from now. Empty: between two steps.
+  /// Shows a step of the task, such as a tool, and starts its clock. Empty: between two steps.
   void BeginStep(const std::string& name);
-  /// Makes way for somebody else who writes to the terminal, until the next step begins.
+  /// Leaves the terminal to others until the next task or step begins.
   void Hide();
 
  private:
   using Clock = std::chrono::steady_clock;
 
   void Draw();
-  void Wipe();
-  void Tick();
+  void Clear();
+  /// Keeps the times current; runs on `ticker` until the line ends.
+  void RedrawEveryTick();
 
   std::ostream& out;
   const unsigned width;
   const Clock::time_point begin = Clock::now();
 
-  std::mutex mutex;  ///< guards all below, and the terminal
+  std::mutex mutex;  ///< guards the terminal and the members below
   std::condition_variable wake;
   std::string task;
   std::string step;
   Clock::time_point stepBegin = begin;
-  bool shown = false;   ///< the line is on the terminal
-  bool wanted = false;  ///< the line may be drawn
+  bool drawn = false;  ///< on the terminal now
+  bool hidden = true;  ///< until a task or step begins
   bool ending = false;
   std::thread ticker;
 };

@@ -1,4 +1,4 @@
-// Finding out to whom the program talks.
+// The terminal that the program was started on, if any, and the words it was started with.
 #pragma once
 
 #include <filesystem>
@@ -10,18 +10,18 @@ namespace host {
 struct TerminalFacts {
   bool outIsTerminal = false;
   bool errorIsTerminal = false;
-  bool colors = false;
-  unsigned width = 120;
+  bool colors = false;   ///< on standard output
+  unsigned width = 120;  ///< columns
 };
 
-/// Prepares standard output and standard error for UTF-8 without changed line ends, and says what
-/// they are. NO_COLOR (not empty) in the environment ends colours.
+/// Sets standard output and standard error up for UTF-8 with line ends left alone, and tells what
+/// they lead to. No colours if NO_COLOR is set in the environment and not empty.
 TerminalFacts PrepareTerminal();
 
 /// The program's arguments as UTF-8, without its name.
-std::vector<std::string> ProgramArguments(int argc, char** argv);
+std::vector<std::string> GetProgramArguments(int argc, char** argv);
 
 /// The folder of the program's file.
-std::filesystem::path ProgramFolder();
+std::filesystem::path FindProgramFolder();
 
 }  // namespace host

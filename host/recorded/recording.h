@@ -1,5 +1,5 @@
-// What a recording says about a machine: what its tools print and which files are on it. Plain data,
-// cheap to copy; host/recording knows it as files.
+// What a recording says about a machine: what its tools print and which files are on it. Plain
+// data, cheap to copy; host/recording knows it as files.
 #pragma once
 
 #include <cstdint>

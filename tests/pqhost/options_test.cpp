@@ -1,28 +1,42 @@
-#include "host/pqhost/options.h"
-
 #include <gmock/gmock.h>
 
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "host/formats/formats.h"
+#include "host/live/live.h"
+#include "host/pqhost/commands/command_line.h"
 #include "host/text/usage_error.h"
 #include "host/text/version.h"
+#include "tests/support/host_run.h"
+#include "tests/support/temporary_folder.h"
 
 namespace host {
 namespace {
 
-using testing::ElementsAre;
+using testing::AllOf;
+using testing::Contains;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::Not;
+using testing::StartsWith;
 
 using Words = std::vector<std::string>;
+
+/// What a command line that is right writes to standard output.
+std::string Answer(const Words& arguments) {
+  std::ostringstream out;
+  std::ostringstream error;
+  const Console console{
+      .programName = "pqhost", .out = out, .error = error, .programFolder = "nowhere"};
+  RunCommandLine(arguments, console);
+  return out.str();
+}
 
 /// What is said about a wrong command line; always one line.
 std::string Complaint(const Words& arguments) {
   try {
-    ParseOptions(arguments);
+    Answer(arguments);
   } catch (const UsageError& error) {
     std::string text = error.what();
     EXPECT_EQ(text.find('\n'), std::string::npos) << text;
@@ -31,46 +45,41 @@ std::string Complaint(const Words& arguments) {
   return "no complaint";
 }
 
-std::string Help(const Words& arguments) { return ParseOptions(arguments).text; }
+const std::string kSample = test::Sample("two-socket-server");
 
-TEST(Options, DefaultsToTablesOnStandardOutput) {
-  const Options options = ParseOptions({"collect"});
-  EXPECT_EQ(options.command, Command::kCollect);
-  EXPECT_EQ(options.format, "table");
-  EXPECT_TRUE(options.output.IsStandardOutput());
-  EXPECT_THAT(options.modules, IsEmpty());
-  EXPECT_THAT(options.tables, IsEmpty());
-  EXPECT_FALSE(options.replay || options.logFolder || options.plugin || options.trace);
+TEST(Options, DefaultToAllTablesOnStandardOutput) {
+  const std::string tables = Answer({"collect", "--replay", kSample});
+  EXPECT_EQ(Answer({"collect", "--replay", kSample, "--format", "table", "--output", "-"}), tables);
+  for (const char* className : {"RAIDINFO", "SENSORINFO", "ARPINFO"}) {
+    EXPECT_THAT(tables, HasSubstr(className));
+  }
 }
 
-TEST(Options, ReadsAllOfCollect) {
-  const Options options = ParseOptions(
-      {"collect", "--module", "A", "--module=B", "--table", "T", "--table", "T", "--replay", "rec",
-       "--log-folder", "logs", "--format", "json", "--output", "o.json", "--trace", "t.jsonl"});
-  EXPECT_THAT(options.modules, ElementsAre("A", "B"));
-  EXPECT_THAT(options.tables, ElementsAre("T", "T"));
-  EXPECT_EQ(options.replay, std::filesystem::path("rec"));
-  EXPECT_EQ(options.logFolder, std::filesystem::path("logs"));
-  EXPECT_EQ(options.format, "json");
-  EXPECT_EQ(options.output.path, std::filesystem::path("o.json"));
-  EXPECT_EQ(options.trace->path, std::filesystem::path("t.jsonl"));
+TEST(Options, ReadAllOfCollect) {
+  const test::TemporaryFolder folder;
+  EXPECT_EQ(Answer({"collect",      "--module",        "BMC_Info", "--module=Windows_Related_Info",
+                    "--table",      "ARPINFO",         "--table",  "SENSORINFO",
+                    "--table",      "ARPINFO",         "--replay", kSample,
+                    "--log-folder", folder / "logs",   "--format", "ndjson",
+                    "--output",     folder / "o.json", "--trace",  folder / "t.jsonl"}),
+            "");
+  EXPECT_THAT(folder.Read("o.json"),
+              AllOf(HasSubstr("ARPINFO"), HasSubstr("SENSORINFO"), Not(HasSubstr("NETSTATINFO"))));
+  EXPECT_THAT(folder.Read("t.jsonl"),
+              AllOf(HasSubstr("BMC_Info"), HasSubstr("Windows_Related_Info")));
+  EXPECT_THAT(folder.Files(), Contains(StartsWith("logs/")));
 }
 
-TEST(Options, ReadsPathsAsUtf8) {
-  const Options options = ParseOptions({"collect", "--replay", "Gerät 连接"});
-  EXPECT_EQ(options.replay->u8string(), u8"Gerät 连接");
-}
-
-TEST(Options, TakesADashForStandardOutput) {
-  EXPECT_TRUE(ParseOptions({"collect", "--output", "-"}).output.IsStandardOutput());
-  EXPECT_TRUE(ParseOptions({"collect", "--trace", "-"}).trace->IsStandardOutput());
-}
-
-TEST(Options, LeavesStandardOutputToTheTrace) {
-  EXPECT_EQ(ParseOptions({"collect", "--trace", "-"}).format, "none");
-  EXPECT_EQ(ParseOptions({"collect", "--trace", "-", "--output", "x"}).format, "table");
-  EXPECT_EQ(ParseOptions({"collect", "--trace", "x"}).format, "table");
-  EXPECT_EQ(ParseOptions({"collect", "--trace", "-", "--format", "none"}).format, "none");
+TEST(Options, LeaveStandardOutputToTheTrace) {
+  const test::TemporaryFolder folder;
+  const std::string tables = Answer({"collect", "--replay", kSample});
+  EXPECT_EQ(Answer({"collect", "--replay", kSample, "--trace", folder / "t"}), tables);
+  const std::string trace = folder.Read("t");
+  EXPECT_EQ(Answer({"collect", "--replay", kSample, "--trace", "-"}), trace);
+  EXPECT_EQ(Answer({"collect", "--replay", kSample, "--trace", "-", "--format", "none"}), trace);
+  EXPECT_EQ(Answer({"collect", "--replay", kSample, "--trace", "-", "--output", folder / "o"}),
+            trace);
+  EXPECT_EQ(folder.Read("o"), tables);
 }
 
 TEST(Options, RefusesTraceAndResultsInOnePlace) {
@@ -79,10 +88,11 @@ TEST(Options, RefusesTraceAndResultsInOnePlace) {
   EXPECT_THAT(Complaint({"collect", "--trace", "x", "--output", "x"}), HasSubstr("the same file"));
 }
 
-TEST(Options, ReadsModules) {
-  EXPECT_EQ(ParseOptions({"modules"}).command, Command::kModules);
-  EXPECT_EQ(ParseOptions({"modules", "--format", "json"}).format, "json");
-  EXPECT_EQ(ParseOptions({"modules", "--plugin", "x.dll"}).plugin, std::filesystem::path("x.dll"));
+TEST(Options, ReadAllOfModules) {
+  EXPECT_THAT(Answer({"modules"}), StartsWith("sampleModule1  "));
+  EXPECT_THAT(Answer({"modules", "--format", "json"}), StartsWith("{"));
+  EXPECT_THAT(Answer({"modules", "--format", "markdown"}), StartsWith("#"));
+  EXPECT_THROW(Answer({"modules", "--plugin", "nowhere.dll"}), LiveError);
 }
 
 TEST(Options, WantsACommand) {
@@ -157,14 +167,10 @@ TEST(Options, DoesNotTakeASlashForAnOption) {
             "collect takes no argument /module (see pqhost collect --help)");
 }
 
-TEST(Options, ReadsRecordingFolderAndToolLimit) {
-  const Options options = ParseOptions({"collect", "--record", "r", "--tool-limit", "120"});
-  EXPECT_EQ(options.record, "r");
-  EXPECT_EQ(options.toolLimit, 120u);
-}
-
-TEST(Options, HaveNoToolLimitUnlessGiven) {
-  EXPECT_EQ(ParseOptions({"collect"}).toolLimit, std::nullopt);
+TEST(Options, TakeARecordingFolderAndAToolLimitForThisMachine) {
+  EXPECT_THROW(
+      Answer({"collect", "--record", "r", "--tool-limit", "120", "--plugin", "nowhere.dll"}),
+      LiveError);
 }
 
 TEST(Options, RefuseAToolLimitOfNoTime) {
@@ -183,9 +189,9 @@ TEST(Options, RefuseAToolLimitInAReplay) {
 }
 
 TEST(Options, HelpNamesEveryOptionAndHasExamples) {
-  EXPECT_THAT(Help({"--help"}), HasSubstr("Examples:"));
-  EXPECT_THAT(Help({"--help"}), HasSubstr("collect"));
-  const std::string collect = Help({"collect", "--help"});
+  EXPECT_THAT(Answer({"--help"}), HasSubstr("Examples:"));
+  EXPECT_THAT(Answer({"--help"}), HasSubstr("collect"));
+  const std::string collect = Answer({"collect", "--help"});
   EXPECT_THAT(collect, HasSubstr("Usage: pqhost collect [OPTIONS]"));
   EXPECT_THAT(collect, HasSubstr("Examples:"));
   EXPECT_THAT(collect, HasSubstr("Exit codes:"));
@@ -194,20 +200,17 @@ TEST(Options, HelpNamesEveryOptionAndHasExamples) {
     EXPECT_THAT(collect, HasSubstr(option)) << option;
   }
   for (const Format& format : Formats()) EXPECT_THAT(collect, HasSubstr(format.name));
-  EXPECT_THAT(Help({"modules", "--help"}), Not(HasSubstr("--replay")));
+  EXPECT_THAT(Answer({"modules", "--help"}), Not(HasSubstr("--replay")));
 }
 
 TEST(Options, SaysItsVersion) {
-  EXPECT_EQ(Help({"--version"}), std::string("pqhost ") + kVersion + "\n");
+  EXPECT_EQ(Answer({"--version"}), std::string("pqhost ") + kVersion + "\n");
 }
 
-TEST(Options, TakesAQueryWithOrWithoutADatabase) {
-  const Options live = ParseOptions({"query", "SELECT 1"});
-  EXPECT_EQ(live.sql, "SELECT 1");
-  EXPECT_FALSE(live.database);
-  const Options file = ParseOptions({"query", "server.db", "SELECT 2"});
-  EXPECT_EQ(file.sql, "SELECT 2");
-  EXPECT_EQ(file.database, std::filesystem::path("server.db"));
+TEST(Options, TakeAQueryWithOrWithoutADatabase) {
+  EXPECT_EQ(Answer({"query", "--replay", kSample, "SELECT 1 AS one", "--format", "csv"}),
+            "one\r\n1\r\n");
+  EXPECT_THAT(Complaint({"query", "nowhere.db", "SELECT 2"}), HasSubstr("nowhere.db"));
 }
 
 TEST(Options, RefusesADatabaseBesideARecording) {
@@ -216,7 +219,7 @@ TEST(Options, RefusesADatabaseBesideARecording) {
 }
 
 TEST(Options, RefusesAQueryWithoutSql) {
-  EXPECT_THAT(Complaint({"query"}), testing::StartsWith("there is no query"));
+  EXPECT_THAT(Complaint({"query"}), StartsWith("there is no query"));
 }
 
 }  // namespace

@@ -15,9 +15,9 @@ TEST(NamedFiles, AreReadOnceAndShared) {
   folder.Write("b", "bytes");
   NamedFiles files(folder.Path());
   const auto read = files.Read("a");
-  EXPECT_EQ(*read, "bytes");
-  EXPECT_EQ(files.Read("a"), read);
-  EXPECT_NE(files.Read("b"), read);
+  EXPECT_EQ(read, "bytes");
+  EXPECT_TRUE(files.Read("a").SharesWith(read));
+  EXPECT_FALSE(files.Read("b").SharesWith(read));
 }
 
 TEST(NamedFiles, AreRefusedEveryTime) {

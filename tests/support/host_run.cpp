@@ -11,7 +11,7 @@ HostRun RunHost(const std::vector<std::string>& arguments, const HostTerminal& t
   std::ostringstream out;
   std::ostringstream error;
   const host::Console console{
-      out, error, terminal.out, terminal.error, terminal.colors, terminal.width, {}};
+      "pqhost", out, error, terminal.out, terminal.error, terminal.colors, terminal.width, {}};
   HostRun run;
   run.exitCode = host::RunPqhost(arguments, console);
   run.out = out.str();

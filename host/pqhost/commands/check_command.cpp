@@ -1,41 +1,55 @@
-// pqhost check and pqhost collect --dry-run: what a collection would find, and what it would run.
+// pqhost check: everything that a collection would find, without running a tool.
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
 
-#include "host/check/dry_machine.h"
 #include "host/check/machine_check.h"
 #include "host/collect/recorded_source.h"
 #include "host/live/live.h"
 #include "host/pqhost/commands/commands.h"
+#include "host/pqhost/commands/shared_options.h"
+#include "host/pqhost/source.h"
 #include "host/recorded/interpreter.h"
 #include "host/recording/recording_reader.h"
-#include "host/text/decoder.h"
 #include "host/text/screen_text.h"
 
 namespace host {
 namespace {
 
-std::filesystem::path LogFolderOf(const Options& options) {
-  return options.logFolder.value_or(kLogFolderName);
-}
+constexpr char kFooter[] = R"(Examples:
+  pqhost check
+  pqhost check --module BMC_Info --log-folder D:\logs
+  pqhost check --replay RECORDING
+
+Exit codes: 0 everything is there; 1 something is missing; 2 wrong use or
+unreadable input.
+)";
+
+struct CheckOptions {
+  std::vector<std::string> modules;  ///< empty: all
+  SourceOptions source;
+};
 
 /// Why the library cannot be used; empty when it can.
-std::string TryLibrary(const Options& options, const Console& console) {
+std::string TryLibrary(const SourceOptions& options, const Console& console) {
   try {
-    LoadLiveLibrary(options.plugin.value_or(console.programFolder / kPluginFileName), {});
+    LoadLiveLibrary(ChoosePlugin(options, console), {});
     return {};
   } catch (const LiveError& error) {
     return error.what();
   }
 }
 
-CheckedMachine LookAtThisMachine(const Options& options, const Console& console) {
+CheckedMachine LookAtThisMachine(const SourceOptions& options, const Console& console) {
   CheckedMachine machine;
-  machine.facts = DescribeThisMachine(LogFolderOf(options));
+  machine.facts = DescribeThisMachine(ChooseLogFolder(options));
   machine.locate = &LocateProgram;
-  machine.surroundings = LookAround(LogFolderOf(options));
+  machine.surroundings = LookAround(ChooseLogFolder(options));
   machine.surroundings->libraryProblem = TryLibrary(options, console);
   return machine;
 }
@@ -65,11 +79,11 @@ Look LookOf(Finding::Kind kind) {
   return kLooks[static_cast<std::size_t>(kind)];
 }
 
-}  // namespace
-
-int RunCheckCommand(const Options& options, const Console& console) {
+int RunCheck(const CheckOptions& options, const Console& console) {
+  const SourceOptions& source = options.source;
+  RefusePluginWithReplay(source);
   const CheckedMachine machine =
-      options.replay ? LookAtRecording(*options.replay) : LookAtThisMachine(options, console);
+      source.replay ? LookAtRecording(*source.replay) : LookAtThisMachine(source, console);
   const std::vector<Finding> findings = CheckMachine(machine, options.modules);
   std::size_t width = 0;
   for (const Finding& finding : findings) {
@@ -87,21 +101,18 @@ int RunCheckCommand(const Options& options, const Console& console) {
   return isComplete ? kExitDone : kExitIncomplete;
 }
 
-int RunDryRunCommand(const Options& options, const Console& console) {
-  const MachineFacts facts = options.replay ? DescribeRecording(LoadRecording(*options.replay))
-                                            : DescribeThisMachine(LogFolderOf(options));
-  const TextDecoder decode(facts.codePage);
-  std::string module;
-  for (const DryCommand& command :
-       ListCommands({facts.hostExecutable, facts.logFolder, facts.languageId}, options.modules,
-                    options.tables)) {
-    if (command.module != module) {
-      console.out << (module.empty() ? "" : "\n") << EscapeControls(command.module) << '\n';
-    }
-    module = command.module;
-    console.out << "  " << EscapeControls(decode(command.commandLine)) << '\n';
-  }
-  return kExitDone;
+CommandRun Define(OptionSet& set) {
+  const auto options = std::make_shared<CheckOptions>();
+  AddModules(set, options->modules, "Look at this module's tools; may be repeated");
+  AddReplay(set, options->source);
+  AddLogFolder(set, options->source);
+  AddPlugin(set, options->source);
+  return [options](const Console& console) { return RunCheck(*options, console); };
 }
+
+}  // namespace
+
+const Command kCheckCommand = {"check", "Tell what a collection would find, running nothing",
+                               kFooter, &Define};
 
 }  // namespace host

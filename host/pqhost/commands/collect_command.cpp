@@ -1,76 +1,96 @@
-// pqhost collect: from options to results. The machine is a recording, or this one.
+// pqhost collect: the tables of this machine, or of a recorded one.
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <fstream>
+#include <memory>
 #include <optional>
 #include <stdexcept>
+#include <string>
 
-#include "host/collect/trace.h"
-#include "host/files/output_file.h"
-#include "host/files/whole_file.h"
+#include "host/check/dry_machine.h"
+#include "host/collect/recorded_source.h"
 #include "host/formats/formats.h"
+#include "host/live/live.h"
 #include "host/pqhost/commands/commands.h"
+#include "host/pqhost/commands/shared_options.h"
 #include "host/pqhost/gather.h"
-#include "host/text/json_text.h"
+#include "host/pqhost/trace_output.h"
+#include "host/program/result_output.h"
+#include "host/recording/recording_reader.h"
+#include "host/text/decoder.h"
 #include "host/text/screen_text.h"
 #include "host/text/usage_error.h"
 
 namespace host {
 namespace {
 
-/// The trace while it is written. It is not put aside until complete: it must tell what happened
-/// also when the collection ends the process.
-class TraceOutput {
- public:
-  TraceOutput(const Destination& destination, const Console& console, Passwords passwords)
-      : path(destination.path),
-        forTerminal(console.out),
-        writer(destination.IsStandardOutput() ? StandardOutput(console) : Open(destination.path),
-               passwords) {}
-  TraceOutput(const TraceOutput&) = delete;
-  TraceOutput& operator=(const TraceOutput&) = delete;
+constexpr char kFooter[] = R"(Examples:
+  pqhost collect --module BMC_Info --module Windows_Related_Info
+  pqhost collect --replay RECORDING --format json --output server.json
+  pqhost collect --replay RECORDING --log-folder logs --format none
+  pqhost collect --record RECORDING --tool-limit 120
+  pqhost collect --module BMC_Info --dry-run
 
-  TraceWriter& Writer() { return writer; }
+Exit codes: 0 done; 1 something could not be collected, with a line for each on
+standard error; 2 wrong use or unreadable input.
+)";
 
-  /// Throws std::runtime_error when the file could not be written.
-  void Close() {
-    if (!file.is_open()) return;
-    errno = 0;
-    file.close();
-    if (!file) throw std::runtime_error(DescribeUnwritable(path));
-  }
+/// A day; a tool that needs longer needs no limit.
+constexpr unsigned kLongestToolLimit = 86400;
 
- private:
-  std::ostream& Open(const std::filesystem::path& target) {
-    errno = 0;
-    file.open(target, std::ios::binary);
-    if (!file.is_open()) throw UsageError(DescribeUnwritable(target));
-    return file;
-  }
-
-  std::ostream& StandardOutput(const Console& console) {
-    return console.outIsTerminal ? forTerminal.Stream() : console.out;
-  }
-
-  std::ofstream file;
-  std::filesystem::path path;
-  JsonForTerminal forTerminal;
-  TraceWriter writer;
+struct CollectOptions {
+  Selection selection;
+  SourceOptions source;
+  ResultOptions result;
+  std::optional<Destination> trace;
+  bool dryRun = false;  ///< show the commands instead of running them
 };
 
-void WriteResults(const Options& options, const Console& console, const Collection& collection,
-                  std::optional<OutputFile>& output) {
-  const Format& format = *FindFormat(options.format);
-  if (output) {
-    format.write(collection, Screen{false, false, console.width}, output->Stream());
-    output->Complete();
-  } else {
-    const Screen screen{console.outIsTerminal, console.colors, console.width};
-    format.write(collection, screen, console.out);
+/// Keeps the trace and the results from going to one place.
+void SeparateTrace(CollectOptions& options, bool isFormatGiven) {
+  const Destination& trace = *options.trace;
+  ResultOptions& result = options.result;
+  if (!trace.IsStandardOutput() || !result.output.IsStandardOutput()) {
+    if (trace.path != result.output.path) return;
+    throw UsageError("--trace and --output name the same file: give each its own");
   }
+  // A trace on standard output is alone there, unless a format is asked for.
+  if (!isFormatGiven) result.format = "none";
+  if (result.format == "none") return;
+  throw UsageError(
+      fmt::format("--trace - and --format {} both want standard output: send "
+                  "one of them to a file (--output FILE or --trace FILE)",
+                  result.format));
+}
+
+void RefuseWithReplay(const SourceOptions& source) {
+  if (source.record) {
+    throw UsageError(
+        "--record has no use with --replay, which is a recording already: leave one of them "
+        "away");
+  }
+  if (source.toolLimit) {
+    throw UsageError(
+        "--tool-limit has no use with --replay, which runs no tools: leave one of them away");
+  }
+  RefusePluginWithReplay(source);
+}
+
+void RefuseWithDryRun(const OptionSet& set) {
+  for (const char* option :
+       {"--record", "--format", "--output", "--tool-limit", "--trace", "--plugin"}) {
+    if (!set.IsGiven(option)) continue;
+    throw UsageError(fmt::format(
+        "{} has no use with --dry-run, which collects nothing: leave one of them away", option));
+  }
+}
+
+/// Throws UsageError for options that contradict each other.
+void SettleOptions(CollectOptions& options, const OptionSet& set) {
+  if (options.trace) SeparateTrace(options, set.IsGiven("--format"));
+  if (options.source.replay) RefuseWithReplay(options.source);
+  if (options.dryRun) RefuseWithDryRun(set);
 }
 
 /// A line on standard error for every table: its rows, or why there are none.
@@ -85,30 +105,30 @@ void ReportStatus(const Collection& collection, const Console& console) {
   }
 }
 
-}  // namespace
-
-int RunCollectCommand(const Options& options, const Console& console) {
-  // All that can be refused is refused before a tool runs.
-  std::optional<OutputFile> output;
+int RunCollect(const CollectOptions& options, const Console& console) {
+  const Format& format = ChooseFormat(options.result, console);
+  // Anything that can be refused is refused before a tool runs.
+  std::optional<ResultOutput> output;
   std::optional<TraceOutput> trace;
   const auto openOutputs = [&](CollectionListeners& listeners) {
-    if (!options.output.IsStandardOutput()) output.emplace(options.output.path);
+    output.emplace(options.result.output, console);
     if (!options.trace) return;
-    const Passwords passwords = options.replay ? Passwords::kShown : Passwords::kHidden;
+    const Passwords passwords = options.source.replay ? Passwords::kShown : Passwords::kHidden;
     trace.emplace(*options.trace, console, passwords);
     listeners.Add(trace->Writer());
   };
-  auto [source, collection] =
-      Gather(options, console, FindFormat(options.format)->wantsLog ? KeepLog::kYes : KeepLog::kNo,
-             openOutputs);
+  auto [source, collection] = Gather(options.source, options.selection, console,
+                                     format.wantsLog ? KeepLog::kYes : KeepLog::kNo, openOutputs);
 
-  // What the machine answered is shown also when it could not be kept.
+  // The results are shown even when the recording cannot be written.
   try {
     source->KeepRecording(console);
   } catch (const std::runtime_error& error) {
     collection.problems.emplace_back(error.what());
   }
-  WriteResults(options, console, collection, output);
+  output->Write([&, &results = collection](const Screen& screen, std::ostream& out) {
+    format.write(results, screen, out);
+  });
   if (trace) trace->Close();
   for (const std::string& problem : source->KeepLogFiles(collection, console)) {
     collection.problems.push_back(problem);
@@ -117,5 +137,52 @@ int RunCollectCommand(const Options& options, const Console& console) {
   ReportStatus(collection, console);
   return collection.problems.empty() ? kExitDone : kExitIncomplete;
 }
+
+/// Shows what a collection would run.
+int ShowCommands(const CollectOptions& options, const Console& console) {
+  const SourceOptions& source = options.source;
+  const MachineFacts facts = source.replay ? DescribeRecording(LoadRecording(*source.replay))
+                                           : DescribeThisMachine(ChooseLogFolder(source));
+  const TextDecoder decode(facts.codePage);
+  std::string module;
+  for (const DryCommand& command :
+       ListCommands({facts.hostExecutable, facts.logFolder, facts.languageId},
+                    options.selection.modules, options.selection.tables)) {
+    if (command.module != module) {
+      console.out << (module.empty() ? "" : "\n") << EscapeControls(command.module) << '\n';
+    }
+    module = command.module;
+    console.out << "  " << EscapeControls(decode(command.commandLine)) << '\n';
+  }
+  return kExitDone;
+}
+
+CommandRun Define(OptionSet& set) {
+  const auto options = std::make_shared<CollectOptions>();
+  SourceOptions& source = options->source;
+  AddModules(set, options->selection.modules, "Use this module; may be repeated");
+  set.AddNames("--table", OptionValue::kTable, options->selection.tables,
+               "Enumerate this table; may be repeated");
+  AddReplay(set, source);
+  set.AddPath("--record", OptionValue::kFolder, source.record,
+              "Keep what the tools print in this new folder, to be replayed (Windows)");
+  AddLogFolder(set, source);
+  AddPlugin(set, source);
+  AddFormat(set, options->result, "results");
+  AddOutput(set, options->result, "results");
+  set.AddSeconds("--tool-limit", source.toolLimit, kLongestToolLimit,
+                 "End a tool that runs for more than so many seconds (Windows)");
+  set.AddFlag("--dry-run", options->dryRun, "Show the command lines in order, and run nothing");
+  set.AddDestination("--trace", options->trace, "Write all that the modules do to this file, or -");
+  return [options, &set](const Console& console) {
+    SettleOptions(*options, set);
+    return options->dryRun ? ShowCommands(*options, console) : RunCollect(*options, console);
+  };
+}
+
+}  // namespace
+
+const Command kCollectCommand = {"collect", "Run the modules and show what they collect", kFooter,
+                                 &Define};
 
 }  // namespace host

@@ -1,5 +1,10 @@
 // pqhost modules: what there is to collect.
 
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+
 #include "frame/add_modules.h"
 #include "host/collect/collection.h"
 #include "host/formats/modules_list.h"
@@ -8,8 +13,19 @@
 #include "host/pqhost/commands/commands.h"
 
 namespace host {
+namespace {
 
-int RunModulesCommand(const Options& options, const Console& console) {
+constexpr char kFooter[] = R"(Examples:
+  pqhost modules
+  pqhost modules --format json
+)";
+
+struct ModulesOptions {
+  std::optional<std::filesystem::path> plugin;
+  std::string format = "table";
+};
+
+int RunModules(const ModulesOptions& options, const Console& console) {
   std::unique_ptr<LiveLibrary> library;  // Outlives the modules that it added.
   std::vector<boost::shared_ptr<halyard::repository::RModule>> added;
   if (options.plugin) {
@@ -24,9 +40,21 @@ int RunModulesCommand(const Options& options, const Console& console) {
   } else if (options.format == "markdown") {
     console.out << WriteTablesDocument();
   } else {
-    WriteModulesList(modules, {console.outIsTerminal, console.colors, console.width}, console.out);
+    WriteModulesList(modules, DescribeScreen(console), console.out);
   }
   return kExitDone;
 }
+
+CommandRun Define(OptionSet& set) {
+  const auto options = std::make_shared<ModulesOptions>();
+  set.AddPath("--plugin", OptionValue::kFile, options->plugin, "Ask this library (Windows)");
+  set.AddChoice("--format", {"table", "json", "markdown"}, options->format,
+                "Format: table, json or markdown");
+  return [options](const Console& console) { return RunModules(*options, console); };
+}
+
+}  // namespace
+
+const Command kModulesCommand = {"modules", "List the modules and their tables", kFooter, &Define};
 
 }  // namespace host

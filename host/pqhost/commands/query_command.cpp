@@ -1,16 +1,23 @@
-// pqhost query: a collection, or a database that one was written to, asked in SQL. The answer is
-// one table, so that every format can show it.
+// pqhost query: asks a collection, or a database that one was written to, in SQL. The answer is one
+// table, so that every format can show it.
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <filesystem>
+#include <memory>
 #include <optional>
+#include <string>
+#include <vector>
 
-#include "host/files/output_file.h"
 #include "host/formats/database.h"
 #include "host/formats/formats.h"
 #include "host/pqhost/commands/commands.h"
+#include "host/pqhost/commands/shared_options.h"
 #include "host/pqhost/gather.h"
+#include "host/program/result_output.h"
 #include "host/text/decoder.h"
+#include "host/text/path_text.h"
 #include "host/text/usage_error.h"
 
 namespace host {
@@ -18,6 +25,18 @@ namespace {
 
 using halyard::repository::RInstance;
 using halyard::repository::RRepository;
+
+constexpr char kFooter[] = R"(Examples:
+  pqhost query --replay RECORDING "SELECT item1, item2 FROM SENSORINFO WHERE trim(item4) <> 'ok'"
+  pqhost collect --format sqlite --output server.db
+  pqhost query server.db "SELECT class, rows, status FROM tables" --format csv
+)";
+
+struct QueryOptions {
+  std::vector<std::string> words;  ///< the database, if any, then the statement
+  SourceOptions source;
+  ResultOptions result;
+};
 
 constexpr char kAnswer[] = "ANSWER";
 constexpr int kNoNumber = -1;
@@ -66,38 +85,71 @@ Collection Ask(Database& database, const std::string& sql) {
   return answer;
 }
 
-}  // namespace
+/// Nothing: a new collection is queried.
+std::optional<std::filesystem::path> FindDatabase(const QueryOptions& options) {
+  if (options.words.size() < 2) return std::nullopt;
+  return PathFromText(options.words.front());
+}
 
-int RunQueryCommand(const Options& options, const Console& console) {
-  std::optional<OutputFile> output;
+void RefuseContradictions(const QueryOptions& options) {
+  if (options.words.empty()) {
+    throw UsageError(
+        "there is no query: give one, as in pqhost query --replay FOLDER \"SELECT * "
+        "FROM SENSORINFO\"");
+  }
+  if (FindDatabase(options) && options.source.replay) {
+    throw UsageError("a database and --replay are both there to be asked: give one of them");
+  }
+}
+
+/// Throws DatabaseError as well.
+int AnswerQuery(const QueryOptions& options, const Console& console) {
+  const Format& format = ChooseFormat(options.result, console);
+  std::optional<ResultOutput> output;
   std::optional<Database> database;
   int exitCode = kExitDone;
+  if (const auto file = FindDatabase(options)) {
+    database.emplace(*file);
+    output.emplace(options.result.output, console);
+  } else {
+    const Gathered gathered = Gather(options.source, {}, console, KeepLog::kYes, [&](auto&) {
+      output.emplace(options.result.output, console);
+    });
+    database.emplace();
+    database->Fill(gathered.collection);
+    for (const std::string& problem : gathered.collection.problems) Complain(console, problem);
+    if (!gathered.collection.problems.empty()) exitCode = kExitIncomplete;
+  }
+  const Collection answer = Ask(*database, options.words.back());
+  output->Write(
+      [&](const Screen& screen, std::ostream& out) { format.write(answer, screen, out); });
+  return exitCode;
+}
+
+int RunQuery(const QueryOptions& options, const Console& console) {
+  RefuseContradictions(options);
   try {
-    if (options.database) {
-      database.emplace(*options.database);
-      if (!options.output.IsStandardOutput()) output.emplace(options.output.path);
-    } else {
-      const Gathered gathered = Gather(options, console, KeepLog::kYes, [&](auto&) {
-        if (!options.output.IsStandardOutput()) output.emplace(options.output.path);
-      });
-      database.emplace();
-      database->Fill(gathered.collection);
-      for (const std::string& problem : gathered.collection.problems) Complain(console, problem);
-      if (!gathered.collection.problems.empty()) exitCode = kExitIncomplete;
-    }
-    const Collection answer = Ask(*database, options.sql);
-    const Format& format = *FindFormat(options.format);
-    if (output) {
-      format.write(answer, Screen{false, false, console.width}, output->Stream());
-      output->Complete();
-    } else {
-      format.write(answer, Screen{console.outIsTerminal, console.colors, console.width},
-                   console.out);
-    }
+    return AnswerQuery(options, console);
   } catch (const DatabaseError& error) {
     throw UsageError(error.what());
   }
-  return exitCode;
 }
+
+CommandRun Define(OptionSet& set) {
+  const auto options = std::make_shared<QueryOptions>();
+  set.AddArguments("QUERY", "[FILE.db] SQL", OptionValue::kDatabase, 2, options->words,
+                   "The database, if any, then one SELECT statement");
+  AddReplay(set, options->source);
+  AddPlugin(set, options->source);
+  AddLogFolder(set, options->source);
+  AddFormat(set, options->result, "answer");
+  AddOutput(set, options->result, "answer");
+  return [options](const Console& console) { return RunQuery(*options, console); };
+}
+
+}  // namespace
+
+const Command kQueryCommand = {"query", "Ask a collection, or the database of one, in SQL", kFooter,
+                               &Define};
 
 }  // namespace host

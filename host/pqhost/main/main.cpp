@@ -5,8 +5,13 @@
 
 int main(int argc, char** argv) {
   const host::TerminalFacts facts = host::PrepareTerminal();
-  const host::Console console{
-      std::cout,    std::cerr,   facts.outIsTerminal,  facts.errorIsTerminal,
-      facts.colors, facts.width, host::ProgramFolder()};
-  return host::RunPqhost(host::ProgramArguments(argc, argv), console);
+  const host::Console console{.programName = "pqhost",
+                              .out = std::cout,
+                              .error = std::cerr,
+                              .outIsTerminal = facts.outIsTerminal,
+                              .errorIsTerminal = facts.errorIsTerminal,
+                              .colors = facts.colors,
+                              .width = facts.width,
+                              .programFolder = host::FindProgramFolder()};
+  return host::RunPqhost(host::GetProgramArguments(argc, argv), console);
 }

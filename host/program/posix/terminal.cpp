@@ -10,7 +10,7 @@
 namespace host {
 namespace {
 
-std::string_view Environment(const char* name) {
+std::string_view GetVariable(const char* name) {
   const char* value = std::getenv(name);
   return value == nullptr ? "" : value;
 }
@@ -22,7 +22,7 @@ TerminalFacts PrepareTerminal() {
   facts.outIsTerminal = isatty(STDOUT_FILENO) != 0;
   facts.errorIsTerminal = isatty(STDERR_FILENO) != 0;
   facts.colors =
-      facts.outIsTerminal && Environment("NO_COLOR").empty() && Environment("TERM") != "dumb";
+      facts.outIsTerminal && GetVariable("NO_COLOR").empty() && GetVariable("TERM") != "dumb";
   winsize size{};
   const int terminal = facts.outIsTerminal ? STDOUT_FILENO : STDERR_FILENO;
   if ((facts.outIsTerminal || facts.errorIsTerminal) && ioctl(terminal, TIOCGWINSZ, &size) == 0 &&
@@ -32,11 +32,11 @@ TerminalFacts PrepareTerminal() {
   return facts;
 }
 
-std::vector<std::string> ProgramArguments(int argc, char** argv) {
+std::vector<std::string> GetProgramArguments(int argc, char** argv) {
   return argc > 0 ? std::vector<std::string>(argv + 1, argv + argc) : std::vector<std::string>();
 }
 
-std::filesystem::path ProgramFolder() {
+std::filesystem::path FindProgramFolder() {
   std::error_code ignored;
   return std::filesystem::read_symlink("/proc/self/exe", ignored).parent_path();
 }

@@ -8,17 +8,13 @@
 #include <cstdlib>
 
 #include "host/program/terminal.h"
+#include "host/text/path_text.h"
 
 namespace host {
 namespace {
 
-std::string Utf8(const wchar_t* text) {
-  const std::u8string utf8 = std::filesystem::path(text).u8string();
-  return {utf8.begin(), utf8.end()};
-}
-
-/// Whether the handle is a console that understands escape sequences; asks it to.
-bool PrepareConsole(DWORD handleName) {
+/// Turns escape sequences on; false when the handle is no console or its console knows none.
+bool EnableEscapeSequences(DWORD handleName) {
   HANDLE handle = GetStdHandle(handleName);
   DWORD mode = 0;
   if (!GetConsoleMode(handle, &mode)) return false;
@@ -36,13 +32,13 @@ bool IsConsole(DWORD handleName) {
 TerminalFacts PrepareTerminal() {
   TerminalFacts facts;
   facts.outIsTerminal = IsConsole(STD_OUTPUT_HANDLE);
-  const bool outObeys = PrepareConsole(STD_OUTPUT_HANDLE);
-  // The progress line cannot do without escape sequences.
-  facts.errorIsTerminal = PrepareConsole(STD_ERROR_HANDLE);
+  const bool outKnowsEscapes = EnableEscapeSequences(STD_OUTPUT_HANDLE);
+  // The progress line needs escape sequences.
+  facts.errorIsTerminal = EnableEscapeSequences(STD_ERROR_HANDLE);
   wchar_t noColor[2];
-  facts.colors = outObeys && GetEnvironmentVariableW(L"NO_COLOR", noColor, 2) == 0;
+  facts.colors = outKnowsEscapes && GetEnvironmentVariableW(L"NO_COLOR", noColor, 2) == 0;
   if (facts.outIsTerminal || facts.errorIsTerminal) {
-    // The console outlives this program, and so would its code page.
+    // The console outlives this program, so its code page has to be put back.
     static const UINT codePageBefore = GetConsoleOutputCP();
     std::atexit([] { SetConsoleOutputCP(codePageBefore); });
     SetConsoleOutputCP(CP_UTF8);
@@ -57,16 +53,16 @@ TerminalFacts PrepareTerminal() {
   return facts;
 }
 
-std::vector<std::string> ProgramArguments(int /*argc*/, char** /*argv*/) {
+std::vector<std::string> GetProgramArguments(int /*argc*/, char** /*argv*/) {
   int count = 0;
   wchar_t** words = CommandLineToArgvW(GetCommandLineW(), &count);
   std::vector<std::string> arguments;
-  for (int i = 1; words != nullptr && i < count; ++i) arguments.push_back(Utf8(words[i]));
+  for (int i = 1; words != nullptr && i < count; ++i) arguments.push_back(PathText(words[i]));
   LocalFree(words);
   return arguments;
 }
 
-std::filesystem::path ProgramFolder() {
+std::filesystem::path FindProgramFolder() {
   std::wstring path(32768, L'\0');
   path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
   return std::filesystem::path(path).parent_path();

@@ -70,11 +70,10 @@ class InterruptedCollection : public testing::Test {
   InterruptedCollection() : gathered(Collect()) {}
 
   Gathered Collect() {
-    Options options;
-    options.command = Command::kCollect;
-    options.replay = test::Sample("two-socket-server");
-    const Console console{out, error, false, false, false, 120, {}};
-    return Gather(options, console, KeepLog::kNo,
+    SourceOptions source;
+    source.replay = test::Sample("two-socket-server");
+    const Console console{"pqhost", out, error, false, false, false, 120, {}};
+    return Gather(source, {}, console, KeepLog::kNo,
                   [&](CollectionListeners& all) { all.Add(listener); });
   }
 

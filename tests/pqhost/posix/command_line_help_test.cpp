@@ -1,5 +1,5 @@
-// The manual page and the shells' completions know every command and option.
-#include <gtest/gtest.h>
+// Help, manual page and the shells' completions know every command, option and format.
+#include <gmock/gmock.h>
 
 #include <array>
 #include <cstdio>
@@ -8,10 +8,19 @@
 #include <regex>
 #include <set>
 
+#include "host/pqhost/commands/command_line.h"
+#include "host/pqhost/commands/completions.h"
 #include "tests/support/collected.h"
 #include "tests/support/host_run.h"
 
 namespace {
+
+using host::CommandDescription;
+using host::OptionDescription;
+using testing::Contains;
+using testing::HasSubstr;
+using testing::IsSupersetOf;
+using testing::Not;
 
 const std::string kRoot = test::SamplesFolder() + "/..";
 
@@ -29,10 +38,32 @@ std::set<std::string> FindAll(const std::string& text, const std::string& expres
   return found;
 }
 
-const std::vector<std::string> kCommands = {"collect", "modules", "query", "check"};
+/// All commands, without the program itself.
+std::vector<CommandDescription> ListCommands() {
+  std::vector<CommandDescription> commands = host::DescribeCommandLine();
+  std::erase_if(commands, [](const CommandDescription& command) { return command.name.empty(); });
+  return commands;
+}
 
-std::set<std::string> OptionsOf(const std::string& command) {
-  return FindAll(test::RunHost({command, "--help"}).out, "\n  (?:-h,)?(--[a-z-]+)");
+std::set<std::string> NamesOf(const std::vector<CommandDescription>& commands) {
+  std::set<std::string> names;
+  for (const CommandDescription& command : commands) names.insert(command.name);
+  return names;
+}
+
+std::set<std::string> OptionsOf(const CommandDescription& command) {
+  std::set<std::string> names;
+  for (const OptionDescription& option : command.options) {
+    if (!option.name.empty()) names.insert(option.name);
+  }
+  return names;
+}
+
+std::set<std::string> FormatsOf(const CommandDescription& command) {
+  for (const OptionDescription& option : command.options) {
+    if (option.name == "--format") return {option.choices.begin(), option.choices.end()};
+  }
+  return {};
 }
 
 /// What bash offers when `words` have been typed.
@@ -53,44 +84,78 @@ std::set<std::string> CompleteInBash(const std::vector<std::string>& words) {
   return FindAll(out, "([^\n]+)\n");
 }
 
-TEST(CommandLineHelp, FindsOptionsOfEveryCommand) {
-  for (const std::string& command : kCommands) {
-    EXPECT_TRUE(OptionsOf(command).contains("--help")) << command;
-    EXPECT_GE(OptionsOf(command).size(), 3U) << command;
+TEST(CommandLineHelp, ShowsEveryCommandAndOption) {
+  const std::string help = test::RunHost({"--help"}).out;
+  EXPECT_EQ(FindAll(help, "\n  ([a-z]+)  "), NamesOf(ListCommands()));
+  EXPECT_EQ(FindAll(help, "\n  (?:-h,)?(--[a-z-]+)"),
+            OptionsOf(host::DescribeCommandLine().back()));
+  for (const CommandDescription& command : ListCommands()) {
+    const std::string text = test::RunHost({command.name, "--help"}).out;
+    EXPECT_EQ(FindAll(text, "\n  (?:-h,)?(--[a-z-]+)"), OptionsOf(command)) << command.name;
   }
-  EXPECT_EQ(FindAll(test::RunHost({"--help"}).out, "\n  ([a-z]+)  "),
-            std::set<std::string>(kCommands.begin(), kCommands.end()));
 }
 
-TEST(ManualPage, KnowsEveryCommandAndOption) {
+/// The page's section on a command; empty when there is none.
+std::string FindSection(const std::string& page, const std::string& command) {
+  const std::size_t begin = page.find("\n.SS " + command + "\n");
+  if (begin == std::string::npos) return {};
+  return page.substr(begin, page.find("\n.S", begin + 1) - begin);
+}
+
+class ManualPage : public testing::Test {
+ protected:
   const std::string page = std::regex_replace(Read("docs/pqhost.1"), std::regex("\\\\-"), "-");
-  for (const std::string& command : kCommands) {
-    const std::size_t section = page.find("\n.SS " + command + "\n");
-    ASSERT_NE(section, std::string::npos) << command;
-    const std::string text = page.substr(section, page.find("\n.S", section + 1) - section);
-    for (const std::string& option : OptionsOf(command)) {
-      if (option == "--help") continue;
-      EXPECT_NE(text.find(option), std::string::npos) << command << " " << option;
+};
+
+TEST_F(ManualPage, HasASectionForEveryCommand) {
+  EXPECT_EQ(FindAll(page, "\n\\.SS ([a-z]+)"), NamesOf(ListCommands()));
+  EXPECT_EQ(FindAll(page, "\n\\.B pqhost ([a-z]+)"), NamesOf(ListCommands()));
+}
+
+TEST_F(ManualPage, ExplainsTheOptionsOfEveryCommand) {
+  for (const CommandDescription& command : ListCommands()) {
+    std::set<std::string> options = OptionsOf(command);
+    options.erase("--help");
+    EXPECT_EQ(FindAll(FindSection(page, command.name), "(--[a-z-]+)"), options) << command.name;
+  }
+}
+
+TEST_F(ManualPage, NamesTheFormatsOfEveryCommand) {
+  for (const CommandDescription& command : ListCommands()) {
+    if (FormatsOf(command).empty()) continue;
+    const std::string section = FindSection(page, command.name);
+    const std::size_t begin = section.find("--format");
+    const std::string text = section.substr(begin, section.find(".TP", begin) - begin);
+    const std::set<std::string> likewise = FindAll(text, "As for\n\\.BR ([a-z]+)");
+    if (likewise.empty()) {
+      EXPECT_THAT(FindAll(text, "\\b([a-z]+)\\b"), IsSupersetOf(FormatsOf(command)))
+          << command.name;
+    }
+    for (const CommandDescription& other : ListCommands()) {
+      if (!likewise.contains(other.name)) continue;
+      EXPECT_EQ(FormatsOf(command), FormatsOf(other)) << command.name;
     }
   }
 }
 
 TEST(BashCompletion, OffersTheCommands) {
   const std::set<std::string> offered = CompleteInBash({""});
-  for (const std::string& command : kCommands) EXPECT_TRUE(offered.contains(command)) << command;
+  EXPECT_THAT(offered, IsSupersetOf(NamesOf(ListCommands())));
+  EXPECT_THAT(offered, Contains("--version"));
 }
 
 TEST(BashCompletion, OffersTheOptionsOfEveryCommand) {
-  for (const std::string& command : kCommands) {
-    EXPECT_EQ(CompleteInBash({command, "--"}), OptionsOf(command)) << command;
+  for (const CommandDescription& command : ListCommands()) {
+    EXPECT_EQ(CompleteInBash({command.name, "--"}), OptionsOf(command)) << command.name;
   }
 }
 
-TEST(BashCompletion, OffersTheFormatsOfACommand) {
-  EXPECT_EQ(CompleteInBash({"modules", "--format", ""}),
-            (std::set<std::string>{"table", "json", "markdown"}));
-  EXPECT_TRUE(CompleteInBash({"collect", "--format", "s"}).contains("sqlite"));
-  EXPECT_TRUE(CompleteInBash({"query", "--format", "s"}).contains("sqlite"));
+TEST(BashCompletion, OffersTheFormatsOfEveryCommand) {
+  for (const CommandDescription& command : ListCommands()) {
+    const std::set<std::string> formats = FormatsOf(command);
+    if (formats.empty()) continue;
+    EXPECT_EQ(CompleteInBash({command.name, "--format", ""}), formats) << command.name;
+  }
 }
 
 TEST(BashCompletion, OffersTheModules) {
@@ -98,15 +163,40 @@ TEST(BashCompletion, OffersTheModules) {
   EXPECT_EQ(modules, FindAll("\n" + test::RunHost({"modules"}).out, "\n([A-Za-z0-9_]+)  "));
 }
 
+TEST(BashCompletion, OffersFoldersForARecording) {
+  const std::set<std::string> offered = CompleteInBash({"collect", "--replay", kRoot + "/sa"});
+  EXPECT_EQ(offered, std::set<std::string>{kRoot + "/samples"});
+}
+
 TEST(PowerShellCompletion, KnowsEveryCommandAndOption) {
   const std::string script = Read("completions/pqhost.ps1");
-  for (const std::string& command : kCommands) {
-    // Each command's list ends with --help.
-    const std::size_t begin = script.find("\n        " + command + " ");
-    const std::string last = "'--help'";
-    const std::string found = script.substr(begin, script.find(last, begin) + last.size() - begin);
-    EXPECT_EQ(FindAll(found, "'(--[a-z-]+)'"), OptionsOf(command)) << command;
+  for (const CommandDescription& command : ListCommands()) {
+    const std::size_t begin = script.find("\n        '" + command.name + "' = ");
+    ASSERT_NE(begin, std::string::npos) << command.name;
+    const std::string line = script.substr(begin, script.find('\n', begin + 1) - begin);
+    EXPECT_EQ(FindAll(line, "'(--[a-z-]+)'"), OptionsOf(command)) << command.name;
   }
+}
+
+// To be renewed with `pqhost completion --shell bash > completions/pqhost.bash`.
+TEST(BashCompletion, IsAsTheProgramWritesIt) {
+  EXPECT_EQ(Read("completions/pqhost.bash"), host::WriteBashCompletion());
+}
+
+// To be renewed with `pqhost completion --shell powershell > completions/pqhost.ps1`.
+TEST(PowerShellCompletion, IsAsTheProgramWritesIt) {
+  EXPECT_EQ(Read("completions/pqhost.ps1"), host::WritePowerShellCompletion());
+}
+
+TEST(CompletionCommand, WritesTheCompletionOfAShell) {
+  EXPECT_EQ(test::RunHost({"completion", "--shell", "bash"}).out, host::WriteBashCompletion());
+  EXPECT_EQ(test::RunHost({"completion", "--shell", "powershell"}).out,
+            host::WritePowerShellCompletion());
+}
+
+TEST(CompletionCommand, IsNotShownToUsers) {
+  EXPECT_THAT(test::RunHost({"--help"}).out, Not(HasSubstr("completion")));
+  EXPECT_THAT(test::RunHost({}).error, Not(HasSubstr("completion")));
 }
 
 }  // namespace

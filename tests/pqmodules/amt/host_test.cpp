@@ -36,7 +36,8 @@ struct Ran {
 Ran CollectAmt(const std::string& sample, const std::vector<std::string>& more) {
   std::ostringstream out;
   std::ostringstream error;
-  const host::Console console{.out = out, .error = error, .programFolder = {}};
+  const host::Console console{
+      .programName = "pqhost", .out = out, .error = error, .programFolder = {}};
   std::vector<std::string> arguments = {"collect", "--replay", test::SamplesFolder() + "/" + sample,
                                         "--module", "AMT_Info"};
   arguments.insert(arguments.end(), more.begin(), more.end());

@@ -1,0 +1,33 @@
+// pqhost completion: a shell's completion of this command line, for completions/.
+
+#include <memory>
+#include <string>
+
+#include "host/pqhost/commands/commands.h"
+#include "host/pqhost/commands/completions.h"
+
+namespace host {
+namespace {
+
+constexpr char kFooter[] = R"(Examples:
+  pqhost completion --shell bash > completions/pqhost.bash
+  pqhost completion --shell powershell > completions/pqhost.ps1
+)";
+
+int RunCompletion(const std::string& shell, const Console& console) {
+  console.out << (shell == "bash" ? WriteBashCompletion() : WritePowerShellCompletion());
+  return kExitDone;
+}
+
+CommandRun Define(OptionSet& set) {
+  const auto shell = std::make_shared<std::string>("bash");
+  set.AddChoice("--shell", {"bash", "powershell"}, *shell, "Shell: bash or powershell");
+  return [shell](const Console& console) { return RunCompletion(*shell, console); };
+}
+
+}  // namespace
+
+const Command kCompletionCommand = {"completion", "Write a shell's completion of this command line",
+                                    kFooter, &Define, /*isHidden=*/true};
+
+}  // namespace host

@@ -1,0 +1,124 @@
+#include "host/pqhost/commands/option_set.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <utility>
+
+#include "host/text/nearest_name.h"
+#include "host/text/path_text.h"
+#include "host/text/usage_error.h"
+
+namespace host {
+namespace {
+
+constexpr char kGiveDestination[] = "give a file, or - for standard output";
+
+/// The value's name in the help.
+const char* NameValue(OptionValue value) {
+  switch (value) {
+    case OptionValue::kFolder:
+      return "FOLDER";
+    case OptionValue::kFile:
+      return "FILE";
+    case OptionValue::kTable:
+      return "CLASS";
+    default:
+      return "NAME";
+  }
+}
+
+void RefuseUnknownChoice(const OptionDescription& option, const std::string& given) {
+  const std::vector<std::string>& choices = option.choices;
+  if (std::find(choices.begin(), choices.end(), given) != choices.end()) return;
+  const std::string noun = option.name.substr(2);
+  throw UsageError(fmt::format("there is no {0} {1}{2} ({0}s: {3})", noun, given,
+                               SuggestName(given, choices), fmt::join(choices, ", ")));
+}
+
+}  // namespace
+
+void OptionSet::AddFlag(const char* name, bool& flag, const char* help) {
+  rows.push_back({app.add_flag(name, flag, help), {name, OptionValue::kNone, {}}, nullptr});
+}
+
+void OptionSet::AddNames(const char* name, OptionValue value, std::vector<std::string>& names,
+                         const char* help) {
+  CLI::Option* option = app.add_option(name, names, help);
+  option->type_name(NameValue(value))->allow_extra_args(false);
+  rows.push_back({option, {name, value, {}}, nullptr});
+}
+
+void OptionSet::AddPath(const char* name, OptionValue value,
+                        std::optional<std::filesystem::path>& path, const char* help) {
+  AddPathOption(
+      name, value, [&](auto given) { path = std::move(given); }, help, "give a path");
+}
+
+void OptionSet::AddDestination(const char* name, Destination& destination,
+                               const std::string& help) {
+  AddPathOption(
+      name, OptionValue::kFile, [&](auto given) { destination.path = std::move(given); }, help,
+      kGiveDestination);
+}
+
+void OptionSet::AddDestination(const char* name, std::optional<Destination>& destination,
+                               const char* help) {
+  AddPathOption(
+      name, OptionValue::kFile, [&](auto given) { destination.emplace().path = std::move(given); },
+      help, kGiveDestination);
+}
+
+void OptionSet::AddPathOption(const char* name, OptionValue value,
+                              std::function<void(std::filesystem::path)> set,
+                              const std::string& help, const char* whenEmpty) {
+  CLI::Option* option = app.add_option_function<std::string>(
+      name, [set = std::move(set)](const std::string& text) { set(PathFromText(text)); }, help);
+  option->type_name(NameValue(value));
+  rows.push_back({option, {name, value, {}}, whenEmpty});
+}
+
+void OptionSet::AddChoice(const char* name, std::vector<std::string> choices, std::string& choice,
+                          const std::string& help) {
+  CLI::Option* option = app.add_option(name, choice, help);
+  option->type_name(NameValue(OptionValue::kChoice));
+  rows.push_back({option, {name, OptionValue::kChoice, std::move(choices)}, nullptr});
+}
+
+void OptionSet::AddSeconds(const char* name, std::optional<unsigned>& seconds, unsigned most,
+                           const char* help) {
+  CLI::Option* option = app.add_option_function<unsigned>(
+      name, [&seconds](unsigned count) { seconds = count; }, help);
+  option->type_name("SECONDS")->check(CLI::Range(1U, most));
+  rows.push_back({option, {name, OptionValue::kAny, {}}, nullptr});
+}
+
+void OptionSet::AddArguments(const char* name, const char* form, OptionValue value, int most,
+                             std::vector<std::string>& words, const char* help) {
+  CLI::Option* option = app.add_option(name, words, help);
+  option->type_name(form)->expected(1, most);
+  rows.push_back({option, {"", value, {}}, nullptr});
+}
+
+bool OptionSet::IsGiven(const char* name) const { return app.count(name) > 0; }
+
+void OptionSet::CheckValues() const {
+  for (const Row& row : rows) {
+    if (row.option->count() == 0) continue;
+    const std::string& given = row.option->results().front();
+    if (row.whenEmpty != nullptr && given.empty()) {
+      throw UsageError(fmt::format("{} is empty: {}", row.description.name, row.whenEmpty));
+    }
+    if (row.description.value == OptionValue::kChoice) RefuseUnknownChoice(row.description, given);
+  }
+}
+
+std::vector<OptionDescription> OptionSet::Describe() const {
+  std::vector<OptionDescription> descriptions;
+  for (const Row& row : rows) descriptions.push_back(row.description);
+  return descriptions;
+}
+
+}  // namespace host

@@ -1,0 +1,64 @@
+#include "host/pqhost/commands/shared_options.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "host/program/result_output.h"
+#include "host/text/usage_error.h"
+
+namespace host {
+namespace {
+
+std::vector<std::string> ListFormatNames() {
+  std::vector<std::string> names;
+  for (const Format& format : Formats()) names.emplace_back(format.name);
+  return names;
+}
+
+}  // namespace
+
+void AddModules(OptionSet& set, std::vector<std::string>& modules, const char* help) {
+  set.AddNames("--module", OptionValue::kModule, modules, help);
+}
+
+void AddReplay(OptionSet& set, SourceOptions& source) {
+  set.AddPath("--replay", OptionValue::kFolder, source.replay,
+              "Take this recording for the machine");
+}
+
+void AddLogFolder(OptionSet& set, SourceOptions& source) {
+  set.AddPath("--log-folder", OptionValue::kFolder, source.logFolder,
+              "Folder for the files that the tools leave; live: logs, unless given");
+}
+
+void AddPlugin(OptionSet& set, SourceOptions& source) {
+  set.AddPath("--plugin", OptionValue::kFile, source.plugin,
+              "The library; repository_pqmodule.dll beside this program, unless given");
+}
+
+void RefusePluginWithReplay(const SourceOptions& source) {
+  if (source.replay && source.plugin) {
+    throw UsageError(
+        "--plugin has no use with --replay, which runs the built-in modules: leave "
+        "one of them away");
+  }
+}
+
+void AddFormat(OptionSet& set, ResultOptions& result, const char* noun) {
+  const std::vector<std::string> names = ListFormatNames();
+  set.AddChoice("--format", names, result.format,
+                fmt::format("Format of the {}: {}; {} unless given", noun, fmt::join(names, ", "),
+                            result.format));
+}
+
+void AddOutput(OptionSet& set, ResultOptions& result, const char* noun) {
+  set.AddDestination("--output", result.output, fmt::format("Write the {} to this file", noun));
+}
+
+const Format& ChooseFormat(const ResultOptions& result, const Console& console) {
+  const Format& format = *FindFormat(result.format);
+  if (format.isBinary) RefuseBytesOnTerminal(result.format, result.output, console);
+  return format;
+}
+
+}  // namespace host

@@ -1,0 +1,42 @@
+// Options that several commands have, each said once.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "host/formats/formats.h"
+#include "host/pqhost/commands/option_set.h"
+#include "host/pqhost/source.h"
+#include "host/program/console.h"
+#include "host/program/destination.h"
+
+namespace host {
+
+/// --module
+void AddModules(OptionSet& set, std::vector<std::string>& modules, const char* help);
+
+/// --replay
+void AddReplay(OptionSet& set, SourceOptions& source);
+/// --log-folder
+void AddLogFolder(OptionSet& set, SourceOptions& source);
+/// --plugin
+void AddPlugin(OptionSet& set, SourceOptions& source);
+
+/// Throws UsageError when both were given.
+void RefusePluginWithReplay(const SourceOptions& source);
+
+/// How a result is written, and where.
+struct ResultOptions {
+  std::string format = Formats().front().name;
+  Destination output;
+};
+
+/// --format; the help calls the result `noun`, as in "answer".
+void AddFormat(OptionSet& set, ResultOptions& result, const char* noun);
+/// --output
+void AddOutput(OptionSet& set, ResultOptions& result, const char* noun);
+
+/// The format asked for. Throws UsageError when it is nothing for a terminal and would go to one.
+const Format& ChooseFormat(const ResultOptions& result, const Console& console);
+
+}  // namespace host

@@ -1,0 +1,36 @@
+#include "host/pqhost/trace_output.h"
+
+#include <cerrno>
+#include <stdexcept>
+
+#include "host/files/whole_file.h"
+#include "host/text/usage_error.h"
+
+namespace host {
+
+TraceOutput::TraceOutput(const Destination& destination, const Console& console,
+                         Passwords passwords)
+    : path(destination.path),
+      forTerminal(console.out),
+      writer(destination.IsStandardOutput() ? UseStandardOutput(console) : Open(destination.path),
+             passwords) {}
+
+void TraceOutput::Close() {
+  if (!file.is_open()) return;
+  errno = 0;
+  file.close();
+  if (!file) throw std::runtime_error(DescribeUnwritable(path));
+}
+
+std::ostream& TraceOutput::Open(const std::filesystem::path& target) {
+  errno = 0;
+  file.open(target, std::ios::binary);
+  if (!file.is_open()) throw UsageError(DescribeUnwritable(target));
+  return file;
+}
+
+std::ostream& TraceOutput::UseStandardOutput(const Console& console) {
+  return console.outIsTerminal ? forTerminal.Stream() : console.out;
+}
+
+}  // namespace host

@@ -1,0 +1,14 @@
+// Where a user wants something written.
+#pragma once
+
+#include <filesystem>
+
+namespace host {
+
+/// A file, or standard output.
+struct Destination {
+  std::filesystem::path path = "-";  ///< as on the command line, where - is standard output
+  bool IsStandardOutput() const { return path == "-"; }
+};
+
+}  // namespace host

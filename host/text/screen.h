@@ -1,0 +1,12 @@
+// The screen, or the file in its place, that results are laid out for.
+#pragma once
+
+namespace host {
+
+struct Screen {
+  bool isTerminal = false;
+  bool colors = false;
+  unsigned width = 120;  ///< in columns
+};
+
+}  // namespace host
