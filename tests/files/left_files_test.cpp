@@ -13,7 +13,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-using Files = std::map<std::string, std::string>;
+using Files = std::map<std::string, Bytes>;
 
 class LeftFilesTest : public testing::Test {
  protected:
