@@ -126,8 +126,9 @@ std::vector<DecodedText> TableView::ListInstanceKeys() const {
                   [&](const auto& entry) { return entry.first->instanceKey == first; });
   const std::size_t count = areSame ? 1 : rows.size();
   keys.reserve(count);
-  for (std::size_t i = 0; i < count; ++i)
+  for (std::size_t i = 0; i < count; ++i) {
     keys.push_back(decoder.Decode(rows[i].shape->instanceKey));
+  }
   return keys;
 }
 

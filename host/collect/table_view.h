@@ -1,6 +1,6 @@
 // A collection in UTF-8, its values found by row and column: all that a writer needs to know of it.
-// Bytes of the machine are decoded when a text is asked for, and no sooner. A view refers to the
-// collection, which must not change meanwhile.
+// A value is decoded each time it is asked for, and ASCII is not even copied. Views refer to the
+// collection, which must not change as long as they are in use.
 #pragma once
 
 #include <cstddef>
@@ -23,7 +23,7 @@ class CellView {
       : decoder(decoder), row(row), place(place) {}
 
   DecodedText Key() const { return decoder.Decode(GetColumn().key); }
-  /// The row's own label; another row may have another one for the same key.
+  /// The row's own label; other rows may label the key otherwise.
   DecodedText Label() const { return decoder.Decode(GetColumn().label); }
   DecodedText Text() const { return decoder.Decode(GetBytes()); }
   /// Text() is a decimal number.
@@ -90,7 +90,7 @@ struct ColumnView {
 /// A table of a collection; one without rows is empty and has no columns.
 class TableView {
  public:
-  /// Looks at the rows' keys, not at their values. Refers to both.
+  /// Reads the rows' keys and labels, but none of their values.
   TableView(const TextDecoder& decoder, const CollectedTable& table);
 
   DecodedText ClassName() const { return decoder.Decode(table.className); }

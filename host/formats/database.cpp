@@ -18,8 +18,8 @@
 namespace host {
 namespace {
 
-// `tables` and `columns` tell which names the classes and keys got where SQL tells no upper case
-// from lower case.
+// SQL does not tell upper case from lower case: `tables` and `columns` say which names the classes
+// and keys were given.
 constexpr char kSchema[] = R"(
 CREATE TABLE machine (name TEXT, value TEXT);
 CREATE TABLE modules (position INTEGER PRIMARY KEY, name TEXT, description TEXT);
@@ -32,7 +32,7 @@ CREATE TABLE log (position INTEGER PRIMARY KEY, level INTEGER, file TEXT, line I
 )";
 constexpr std::string_view kOwnTables[] = {"machine", "modules",     "tables",
                                            "columns", "attachments", "log"};
-/// Every class's table has this column first: the row's place, from 1.
+/// The first column of every class's table: the row's number, from 1.
 constexpr std::string_view kRowColumn = "row";
 
 struct CloseStatement {
@@ -50,7 +50,7 @@ void Execute(sqlite3* handle, const char* sql) {
   if (sqlite3_exec(handle, sql, nullptr, nullptr, nullptr) != SQLITE_OK) Fail(handle);
 }
 
-/// An SQL name, whatever it holds.
+/// `name` as an SQL identifier; any text can be one.
 std::string Quote(std::string_view name) {
   std::string quoted = "\"";
   for (const char c : name) {
@@ -60,7 +60,7 @@ std::string Quote(std::string_view name) {
   return quoted + '"';
 }
 
-/// A statement that is run many times with other values.
+/// An INSERT statement that is run once per row.
 class Insert {
  public:
   Insert(sqlite3* handle, const std::string& table, std::size_t columnCount) : handle(handle) {
@@ -101,7 +101,7 @@ class Insert {
   int bound = 0;
 };
 
-/// Gives out names that differ without regard to case, as SQL wants them.
+/// Gives out names that differ in more than case, as SQL needs them.
 class UniqueNames {
  public:
   template <typename Taken>

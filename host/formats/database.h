@@ -1,5 +1,5 @@
-// A collection as a database: one table per class, and what is known about modules, tables,
-// columns, attachments and log lines (docs/sql.md).
+// A collection as a database: one table per class, and tables about modules, tables, columns,
+// attachments and log lines (docs/sql.md).
 #pragma once
 
 #include <filesystem>
@@ -15,7 +15,7 @@ struct sqlite3;
 
 namespace host {
 
-/// What SQLite says is wrong. UTF-8, one line.
+/// SQLite's own explanation, in UTF-8 and in one line.
 class DatabaseError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
@@ -25,7 +25,7 @@ class Database {
  public:
   /// An empty one in memory.
   Database();
-  /// The file, to be read only. Throws DatabaseError.
+  /// Opens a file for reading only. Throws DatabaseError.
   explicit Database(const std::filesystem::path& file);
   Database(const Database&) = delete;
   Database& operator=(const Database&) = delete;

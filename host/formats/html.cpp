@@ -19,8 +19,8 @@
 namespace host {
 namespace {
 
-/// Above this a table that asks for one property per line is shown by rows: nobody reads that many
-/// rows side by side.
+/// A table that asks for one property per line is shown by rows if it has more than this: nobody
+/// reads that many rows side by side.
 constexpr std::size_t kMaxPropertyRows = 4;
 
 /// Writes JSON that may be inside a script element: the only place where the report escapes texts.
@@ -33,7 +33,7 @@ void WriteJsonForScript(std::string_view json, std::ostream& out) {
   out << json;
 }
 
-/// Nobody who wrote the data can have known it.
+/// A number used once, which nobody who wrote the data can have known.
 std::string MakeNonce() {
   std::random_device random;
   std::string nonce;

@@ -26,7 +26,7 @@ std::string DescribeLayout(const TableLayout& layout) {
                      fmt::join(layout.numbers, ", "));
 }
 
-Json LayoutJson(const TableLayout& layout) {
+Json MakeLayout(const TableLayout& layout) {
   Json headers = Json::array();
   for (const std::string& header : layout.headers) headers.push_back(Clean(header));
   return {{"by", layout.byRow ? "row" : "property"},
@@ -69,7 +69,7 @@ void WriteModulesJson(const std::vector<LoadedModule>& modules, std::ostream& ou
     for (const auto& [name, handlers] : module.module->Tables()) {
       tables.push_back({{"class", Clean(name)},
                         {"title", Clean(TitleOf(name))},
-                        {"layout", LayoutJson(AskLayout(module, name))}});
+                        {"layout", MakeLayout(AskLayout(module, name))}});
     }
     list.push_back({{"name", Clean(module.name)},
                     {"description", Clean(module.description)},

@@ -1,4 +1,4 @@
-// Which modules and tables there are.
+// The modules and their tables, listed for people and programs.
 #pragma once
 
 #include <ostream>

@@ -20,8 +20,8 @@ std::string ShowLabel(std::string_view label, std::string_view key);
 /// The value with its line feeds; of a whole file only its name and size.
 std::string ShowCell(const CellView& cell);
 
-/// The lines of a cell that is `width` columns wide. What is too long ends with how much is
-/// missing.
+/// The lines of a cell that is `width` columns wide. A cell of too many lines ends with
+/// a note of how many are missing.
 std::vector<std::string> WrapCell(std::string_view shown, std::size_t width);
 
 }  // namespace host

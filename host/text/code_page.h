@@ -1,4 +1,4 @@
-// Single characters of a code page, as the system knows them.
+// Single characters of a code page, as the operating system decodes them.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@ namespace host {
 class CodePage {
  public:
   virtual ~CodePage() = default;
-  /// The character that `bytes` (one or two) stand for, if they stand for just one.
+  /// The one character that `bytes` (one or two of them) encode; none if they encode no single one.
   virtual std::optional<char32_t> Decode(std::string_view bytes) = 0;
 };
 

@@ -59,14 +59,14 @@ class JsonObject {
     Begin(name) += flag ? "true" : "false";
     return *this;
   }
-  /// Adds what `append(json)` appends, which has to be one JSON value.
+  /// Adds the one JSON value that `append(json)` appends.
   template <typename Append>
   JsonObject& Add(std::string_view name, const Append& append) {
     append(Begin(name));
     return *this;
   }
 
-  /// The object; nothing can be added after that.
+  /// The object; nothing can be added afterwards.
   std::string Take() { return std::move(json += '}'); }
 
  private:

@@ -8,7 +8,7 @@
 namespace host {
 namespace {
 
-/// How many characters must be inserted, dropped or changed to make one of the other.
+/// How many characters have to be inserted, deleted or changed to turn one into the other.
 std::size_t CountEdits(std::string_view from, std::string_view to) {
   std::vector<std::size_t> row(to.size() + 1);
   std::iota(row.begin(), row.end(), std::size_t{0});

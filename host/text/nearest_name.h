@@ -1,4 +1,4 @@
-// Guessing what was meant by a mistyped name.
+// Guesses which name a mistyped one was meant to be.
 #pragma once
 
 #include <string>
@@ -7,11 +7,11 @@
 
 namespace host {
 
-/// The one of `names` that `typed` comes nearest to, compared without case; empty when none is near
-/// enough to be a slip of the finger.
+/// The one of `names` that is nearest to `typed`, compared without case; empty when none is near
+/// enough for a slip of the finger.
 std::string FindNearestName(std::string_view typed, const std::vector<std::string>& names);
 
-/// "; did you mean NAME?" with that name, or nothing.
+/// "; did you mean NAME?" with that name; empty when there is none.
 std::string SuggestName(std::string_view typed, const std::vector<std::string>& names);
 
 }  // namespace host

@@ -38,7 +38,7 @@ constexpr Range kWide[] = {
     {0x1F6EB, 0x1F6FC}, {0x1F7E0, 0x1F7F0}, {0x1F90C, 0x1FAFF}, {0x20000, 0x3FFFD},
 };
 
-/// Characters that stand over or behind the one before them.
+/// Characters that combine with the one before them and take no column of their own.
 constexpr Range kCombining[] = {
     {0x0300, 0x036F}, {0x0483, 0x0489}, {0x0591, 0x05BD}, {0x05BF, 0x05BF}, {0x05C1, 0x05C2},
     {0x05C4, 0x05C5}, {0x05C7, 0x05C7}, {0x0610, 0x061A}, {0x064B, 0x065F}, {0x0670, 0x0670},
@@ -48,7 +48,7 @@ constexpr Range kCombining[] = {
     {0x20D0, 0x20F0}, {0x302A, 0x302D}, {0x3099, 0x309A}, {0xFE00, 0xFE0F}, {0xFE20, 0xFE2F},
 };
 
-/// Characters without shape of their own that turn the direction of a line or hide in it.
+/// Invisible characters that change the direction of a line or hide in it.
 constexpr Range kUnseen[] = {
     {0x061C, 0x061C}, {0x200E, 0x200F}, {0x2028, 0x202E},
     {0x2060, 0x206F}, {0xFEFF, 0xFEFF}, {0xFFF9, 0xFFFB},
@@ -61,7 +61,7 @@ bool IsIn(const Range (&ranges)[kCount], char32_t c) {
   return at != std::end(ranges) && c >= at->first;
 }
 
-std::size_t WidthOf(char32_t c) {
+std::size_t MeasureCharacter(char32_t c) {
   if (c < 0x300) return 1;
   return IsIn(kCombining, c) ? 0 : IsIn(kWide, c) ? 2 : 1;
 }
@@ -104,13 +104,14 @@ std::string Escape(std::string_view text, bool keepLineFeeds) {
   return escaped;
 }
 
-/// How many bytes of `text` fit `width` columns. At least one character, so that wrapping gets on.
+/// How many bytes of `text` fit into `width` columns; at least one character, so that wrapping
+/// always gets further.
 std::size_t CountFittingBytes(std::string_view text, std::size_t width) {
   std::string_view rest = text;
   std::size_t used = 0;
   std::size_t fitting = 0;
   while (!rest.empty()) {
-    used += WidthOf(TakeUtf8(rest));
+    used += MeasureCharacter(TakeUtf8(rest));
     if (used > width && fitting > 0) break;
     fitting = text.size() - rest.size();
   }
@@ -121,7 +122,7 @@ std::size_t CountFittingBytes(std::string_view text, std::size_t width) {
 
 std::size_t MeasureWidth(std::string_view text) {
   std::size_t width = 0;
-  while (!text.empty()) width += WidthOf(TakeUtf8(text));
+  while (!text.empty()) width += MeasureCharacter(TakeUtf8(text));
   return width;
 }
 

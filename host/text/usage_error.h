@@ -4,7 +4,7 @@
 
 namespace host {
 
-/// The program was used wrongly: what is wrong and what would be right, in one line of UTF-8.
+/// The program was used wrongly. Says in one line of UTF-8 how, and how to use it instead.
 class UsageError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
