@@ -13,7 +13,7 @@
 namespace host {
 
 /// Observes the repository as long as it lives. Unlike a result, the file is written in place: it
-/// has to tell what happened even when the collection ends the process.
+/// has to show how far the modules came even when they end the process.
 class TraceOutput {
  public:
   /// `console` has to outlive this. Throws UsageError when the file cannot be created.
