@@ -6,7 +6,7 @@
 namespace host {
 namespace {
 
-/// Names of modules and tools are ASCII; whatever else comes has to be valid UTF-8.
+/// Names of modules and tools are ASCII; anything else is made valid UTF-8.
 std::string MakeUtf8(const std::string& bytes) { return TextDecoder(kUtf8CodePage)(bytes); }
 
 }  // namespace

@@ -14,8 +14,9 @@ struct TerminalFacts {
   unsigned width = 120;  ///< columns
 };
 
-/// Sets standard output and standard error up for UTF-8 with line ends left alone, and tells what
-/// they lead to. No colours if NO_COLOR is set in the environment and not empty.
+/// Sets standard output and standard error up for UTF-8 with line ends left alone, and finds
+/// out whether they lead to a terminal. No colours if NO_COLOR is set in the environment and not
+/// empty.
 TerminalFacts PrepareTerminal();
 
 /// The program's arguments as UTF-8, without its name.

@@ -138,7 +138,7 @@ int RunCollect(const CollectOptions& options, const Console& console) {
   return collection.problems.empty() ? kExitDone : kExitIncomplete;
 }
 
-/// Shows what a collection would run.
+/// Shows the command lines of a collection without running them.
 int ShowCommands(const CollectOptions& options, const Console& console) {
   const SourceOptions& source = options.source;
   const MachineFacts facts = source.replay ? DescribeRecording(LoadRecording(*source.replay))

@@ -46,7 +46,7 @@ struct DefinedProgram {
   std::deque<DefinedCommand> commands;  // which refer to their own members
 };
 
-/// What the program and its commands have in common.
+/// The parts that the program and its commands have in common.
 void DefineCommonParts(CLI::App& app, const char* footer) {
   app.footer(footer);
   app.allow_extras();

@@ -15,8 +15,8 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-// Both scripts look up what to offer by the command and the word before the cursor. Where that is
-// not a list of words, <...> says how it is found.
+// Both scripts look their offers up by the command and the word before the cursor. An offer in
+// <...> is a kind of value instead of a list of words.
 
 constexpr std::string_view kBash =
     R"sh(# Completion of pqhost's command line for bash, written by "pqhost completion --shell bash":

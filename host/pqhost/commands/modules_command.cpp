@@ -1,4 +1,4 @@
-// pqhost modules: what there is to collect.
+// pqhost modules: the modules and tables that can be collected.
 
 #include <filesystem>
 #include <memory>

@@ -1,5 +1,4 @@
-// The options of one command: how they are called, what they say of themselves in the help, and
-// where their values go.
+// The options of one command: their names and help texts, and where their values go.
 #pragma once
 
 #include <filesystem>
@@ -17,7 +16,7 @@ class Option;
 
 namespace host {
 
-/// What follows an option, as far as a shell can complete it.
+/// The kind of value that an option takes, as far as a shell can complete it.
 enum class OptionValue { kNone, kAny, kFolder, kFile, kDatabase, kModule, kTable, kChoice };
 
 struct OptionDescription {
