@@ -8,7 +8,7 @@
 namespace host {
 
 /// Written beside its final place and renamed when it is complete; an interrupted or failed run
-/// leaves what was there before. Until something is written, there is no file and nothing open. A
+/// leaves the old file alone. Until something is written, there is no file and nothing open. A
 /// device or a named pipe is written to directly.
 class OutputFile {
  public:

@@ -25,7 +25,7 @@ std::string ExplainUnwritable(const fs::path& path, int error) {
   return error == 0 ? "the system gives no reason" : std::strerror(error);
 }
 
-std::string MakeRoomForFile(const fs::path& path) {
+std::string AllocateFor(const fs::path& path) {
   try {
     return std::string(static_cast<std::size_t>(fs::file_size(path)), '\0');
   } catch (const std::exception&) {
@@ -41,7 +41,7 @@ std::string ReadWholeFile(const fs::path& path) {
   // Opening a pipe would wait for whoever writes to it.
   if (!fs::is_regular_file(path, ignored)) throw std::runtime_error("is no plain file");
   std::ifstream file(path, std::ios::binary);
-  std::string bytes = MakeRoomForFile(path);
+  std::string bytes = AllocateFor(path);
   const auto size = static_cast<std::streamsize>(bytes.size());
   file.read(bytes.data(), size);
   if (file.gcount() != size) throw std::runtime_error("cannot be read");

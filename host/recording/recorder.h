@@ -1,4 +1,4 @@
-// Keeps what a machine answers while modules collect from it, as a recording of that machine.
+// Keeps the answers of a machine as a recording, while modules collect from it.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,7 @@
 
 namespace host {
 
-/// What the recorder looks up on the machine by itself. Paths are as the modules give them.
+/// The machine as the recorder itself looks at it. Paths are as the modules give them.
 class MachineView {
  public:
   virtual ~MachineView() = default;
@@ -38,7 +38,7 @@ struct RecordedRun {
 /// replaces each password that the operator typed.
 class Recorder {
  public:
-  /// `facts` is the recording without what is recorded; `machine` must outlive this object.
+  /// `facts` describes the machine, without commands and files; `machine` must outlive this object.
   Recorder(Recording facts, MachineView& machine);
 
   /// The interpreter is about to be started for `commandLine`, which begins with "/c ". `isPiped`:

@@ -1,4 +1,4 @@
-// What the reader and the writer of recordings agree on.
+// Names and values of the format, for the reader and the writer of recordings.
 #pragma once
 
 #include <array>

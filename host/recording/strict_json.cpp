@@ -146,7 +146,7 @@ class DocumentBuilder final : public nlohmann::json_sax<Json> {
   std::string_view text;
   std::string_view listName;
   const std::function<void(const Json&)>& takeElement;
-  const char* furthest;  ///< the end of what was read
+  const char* furthest;  ///< the end of the text read so far
   Json document;
   std::vector<Json*> open;  ///< the objects and lists around the next value, from the outermost
   std::string name;         ///< of the next member
