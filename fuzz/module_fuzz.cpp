@@ -208,7 +208,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   AddModules(modules);
   const auto& module = modules[data[0] % modules.size()];
   AnsweringMachine machine({reinterpret_cast<const char*>(data) + 2, size - 2},
-                           data[1] % 2 == 1 ? 1033 : 1031);
+                           data[1] % 2 == 1 ? pq::kUsEnglish : 1031);
   const host::MachineInUse inUse(machine);
   host::SetLogFolder("C:\\Halyard\\logs\\");
   halyard::repository::RRepository repository;

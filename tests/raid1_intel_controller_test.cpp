@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "frame/tool_runner.h"
 #include "host/recorded/recorded_machine.h"
 #include "pqmodules/rsamplemodule1/intel_controller.h"
 #include "tests/support/collected.h"
@@ -12,6 +13,8 @@
 #include "tests/support/raid_tools.h"
 
 namespace {
+
+constexpr pq::ModuleLog kLog{"pqmodules/rsamplemodule1"};
 
 using test::Collected;
 using test::RaidTools;
@@ -45,7 +48,7 @@ std::vector<std::string> FactsIn(const std::vector<std::string>& lines) {
   for (const std::string& line : lines) {
     const auto fact = scan.Take(line);
     if (!fact) continue;
-    facts.push_back(fact->column->key + "=" + std::string(fact->value) +
+    facts.push_back(std::string(fact->column->key) + "=" + std::string(fact->value) +
                     (fact->endsRow ? " |" : ""));
   }
   return facts;
@@ -209,7 +212,7 @@ TEST(IntelController, SaysWhenTheReportCannotBeOpened) {
   const host::MachineInUse inUse(machine);
   const test::LogLines log;
   halyard::repository::RRepository repository;
-  pq::CollectIntelController(repository);
+  pq::CollectIntelController({repository, kLog, pq::GetExeFolder()});
   EXPECT_THAT(log.texts, ElementsAre(StartsWith("3 [repo] rstcli raw path:"),
                                      "4 [repo] rstcli64 -I command error level: 0",
                                      "4 [repo] Failed to open raid log file"));

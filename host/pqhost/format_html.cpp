@@ -11,7 +11,7 @@
 #include "host/pqhost/formats.h"
 #include "host/pqhost/report_page.h"
 #include "host/pqhost/row_cells.h"
-#include "host/pqhost/table_titles.h"
+#include "host/pqhost/table_sources.h"
 #include "host/pqhost/text.h"
 #include "host/pqhost/tool_versions.h"
 #include "host/pqhost/version.h"

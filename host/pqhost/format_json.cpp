@@ -10,7 +10,7 @@
 #include "host/pqhost/formats.h"
 #include "host/pqhost/json_text.h"
 #include "host/pqhost/row_cells.h"
-#include "host/pqhost/table_titles.h"
+#include "host/pqhost/table_sources.h"
 #include "host/pqhost/text.h"
 #include "host/pqhost/version.h"
 

@@ -14,7 +14,7 @@
 #include "host/pqhost/formats.h"
 #include "host/pqhost/row_cells.h"
 #include "host/pqhost/screen_text.h"
-#include "host/pqhost/table_titles.h"
+#include "host/pqhost/table_sources.h"
 #include "host/pqhost/text.h"
 
 namespace host {

@@ -11,7 +11,7 @@
 #include "host/pqhost/commands.h"
 #include "host/pqhost/live.h"
 #include "host/pqhost/screen_text.h"
-#include "host/pqhost/table_titles.h"
+#include "host/pqhost/table_sources.h"
 #include "host/pqhost/tables_document.h"
 #include "host/pqhost/text.h"
 

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "frame/platform.h"
+
 namespace host {
 
 /// One answer of a tool. Texts are bytes as they are on the machine.
@@ -26,7 +28,7 @@ struct RecordedCommand {
 
 struct Recording {
   std::string description;
-  std::uint32_t languageId = 1033;
+  std::uint32_t languageId = pq::kUsEnglish;
   std::uint32_t codePage = 1252;
   std::string hostExecutable = "C:\\Halyard\\halyard.exe";
   std::string logFolder = "C:\\Halyard\\logs\\";
