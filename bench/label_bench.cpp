@@ -77,7 +77,7 @@ void MeasureLabels(benchmark::State& state, const std::string& report,
   state.counters["xfgets"] = quickest / quickestBare;
 }
 
-std::vector<std::string_view> LabelsOf(const pq::LabelledColumns& columns) {
+std::vector<std::string_view> CollectLabels(const pq::LabelledColumns& columns) {
   std::vector<std::string_view> labels;
   for (const pq::LabelledColumn& column : columns.All()) labels.push_back(column.label);
   return labels;
@@ -85,12 +85,13 @@ std::vector<std::string_view> LabelsOf(const pq::LabelledColumns& columns) {
 
 /// 14 labels.
 void BM_LsiSummaryLabels(benchmark::State& state) {
-  MeasureLabels(state, "storcli/c0_show.txt", LabelsOf(pq::LsiSummaryFacts()));
+  MeasureLabels(state, "storcli/c0_show.txt", CollectLabels(pq::GetLsiSummaryFacts()));
 }
 
 /// 20 labels.
 void BM_MicrochipConfigLabels(benchmark::State& state) {
-  MeasureLabels(state, "arcconf/Controller_1_Config.txt", LabelsOf(pq::MicrochipConfigFacts()));
+  MeasureLabels(state, "arcconf/Controller_1_Config.txt",
+                CollectLabels(pq::GetMicrochipConfigFacts()));
 }
 
 /// 20 labels.

@@ -5,6 +5,7 @@
 #include <limits>
 #include <new>
 
+#include "frame/sentences.h"
 #include "frame/tool_runner.h"
 
 namespace pq {
@@ -18,12 +19,12 @@ std::unique_ptr<char[]> AllocateText(std::uint64_t size) {
 
 }  // namespace
 
-std::unique_ptr<char[]> ReadWholeReport(const ModuleLog& log, TextFile& file) {
+std::unique_ptr<char[]> ReadWholeReport(CallerLog log, TextFile& file) {
   const std::uint64_t size = file.SizeAndRewind();
   log(kDetail, "Size:", size);
   std::unique_ptr<char[]> text = AllocateText(size);
   if (!text) {
-    log(kDetail, "Malloc failed!");
+    log(kDetail, kNoMemory);
     return nullptr;
   }
   // Line ends shrink from two bytes to one on the way, so the lines fit unless the file has grown
@@ -40,11 +41,12 @@ std::unique_ptr<char[]> ReadWholeReport(const ModuleLog& log, TextFile& file) {
   return text;
 }
 
-void AddAttachment(RInstance& row, const std::string& key, const std::string& label,
-                   std::unique_ptr<char[]> text, const std::string& fileName) {
+void AddAttachment(RInstance& row, const Column& column, std::unique_ptr<char[]> text,
+                   const std::string& fileName) {
+  const std::string key(column.key);
   const std::string value = text.get();
   text.reset();
-  row.AddProperty(key, label, value, kPropertyFlag);
+  row.AddProperty(key, std::string(column.label), value, kPropertyFlag);
   row.AddPropertyAttr(key, "raw", "true");
   row.AddPropertyAttr(key, "filename", fileName);
 }

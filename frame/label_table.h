@@ -56,14 +56,14 @@ class LabelTable {
   std::vector<Probe> probes;
 };
 
-/// Whether `text` stands anywhere in `line`.
-inline bool Holds(std::string_view line, std::string_view text) {
+/// Whether `text` occurs anywhere in `line`.
+inline bool Contains(std::string_view line, std::string_view text) {
   return line.find(text) != std::string_view::npos;
 }
 
-/// The text of the zero-terminated `line` from `offset` on; empty when it would start behind the
+/// The text of the zero-terminated `line` from `offset` on; empty when it would start after the
 /// end.
-inline const char* TextFrom(std::string_view line, std::size_t offset) {
+inline const char* GetTextFrom(std::string_view line, std::size_t offset) {
   return offset < line.size() ? line.data() + offset : "";
 }
 

@@ -3,7 +3,7 @@
 #pragma once
 
 #include <cstddef>
-#include <initializer_list>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -14,13 +14,16 @@ namespace pq {
 
 struct LabelledColumn {
   std::string_view label;
-  std::size_t valueAt;  ///< from the label's first character
-  Column column;
+  std::size_t valueAt = 0;  ///< from the label's first character
+  Column column = {};
   bool endsRow = false;  ///< the row is handed over once this column is set
 };
 
-/// A column whose value begins right behind its label; the blank there belongs to it.
-LabelledColumn BehindLabel(std::string_view label, Column column, bool endsRow = false);
+/// A column whose value begins right after its label; the blank there belongs to it.
+constexpr LabelledColumn MakeLabelledColumn(std::string_view label, const Column& column,
+                                            bool endsRow = false) {
+  return {label, label.size(), column, endsRow};
+}
 
 /// What a line says: the column that it fills and its value, line end and all. No column when the
 /// line holds no label.
@@ -33,21 +36,19 @@ struct LabelledFact {
 /// Labelled columns in the order in which a line is tested against them.
 class LabelledColumns {
  public:
-  LabelledColumns(std::initializer_list<LabelledColumn> columns);
+  /// Refers to `columns`.
+  explicit LabelledColumns(std::span<const LabelledColumn> columns);
 
   /// The fact in the zero-terminated `line`; its value points there.
   LabelledFact FindIn(std::string_view line) const;
 
   /// All of them, in order.
-  const std::vector<LabelledColumn>& All() const { return columns; }
+  std::span<const LabelledColumn> All() const { return columns; }
 
  private:
-  std::vector<LabelledColumn> columns;
+  std::span<const LabelledColumn> columns;
   LabelTable labels;
 };
-
-/// The columns that the labels fill, in order.
-std::vector<Column> ColumnsOf(const LabelledColumns& labelled);
 
 /// Sets the column of `fact`, if it has one, and commits the row that it ends.
 void Fill(RowBuffer& row, const LabelledFact& fact);

@@ -1,12 +1,15 @@
-// What the five modules share: table registration, collect-once enumeration, log lines, the layout
+// What all modules share: table registration, collect-once enumeration, log lines, the layout
 // without names and widths.
 #pragma once
 
 #include <boost/bind/bind.hpp>
+#include <boost/shared_ptr.hpp>
 #include <string>
+#include <vector>
 
 #include "frame/halyard/repository.h"
 #include "frame/logkit/log.h"
+#include "frame/sentences.h"
 
 namespace pq {
 
@@ -39,14 +42,30 @@ class ModuleLog {
   template <typename... Parts>
   void operator()(LogLevel at, const Parts&... parts) const {
     LogKit::Log line(at.level, file, at.line);
-    ((line.Stream() << "[repo] ") << ... << parts);
+    ((line.Stream() << kLogPrefix) << ... << parts);
   }
 
  private:
   const char* file;
 };
 
-/// Base of the five modules: collects at most once per object.
+/// A module's log in the hands of code that modules share: its records carry the source line of the
+/// module's call, where a parameter of this type is made from the module's log.
+class CallerLog {
+ public:
+  CallerLog(const ModuleLog& log, int line = __builtin_LINE()) : log(log), line(line) {}
+
+  template <typename... Parts>
+  void operator()(unsigned level, const Parts&... parts) const {
+    log(LogLevel(level, line), parts...);
+  }
+
+ private:
+  const ModuleLog& log;
+  int line;
+};
+
+/// Base of the modules: collects at most once per object.
 class CollectionModule : public RModule {
  public:
   CollectionModule() : collected(false) {}
@@ -71,7 +90,7 @@ class CollectionModule : public RModule {
 
   /// Logs "Enter " + `name`, runs `collect` unless a collection ran before, logs "Exit " + `name`.
   template <typename Collect>
-  void CollectOnce(const ModuleLog& log, const char* name, const Collect& collect) {
+  void CollectOnce(CallerLog log, const char* name, const Collect& collect) {
     log(kProgress, "Enter ", name);
     if (!collected) collect();
     collected = true;
@@ -80,5 +99,10 @@ class CollectionModule : public RModule {
 
   bool collected;
 };
+
+using ModuleList = std::vector<boost::shared_ptr<RModule>>;
+
+/// New objects of all modules, in the order in which the host gets them. The modules define it.
+ModuleList CreateModules();
 
 }  // namespace pq

@@ -17,6 +17,9 @@ inline constexpr char kInterpreter[] = "C:\\Windows\\system32\\cmd.exe";
 /// "The filename or extension is too long": the system error of a command line that does not fit.
 inline constexpr std::uint32_t kErrorFilenameTooLong = 206;
 
+/// The language identifier of US English.
+inline constexpr std::uint32_t kUsEnglish = 1033;
+
 /// A pipe that carries a tool's standard output and standard error as one stream. Closes what is
 /// still open of it when destroyed.
 class Pipe {
@@ -71,7 +74,7 @@ class Platform {
 
   /// Path of the host's executable as it fits a 260-byte buffer.
   virtual std::string HostExecutable() = 0;
-  /// The system's default language identifier; 1033 is US English.
+  /// The system's default language identifier, such as kUsEnglish.
   virtual std::uint32_t SystemLanguage() = 0;
   /// Whether a file or folder of that name exists.
   virtual bool PathExists(const std::string& path) = 0;

@@ -8,11 +8,9 @@
 
 #include "frame/module.h"
 #include "frame/platform.h"
+#include "frame/sentences.h"
 
 namespace pq {
-
-/// Text before the system error of a start that failed, unless a step has its own.
-inline constexpr char kStartFailure[] = "CreateProcess failed (";
 
 /// How a step starts its tool and reports a failed start: `failure` + system error + ")".
 struct StartRule {
@@ -23,14 +21,13 @@ struct StartRule {
 
 /// `/c ""PROGRAM" ARGUMENTS > "REPORT""`: the command line of a tool whose output the interpreter
 /// writes into the file `reportPath`.
-std::string ReportCommand(const std::string& program, const std::string& arguments,
-                          const std::string& reportPath);
+std::string BuildReportCommand(const std::string& program, const std::string& arguments,
+                               const std::string& reportPath);
 
 /// Runs the tool and waits for its end. A failed start is logged; false then.
-bool RunLogged(const ModuleLog& log, const std::string& commandLine, const StartRule& rule = {});
+bool RunLogged(CallerLog log, const std::string& commandLine, const StartRule& rule = {});
 
 /// Opens `path`, its backslashes doubled. A failure is logged at level 4 as `failure`; null then.
-std::unique_ptr<TextFile> OpenReport(const ModuleLog& log, const std::string& path,
-                                     const char* failure);
+std::unique_ptr<TextFile> OpenReport(CallerLog log, const std::string& path, const char* failure);
 
 }  // namespace pq

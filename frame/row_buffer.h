@@ -9,28 +9,34 @@
 
 namespace pq {
 
-/// A property without its value: its key and its display label.
+/// A property without its value.
 struct Column {
-  std::string key;
-  std::string label;
+  std::string_view key;
+  std::string_view label;      ///< as it is displayed
+  std::string_view text = {};  ///< what it holds, for the documentation
 };
 
 /// Keeps what was set from one row to the next.
 class RowBuffer {
  public:
-  RowBuffer(RRepository& repo, const std::string& className, const std::string& key)
-      : repo(repo), instance(className, key, kInstanceNumber) {}
+  RowBuffer(RRepository& repo, const std::string& className, const std::string& title)
+      : repo(repo), instance(className, title, kInstanceNumber) {}
 
   void Set(const Column& column, std::string_view text) {
+    key = column.key;
+    label = column.label;
     value = text;
-    instance.AddProperty(column.key, column.label, value, kPropertyFlag);
+    instance.AddProperty(key, label, value, kPropertyFlag);
   }
   void Commit() { instance.AddToRepository(repo); }
 
  private:
   RRepository& repo;
   RInstance instance;
-  std::string value;  // One for all rows, so that a row costs no allocation here.
+  // One set for all rows, so that a row costs no allocation here.
+  std::string key;
+  std::string label;
+  std::string value;
 };
 
 }  // namespace pq

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "frame/sentences.h"
 #include "frame/tool_runner.h"
 
 namespace pq {
@@ -11,7 +12,7 @@ constexpr std::size_t kChunkRoom = 30720;
 
 }  // namespace
 
-std::optional<std::string> RunToPipe(const ModuleLog& log, const std::string& commandLine,
+std::optional<std::string> RunToPipe(CallerLog log, const std::string& commandLine,
                                      const PipeFailures& failures) {
   PipedTool tool(commandLine);
   if (!tool.OpenPipe()) {
@@ -24,10 +25,10 @@ std::optional<std::string> RunToPipe(const ModuleLog& log, const std::string& co
   }
   std::string output = tool.Collect(kChunkRoom, [&](const char* chunk, std::size_t count) {
     log(kDetail, chunk);
-    log(kDetail, "dw:", count);
+    log(kDetail, kChunkSize, count);
   });
   output.resize(std::min(output.find('\0'), output.size()));
-  log(kDetail, "se:", output);
+  log(kDetail, kWholeOutput, output);
   tool.Finish();
   return output;
 }

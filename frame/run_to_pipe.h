@@ -16,7 +16,7 @@ struct PipeFailures {
 
 /// Runs the tool and returns all that it writes to standard output and standard error, up to the
 /// first NUL. Each chunk and the whole are logged. Nothing after a failure, which is logged.
-std::optional<std::string> RunToPipe(const ModuleLog& log, const std::string& commandLine,
+std::optional<std::string> RunToPipe(CallerLog log, const std::string& commandLine,
                                      const PipeFailures& failures);
 
 }  // namespace pq

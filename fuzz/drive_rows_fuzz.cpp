@@ -15,12 +15,13 @@ void Require(bool holds) {
   if (!holds) std::abort();
 }
 
-std::vector<pq::TokenColumn> ColumnsOf(const test::PlainList& list) {
+/// The columns refer to `list`.
+std::vector<pq::TokenColumn> ListColumns(const test::PlainList& list) {
   std::vector<pq::TokenColumn> columns;
   for (std::size_t i = 0; i < list.keys.size(); ++i) {
     const std::string& key = list.keys[i];
     if (key.empty() || (key == "Size" && list.keys[i - 1] == "Size")) continue;
-    columns.push_back({i + 1, {key, key}, key == "Size"});
+    columns.push_back({i + 1, {.key = key, .label = key}, key == "Size"});
   }
   return columns;
 }
@@ -38,14 +39,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto isRow = scan.Take(line);
     for (std::size_t i = 0; i < lists.size(); ++i) {
       if (!isRow[i]) continue;
-      const std::vector<pq::TokenColumn> columns = ColumnsOf(lists[i]);
+      const std::vector<pq::TokenColumn> columns = ListColumns(lists[i]);
       std::size_t count = 0;
       const bool isWhole =
           pq::ReadDriveRow(line, columns, [&](const pq::Column& column, std::string_view value) {
             Require(count < columns.size() && column.key == columns[count].column.key);
             Require(!value.empty() && value.size() <= line.size());
             Require(!columns[count].isSize || value.size() <= 19);
-            current[i].Set(column.key, std::string(value));
+            current[i].Set(std::string(column.key), std::string(value));
             ++count;
           });
       Require(isWhole == (count == columns.size()));

@@ -21,7 +21,7 @@ class ListedPages final : public pq::EventPages {
   std::vector<test::EventStep> steps;
   void Set(std::size_t page, const pq::Column& column, std::string_view value) override {
     Require(page < pq::kEventPageCount && !column.key.empty());
-    steps.push_back({static_cast<int>(page), column.key, std::string(value)});
+    steps.push_back({static_cast<int>(page), std::string(column.key), std::string(value)});
   }
   void Commit(std::size_t page) override {
     Require(page < pq::kEventPageCount);

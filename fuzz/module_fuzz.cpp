@@ -211,7 +211,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::vector<host::LoadedModule> modules = host::LoadLinkedModules();
   const std::string& name = modules[data[0] % modules.size()].name;
   AnsweringMachine machine({reinterpret_cast<const char*>(data) + 2, size - 2},
-                           data[1] % 2 == 1 ? 1033 : 1031);
+                           data[1] % 2 == 1 ? pq::kUsEnglish : 1031);
   host::MachineFacts facts;
   facts.logFolder = "C:\\Halyard\\logs\\";
   host::PlatformSource source(machine, facts);

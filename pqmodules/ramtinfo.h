@@ -4,8 +4,8 @@
 
 #include <string>
 
+#include "frame/description.h"
 #include "frame/module.h"
-#include "frame/table_source.h"
 
 namespace pq {
 
@@ -14,8 +14,7 @@ class RAMTInfo : public CollectionModule {
   std::string GetName() override;
   std::string GetDescription() override;
   void RegisterTables() override;
-  /// Where the rows of its tables come from.
-  static TableSources DescribeTables();
+  static ModuleDescription Describe();
 
   /// Tests for AMT at every call; the first call that finds it collects.
   void EnumAMTInstances(RRepository& repo);
@@ -23,8 +22,7 @@ class RAMTInfo : public CollectionModule {
 
   /// 0 when the machine has AMT, 1 when it has not or the test could not run.
   int CheckAMT();
-  /// Asks the operator and records the AMT log, one instance that grows line by line. Returns 0,
-  /// also when the operator declines, or 1 after a failure.
+  /// As CollectAmtLog.
   int CollectAMTData(RRepository& repo);
 };
 

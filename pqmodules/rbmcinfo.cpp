@@ -1,46 +1,106 @@
 #include "pqmodules/rbmcinfo.h"
 
-#include <algorithm>
-#include <iterator>
+#include <cstdint>
+#include <utility>
+#include <vector>
 
 #include "frame/error_entries.h"
-#include "frame/report_file.h"
+#include "frame/sentences.h"
 #include "frame/tool_runner.h"
+#include "pqmodules/rbmcinfo/collection.h"
+#include "pqmodules/rbmcinfo/fru_sel.h"
+#include "pqmodules/rbmcinfo/oem_queries.h"
+#include "pqmodules/rbmcinfo/pipe_query.h"
+#include "pqmodules/rbmcinfo/raw_dumps.h"
+#include "pqmodules/rbmcinfo/sdr.h"
+#include "pqmodules/rbmcinfo/sensors.h"
 #include "pqmodules/rbmcinfo/tables.h"
 
 namespace pq {
 namespace {
 
-/// Selectors of the pipe queries, by what they ask for.
-enum OemSelector { kController = 1, kSelfTest, kVersions, kPowerSupplies, kLan, kLeds };
+constexpr ModuleLog kLog{"pqmodules/rbmcinfo"};
 
-/// What an exit code of the detection tool means.
-struct Detection {
-  BmcFamily family;  ///< the exit code itself
-  unsigned level;
-  const char* message;
-};
+constexpr char kName[] = "BMC_Info";
 
-constexpr Detection kDetections[] = {
-    {BmcFamily::kDetectionFailed, kError, "check_amt_bmc bmc command meets error"},
-    {BmcFamily::kGrantley, kProgress, "Grantley 2B3C or ZN720,has BMC, return 5"},
-    {BmcFamily::kMarl, kProgress, "Marl(ZM310), has BMC, return 7"},
-    {BmcFamily::kZk140, kProgress, "ZK140,ZP480 or ZW430E, has BMC, return 9"},
-    {BmcFamily::kIvyBridge, kProgress, "IVB 2B3C,has BMC, return 11"},
-};
-constexpr Detection kNothingDetected = {BmcFamily::kNoBmc, kProgress, "has no BMC, return 4"};
+// The folder of the host's executable, fetched by each collection, and the host's log folder,
+// fetched by each enumeration: those of the collection on this thread.
+thread_local std::string exePath;
+thread_local std::string logDir;
 
-const Detection& FindDetection(std::uint32_t exitCode) {
-  const auto* found = std::ranges::find(kDetections, BmcFamily{exitCode}, &Detection::family);
-  return found != std::end(kDetections) ? *found : kNothingDetected;
+void CollectBmc(RRepository& repo) {
+  kLog(kProgress, "Enter CollectData-BMC related info");
+  exePath = GetExeFolder();
+  kLog(kProgress, "the exepath:", exePath);
+  BmcCollection collection{repo, kLog, exePath};
+  switch (DetectBmc(kLog, exePath)) {
+    case BmcFamily::kGrantley:
+      QueryOem(collection, kControllerQuery);
+      QueryOem(collection, kSelfTestQuery);
+      QueryOem(collection, kVersionQuery);
+      QueryOem(collection, kPowerSupplyQuery);
+      QueryOem(collection, kLanQuery);
+      QueryOem(collection, kLedQuery);
+      CollectSensorReadings(collection);
+      CollectFru(collection);
+      CollectSdr(collection);
+      CollectSel(collection);
+      DumpSelHex(kLog, exePath);
+      DumpSensorIds(kLog, exePath);
+      break;
+    case BmcFamily::kMarl:  // No LEDs, and SDR before FRU.
+      QueryOem(collection, kControllerQuery);
+      QueryOem(collection, kSelfTestQuery);
+      QueryOem(collection, kVersionQuery);
+      QueryOem(collection, kPowerSupplyQuery);
+      QueryOem(collection, kLanQuery);
+      CollectSensorReadings(collection);
+      CollectSdr(collection);
+      CollectFru(collection);
+      CollectSel(collection);
+      DumpSelHex(kLog, exePath);
+      DumpSensorIds(kLog, exePath);
+      break;
+    case BmcFamily::kZk140:
+    case BmcFamily::kIvyBridge:
+      QueryOem(collection, kControllerQuery);
+      QueryOem(collection, kSelfTestQuery);
+      QueryOem(collection, kLanQuery);
+      kLog(kProgress, "Oru Debug after bmc info");
+      CollectSensorReadings(collection);
+      kLog(kProgress, "Oru Debug after sensor info");
+      // These platforms are not asked for their SDR; the line marks where it would be.
+      kLog(kProgress, "Oru Debug after sdr info");
+      CollectFru(collection);
+      kLog(kProgress, "Oru Debug after fru info");
+      CollectSel(collection);
+      kLog(kProgress, "Oru Debug after sel info");
+      DumpSelHex(kLog, exePath);
+      kLog(kProgress, "Oru Debug after selhex");
+      DumpSensorIds(kLog, exePath);
+      kLog(kProgress, "Oru Debug after sen_id");
+      break;
+    case BmcFamily::kNoBmc:
+    case BmcFamily::kDetectionFailed:
+      return;  // Without the exit line, which ends a collection only.
+  }
+  kLog(kProgress, "Exit CollectData-BMC related info");
 }
+
+/// The collection above does not ask `family` for these tables.
+void ExplainLeftOut(ModuleDescription& module, BmcFamily family, std::vector<std::string> tables) {
+  const std::string number = std::to_string(static_cast<std::uint32_t>(family));
+  module.explanations.push_back({GetDetectionMessage(family), "not this platform family",
+                                 "this platform family (" + number + ") is not asked for it",
+                                 std::move(tables)});
+}
+
+/// What a single step works with.
+BmcCollection MakeCollection(RRepository& repo) { return {repo, kLog, exePath}; }
 
 }  // namespace
 
-std::string RBMCInfo::exePath;
-std::string RBMCInfo::logDir;
-
-std::string RBMCInfo::GetName() { return "BMC_Info"; }
+std::string RBMCInfo::GetName() { return kName; }
 std::string RBMCInfo::GetDescription() { return "BMC information"; }
 
 void RBMCInfo::RegisterTables() {
@@ -56,6 +116,22 @@ void RBMCInfo::RegisterTables() {
   RegisterTable(kSelInfo, &RBMCInfo::EnumBMCInstances, &RBMCInfo::FormatRowTable);
 }
 
+ModuleDescription RBMCInfo::Describe() {
+  ModuleDescription module{.name = kName, .toolErrorText = kUtilityError};
+  module.AddFailures(StepFailure::kToolNotRun, {kStartFailure});
+  DescribeDetection(module);
+  ExplainLeftOut(module, BmcFamily::kMarl, {kLedInfo});
+  for (const BmcFamily family : {BmcFamily::kZk140, BmcFamily::kIvyBridge}) {
+    ExplainLeftOut(module, family, {kVerInfo, kPsuInfo, kLedInfo, kSdrInfo});
+  }
+  DescribeOemQueries(module);
+  DescribeSensorReadings(module);
+  DescribeSdr(module);
+  DescribeFruAndSel(module);
+  DescribeRawDumps(module);
+  return module;
+}
+
 void RBMCInfo::FormatInfoTable(RInstancesWrapper& table) { table.SetColumnHeaders({}, 30, 1); }
 
 void RBMCInfo::FormatSensorTable(RInstancesWrapper& table) {
@@ -63,91 +139,30 @@ void RBMCInfo::FormatSensorTable(RInstancesWrapper& table) {
 }
 
 void RBMCInfo::EnumBMCInstances(RRepository& repo) {
-  kBmcLog(kProgress, "Enter EnumBMCInstances");
+  kLog(kProgress, "Enter EnumBMCInstances");
   logDir = GetLogFolder();  // At every call, also when nothing is collected any more.
   if (!collected) CollectData(repo);
   collected = true;
-  kBmcLog(kProgress, "Exit EnumBMCInstances");
+  kLog(kProgress, "Exit EnumBMCInstances");
 }
 
-void RBMCInfo::CollectData(RRepository& repo) {
-  kBmcLog(kProgress, "Enter CollectData-BMC related info");
-  exePath = GetExeFolder();
-  kBmcLog(kProgress, "the exepath:", exePath);
-  switch (CheckBmc()) {
-    case BmcFamily::kGrantley:
-      QueryOem(repo, kController);
-      QueryOem(repo, kSelfTest);
-      QueryOem(repo, kVersions);
-      QueryOem(repo, kPowerSupplies);
-      QueryOem(repo, kLan);
-      QueryOem(repo, kLeds);
-      CollectSensorReadings(repo);
-      CollectFru(repo);
-      CollectSdr(repo);
-      CollectSel(repo);
-      DumpSelHex();
-      DumpSensorIds();
-      break;
-    case BmcFamily::kMarl:  // No LEDs, and SDR before FRU.
-      QueryOem(repo, kController);
-      QueryOem(repo, kSelfTest);
-      QueryOem(repo, kVersions);
-      QueryOem(repo, kPowerSupplies);
-      QueryOem(repo, kLan);
-      CollectSensorReadings(repo);
-      CollectSdr(repo);
-      CollectFru(repo);
-      CollectSel(repo);
-      DumpSelHex();
-      DumpSensorIds();
-      break;
-    case BmcFamily::kZk140:
-    case BmcFamily::kIvyBridge:
-      QueryOem(repo, kController);
-      QueryOem(repo, kSelfTest);
-      QueryOem(repo, kLan);
-      kBmcLog(kProgress, "Oru Debug after bmc info");
-      CollectSensorReadings(repo);
-      kBmcLog(kProgress, "Oru Debug after sensor info");
-      // These platforms are not asked for their SDR; the line marks where it would be.
-      kBmcLog(kProgress, "Oru Debug after sdr info");
-      CollectFru(repo);
-      kBmcLog(kProgress, "Oru Debug after fru info");
-      CollectSel(repo);
-      kBmcLog(kProgress, "Oru Debug after sel info");
-      DumpSelHex();
-      kBmcLog(kProgress, "Oru Debug after selhex");
-      DumpSensorIds();
-      kBmcLog(kProgress, "Oru Debug after sen_id");
-      break;
-    case BmcFamily::kNoBmc:
-    case BmcFamily::kDetectionFailed:
-      return;  // Without the exit line: it stands for a collection.
-  }
-  kBmcLog(kProgress, "Exit CollectData-BMC related info");
+void RBMCInfo::CollectData(RRepository& repo) { CollectBmc(repo); }
+
+BmcFamily RBMCInfo::CheckBmc() { return DetectBmc(kLog, exePath); }
+
+int RBMCInfo::QueryOem(RRepository& repo, int selector) {
+  BmcCollection collection = MakeCollection(repo);
+  return pq::QueryOem(collection, selector);
 }
 
-BmcFamily RBMCInfo::CheckBmc() {
-  const std::string commandLine = "/c \"" + exePath + "\\pq_tools\\check_amt_bmc.exe\" bmc";
-  kBmcLog(kProgress, "the final path:", commandLine);
-  const ToolExit tool = RunForExitCode(commandLine);
-  if (!tool.started) {
-    kBmcLog(kDetail, kStartFailure, tool.startError, ")");
-    return BmcFamily::kDetectionFailed;
-  }
-  kBmcLog(kDetail, "check_bmc function return:", tool.exitCode);
-  const Detection& detection = FindDetection(tool.exitCode);
-  kBmcLog(detection.level, detection.message);
-  return detection.family;
+int RBMCInfo::CollectSensorReadings(RRepository& repo) {
+  return pq::CollectSensorReadings(MakeCollection(repo));
 }
 
-TableSources RBMCInfo::DescribeTables() {
-  TableSources sources = DescribeOemTables();
-  sources.push_back(DescribeSensors());
-  sources.push_back(DescribeSdr());
-  for (TableSource& source : DescribeFiles()) sources.push_back(std::move(source));
-  return sources;
-}
+int RBMCInfo::CollectSdr(RRepository& repo) { return pq::CollectSdr(MakeCollection(repo)); }
+int RBMCInfo::CollectFru(RRepository& repo) { return pq::CollectFru(MakeCollection(repo)); }
+int RBMCInfo::CollectSel(RRepository& repo) { return pq::CollectSel(MakeCollection(repo)); }
+void RBMCInfo::DumpSelHex() { pq::DumpSelHex(kLog, exePath); }
+void RBMCInfo::DumpSensorIds() { pq::DumpSensorIds(kLog, exePath); }
 
 }  // namespace pq

@@ -1,11 +1,10 @@
-// RAID controller inventory: LSI controller summary, Intel RST or VROC controller, Microchip
-// support archive.
+// RAID inventory: LSI controller summary, Intel RST or VROC controller, Microchip support archive.
 #pragma once
 
 #include <string>
 
+#include "frame/description.h"
 #include "frame/module.h"
-#include "frame/table_source.h"
 
 namespace pq {
 
@@ -14,8 +13,7 @@ class RSampleModule1 : public CollectionModule {
   std::string GetName() override;
   std::string GetDescription() override;
   void RegisterTables() override;
-  /// Where the rows of its tables come from.
-  static TableSources DescribeTables();
+  static ModuleDescription Describe();
 
   void EnumPQ1Instances(RRepository& repo);
 

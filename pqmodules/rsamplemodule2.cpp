@@ -1,21 +1,23 @@
 #include "pqmodules/rsamplemodule2.h"
 
-#include <array>
 #include <memory>
+#include <string_view>
 
 #include "frame/error_entries.h"
 #include "frame/label_table.h"
 #include "frame/report_file.h"
-#include "frame/row_buffer.h"
+#include "frame/sentences.h"
 #include "frame/tool_runner.h"
 #include "pqmodules/raid/reports.h"
 #include "pqmodules/rsamplemodule2/collection.h"
+#include "pqmodules/rsamplemodule2/demonstration.h"
 #include "pqmodules/rsamplemodule2/drive_details.h"
 #include "pqmodules/rsamplemodule2/drive_lists.h"
 #include "pqmodules/rsamplemodule2/event_log.h"
 #include "pqmodules/rsamplemodule2/intel_devices.h"
 #include "pqmodules/rsamplemodule2/log_links.h"
 #include "pqmodules/rsamplemodule2/sas2ir_log.h"
+#include "pqmodules/rsamplemodule2/tables.h"
 #include "pqmodules/rsamplemodule2/term_log.h"
 
 namespace pq {
@@ -23,47 +25,13 @@ namespace {
 
 constexpr ModuleLog kLog{"pqmodules/rsamplemodule2"};
 
-constexpr int kReadingsSize = 6;  // Rows and columns.
-const std::array<Column, kReadingsSize> kReadings{{
-    {"item1", "Name"},
-    {"item2", "Reading"},
-    {"item3", "Status"},
-    {"item4", "LCR"},
-    {"item5", "LNR"},
-    {"item6", "UCR"},
-}};
-
-const std::array<Column, 4> kFourColumns{{
-    {"S2T2PRO1", "S2T2 PRO 1"},
-    {"S2T2PRO2", "S2T2 PRO 2"},
-    {"S2T2PRO3", "S2T2 PRO 3"},
-    {"S2T2PRO4", "S2T2 PRO 4"},
-}};
-
-/// Fixed rows that show a host how a table of readings looks.
-void AddSampleReadings(RRepository& repo) {
-  for (int row = 0; row < kReadingsSize; ++row) {
-    RInstance instance(kSample2Table1, "sample 2 - table 1", kInstanceNumber);
-    int value = row;
-    for (const Column& column : kReadings) {
-      instance.AddProperty(column.key, column.label, value++, kPropertyFlag);
-    }
-    instance.AddToRepository(repo);
-  }
-}
-
-/// A fixed row that shows a host how a table of texts looks; all four texts are the same.
-void AddSampleTexts(RRepository& repo) {
-  RowBuffer row(repo, kSample2Table2, "sample 2 - table 2");
-  for (const Column& column : kFourColumns) row.Set(column, "VALUE1");
-  row.Commit();
-}
+constexpr char kName[] = "sampleModule2";
 
 /// Asks storcli how many controllers there are; null when it cannot be asked. A report that cannot
 /// be opened passes without a word: the log shows its path.
 std::unique_ptr<TextFile> OpenCountReport(const std::string& hostFolder) {
   const std::string report = GetLogFolder() + kCountReportName;
-  const std::string command = ReportCommand(hostFolder + kStorcli, kCountArguments, report);
+  const std::string command = BuildReportCommand(hostFolder + kStorcli, kCountArguments, report);
   kLog(kDetail, "ctrlcout path:", command);
   if (!RunLogged(kLog, command)) return nullptr;
   const std::string path = DoubleBackslashes(report);
@@ -71,7 +39,7 @@ std::unique_ptr<TextFile> OpenCountReport(const std::string& hostFolder) {
   return Machine().OpenText(path);
 }
 
-/// The one character behind "Controller Count = ", as a number: 12 reads as 1, a letter as a number
+/// The one character after "Controller Count = ", as a number: 12 reads as 1, a letter as a number
 /// beyond the digits. Without a count there is still controller 0 to look at.
 int ReadControllerCount(TextFile* report) {
   int count = 1;
@@ -79,30 +47,68 @@ int ReadControllerCount(TextFile* report) {
   for (LineReader lines(report); lines.Next(line);) {
     const std::size_t label = line.find(kCountLabel);
     if (label == std::string_view::npos) continue;
-    count = static_cast<signed char>(*TextFrom(line, label + kCountLabel.size() + 1)) - '0';
+    count = static_cast<signed char>(*GetTextFrom(line, label + kCountLabel.size() + 1)) - '0';
   }
   return count;
+}
+
+void CollectRaidLogs(RRepository& repo) {
+  kLog(kProgress, "Enter CollectData");
+  RaidLogsCollection collection{repo, kLog, GetExeFolder()};
+  AddDemonstrationRows(collection);
+  kLog(kProgress, "the exepath:", collection.hostFolder);
+  auto countReport = OpenCountReport(collection.hostFolder);
+  if (!countReport) return;
+  const int count = ReadControllerCount(countReport.get());
+  for (int controller = 0; controller < count; ++controller) {
+    CollectLogLinks(collection, controller);
+  }
+
+  CollectEventLog(collection);
+  CollectTermLog(collection);
+  CollectDriveDetails(collection);
+  CollectDriveLists(collection);
+  CollectSas2IrLog(collection);
+  CollectIntelDevices(collection);
+  countReport.reset();
+  kLog(kProgress, "Exit CollectData");
 }
 
 }  // namespace
 
 RSampleModule2::~RSampleModule2() = default;
 
-std::string RSampleModule2::GetName() { return "sampleModule2"; }
+std::string RSampleModule2::GetName() { return kName; }
 std::string RSampleModule2::GetDescription() { return "Sample Module 2"; }
 
 void RSampleModule2::RegisterTables() {
   const auto enumerate = &RSampleModule2::EnumPQ2Instances;
   RegisterTable(kSample2Table1, enumerate, &RSampleModule2::FormatReadingsTable);
   RegisterTable(kSample2Table2, enumerate, &RSampleModule2::FormatFourColumnTable);
-  for (const std::string& page : {kEventLog1, kEventLog2, kEventLog3, kEventLog4, kEventLog5}) {
+  for (const char* page : {kEventLog1, kEventLog2, kEventLog3, kEventLog4, kEventLog5}) {
     RegisterTable(page, enumerate, &RSampleModule2::FormatEventLogTable);
   }
-  for (const std::string& name :
+  for (const char* name :
        {kFwTermLog, kPdList, kTInfo, kVInfo, kPInfo, kSas2IrLog, kEndDeviceInfo, kArray, kVolume}) {
     RegisterTable(name, enumerate, &RSampleModule2::FormatRowTable);
   }
   RegisterTable(kLsiLink, enumerate, &RSampleModule2::FormatLinkTable);
+}
+
+ModuleDescription RSampleModule2::Describe() {
+  ModuleDescription module{.name = kName};
+  module.AddFailures(StepFailure::kToolNotRun, {kStartFailure, kExitCodeFailure});
+  module.AddFailures(StepFailure::kOutputNotOpened, {kNoReport});
+  module.AddFailures(StepFailure::kOutputNotRead, {kNoMemory});
+  DescribeLogsDemonstration(module);
+  DescribeEventLog(module);
+  DescribeTermLog(module);
+  DescribeDriveDetails(module);
+  DescribeDriveLists(module);
+  DescribeSas2IrLog(module);
+  DescribeIntelDevices(module);
+  DescribeLogLinks(module);
+  return module;
 }
 
 void RSampleModule2::FormatReadingsTable(RInstancesWrapper& table) {
@@ -122,43 +128,6 @@ void RSampleModule2::EnumPQ2Instances(RRepository& repo) {
   CollectOnce(kLog, "EnumPQ2Instances", [&] { CollectData(repo); });
 }
 
-void RSampleModule2::CollectData(RRepository& repo) {
-  kLog(kProgress, "Enter CollectData");
-  AddSampleReadings(repo);
-  AddSampleTexts(repo);
-
-  const RaidLogsCollection collection{repo, kLog, GetExeFolder()};
-  kLog(kProgress, "the exepath:", collection.hostFolder);
-  auto countReport = OpenCountReport(collection.hostFolder);
-  if (!countReport) return;
-  const int count = ReadControllerCount(countReport.get());
-  for (int controller = 0; controller < count; ++controller) {
-    CollectLogLinks(collection, controller);
-  }
-
-  CollectEventLog(collection);
-  CollectTermLog(collection);
-  CollectDriveDetails(collection);
-  CollectDriveLists(collection);
-  CollectSas2IrLog(collection);
-  CollectIntelDevices(collection);
-  countReport.reset();
-  kLog(kProgress, "Exit CollectData");
-}
-
-TableSources RSampleModule2::DescribeTables() {
-  TableSources sources{{kSample2Table1, {}, {kReadings.begin(), kReadings.end()}},
-                       {kSample2Table2, {}, {kFourColumns.begin(), kFourColumns.end()}}};
-  const auto add = [&](TableSources more) {
-    for (TableSource& source : more) sources.push_back(std::move(source));
-  };
-  add(DescribeEventLog());
-  add({DescribeTermLog(), DescribeDriveDetails()});
-  add(DescribeDriveLists());
-  add({DescribeSas2IrLog()});
-  add(DescribeIntelDevices());
-  add({DescribeLogLinks()});
-  return sources;
-}
+void RSampleModule2::CollectData(RRepository& repo) { CollectRaidLogs(repo); }
 
 }  // namespace pq

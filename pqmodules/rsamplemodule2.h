@@ -1,11 +1,11 @@
-// RAID logs and topology: per-controller log links, event log, firmware term log, topology and
-// drive lists, drive details, SAS2 controller log, Intel RST devices.
+// RAID logs: per-controller log links, event log, firmware term log, topology and drive lists,
+// drive details, SAS2 controller log, Intel RST devices.
 #pragma once
 
 #include <string>
 
+#include "frame/description.h"
 #include "frame/module.h"
-#include "frame/table_source.h"
 
 namespace pq {
 
@@ -15,8 +15,7 @@ class RSampleModule2 : public CollectionModule {
   std::string GetName() override;
   std::string GetDescription() override;
   void RegisterTables() override;
-  /// Where the rows of its tables come from.
-  static TableSources DescribeTables();
+  static ModuleDescription Describe();
 
   void EnumPQ2Instances(RRepository& repo);
   void FormatReadingsTable(RInstancesWrapper& table);

@@ -4,8 +4,9 @@
 
 #include <string>
 
+#include "frame/description.h"
 #include "frame/module.h"
-#include "frame/table_source.h"
+#include "pqmodules/rwininfo/net_table.h"
 
 namespace pq {
 
@@ -14,8 +15,7 @@ class RWINInfo : public CollectionModule {
   std::string GetName() override;
   std::string GetDescription() override;
   void RegisterTables() override;
-  /// Where the rows of its tables come from.
-  static TableSources DescribeTables();
+  static ModuleDescription Describe();
 
   void EnumWINInstances(RRepository& repo);
   void FormatARPTable(RInstancesWrapper& table);
@@ -25,12 +25,7 @@ class RWINInfo : public CollectionModule {
   void CollectData(RRepository& repo);
 };
 
-inline constexpr unsigned kArpMode = 1;
-inline constexpr unsigned kConnectionMode = 2;
-
-/// Runs `arp -a` (kArpMode) or `netstat` (kConnectionMode) on a US English system and adds one
-/// instance per printed row. Returns 1 when the tool could not be run, otherwise 0, also without
-/// any row.
+/// As CollectNetTable.
 int ParseNetTable(RRepository& repo, unsigned mode);
 
 }  // namespace pq

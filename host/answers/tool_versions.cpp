@@ -3,23 +3,10 @@
 #include <algorithm>
 #include <string_view>
 
+#include "host/catalogue/table_sources.h"
+
 namespace host {
 namespace {
-
-/// How a tool introduces its version in the texts of a table.
-struct VersionLine {
-  const char* tool;
-  const char* className;
-  std::string_view label;
-};
-
-constexpr VersionLine kVersionLines[] = {
-    {"storcli", "LSILINK", "CLI Version ="},
-    {"storcli", "FWTERMLOG", "CLI Version ="},
-    {"ipmiutil", "SDRINFO", "ipmiutil sensor version"},
-    {"ipmiutil", "SELINFO", "ipmiutil sel version"},
-    {"ipmiutil", "FRUINFO", "ipmiutil fru version"},
-};
 
 /// Rows that are looked at: a tool names its version at the top.
 constexpr std::size_t kRowsLookedAt = 5;
@@ -47,15 +34,17 @@ std::string FindVersion(const Table& table, std::string_view label) {
 
 std::vector<ToolVersion> FindToolVersions(const Collection& collection) {
   std::vector<ToolVersion> versions;
-  for (const VersionLine& line : kVersionLines) {
-    const bool known = std::any_of(versions.begin(), versions.end(),
-                                   [&](const ToolVersion& v) { return v.tool == line.tool; });
-    const auto table = std::find_if(
-        collection.tables.begin(), collection.tables.end(),
-        [&](const CollectedTable& t) { return t.className == line.className && t.rows; });
-    if (known || table == collection.tables.end()) continue;
-    std::string version = FindVersion(*table->rows, line.label);
-    if (!version.empty()) versions.push_back({line.tool, std::move(version)});
+  for (const pq::ModuleDescription& module : GetModuleDescriptions()) {
+    for (const pq::VersionLine& line : module.versionLines) {
+      const bool known = std::any_of(versions.begin(), versions.end(),
+                                     [&](const ToolVersion& v) { return v.tool == line.tool; });
+      const auto table = std::find_if(
+          collection.tables.begin(), collection.tables.end(),
+          [&](const CollectedTable& t) { return t.className == line.className && t.rows; });
+      if (known || table == collection.tables.end()) continue;
+      std::string version = FindVersion(*table->rows, line.label);
+      if (!version.empty()) versions.push_back({line.tool, std::move(version)});
+    }
   }
   return versions;
 }

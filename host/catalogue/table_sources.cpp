@@ -2,33 +2,31 @@
 
 #include <algorithm>
 
-#include "pqmodules/ramtinfo.h"
-#include "pqmodules/rbmcinfo.h"
-#include "pqmodules/rsamplemodule1.h"
-#include "pqmodules/rsamplemodule2.h"
-#include "pqmodules/rwininfo.h"
-
 namespace host {
 
-const pq::TableSources& AllTableSources() {
-  static const pq::TableSources sources = [] {
-    pq::TableSources all;
-    for (const auto describe : {&pq::RSampleModule1::DescribeTables,
-                                &pq::RSampleModule2::DescribeTables, &pq::RBMCInfo::DescribeTables,
-                                &pq::RAMTInfo::DescribeTables, &pq::RWINInfo::DescribeTables}) {
-      for (pq::TableSource& source : describe()) all.push_back(std::move(source));
-    }
-    return all;
-  }();
-  return sources;
+const std::vector<pq::ModuleDescription>& GetModuleDescriptions() {
+  static const std::vector<pq::ModuleDescription> kModules = pq::DescribeModules();
+  return kModules;
 }
 
-const pq::TableSource* FindTableSource(const std::string& className) {
-  const pq::TableSources& all = AllTableSources();
-  const auto found = std::find_if(all.begin(), all.end(), [&](const pq::TableSource& source) {
-    return source.className == className;
-  });
-  return found == all.end() ? nullptr : &*found;
+const pq::ModuleDescription* FindModuleDescription(std::string_view name) {
+  const auto& modules = GetModuleDescriptions();
+  const auto found = std::ranges::find(modules, name, &pq::ModuleDescription::name);
+  return found == modules.end() ? nullptr : &*found;
+}
+
+const pq::TableDescription* FindTableDescription(std::string_view className) {
+  for (const pq::ModuleDescription& module : GetModuleDescriptions()) {
+    const auto found =
+        std::ranges::find(module.tables, className, &pq::TableDescription::className);
+    if (found != module.tables.end()) return &*found;
+  }
+  return nullptr;
+}
+
+std::string TitleOf(const std::string& className) {
+  const pq::TableDescription* table = FindTableDescription(className);
+  return table == nullptr ? className : table->title;
 }
 
 }  // namespace host

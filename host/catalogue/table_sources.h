@@ -1,16 +1,24 @@
-// Where the rows of every table come from, as the modules themselves tell.
+// The catalogue: what the modules tell of themselves, looked up by module or by table class.
 #pragma once
 
 #include <string>
+#include <string_view>
+#include <vector>
 
-#include "frame/table_source.h"
+#include "frame/description.h"
 
 namespace host {
 
-/// The tables of all modules, in the order of the modules.
-const pq::TableSources& AllTableSources();
+/// All modules, in the order in which the host gets them.
+const std::vector<pq::ModuleDescription>& GetModuleDescriptions();
+
+/// Null for a module that is not in the catalogue.
+const pq::ModuleDescription* FindModuleDescription(std::string_view name);
 
 /// Null for a class that no module describes.
-const pq::TableSource* FindTableSource(const std::string& className);
+const pq::TableDescription* FindTableDescription(std::string_view className);
+
+/// What the table holds, in words; the class name itself for one that no module describes.
+std::string TitleOf(const std::string& className);
 
 }  // namespace host

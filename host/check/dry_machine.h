@@ -14,7 +14,7 @@ namespace host {
 struct DryFacts {
   std::string hostExecutable;
   std::string logFolder;  ///< ends with a backslash
-  std::uint32_t languageId = 1033;
+  std::uint32_t languageId = pq::kUsEnglish;
 };
 
 /// A command that a module would run.

@@ -19,7 +19,6 @@
 namespace host {
 namespace {
 
-constexpr std::uint32_t kUsEnglish = 1033;
 /// The support archive and the controllers' logs of a large machine.
 constexpr std::uint64_t kEnoughBytes = std::uint64_t{1} << 30;
 constexpr double kBytesPerGiB = 1 << 30;
@@ -58,12 +57,13 @@ std::map<std::string, std::set<std::string>> ListClasses() {
 std::vector<std::string> FindServed(const std::set<std::string>& classes,
                                     const std::string& program) {
   std::vector<std::string> served;
-  for (const pq::TableSource& source : AllTableSources()) {
-    const bool serves = std::any_of(source.commands.begin(), source.commands.end(),
-                                    [&](const pq::ToolCommand& command) {
-                                      return ToolName(command.program) == ToolName(program);
-                                    });
-    if (serves && classes.contains(source.className)) served.push_back(source.className);
+  for (const pq::ModuleDescription& module : GetModuleDescriptions()) {
+    for (const pq::TableDescription& table : module.tables) {
+      const bool serves = std::ranges::any_of(table.commands, [&](const pq::ToolCommand& command) {
+        return ToolName(command.program) == ToolName(program);
+      });
+      if (serves && classes.contains(table.className)) served.push_back(table.className);
+    }
   }
   return served;
 }
@@ -132,14 +132,25 @@ void CheckSurroundings(const Surroundings& found, const std::string& logFolder,
 }
 
 void CheckLanguage(std::uint32_t languageId, Findings& findings) {
-  if (languageId == kUsEnglish) {
+  if (languageId == pq::kUsEnglish) {
     findings.Good("language", fmt::format("{}, English (United States)", languageId));
-  } else {
-    findings.Note("language",
-                  fmt::format("{}, not 1033 (English, United States): ARPINFO and NETSTATINFO stay "
-                              "empty; read what arp and netstat print in the log folder",
-                              languageId));
+    return;
   }
+  std::vector<std::string> classes;
+  std::vector<std::string> tools;
+  for (const pq::ModuleDescription& module : GetModuleDescriptions()) {
+    for (const pq::TableDescription& table : module.tables) {
+      if (!table.needsUsEnglish) continue;
+      classes.push_back(table.className);
+      for (const pq::ToolCommand& command : table.commands) {
+        tools.push_back(ToolName(command.program));
+      }
+    }
+  }
+  findings.Note("language", fmt::format("{}, not {} (English, United States): {} stay empty; read "
+                                        "what {} print in the log folder",
+                                        languageId, pq::kUsEnglish, fmt::join(classes, " and "),
+                                        fmt::join(tools, " and ")));
 }
 
 void CheckHostFolder(const MachineFacts& facts, const TextDecoder& decode, Findings& findings) {

@@ -1,68 +1,46 @@
 #include "host/collect/failures.h"
 
 #include <algorithm>
-#include <iterator>
 #include <string_view>
 
+#include "frame/module.h"
+#include "frame/sentences.h"
+#include "host/catalogue/table_sources.h"
 #include "host/collect/command_text.h"
 
 namespace host {
 namespace {
 
-constexpr std::string_view kPrefix = "[repo] ";
-constexpr unsigned kErrorLevel = 1;
-
-/// How the lines begin that report a failure, and whether it is one of the tool started last.
-struct FailureText {
-  std::string_view beginning;
-  bool ofLastTool;
-};
-constexpr FailureText kFailureTexts[] = {
-    {"CreateProcess failed", true},         {"Failed to create pipe", false},
-    {"Create Pipe failed", false},          {"Failed to open ", true},
-    {"GetExitCodeProcess() failed:", true}, {"Malloc failed!", true},
-    {"Get AMT IP failed", false},
-};
-
-/// The Microchip tool writes its report only when there is such a controller.
-constexpr std::string_view kNothingThere = "Failed to open PMC Controller file";
-
-/// A program whose exit code says whether something is there, by the end of its command line.
-struct PresenceTest {
-  std::string_view commandEnd;
-  std::string_view failure;
-};
-constexpr PresenceTest kPresenceTests[] = {
-    {"\\check_amt_bmc.exe\" amt",
-     "the program is missing, so it is not known whether the machine has AMT"},
-    {"\\check_amt_bmc.exe\" bmc",
-     "the program is missing, so it is not known whether the machine has a BMC"},
-};
-
-const PresenceTest* FindPresenceTest(std::string_view commandLine) {
-  const auto* found = std::find_if(
-      std::begin(kPresenceTests), std::end(kPresenceTests),
-      [&](const PresenceTest& test) { return commandLine.ends_with(test.commandEnd); });
-  return found == std::end(kPresenceTests) ? nullptr : found;
-}
-
-const FailureText* FindFailureText(std::string_view text) {
-  const auto* found =
-      std::find_if(std::begin(kFailureTexts), std::end(kFailureTexts),
-                   [&](const FailureText& known) { return text.starts_with(known.beginning); });
-  return found == std::end(kFailureTexts) ? nullptr : found;
-}
-
-std::string_view WithoutPrefix(std::string_view text) {
-  return text.starts_with(kPrefix) ? text.substr(kPrefix.size()) : text;
+/// The presence test that the command line runs; null when it runs none.
+const pq::PresenceTest* FindPresenceTest(std::string_view commandLine) {
+  for (const pq::ModuleDescription& module : GetModuleDescriptions()) {
+    for (const pq::PresenceTest& test : module.presenceTests) {
+      if (commandLine.ends_with(test.commandEnd)) return &test;
+    }
+  }
+  return nullptr;
 }
 
 }  // namespace
 
+std::string_view RemoveLogPrefix(std::string_view text) {
+  if (text.starts_with(pq::kLogPrefix)) text.remove_prefix(std::string_view(pq::kLogPrefix).size());
+  return text;
+}
+
+const pq::FailureSentence* FindFailureSentence(std::string_view text) {
+  for (const pq::ModuleDescription& module : GetModuleDescriptions()) {
+    for (const pq::FailureSentence& known : module.failures) {
+      if (text.starts_with(known.sentence)) return &known;
+    }
+  }
+  return nullptr;
+}
+
 bool ReportsFailure(const LogLine& line) {
-  const std::string_view text = WithoutPrefix(line.text);
-  if (text.starts_with(kNothingThere)) return false;
-  return line.level == kErrorLevel || FindFailureText(text) != nullptr;
+  const pq::FailureSentence* known = FindFailureSentence(RemoveLogPrefix(line.text));
+  if (known == nullptr) return line.level == pq::kError;
+  return known->failure != pq::StepFailure::kNothingToReport;
 }
 
 void FailureList::Module(const std::string& name, const std::string& /*description*/) {
@@ -73,9 +51,9 @@ void FailureList::Module(const std::string& name, const std::string& /*descripti
 void FailureList::OnProcess(const std::string& /*application*/, const std::string& commandLine,
                             bool /*inheritHandles*/, bool /*pipe*/) {
   tool = FindTool(commandLine);
-  const PresenceTest* presence = FindPresenceTest(commandLine);
+  const pq::PresenceTest* presence = FindPresenceTest(commandLine);
   if (presence == nullptr || !isProgramThere || isProgramThere(commandLine)) return;
-  AddOnce({module, tool, std::string(presence->failure)});
+  AddOnce({module, tool, presence->whenMissing});
 }
 
 void FailureList::OnToolEnded(unsigned seconds) {
@@ -94,9 +72,9 @@ void FailureList::AddOnce(Failure failure) {
 
 void FailureList::Log(const LogLine& line) {
   if (interrupted || !ReportsFailure(line)) return;
-  const std::string_view text = WithoutPrefix(line.text);
-  const FailureText* known = FindFailureText(text);
-  const bool ofLastTool = known == nullptr || known->ofLastTool;
+  const std::string_view text = RemoveLogPrefix(line.text);
+  const pq::FailureSentence* known = FindFailureSentence(text);
+  const bool ofLastTool = known == nullptr || known->failure != pq::StepFailure::kBeforeTool;
   failures.push_back({module, ofLastTool ? tool : "", std::string(text)});
 }
 

@@ -3,8 +3,10 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "frame/description.h"
 #include "host/collect/collection_listener.h"
 
 namespace host {
@@ -15,6 +17,13 @@ struct Failure {
   std::string tool;  ///< file name of the program concerned; empty when none was started yet
   std::string text;  ///< the module's own words without the log's prefix, or the host's
 };
+
+/// The text of a log line without the log's prefix.
+std::string_view RemoveLogPrefix(std::string_view text);
+
+/// What a module says of a failed step with `text`, the text of a log line without the log's
+/// prefix; null when it tells of none.
+const pq::FailureSentence* FindFailureSentence(std::string_view text);
 
 /// Whether the log line says that something could not be collected. That a machine has no tool or
 /// controller of some vendor is nothing of the kind.

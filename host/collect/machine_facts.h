@@ -4,13 +4,15 @@
 #include <cstdint>
 #include <string>
 
+#include "frame/platform.h"
+
 namespace host {
 
 struct MachineFacts {
   bool recorded = false;    ///< a recording stood for the machine
   std::string description;  ///< UTF-8: the recording's own words, or what the system calls itself
   std::string name;         ///< UTF-8; empty when not known
-  std::uint32_t languageId = 1033;
+  std::uint32_t languageId = pq::kUsEnglish;
   /// The code page of the bytes that its tools print.
   std::uint32_t codePage = 1252;
   std::string hostExecutable;  ///< bytes in that code page

@@ -4,82 +4,28 @@
 
 #include <algorithm>
 
+#include "frame/sentences.h"
 #include "host/catalogue/table_sources.h"
 #include "host/collect/command_text.h"
+#include "host/collect/failures.h"
 #include "host/recorded/interpreter.h"
 #include "host/text/ascii.h"
 
 namespace host {
 namespace {
 
-constexpr std::string_view kPrefix = "[repo] ";
-
-/// How a log line begins that belongs to the run before it.
-constexpr std::string_view kStartFailure = "CreateProcess failed";
-constexpr std::string_view kExitCodeFailure = "GetExitCodeProcess() failed";
-constexpr std::string_view kOpenFailure = "Failed to open ";
-constexpr std::string_view kByteCount = "dw:";
-constexpr std::string_view kWholeOutput = "se:";
-/// What ipmiutil's error texts begin with.
-constexpr std::string_view kErrorText = "Error";
-
-/// A line that explains why steps of a module did not run, and what it means for a table.
-struct Explanation {
-  std::string_view line;
-  std::string_view outcome;
-  std::string_view text;
-  std::string_view tables;  ///< blank-separated classes; empty: all of the module
-};
-constexpr Explanation kExplanations[] = {
-    {"has no BMC, return 4", "no such device", "this machine has no BMC", ""},
-    {"check_amt_bmc bmc command meets error", "tool reported an error",
-     "the BMC could not be looked for: check_amt_bmc reported an error", ""},
-    {"Marl(ZM310), has BMC, return 7", "not this platform family",
-     "this platform family (7) is not asked for it", "LEDINFO"},
-    {"ZK140,ZP480 or ZW430E, has BMC, return 9", "not this platform family",
-     "this platform family (9) is not asked for it", "VERINFO PSUINFO LEDINFO SDRINFO"},
-    {"IVB 2B3C,has BMC, return 11", "not this platform family",
-     "this platform family (11) is not asked for it", "VERINFO PSUINFO LEDINFO SDRINFO"},
-    {"Has no AMT, return 1", "no such device", "this machine has no AMT", ""},
-    {"AMT module, no parameter inputed!", "declined", "no AMT address and credentials were given",
-     ""},
-    {"Get AMT IP failed", "declined", "no AMT address was given", ""},
-    {"Failed to create pipe for arp info", "could not start", "its pipe could not be created",
-     "ARPINFO"},
-    {"Failed to create pipe for netstat info", "could not start", "its pipe could not be created",
-     "NETSTATINFO"},
-    {"Failed to create pipe for MC info", "could not start", "its pipe could not be created",
-     "MCINFO"},
-    {"Failed to create pipe for PQM selftest", "could not start", "its pipe could not be created",
-     "SELFINFO"},
-    {"Failed to create pipe for version info", "could not start", "its pipe could not be created",
-     "VERINFO"},
-    {"Failed to create pipe for PSU info", "could not start", "its pipe could not be created",
-     "PSUINFO"},
-    {"Failed to create pipe for LAN info", "could not start", "its pipe could not be created",
-     "LANINFO"},
-    {"Failed to create pipe for LED info", "could not start", "its pipe could not be created",
-     "LEDINFO"},
-    {"Failed to create pipe for sensor info", "could not start", "its pipe could not be created",
-     "SENSORINFO"},
-    {"Create Pipe failed", "could not start", "its pipe could not be created", "SDRINFO"},
-};
-
 const TableStatus kInterrupted{"interrupted", "the collection was interrupted before"};
 
-constexpr std::string_view kLanguage = "Get OS language, lcid=";
-constexpr std::string_view kEnglish = "1033";
-/// Tables that only fixed rows or nothing at all fills.
-constexpr std::string_view kUnfilled = "JUNADDTABLE";
-
-bool Names(std::string_view tables, std::string_view className) {
-  if (tables.empty()) return true;
-  const std::vector<std::string> words = SplitWords(tables);
-  return std::find(words.begin(), words.end(), className) != words.end();
+/// Whether a log line, without its prefix, is the explanation's sentence and means what it says.
+bool Explains(const pq::Explanation& explanation, std::string_view text) {
+  if (explanation.usualValue.empty()) return text == explanation.sentence;
+  return text.starts_with(explanation.sentence) &&
+         text.substr(explanation.sentence.size()) != explanation.usualValue;
 }
 
-std::string_view WithoutPrefix(std::string_view text) {
-  return text.starts_with(kPrefix) ? text.substr(kPrefix.size()) : text;
+bool Concerns(const pq::Explanation& explanation, const std::string& className) {
+  return explanation.tables.empty() ||
+         std::ranges::find(explanation.tables, className) != explanation.tables.end();
 }
 
 /// The program's file name, for people.
@@ -102,8 +48,8 @@ bool EndsWithoutCase(std::string_view text, std::string_view end) {
   return LowerCase(text).ends_with(LowerCase(end));
 }
 
-bool IsToolOf(const ToolRun& run, const pq::TableSource& source) {
-  return std::any_of(source.commands.begin(), source.commands.end(),
+bool IsToolOf(const ToolRun& run, const pq::TableDescription& table) {
+  return std::any_of(table.commands.begin(), table.commands.end(),
                      [&](const pq::ToolCommand& command) {
                        return EndsWithoutCase(run.program, command.program);
                      });
@@ -112,6 +58,23 @@ bool IsToolOf(const ToolRun& run, const pq::TableSource& source) {
 /// Other than a program that ended well and said so.
 bool Failed(const ToolRun& run) {
   return !run.isThere || run.refused || !run.startFailure.empty() || run.exitCode.value_or(0) != 0;
+}
+
+/// What a log line tells of the run before it.
+void NoteRun(ToolRun& run, std::string_view text, const pq::ModuleDescription* module) {
+  if (const pq::FailureSentence* known = FindFailureSentence(text)) {
+    if (known->failure == pq::StepFailure::kToolNotRun) run.startFailure = text;
+    if (known->failure == pq::StepFailure::kOutputNotOpened ||
+        known->failure == pq::StepFailure::kNothingToReport) {
+      run.openFailure = text;
+    }
+  } else if (text.starts_with(pq::kChunkSize)) {
+    run.printed = true;
+    run.reportedError = true;  // Until the whole output is taken.
+  } else if (text.starts_with(pq::kWholeOutput)) {
+    const std::string_view error = module == nullptr ? "" : std::string_view(module->toolErrorText);
+    run.reportedError = !error.empty() && text.find(error) != std::string_view::npos;
+  }
 }
 
 }  // namespace
@@ -162,33 +125,22 @@ void StatusTracker::OnRefused() {
 }
 
 void StatusTracker::Log(const LogLine& line) {
-  const std::string_view text = WithoutPrefix(line.text);
+  const std::string_view text = RemoveLogPrefix(line.text);
+  const pq::ModuleDescription* description = FindModuleDescription(module);
   runJustBegan = false;
-  if (runIsOpen) {
-    ToolRun& run = runs.back();
-    if (text.starts_with(kStartFailure) || text.starts_with(kExitCodeFailure)) {
-      run.startFailure = text;
-    } else if (text.starts_with(kOpenFailure)) {
-      run.openFailure = text;
-    } else if (text.starts_with(kByteCount)) {
-      run.printed = true;
-      run.reportedError = true;  // Until the whole output is taken.
-    } else if (text.starts_with(kWholeOutput)) {
-      run.reportedError = text.find(kErrorText) != std::string_view::npos;
-    }
-  }
+  if (runIsOpen) NoteRun(runs.back(), text, description);
   const bool isTelling =
-      !interrupted &&
-      (text.starts_with(kLanguage) ||
-       std::any_of(std::begin(kExplanations), std::end(kExplanations),
-                   [&](const Explanation& explanation) { return text == explanation.line; }));
+      !interrupted && description != nullptr &&
+      std::ranges::any_of(description->explanations, [&](const pq::Explanation& explanation) {
+        return Explains(explanation, text);
+      });
   if (isTelling) log[module].emplace_back(text);
 }
 
 std::vector<const ToolRun*> StatusTracker::RunsOf(const std::string& name,
-                                                  const pq::TableSource& source) const {
+                                                  const pq::TableDescription& table) const {
   std::vector<const ToolRun*> found;
-  for (const pq::ToolCommand& command : source.commands) {
+  for (const pq::ToolCommand& command : table.commands) {
     for (const ToolRun& run : runs) {
       if (run.module != name || !EndsWithoutCase(run.program, command.program)) continue;
       if (!command.argumentsFromOperator && run.arguments != command.arguments) continue;
@@ -200,7 +152,7 @@ std::vector<const ToolRun*> StatusTracker::RunsOf(const std::string& name,
 }
 
 TableStatus StatusTracker::StatusOfRuns(const std::vector<const ToolRun*>& found,
-                                        const pq::TableSource& source) const {
+                                        const pq::TableDescription& table) const {
   // The tool that ended well tells; otherwise the first that is there at all.
   const auto well =
       std::find_if(found.rbegin(), found.rend(), [](const ToolRun* r) { return !Failed(*r); });
@@ -232,7 +184,7 @@ TableStatus StatusTracker::StatusOfRuns(const std::vector<const ToolRun*>& found
     return {"output could not be opened", fmt::format("{}: {}", name, run.openFailure)};
   }
   bool printed = run.printed;
-  for (const pq::ToolCommand& command : source.commands) {
+  for (const pq::ToolCommand& command : table.commands) {
     if (command.file.empty() || !logFileSize) continue;
     printed = printed || logFileSize(command.file).value_or(0) > 0;
   }
@@ -241,18 +193,14 @@ TableStatus StatusTracker::StatusOfRuns(const std::vector<const ToolRun*>& found
 }
 
 TableStatus StatusTracker::StatusWithoutRun(const std::string& name,
-                                            const pq::TableSource& source) const {
+                                            const pq::TableDescription& table) const {
   const auto lines = log.find(name);
   if (lines != log.end()) {
+    const auto& explanations = FindModuleDescription(name)->explanations;
     for (auto line = lines->second.rbegin(); line != lines->second.rend(); ++line) {
-      if (line->starts_with(kLanguage) && !line->ends_with(kEnglish)) {
-        return {"not this language",
-                "the table is made on US English systems only; elsewhere the tool's output stays "
-                "as a file in the log folder"};
-      }
-      for (const Explanation& explanation : kExplanations) {
-        if (*line != explanation.line || !Names(explanation.tables, source.className)) continue;
-        return {std::string(explanation.outcome), std::string(explanation.text)};
+      for (const pq::Explanation& explanation : explanations) {
+        if (!Explains(explanation, *line) || !Concerns(explanation, table.className)) continue;
+        return {explanation.outcome, explanation.text};
       }
     }
   }
@@ -261,7 +209,7 @@ TableStatus StatusTracker::StatusWithoutRun(const std::string& name,
   std::vector<const ToolRun*> deciding;
   for (const ToolRun& run : runs) {
     if (run.module != name) continue;
-    if (deciding.empty() || IsToolOf(run, source)) deciding.push_back(&run);
+    if (deciding.empty() || IsToolOf(run, table)) deciding.push_back(&run);
   }
   for (const ToolRun* decided : deciding) {
     const ToolRun& run = *decided;
@@ -283,11 +231,11 @@ TableStatus StatusTracker::StatusWithoutRun(const std::string& name,
 TableStatus StatusTracker::StatusOf(const std::string& name, const std::string& className,
                                     std::size_t rowCount) const {
   if (rowCount > 0) return {"rows", fmt::format("{} row{}", rowCount, rowCount == 1 ? "" : "s")};
-  if (className == kUnfilled) return {"always empty", "nothing fills this table so far"};
-  const pq::TableSource* source = FindTableSource(className);
-  if (source == nullptr) return {"not reached", "no step of the collection asked for it"};
-  const std::vector<const ToolRun*> found = RunsOf(name, *source);
-  return found.empty() ? StatusWithoutRun(name, *source) : StatusOfRuns(found, *source);
+  const pq::TableDescription* table = FindTableDescription(className);
+  if (table == nullptr) return {"not reached", "no step of the collection asked for it"};
+  if (!table->whyAlwaysEmpty.empty()) return {"always empty", table->whyAlwaysEmpty};
+  const std::vector<const ToolRun*> found = RunsOf(name, *table);
+  return found.empty() ? StatusWithoutRun(name, *table) : StatusOfRuns(found, *table);
 }
 
 }  // namespace host

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "frame/table_source.h"
+#include "frame/description.h"
 #include "host/collect/collection_listener.h"
 
 namespace host {
@@ -71,10 +71,10 @@ class StatusTracker final : public CollectionListener {
  private:
   void BeginRun(const std::string& commandLine, bool pipe);
   std::vector<const ToolRun*> RunsOf(const std::string& module,
-                                     const pq::TableSource& source) const;
+                                     const pq::TableDescription& table) const;
   TableStatus StatusOfRuns(const std::vector<const ToolRun*>& runs,
-                           const pq::TableSource& source) const;
-  TableStatus StatusWithoutRun(const std::string& module, const pq::TableSource& source) const;
+                           const pq::TableDescription& table) const;
+  TableStatus StatusWithoutRun(const std::string& module, const pq::TableDescription& table) const;
 
   ProgramTest hasPrograms;
   FileSize logFileSize;

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <set>
 
-#include "host/catalogue/table_titles.h"
+#include "host/catalogue/table_sources.h"
 
 namespace host {
 namespace {

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-#include "host/catalogue/table_titles.h"
+#include "host/catalogue/table_sources.h"
 #include "host/text/decoder.h"
 #include "host/text/screen_text.h"
 

@@ -1,51 +1,75 @@
 #include "host/formats/tables_document.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
 
 #include "host/catalogue/table_sources.h"
-#include "host/catalogue/table_titles.h"
-#include "host/collect/collection.h"
+#include "host/collect/selection.h"
 
 namespace host {
 namespace {
 
 constexpr char kHead[] =
     "# Tables\n\nMade by `pqhost modules --format markdown` from what the modules register and "
-    "describe. Tools stand\nbelow the folder of the host's program; files are left in its log "
+    "describe. Tools are\nbelow the folder of the host's program; files are left in its log "
     "folder.\n";
 
+/// `texts` as code, with commas.
+std::string ListAsCode(const std::vector<std::string>& texts) {
+  std::vector<std::string> code;
+  for (const std::string& text : texts) code.push_back(fmt::format("`{}`", text));
+  return fmt::format("{}", fmt::join(code, ", "));
+}
+
+std::string DescribeSource(const pq::TableDescription& table) {
+  if (!table.whyAlwaysEmpty.empty()) return fmt::format("Always empty: {}.", table.whyAlwaysEmpty);
+  if (table.commands.empty()) return "Made of fixed rows.";
+  std::vector<std::string> tools;
+  std::vector<std::string> files;
+  for (const pq::ToolCommand& command : table.commands) {
+    tools.push_back(fmt::format("{}{}{}", command.program, command.arguments.empty() ? "" : " ",
+                                command.arguments));
+    const bool isNew = std::ranges::find(files, command.file) == files.end();
+    if (!command.file.empty() && isNew) files.push_back(command.file);
+  }
+  std::string text = fmt::format("Made from {}.", ListAsCode(tools));
+  if (!files.empty()) text += fmt::format(" Left in the log folder: {}.", ListAsCode(files));
+  if (table.needsUsEnglish) text += " On US English systems only.";
+  return text;
+}
+
 /// Numbered keys without labels of their own are shown as a range.
-std::string DescribeColumns(const std::vector<pq::Column>& columns) {
-  if (columns.empty()) return "none";
+std::string DescribeColumns(const std::vector<pq::ColumnDescription>& columns) {
+  std::string text = "\n| key | label | holds |\n|---|---|---|\n";
   if (columns.front().label.empty()) {
-    return fmt::format("`{}` to `{}`: as the tool names them", columns.front().key,
-                       columns.back().key);
+    return text + fmt::format("| `{}` to `{}` | as the tool names it | {} |\n", columns.front().key,
+                              columns.back().key, columns.front().text);
   }
-  std::string text;
-  for (const pq::Column& column : columns) {
-    text += fmt::format("{}`{}` {}", text.empty() ? "" : ", ", column.key, column.label);
-  }
-  return text;
-}
-
-std::string DescribeCommands(const std::vector<pq::ToolCommand>& commands) {
-  if (commands.empty()) return "fixed rows";
-  std::string text;
-  for (const pq::ToolCommand& command : commands) {
-    text += fmt::format("{}`{}{}{}`", text.empty() ? "" : "<br>", command.program,
-                        command.arguments.empty() ? "" : " ", command.arguments);
+  for (const pq::ColumnDescription& column : columns) {
+    text += fmt::format("| `{}` | {} | {} |\n", column.key, column.label, column.text);
   }
   return text;
 }
 
-std::string DescribeFiles(const std::vector<pq::ToolCommand>& commands) {
+/// The sections of a module's tables. Tables that have the columns of the one before say so.
+std::string DescribeTables(const LoadedModule& module) {
   std::string text;
-  for (const pq::ToolCommand& command : commands) {
-    const std::string file = fmt::format("`{}`", command.file);
-    if (command.file.empty() || text.find(file) != std::string::npos) continue;
-    text += (text.empty() ? "" : "<br>") + file;
+  const pq::TableDescription* last = nullptr;
+  for (const auto& [name, handlers] : module.module->Tables()) {
+    const pq::TableDescription* table = FindTableDescription(name);
+    if (table == nullptr) continue;
+    text += fmt::format("\n### {}: {}\n\n{}\n", name, table->title, DescribeSource(*table));
+    if (table->columns.empty()) continue;
+    if (last != nullptr && last->columns == table->columns) {
+      text += fmt::format("\nIts columns are those of {}.\n", last->className);
+    } else {
+      text += DescribeColumns(table->columns);
+      last = table;
+    }
   }
-  return text.empty() ? "none" : text;
+  return text;
 }
 
 }  // namespace
@@ -53,19 +77,8 @@ std::string DescribeFiles(const std::vector<pq::ToolCommand>& commands) {
 std::string WriteTablesDocument() {
   std::string text = kHead;
   for (const LoadedModule& module : LoadLinkedModules()) {
-    text += fmt::format(
-        "\n## {} ({})\n\n| class | title | columns: key and label | tool | file |\n"
-        "|---|---|---|---|---|\n",
-        module.description, module.name);
-    for (const auto& [name, handlers] : module.module->Tables()) {
-      const pq::TableSource* source = FindTableSource(name);
-      if (source == nullptr) continue;
-      const bool isEmpty = source->commands.empty() && source->columns.empty();
-      text += fmt::format("| `{}` | {} | {} | {} | {} |\n", name, TitleOf(name),
-                          DescribeColumns(source->columns),
-                          isEmpty ? "nothing fills it" : DescribeCommands(source->commands),
-                          DescribeFiles(source->commands));
-    }
+    text += fmt::format("\n## {} ({})\n", module.description, module.name);
+    text += DescribeTables(module);
   }
   return text;
 }

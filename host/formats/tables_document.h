@@ -1,4 +1,4 @@
-// docs/tables.md: every table, its columns, its tools and the files that these leave.
+// docs/tables.md: every table, its tools and the files that these leave, and what its columns hold.
 #pragma once
 
 #include <string>

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "frame/platform.h"
 #include "host/text/bytes.h"
 
 namespace host {
@@ -28,7 +29,7 @@ struct RecordedCommand {
 
 struct Recording {
   std::string description;
-  std::uint32_t languageId = 1033;
+  std::uint32_t languageId = pq::kUsEnglish;
   std::uint32_t codePage = 1252;
   std::string hostExecutable = "C:\\Halyard\\halyard.exe";
   std::string logFolder = "C:\\Halyard\\logs\\";

@@ -1,6 +1,7 @@
 #include "pqmodules/raid/intel_report.h"
 
 #include "frame/report_file.h"
+#include "frame/sentences.h"
 #include "frame/tool_runner.h"
 #include "pqmodules/raid/reports.h"
 
@@ -17,10 +18,10 @@ constexpr char kArguments[] = "-I";
 constexpr char kReportName[] = "rstcli64.txt";
 
 /// False when none of the tools ended well.
-bool WriteReport(const ModuleLog& log, const std::string& hostFolder, const std::string& path,
+bool WriteReport(CallerLog log, const std::string& hostFolder, const std::string& path,
                  const IntelReportLog& style) {
   for (const char* tool : kTools) {
-    const std::string command = ReportCommand(hostFolder + tool, kArguments, path);
+    const std::string command = BuildReportCommand(hostFolder + tool, kArguments, path);
     log(style.commandLevel, "rstcli raw path:", command);
     const ToolExit run = RunForExitCode(command);
     if (!run.started) {
@@ -28,11 +29,10 @@ bool WriteReport(const ModuleLog& log, const std::string& hostFolder, const std:
       return false;
     }
     if (run.exitCodeError != 0) {
-      constexpr char kFailure[] = "GetExitCodeProcess() failed: ";
       if (style.exitCodeErrorNumber) {
-        log(kDetail, kFailure, run.exitCodeError);
+        log(kDetail, kExitCodeFailure, run.exitCodeError);
       } else {
-        log(kDetail, kFailure);
+        log(kDetail, kExitCodeFailure);
       }
       return false;
     }
@@ -44,7 +44,7 @@ bool WriteReport(const ModuleLog& log, const std::string& hostFolder, const std:
 
 }  // namespace
 
-std::unique_ptr<TextFile> RunIntelReport(const ModuleLog& log, const std::string& hostFolder,
+std::unique_ptr<TextFile> RunIntelReport(CallerLog log, const std::string& hostFolder,
                                          const IntelReportLog& style) {
   const std::string path = GetLogFolder() + kReportName;
   if (!WriteReport(log, hostFolder, path, style)) return nullptr;
@@ -52,7 +52,7 @@ std::unique_ptr<TextFile> RunIntelReport(const ModuleLog& log, const std::string
   return OpenReport(log, path, kNoReport);
 }
 
-std::vector<ToolCommand> IntelReportCommands() {
+std::vector<ToolCommand> ListIntelCommands() {
   std::vector<ToolCommand> commands;
   for (const char* tool : kTools) commands.push_back({tool, kArguments, kReportName});
   return commands;

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "frame/description.h"
 #include "frame/module.h"
 #include "frame/platform.h"
-#include "frame/table_source.h"
 
 namespace pq {
 
@@ -19,12 +19,12 @@ struct IntelReportLog {
   bool reportPath = false;            ///< whether there is a line with the report's path
 };
 
-/// Has the tools behind `hostFolder` write rstcli64.txt into the log folder and opens it. Null
-/// after a failure of both, which is logged.
-std::unique_ptr<TextFile> RunIntelReport(const ModuleLog& log, const std::string& hostFolder,
+/// Has one of the tools below `hostFolder` write rstcli64.txt into the log folder and opens it.
+/// Null after a failure of both, which is logged.
+std::unique_ptr<TextFile> RunIntelReport(CallerLog log, const std::string& hostFolder,
                                          const IntelReportLog& style);
 
 /// The commands that write the report, for the description of tables.
-std::vector<ToolCommand> IntelReportCommands();
+std::vector<ToolCommand> ListIntelCommands();
 
 }  // namespace pq

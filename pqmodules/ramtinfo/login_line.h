@@ -17,7 +17,7 @@ struct AmtLogin {
   std::string_view password;
 };
 
-/// What a line holds. A part that does not fit its room comes before parts that are missing behind
+/// What a line holds. A part that does not fit its room is told before parts that are missing after
 /// it.
 enum class LoginLine {
   kComplete,

@@ -8,8 +8,8 @@
 
 #include "frame/label_table.h"
 #include "frame/row_buffer.h"
+#include "frame/sentences.h"
 #include "frame/tokens.h"
-#include "pqmodules/rbmcinfo.h"
 #include "pqmodules/rbmcinfo/pipe_query.h"
 #include "pqmodules/rbmcinfo/tables.h"
 
@@ -21,7 +21,9 @@ constexpr std::size_t kOemChunkRoom = 1024;
 struct OemQuery {
   PipeQuery pipe;
   const char* className;
+  const char* instanceTitle;
   const char* title;
+  const char* text;         ///< what a column holds, for the documentation
   bool joinsLines = false;  ///< a two-line answer is one line
   KeyFamily pairKeys = {};  ///< of a table of pairs
   Column lineColumn = {};   ///< of a table of lines
@@ -29,88 +31,98 @@ struct OemQuery {
   bool HasPairs() const { return pairKeys.count > 0; }
 };
 
-constexpr PipeQuery OemPipe(const char* command, const char* announcement,
-                            const char* pipeFailure) {
+constexpr PipeQuery MakeOemPipe(const char* command, const char* announcement,
+                                const char* pipeFailure) {
   return {command, announcement, pipeFailure, kDetail, kOemChunkRoom};
 }
 
 // By selector, from 1. The LAN query is the utility's own "lan", cut down to the address
 // parameters, but announced like the others.
-const std::array<OemQuery, 6> kOemQueries{{
-    {.pipe = OemPipe("\\pq_tools\\ipmiutilnh.exe\" korvaxoem mc",
-                     "execute ipmiutilnh.exe korvaxoem mc command",
-                     "Failed to create pipe for MC info"),
+constexpr std::array<OemQuery, kOemQueryCount> kOemQueries{{
+    {.pipe = MakeOemPipe("\\pq_tools\\ipmiutilnh.exe\" korvaxoem mc",
+                         "execute ipmiutilnh.exe korvaxoem mc command",
+                         "Failed to create pipe for MC info"),
      .className = kMcInfo,
-     .title = "MC Information",
+     .instanceTitle = "MC Information",
+     .title = "Management controller",
+     .text = "a fact on the controller, such as its firmware version",
      .pairKeys = kMcKeys},
-    {.pipe = OemPipe("\\pq_tools\\ipmiutilnh.exe\" korvaxoem selftest",
-                     "execute ipmiutilnh.exe korvaxoem selftest command",
-                     "Failed to create pipe for PQM selftest"),
+    {.pipe = MakeOemPipe("\\pq_tools\\ipmiutilnh.exe\" korvaxoem selftest",
+                         "execute ipmiutilnh.exe korvaxoem selftest command",
+                         "Failed to create pipe for PQM selftest"),
      .className = kSelfInfo,
-     .title = "PQM Selftest",
+     .instanceTitle = "PQM Selftest",
+     .title = "BMC self-test",
+     .text = "result of the self-test",
      .joinsLines = true,
      .pairKeys = kSelfKeys},
-    {.pipe = OemPipe("\\pq_tools\\ipmiutilnh.exe\" korvaxoem ver",
-                     "execute ipmiutilnh.exe korvaxoem ver command",
-                     "Failed to create pipe for version info"),
+    {.pipe = MakeOemPipe("\\pq_tools\\ipmiutilnh.exe\" korvaxoem ver",
+                         "execute ipmiutilnh.exe korvaxoem ver command",
+                         "Failed to create pipe for version info"),
      .className = kVerInfo,
-     .title = "Version Information",
+     .instanceTitle = "Version Information",
+     .title = "Firmware versions",
+     .text = "version of one firmware of the machine",
      .pairKeys = kVerKeys},
-    {.pipe = OemPipe("\\pq_tools\\ipmiutilnh.exe\" korvaxoem psu",
-                     "execute ipmiutilnh.exe korvaxoem psu command",
-                     "Failed to create pipe for PSU info"),
+    {.pipe = MakeOemPipe("\\pq_tools\\ipmiutilnh.exe\" korvaxoem psu",
+                         "execute ipmiutilnh.exe korvaxoem psu command",
+                         "Failed to create pipe for PSU info"),
      .className = kPsuInfo,
-     .title = "PSU Information",
+     .instanceTitle = "PSU Information",
+     .title = "Power supplies",
+     .text = "one line on the power supplies: state, power in W, serial number and so on",
      .lineColumn = {"PSUINFO", "PSU Detailed Info"}},
-    {.pipe = OemPipe("\\pq_tools\\ipmiutilnh.exe\" lan | findstr Param | "
-                     "findstr /c:(3) /c:(5) /c:(6) /c:(12) /c:(13)",
-                     "execute ipmiutilnh.exe korvaxoem lan command",
-                     "Failed to create pipe for LAN info"),
+    {.pipe = MakeOemPipe("\\pq_tools\\ipmiutilnh.exe\" lan | findstr Param | "
+                         "findstr /c:(3) /c:(5) /c:(6) /c:(12) /c:(13)",
+                         "execute ipmiutilnh.exe korvaxoem lan command",
+                         "Failed to create pipe for LAN info"),
      .className = kLanInfo,
-     .title = "LAN Information",
+     .instanceTitle = "LAN Information",
+     .title = "BMC LAN settings",
+     .text = "a setting of the BMC's network interface, such as an address",
      .pairKeys = kLanKeys},
-    {.pipe = OemPipe("\\pq_tools\\ipmiutilnh.exe\" korvaxoem led",
-                     "execute ipmiutilnh.exe korvaxoem led command",
-                     "Failed to create pipe for LED info"),
+    {.pipe = MakeOemPipe("\\pq_tools\\ipmiutilnh.exe\" korvaxoem led",
+                         "execute ipmiutilnh.exe korvaxoem led command",
+                         "Failed to create pipe for LED info"),
      .className = kLedInfo,
-     .title = "LEDs Status",
+     .instanceTitle = "LEDs Status",
+     .title = "LED status",
+     .text = "one line on an LED: which one, and whether it is lit",
      .lineColumn = {"LEDINFO", "LED Detailed Status"}},
 }};
 
-// How many names the last output of each query had; kept to be looked at in a debugger.
-std::array<std::size_t, std::size(kOemQueries)> lastNameCounts{};
-
-void JoinSelfTest(std::string& output) {
+void JoinSelfTest(const ModuleLog& log, std::string& output) {
   const CarriageReturns found = FindCarriageReturns(output);
-  kBmcLog(kDetail, "size_buf:", output.size());
-  kBmcLog(kDetail, "Has ", found.count, " lines");
-  kBmcLog(kDetail, "The position of line:", found.position);
+  log(kDetail, "size_buf:", output.size());
+  log(kDetail, "Has ", found.count, " lines");
+  log(kDetail, "The position of line:", found.position);
   JoinTwoLines(output, found);
-  kBmcLog(kDetail, "after:");
-  kBmcLog(kDetail, output.c_str());
+  log(kDetail, "after:");
+  log(kDetail, output.c_str());
 }
 
-int AddPairs(RowBuffer& row, const KeyFamily& keys, const std::string& output,
+int AddPairs(const ModuleLog& log, RowBuffer& row, const KeyFamily& keys, const std::string& output,
              std::size_t& nameCount) {
   const std::vector<std::string_view> tokens = SplitTokens(output, ":\n\r");
   const std::vector<NamedValue> pairs = PairTokens(tokens);
   nameCount = pairs.size();
   if (pairs.empty()) return 1;
-  for (const std::string_view token : tokens) kBmcLog(kDetail, token, " ");
-  kBmcLog(kDetail, "From vector:");
-  for (const NamedValue& pair : pairs) kBmcLog(kDetail, pair.name, ": ", pair.value);
+  for (const std::string_view token : tokens) log(kDetail, token, " ");
+  log(kDetail, "From vector:");
+  for (const NamedValue& pair : pairs) log(kDetail, pair.name, ": ", pair.value);
   const unsigned shown = static_cast<unsigned>(std::min<std::size_t>(pairs.size(), keys.count));
   for (unsigned i = 0; i < shown; ++i) {
-    row.Set({keys.KeyAt(i), std::string(pairs[i].name)}, pairs[i].value);
+    row.Set({.key = keys.MakeKey(i), .label = pairs[i].name}, pairs[i].value);
   }
   row.Commit();
   return 0;
 }
 
-int AddLines(RowBuffer& row, const Column& column, const std::string& output) {
+int AddLines(const ModuleLog& log, RowBuffer& row, const Column& column,
+             const std::string& output) {
   const std::vector<std::string_view> lines = SplitTokens(output, "\n\r");
   for (const std::string_view line : lines) {
-    kBmcLog(kDetail, line, " ");
+    log(kDetail, line, " ");
     row.Set(column, line);
     row.Commit();
   }
@@ -121,8 +133,8 @@ int AddLines(RowBuffer& row, const Column& column, const std::string& output) {
 
 bool HasOemErrorText(std::string_view output) {
   const std::string_view text = output.substr(0, output.find('\0'));
-  return Holds(text, "Error") || Holds(text, "Bad response") ||
-         Holds(text, "Cannot open an IPMI driver");
+  return Contains(text, kUtilityError) || Contains(text, "Bad response") ||
+         Contains(text, "Cannot open an IPMI driver");
 }
 
 CarriageReturns FindCarriageReturns(std::string_view bytes) {
@@ -148,39 +160,41 @@ std::vector<NamedValue> PairTokens(const std::vector<std::string_view>& tokens) 
   return pairs;
 }
 
-int RBMCInfo::QueryOem(RRepository& repo, int selector) {
+int QueryOem(BmcCollection& collection, int selector) {
   const auto index = static_cast<std::size_t>(selector) - 1;
   if (index >= kOemQueries.size()) return 1;
   const OemQuery& query = kOemQueries[index];
-  std::optional<PipedTool> tool = StartQuery(exePath, query.pipe);
+  const ModuleLog& log = collection.log;
+  std::optional<PipedTool> tool = StartQuery(collection, query.pipe);
   if (!tool) return 1;
-  RowBuffer row(repo, query.className, query.title);
-  std::string output = CollectOutput(*tool, query.pipe);
+  RowBuffer row(collection.repo, query.className, query.instanceTitle);
+  std::string output = CollectOutput(log, *tool, query.pipe);
   if (HasOemErrorText(output)) {
     tool->Abandon();  // A utility that cannot reach its controller may hang; nobody waits for it.
     return 1;
   }
-  kBmcLog(kDetail, "se:", output.c_str());
-  if (query.joinsLines) JoinSelfTest(output);
+  log(kDetail, kWholeOutput, output.c_str());
+  if (query.joinsLines) JoinSelfTest(log, output);
   tool->Finish();
-  return query.HasPairs() ? AddPairs(row, query.pairKeys, output, lastNameCounts[index])
-                          : AddLines(row, query.lineColumn, output);
+  return query.HasPairs() ? AddPairs(log, row, query.pairKeys, output, collection.nameCounts[index])
+                          : AddLines(log, row, query.lineColumn, output);
 }
 
-TableSources RBMCInfo::DescribeOemTables() {
-  TableSources sources;
+void DescribeOemQueries(ModuleDescription& module) {
   for (const OemQuery& query : kOemQueries) {
-    TableSource source{query.className, {ToolCommandOf(query.pipe.command)}, {}};
-    if (query.HasPairs()) {
-      for (unsigned i = 0; i < query.pairKeys.count; ++i) {
-        source.columns.push_back({query.pairKeys.KeyAt(i), {}});
-      }
-    } else {
-      source.columns.push_back(query.lineColumn);
+    TableDescription table{.className = query.className,
+                           .title = query.title,
+                           .commands = {ParseToolCommand(query.pipe.command)}};
+    for (unsigned i = 0; i < query.pairKeys.count; ++i) {
+      table.columns.push_back({query.pairKeys.MakeKey(i), {}, query.text});
     }
-    sources.push_back(std::move(source));
+    if (!query.HasPairs()) {
+      table.columns.push_back(
+          {std::string(query.lineColumn.key), std::string(query.lineColumn.label), query.text});
+    }
+    module.tables.push_back(table);
+    module.AddPipeFailure(query.pipe.pipeFailure, query.className);
   }
-  return sources;
 }
 
 }  // namespace pq

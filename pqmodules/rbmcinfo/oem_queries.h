@@ -1,11 +1,14 @@
-// Text pieces of the OEM queries: screening the utility's error texts, joining the self-test's two
-// lines, pairing names with values.
+// The six queries of the controller's own data, and the text pieces of their answers: screening the
+// utility's error texts, joining the self-test's two lines, pairing names with values.
 #pragma once
 
 #include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "frame/description.h"
+#include "pqmodules/rbmcinfo/collection.h"
 
 namespace pq {
 
@@ -15,10 +18,10 @@ bool HasOemErrorText(std::string_view output);
 /// Where the lines of a self-test end.
 struct CarriageReturns {
   std::size_t count = 0;
-  std::size_t position = 0;  ///< of the first one that does not stand at 0; 0 without any
+  std::size_t position = 0;  ///< of the first one that is not at 0; 0 without any
 };
 
-/// Looks at all bytes, behind a NUL too.
+/// Looks at all bytes, after a NUL too.
 CarriageReturns FindCarriageReturns(std::string_view bytes);
 
 /// Blanks out the first line end of an output that has exactly two, so that its two lines are one.
@@ -31,5 +34,21 @@ struct NamedValue {
 
 /// Takes the tokens by turns for a name and its value; the last name may lack one.
 std::vector<NamedValue> PairTokens(const std::vector<std::string_view>& tokens);
+
+/// Selectors of the queries, by what they ask for.
+enum OemSelector {
+  kControllerQuery = 1,
+  kSelfTestQuery,
+  kVersionQuery,
+  kPowerSupplyQuery,
+  kLanQuery,
+  kLedQuery,
+};
+
+/// Adds the rows of the query `selector`; any other selector runs nothing. Returns 0 after the last
+/// row, 1 after a failure or when nothing was added.
+int QueryOem(BmcCollection& collection, int selector);
+
+void DescribeOemQueries(ModuleDescription& module);
 
 }  // namespace pq

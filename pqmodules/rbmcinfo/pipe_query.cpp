@@ -2,29 +2,28 @@
 
 #include <cstdint>
 
-#include "frame/report_file.h"
-#include "pqmodules/rbmcinfo.h"
+#include "frame/sentences.h"
 
 namespace pq {
 
-std::optional<PipedTool> StartQuery(const std::string& exePath, const PipeQuery& query) {
-  PipedTool tool("/c \"" + exePath + query.command);
+std::optional<PipedTool> StartQuery(const BmcCollection& collection, const PipeQuery& query) {
+  PipedTool tool("/c \"" + collection.hostFolder + query.command);
   if (!tool.OpenPipe()) {
-    kBmcLog(kDetail, query.pipeFailure);
+    collection.log(kDetail, query.pipeFailure);
     return std::nullopt;
   }
-  kBmcLog(kDetail, query.announcement);
+  collection.log(kDetail, query.announcement);
   if (const std::uint32_t error = tool.Start(); error != 0) {
-    kBmcLog(query.startFailureLevel, kStartFailure, error, ")");
+    collection.log(query.startFailureLevel, kStartFailure, error, ")");
     return std::nullopt;
   }
   return tool;
 }
 
-std::string CollectOutput(PipedTool& tool, const PipeQuery& query) {
-  return tool.Collect(query.chunkRoom, [](const char* chunk, std::size_t count) {
-    kBmcLog(kDetail, "dw:", count);
-    kBmcLog(kDetail, chunk);
+std::string CollectOutput(const ModuleLog& log, PipedTool& tool, const PipeQuery& query) {
+  return tool.Collect(query.chunkRoom, [&](const char* chunk, std::size_t count) {
+    log(kDetail, kChunkSize, count);
+    log(kDetail, chunk);
   });
 }
 

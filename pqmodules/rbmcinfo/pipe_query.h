@@ -6,11 +6,15 @@
 #include <string>
 
 #include "frame/tool_runner.h"
+#include "pqmodules/rbmcinfo/collection.h"
 
 namespace pq {
 
+/// What the utility's error texts begin with.
+inline constexpr char kUtilityError[] = "Error";
+
 struct PipeQuery {
-  const char* command;       ///< behind the host's folder
+  const char* command;       ///< after the host's folder
   const char* announcement;  ///< logged before the start
   const char* pipeFailure;
   unsigned startFailureLevel;
@@ -18,9 +22,9 @@ struct PipeQuery {
 };
 
 /// Starts the query's tool; logs what failed. Without a value nothing runs.
-std::optional<PipedTool> StartQuery(const std::string& exePath, const PipeQuery& query);
+std::optional<PipedTool> StartQuery(const BmcCollection& collection, const PipeQuery& query);
 
 /// All that the tool prints; each chunk is logged, its byte count first.
-std::string CollectOutput(PipedTool& tool, const PipeQuery& query);
+std::string CollectOutput(const ModuleLog& log, PipedTool& tool, const PipeQuery& query);
 
 }  // namespace pq

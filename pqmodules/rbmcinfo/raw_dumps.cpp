@@ -1,14 +1,15 @@
 // Two raw files for later analysis: the event log in hexadecimal, and the sensor listing with its
 // identifier strings. Nobody here reads them back.
+#include "pqmodules/rbmcinfo/raw_dumps.h"
+
 #include "frame/report_file.h"
 #include "frame/tool_runner.h"
-#include "pqmodules/rbmcinfo.h"
 
 namespace pq {
 namespace {
 
 struct RawDump {
-  const char* command;  ///< behind the host's folder, up to the log folder
+  const char* command;  ///< after the host's folder, up to the log folder
   const char* fileName;
   // Progress lines.
   const char* begun;
@@ -33,20 +34,30 @@ constexpr RawDump kSensorIdDump{
 };
 
 // The dumps' own text has no blank before the parenthesis.
+constexpr char kDumpFailure[] = "CreateProcess failed(";
 constexpr StartRule kDumpStart{
-    .inheritHandles = true, .failureLevel = kProgress, .failure = "CreateProcess failed("};
+    .inheritHandles = true, .failureLevel = kProgress, .failure = kDumpFailure};
 
-void WriteDump(const std::string& exePath, const RawDump& dump) {
-  kBmcLog(kProgress, dump.begun);
+void WriteDump(const ModuleLog& log, const std::string& hostFolder, const RawDump& dump) {
+  log(kProgress, dump.begun);
   const std::string commandLine =
-      "/c \"\"" + exePath + dump.command + GetLogFolder() + dump.fileName + "\"\"";
-  kBmcLog(kProgress, dump.prepared);
-  if (RunLogged(kBmcLog, commandLine, kDumpStart)) kBmcLog(kProgress, dump.done);
+      "/c \"\"" + hostFolder + dump.command + GetLogFolder() + dump.fileName + "\"\"";
+  log(kProgress, dump.prepared);
+  if (RunLogged(log, commandLine, kDumpStart)) log(kProgress, dump.done);
 }
 
 }  // namespace
 
-void RBMCInfo::DumpSelHex() { WriteDump(exePath, kSelHexDump); }
-void RBMCInfo::DumpSensorIds() { WriteDump(exePath, kSensorIdDump); }
+void DumpSelHex(const ModuleLog& log, const std::string& hostFolder) {
+  WriteDump(log, hostFolder, kSelHexDump);
+}
+
+void DumpSensorIds(const ModuleLog& log, const std::string& hostFolder) {
+  WriteDump(log, hostFolder, kSensorIdDump);
+}
+
+void DescribeRawDumps(ModuleDescription& module) {
+  module.AddFailures(StepFailure::kToolNotRun, {kDumpFailure});
+}
 
 }  // namespace pq

@@ -1,11 +1,13 @@
 // The sensor data repository as the utility lists it, a property per line:
 //   0001 SDR Full 01 01 20 a 01 snum 01 P1 DTS Temp      = 29 OK   41.00 degrees C
 // Whatever the utility prints is the table, its error texts too.
+#include "pqmodules/rbmcinfo/sdr.h"
+
 #include <vector>
 
 #include "frame/row_buffer.h"
+#include "frame/sentences.h"
 #include "frame/tokens.h"
-#include "pqmodules/rbmcinfo.h"
 #include "pqmodules/rbmcinfo/pipe_query.h"
 #include "pqmodules/rbmcinfo/tables.h"
 
@@ -20,38 +22,46 @@ constexpr PipeQuery kSdrQuery{
     .chunkRoom = 5120,
 };
 constexpr char kSdrTitle[] = "SDR Information";
-const Column kSdrColumn{"SDRINFO", "SDR Detailed Info"};
+constexpr Column kSdrColumn{"SDRINFO", "SDR Detailed Info",
+                            "one line of the listing, such as a sensor with its reading"};
 
 }  // namespace
 
-int RBMCInfo::CollectSdr(RRepository& repo) {
-  std::optional<PipedTool> tool = StartQuery(exePath, kSdrQuery);
+int CollectSdr(const BmcCollection& collection) {
+  const ModuleLog& log = collection.log;
+  std::optional<PipedTool> tool = StartQuery(collection, kSdrQuery);
   if (!tool) return 1;
-  const std::string output = CollectOutput(*tool, kSdrQuery);
-  kBmcLog(kProgress, "Oru Debug after sdr 1");
-  kBmcLog(kDetail, "se:", output.c_str());
+  const std::string output = CollectOutput(log, *tool, kSdrQuery);
+  log(kProgress, "Oru Debug after sdr 1");
+  log(kDetail, kWholeOutput, output.c_str());
   tool->Finish();
-  kBmcLog(kProgress, "Oru Debug after sdr 2");
+  log(kProgress, "Oru Debug after sdr 2");
 
   const std::vector<std::string_view> lines = SplitTokens(output, "\n\r");
   if (lines.empty()) return 1;
   // The instance is made between the first line's log entry and its property.
-  kBmcLog(kDetail, lines.front(), " ");
-  RowBuffer row(repo, kSdrInfo, kSdrTitle);
+  log(kDetail, lines.front(), " ");
+  RowBuffer row(collection.repo, kSdrInfo, kSdrTitle);
   row.Set(kSdrColumn, lines.front());
   row.Commit();
-  kBmcLog(kProgress, "Oru Debug after sdr 3");
+  log(kProgress, "Oru Debug after sdr 3");
   for (std::size_t at = 1; at < lines.size(); ++at) {
-    kBmcLog(kDetail, lines[at], " ");
+    log(kDetail, lines[at], " ");
     row.Set(kSdrColumn, lines[at]);
     row.Commit();
   }
-  kBmcLog(kProgress, "Oru Debug after sdr 4");
+  log(kProgress, "Oru Debug after sdr 4");
   return 0;
 }
 
-TableSource RBMCInfo::DescribeSdr() {
-  return {kSdrInfo, {ToolCommandOf(kSdrQuery.command)}, {kSdrColumn}};
+void DescribeSdr(ModuleDescription& module) {
+  TableDescription table{.className = kSdrInfo,
+                         .title = "Sensor data records (SDR)",
+                         .commands = {ParseToolCommand(kSdrQuery.command)}};
+  table.AddColumn(kSdrColumn);
+  module.tables.push_back(table);
+  module.AddPipeFailure(kSdrQuery.pipeFailure, kSdrInfo);
+  module.versionLines.push_back({"ipmiutil", kSdrInfo, "ipmiutil sensor version"});
 }
 
 }  // namespace pq

@@ -9,8 +9,8 @@
 
 #include "frame/label_table.h"
 #include "frame/row_buffer.h"
+#include "frame/sentences.h"
 #include "frame/tokens.h"
-#include "pqmodules/rbmcinfo.h"
 #include "pqmodules/rbmcinfo/pipe_query.h"
 #include "pqmodules/rbmcinfo/tables.h"
 
@@ -26,19 +26,17 @@ constexpr PipeQuery kSensorQuery{
 };
 constexpr char kSensorTitle[] = "Sensor Status";
 
-// The thresholds: lower non-recoverable, critical and non-critical, then the upper ones from
-// non-critical on.
-const std::array<Column, 10> kSensorColumns{{
-    {.key = "item1", .label = "Name"},
-    {.key = "item2", .label = "Reading"},
-    {.key = "item3", .label = "Units"},
-    {.key = "item4", .label = "Status"},
-    {.key = "item5", .label = "LNR"},
-    {.key = "item6", .label = "LC"},
-    {.key = "item7", .label = "LNC"},
-    {.key = "item8", .label = "UNC"},
-    {.key = "item9", .label = "UC"},
-    {.key = "item10", .label = "UNR"},
+constexpr std::array<Column, 10> kSensorColumns{{
+    {"item1", "Name", "name of the sensor"},
+    {"item2", "Reading", "present value"},
+    {"item3", "Units", "unit of the values, such as C or RPM"},
+    {"item4", "Status", "OK, or which threshold was passed"},
+    {"item5", "LNR", "lower non-recoverable threshold, in the sensor's unit"},
+    {"item6", "LC", "lower critical threshold, in the sensor's unit"},
+    {"item7", "LNC", "lower non-critical threshold, in the sensor's unit"},
+    {"item8", "UNC", "upper non-critical threshold, in the sensor's unit"},
+    {"item9", "UC", "upper critical threshold, in the sensor's unit"},
+    {"item10", "UNR", "upper non-recoverable threshold, in the sensor's unit"},
 }};
 
 constexpr std::string_view kEndOfListing = " ";
@@ -47,7 +45,7 @@ constexpr std::string_view kEndOfListing = " ";
 
 bool HasSensorErrorText(std::string_view output) {
   const std::string_view text = output.substr(0, output.find('\0'));
-  return Holds(text, "Error in") || Holds(text, "Error:");
+  return Contains(text, "Error in") || Contains(text, "Error:");
 }
 
 SensorFields SplitSensorFields(std::string_view output) {
@@ -61,23 +59,24 @@ SensorFields SplitSensorFields(std::string_view output) {
   return result;
 }
 
-int RBMCInfo::CollectSensorReadings(RRepository& repo) {
-  std::optional<PipedTool> tool = StartQuery(exePath, kSensorQuery);
+int CollectSensorReadings(const BmcCollection& collection) {
+  const ModuleLog& log = collection.log;
+  std::optional<PipedTool> tool = StartQuery(collection, kSensorQuery);
   if (!tool) return 1;
-  const std::string output = CollectOutput(*tool, kSensorQuery);
-  kBmcLog(kDetail, "se:", output.c_str());
+  const std::string output = CollectOutput(log, *tool, kSensorQuery);
+  log(kDetail, kWholeOutput, output.c_str());
   tool->Finish();
   if (HasSensorErrorText(output)) return 1;
 
   SensorFields listing = SplitSensorFields(output);
-  for (const std::string_view field : listing.fields) kBmcLog(kDetail, field);
+  for (const std::string_view field : listing.fields) log(kDetail, field);
   if (listing.endedByBlank) {
-    kBmcLog(kDetail, kEndOfListing);
-    kBmcLog(kDetail, "found the blank value, break");
+    log(kDetail, kEndOfListing);
+    log(kDetail, "found the blank value, break");
   }
   const DealtColumns columns(std::move(listing.fields), kSensorColumns.size());
   for (std::size_t sensor = 0; sensor < columns.RowCount(); ++sensor) {
-    RowBuffer row(repo, kSensorInfo, kSensorTitle);
+    RowBuffer row(collection.repo, kSensorInfo, kSensorTitle);
     for (std::size_t column = 0; column < kSensorColumns.size(); ++column) {
       row.Set(kSensorColumns[column], columns.At(sensor, column));
     }
@@ -86,10 +85,13 @@ int RBMCInfo::CollectSensorReadings(RRepository& repo) {
   return 0;
 }
 
-TableSource RBMCInfo::DescribeSensors() {
-  return {kSensorInfo,
-          {ToolCommandOf(kSensorQuery.command)},
-          {kSensorColumns.begin(), kSensorColumns.end()}};
+void DescribeSensorReadings(ModuleDescription& module) {
+  TableDescription table{.className = kSensorInfo,
+                         .title = "Sensors",
+                         .commands = {ParseToolCommand(kSensorQuery.command)}};
+  table.AddColumns(kSensorColumns);
+  module.tables.push_back(table);
+  module.AddPipeFailure(kSensorQuery.pipeFailure, kSensorInfo);
 }
 
 }  // namespace pq

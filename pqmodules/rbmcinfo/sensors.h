@@ -1,8 +1,12 @@
-// Text pieces of the sensor listing: its fields, up to the one that ends it, and the error screen.
+// The sensors of the BMC with their readings, and the text pieces of the listing: its fields, up to
+// the one that ends it, and the error screen.
 #pragma once
 
 #include <string_view>
 #include <vector>
+
+#include "frame/description.h"
+#include "pqmodules/rbmcinfo/collection.h"
 
 namespace pq {
 
@@ -16,5 +20,10 @@ struct SensorFields {
 
 /// Splits a listing at bars and line ends; empty fields vanish, blanks stay.
 SensorFields SplitSensorFields(std::string_view output);
+
+/// Adds the rows of "SENSORINFO". Returns 0 after the last one, 1 after a failure.
+int CollectSensorReadings(const BmcCollection& collection);
+
+void DescribeSensorReadings(ModuleDescription& module);
 
 }  // namespace pq

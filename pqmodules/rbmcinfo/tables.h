@@ -17,13 +17,13 @@ inline constexpr char kFruInfo[] = "FRUINFO";
 inline constexpr char kSdrInfo[] = "SDRINFO";
 inline constexpr char kSelInfo[] = "SELINFO";
 
-/// Numbered property keys, "MC1" to "MC12": `count` is the most properties that a table carries.
+/// Numbered property keys, such as "MC1" to "MC12".
 struct KeyFamily {
   const char* prefix = "";
-  unsigned count = 0;
+  unsigned count = 0;  ///< the most properties that a table carries
 
   /// The key at `index`, counted from 0.
-  std::string KeyAt(unsigned index) const { return prefix + std::to_string(index + 1); }
+  std::string MakeKey(unsigned index) const { return prefix + std::to_string(index + 1); }
 };
 
 inline constexpr KeyFamily kMcKeys{"MC", 12};

@@ -22,25 +22,26 @@ namespace pq {
 namespace {
 
 struct ControllerLine {
-  std::size_t valueAt;  ///< right behind the label that the tool prints in this place
+  std::size_t valueAt;  ///< right after the label that the tool prints in this place
   Column column;
 };
 
-const Column kName{"Name", "Name"};
+constexpr Column kName{"Name", "Name", "name of the controller"};
 constexpr std::string_view kNameLabel = "Name";
 
-const ControllerLine kLines[] = {
+constexpr ControllerLine kLines[] = {
     {5, kName},  // The first three places are above the name or, without an ID, the name itself.
     {5, kName},
     {5, kName},
     {5, kName},
-    {5, {"Type", "Type"}},
-    {15, {"SupportedRAID", "Supported RAID"}},
-    {16, {"Max", "Max Disks/Array"}},  // Hosts know this column by its short key.
-    {15, {"HWInformation", "HW Information"}},
-    {10, {"VendorID", "Vendor ID"}},
-    {10, {"DeviceID", "Device ID"}},
-    {12, {"HWRevision", "HW Revision"}},
+    {5, {"Type", "Type", "kind of drives that it serves, such as SATA"}},
+    {15, {"SupportedRAID", "Supported RAID", "RAID levels that it can make"}},
+    // Hosts know this column by its short key.
+    {16, {"Max", "Max Disks/Array", "how many drives an array can have"}},
+    {15, {"HWInformation", "HW Information", "headline of the three identifiers below it"}},
+    {10, {"VendorID", "Vendor ID", "PCI vendor number"}},
+    {10, {"DeviceID", "Device ID", "PCI device number"}},
+    {12, {"HWRevision", "HW Revision", "revision of the hardware"}},
 };
 constexpr int kLastPlace = static_cast<int>(std::size(kLines)) - 1;
 constexpr int kFirstSurePlace = 3;
@@ -52,16 +53,15 @@ std::optional<IntelControllerFact> IntelControllerScan::Take(std::string_view li
   const int place = nextPlace++;
   const ControllerLine& known = kLines[place];
   // A name this early means that a line is missing above it; all that follows moves up by one.
-  if (place < kFirstSurePlace && Holds(line, kNameLabel)) ++nextPlace;
-  return IntelControllerFact{&known.column, TextFrom(line, known.valueAt), place == kLastPlace};
+  if (place < kFirstSurePlace && Contains(line, kNameLabel)) ++nextPlace;
+  return IntelControllerFact{&known.column, GetTextFrom(line, known.valueAt), place == kLastPlace};
 }
 
-void CollectIntelController(RRepository& repo) {
-  const std::string folder = GetExeFolder();
-  CheckFolderFits(folder, 5);
-  const auto file = RunIntelReport(kInventoryLog, folder, {});
+void CollectIntelController(const RaidInventoryCollection& collection) {
+  CheckFolderFits(collection.hostFolder, 5);
+  const auto file = RunIntelReport(collection.log, collection.hostFolder, {});
   if (!file) return;
-  RowBuffer row(repo, kController, "Controller Info");
+  RowBuffer row(collection.repo, kController, "Controller Info");
   IntelControllerScan scan;
   std::string_view line;
   for (LineReader lines(file.get()); lines.Next(line);) {
@@ -72,12 +72,14 @@ void CollectIntelController(RRepository& repo) {
   }
 }
 
-TableSource DescribeIntelController() {
-  TableSource source{kController, IntelReportCommands(), {}};
+void DescribeIntelController(ModuleDescription& module) {
+  TableDescription table{.className = kController,
+                         .title = "Intel RST or VROC controller",
+                         .commands = ListIntelCommands()};
   for (int place = kFirstSurePlace; place <= kLastPlace; ++place) {
-    source.columns.push_back(kLines[place].column);
+    table.AddColumn(kLines[place].column);
   }
-  return source;
+  module.tables.push_back(table);
 }
 
 }  // namespace pq

@@ -4,9 +4,9 @@
 #include <optional>
 #include <string_view>
 
-#include "frame/module.h"
+#include "frame/description.h"
 #include "frame/row_buffer.h"
-#include "frame/table_source.h"
+#include "pqmodules/rsamplemodule1/collection.h"
 
 namespace pq {
 
@@ -20,7 +20,7 @@ struct IntelControllerFact {
 /// Tells the controller's facts by the places of their lines, counted from the report's start.
 class IntelControllerScan {
  public:
-  /// The fact in the next line (zero-terminated); nothing behind the last one.
+  /// The fact in the next line (zero-terminated); nothing after the last one.
   std::optional<IntelControllerFact> Take(std::string_view line);
 
  private:
@@ -28,8 +28,8 @@ class IntelControllerScan {
 };
 
 /// Adds the row of "CONTROLLER". A report that ends before the hardware revision adds none.
-void CollectIntelController(RRepository& repo);
+void CollectIntelController(const RaidInventoryCollection& collection);
 
-TableSource DescribeIntelController();
+void DescribeIntelController(ModuleDescription& module);
 
 }  // namespace pq

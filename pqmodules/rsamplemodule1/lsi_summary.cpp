@@ -7,8 +7,6 @@
 
 #include "pqmodules/rsamplemodule1/lsi_summary.h"
 
-#include <utility>
-
 #include "frame/report_file.h"
 #include "frame/tool_runner.h"
 #include "pqmodules/raid/reports.h"
@@ -20,44 +18,63 @@ namespace {
 constexpr char kArguments[] = "/c0 show";
 constexpr char kReportName[] = "c0_showall.txt";
 
+constexpr LabelledColumn kFacts[] = {
+    MakeLabelledColumn("Product Name =",
+                       {"ProductName", "Product Name", "model of the controller"}),
+    MakeLabelledColumn("Serial Number =",
+                       {"SerialNumber", "Serial Number", "serial number of the controller"}),
+    MakeLabelledColumn("SAS Address =",
+                       {"SASAddress", "SAS Address", "world-wide address of the controller"}),
+    MakeLabelledColumn("Mfg. Date =", {"MfgDate", "Mfg. Date", "day of manufacture"}),
+    MakeLabelledColumn("System Time =",
+                       {"SystemTime", "System Time", "the machine's clock when the tool ran"}),
+    MakeLabelledColumn("Controller Time =", {"ControllerTime", "Controller Time",
+                                             "the controller's own clock at that time"}),
+    MakeLabelledColumn("FW Package Build =", {"FWPackageBuild", "FW Package Build",
+                                              "version of the whole firmware package"}),
+    MakeLabelledColumn("BIOS Version =",
+                       {"BIOSVersion", "BIOS Version", "version of the controller's BIOS"}),
+    MakeLabelledColumn("FW Version =",
+                       {"FWVersion", "FW Version", "version of the firmware that runs"}),
+    MakeLabelledColumn("Driver Name =",
+                       {"DriverName", "Driver Name", "name of the Windows driver"}),
+    MakeLabelledColumn("Driver Version =",
+                       {"DriverVersion", "Driver Version", "version of the Windows driver"}),
+    MakeLabelledColumn("Bus Number =", {"BusNumber", "Bus Number", "PCI bus of the controller"}),
+    MakeLabelledColumn("Device Number =",
+                       {"DeviceNumber", "Device Number", "PCI device number on that bus"}),
+    MakeLabelledColumn("Function Number =",
+                       {"FunctionNumber", "Function Number", "PCI function of the device"}, true),
+};
+
 }  // namespace
 
-const LabelledColumns& LsiSummaryFacts() {
-  static const LabelledColumns facts{
-      BehindLabel("Product Name =", {"ProductName", "Product Name"}),
-      BehindLabel("Serial Number =", {"SerialNumber", "Serial Number"}),
-      BehindLabel("SAS Address =", {"SASAddress", "SAS Address"}),
-      BehindLabel("Mfg. Date =", {"MfgDate", "Mfg. Date"}),
-      BehindLabel("System Time =", {"SystemTime", "System Time"}),
-      BehindLabel("Controller Time =", {"ControllerTime", "Controller Time"}),
-      BehindLabel("FW Package Build =", {"FWPackageBuild", "FW Package Build"}),
-      BehindLabel("BIOS Version =", {"BIOSVersion", "BIOS Version"}),
-      BehindLabel("FW Version =", {"FWVersion", "FW Version"}),
-      BehindLabel("Driver Name =", {"DriverName", "Driver Name"}),
-      BehindLabel("Driver Version =", {"DriverVersion", "Driver Version"}),
-      BehindLabel("Bus Number =", {"BusNumber", "Bus Number"}),
-      BehindLabel("Device Number =", {"DeviceNumber", "Device Number"}),
-      BehindLabel("Function Number =", {"FunctionNumber", "Function Number"}, true),
-  };
-  return facts;
+const LabelledColumns& GetLsiSummaryFacts() {
+  static const LabelledColumns kLabelled(kFacts);
+  return kLabelled;
 }
 
-void CollectLsiSummary(RRepository& repo) {
-  const std::string folder = GetExeFolder();
+void CollectLsiSummary(const RaidInventoryCollection& collection) {
   const std::string path = GetLogFolder() + kReportName;
-  CheckFolderFits(folder, 5);
-  if (!RunLogged(kInventoryLog, ReportCommand(folder + kStorcli, kArguments, path))) {
-    return;
-  }
-  const auto file = OpenReport(kInventoryLog, path, kNoReport);
+  CheckFolderFits(collection.hostFolder, 5);
+  const std::string command =
+      BuildReportCommand(collection.hostFolder + kStorcli, kArguments, path);
+  if (!RunLogged(collection.log, command)) return;
+  const auto file = OpenReport(collection.log, path, kNoReport);
   if (!file) return;
-  RowBuffer row(repo, kRaidInfo, "LSI Controller 0 Info");
+  RowBuffer row(collection.repo, kRaidInfo, "LSI Controller 0 Info");
   std::string_view line;
-  for (LineReader lines(file.get()); lines.Next(line);) Fill(row, LsiSummaryFacts().FindIn(line));
+  for (LineReader lines(file.get()); lines.Next(line);) {
+    Fill(row, GetLsiSummaryFacts().FindIn(line));
+  }
 }
 
-TableSource DescribeLsiSummary() {
-  return {kRaidInfo, {{kStorcli, kArguments, kReportName}}, ColumnsOf(LsiSummaryFacts())};
+void DescribeLsiSummary(ModuleDescription& module) {
+  TableDescription table{.className = kRaidInfo,
+                         .title = "LSI controller summary",
+                         .commands = {{kStorcli, kArguments, kReportName}}};
+  for (const LabelledColumn& fact : kFacts) table.AddColumn(fact.column);
+  module.tables.push_back(table);
 }
 
 }  // namespace pq

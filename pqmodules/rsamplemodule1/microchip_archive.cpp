@@ -21,42 +21,102 @@
 namespace pq {
 namespace {
 
-const std::string kArchiveFolder = "c:\\Support\\Firmware";
+constexpr char kArchiveFolder[] = "c:\\Support\\Firmware";
 
-// The reports pad all labels to one width; a value begins this far behind its label's start.
+// The reports pad all labels to one width; a value begins this far from its label's start.
 constexpr std::size_t kValueAt = 45;
 
-LabelledColumn Padded(std::string_view label, Column column) {
-  return {label, kValueAt, std::move(column)};
+constexpr LabelledColumn MakePaddedColumn(std::string_view label, const Column& column) {
+  return {label, kValueAt, column};
 }
 
 constexpr std::string_view kMode = "Controller Mode";
 constexpr std::string_view kFirmware = "Firmware";
 constexpr std::string_view kDriver = "Driver";
 
-// Stands in lines that hold the mode's label too.
-const LabelledColumn kModel = Padded("Controller Model", {"Model", "Controller Model"});
+// Hosts know the columns by these keys, as uneven as they are.
+constexpr LabelledColumn kFacts[] = {
+    MakePaddedColumn("Controller Status",
+                     {"Status", "Controller Status", "state of the controller, such as Optimal"}),
+    MakePaddedColumn(kMode, {"Mode", "Controller Mode",
+                             "whether it shows the system RAID volumes, plain drives or both"}),
+    MakePaddedColumn("Channel description",
+                     {"description", "Channel description", "kind of its channels"}),
+    MakePaddedColumn("Controller Serial Number", {"SerialNumber", "Controller Serial Number",
+                                                  "serial number of the controller"}),
+    MakePaddedColumn("Controller World Wide Name", {"WorldWideName", "Controller World Wide Name",
+                                                    "world-wide name, in hexadecimal"}),
+    MakePaddedColumn("Physical Slot",
+                     {"Physical_slot", "Physical Slot", "PCI slot that it is plugged into"}),
+    MakePaddedColumn("Temperature",
+                     {"Temperature", "Temperature", "in degrees Celsius and Fahrenheit"}),
+    MakePaddedColumn("Host bus type",
+                     {"type", "Host bus type", "bus between controller and machine"}),
+    MakePaddedColumn("Host bus speed", {"speed", "Host bus speed", "speed of that bus, in MB/s"}),
+    MakePaddedColumn("Host bus link width",
+                     {"width", "Host bus link width", "width of that bus, in bits or lanes"}),
+    MakePaddedColumn("Defunct disk drive count",
+                     {"Defunct_disk", "Defunct disk drive count", "number of failed drives"}),
+    MakePaddedColumn("NCQ status",
+                     {"NCQ", "NCQ status", "whether drives may reorder their commands"}),
+    MakePaddedColumn("Statistics data collection mode",
+                     {"Statistics", "Statistics data collection mode",
+                      "whether the controller counts what its drives do"}),
+    MakePaddedColumn("Driver Name", {"Driver_Name", "Driver Name", "file of the Windows driver"}),
+    MakePaddedColumn("Driver Supports SSD I/O Bypass",
+                     {"Bypass", "Driver Supports SSD I/O Bypass",
+                      "whether the driver can reach SSDs past the RAID firmware"}),
+    MakePaddedColumn("NVMe Supported",
+                     {"NVMe_Supported", "NVMe Supported", "whether NVMe drives can be connected"}),
+    MakePaddedColumn("Manufacturing Part Number",
+                     {"ManPN", "Manufacturing Part Number", "part number of the controller"}),
+    MakePaddedColumn("Logical devices/Failed/Degraded",
+                     {"Logical", "Logical devices/Failed/Degraded",
+                      "numbers of RAID volumes: all, failed, degraded"}),
+    MakePaddedColumn(kFirmware, {"Firmware", "Firmware", "version of the firmware"}),
+    MakePaddedColumn(kDriver, {"Driver", "Driver", "version of the Windows driver"}),
+};
+
+// Occurs in lines that hold the mode's label too.
+constexpr LabelledColumn kModel =
+    MakePaddedColumn("Controller Model", {"Model", "Controller Model", "model of the controller"});
+
+constexpr char kConfigName[] = "Controller_1_Config.txt";
 
 /// A file of the archive that is attached whole.
 struct AttachedReport {
   const char* file;
-  const char* property;
+  Column column;
   const char* shownAs;
   const char* openFailure;
 };
 
 constexpr AttachedReport kAttachedReports[] = {
-    {"Controller_1_Config.txt", "Controller_Config", "Controller_1_Config",
+    {kConfigName,
+     {"Controller_Config", "Controller_Config",
+      "configuration of the controller, its volumes and its drives"},
+     "Controller_1_Config",
      "Failed to open Controller_1_Config.txt file!"},
-    {"Controller_1_Debug_Log.txt", "Controller_Debug_Log", "Controller_1_Debug_Log",
+    {"Controller_1_Debug_Log.txt",
+     {"Controller_Debug_Log", "Controller_Debug_Log", "debugging log of the firmware"},
+     "Controller_1_Debug_Log",
      "Failed to open Controller_1_Debug_Log.txt file!"},
-    {"Controller_1_Event_Log.txt", "Controller_Event_Log", "Controller_1_Event_Log",
+    {"Controller_1_Event_Log.txt",
+     {"Controller_Event_Log", "Controller_Event_Log", "events that the controller recorded"},
+     "Controller_1_Event_Log",
      "Failed to open Controller_1_Event_Log.txt file!"},
-    {"Controller_1_Log.txt", "Controller_Log", "Controller_1_Log",
+    {"Controller_1_Log.txt",
+     {"Controller_Log", "Controller_Log", "the controller's device log"},
+     "Controller_1_Log",
      "Failed to open Controller_1_Log.txt file!"},
-    {"Controller_1_SmartStats.xml", "Controller_SmartStats", "Controller_1_SmartStats",
+    {"Controller_1_SmartStats.xml",
+     {"Controller_SmartStats", "Controller_SmartStats", "SMART values of the drives, as XML"},
+     "Controller_1_SmartStats",
      "Failed to open Controller_1_SmartStats.xml file!"},
 };
+
+/// Logged where there is no archive: the tool writes one only when there is such a controller.
+constexpr char kNoConfig[] = "Failed to open PMC Controller file";
 
 constexpr char kTool[] = "\\utilities\\arcconf\\arcconf.exe";
 constexpr char kArguments[] = "savesupportarchive c:\\";
@@ -67,16 +127,20 @@ bool IsVersion(std::string_view label) { return label == kFirmware || label == k
 
 /// Has arcconf write the archive and copies it into the log folder, for the host's own log
 /// collection. False when a command could not be started.
-bool SaveArchive(const std::string& logFolder) {
-  const std::string folder = GetExeFolder();
-  CheckFolderFits(folder, 4);
+bool SaveArchive(const RaidInventoryCollection& collection, const std::string& logFolder) {
+  CheckFolderFits(collection.hostFolder, 4);
   const std::string copy = logFolder + kCopyName;
-  if (!RunLogged(kInventoryLog, "/c \"" + folder + kTool + " " + kArguments + "\"")) {
-    return false;
-  }
-  if (!RunLogged(kInventoryLog, "/c \"md \"" + copy + "\"\"")) return false;
+  const std::string save = "/c \"" + collection.hostFolder + kTool + " " + kArguments + "\"";
+  if (!RunLogged(collection.log, save)) return false;
+  if (!RunLogged(collection.log, "/c \"md \"" + copy + "\"\"")) return false;
   if (!Machine().PathExists(kArchiveFolder)) return true;
-  return RunLogged(kInventoryLog, "/c \"copy \"" + kArchiveFolder + "\" \"" + copy + "\"\"");
+  return RunLogged(collection.log,
+                   std::string("/c \"copy \"") + kArchiveFolder + "\" \"" + copy + "\"\"");
+}
+
+std::unique_ptr<TextFile> OpenArchived(const RaidInventoryCollection& collection, const char* name,
+                                       const char* failure) {
+  return OpenReport(collection.log, std::string(kArchiveFolder) + "\\" + name, failure);
 }
 
 /// A link for a page in the log folder.
@@ -85,7 +149,7 @@ std::string ComposeLink(const std::string& target) {
 }
 
 /// The last of the parts between backslashes.
-std::string LastPart(std::string folder) {
+std::string FindLastPart(std::string folder) {
   while (folder.ends_with('\\')) folder.pop_back();
   return folder.substr(folder.rfind('\\') + 1);
 }
@@ -103,87 +167,70 @@ void ReadConfig(TextFile* file, RowBuffer& controller, RowBuffer& versions) {
   }
 }
 
-void AttachReports(RInstance& links) {
+void AttachReports(const RaidInventoryCollection& collection, RInstance& links) {
   for (const AttachedReport& report : kAttachedReports) {
-    const auto file =
-        OpenReport(kInventoryLog, kArchiveFolder + "\\" + report.file, report.openFailure);
+    const auto file = OpenArchived(collection, report.file, report.openFailure);
     if (!file) continue;
-    std::unique_ptr<char[]> text = ReadWholeReport(kInventoryLog, *file);
+    std::unique_ptr<char[]> text = ReadWholeReport(collection.log, *file);
     if (!text) continue;
-    AddAttachment(links, report.property, report.property, std::move(text), report.shownAs);
+    AddAttachment(links, report.column, std::move(text), report.shownAs);
   }
 }
 
 }  // namespace
 
-const LabelledColumns& MicrochipConfigFacts() {
-  // Hosts know the columns by these keys, as uneven as they are.
-  static const LabelledColumns facts{
-      Padded("Controller Status", {"Status", "Controller Status"}),
-      Padded(kMode, {"Mode", "Controller Mode"}),
-      Padded("Channel description", {"description", "Channel description"}),
-      Padded("Controller Serial Number", {"SerialNumber", "Controller Serial Number"}),
-      Padded("Controller World Wide Name", {"WorldWideName", "Controller World Wide Name"}),
-      Padded("Physical Slot", {"Physical_slot", "Physical Slot"}),
-      Padded("Temperature", {"Temperature", "Temperature"}),
-      Padded("Host bus type", {"type", "Host bus type"}),
-      Padded("Host bus speed", {"speed", "Host bus speed"}),
-      Padded("Host bus link width", {"width", "Host bus link width"}),
-      Padded("Defunct disk drive count", {"Defunct_disk", "Defunct disk drive count"}),
-      Padded("NCQ status", {"NCQ", "NCQ status"}),
-      Padded("Statistics data collection mode", {"Statistics", "Statistics data collection mode"}),
-      Padded("Driver Name", {"Driver_Name", "Driver Name"}),
-      Padded("Driver Supports SSD I/O Bypass", {"Bypass", "Driver Supports SSD I/O Bypass"}),
-      Padded("NVMe Supported", {"NVMe_Supported", "NVMe Supported"}),
-      Padded("Manufacturing Part Number", {"ManPN", "Manufacturing Part Number"}),
-      Padded("Logical devices/Failed/Degraded", {"Logical", "Logical devices/Failed/Degraded"}),
-      Padded(kFirmware, {"Firmware", "Firmware"}),
-      Padded(kDriver, {"Driver", "Driver"}),
-  };
-  return facts;
+const LabelledColumns& GetMicrochipConfigFacts() {
+  static const LabelledColumns kLabelled(kFacts);
+  return kLabelled;
 }
 
 LabelledFact ReadMicrochipConfigFact(std::string_view line) {
-  LabelledFact fact = MicrochipConfigFacts().FindIn(line);
-  if (fact && fact.source->label == kMode && Holds(line, kModel.label)) fact.source = &kModel;
+  LabelledFact fact = GetMicrochipConfigFacts().FindIn(line);
+  if (fact && fact.source->label == kMode && Contains(line, kModel.label)) fact.source = &kModel;
   return fact;
 }
 
-void CollectMicrochipArchive(RRepository& repo) {
+void CollectMicrochipArchive(const RaidInventoryCollection& collection) {
   const std::string logFolder = GetLogFolder();
-  if (!SaveArchive(logFolder)) return;
-  auto config = OpenReport(kInventoryLog, kArchiveFolder + "\\Controller_1_Config.txt",
-                           "Failed to open PMC Controller file");
+  if (!SaveArchive(collection, logFolder)) return;
+  auto config = OpenArchived(collection, kConfigName, kNoConfig);
   if (!config) return;
   // The copied folder as a page in the log folder would link it. No row carries the link: the
   // files themselves are attached instead.
-  [[maybe_unused]] const std::string reportFolder = LastPart(logFolder);
+  [[maybe_unused]] const std::string reportFolder = FindLastPart(logFolder);
   [[maybe_unused]] const std::string link = ComposeLink("..\\Firmware");
 
-  RowBuffer controller(repo, kPmcInfo, "MCHP Controller information");
-  RowBuffer versions(repo, kPmcVer, "MCHP Controller Version Info");
+  RowBuffer controller(collection.repo, kPmcInfo, "MCHP Controller information");
+  RowBuffer versions(collection.repo, kPmcVer, "MCHP Controller Version Info");
   RInstance links(kPmcLink, "MCHP other info link", kInstanceNumber);
   ReadConfig(config.get(), controller, versions);
-  AttachReports(links);
+  AttachReports(collection, links);
   controller.Commit();
   versions.Commit();
-  links.AddToRepository(repo);
+  links.AddToRepository(collection.repo);
   config.reset();
 }
 
-TableSources DescribeMicrochipArchive() {
+void DescribeMicrochipArchive(ModuleDescription& module) {
   const ToolCommand archive{kTool, kArguments, kCopyName};
-  TableSource controller{kPmcInfo, {archive}, {}};
-  TableSource versions{kPmcVer, {archive}, {}};
-  for (const LabelledColumn& fact : MicrochipConfigFacts().All()) {
-    (IsVersion(fact.label) ? versions : controller).columns.push_back(fact.column);
-    if (fact.label == kMode) controller.columns.push_back(kModel.column);
+  TableDescription controller{
+      .className = kPmcInfo, .title = "Microchip controller", .commands = {archive}};
+  TableDescription versions{
+      .className = kPmcVer, .title = "Microchip controller versions", .commands = {archive}};
+  for (const LabelledColumn& fact : kFacts) {
+    (IsVersion(fact.label) ? versions : controller).AddColumn(fact.column);
+    if (fact.label == kMode) controller.AddColumn(kModel.column);
   }
-  TableSource links{kPmcLink, {archive}, {}};
+  TableDescription links{
+      .className = kPmcLink, .title = "Microchip support files, raw", .commands = {archive}};
   for (const AttachedReport& report : kAttachedReports) {
-    links.columns.push_back({report.property, report.property});
+    links.AddColumn(report.column);
+    module.AddFailures(StepFailure::kOutputNotOpened, {report.openFailure});
   }
-  return {std::move(controller), std::move(versions), std::move(links)};
+  module.tables.push_back(controller);
+  module.tables.push_back(versions);
+  module.tables.push_back(links);
+  module.AddFailures(StepFailure::kNothingToReport, {kNoConfig});
 }
 
 }  // namespace pq

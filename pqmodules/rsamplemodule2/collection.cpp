@@ -10,13 +10,13 @@ std::unique_ptr<TextFile> RunStorcli(const RaidLogsCollection& collection,
                                      const StorcliReport& report) {
   const std::string path = GetLogFolder() + report.fileName;
   const std::string command =
-      ReportCommand(collection.hostFolder + kStorcli, report.arguments, path);
+      BuildReportCommand(collection.hostFolder + kStorcli, report.arguments, path);
   if (report.commandMessage != nullptr) collection.log(kProgress, report.commandMessage, command);
   if (!RunLogged(collection.log, command)) return nullptr;
   return OpenReport(collection.log, path, kNoReport);
 }
 
-ToolCommand CommandOf(const StorcliReport& report) {
+ToolCommand DescribeReport(const StorcliReport& report) {
   return {kStorcli, report.arguments, report.fileName};
 }
 

@@ -8,6 +8,7 @@
 
 #include "frame/labelled_columns.h"
 #include "frame/tool_runner.h"
+#include "pqmodules/rsamplemodule2/tables.h"
 
 namespace pq {
 namespace {
@@ -15,36 +16,61 @@ namespace {
 // The message names the term log; readers of host logs know this step by it.
 constexpr StorcliReport kReport{"/c0/eall/sall show all", "pdlist.txt", "fwterm raw path:"};
 
-const LabelledColumns kFacts{
-    BehindLabel("Shield Counter =", {"ShieldCounter", "Shield Counter"}),
-    BehindLabel("Media Error Count =", {"MediaErrorCount", "Media Error Count"}),
-    BehindLabel("Other Error Count =", {"OtherErrorCount", "Other Error Count"}),
-    BehindLabel("Drive Temperature =", {"DriveTemperature", "Drive Temperature"}),
-    BehindLabel("Predictive Failure Count =", {"PredictiveFail", "Predictive Failure Count"}),
-    BehindLabel("S.M.A.R.T alert flagged by drive =",
-                {"SMARTflag", "S.M.A.R.T alert flagged by drive"}),
-    BehindLabel("SN =", {"SN", "SN"}),
-    BehindLabel("WWN =", {"WWN", "WWN"}),
-    BehindLabel("Firmware Revision =", {"FirmwareRevision", "Firmware Revision"}),
-    BehindLabel("Raw size =", {"Rawsize", "Raw size"}),
-    BehindLabel("Coerced size =", {"Coercedsize", "Coerced size"}),
-    BehindLabel("Device Speed =", {"DeviceSpeed", "Device Speed"}),
-    BehindLabel("Link Speed =", {"LinkSpeed", "Link Speed"}),
-    BehindLabel("Logical Sector Size =", {"LogicalSectorSize", "Logical Sector Size"}),
-    BehindLabel("Enclosure position =", {"Enclosureposition", "Enclosure position"}),
-    BehindLabel("Connected Port Number =", {"ConnectedPortNumber", "Connected Port Number"}),
-    BehindLabel("Commissioned Spare =", {"CommissionedSpare", "Commissioned Spare"}),
-    BehindLabel("Emergency Spare =", {"EmergencySpare", "Emergency Spare"}),
-    BehindLabel("Needs EKM Attention =", {"NeedsEKMAttention", "Needs EKM Attention"}, true),
-};
+constexpr std::string_view kCoercedSize = "Coerced size =";
 
-// "Coerced size =" also stands inside this label.
-const LabelledColumn kNonCoercedSize =
-    BehindLabel("Non Coerced size =", {"NonCoercedsize", "Non Coerced size"});
+constexpr LabelledColumn kFactColumns[] = {
+    MakeLabelledColumn("Shield Counter =", {"ShieldCounter", "Shield Counter",
+                                            "how often the drive was taken out for diagnosis"}),
+    MakeLabelledColumn("Media Error Count =", {"MediaErrorCount", "Media Error Count",
+                                               "errors when reading or writing the medium"}),
+    MakeLabelledColumn("Other Error Count =", {"OtherErrorCount", "Other Error Count",
+                                               "errors of other kinds, such as of the link"}),
+    MakeLabelledColumn("Drive Temperature =", {"DriveTemperature", "Drive Temperature",
+                                               "in degrees Celsius and Fahrenheit"}),
+    MakeLabelledColumn("Predictive Failure Count =",
+                       {"PredictiveFail", "Predictive Failure Count",
+                        "how often the drive foretold its own failure"}),
+    MakeLabelledColumn("S.M.A.R.T alert flagged by drive =",
+                       {"SMARTflag", "S.M.A.R.T alert flagged by drive",
+                        "whether the drive warns of its failure by SMART"}),
+    MakeLabelledColumn("SN =", {"SN", "SN", "serial number"}),
+    MakeLabelledColumn("WWN =", {"WWN", "WWN", "world-wide name, in hexadecimal"}),
+    MakeLabelledColumn("Firmware Revision =", {"FirmwareRevision", "Firmware Revision",
+                                               "version of the drive's firmware"}),
+    MakeLabelledColumn("Raw size =", {"Rawsize", "Raw size",
+                                      "capacity of the drive, with its unit and its sectors"}),
+    MakeLabelledColumn(kCoercedSize,
+                       {"Coercedsize", "Coerced size",
+                        "capacity rounded down so that drives of different makers fit one array"}),
+    MakeLabelledColumn("Device Speed =", {"DeviceSpeed", "Device Speed",
+                                          "fastest speed that the drive supports, in Gb/s"}),
+    MakeLabelledColumn("Link Speed =", {"LinkSpeed", "Link Speed",
+                                        "speed at which the drive is connected, in Gb/s"}),
+    MakeLabelledColumn("Logical Sector Size =",
+                       {"LogicalSectorSize", "Logical Sector Size", "in bytes"}),
+    MakeLabelledColumn("Enclosure position =", {"Enclosureposition", "Enclosure position",
+                                                "place of the enclosure among those connected"}),
+    MakeLabelledColumn("Connected Port Number =", {"ConnectedPortNumber", "Connected Port Number",
+                                                   "the controller's port, and the path over it"}),
+    MakeLabelledColumn("Commissioned Spare =", {"CommissionedSpare", "Commissioned Spare",
+                                                "whether it serves as a spare at present"}),
+    MakeLabelledColumn("Emergency Spare =", {"EmergencySpare", "Emergency Spare",
+                                             "whether it may serve as a spare in an emergency"}),
+    MakeLabelledColumn("Needs EKM Attention =",
+                       {"NeedsEKMAttention", "Needs EKM Attention",
+                        "whether its encryption needs the key manager"},
+                       true),
+};
+const LabelledColumns kFacts(kFactColumns);
+
+// "Coerced size =" occurs inside this label too.
+constexpr LabelledColumn kNonCoercedSize = MakeLabelledColumn(
+    "Non Coerced size =",
+    {"NonCoercedsize", "Non Coerced size", "capacity before it is rounded down"});
 
 LabelledFact ReadFact(std::string_view line) {
   LabelledFact fact = kFacts.FindIn(line);
-  if (fact && fact.source->label == "Coerced size =" && Holds(line, kNonCoercedSize.label)) {
+  if (fact && fact.source->label == kCoercedSize && Contains(line, kNonCoercedSize.label)) {
     fact.source = &kNonCoercedSize;
   }
   return fact;
@@ -60,13 +86,15 @@ void CollectDriveDetails(const RaidLogsCollection& collection) {
   for (LineReader lines(file.get()); lines.Next(line);) Fill(row, ReadFact(line));
 }
 
-TableSource DescribeDriveDetails() {
-  TableSource source{kPdList, {CommandOf(kReport)}, {}};
-  for (const Column& column : ColumnsOf(kFacts)) {
-    source.columns.push_back(column);
-    if (column.key == "Coercedsize") source.columns.push_back(kNonCoercedSize.column);
+void DescribeDriveDetails(ModuleDescription& module) {
+  TableDescription table{.className = kPdList,
+                         .title = "LSI physical drive details",
+                         .commands = {DescribeReport(kReport)}};
+  for (const LabelledColumn& fact : kFactColumns) {
+    table.AddColumn(fact.column);
+    if (fact.label == kCoercedSize) table.AddColumn(kNonCoercedSize.column);
   }
-  return source;
+  module.tables.push_back(table);
 }
 
 }  // namespace pq

@@ -1,4 +1,4 @@
-// The detailed report of every drive behind the first controller, one row per drive.
+// The detailed report of every drive of the first controller, one row per drive.
 #pragma once
 
 #include "pqmodules/rsamplemodule2/collection.h"
@@ -8,6 +8,6 @@ namespace pq {
 /// Adds the rows of "PDLIST".
 void CollectDriveDetails(const RaidLogsCollection& collection);
 
-TableSource DescribeDriveDetails();
+void DescribeDriveDetails(ModuleDescription& module);
 
 }  // namespace pq

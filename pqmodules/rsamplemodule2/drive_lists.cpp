@@ -15,6 +15,7 @@
 
 #include "frame/label_table.h"
 #include "frame/tool_runner.h"
+#include "pqmodules/rsamplemodule2/tables.h"
 
 namespace pq {
 namespace {
@@ -41,33 +42,54 @@ constexpr int kHeadLines = 6;
 /// Room of a size such as "557.861 GB", without the terminator.
 constexpr std::size_t kSizeLength = 19;
 
-const std::vector<TokenColumn> kTopology{
-    {1, {"DG", "Disk Group Index"}},  {2, {"Arr", "Array Index"}},
-    {3, {"Row", "Row Index"}},        {4, {"EID", "EID Slot"}},
-    {5, {"DID", "Device ID"}},        {6, {"Type", "Type"}},
-    {7, {"State", "State"}},          {8, {"BT", "Background Task Active"}},
-    {9, {"Size", "Size"}, true},      {11, {"PDC", "PD Cache"}},
-    {12, {"PI", "Protection Info"}},  {13, {"SED", "Self Encrypting Drive"}},
-    {14, {"DS3", "Dimmer Switch 3"}}, {15, {"FSpace", "Free Space Present"}},
+constexpr TokenColumn kTopology[] = {
+    {1, {"DG", "Disk Group Index", "number of the drive group, or a dash"}},
+    {2, {"Arr", "Array Index", "number of the array in the group"}},
+    {3, {"Row", "Row Index", "number of the drive in the array"}},
+    {4, {"EID", "EID Slot", "enclosure and slot of the drive, as in 134:1"}},
+    {5, {"DID", "Device ID", "the controller's number of the drive"}},
+    {6, {"Type", "Type", "DRIVE, or the RAID level of a group or an array"}},
+    {7, {"State", "State", "Onln: online, Optl: optimal, Dgrd: degraded, and so on"}},
+    {8, {"BT", "Background Task Active", "whether a rebuild or the like is running (Y, N)"}},
+    {9, {"Size", "Size", "capacity with its unit"}, true},
+    {11, {"PDC", "PD Cache", "cache of the drives: enabled, disabled or as they come (dflt)"}},
+    {12, {"PI", "Protection Info", "whether data carry protection information (Y, N)"}},
+    {13, {"SED", "Self Encrypting Drive", "whether drives encrypt by themselves (Y, N)"}},
+    {14, {"DS3", "Dimmer Switch 3", "power saving of the drives"}},
+    {15, {"FSpace", "Free Space Present", "whether the group has room for more volumes (Y, N)"}},
 };
 
 // Token 7, the CacheCade state, has no column.
-const std::vector<TokenColumn> kVirtualDrives{
-    {1, {"DG", "DG/VD"}},      {2, {"TYPE", "TYPE"}},       {3, {"State", "State"}},
-    {4, {"Access", "Access"}}, {5, {"Consist", "Consist"}}, {6, {"Cache", "Cache"}},
-    {8, {"sCC", "sCC"}},       {9, {"Size", "Size"}, true}, {11, {"Name", "Name"}},
+constexpr TokenColumn kVirtualDrives[] = {
+    {1, {"DG", "DG/VD", "drive group and number of the virtual drive"}},
+    {2, {"TYPE", "TYPE", "RAID level"}},
+    {3, {"State", "State", "Optl: optimal, Dgrd: degraded, OfLn: offline, and so on"}},
+    {4, {"Access", "Access", "RW: read and write, RO: read only, and so on"}},
+    {5, {"Consist", "Consist", "whether its redundant data are consistent (Yes, No)"}},
+    {6, {"Cache", "Cache", "read-ahead, write and I/O policy, as in RWBD"}},
+    {8, {"sCC", "sCC", "whether consistency checks are scheduled (ON, OFF)"}},
+    {9, {"Size", "Size", "capacity with its unit"}, true},
+    {11, {"Name", "Name", "name that it was given"}},
 };
 
-const std::vector<TokenColumn> kPhysicalDrives{
-    {1, {"EID", "EID Slt"}},   {2, {"DID", "Device ID"}},   {3, {"State", "State"}},
-    {4, {"DG", "DriveGroup"}}, {5, {"Size", "Size"}, true}, {7, {"Intf", "Intf"}},
-    {8, {"Med", "Med"}},       {9, {"SED", "SED"}},         {10, {"PI", "PI"}},
-    {11, {"SeSz", "SeSz"}},    {12, {"Model", "Model"}},    {13, {"Sp", "Spun"}},
+constexpr TokenColumn kPhysicalDrives[] = {
+    {1, {"EID", "EID Slt", "enclosure and slot of the drive, as in 134:1"}},
+    {2, {"DID", "Device ID", "the controller's number of the drive"}},
+    {3, {"State", "State", "Onln: online, UGood: unconfigured, GHS: hot spare, Failed, and so on"}},
+    {4, {"DG", "DriveGroup", "number of its drive group, or a dash"}},
+    {5, {"Size", "Size", "capacity with its unit"}, true},
+    {7, {"Intf", "Intf", "interface, such as SAS, SATA or NVMe"}},
+    {8, {"Med", "Med", "medium: HDD or SSD"}},
+    {9, {"SED", "SED", "whether it encrypts by itself (Y, N)"}},
+    {10, {"PI", "PI", "whether it can carry protection information (Y, N)"}},
+    {11, {"SeSz", "SeSz", "size of a sector, in bytes"}},
+    {12, {"Model", "Model", "model of the drive"}},
+    {13, {"Sp", "Spun", "whether it is spun up (U) or down (D)"}},
 };
 
 /// The rows of one list.
 struct ListRows {
-  const std::vector<TokenColumn>& columns;
+  std::span<const TokenColumn> columns;
   RowBuffer row;
 
   void Take(std::string_view line) {
@@ -83,7 +105,7 @@ struct ListRows {
 std::array<bool, kDriveListCount> DriveListScan::Take(std::string_view line) {
   if (kTitles.FindIn(line)) {  // A line can hold more than one.
     for (std::size_t i = 0; i < kDriveListCount; ++i) {
-      if (Holds(line, kLists[i].title)) inList[i] = true;
+      if (Contains(line, kLists[i].title)) inList[i] = true;
     }
   }
   std::array<bool, kDriveListCount> isRow{};
@@ -93,7 +115,7 @@ std::array<bool, kDriveListCount> DriveListScan::Take(std::string_view line) {
       ++headLines;
       break;  // A head line is done with, whichever lists are open.
     }
-    if (Holds(line, kLists[i].endRule)) {
+    if (Contains(line, kLists[i].endRule)) {
       inList[i] = false;
       headLines = 0;
     } else {
@@ -129,14 +151,17 @@ void CollectDriveLists(const RaidLogsCollection& collection) {
   }
 }
 
-TableSources DescribeDriveLists() {
-  const auto describe = [](const std::string& className, const std::vector<TokenColumn>& tokens) {
-    TableSource source{className, {CommandOf(kReport)}, {}};
-    for (const TokenColumn& token : tokens) source.columns.push_back(token.column);
-    return source;
+void DescribeDriveLists(ModuleDescription& module) {
+  const auto describe = [&](const char* className, const char* title,
+                            std::span<const TokenColumn> tokens) {
+    TableDescription table{
+        .className = className, .title = title, .commands = {DescribeReport(kReport)}};
+    for (const TokenColumn& token : tokens) table.AddColumn(token.column);
+    module.tables.push_back(table);
   };
-  return {describe(kTInfo, kTopology), describe(kVInfo, kVirtualDrives),
-          describe(kPInfo, kPhysicalDrives)};
+  describe(kTInfo, "LSI topology", kTopology);
+  describe(kVInfo, "LSI virtual drives", kVirtualDrives);
+  describe(kPInfo, "LSI physical drives", kPhysicalDrives);
 }
 
 }  // namespace pq

@@ -3,9 +3,9 @@
 
 #include <array>
 #include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "frame/row_buffer.h"
 #include "frame/tokens.h"
@@ -41,7 +41,7 @@ struct TokenColumn {
 /// Takes a data row apart: onValue(column, value) for each of `columns` (by rising token) up to the
 /// first one that the row lacks. True when it lacks none.
 template <typename OnValue>
-bool ReadDriveRow(std::string_view line, const std::vector<TokenColumn>& columns,
+bool ReadDriveRow(std::string_view line, std::span<const TokenColumn> columns,
                   const OnValue& onValue) {
   TokenScan tokens(line, " ");
   std::size_t count = 0;
@@ -63,6 +63,6 @@ bool ReadDriveRow(std::string_view line, const std::vector<TokenColumn>& columns
 /// Adds the rows of "TINFO", "VINFO" and "PINFO".
 void CollectDriveLists(const RaidLogsCollection& collection);
 
-TableSources DescribeDriveLists();
+void DescribeDriveLists(ModuleDescription& module);
 
 }  // namespace pq

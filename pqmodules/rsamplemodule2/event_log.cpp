@@ -16,10 +16,12 @@
 #include "pqmodules/rsamplemodule2/event_log.h"
 
 #include <algorithm>
+#include <array>
 
 #include "frame/labelled_columns.h"
 #include "frame/report_file.h"
 #include "frame/tool_runner.h"
+#include "pqmodules/rsamplemodule2/tables.h"
 
 namespace pq {
 namespace {
@@ -27,31 +29,37 @@ namespace {
 constexpr StorcliReport kReport{"/c0 show events", "raidevents.txt", "raidevent raw path:"};
 
 constexpr std::int32_t kRecordsPerPage = 3000;
-/// Lines at the top of a dump among which the first record begins, behind the tool's head.
+/// Lines at the top of a dump among which the first record begins, after the tool's head.
 constexpr std::int64_t kHeadLines = 13;
 
-const Column kSequenceNumber{"seqNum", "seqNum"};
-const Column kEventData{"EventData", "Event Data"};
-const Column kTime{"Time", "Time"};
-const Column kCode{"Code", "Code"};
-const Column kClass{"Class", "Class"};
-const Column kLocale{"Locale", "Locale"};
-const Column kDescription{"EventDescription", "Event Description"};
+constexpr Column kSequenceNumber{"seqNum", "seqNum",
+                                 "number of the event, in hexadecimal, counted by the controller"};
+constexpr Column kEventData{"EventData", "Event Data", "details of the event, in several lines"};
+constexpr Column kTime{"Time", "Time",
+                       "when it happened: a date, or seconds since the controller started"};
+constexpr Column kCode{"Code", "Code", "what kind of event it is, in hexadecimal"};
+constexpr Column kClass{"Class", "Class",
+                        "how grave it is: -1 progress, 0 information, 1 warning, 2 critical, "
+                        "3 fatal, 4 dead"};
+constexpr Column kLocale{"Locale", "Locale",
+                         "what it concerns, such as drives or enclosures, as bits"};
+constexpr Column kDescription{"EventDescription", "Event Description", "the event in words"};
 
 // In the order of the layout's widths.
-const std::array<const Column*, 7> kColumns{&kSequenceNumber, &kEventData, &kTime,       &kCode,
-                                            &kClass,          &kLocale,    &kDescription};
+constexpr Column kColumns[] = {kSequenceNumber, kEventData, kTime,       kCode,
+                               kClass,          kLocale,    kDescription};
 
 struct EventPage {
-  const std::string& className;
+  const char* className;
   const char* key;
+  const char* title;
 };
-const std::array<EventPage, kEventPageCount> kPages{{
-    {kEventLog1, "LSI Controller 0 event log page1"},
-    {kEventLog2, "LSI Controller 0 event log page2"},
-    {kEventLog3, "LSI Controller 0 event log page3"},
-    {kEventLog4, "LSI Controller 0 event log page4"},
-    {kEventLog5, "LSI Controller 0 event log page5"},
+constexpr std::array<EventPage, kEventPageCount> kPages{{
+    {kEventLog1, "LSI Controller 0 event log page1", "LSI controller events, page 1"},
+    {kEventLog2, "LSI Controller 0 event log page2", "LSI controller events, page 2"},
+    {kEventLog3, "LSI Controller 0 event log page3", "LSI controller events, page 3"},
+    {kEventLog4, "LSI Controller 0 event log page4", "LSI controller events, page 4"},
+    {kEventLog5, "LSI Controller 0 event log page5", "LSI controller events, page 5"},
 }};
 
 // What ends a run of records, once one has begun.
@@ -61,7 +69,7 @@ constexpr std::string_view kDataTitle = "Event Data:";
 constexpr std::string_view kDataStart = "=======";
 
 // In the order in which a line is tested. The last two fill no column.
-const LabelledColumns kFacts{
+constexpr LabelledColumn kLabelledColumns[] = {
     {kRecordStart, 8, kSequenceNumber},
     {"Seconds since last reboot:", 27, kTime},
     {"Time:", 6, kTime},
@@ -72,13 +80,7 @@ const LabelledColumns kFacts{
     {kDataTitle, 0, {}},
     {kDataStart, 0, {}},
 };
-
-/// Event data outlive the dump that they come from: until a "=======" line clears them, the next
-/// dump's first row can still show them.
-EventData& ModuleEventData() {
-  static EventData data;
-  return data;
-}
+const LabelledColumns kFacts(kLabelledColumns);
 
 /// The page instances, as rows.
 class PageRows : public EventPages {
@@ -90,7 +92,7 @@ class PageRows : public EventPages {
               {repo, kPages[3].className, kPages[3].key},
               {repo, kPages[4].className, kPages[4].key}}} {
     for (RowBuffer& row : rows) {
-      for (const Column* column : kColumns) row.Set(*column, "");
+      for (const Column& column : kColumns) row.Set(column, "");
     }
   }
   void Set(std::size_t page, const Column& column, std::string_view value) override {
@@ -105,7 +107,7 @@ class PageRows : public EventPages {
 /// Leaves eventslog_convert.txt in the log folder for the host.
 void ConvertDump(const RaidLogsCollection& collection) {
   const std::string logFolder = GetLogFolder();
-  const std::string command = ReportCommand(
+  const std::string command = BuildReportCommand(
       collection.hostFolder + "\\pq_tools\\eventslog_convert.exe",
       "\"" + logFolder + kReport.fileName + "\"", logFolder + "eventslog_convert.txt");
   collection.log(kDetail, "eventslog_convert raw path:", command);
@@ -114,18 +116,14 @@ void ConvertDump(const RaidLogsCollection& collection) {
 
 }  // namespace
 
-std::size_t EventPageOf(std::int32_t recordCount) {
+std::size_t FindEventPage(std::int32_t recordCount) {
   return std::min(static_cast<std::size_t>(recordCount / kRecordsPerPage), kEventPageCount - 1);
-}
-
-void EventData::Append(std::string_view line) {
-  length += line.copy(text.data() + length, text.size() - length);
 }
 
 void EventDump::Take(std::string_view line) {
   ++lineNumber;
-  if (recordCount > 0 && Holds(line, kNextController)) {
-    EndRecord(EventPageOf(recordCount));
+  if (recordCount > 0 && Contains(line, kNextController)) {
+    EndRecord(FindEventPage(recordCount));
     return;
   }
   const LabelledFact fact = kFacts.FindIn(line);
@@ -136,18 +134,18 @@ void EventDump::Take(std::string_view line) {
   } else if (fact.source->label == kDataStart) {
     data.Clear();
   } else if (fact.source->label != kDataTitle) {
-    pages.Set(EventPageOf(recordCount), fact.source->column, fact.value);
+    pages.Set(FindEventPage(recordCount), fact.source->column, fact.value);
   }
 }
 
 void EventDump::BeginRecord(std::string_view sequenceNumber) {
   hasRecords = true;
-  const std::size_t page = EventPageOf(recordCount);
+  const std::size_t page = FindEventPage(recordCount);
   if (lineNumber > kHeadLines) EndRecord(page);
   pages.Set(page, kSequenceNumber, sequenceNumber);
   ++recordCount;
   // A record that crosses to the next page shows its number on both and goes on on the new one.
-  const std::size_t nextPage = EventPageOf(recordCount);
+  const std::size_t nextPage = FindEventPage(recordCount);
   if (nextPage != page) pages.Set(nextPage, kSequenceNumber, sequenceNumber);
 }
 
@@ -156,25 +154,24 @@ void EventDump::EndRecord(std::size_t page) {
   pages.Commit(page);
 }
 
-void CollectEventLog(const RaidLogsCollection& collection) {
+void CollectEventLog(RaidLogsCollection& collection) {
   auto file = RunStorcli(collection, kReport);
   if (!file) return;
   PageRows pages(collection.repo);
-  EventDump dump(pages, ModuleEventData());
+  EventDump dump(pages, collection.eventData);
   std::string_view line;
   for (LineReader lines(file.get()); lines.Next(line);) dump.Take(line);
   file.reset();
   if (dump.HasRecords()) ConvertDump(collection);
 }
 
-TableSources DescribeEventLog() {
-  TableSources sources;
+void DescribeEventLog(ModuleDescription& module) {
   for (const EventPage& page : kPages) {
-    TableSource source{page.className, {CommandOf(kReport)}, {}};
-    for (const Column* column : kColumns) source.columns.push_back(*column);
-    sources.push_back(std::move(source));
+    TableDescription table{
+        .className = page.className, .title = page.title, .commands = {DescribeReport(kReport)}};
+    table.AddColumns(kColumns);
+    module.tables.push_back(table);
   }
-  return sources;
 }
 
 }  // namespace pq

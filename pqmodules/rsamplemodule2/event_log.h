@@ -1,32 +1,20 @@
 // The event log of the first controller, in five pages of 3,000 records.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 
 #include "frame/row_buffer.h"
 #include "pqmodules/rsamplemodule2/collection.h"
+#include "pqmodules/rsamplemodule2/event_data.h"
 
 namespace pq {
 
 inline constexpr std::size_t kEventPageCount = 5;
 
 /// The page, from 0, on which things go while `recordCount` records have begun.
-std::size_t EventPageOf(std::int32_t recordCount);
-
-/// The lines of event data behind a record's "=======" line, line ends and all, as far as they fit.
-class EventData {
- public:
-  void Clear() { length = 0; }
-  void Append(std::string_view line);
-  std::string_view Text() const { return {text.data(), length}; }
-
- private:
-  std::array<char, 2047> text{};
-  std::size_t length = 0;
-};
+std::size_t FindEventPage(std::int32_t recordCount);
 
 /// Where the lines of an event dump lead: columns are set on pages, pages are committed as rows.
 class EventPages {
@@ -39,7 +27,7 @@ class EventPages {
 /// Reads an event dump, one line after the other.
 class EventDump {
  public:
-  /// Both outlive the object. Event data of before may still stand in `data`.
+  /// Both outlive the object. `data` may hold text already; only a "=======" line clears it.
   EventDump(EventPages& pages, EventData& data) : pages(pages), data(data) {}
 
   /// The next line, zero-terminated, its line end included.
@@ -57,9 +45,9 @@ class EventDump {
   bool hasRecords = false;
 };
 
-/// Adds the rows of "EVENTLOG1" to "EVENTLOG5".
-void CollectEventLog(const RaidLogsCollection& collection);
+/// Adds the rows of "EVENTLOG1" to "EVENTLOG5". Changes the event data of `collection`.
+void CollectEventLog(RaidLogsCollection& collection);
 
-TableSources DescribeEventLog();
+void DescribeEventLog(ModuleDescription& module);
 
 }  // namespace pq

@@ -16,9 +16,12 @@
 
 #include "pqmodules/rsamplemodule2/intel_devices.h"
 
+#include <span>
+
 #include "frame/labelled_columns.h"
 #include "frame/tool_runner.h"
 #include "pqmodules/raid/intel_report.h"
+#include "pqmodules/rsamplemodule2/tables.h"
 
 namespace pq {
 namespace {
@@ -26,63 +29,66 @@ namespace {
 constexpr IntelReportLog kReportLog{
     .commandLevel = kDetail, .exitCodeErrorNumber = false, .reportPath = true};
 
-const LabelledColumns kEndDeviceFacts{
-    {"ID:", 3, {"ID", "ID"}},
-    {"Type:", 5, {"Type", "Type"}},
-    {"State:", 6, {"State", "State"}},
-    {"Size:", 5, {"Size", "Size"}},
-    {"System Disk:", 12, {"SystemDisk", "System Disk"}},
-    {"Usage:", 6, {"Usage", "Usage"}},
-    {"Serial Number:", 14, {"SerialNumber", "Serial Number"}},
-    {"Model:", 6, {"Model", "Model"}, true},
+constexpr std::string_view kTypeLabel = "Type:";
+constexpr LabelledColumn kEndDeviceColumns[] = {
+    {"ID:", 3, {"ID", "ID", "place of the drive: controller, port and so on, as in 0-4-0-0"}},
+    {kTypeLabel, 5, {"Type", "Type", "kind of device, such as Disk"}},
+    {"State:", 6, {"State", "State", "state of the device, such as Normal"}},
+    {"Size:", 5, {"Size", "Size", "capacity with its unit"}},
+    {"System Disk:", 12, {"SystemDisk", "System Disk", "whether Windows starts from it"}},
+    {"Usage:", 6, {"Usage", "Usage", "what it is used for, such as Array member or Pass-through"}},
+    {"Serial Number:", 14, {"SerialNumber", "Serial Number", "serial number of the drive"}},
+    {"Model:", 6, {"Model", "Model", "model of the drive"}, true},
 };
+const LabelledColumns kEndDeviceFacts(kEndDeviceColumns);
 
 // Taken instead of "Type:". The value begins 10 characters after the "Type:" inside: five of the
-// blanks that the tool pads with are left out, and so are four letters of a word behind one blank.
-const LabelledColumn kDiskType{"Disk Type:", 5 + 10, {"DiskType", "Disk Type"}};
+// blanks that the tool pads with are left out, and so are four letters of a word after one blank.
+constexpr LabelledColumn kDiskType{
+    "Disk Type:", 5 + 10, {"DiskType", "Disk Type", "kind of drive, such as PCIE SSD"}};
 
-/// The value of a line at a place in its block: behind the label that the tool prints there.
+/// The value of a line at a place in its block: after the label that the tool prints there.
 struct BlockColumn {
   std::size_t valueAt;  ///< from the line's start
   Column column;
 };
 
-/// A block that begins with a marker line. Its columns stand on the lines from the third on.
+/// A block that begins with a marker line. Its columns are on the lines from the third on.
 struct Block {
   std::string_view marker;
-  std::vector<BlockColumn> columns;
+  std::span<const BlockColumn> columns;
 };
 constexpr std::size_t kFirstColumnLine = 3;
 
-const Block kArrayBlock{"ARRAY INFORMATION",
-                        {
-                            {5, {"Name", "Name"}},
-                            {5, {"Size", "Size"}},
-                            {5, {"Free", "Free"}},
-                            {10, {"NumDisks", "Num Disks"}},
-                            {9, {"NumVols", "Num Vols"}},
-                            {12, {"WriteCache", "Write Cache"}},
-                        }};
+constexpr BlockColumn kArrayColumns[] = {
+    {5, {"Name", "Name", "name of the array"}},
+    {5, {"Size", "Size", "capacity of its drives together, with the unit"}},
+    {5, {"Free", "Free", "capacity that no volume uses, with the unit"}},
+    {10, {"NumDisks", "Num Disks", "how many drives it has"}},
+    {9, {"NumVols", "Num Vols", "how many volumes are on it"}},
+    {12, {"WriteCache", "Write Cache", "whether the drives' write cache is on"}},
+};
+constexpr Block kArrayBlock{"ARRAY INFORMATION", kArrayColumns};
 
-const Block kVolumeBlock{"VOLUME INFORMATION",
-                         {
-                             {5, {"Name", "Name"}},
-                             {11, {"RaidLevel", "Raid Level"}},
-                             {5, {"Size", "Size"}},
-                             {11, {"StripeSize", "StripeSize"}},
-                             {10, {"NumDisks", "Num Disks"}},
-                             {6, {"State", "State"}},
-                             {7, {"System", "System"}},
-                             {12, {"Initialized", "Initialized"}},
-                             {13, {"CachePolicy", "Cache Policy"}},
-                         }};
+constexpr BlockColumn kVolumeColumns[] = {
+    {5, {"Name", "Name", "name of the volume"}},
+    {11, {"RaidLevel", "Raid Level", "RAID level"}},
+    {5, {"Size", "Size", "capacity with its unit"}},
+    {11, {"StripeSize", "StripeSize", "data written to a drive at a time, with the unit"}},
+    {10, {"NumDisks", "Num Disks", "how many drives it is on"}},
+    {6, {"State", "State", "state of the volume, such as Normal or Degraded"}},
+    {7, {"System", "System", "whether Windows starts from it"}},
+    {12, {"Initialized", "Initialized", "whether its redundant data have been written"}},
+    {13, {"CachePolicy", "Cache Policy", "how writes are cached"}},
+};
+constexpr Block kVolumeBlock{"VOLUME INFORMATION", kVolumeColumns};
 
 LabelledFact ReadEndDeviceFact(std::string_view line) {
   LabelledFact fact = kEndDeviceFacts.FindIn(line);
-  if (fact && fact.source->label == "Type:") {
+  if (fact && fact.source->label == kTypeLabel) {
     const std::size_t diskType = line.find(kDiskType.label);
     if (diskType != std::string_view::npos) {
-      fact = {&kDiskType, TextFrom(line, diskType + kDiskType.valueAt)};
+      fact = {&kDiskType, GetTextFrom(line, diskType + kDiskType.valueAt)};
     }
   }
   return fact;
@@ -93,7 +99,7 @@ void AddEndDevices(TextFile* file, RowBuffer& row) {
   bool inSection = false;
   std::string_view line;
   for (LineReader lines(file); lines.Next(line);) {
-    inSection = inSection || Holds(line, "END DEVICE");
+    inSection = inSection || Contains(line, "END DEVICE");
     if (inSection) Fill(row, ReadEndDeviceFact(line));
   }
 }
@@ -102,14 +108,14 @@ void AddBlocks(TextFile* file, const Block& block, RowBuffer& row) {
   std::size_t lineInBlock = 0;  // From 1; 0 before the first block.
   std::string_view line;
   for (LineReader lines(file); lines.Next(line);) {
-    if (Holds(line, block.marker)) {
+    if (Contains(line, block.marker)) {
       lineInBlock = 1;
       continue;
     }
     if (lineInBlock == 0) continue;
     const std::size_t place = ++lineInBlock - kFirstColumnLine;
     if (place >= block.columns.size()) continue;
-    row.Set(block.columns[place].column, TextFrom(line, block.columns[place].valueAt));
+    row.Set(block.columns[place].column, GetTextFrom(line, block.columns[place].valueAt));
     if (place + 1 == block.columns.size()) row.Commit();
   }
 }
@@ -129,18 +135,22 @@ void CollectIntelDevices(const RaidLogsCollection& collection) {
   AddBlocks(file.get(), kVolumeBlock, volume);
 }
 
-TableSources DescribeIntelDevices() {
-  TableSource endDevices{kEndDeviceInfo, IntelReportCommands(), {}};
-  for (const Column& column : ColumnsOf(kEndDeviceFacts)) {
-    endDevices.columns.push_back(column);
-    if (column.key == "Type") endDevices.columns.push_back(kDiskType.column);
+void DescribeIntelDevices(ModuleDescription& module) {
+  TableDescription endDevices{.className = kEndDeviceInfo,
+                              .title = "Intel RST end devices",
+                              .commands = ListIntelCommands()};
+  for (const LabelledColumn& fact : kEndDeviceColumns) {
+    endDevices.AddColumn(fact.column);
+    if (fact.label == kTypeLabel) endDevices.AddColumn(kDiskType.column);
   }
-  const auto describe = [](const std::string& className, const Block& block) {
-    TableSource source{className, IntelReportCommands(), {}};
-    for (const BlockColumn& column : block.columns) source.columns.push_back(column.column);
-    return source;
+  module.tables.push_back(endDevices);
+  const auto describe = [&](const char* className, const char* title, const Block& block) {
+    TableDescription table{.className = className, .title = title, .commands = ListIntelCommands()};
+    for (const BlockColumn& column : block.columns) table.AddColumn(column.column);
+    module.tables.push_back(table);
   };
-  return {std::move(endDevices), describe(kArray, kArrayBlock), describe(kVolume, kVolumeBlock)};
+  describe(kArray, "Intel RST arrays", kArrayBlock);
+  describe(kVolume, "Intel RST volumes", kVolumeBlock);
 }
 
 }  // namespace pq

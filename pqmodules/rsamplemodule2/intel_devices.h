@@ -8,6 +8,6 @@ namespace pq {
 /// Adds the rows of "ENDDEVICEINFO", "ARRAY" and "VOLUME".
 void CollectIntelDevices(const RaidLogsCollection& collection);
 
-TableSources DescribeIntelDevices();
+void DescribeIntelDevices(ModuleDescription& module);
 
 }  // namespace pq

@@ -11,60 +11,60 @@
 #include "frame/row_buffer.h"
 #include "frame/tool_runner.h"
 #include "pqmodules/raid/reports.h"
+#include "pqmodules/rsamplemodule2/tables.h"
 
 namespace pq {
 namespace {
 
-/// N stands for the controller's number.
 struct LinkedReport {
-  std::string arguments;  ///< behind /cN
-  std::string fileTag;    ///< behind cN_; the file's name without its ".txt"
+  const char* arguments;  ///< after /cN, where N is the controller's number
+  const char* fileTag;    ///< after cN_; the file's name without its ".txt"
   const char* pathMessage;
   const char* openFailure;
   const char* contentMessage;  ///< before the whole text in the log; null: it is not logged
   Column column;
 };
 
-const std::array<LinkedReport, 4> kReports{{
+constexpr std::array<LinkedReport, 4> kReports{{
     {" show",
      "showall",
      "Lsi show all log path: ",
      "Failed to open file!",
      "Lsi show all log content: ",
-     {"lsishowall", "LSI Info Link"}},
+     {"lsishowall", "LSI Info Link", "summary of the controller, whole"}},
     {" show events",
      "raidevents",
      "Lsi show event log path: ",
      "Failed to open event log file!",
      nullptr,
-     {"lsieventlog", "LSI Event Log Link"}},
+     {"lsieventlog", "LSI Event Log Link", "event log of the controller, whole"}},
     {" show termlog",
      "fwtermlog",
      "Lsi show FWterm log path: ",
      "Failed to open FWterm log file!",
      nullptr,
-     {"lsifwtermlog", "LSI FWTerm Log Link"}},
+     {"lsifwtermlog", "LSI FWTerm Log Link", "terminal log of the firmware, whole"}},
     {"/eall/sall show all",
      "pdlist",
      "Lsi show pdlist log path: ",
      "Failed to open pdlist log file!",
      nullptr,
-     {"pdlist", "LSI PDList Link"}},
+     {"pdlist", "LSI PDList Link", "details of all drives of the controller, whole"}},
 }};
 
-const Column kIndex{"index", "Index"};
+constexpr Column kIndex{"index", "Index", "which controller, counted from Controller0"};
 
-std::string FileTag(const LinkedReport& report, const std::string& number) {
+std::string MakeFileTag(const LinkedReport& report, const std::string& number) {
   return "c" + number + "_" + report.fileTag;
 }
 
 /// The report's whole text; null after a failure, which is logged.
 std::unique_ptr<char[]> ReadReport(const RaidLogsCollection& collection, const LinkedReport& report,
                                    const std::string& number) {
-  const std::string path = GetLogFolder() + FileTag(report, number) + ".txt";
+  const std::string path = GetLogFolder() + MakeFileTag(report, number) + ".txt";
   collection.log(kDetail, report.pathMessage, path);
   const std::string command =
-      ReportCommand(collection.hostFolder + kStorcli, "/c" + number + report.arguments, path);
+      BuildReportCommand(collection.hostFolder + kStorcli, "/c" + number + report.arguments, path);
   if (!RunLogged(collection.log, command)) return nullptr;
   const auto file = Machine().OpenText(path);  // Opened by the path as it is.
   if (!file) {
@@ -89,21 +89,25 @@ void CollectLogLinks(const RaidLogsCollection& collection, int controller) {
     if (!texts[i]) return;
   }
   RInstance row(kLsiLink, "LSI Controller info link", kInstanceNumber);
-  row.AddProperty(kIndex.key, kIndex.label, "Controller" + number, kPropertyFlag);
+  row.AddProperty(std::string(kIndex.key), std::string(kIndex.label), "Controller" + number,
+                  kPropertyFlag);
   for (std::size_t i = 0; i < kReports.size(); ++i) {
-    const Column& column = kReports[i].column;
-    AddAttachment(row, column.key, column.label, std::move(texts[i]), FileTag(kReports[i], number));
+    AddAttachment(row, kReports[i].column, std::move(texts[i]), MakeFileTag(kReports[i], number));
   }
   row.AddToRepository(collection.repo);
 }
 
-TableSource DescribeLogLinks() {
-  TableSource source{kLsiLink, {}, {kIndex}};
+void DescribeLogLinks(ModuleDescription& module) {
+  TableDescription table{.className = kLsiLink, .title = "LSI controller reports, raw"};
+  table.AddColumn(kIndex);
   for (const LinkedReport& report : kReports) {
-    source.commands.push_back({kStorcli, "/c0" + report.arguments, FileTag(report, "0") + ".txt"});
-    source.columns.push_back(report.column);
+    table.commands.push_back(
+        {kStorcli, std::string("/c0") + report.arguments, MakeFileTag(report, "0") + ".txt"});
+    table.AddColumn(report.column);
+    module.AddFailures(StepFailure::kOutputNotOpened, {report.openFailure});
   }
-  return source;
+  module.tables.push_back(table);
+  module.versionLines.push_back({"storcli", kLsiLink, kStorcliVersion});
 }
 
 }  // namespace pq

@@ -8,6 +8,6 @@ namespace pq {
 /// Adds the row of "LSILINK" for `controller`, unless one of the reports is missing.
 void CollectLogLinks(const RaidLogsCollection& collection, int controller);
 
-TableSource DescribeLogLinks();
+void DescribeLogLinks(ModuleDescription& module);
 
 }  // namespace pq

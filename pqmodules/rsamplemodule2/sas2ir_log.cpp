@@ -10,6 +10,7 @@
 #include "frame/labelled_columns.h"
 #include "frame/report_file.h"
 #include "frame/tool_runner.h"
+#include "pqmodules/rsamplemodule2/tables.h"
 
 namespace pq {
 namespace {
@@ -20,22 +21,33 @@ constexpr char kUploadedLog[] = "logir.log";
 constexpr char kDecoder[] = "\\pq_tools\\SAS2IR_windows_x64.exe";
 constexpr char kDecodedName[] = "ir.txt";
 
-// Only the time skips the blank behind its label; all other values keep it.
-const LabelledColumns kFacts{
-    {"Time:", 6, {"Time", "Time"}},
-    {"LogSequence:", 12, {"LogSequence", "LogSequence"}},
-    {"LogEntryQualifier:", 18, {"LogEntryQualifier", "LogEntryQualifier"}},
-    {"LogEntryDescription:", 20, {"LogEntryDescription", "LogEntryDescription"}},
-    {"LogEntryValue:", 14, {"LogEntryValue", "LogEntryValue"}},
-    {"vf_id:", 6, {"vfid", "vf_id"}},
-    {"vp_id:", 6, {"vpid", "vp_id"}},
-    {"LogCode:", 8, {"LogCode", "LogCode"}},
-    {"LogDataDescription:", 19, {"LogDataDescription", "LogDataDescription"}},
-    {"LogDataValue:", 13, {"LogDataValue", "LogDataValue"}},
-    {"LogClass:", 9, {"LogClass", "LogClass"}},
-    {"ArgumentType:", 13, {"ArgumentType", "ArgumentType"}},
-    {"Locale:", 7, {"Locale", "Locale"}, true},
+// Only the time skips the blank after its label; all other values keep it.
+constexpr LabelledColumn kFactColumns[] = {
+    {"Time:", 6, {"Time", "Time", "when it happened, since the adapter started"}},
+    {"LogSequence:", 12, {"LogSequence", "LogSequence", "number of the entry"}},
+    {"LogEntryQualifier:",
+     18,
+     {"LogEntryQualifier", "LogEntryQualifier", "what kind of entry it is, as a number"}},
+    {"LogEntryDescription:",
+     20,
+     {"LogEntryDescription", "LogEntryDescription", "that kind in words"}},
+    {"LogEntryValue:", 14, {"LogEntryValue", "LogEntryValue", "value that the entry carries"}},
+    {"vf_id:", 6, {"vfid", "vf_id", "virtual function concerned, as a number"}},
+    {"vp_id:", 6, {"vpid", "vp_id", "virtual port concerned, as a number"}},
+    {"LogCode:", 8, {"LogCode", "LogCode", "what the firmware reports, in hexadecimal"}},
+    {"LogDataDescription:",
+     19,
+     {"LogDataDescription", "LogDataDescription", "what the data of the entry are"}},
+    {"LogDataValue:", 13, {"LogDataValue", "LogDataValue", "data of the entry"}},
+    {"LogClass:", 9, {"LogClass", "LogClass", "how grave it is"}},
+    {"ArgumentType:",
+     13,
+     {"ArgumentType", "ArgumentType", "what the entry is about, such as a drive"}},
+    {"Locale:", 7, {"Locale", "Locale", "part of the adapter concerned, as bits"}, true},
 };
+const LabelledColumns kFacts(kFactColumns);
+
+constexpr char kNoLog[] = "Failed to open ir log file";
 
 /// Leaves logir.log in the host's working folder; when that is read-only, there is nothing to
 /// decode and nobody to tell.
@@ -48,11 +60,12 @@ void UploadLog(const RaidLogsCollection& collection) {
 
 std::unique_ptr<TextFile> DecodeLog(const RaidLogsCollection& collection) {
   const std::string path = GetLogFolder() + kDecodedName;
-  const std::string command = ReportCommand(collection.hostFolder + kDecoder, kUploadedLog, path);
+  const std::string command =
+      BuildReportCommand(collection.hostFolder + kDecoder, kUploadedLog, path);
   collection.log(kProgress, "irlog2 raw path:", command);
   if (!RunLogged(collection.log, command)) return nullptr;
   collection.log(kProgress, "3irlog raw path:", DoubleBackslashes(path));
-  return OpenReport(collection.log, path, "Failed to open ir log file");
+  return OpenReport(collection.log, path, kNoLog);
 }
 
 }  // namespace
@@ -66,10 +79,14 @@ void CollectSas2IrLog(const RaidLogsCollection& collection) {
   for (LineReader lines(file.get()); lines.Next(line);) Fill(row, kFacts.FindIn(line));
 }
 
-TableSource DescribeSas2IrLog() {
-  return {kSas2IrLog,
-          {{kUploadTool, kUploadArguments, {}}, {kDecoder, kUploadedLog, kDecodedName}},
-          ColumnsOf(kFacts)};
+void DescribeSas2IrLog(ModuleDescription& module) {
+  TableDescription table{
+      .className = kSas2IrLog,
+      .title = "LSI SAS2 controller log",
+      .commands = {{kUploadTool, kUploadArguments, {}}, {kDecoder, kUploadedLog, kDecodedName}}};
+  for (const LabelledColumn& fact : kFactColumns) table.AddColumn(fact.column);
+  module.tables.push_back(table);
+  module.AddFailures(StepFailure::kOutputNotOpened, {kNoLog});
 }
 
 }  // namespace pq

@@ -8,6 +8,6 @@ namespace pq {
 /// Adds the rows of "SAS2IRLOG".
 void CollectSas2IrLog(const RaidLogsCollection& collection);
 
-TableSource DescribeSas2IrLog();
+void DescribeSas2IrLog(ModuleDescription& module);
 
 }  // namespace pq

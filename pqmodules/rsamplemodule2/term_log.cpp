@@ -13,18 +13,20 @@
 #include "frame/label_table.h"
 #include "frame/row_buffer.h"
 #include "frame/tool_runner.h"
+#include "pqmodules/raid/reports.h"
+#include "pqmodules/rsamplemodule2/tables.h"
 
 namespace pq {
 namespace {
 
 constexpr StorcliReport kReport{"/c0 show termlog", "fwtermlog.txt", nullptr};
 constexpr std::string_view kMarker = "Firmware Term Log Information";
-const Column kLine{"FWTERMLOG", "FW termlog"};
+constexpr Column kLine{"FWTERMLOG", "FW termlog", "one line of the log, as the tool prints it"};
 
-bool HoldsMarker(TextFile* file) {
+bool ContainsMarker(TextFile* file) {
   std::string_view line;
   for (LineReader lines(file); lines.Next(line);) {
-    if (Holds(line, kMarker)) return true;
+    if (Contains(line, kMarker)) return true;
   }
   return false;
 }
@@ -35,7 +37,7 @@ void CollectTermLog(const RaidLogsCollection& collection) {
   const auto file = RunStorcli(collection, kReport);
   if (!file) return;
   RowBuffer row(collection.repo, kFwTermLog, "Controller 0 FW Term Log");
-  if (!HoldsMarker(file.get())) return;
+  if (!ContainsMarker(file.get())) return;
   file->Rewind();
   std::string_view line;
   for (LineReader lines(file.get()); lines.Next(line);) {
@@ -44,6 +46,13 @@ void CollectTermLog(const RaidLogsCollection& collection) {
   }
 }
 
-TableSource DescribeTermLog() { return {kFwTermLog, {CommandOf(kReport)}, {kLine}}; }
+void DescribeTermLog(ModuleDescription& module) {
+  TableDescription table{.className = kFwTermLog,
+                         .title = "LSI firmware term log",
+                         .commands = {DescribeReport(kReport)}};
+  table.AddColumn(kLine);
+  module.tables.push_back(table);
+  module.versionLines.push_back({"storcli", kFwTermLog, kStorcliVersion});
+}
 
 }  // namespace pq

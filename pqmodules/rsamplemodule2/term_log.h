@@ -8,6 +8,6 @@ namespace pq {
 /// Adds the rows of "FWTERMLOG".
 void CollectTermLog(const RaidLogsCollection& collection);
 
-TableSource DescribeTermLog();
+void DescribeTermLog(ModuleDescription& module);
 
 }  // namespace pq

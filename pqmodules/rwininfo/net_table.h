@@ -1,4 +1,4 @@
-// Finding the rows in what `arp -a` and `netstat` print:
+// The ARP and the connection table, and finding their rows in what `arp -a` and `netstat` print:
 //
 //   Interface: 10.0.0.7 --- 0x5
 //     Internet Address      Physical Address      Type
@@ -13,6 +13,9 @@
 #include <string_view>
 #include <vector>
 
+#include "frame/description.h"
+#include "pqmodules/rwininfo/collection.h"
+
 namespace pq {
 
 /// Line ends are looked for in this many characters of an output.
@@ -24,12 +27,12 @@ inline constexpr std::size_t kArpLineLimit = 128;
 inline constexpr std::size_t kArpTitleLength = 52;
 /// With fewer line ends an ARP output holds no rows.
 inline constexpr std::size_t kArpMinLineEnds = 4;
-/// The rows of a connection output begin behind the fourth line end; with fewer than five line ends
+/// The rows of a connection output begin after the fourth line end; with fewer than five line ends
 /// there are none.
 inline constexpr std::size_t kConnectionHeadLineEnds = 4;
 inline constexpr std::size_t kConnectionMinLineEnds = 5;
 
-/// What stands between two line ends and what is kept of it.
+/// The lines of an ARP output, and what is kept of them.
 struct ArpScan {
   std::vector<std::string_view> lines;  ///< each with its line end, cut at kArpLineLimit
   std::string rows;                     ///< the lines longer than kArpTitleLength, joined
@@ -42,5 +45,15 @@ ArpScan ScanArpLines(std::string_view text);
 /// Position of the fourth line end of the connection output `text` (without NUL), where the rows
 /// start; none when there is no fifth.
 std::optional<std::size_t> FindConnectionRows(std::string_view text);
+
+inline constexpr unsigned kArpMode = 1;
+inline constexpr unsigned kConnectionMode = 2;
+
+/// Runs `arp -a` (kArpMode) or `netstat` (kConnectionMode) on a US English system and adds the rows
+/// of "ARPINFO" or "NETSTATINFO", one instance per printed row. Returns 1 when the tool could not
+/// be run, otherwise 0, also without any row.
+int CollectNetTable(const WindowsCollection& collection, unsigned mode);
+
+void DescribeNetTables(ModuleDescription& module);
 
 }  // namespace pq

@@ -208,7 +208,7 @@ TEST(TableStatus, BlamesNoToolThatServesOtherTables) {
   EXPECT_EQ(watched.tracker.StatusOf("sampleModule2", "LSILINK", 0).outcome, "not reached");
 }
 
-TEST(TableSources, DescribeEveryRegisteredTable) {
+TEST(ModuleDescriptions, DescribeEveryRegisteredTable) {
   std::vector<boost::shared_ptr<halyard::repository::RModule>> modules;
   AddModules(modules);
   std::set<std::string> registered;
@@ -217,7 +217,9 @@ TEST(TableSources, DescribeEveryRegisteredTable) {
     for (const auto& [name, handlers] : module->Tables()) registered.insert(name);
   }
   std::set<std::string> described;
-  for (const pq::TableSource& source : host::AllTableSources()) described.insert(source.className);
+  for (const pq::ModuleDescription& module : host::GetModuleDescriptions()) {
+    for (const pq::TableDescription& table : module.tables) described.insert(table.className);
+  }
   EXPECT_EQ(described, registered);
 }
 

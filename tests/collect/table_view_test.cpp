@@ -1,10 +1,11 @@
+#include "host/collect/table_view.h"
+
 #include <gtest/gtest.h>
 
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "host/collect/table_view.h"
 #include "tests/support/made_collection.h"
 
 namespace host {

@@ -1,9 +1,9 @@
+#include "host/formats/column_widths.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
-
-#include "host/formats/column_widths.h"
 
 namespace host {
 namespace {

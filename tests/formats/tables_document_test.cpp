@@ -18,7 +18,8 @@ TEST(TablesDocument, IsTheOneInDocs) {
 }
 
 constexpr char kFolder[] = "C:\\Halyard";
-const host::DryFacts kFacts{std::string(kFolder) + "\\halyard.exe", "C:\\Halyard\\logs\\", 1033};
+const host::DryFacts kFacts{std::string(kFolder) + "\\halyard.exe", "C:\\Halyard\\logs\\",
+                            pq::kUsEnglish};
 
 std::vector<std::string> CommandLines(const host::DryFacts& facts, const std::string& module) {
   std::vector<std::string> lines;

@@ -134,11 +134,11 @@ TEST(LabelTable, AnswersAsOneSearchPerLabelDoesWithManyLabels) {
   }
 }
 
-TEST(TextFrom, IsEmptyBehindTheEndOfTheLine) {
-  EXPECT_STREQ(pq::TextFrom("Driver\n", 7), "");
-  EXPECT_STREQ(pq::TextFrom("Driver\n", 45), "");
+TEST(GetTextFrom, IsEmptyBehindTheEndOfTheLine) {
+  EXPECT_STREQ(pq::GetTextFrom("Driver\n", 7), "");
+  EXPECT_STREQ(pq::GetTextFrom("Driver\n", 45), "");
 }
 
-TEST(TextFrom, IsTheRestOfTheLine) { EXPECT_STREQ(pq::TextFrom("ID: 0-1\n", 3), " 0-1\n"); }
+TEST(GetTextFrom, IsTheRestOfTheLine) { EXPECT_STREQ(pq::GetTextFrom("ID: 0-1\n", 3), " 0-1\n"); }
 
 }  // namespace

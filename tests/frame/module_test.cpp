@@ -8,6 +8,9 @@
 #include <vector>
 
 #include "frame/add_modules.h"
+#include "frame/bound/machine_in_use.h"
+#include "frame/bound/machine_in_use.h"
+#include "frame/report_file.h"
 #include "host/logger/logger.h"
 #include "host/recorded/recorded_machine.h"
 #include "host/recorded/recording.h"
@@ -64,6 +67,33 @@ TEST(ModuleLog, CarriesTheSourceLineOfTheCall) {
   const LogKept log;
   kLog(kProgress, "first");
   kLog(kProgress, "second");
+  EXPECT_EQ(log.sourceLines[1], log.sourceLines[0] + 1);
+}
+
+/// A piece of code that modules share.
+void LogForCaller(CallerLog log) { log(kDetail, "shared"); }
+
+TEST(CallerLog, CarriesTheSourceLineOfTheModulesCall) {
+  const LogKept log;
+  kLog(kProgress, "own");
+  LogForCaller(kLog);
+  EXPECT_EQ(log.sourceLines[1], log.sourceLines[0] + 1);
+  EXPECT_EQ(log.lines[1], "4 pqmodules/example [repo] shared");
+}
+
+TEST(RunLogged, LogsAFailedStartWithTheSourceLineOfTheCall) {
+  host::Recording recording;
+  host::RecordedCommand& route = recording.commands.emplace_back();
+  route.tool = "route";
+  route.arguments = "print";
+  route.startError = 5;
+  host::RecordedMachine machine(recording, nullptr);
+  const pq::MachineInUse inUse(machine);
+  const LogKept log;
+  kLog(kProgress, "own");
+  RunLogged(kLog, "/c route print");
+  ASSERT_EQ(log.lines.size(), 2u);
+  EXPECT_EQ(log.lines[1], "4 pqmodules/example [repo] CreateProcess failed (5)");
   EXPECT_EQ(log.sourceLines[1], log.sourceLines[0] + 1);
 }
 

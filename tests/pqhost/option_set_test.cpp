@@ -1,3 +1,5 @@
+#include "host/pqhost/commands/option_set.h"
+
 #include <gmock/gmock.h>
 
 #include <CLI/CLI.hpp>
@@ -6,7 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "host/pqhost/commands/option_set.h"
 #include "host/text/usage_error.h"
 
 namespace host {

@@ -1,10 +1,11 @@
+#include "host/program/result_output.h"
+
 #include <gmock/gmock.h>
 
 #include <sstream>
 #include <stdexcept>
 #include <string>
 
-#include "host/program/result_output.h"
 #include "host/text/usage_error.h"
 #include "tests/support/temporary_folder.h"
 

@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "frame/logkit/log.h"
+#include "host/recording/recording_reader.h"
 #include "host/text/usage_error.h"
 
 namespace test {
@@ -76,6 +77,21 @@ TEST(Collected, EnumeratesEveryTableWithoutNames) {
 TEST(Collected, GivesTheSameTraceTwice) {
   EXPECT_EQ(Collect(ArpRecording(), "Windows_Related_Info").trace,
             Collect(ArpRecording(), "Windows_Related_Info").trace);
+}
+
+TEST(Collected, SeesNothingOfACollectionBefore) {
+  const auto load = [](const char* sample) {
+    return host::LoadRecording(SamplesFolder() + "/" + sample);
+  };
+  const host::Recording server = load("two-socket-server");
+  for (const char* module :
+       {"sampleModule1", "sampleModule2", "BMC_Info", "AMT_Info", "Windows_Related_Info"}) {
+    const std::string alone = Collect(server, module).trace;
+    for (const char* sample : {"hostile", "vroc", "blade", "amt-desktop"}) {
+      Collect(load(sample), module);
+      EXPECT_EQ(Collect(server, module).trace, alone) << module << " after " << sample;
+    }
+  }
 }
 
 TEST(Collected, ListensToNothingAfterwards) {

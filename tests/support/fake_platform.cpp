@@ -40,7 +40,7 @@ FakePlatform::~FakePlatform() {
 }
 
 std::string FakePlatform::HostExecutable() { return hostExecutable; }
-std::uint32_t FakePlatform::SystemLanguage() { return 1033; }
+std::uint32_t FakePlatform::SystemLanguage() { return pq::kUsEnglish; }
 bool FakePlatform::PathExists(const std::string& /*path*/) { return false; }
 
 pq::Acquired<pq::Pipe> FakePlatform::CreatePipe(const std::string& /*commandLine*/) {

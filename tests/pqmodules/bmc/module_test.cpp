@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -257,6 +258,26 @@ TEST(BmcDetection, ReportsACommandThatDoesNotFit) {
   ASSERT_GE(log.texts.size(), 2u);
   EXPECT_EQ(log.texts.end()[-2], "4 [repo] CreateProcess failed (206)");
   EXPECT_EQ(log.texts.end()[-1], "3 [repo] Exit EnumBMCInstances");
+}
+
+TEST(BmcModule, KeepsTheHostFolderOfItsOwnThread) {
+  FakePlatform machine;
+  machine.hostExecutable = "C:\\First\\halyard.exe";
+  const pq::MachineInUse inUse(machine);
+  pq::RRepository repository;
+  pq::RBMCInfo module;
+  module.EnumBMCInstances(repository);
+  std::thread([] {
+    FakePlatform other;
+    other.hostExecutable = "C:\\Second\\halyard.exe";
+    const pq::MachineInUse otherInUse(other);
+    pq::RRepository otherRepository;
+    pq::RBMCInfo().EnumBMCInstances(otherRepository);
+  }).join();
+  machine.calls.clear();
+  module.DumpSelHex();
+  ASSERT_FALSE(machine.calls.empty());
+  EXPECT_THAT(machine.calls.front(), HasSubstr("C:\\First\\pq_tools\\"));
 }
 
 using Step = int (*)(pq::RBMCInfo&, pq::RRepository&);

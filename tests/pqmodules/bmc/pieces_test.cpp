@@ -170,8 +170,8 @@ TEST(KeyFamilies, AreNumberedFromOneToTheirCount) {
   std::vector<std::string> ends;
   for (const KeyFamily& family :
        {kMcKeys, kSelfKeys, kVerKeys, kLanKeys, kPsuKeys, kLedKeys, kFruKeys}) {
-    ends.push_back(family.KeyAt(0));
-    ends.push_back(family.KeyAt(family.count - 1));
+    ends.push_back(family.MakeKey(0));
+    ends.push_back(family.MakeKey(family.count - 1));
   }
   EXPECT_THAT(ends, ElementsAre("MC1", "MC12", "self1", "self2", "VER1", "VER16", "LAN1", "LAN12",
                                 "PSU1", "PSU26", "LED1", "LED16", "FRU1", "FRU160"));

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "frame/bound/machine_in_use.h"
+#include "frame/tool_runner.h"
 #include "host/recorded/recorded_machine.h"
 #include "tests/support/collected.h"
 #include "tests/support/fake_platform.h"
@@ -14,6 +15,8 @@
 #include "tests/support/raid_tools.h"
 
 namespace {
+
+constexpr pq::ModuleLog kLog{"pqmodules/rsamplemodule1"};
 
 using test::Collected;
 using test::RaidTools;
@@ -47,7 +50,7 @@ std::vector<std::string> FactsIn(const std::vector<std::string>& lines) {
   for (const std::string& line : lines) {
     const auto fact = scan.Take(line);
     if (!fact) continue;
-    facts.push_back(fact->column->key + "=" + std::string(fact->value) +
+    facts.push_back(std::string(fact->column->key) + "=" + std::string(fact->value) +
                     (fact->endsRow ? " |" : ""));
   }
   return facts;
@@ -211,7 +214,7 @@ TEST(IntelController, SaysWhenTheReportCannotBeOpened) {
   const pq::MachineInUse inUse(machine);
   const test::LogLines log;
   halyard::repository::RRepository repository;
-  pq::CollectIntelController(repository);
+  pq::CollectIntelController({repository, kLog, pq::GetExeFolder()});
   EXPECT_THAT(log.texts, ElementsAre(StartsWith("3 [repo] rstcli raw path:"),
                                      "4 [repo] rstcli64 -I command error level: 0",
                                      "4 [repo] Failed to open raid log file"));

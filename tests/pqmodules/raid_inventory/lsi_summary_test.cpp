@@ -31,8 +31,8 @@ std::vector<std::vector<std::string>> RowsOf(const std::string& summary) {
 
 /// "key=value" of the fact in one line; empty when there is none.
 std::string FactIn(const std::string& line) {
-  const pq::LabelledFact fact = pq::LsiSummaryFacts().FindIn(line);
-  return fact ? fact.source->column.key + "=" + std::string(fact.value) : "";
+  const pq::LabelledFact fact = pq::GetLsiSummaryFacts().FindIn(line);
+  return fact ? std::string(fact.source->column.key) + "=" + std::string(fact.value) : "";
 }
 
 TEST(LsiSummary, KeepsTheBlankAndTheLineEndOfAValue) {

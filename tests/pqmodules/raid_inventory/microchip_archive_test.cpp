@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "frame/bound/machine_in_use.h"
+#include "frame/tool_runner.h"
 #include "host/recorded/recorded_machine.h"
 #include "tests/support/collected.h"
 #include "tests/support/fake_platform.h"
@@ -15,6 +16,8 @@
 #include "tests/support/refused_allocation.h"
 
 namespace {
+
+constexpr pq::ModuleLog kLog{"pqmodules/rsamplemodule1"};
 
 using test::Collected;
 using test::RaidTools;
@@ -55,7 +58,7 @@ std::string Line(const std::string& label, const std::string& value) {
 /// "key=value" of the fact in one line; empty when there is none.
 std::string FactIn(const std::string& line) {
   const pq::LabelledFact fact = pq::ReadMicrochipConfigFact(line);
-  return fact ? fact.source->column.key + "=" + std::string(fact.value) : "";
+  return fact ? std::string(fact.source->column.key) + "=" + std::string(fact.value) : "";
 }
 
 TEST(MicrochipConfig, FindsEveryLabel) {
@@ -286,7 +289,7 @@ TEST(MicrochipArchive, SaysWhenTheConfigurationReportIsGone) {
   const pq::MachineInUse inUse(machine);
   const test::LogLines log;
   halyard::repository::RRepository repository;
-  pq::CollectMicrochipArchive(repository);
+  pq::CollectMicrochipArchive({repository, kLog, pq::GetExeFolder()});
   EXPECT_THAT(log.texts, Contains("4 [repo] Failed to open Controller_1_Config.txt file!"));
   EXPECT_THAT(log.texts, SizeIs(5));
 }
@@ -334,7 +337,8 @@ TEST(MicrochipArchive, EndsTheProcessWhenTheHostsFolderFillsTheCommand) {
   const pq::MachineInUse inUse(machine);
   machine.hostExecutable = "C:\\" + std::string(505, 'h') + "\\halyard.exe";
   halyard::repository::RRepository repository;
-  EXPECT_THROW(pq::CollectMicrochipArchive(repository), test::RangeCheckFailed);
+  EXPECT_THROW(pq::CollectMicrochipArchive({repository, kLog, pq::GetExeFolder()}),
+               test::RangeCheckFailed);
 }
 
 TEST(MicrochipArchive, StartsNothingWhenTheCommandDoesNotFit) {
@@ -343,7 +347,7 @@ TEST(MicrochipArchive, StartsNothingWhenTheCommandDoesNotFit) {
   const test::LogLines log;
   machine.hostExecutable = "C:\\" + std::string(504, 'h') + "\\halyard.exe";
   halyard::repository::RRepository repository;
-  pq::CollectMicrochipArchive(repository);
+  pq::CollectMicrochipArchive({repository, kLog, pq::GetExeFolder()});
   EXPECT_THAT(log.texts, ElementsAre("4 [repo] CreateProcess failed (206)"));
 }
 

@@ -224,7 +224,7 @@ TEST(RWINInfo, LogsTheFolderOfTheHost) {
 
 /// A machine on which the tool `tool` (with `arguments`) cannot be started.
 Recording StartFails(const std::string& tool, const std::string& arguments,
-                     std::uint32_t languageId = 1033) {
+                     std::uint32_t languageId = pq::kUsEnglish) {
   Recording recording;
   recording.languageId = languageId;
   recording.commands = {Tool(tool, arguments, "")};

@@ -1,0 +1,115 @@
+// What a module tells of itself: its tables with their columns and tools, and what the sentences of
+// its log mean. The documentation of the tables is made of it, and so is a host's answer to the
+// question why a table is empty.
+//
+// A module builds its description from the constants that its collectors work with and log.
+#pragma once
+
+#include <initializer_list>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "frame/row_buffer.h"
+
+namespace pq {
+
+/// A tool that a collector runs for a table.
+struct ToolCommand {
+  /// Below the host's folder, such as "\pq_tools\ipmiutilnh.exe", or a command of Windows.
+  std::string program;
+  std::string arguments;
+  std::string file;  ///< that it leaves in the log folder; empty when it is read through a pipe
+  /// The operator gives the arguments; `arguments` only names them.
+  bool argumentsFromOperator = false;
+};
+
+/// The command in a collector's text for the command line, which follows the host's folder: the
+/// program up to its closing quote, then the arguments up to a pipe or a redirection.
+ToolCommand ParseToolCommand(std::string_view text, std::string file = {});
+
+struct ColumnDescription {
+  std::string key;
+  std::string label;  ///< empty where the tool itself gives it
+  std::string text;   ///< what the column holds, in words for a newcomer
+
+  bool operator==(const ColumnDescription&) const = default;
+};
+
+struct TableDescription {
+  std::string className;
+  std::string title;
+  /// In the order in which they run; none for fixed rows.
+  std::vector<ToolCommand> commands = {};
+  /// Properties of a row in their order.
+  std::vector<ColumnDescription> columns = {};
+  /// Why the table never has rows; empty for tables that something fills.
+  std::string whyAlwaysEmpty = {};
+  /// The table is made on US English systems only.
+  bool needsUsEnglish = false;
+
+  void AddColumn(const Column& column);
+  void AddColumns(std::span<const Column> more);
+};
+
+/// What went wrong in a step, as a sentence of the log tells.
+enum class StepFailure {
+  kBeforeTool,       ///< the step ended before it started its tool
+  kToolNotRun,       ///< the tool started last did not start, or how it ended is not known
+  kOutputNotOpened,  ///< what the tool started last was to leave cannot be opened
+  kOutputNotRead,    ///< nor can it be read
+  /// As kOutputNotOpened, of a tool that leaves its output only where there is something to report
+  /// on: nothing failed.
+  kNothingToReport,
+};
+
+struct FailureSentence {
+  std::string sentence;  ///< up to the value that follows it, if any
+  StepFailure failure;
+};
+
+/// A sentence of the log that explains why tables have no rows.
+struct Explanation {
+  std::string sentence;  ///< up to the value that follows it, if any
+  std::string outcome;   ///< "no such device" and the like, as a host lists outcomes
+  std::string text;      ///< for people
+  /// Classes of the tables concerned; none: all of the module.
+  std::vector<std::string> tables = {};
+  /// The value after the sentence with which it explains nothing; without one, no value follows.
+  std::string usualValue = {};
+};
+
+/// A program whose exit code says whether a device is present. When the program is missing, the
+/// interpreter's own exit code looks like an answer.
+struct PresenceTest {
+  std::string commandEnd;   ///< how its command line ends
+  std::string whenMissing;  ///< what is not known then, for people
+};
+
+/// How a tool introduces its version in the texts of a table.
+struct VersionLine {
+  std::string tool;
+  std::string className;
+  std::string label;
+};
+
+struct ModuleDescription {
+  std::string name;  ///< as the module calls itself
+  std::vector<TableDescription> tables = {};
+  std::vector<FailureSentence> failures = {};
+  std::vector<Explanation> explanations = {};
+  std::vector<PresenceTest> presenceTests = {};
+  std::vector<VersionLine> versionLines = {};
+  /// What the error texts of the tools begin with that are read through a pipe; may be empty.
+  std::string toolErrorText = {};
+
+  void AddFailures(StepFailure failure, std::initializer_list<const char*> sentences);
+  /// The pipe for the tool of table `className` could not be created, which is `sentence`.
+  void AddPipeFailure(const char* sentence, const char* className);
+};
+
+/// All modules of the library, in the order in which the host gets them. The modules define it.
+std::vector<ModuleDescription> DescribeModules();
+
+}  // namespace pq

@@ -1,0 +1,17 @@
+// What the collectors of the AMT module share.
+#pragma once
+
+#include <string>
+
+#include "frame/module.h"
+
+namespace pq {
+
+/// One run of the module.
+struct AmtCollection {
+  RRepository& repo;
+  const ModuleLog& log;
+  std::string hostFolder;  ///< the tools are in a folder below
+};
+
+}  // namespace pq

@@ -1,0 +1,16 @@
+// Whether the machine has Intel AMT.
+#pragma once
+
+#include <string>
+
+#include "frame/description.h"
+#include "frame/module.h"
+
+namespace pq {
+
+/// What the detection tool below `hostFolder` says; false also when it cannot be started.
+bool DetectAmt(const ModuleLog& log, const std::string& hostFolder);
+
+void DescribeAmtDetection(ModuleDescription& module);
+
+}  // namespace pq

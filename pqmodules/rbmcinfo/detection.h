@@ -1,0 +1,31 @@
+// Which BMC the machine has.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "frame/description.h"
+#include "frame/module.h"
+
+namespace pq {
+
+/// The platform families, as the detection tool's exit codes name them.
+enum class BmcFamily : std::uint32_t {
+  kNoBmc = 4,
+  kGrantley = 5,
+  kMarl = 7,
+  kZk140 = 9,
+  kIvyBridge = 11,
+  kDetectionFailed = 255,
+};
+
+/// What the detection tool below `hostFolder` says; kDetectionFailed also when it cannot be
+/// started.
+BmcFamily DetectBmc(const ModuleLog& log, const std::string& hostFolder);
+
+/// What the log says when `family` is detected.
+const char* GetDetectionMessage(BmcFamily family);
+
+void DescribeDetection(ModuleDescription& module);
+
+}  // namespace pq

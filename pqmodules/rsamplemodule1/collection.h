@@ -1,0 +1,17 @@
+// What the collectors of the RAID inventory share.
+#pragma once
+
+#include <string>
+
+#include "frame/module.h"
+
+namespace pq {
+
+/// One run of the module.
+struct RaidInventoryCollection {
+  RRepository& repo;
+  const ModuleLog& log;
+  std::string hostFolder;  ///< the tools are in folders below
+};
+
+}  // namespace pq
