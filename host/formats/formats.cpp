@@ -3,7 +3,7 @@
 namespace host {
 
 const std::vector<Format>& Formats() {
-  static const std::vector<Format> formats = {
+  static const std::vector<Format> kFormats = {
       {"table", "aligned tables for people", WriteTables},
       {"json", "one JSON object with machine, modules and tables", WriteJson},
       {"ndjson", "one JSON object per row, each in a line", WriteJsonLines},
@@ -12,7 +12,7 @@ const std::vector<Format>& Formats() {
       {"sqlite", "an SQLite database, to query", WriteSqlite, true, true},
       {"none", "no results; for a trace or log files alone", WriteNothing},
   };
-  return formats;
+  return kFormats;
 }
 
 const Format* FindFormat(const std::string& name) {

@@ -25,7 +25,7 @@
 #include "tests/support/fake_platform.h"
 #include "tests/support/fault_table.h"
 #include "tests/support/log_lines.h"
-#include "tests/support/made_collection.h"
+#include "tests/support/program/made_collection.h"
 #include "tests/support/raid_tools.h"
 #include "tests/support/refused_allocation.h"
 

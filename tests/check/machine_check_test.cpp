@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "host/text/usage_error.h"
-#include "tests/support/host_run.h"
+#include "tests/support/program/host_run.h"
 
 namespace {
 

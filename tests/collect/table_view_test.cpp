@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/made_collection.h"
+#include "tests/support/program/made_collection.h"
 
 namespace host {
 namespace {

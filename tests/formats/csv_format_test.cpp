@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "tests/support/made_collection.h"
+#include "tests/support/program/made_collection.h"
 
 namespace host {
 namespace {

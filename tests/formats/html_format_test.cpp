@@ -5,7 +5,7 @@
 #include <set>
 #include <string>
 
-#include "tests/support/made_collection.h"
+#include "tests/support/program/made_collection.h"
 
 namespace host {
 namespace {

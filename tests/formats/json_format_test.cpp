@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "tests/support/made_collection.h"
+#include "tests/support/program/made_collection.h"
 
 namespace host {
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "host/text/screen_text.h"
-#include "tests/support/made_collection.h"
+#include "tests/support/program/made_collection.h"
 
 namespace host {
 namespace {

@@ -9,7 +9,6 @@
 
 #include "frame/add_modules.h"
 #include "frame/bound/machine_in_use.h"
-#include "frame/bound/machine_in_use.h"
 #include "frame/report_file.h"
 #include "host/logger/logger.h"
 #include "host/recorded/recorded_machine.h"

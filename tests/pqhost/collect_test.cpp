@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/host_run.h"
+#include "tests/support/program/host_run.h"
 #include "tests/support/temporary_folder.h"
 
 namespace host {

@@ -9,7 +9,7 @@
 #include "host/pqhost/commands/command_line.h"
 #include "host/text/usage_error.h"
 #include "host/text/version.h"
-#include "tests/support/host_run.h"
+#include "tests/support/program/host_run.h"
 #include "tests/support/temporary_folder.h"
 
 namespace host {

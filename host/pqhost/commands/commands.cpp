@@ -3,10 +3,10 @@
 namespace host {
 
 const std::vector<const Command*>& GetCommands() {
-  static const std::vector<const Command*> commands = {
+  static const std::vector<const Command*> kCommands = {
       &kCollectCommand, &kModulesCommand, &kQueryCommand, &kCheckCommand, &kCompletionCommand,
   };
-  return commands;
+  return kCommands;
 }
 
 }  // namespace host

@@ -8,7 +8,7 @@
 #include <sstream>
 
 #include "host/pqhost/gather.h"
-#include "tests/support/host_run.h"
+#include "tests/support/program/host_run.h"
 
 namespace host {
 namespace {

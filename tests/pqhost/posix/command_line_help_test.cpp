@@ -11,7 +11,7 @@
 #include "host/pqhost/commands/command_line.h"
 #include "host/pqhost/commands/completions.h"
 #include "tests/support/collected.h"
-#include "tests/support/host_run.h"
+#include "tests/support/program/host_run.h"
 
 namespace {
 

@@ -2,23 +2,13 @@
 // program ask.
 
 #include <gtest/gtest.h>
-#include <malloc.h>
 
 #include <cstddef>
 #include <string>
 
 #include "frame/halyard/repository.h"
 #include "host/repository/store.h"
-
-#ifdef __has_feature
-#define PQ_HAS_ADDRESS_SANITIZER __has_feature(address_sanitizer)
-#else
-#define PQ_HAS_ADDRESS_SANITIZER 0
-#endif
-#if PQ_HAS_ADDRESS_SANITIZER
-// The address sanitizer brings an allocator of its own.
-extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
-#endif
+#include "tests/support/allocated_bytes.h"
 
 namespace host {
 namespace {
@@ -26,19 +16,10 @@ namespace {
 using halyard::repository::RInstance;
 using halyard::repository::RRepository;
 
-std::size_t AllocatedBytes() {
-#if PQ_HAS_ADDRESS_SANITIZER
-  return __sanitizer_get_current_allocated_bytes();
-#else
-  const auto info = mallinfo2();
-  return info.uordblks + info.hblkhd;
-#endif
-}
-
 /// Bytes that `rows` rows of `columns` texts of `length` characters take beyond their texts, per
 /// row.
 double BytesBeyondText(std::size_t rows, int columns, std::size_t length) {
-  const std::size_t before = AllocatedBytes();
+  const std::size_t before = test::CountAllocatedBytes();
   RRepository repository;
   const std::string value(length, 'v');
   for (std::size_t i = 0; i < rows; ++i) {
@@ -50,7 +31,7 @@ double BytesBeyondText(std::size_t rows, int columns, std::size_t length) {
   }
   EXPECT_EQ(TablesOf(repository).at("SELINFO").rows.size(), rows);
   const std::size_t text = rows * static_cast<std::size_t>(columns) * length;
-  const std::size_t taken = AllocatedBytes() - before;
+  const std::size_t taken = test::CountAllocatedBytes() - before;
   EXPECT_GT(taken, text);  // else the allocator that was asked is not the one in use
   return (static_cast<double>(taken) - static_cast<double>(text)) / static_cast<double>(rows);
 }

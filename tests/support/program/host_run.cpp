@@ -1,4 +1,4 @@
-#include "tests/support/host_run.h"
+#include "tests/support/program/host_run.h"
 
 #include <sstream>
 

@@ -1,4 +1,4 @@
-#include "tests/support/made_collection.h"
+#include "tests/support/program/made_collection.h"
 
 #include <memory>
 #include <sstream>
