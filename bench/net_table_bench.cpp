@@ -48,7 +48,7 @@ void BM_SplitConnections(benchmark::State& state) {
     const std::size_t rows = pq::FindConnectionRows(text).value();
     const pq::DealtColumns columns(pq::SplitTokens(std::string_view(text).substr(rows), " \r\n"),
                                    4);
-    benchmark::DoNotOptimize(columns.RowCount());
+    benchmark::DoNotOptimize(columns.CountRows());
   }
   CountPieces(state, text, start);
 }
@@ -61,7 +61,7 @@ void BM_SplitArp(benchmark::State& state) {
   for (auto _ : state) {
     const pq::ArpScan scan = pq::ScanArpLines(text);
     const pq::DealtColumns columns(pq::SplitTokens(scan.rows, " \r\n"), 3);
-    benchmark::DoNotOptimize(columns.RowCount());
+    benchmark::DoNotOptimize(columns.CountRows());
   }
   CountPieces(state, text, start);
 }

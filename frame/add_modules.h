@@ -6,7 +6,7 @@
 
 #include "frame/halyard/repository.h"
 
-/// Appends one object of each module class to `modules`, after what the host already holds.
+/// Appends one object of each module class to `modules`, after those that the host already holds.
 /// Returns 0.
 extern "C" PQMODULE_API int AddModules(
     std::vector<boost::shared_ptr<halyard::repository::RModule>>& modules);

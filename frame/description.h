@@ -1,6 +1,6 @@
-// What a module tells of itself: its tables with their columns and tools, and what the sentences of
-// its log mean. The documentation of the tables is made of it, and so is a host's answer to the
-// question why a table is empty.
+// How a module describes itself: its tables with their columns and tools, and the meaning of the
+// sentences of its log. The documentation of the tables is made from it, and a host finds there why
+// a table is empty.
 //
 // A module builds its description from the constants that its collectors work with and log.
 #pragma once
@@ -32,7 +32,7 @@ ToolCommand ParseToolCommand(std::string_view text, std::string file = {});
 struct ColumnDescription {
   std::string key;
   std::string label;  ///< empty where the tool itself gives it
-  std::string text;   ///< what the column holds, in words for a newcomer
+  std::string text;   ///< the column's meaning, in words for a newcomer
 
   bool operator==(const ColumnDescription&) const = default;
 };
@@ -53,12 +53,12 @@ struct TableDescription {
   void AddColumns(std::span<const Column> more);
 };
 
-/// What went wrong in a step, as a sentence of the log tells.
+/// How a step went wrong, as a sentence of the log tells.
 enum class StepFailure {
   kBeforeTool,       ///< the step ended before it started its tool
   kToolNotRun,       ///< the tool started last did not start, or how it ended is not known
-  kOutputNotOpened,  ///< what the tool started last was to leave cannot be opened
-  kOutputNotRead,    ///< nor can it be read
+  kOutputNotOpened,  ///< the output of the tool started last cannot be opened
+  kOutputNotRead,    ///< the output of the tool started last cannot be read
   /// As kOutputNotOpened, of a tool that leaves its output only where there is something to report
   /// on: nothing failed.
   kNothingToReport,
@@ -84,7 +84,7 @@ struct Explanation {
 /// interpreter's own exit code looks like an answer.
 struct PresenceTest {
   std::string commandEnd;   ///< how its command line ends
-  std::string whenMissing;  ///< what is not known then, for people
+  std::string whenMissing;  ///< the consequence, for people
 };
 
 /// How a tool introduces its version in the texts of a table.
@@ -101,7 +101,7 @@ struct ModuleDescription {
   std::vector<Explanation> explanations = {};
   std::vector<PresenceTest> presenceTests = {};
   std::vector<VersionLine> versionLines = {};
-  /// What the error texts of the tools begin with that are read through a pipe; may be empty.
+  /// Begins the error texts of tools that are read through a pipe; may be empty.
   std::string toolErrorText = {};
 
   void AddFailures(StepFailure failure, std::initializer_list<const char*> sentences);

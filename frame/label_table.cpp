@@ -17,14 +17,14 @@ LabelTable::LabelTable(const std::vector<std::string_view>& labels)
   std::array<std::uint32_t, kBuckets> pairCounts{};
   for (const std::string& label : this->labels) {
     for (std::size_t i = 0; i + pairLength <= label.size(); ++i) {
-      ++pairCounts[BucketOf(&label[i])];
+      ++pairCounts[GetBucket(&label[i])];
     }
   }
   std::vector<std::pair<std::size_t, Probe>> byBucket;
   for (std::size_t i = 0; i < labels.size(); ++i) {
     const std::size_t window = ChooseWindow(this->labels[i], pairCounts);
     for (std::size_t offset = window; offset < window + step; ++offset) {
-      byBucket.push_back({BucketOf(&this->labels[i][offset]),
+      byBucket.push_back({GetBucket(&this->labels[i][offset]),
                           {static_cast<std::uint32_t>(i), static_cast<std::uint32_t>(offset)}});
     }
   }
@@ -38,7 +38,7 @@ LabelTable::LabelTable(const std::vector<std::string_view>& labels)
   std::partial_sum(firstProbe.begin(), firstProbe.end(), firstProbe.begin());
 }
 
-std::size_t LabelTable::BucketOf(const char* text) const {
+std::size_t LabelTable::GetBucket(const char* text) const {
   const auto first = static_cast<unsigned char>(text[0]);
   const auto last = static_cast<unsigned char>(text[pairLength - 1]);
   return ((first | last << 8U) * 40503U >> 4U) % kBuckets;
@@ -50,7 +50,7 @@ std::size_t LabelTable::ChooseWindow(const std::string& label,
   std::size_t fewest = static_cast<std::size_t>(-1);
   for (std::size_t start = 0; start + step + pairLength - 1 <= label.size(); ++start) {
     std::size_t count = 0;
-    for (std::size_t i = start; i < start + step; ++i) count += pairCounts[BucketOf(&label[i])];
+    for (std::size_t i = start; i < start + step; ++i) count += pairCounts[GetBucket(&label[i])];
     if (count < fewest) {
       fewest = count;
       chosen = start;
@@ -64,7 +64,7 @@ LabelMatch LabelTable::FindIn(std::string_view line) const {
   std::size_t best = none;
   std::size_t position = 0;
   for (std::size_t at = step - 1; at + pairLength <= line.size(); at += step) {
-    const std::size_t bucket = BucketOf(line.data() + at);
+    const std::size_t bucket = GetBucket(line.data() + at);
     if (!watched[bucket]) continue;
     for (std::uint32_t i = firstProbe[bucket]; i < firstProbe[bucket + 1]; ++i) {
       const auto [index, offset] = probes[i];

@@ -21,28 +21,28 @@ struct LabelMatch {
 ///
 /// A line is read once, whatever the number of labels, and most of it is stepped over. Of each
 /// label one window is watched, as long as the shortest label. Every window of that length covers
-/// one of the byte pairs that stand a fixed step apart in the line, so only those pairs are looked
+/// one of the byte pairs that are a fixed step apart in the line, so only those pairs are looked
 /// at, and labels are compared only where a pair occurs in some window.
 class LabelTable {
  public:
   /// Keeps its own copy of the labels.
   explicit LabelTable(const std::vector<std::string_view>& labels);
 
-  /// The first label in table order that stands anywhere in `line`.
+  /// The first label in table order that occurs anywhere in `line`.
   LabelMatch FindIn(std::string_view line) const;
 
  private:
   static constexpr std::size_t kBuckets = 4096;
 
-  /// A pair of a window: its label, and where in the label it stands.
+  /// A pair of a window: its label, and its offset in the label.
   struct Probe {
     std::uint32_t label;
     std::uint32_t offset;
   };
 
   /// The bucket of the pair at `text`.
-  std::size_t BucketOf(const char* text) const;
-  /// Where in `label` the window stands whose pairs occur least often in the whole table.
+  std::size_t GetBucket(const char* text) const;
+  /// The offset in `label` of the window whose pairs occur least often in the whole table.
   std::size_t ChooseWindow(const std::string& label,
                            const std::array<std::uint32_t, kBuckets>& pairCounts) const;
 

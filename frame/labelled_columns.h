@@ -25,7 +25,7 @@ constexpr LabelledColumn MakeLabelledColumn(std::string_view label, const Column
   return {label, label.size(), column, endsRow};
 }
 
-/// What a line says: the column that it fills and its value, line end and all. No column when the
+/// The fact in a line: the column that it fills and its value, line end and all. No column when the
 /// line holds no label.
 struct LabelledFact {
   const LabelledColumn* source = nullptr;

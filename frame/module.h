@@ -1,4 +1,4 @@
-// What all modules share: table registration, collect-once enumeration, log lines, the layout
+// Common ground of all modules: table registration, collect-once enumeration, log lines, the layout
 // without names and widths.
 #pragma once
 

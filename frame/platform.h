@@ -1,6 +1,6 @@
 // The one seam between the modules and the machine. In the library the machine is Win32
-// (frame/windows); elsewhere a recording stands for it. Nothing here starts threads: all calls come
-// from the thread that collects.
+// (frame/windows); elsewhere a recording takes its place. Nothing here starts threads: all calls
+// come from the thread that collects.
 #pragma once
 
 #include <cstddef>
@@ -20,14 +20,14 @@ inline constexpr std::uint32_t kErrorFilenameTooLong = 206;
 /// The language identifier of US English.
 inline constexpr std::uint32_t kUsEnglish = 1033;
 
-/// A pipe that carries a tool's standard output and standard error as one stream. Closes what is
-/// still open of it when destroyed.
+/// A pipe that carries a tool's standard output and standard error as one stream. Closes its open
+/// ends when destroyed.
 class Pipe {
  public:
   virtual ~Pipe() = default;
   /// Closes this process's write end. Reading ends only after that.
   virtual void CloseWriteEnd() = 0;
-  /// Reads what is there, waiting for the tool, at most `size` bytes. False at the first failed
+  /// Waits for output of the tool and reads it, at most `size` bytes. False at the first failed
   /// read, when the last writer has gone; a success may bring zero bytes.
   virtual bool Read(char* buffer, std::size_t size, std::size_t& count) = 0;
 };
@@ -49,7 +49,7 @@ class TextFile {
  public:
   virtual ~TextFile() = default;
   /// As fgets: at most `size - 1` characters, up to and including a line feed, zero-terminated.
-  /// False at the end of the file; the buffer then keeps what it held.
+  /// False at the end of the file; the buffer is then left as it was.
   virtual bool ReadLine(char* buffer, std::size_t size) = 0;
   /// Back to the first line.
   virtual void Rewind() = 0;
@@ -65,7 +65,7 @@ struct Acquired {
   explicit operator bool() const { return object != nullptr; }
 };
 
-/// What came of reading one line from the console.
+/// The result of reading one line from the console.
 enum class ConsoleLine { kRead, kTooLong };
 
 class Platform {

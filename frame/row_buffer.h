@@ -1,5 +1,5 @@
 // One instance as the buffer of a table's rows: columns are set in turn, and each commit hands the
-// row to the repository as it stands.
+// row to the repository in its present state.
 #pragma once
 
 #include <string>
@@ -13,10 +13,10 @@ namespace pq {
 struct Column {
   std::string_view key;
   std::string_view label;      ///< as it is displayed
-  std::string_view text = {};  ///< what it holds, for the documentation
+  std::string_view text = {};  ///< its meaning, for the documentation
 };
 
-/// Keeps what was set from one row to the next.
+/// Values that were set stay set from one row to the next.
 class RowBuffer {
  public:
   RowBuffer(RRepository& repo, const std::string& className, const std::string& title)

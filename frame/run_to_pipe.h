@@ -8,7 +8,7 @@
 
 namespace pq {
 
-/// What a step says when its tool cannot be run.
+/// The words of a step whose tool cannot be run.
 struct PipeFailures {
   const char* pipe;   ///< the pipe cannot be created
   const char* start;  ///< before the system error and ")"

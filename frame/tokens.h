@@ -37,7 +37,7 @@ class DealtColumns {
       : tokens(std::move(tokens)), columnCount(columnCount) {}
 
   /// How many tokens column 0 has; later columns may be one short in the last row.
-  std::size_t RowCount() const { return (tokens.size() + columnCount - 1) / columnCount; }
+  std::size_t CountRows() const { return (tokens.size() + columnCount - 1) / columnCount; }
   /// The token at a place; empty where the column is too short.
   std::string_view At(std::size_t row, std::size_t column) const;
 

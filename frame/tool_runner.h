@@ -1,4 +1,4 @@
-// Running the machine's tools and reading what they leave: the mechanics that all modules share.
+// Running the machine's tools and reading their output: the mechanics that all modules share.
 // Every tool runs through the command interpreter, one at a time, and is awaited without time-out.
 #pragma once
 
@@ -24,7 +24,7 @@ inline constexpr std::size_t kPipeCommandRoom = 256;
 inline constexpr std::size_t kLineRoom = 512;
 /// Room of the path of a tool's output file.
 inline constexpr std::size_t kPathRoom = 512;
-/// What a runaway tool may print into a pipe; the rest is read and dropped.
+/// The most that is kept of a tool's output in a pipe; the rest is read and dropped.
 inline constexpr std::size_t kPipeOutputLimit = std::size_t{64} << 20;
 
 /// The folder of the host's executable, without trailing backslash; the whole path when it holds no
@@ -34,7 +34,7 @@ std::string GetExeFolder();
 /// The host's log folder; ends with a backslash.
 std::string GetLogFolder();
 
-/// Ends the process when `folder` behind `prefixLength` characters does not fit a command buffer.
+/// Ends the process when `prefixLength` characters and `folder` do not fit a command buffer.
 void CheckFolderFits(const std::string& folder, std::size_t prefixLength);
 
 /// Starts the interpreter with `commandLine`. A command line that does not fit `room` is not
@@ -42,7 +42,7 @@ void CheckFolderFits(const std::string& folder, std::size_t prefixLength);
 Acquired<Process> StartTool(const std::string& commandLine, bool inheritHandles,
                             std::size_t room = kCommandRoom);
 
-/// What came of a tool that was started and awaited.
+/// How a tool ended that was started and awaited.
 struct ToolRun {
   bool started = false;
   std::uint32_t startError = 0;
@@ -51,7 +51,7 @@ struct ToolRun {
 /// Starts the interpreter with `commandLine` and waits for its end.
 ToolRun RunAndWait(const std::string& commandLine, bool inheritHandles);
 
-/// What came of a tool whose exit code matters.
+/// How a tool ended whose exit code matters.
 struct ToolExit : ToolRun {
   std::uint32_t exitCode = 0;       ///< 0 when it could not be read
   std::uint32_t exitCodeError = 0;  ///< not 0: the exit code could not be read
@@ -128,7 +128,7 @@ class LineReader {
   const char* Next() {
     return file && file->ReadLine(line.data(), line.size()) ? line.data() : nullptr;
   }
-  /// As Next, with how many characters stand before the first NUL.
+  /// The same, up to the first NUL. False at the end.
   bool Next(std::string_view& text);
 
  private:

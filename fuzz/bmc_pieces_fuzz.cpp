@@ -73,8 +73,8 @@ void CheckSensorFields(const std::string& bytes) {
   Require(listing.endedByBlank == endedByBlank);
   Require(listing.fields.size() == next);
   const pq::DealtColumns dealt(listing.fields, columns.size());
-  Require(dealt.RowCount() == columns[0].size());
-  for (std::size_t row = 0; row < dealt.RowCount(); ++row) {
+  Require(dealt.CountRows() == columns[0].size());
+  for (std::size_t row = 0; row < dealt.CountRows(); ++row) {
     for (std::size_t column = 0; column < columns.size(); ++column) {
       const bool isThere = row < columns[column].size();
       Require(dealt.At(row, column) == (isThere ? columns[column][row] : std::string()));

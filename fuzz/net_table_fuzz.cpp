@@ -55,8 +55,8 @@ void CheckColumns(const std::string& text, std::size_t columnCount) {
     columns[count++ % columnCount].push_back(word);
   }
   const pq::DealtColumns dealt(pq::SplitTokens(text, " \r\n"), columnCount);
-  Require(dealt.RowCount() == columns[0].size());
-  for (std::size_t row = 0; row < dealt.RowCount(); ++row) {
+  Require(dealt.CountRows() == columns[0].size());
+  for (std::size_t row = 0; row < dealt.CountRows(); ++row) {
     for (std::size_t column = 0; column < columnCount; ++column) {
       const std::vector<std::string>& words = columns[column];
       Require(dealt.At(row, column) == (row < words.size() ? words[row] : ""));

@@ -95,7 +95,7 @@ void ExplainLeftOut(ModuleDescription& module, BmcFamily family, std::vector<std
                                  std::move(tables)});
 }
 
-/// What a single step works with.
+/// The run of a single step.
 BmcCollection MakeCollection(RRepository& repo) { return {repo, kLog, exePath}; }
 
 }  // namespace

@@ -19,8 +19,8 @@ constexpr char kName[] = "Windows_Related_Info";
 /// Logged before the language identifier.
 constexpr char kLanguage[] = "Get OS language, lcid=";
 
-/// The layout of what the network commands print is known in US English only; on other systems
-/// their output is kept as it is.
+/// The layout of the network commands' output is known in US English only; on other systems that
+/// output is kept as it is.
 void CollectWindows(RRepository& repo) {
   kLog(kProgress, "Enter CollectData-Windows related info");
   const std::uint32_t language = Machine().SystemLanguage();

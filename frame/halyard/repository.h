@@ -1,8 +1,9 @@
 // The host's repository as the plug-in sees it. The plug-in fills instances (records of a table
-// class) and hands them to the repository; what becomes of them there is the host's business.
+// class) and hands them to the repository; their further fate is the host's business.
 //
-// REPOSITORY_API and REPOSITORY_INLINE_API come from the build: the first marks what repository.dll
-// exports and everyone else imports, the second what the plug-in compiles and exports itself.
+// REPOSITORY_API and REPOSITORY_INLINE_API come from the build: the first marks the exports of
+// repository.dll, which everyone else imports, the second those that the plug-in compiles and
+// exports itself.
 #pragma once
 
 #include <boost/function.hpp>
@@ -21,7 +22,7 @@ class RRepository;
 /// How a repository is opened. The host knows further modes; modules never open one.
 enum class ConnectMode : std::int32_t { kDefault = 0 };
 
-/// What a module offers for one table class. The host calls `layoutHandler` to have the table's
+/// A module's callbacks for one table class. The host calls `layoutHandler` to have the table's
 /// layout set and `enumHandler` to have the table's instances put into the repository.
 struct TableHandlers {
   boost::function<void(RRepository&)> enumHandler;
@@ -44,7 +45,7 @@ class REPOSITORY_API RModule {
   virtual ~RModule();
   /// The module's identifier, such as "BMC_Info".
   virtual std::string GetName() = 0;
-  /// What the module collects, in words.
+  /// The module's subject, in words.
   virtual std::string GetDescription() = 0;
   /// Does nothing here.
   virtual void DelDisuseResources();
@@ -69,15 +70,16 @@ class REPOSITORY_API RInstance {
   ~RInstance();
 
   /// Sets the property `key` (an identifier such as "SerialNumber") with its display label and its
-  /// value. `flag` is the host's and always false here. What setting a key again means is the
-  /// host's to decide.
+  /// value. `flag` is the host's and always false here. The host decides the meaning of
+  /// setting a key again.
   void AddProperty(const std::string& key, const std::string& label, const std::string& value,
                    bool flag);
   void AddProperty(const std::string& key, const std::string& label, int value, bool flag);
   /// Attaches an attribute (name and value) to the property `propertyKey`.
   void AddPropertyAttr(const std::string& propertyKey, const std::string& name,
                        const std::string& value);
-  /// Records a copy of the instance as it stands. The instance can go on and be recorded again.
+  /// Records a copy of the instance in its present state. The instance can change and be recorded
+  /// again.
   void AddToRepository(RRepository& repository) const;
 
  private:

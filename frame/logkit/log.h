@@ -1,6 +1,6 @@
 // The host's logger as the plug-in sees it: one object per log line, written when it is destroyed.
 //
-// LOGGER_API comes from the build: what logger.dll exports and everyone else imports.
+// LOGGER_API comes from the build: it marks the exports of logger.dll, which everyone else imports.
 #pragma once
 
 #include <cstddef>

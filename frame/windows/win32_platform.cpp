@@ -14,7 +14,7 @@
 namespace pq {
 namespace {
 
-/// Owns what CloseHandle closes: processes, threads and pipe ends. None of the calls here that
+/// Owns a handle for CloseHandle: of a process, a thread or a pipe end. None of the calls here that
 /// bring one answers INVALID_HANDLE_VALUE; a failure leaves null.
 struct HandleCloser {
   using pointer = HANDLE;
@@ -160,7 +160,7 @@ class Win32Platform final : public Platform {
 
   [[noreturn]] void FailRangeCheck() override {
     // As the compiler's own range checks do: nothing of the host runs on in a process whose buffers
-    // cannot be trusted, the system's error report is written, and the code says what happened.
+    // cannot be trusted, the system's error report is written, and the code tells the reason.
     EXCEPTION_RECORD record{};
     record.ExceptionCode = STATUS_STACK_BUFFER_OVERRUN;
     record.ExceptionFlags = EXCEPTION_NONCONTINUABLE;

@@ -1,5 +1,5 @@
-// What both RAID modules know of the reports that they read: the tool for LSI controllers, its
-// count of controllers, and what the log says when a report cannot be opened.
+// Common knowledge of both RAID modules on their reports: the tool for LSI controllers, its count
+// of controllers, and the log's words for a report that cannot be opened.
 #pragma once
 
 #include <string_view>

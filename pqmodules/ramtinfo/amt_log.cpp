@@ -33,7 +33,7 @@ constexpr char kDeclined[] = "AMT module, no parameter inputed!";
 constexpr char kNoAddress[] = "Get AMT IP failed";
 constexpr char kNoLog[] = "Failed to open AMT log file";
 
-/// What the operator is told before being asked again.
+/// The words for the operator before the next prompt; none for a line that needs no other.
 std::string_view FindComplaint(LoginLine line) {
   switch (line) {
     case LoginLine::kAddressTooLong:
@@ -78,7 +78,7 @@ std::string BuildLogCommand(const std::string& hostFolder, const AmtLogin& login
 }
 
 /// One instance grows with the log: it is added after every line, each time with that line under
-/// the same key. What becomes of repeated keys and repeated adds is the repository's to decide.
+/// the same key. The repository decides the meaning of repeated keys and adds.
 void AddLines(LineReader lines, RRepository& repo) {
   RowBuffer log(repo, kAmtLog, "AMT Log Information");
   while (const char* line = lines.Next()) {

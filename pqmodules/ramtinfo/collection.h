@@ -1,4 +1,4 @@
-// What the collectors of the AMT module share.
+// One run of the AMT module, as its collectors see it.
 #pragma once
 
 #include <string>

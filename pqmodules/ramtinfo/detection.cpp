@@ -13,7 +13,7 @@ constexpr std::string_view kCommandBegin = "/c \"";
 /// The end of the tool's command line, after the host's folder.
 constexpr char kCommandEnd[] = "\\pq_tools\\check_amt_bmc.exe\" amt";
 
-/// What the tool exits with on a machine that has AMT: not the usual 0.
+/// The tool's exit code on a machine that has AMT: not the usual 0.
 constexpr std::uint32_t kAmtPresent = 1;
 
 constexpr char kNoAmt[] = "Has no AMT, return 1";

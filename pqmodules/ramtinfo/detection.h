@@ -8,7 +8,7 @@
 
 namespace pq {
 
-/// What the detection tool below `hostFolder` says; false also when it cannot be started.
+/// Asks the detection tool below `hostFolder`; false also when it cannot be started.
 bool DetectAmt(const ModuleLog& log, const std::string& hostFolder);
 
 void DescribeAmtDetection(ModuleDescription& module);

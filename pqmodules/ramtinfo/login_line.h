@@ -1,4 +1,4 @@
-// What the operator types at the AMT prompt: "192.0.2.10 admin secret", in one line.
+// The operator's answer to the AMT prompt: "192.0.2.10 admin secret", in one line.
 #pragma once
 
 #include <cstddef>
@@ -17,7 +17,7 @@ struct AmtLogin {
   std::string_view password;
 };
 
-/// What a line holds. A part that does not fit its room is told before parts that are missing after
+/// The content of a line. A part too long for its room counts before parts that are missing after
 /// it.
 enum class LoginLine {
   kComplete,
@@ -30,7 +30,7 @@ enum class LoginLine {
   kNoPassword,
 };
 
-/// Splits `line` at blanks and line ends; what follows the third part is ignored. Fills `login`
+/// Splits `line` at blanks and line ends; parts after the third are ignored. Fills `login`
 /// only when the line is complete.
 LoginLine ParseLoginLine(std::string_view line, AmtLogin& login);
 

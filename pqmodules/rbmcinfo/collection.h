@@ -1,4 +1,4 @@
-// What the collectors of the BMC module share.
+// One run of the BMC module, as its collectors see it.
 #pragma once
 
 #include <array>

@@ -9,7 +9,7 @@
 namespace pq {
 namespace {
 
-/// What an exit code of the detection tool means.
+/// The meaning of an exit code of the detection tool.
 struct Detection {
   BmcFamily family;  ///< the exit code itself
   unsigned level;

@@ -19,11 +19,10 @@ enum class BmcFamily : std::uint32_t {
   kDetectionFailed = 255,
 };
 
-/// What the detection tool below `hostFolder` says; kDetectionFailed also when it cannot be
-/// started.
+/// Asks the detection tool below `hostFolder`; kDetectionFailed also when it cannot be started.
 BmcFamily DetectBmc(const ModuleLog& log, const std::string& hostFolder);
 
-/// What the log says when `family` is detected.
+/// The log's words for a machine of `family`.
 const char* GetDetectionMessage(BmcFamily family);
 
 void DescribeDetection(ModuleDescription& module);

@@ -23,7 +23,7 @@ struct OemQuery {
   const char* className;
   const char* instanceTitle;
   const char* title;
-  const char* text;         ///< what a column holds, for the documentation
+  const char* text;         ///< meaning of its columns, for the documentation
   bool joinsLines = false;  ///< a two-line answer is one line
   KeyFamily pairKeys = {};  ///< of a table of pairs
   Column lineColumn = {};   ///< of a table of lines

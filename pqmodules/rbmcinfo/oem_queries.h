@@ -35,7 +35,7 @@ struct NamedValue {
 /// Takes the tokens by turns for a name and its value; the last name may lack one.
 std::vector<NamedValue> PairTokens(const std::vector<std::string_view>& tokens);
 
-/// Selectors of the queries, by what they ask for.
+/// Selectors of the queries, named after their subjects.
 enum OemSelector {
   kControllerQuery = 1,
   kSelfTestQuery,

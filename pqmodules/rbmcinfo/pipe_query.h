@@ -1,4 +1,4 @@
-// What all queries share whose answer is read through a pipe: the OEM queries, sensors and SDR.
+// Queries whose answer is read through a pipe: the OEM queries, sensors and SDR.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,7 @@
 
 namespace pq {
 
-/// What the utility's error texts begin with.
+/// Begins the utility's error texts.
 inline constexpr char kUtilityError[] = "Error";
 
 struct PipeQuery {
@@ -21,7 +21,7 @@ struct PipeQuery {
   std::size_t chunkRoom;  ///< bytes, the terminator included
 };
 
-/// Starts the query's tool; logs what failed. Without a value nothing runs.
+/// Starts the query's tool. A failure is logged, and there is no value.
 std::optional<PipedTool> StartQuery(const BmcCollection& collection, const PipeQuery& query);
 
 /// All that the tool prints; each chunk is logged, its byte count first.

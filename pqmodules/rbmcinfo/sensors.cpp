@@ -75,7 +75,7 @@ int CollectSensorReadings(const BmcCollection& collection) {
     log(kDetail, "found the blank value, break");
   }
   const DealtColumns columns(std::move(listing.fields), kSensorColumns.size());
-  for (std::size_t sensor = 0; sensor < columns.RowCount(); ++sensor) {
+  for (std::size_t sensor = 0; sensor < columns.CountRows(); ++sensor) {
     RowBuffer row(collection.repo, kSensorInfo, kSensorTitle);
     for (std::size_t column = 0; column < kSensorColumns.size(); ++column) {
       row.Set(kSensorColumns[column], columns.At(sensor, column));

@@ -1,4 +1,4 @@
-// What the collectors of the RAID inventory share.
+// One run of the RAID inventory, as its collectors see it.
 #pragma once
 
 #include <string>

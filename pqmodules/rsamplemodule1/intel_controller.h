@@ -10,7 +10,7 @@
 
 namespace pq {
 
-/// What one line of the report says about the controller.
+/// The fact in one line of the report.
 struct IntelControllerFact {
   const Column* column = nullptr;
   std::string_view value;  ///< line end and all

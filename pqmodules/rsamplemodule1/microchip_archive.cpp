@@ -154,7 +154,7 @@ std::string FindLastPart(std::string folder) {
   return folder.substr(folder.rfind('\\') + 1);
 }
 
-/// Ends at the driver's version; what follows it describes parts of the controller.
+/// Ends at the driver's version; the lines after it describe parts of the controller.
 void ReadConfig(TextFile* file, RowBuffer& controller, RowBuffer& versions) {
   std::string_view line;
   for (LineReader lines(file); lines.Next(line);) {

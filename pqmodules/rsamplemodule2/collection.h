@@ -1,5 +1,4 @@
-// What the collectors of the RAID logs share: one run of the module, and running storcli on the
-// first controller.
+// One run of the RAID logs, and running storcli on the first controller.
 #pragma once
 
 #include <memory>

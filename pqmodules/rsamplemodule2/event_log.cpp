@@ -62,7 +62,7 @@ constexpr std::array<EventPage, kEventPageCount> kPages{{
     {kEventLog5, "LSI Controller 0 event log page5", "LSI controller events, page 5"},
 }};
 
-// What ends a run of records, once one has begun.
+// Ends a run of records, once one has begun.
 constexpr std::string_view kNextController = "Controller =";
 constexpr std::string_view kRecordStart = "seqNum:";
 constexpr std::string_view kDataTitle = "Event Data:";

@@ -94,7 +94,7 @@ LabelledFact ReadEndDeviceFact(std::string_view line) {
   return fact;
 }
 
-/// Every line from the marker on counts: what the tool prints further down can still fill a column.
+/// Every line from the marker on counts: lines further down can still fill a column.
 void AddEndDevices(TextFile* file, RowBuffer& row) {
   bool inSection = false;
   std::string_view line;

@@ -5,8 +5,8 @@
 //   Firmware Term Log Information on controller 0:
 //   T10: C0:DM_DeviceInserted: tempdevId[51], DevHandle[a],enclHandle 1
 //
-// Once the marker is known to be there, every line is a row, the tool's own head included: what the
-// tool says about the controller belongs to the log.
+// Once the marker is known to be there, every line is a row, the tool's own head included: its
+// words about the controller belong to the log.
 
 #include "pqmodules/rsamplemodule2/term_log.h"
 

@@ -1,4 +1,4 @@
-// What the collectors of the Windows module share.
+// One run of the Windows module, as its collectors see it.
 #pragma once
 
 #include <string>

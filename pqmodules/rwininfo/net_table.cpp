@@ -57,7 +57,7 @@ void AddRows(const WindowsCollection& collection, const NetTable& table, std::st
   std::vector<std::string_view> words = SplitTokens(text, kBlanks);
   for (const std::string_view word : words) collection.log(kDetail, word);
   const DealtColumns dealt(std::move(words), table.columns.size());
-  for (std::size_t row = 0; row < dealt.RowCount(); ++row) {
+  for (std::size_t row = 0; row < dealt.CountRows(); ++row) {
     RowBuffer instance(collection.repo, table.className, table.instanceTitle);
     for (std::size_t column = 0; column < table.columns.size(); ++column) {
       instance.Set(table.columns[column], dealt.At(row, column));

@@ -1,4 +1,4 @@
-// The ARP and the connection table, and finding their rows in what `arp -a` and `netstat` print:
+// The ARP and the connection table, and finding their rows in the output of `arp -a` and `netstat`:
 //
 //   Interface: 10.0.0.7 --- 0x5
 //     Internet Address      Physical Address      Type
@@ -32,7 +32,7 @@ inline constexpr std::size_t kArpMinLineEnds = 4;
 inline constexpr std::size_t kConnectionHeadLineEnds = 4;
 inline constexpr std::size_t kConnectionMinLineEnds = 5;
 
-/// The lines of an ARP output, and what is kept of them.
+/// The lines of an ARP output, and those that are kept.
 struct ArpScan {
   std::vector<std::string_view> lines;  ///< each with its line end, cut at kArpLineLimit
   std::string rows;                     ///< the lines longer than kArpTitleLength, joined

@@ -1,4 +1,4 @@
-// Files that the Windows module leaves in the log folder as they are: what commands print, copies
+// Files that the Windows module leaves in the log folder as they are: output of commands, copies
 // of network configuration files, and the SMBIOS dump.
 #pragma once
 

@@ -43,17 +43,17 @@ TEST(SplitTokens, PointsIntoTheText) {
 
 TEST(DealtColumns, GivesColumnsTheirTokensInTurn) {
   const DealtColumns columns({"a", "b", "c", "d", "e", "f"}, 3);
-  ASSERT_EQ(columns.RowCount(), 2u);
+  ASSERT_EQ(columns.CountRows(), 2u);
   EXPECT_EQ(columns.At(0, 0), "a");
   EXPECT_EQ(columns.At(0, 2), "c");
   EXPECT_EQ(columns.At(1, 1), "e");
 }
 
 TEST(DealtColumns, HasAsManyRowsAsTheFirstColumnHasTokens) {
-  EXPECT_EQ(DealtColumns({}, 3).RowCount(), 0u);
-  EXPECT_EQ(DealtColumns({"a"}, 3).RowCount(), 1u);
-  EXPECT_EQ(DealtColumns({"a", "b", "c"}, 3).RowCount(), 1u);
-  EXPECT_EQ(DealtColumns({"a", "b", "c", "d"}, 3).RowCount(), 2u);
+  EXPECT_EQ(DealtColumns({}, 3).CountRows(), 0u);
+  EXPECT_EQ(DealtColumns({"a"}, 3).CountRows(), 1u);
+  EXPECT_EQ(DealtColumns({"a", "b", "c"}, 3).CountRows(), 1u);
+  EXPECT_EQ(DealtColumns({"a", "b", "c", "d"}, 3).CountRows(), 2u);
 }
 
 TEST(DealtColumns, IsEmptyWhereAColumnIsOneShort) {
