@@ -1,6 +1,7 @@
 #include "host/collect/failures.h"
 
 #include <algorithm>
+#include <array>
 #include <string_view>
 
 #include "frame/module.h"
@@ -21,6 +22,19 @@ const pq::PresenceTest* FindPresenceTest(std::string_view commandLine) {
   return nullptr;
 }
 
+/// The failure sentences by their first byte: every log line is held against them.
+using SentenceIndex = std::array<std::vector<const pq::FailureSentence*>, 256>;
+
+SentenceIndex MakeSentenceIndex() {
+  SentenceIndex index;
+  for (const pq::ModuleDescription& module : GetModuleDescriptions()) {
+    for (const pq::FailureSentence& known : module.failures) {
+      index[static_cast<unsigned char>(known.sentence.front())].push_back(&known);
+    }
+  }
+  return index;
+}
+
 }  // namespace
 
 std::string_view RemoveLogPrefix(std::string_view text) {
@@ -29,10 +43,10 @@ std::string_view RemoveLogPrefix(std::string_view text) {
 }
 
 const pq::FailureSentence* FindFailureSentence(std::string_view text) {
-  for (const pq::ModuleDescription& module : GetModuleDescriptions()) {
-    for (const pq::FailureSentence& known : module.failures) {
-      if (text.starts_with(known.sentence)) return &known;
-    }
+  static const SentenceIndex kIndex = MakeSentenceIndex();
+  if (text.empty()) return nullptr;
+  for (const pq::FailureSentence* known : kIndex[static_cast<unsigned char>(text.front())]) {
+    if (text.starts_with(known->sentence)) return known;
   }
   return nullptr;
 }

@@ -4,6 +4,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 
 #include "host/repository/observer.h"
@@ -36,9 +37,16 @@ RModule::RModule() = default;
 RModule::~RModule() = default;
 void RModule::DelDisuseResources() {}
 
+/// What rows have in common, each kept once.
+using Shapes = std::set<host::RowShape>;
+
 struct InstanceState {
   std::uint64_t id;
   host::RowShape shape;
+  /// The shape as the repository that took the instance last keeps it; null once it has changed.
+  mutable const host::RowShape* keptShape = nullptr;
+  /// The shapes of that repository, which tell it from every other one.
+  mutable std::shared_ptr<const Shapes> keptIn = nullptr;
   /// A row that was added holds them too and keeps them as they are.
   std::shared_ptr<std::vector<std::string>> values = std::make_shared<std::vector<std::string>>();
 
@@ -52,31 +60,42 @@ struct InstanceState {
                                     [&](const host::Column& column) { return column.key == key; });
     const auto at = static_cast<std::size_t>(known - shape.columns.begin());
     if (known == shape.columns.end()) {
+      keptShape = nullptr;
       shape.columns.push_back({key, label, isInteger, flag});
       values->emplace_back(value);
-    } else {
-      known->label = label;
-      known->isInteger = isInteger;
-      known->flag = flag;
-      (*values)[at] = value;
+      return;
     }
+    if (known->label != label || known->isInteger != isInteger || known->flag != flag) {
+      keptShape = nullptr;
+      *known = {key, label, isInteger, flag};
+    }
+    (*values)[at] = value;
   }
 };
 
 struct RepositoryState {
   std::map<std::string, host::Table> tables;
   std::map<std::string, std::set<std::string>> columnKeys;  ///< of each table
-  std::set<host::RowShape> shapes;
+  std::shared_ptr<Shapes> shapes = std::make_shared<Shapes>();
+  std::unordered_map<const host::RowShape*, host::Table*> tableOf;
 
   static const RepositoryState& Of(const RRepository& repository) { return *repository.state; }
 
   void Add(const InstanceState& instance) {
-    const auto [shape, isNew] = shapes.insert(instance.shape);
-    host::Table& table = tables[shape->className];
-    if (isNew) AddColumns(table, *shape);
+    if (instance.keptShape == nullptr || instance.keptIn != shapes) KeepShape(instance);
+    host::Table& table = *tableOf[instance.keptShape];
     // A row stays; what the growing list had room for besides goes, without a copy of the texts.
     instance.values->shrink_to_fit();
-    table.rows.push_back({&*shape, instance.values});
+    table.rows.push_back({instance.keptShape, instance.values});
+  }
+
+  void KeepShape(const InstanceState& instance) {
+    const auto [shape, isNew] = shapes->insert(instance.shape);
+    host::Table& table = tables[shape->className];
+    if (isNew) AddColumns(table, *shape);
+    tableOf[&*shape] = &table;
+    instance.keptShape = &*shape;
+    instance.keptIn = shapes;
   }
 
   void AddColumns(host::Table& table, const host::RowShape& shape) {
@@ -112,6 +131,7 @@ void RInstance::AddProperty(const std::string& key, const std::string& label, in
 
 void RInstance::AddPropertyAttr(const std::string& propertyKey, const std::string& name,
                                 const std::string& value) {
+  state->keptShape = nullptr;
   state->shape.attributes.push_back({propertyKey, name, value});
   host::Tell(&host::RepositoryObserver::OnAttribute, state->id, propertyKey, name, value);
 }
