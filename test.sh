@@ -2,8 +2,22 @@
 # Builds and tests everything: native, sanitizers, Windows under Wine, fuzz corpora, the report in a
 # browser, the JSON schema, formatting and lint. A step's whole output is left in build/logs.
 # Ends with one line that counts over all of them.
+#   ./test.sh                  everything
+#   ./test.sh ROOM [FILTER]    only what the native tests of one folder of tests/ need and do, in
+#                              seconds; FILTER as in --gtest_filter, such as 'JsonFormat*'
 set -uo pipefail
 cd "$(dirname "$0")"
+
+if [[ $# -gt 0 ]]; then
+  rooms=$(find tests -mindepth 2 -name '*_test.cpp' -not -path '*/windows/*' | cut -d/ -f2 | sort -u)
+  if ! grep -qxF -e "$1" <<<"$rooms" || [[ $# -gt 2 ]]; then
+    printf 'usage: ./test.sh [ROOM [FILTER]]\nrooms:\n%s\n' "$rooms" >&2
+    exit 2
+  fi
+  scripts/install.sh build && scripts/build.sh native "pq_tests_$1" &&
+    exec scripts/gtest.sh "build/native/bin/pq_tests_$1" --gtest_filter="${2:-*}"
+  exit 1
+fi
 
 scripts/install.sh test || exit 1
 mkdir -p build/logs
@@ -49,17 +63,21 @@ counted() {  # NAME
 }
 
 # Wine mostly waits, so it starts as soon as it can, and all else works in the time that it leaves.
-for preset in native windows; do check "build $preset" scripts/build.sh "$preset"; done
+check "build native" scripts/build.sh native all pq_tests_by_room
+check "build windows" scripts/build.sh windows
 run windows scripts/wine_tests.sh &
-for preset in asan fuzz bench; do check "build $preset" nice scripts/build.sh "$preset"; done
+check "build asan" nice scripts/build.sh asan
+check "build tsan" nice scripts/build.sh tsan pq_tests_threads
 nice scripts/lint.sh >build/logs/lint.log 2>&1 &
 lint=$!
 
-run native scripts/gtest.sh build/native/bin/pq_tests
+PQ_REPETITIONS=1000 run native scripts/gtest.sh build/native/bin/pq_tests
+run state scripts/check_state.sh
 run asan scripts/gtest.sh build/asan/bin/pq_tests
+run tsan scripts/gtest.sh build/tsan/bin/pq_tests_threads
 run browser scripts/browser_tests.sh
 run fuzz scripts/fuzz.sh --replay
-for name in native asan browser fuzz; do counted "$name"; done
+for name in native state asan tsan browser fuzz; do counted "$name"; done
 check schema scripts/check_schema.sh build/native/bin/pqhost
 check format scripts/format.sh
 check lint wait "$lint"

@@ -16,6 +16,7 @@
 #include "frame/label_table.h"
 #include "pqmodules/rsamplemodule1/lsi_summary.h"
 #include "pqmodules/rsamplemodule1/microchip_archive.h"
+#include "tests/support/collected.h"
 
 namespace bench {
 namespace {
@@ -24,7 +25,7 @@ using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
 /// A temporary file of `lineCount` lines: a report of the two-socket server, over and over.
 File WriteReport(const std::string& name, std::int64_t lineCount, std::int64_t& size) {
-  std::ifstream sample(PQ_SOURCE_FOLDER "/samples/two-socket-server/" + name, std::ios::binary);
+  std::ifstream sample(test::SamplesFolder() + "/two-socket-server/" + name, std::ios::binary);
   std::vector<std::string> lines;
   for (std::string line; std::getline(sample, line);) {
     if (line.ends_with('\r')) line.pop_back();

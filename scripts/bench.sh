@@ -7,9 +7,10 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/build.sh bench pq_bench
+scripts/build.sh native pq_bench
+mkdir -p build/bench
 result=build/bench/result.json
-build/bench/bin/pq_bench --benchmark_filter="${1:-.}" --benchmark_out="$result" \
+build/native/bin/pq_bench --benchmark_filter="${1:-.}" --benchmark_out="$result" \
   --benchmark_out_format=json >build/bench/output.txt 2>&1 || { cat build/bench/output.txt; exit 1; }
 
 python3 - "$result" <<'PYTHON'

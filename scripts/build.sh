@@ -3,7 +3,7 @@
 #   scripts/build.sh PRESET [TARGET]...
 set -euo pipefail
 cd "$(dirname "$0")/.."
-export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1
+export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1 CCACHE_SLOPPINESS=pch_defines,time_macros
 
 preset=$1
 shift

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Fails on a mutable static in the libraries that was not agreed on.
 
-    scripts/check_state.py NM LIBRARY...
+    scripts/check_state.py NM LIBRARY... [NM LIBRARY...]
 
 A process collects many recordings, on several threads, and none of them may see another. So no
 state is outside objects, but for what is listed here with its reason. Constants are named
@@ -59,14 +59,17 @@ def list_statics(nm, library):
 
 
 def main():
-    nm, libraries = sys.argv[1], sys.argv[2:]
     met, refused = set(), set()
-    for library in libraries:
-        for name in list_statics(nm, library):
+    nm = None
+    for word in sys.argv[1:]:
+        if word.endswith("nm"):
+            nm = word
+            continue
+        for name in list_statics(nm, word):
             if name in AGREED:
                 met.add(name)
             elif not CONSTANT.search(name) and not FOREIGN.match(name):
-                refused.add(f"{library}: {name}")
+                refused.add(f"{word}: {name}")
     for line in sorted(refused):
         print(f"mutable static: {line}")
     print(f"{len(met)} passed, {len(refused)} failed")

@@ -30,7 +30,7 @@ fi
 for target in "${targets[@]}"; do
   [[ -f fuzz/$target.cpp ]] || { echo "$target: there is no fuzz/$target.cpp" >&2; exit 2; }
 done
-scripts/build.sh fuzz "${targets[@]}" || exit 1
+scripts/build.sh asan "${targets[@]}" || exit 1
 
 reports=build/fuzz/reports
 rm -rf "$reports"
@@ -39,7 +39,7 @@ mkdir -p "$reports"
 # Every seed once, each by itself, then whatever the fuzzer makes of them.
 examine() {  # TARGET; its report, begun with "ok" or "bad", goes to a file
   local target=$1
-  local program=build/fuzz/bin/$target found=$PWD/build/fuzz/found/$target
+  local program=build/asan/bin/$target found=$PWD/build/fuzz/found/$target
   local grown=build/fuzz/grown/$target log=build/fuzz/$target.log
   local before status=0 runs seeds
   mkdir -p "$found" "$grown"

@@ -10,7 +10,6 @@
 #include <optional>
 #include <sstream>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "host/collect/recorded_source.h"
@@ -39,30 +38,6 @@ TEST(Collection, GivesTheSameTraceAfterAnyOtherSample) {
       EXPECT_EQ(CollectTrace(recording) == alone[second], true) << first << ", then " << second;
     }
   }
-}
-
-// Each thread begins with another sample, so that different ones run side by side.
-TEST(Collection, GivesTheSameTracesOnSeveralThreads) {
-  constexpr std::size_t kThreads = 8;
-  constexpr std::size_t kCollections = 200;
-  std::vector<Recording> recordings;
-  std::vector<std::string> alone;
-  for (const auto& [name, recording] : LoadSamples()) {
-    recordings.push_back(recording);
-    alone.push_back(CollectTrace(recording));
-  }
-  std::vector<std::size_t> different(kThreads, 0);
-  std::vector<std::thread> threads;
-  for (std::size_t thread = 0; thread < kThreads; ++thread) {
-    threads.emplace_back([&, thread] {
-      for (std::size_t i = 0; i < kCollections; ++i) {
-        const std::size_t sample = (thread + i) % recordings.size();
-        if (CollectTrace(recordings[sample]) != alone[sample]) ++different[thread];
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-  EXPECT_THAT(different, testing::Each(0U));
 }
 
 /// One tool that prints into a pipe and one that writes a file.
