@@ -8,7 +8,6 @@
 #include <utility>
 #include <vector>
 
-#include "frame/logkit/log.h"
 #include "frame/platform.h"
 #include "host/live/live.h"
 #include "host/live/windows/module_image.h"
@@ -35,7 +34,7 @@ std::string RefusalOf(const std::filesystem::path& plugin) {
   return "not refused";
 }
 
-struct Seen final : host::MachineObserver {
+struct Seen final : host::CollectionListener {
   std::vector<std::string> events;
   void OnProcess(const std::string& application, const std::string& commandLine,
                  bool inheritHandles, bool pipe) override {
@@ -92,7 +91,7 @@ TEST(WatchedImports, PutsTheAddressesBack) {
     return values;
   };
   const std::vector<void*> before = addresses();
-  host::MachineObserver observer;
+  host::CollectionListener observer;
   {
     const host::WatchedImports watched(plugin, {&observer});
     EXPECT_NE(addresses(), before);
@@ -100,16 +99,14 @@ TEST(WatchedImports, PutsTheAddressesBack) {
   EXPECT_EQ(addresses(), before);
 }
 
-TEST(LiveMachine, CreatesTheLogFolderAndTellsTheLogger) {
+TEST(LiveMachine, CreatesTheLogFolder) {
   const std::filesystem::path folder = BesideThisProgram("live machine test") / "logs";
   std::filesystem::remove_all(folder.parent_path());
-  const host::MachineFacts facts = host::PrepareLiveMachine(folder);
+  const host::LiveMachine machine = host::PrepareLiveMachine(folder);
   EXPECT_TRUE(std::filesystem::is_directory(folder));
-  char told[256];
-  LogKit::GetLogDir(told, sizeof(told));
-  EXPECT_EQ(told, folder.string() + "\\");
-  EXPECT_EQ(facts.logFolder, folder.string() + "\\");
-  EXPECT_EQ(facts.languageId, GetSystemDefaultLCID());
+  EXPECT_EQ(machine.logFolder, folder.string() + "\\");
+  EXPECT_EQ(machine.facts.logFolder, folder.string() + "\\");
+  EXPECT_EQ(machine.facts.languageId, GetSystemDefaultLCID());
   std::filesystem::remove_all(folder.parent_path());
 }
 
