@@ -171,7 +171,7 @@ std::vector<std::vector<std::string>> RowsOfReport(const test::Collected& collec
   std::vector<std::vector<std::string>> rows;
   const auto report = collected.files.find(kReport);
   if (report == collected.files.end()) return rows;
-  host::StoredText text(std::make_shared<const std::string>(report->second));
+  host::StoredText text(report->second);
   char line[512];
   while (text.ReadLine(line, sizeof(line))) rows.push_back({std::string("AMTLOG=") + line});
   return rows;

@@ -52,7 +52,7 @@ Input ReadInput(std::string_view text) {
 /// What the modules see of a stored text.
 std::vector<std::string> LinesOf(const std::string& stored) {
   std::vector<std::string> lines;
-  host::StoredText text(std::make_shared<const std::string>(stored));
+  host::StoredText text(stored);
   char line[512];
   while (text.ReadLine(line, sizeof(line))) lines.emplace_back(line);
   return lines;
