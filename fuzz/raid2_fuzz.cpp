@@ -119,8 +119,7 @@ test::PlainRows ReadLinks(const Input& input, int count) {
 using Tables = std::map<std::string, test::PlainRows>;
 
 Tables Foretell(const Input& input) {
-  // The module keeps event data from one dump to the next, and so does this reading.
-  static std::string eventData;
+  std::string eventData;
   Tables tables;
   if (!input.IsThere(kCount)) return tables;
   const auto lines = [&](Output output) { return test::ReadLinesPlainly(input.outputs[output]); };
