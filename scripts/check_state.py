@@ -53,7 +53,10 @@ def list_statics(nm, library):
         if len(fields) != 7 or not WRITABLE.match(fields[6]) or fields[3] in ("FUNC", "SECTION"):
             continue
         # A variable of a thread is reached through the runtime on Windows.
-        name = re.sub(r"^__emutls_[vt]\.", "", fields[0])
+        name, is_thread_local = re.subn(r"^__emutls_[vt]\.", "", fields[0])
+        if is_thread_local:
+            name = subprocess.run(["c++filt", name], check=True, capture_output=True,
+                                  text=True).stdout.strip()
         name = re.sub(r"^guard variable for ", "", name) if "host::" in name or "pq::" in name else name
         yield name.replace("[abi:cxx11]", "")
 
