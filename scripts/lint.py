@@ -120,8 +120,10 @@ def main():
     shutil.copy(CONFIGS[1], LINT / "tests")
     known = dependencies()
     compiled = json.loads((BUILD / "compile_commands.json").read_text())
+    # Benchmarks are named as their library wants it.
     sources = [Source(entry, known) for entry in sorted(compiled, key=lambda entry: entry["file"])
-               if is_own(pathlib.Path(entry["file"]).resolve())]
+               if is_own(pathlib.Path(entry["file"]).resolve())
+               and not pathlib.Path(entry["file"]).resolve().is_relative_to(ROOT / "bench")]
     todo = [source for source in sources if not source.stamp.exists()]
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         dirty = [found for founds in pool.map(look_at, batches(todo)) for found in founds]
