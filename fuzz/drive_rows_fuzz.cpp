@@ -31,7 +31,7 @@ std::vector<pq::TokenColumn> ListColumns(const test::PlainList& list) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::vector<std::string> lines =
       test::ReadLinesPlainly(std::string(reinterpret_cast<const char*>(data), size));
-  const std::vector<test::PlainList>& lists = test::PlainDriveLists();
+  const std::vector<test::PlainList>& lists = test::GetPlainDriveLists();
   std::vector<test::PlainRows> rows(lists.size());
   std::vector<test::PlainRow> current(lists.size());
   pq::DriveListScan scan;

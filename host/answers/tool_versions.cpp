@@ -11,7 +11,7 @@ namespace {
 /// Rows that are looked at: a tool names its version at the top.
 constexpr std::size_t kRowsLookedAt = 5;
 
-std::string RestOfLine(std::string_view text, std::size_t at) {
+std::string GetRestOfLine(std::string_view text, std::size_t at) {
   std::string_view rest = text.substr(at);
   rest = rest.substr(0, rest.find_first_of("\r\n"));
   const std::size_t first = rest.find_first_not_of(' ');
@@ -24,7 +24,7 @@ std::string FindVersion(const Table& table, std::string_view label) {
   for (std::size_t i = 0; i < count; ++i) {
     for (const std::string& value : table.rows[i].Values()) {
       const std::size_t at = value.find(label);
-      if (at != std::string::npos) return RestOfLine(value, at + label.size());
+      if (at != std::string::npos) return GetRestOfLine(value, at + label.size());
     }
   }
   return {};

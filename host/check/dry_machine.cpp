@@ -9,9 +9,9 @@
 namespace host {
 namespace {
 
-/// What a program answers whose exit code decides what comes next.
+/// The answer of a program whose exit code decides the next step.
 struct DryExit {
-  std::string_view command;  ///< stands in the command line
+  std::string_view command;  ///< part of the command line
   std::uint32_t exitCode;
 };
 constexpr DryExit kExits[] = {

@@ -10,7 +10,7 @@
 
 namespace host {
 
-/// What a dry run takes for granted about the machine.
+/// The facts that a dry run assumes of the machine.
 struct DryFacts {
   std::string hostExecutable;
   std::string logFolder;  ///< ends with a backslash
@@ -20,7 +20,7 @@ struct DryFacts {
 /// A command that a module would run.
 struct DryCommand {
   std::string module;
-  std::string commandLine;  ///< behind "/c " for the interpreter, or as given to `system`
+  std::string commandLine;  ///< the interpreter's, after "/c ", or as given to `system`
 };
 
 /// Answers as a machine does that has everything: AMT, a BMC of the family with the most tables,

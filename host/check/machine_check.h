@@ -1,5 +1,5 @@
-// What a collection would find on a machine, before it runs: each module's tools, where results go,
-// and what about the machine keeps tables empty.
+// Checks a machine before a collection runs: are each module's tools there, can results be written,
+// and does anything keep tables empty?
 #pragma once
 
 #include <cstdint>
@@ -24,8 +24,8 @@ struct CheckedMachine {
 struct Finding {
   enum class Kind { kGood, kNote, kMissing };
   Kind kind = Kind::kGood;
-  std::string subject;  ///< a module's name, or what about the machine
-  std::string text;     ///< UTF-8, one line: what was found and, unless good, what to do about it
+  std::string subject;  ///< a module's name, or a part of the machine
+  std::string text;     ///< UTF-8, one line: the finding and, unless good, its remedy
 };
 
 /// Module by module (all, or those named) and tool by tool, then the machine. Throws UsageError for
@@ -34,7 +34,7 @@ std::vector<Finding> CheckMachine(const CheckedMachine& machine,
                                   const std::vector<std::string>& moduleNames);
 
 /// The character of the host's folder at which the interpreter ends the program's name on lines
-/// whose only quotes stand around it. The interpreter keeps such quotes when there is a blank
+/// with no quotes but those around it. The interpreter keeps such quotes when there is a blank
 /// between them and none of &<>()@^|; it takes all others away.
 std::optional<char> FindSplit(std::string_view folder);
 

@@ -97,7 +97,7 @@ Collection Collect(Source& source, const Selection& selection, CollectionListene
   for (CollectedTable& table : collection.tables) {
     const auto rows = stored.find(table.className);
     if (rows != stored.end()) table.rows = &rows->second;
-    table.status = statuses.StatusOf(table.module, table.className, table.RowCount());
+    table.status = statuses.FindStatus(table.module, table.className, table.RowCount());
   }
   collection.problems = DescribeFailures(failures, TextDecoder(collection.machine.codePage));
   if (wasInterrupted) collection.problems.emplace_back(kInterrupted);

@@ -1,4 +1,4 @@
-// What came of a collection.
+// The result of a collection.
 #pragma once
 
 #include <chrono>
@@ -34,7 +34,7 @@ struct CollectedTable {
   std::size_t RowCount() const { return rows == nullptr ? 0 : rows->rows.size(); }
 };
 
-/// A command line that a module ran, and what the tool answered.
+/// A command line that a module ran, and the tool's answer.
 struct CollectedAnswer : ToolAnswer {
   std::string module;
   std::string commandLine;
@@ -50,11 +50,10 @@ struct Collection {
   std::vector<CollectedTable> tables;    ///< each once, in the order of use
   /// The user named the tables that he wants.
   bool tablesNamed = false;
-  /// What could not be collected, one line each. UTF-8.
+  /// A line for each thing that could not be collected. UTF-8.
   std::vector<std::string> problems;
-  std::vector<LogLine> log;  ///< what the modules logged; only when asked for
-  /// What the tools answered, in the order of the command lines. Texts are shared with the
-  /// recording.
+  std::vector<LogLine> log;  ///< the modules' log; only when asked for
+  /// The tools' answers, in the order of the command lines. Texts are shared with the recording.
   std::vector<CollectedAnswer> answers;
   /// The files of a recorded machine after the collection, by their Windows path; those of a live
   /// one are where they are.

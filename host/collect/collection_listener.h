@@ -13,7 +13,7 @@ namespace host {
 /// Called on the collecting thread, in order. Texts are bytes in the machine's code page.
 class CollectionListener : public MachineObserver {
  public:
-  /// Nothing can be refused any more, and no module has been used yet. What it throws ends the
+  /// Nothing can be refused any more, and no module has been used yet. An exception ends the
   /// collection.
   virtual void Begin() {}
   /// Who sees the calls on the repository; asked once, after Begin(). Null: nobody.

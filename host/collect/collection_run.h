@@ -22,8 +22,8 @@ class CollectionRun {
   /// `selection` names something that does not exist.
   CollectionRun(Source& source, const Selection& selection, CollectionListener& listener);
 
-  /// Enumerates what was selected into `repository`; fills `modules` and `tables` of `collection`,
-  /// but for the tables' rows and statuses.
+  /// Enumerates the selected tables into `repository`; fills `modules` and `tables` of
+  /// `collection`, but for the tables' rows and statuses.
   void Enumerate(halyard::repository::RRepository& repository, Collection& collection);
 
  private:

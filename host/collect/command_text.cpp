@@ -11,7 +11,7 @@ void SkipAll(std::string_view& text, char c) {
   text.remove_prefix(std::min(text.find_first_not_of(c), text.size()));
 }
 
-/// A command line's program, and all that stands behind it.
+/// A command line's program, and all that follows it.
 struct Split {
   std::string_view program;
   std::string_view rest;
@@ -22,8 +22,8 @@ Split SplitProgram(std::string_view commandLine) {
   SkipAll(commandLine, ' ');
   const bool quoted = commandLine.starts_with('"');
   SkipAll(commandLine, '"');
-  // A folder with blanks stands in quotes, so the program ends at the next one, unless its
-  // arguments stand in the same quotes.
+  // A folder with blanks is quoted, so the program ends at the next quote, unless the quotes
+  // enclose its arguments too.
   std::string_view program = commandLine.substr(0, commandLine.find(quoted ? '"' : ' '));
   const std::size_t extension = program.rfind(kExtension);
   const bool isFile = extension != std::string_view::npos;

@@ -6,11 +6,11 @@
 
 namespace host {
 
-/// The program that an interpreter's command line ("/c ...") runs, with its folder as it stands
+/// The program that an interpreter's command line ("/c ...") runs, with its folder as written
 /// there, without quotes. Empty when there is none.
 std::string FindProgram(std::string_view commandLine);
 
-/// What stands behind that program, up to a pipe or a redirection, without blanks at its ends.
+/// The text after that program, up to a pipe or a redirection, without blanks at its ends.
 std::string FindArguments(std::string_view commandLine);
 
 /// The file name of that program; arguments, which may hold a password, are left out.

@@ -1,4 +1,4 @@
-// What could not be collected, derived from what the host sees of a collection.
+// Finds out what could not be collected from the events of a collection.
 #pragma once
 
 #include <functional>
@@ -21,18 +21,18 @@ struct Failure {
 /// The text of a log line without the log's prefix.
 std::string_view RemoveLogPrefix(std::string_view text);
 
-/// What a module says of a failed step with `text`, the text of a log line without the log's
-/// prefix; null when it tells of none.
+/// The sentence by which a module reports a failed step in `text`, a log line without the log's
+/// prefix; null when it reports none.
 const pq::FailureSentence* FindFailureSentence(std::string_view text);
 
-/// Whether the log line says that something could not be collected. That a machine has no tool or
-/// controller of some vendor is nothing of the kind.
+/// Whether the log line says that something could not be collected. A missing tool or absent
+/// controller is not a failure.
 bool ReportsFailure(const LogLine& line);
 
 /// Gathers the failures of a collection.
 class FailureList final : public CollectionListener {
  public:
-  /// Whether the machine has what a command line runs.
+  /// Whether the machine has the programs of a command line.
   using ProgramTest = std::function<bool(const std::string& commandLine)>;
 
   /// From now on a program that answers for the presence of something, and is missing itself, is a
@@ -56,7 +56,7 @@ class FailureList final : public CollectionListener {
   std::string module;
   std::string tool;
   std::vector<Failure> failures;
-  bool interrupted = false;  ///< the modules complain of what the host refuses
+  bool interrupted = false;  ///< modules complain of the host's refusals
 };
 
 }  // namespace host

@@ -1,4 +1,4 @@
-// What a collection says about the machine that it came from.
+// Facts about the machine that a collection came from.
 #pragma once
 
 #include <cstdint>
@@ -9,8 +9,8 @@
 namespace host {
 
 struct MachineFacts {
-  bool recorded = false;    ///< a recording stood for the machine
-  std::string description;  ///< UTF-8: the recording's own words, or what the system calls itself
+  bool recorded = false;    ///< the machine was a recording
+  std::string description;  ///< UTF-8: the recording's own words, or the system's name
   std::string name;         ///< UTF-8; empty when not known
   std::uint32_t languageId = pq::kUsEnglish;
   /// The code page of the bytes that its tools print.
@@ -19,7 +19,7 @@ struct MachineFacts {
   std::string logFolder;       ///< bytes in that code page; ends with a backslash
 };
 
-/// What only the machine itself tells; a recording knows none of it.
+/// Facts that only the machine itself tells; no recording holds them.
 struct Surroundings {
   bool hasInterpreter = false;
   bool canWriteLogFolder = false;  ///< the log folder, or the folder that it would be made in

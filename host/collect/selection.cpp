@@ -16,7 +16,7 @@ using halyard::repository::RModule;
 
 namespace {
 
-std::vector<std::string> TableNames(const LoadedModule& module) {
+std::vector<std::string> ListTableNames(const LoadedModule& module) {
   std::vector<std::string> names;
   for (const auto& [name, handlers] : module.module->Tables()) names.push_back(name);
   return names;
@@ -51,7 +51,7 @@ void CheckTables(const std::vector<LoadedModule>& modules,
                         "--module away",
                         table, module.name, module.name));
       }
-      for (const std::string& name : TableNames(module)) known.push_back(name);
+      for (const std::string& name : ListTableNames(module)) known.push_back(name);
     }
     throw UsageError(fmt::format("there is no table {}{} (tables: {})", table,
                                  SuggestName(table, known), fmt::join(known, ", ")));
@@ -91,7 +91,7 @@ std::vector<ModuleSelection> SelectTables(const std::vector<LoadedModule>& modul
     for (const std::string& table : wanted.tables) {
       if (HasTable(*module, table)) selected.tables.push_back(table);
     }
-    if (wanted.tables.empty()) selected.tables = TableNames(*module);
+    if (wanted.tables.empty()) selected.tables = ListTableNames(*module);
     if (!selected.tables.empty() || wanted.tables.empty()) selection.push_back(std::move(selected));
   }
   return selection;

@@ -10,7 +10,7 @@
 
 namespace host {
 
-/// What a user asks for.
+/// The modules and tables that a user asks for.
 struct Selection {
   std::vector<std::string> modules;  ///< in the order named; empty: all
   std::vector<std::string> tables;   ///< in the order named, also twice; empty: all

@@ -1,4 +1,4 @@
-// What a collection collects from: a machine, and modules that know it.
+// The source of a collection: a machine, and modules that know it.
 #pragma once
 
 #include <cstdint>
@@ -19,16 +19,16 @@ namespace host {
 class Source {
  public:
   virtual ~Source() = default;
-  /// Comes first. `listener` sees what modules do to the machine and says when to end; it outlives
-  /// the collection.
+  /// Comes first. `listener` follows the modules' work on the machine and says when to end; it
+  /// outlives the collection.
   virtual void Begin(CollectionListener& listener) = 0;
   virtual void AddModules(ModuleList& modules) = 0;
   /// The machine that the modules are to see; null: they bring their own.
   virtual pq::Platform* Machine() = 0;
   virtual MachineFacts Facts() = 0;
-  /// What the modules get for the log folder; mostly that of Facts().
+  /// The log folder that the modules get; mostly that of Facts().
   virtual std::string LogFolder() { return Facts().logFolder; }
-  /// Whether the machine has what a command line runs.
+  /// Whether the machine has the programs of a command line.
   virtual bool HasPrograms(const std::string& commandLine) = 0;
   /// Size in bytes of a file of the log folder, if it is there.
   virtual std::optional<std::uint64_t> LogFileSize(const std::string& fileName) = 0;

@@ -16,7 +16,7 @@ namespace {
 
 const TableStatus kInterrupted{"interrupted", "the collection was interrupted before"};
 
-/// Whether a log line, without its prefix, is the explanation's sentence and means what it says.
+/// Whether a log line, without its prefix, is the explanation's sentence and explains something.
 bool Explains(const pq::Explanation& explanation, std::string_view text) {
   if (explanation.usualValue.empty()) return text == explanation.sentence;
   return text.starts_with(explanation.sentence) &&
@@ -29,14 +29,14 @@ bool Concerns(const pq::Explanation& explanation, const std::string& className) 
 }
 
 /// The program's file name, for people.
-std::string NameOf(std::string_view program) {
+std::string GetFileName(std::string_view program) {
   return std::string(program.substr(program.rfind('\\') + 1));
 }
 
-std::string NamesOf(const std::vector<const ToolRun*>& runs) {
+std::string JoinNames(const std::vector<const ToolRun*>& runs) {
   std::vector<std::string> names;
   for (const ToolRun* run : runs) {
-    std::string name = NameOf(run->program);
+    std::string name = GetFileName(run->program);
     if (std::find(names.begin(), names.end(), name) == names.end()) {
       names.push_back(std::move(name));
     }
@@ -56,11 +56,11 @@ bool IsToolOf(const ToolRun& run, const pq::TableDescription& table) {
 }
 
 /// Other than a program that ended well and said so.
-bool Failed(const ToolRun& run) {
+bool HasFailed(const ToolRun& run) {
   return !run.isThere || run.refused || !run.startFailure.empty() || run.exitCode.value_or(0) != 0;
 }
 
-/// What a log line tells of the run before it.
+/// Notes the facts that a log line tells of the run before it.
 void NoteRun(ToolRun& run, std::string_view text, const pq::ModuleDescription* module) {
   if (const pq::FailureSentence* known = FindFailureSentence(text)) {
     if (known->failure == pq::StepFailure::kToolNotRun) run.startFailure = text;
@@ -119,7 +119,7 @@ void StatusTracker::OnToolEnded(unsigned seconds) {
 
 void StatusTracker::OnRefused() {
   interrupted = true;
-  // What the module says from here on tells of the refusal, not of the machine.
+  // From here on the module's words tell of the refusal, not of the machine.
   if (runJustBegan) runs.back().refused = true;
   runIsOpen = false;
 }
@@ -137,8 +137,8 @@ void StatusTracker::Log(const LogLine& line) {
   if (isTelling) log[module].emplace_back(text);
 }
 
-std::vector<const ToolRun*> StatusTracker::RunsOf(const std::string& name,
-                                                  const pq::TableDescription& table) const {
+std::vector<const ToolRun*> StatusTracker::FindRuns(const std::string& name,
+                                                    const pq::TableDescription& table) const {
   std::vector<const ToolRun*> found;
   for (const pq::ToolCommand& command : table.commands) {
     for (const ToolRun& run : runs) {
@@ -151,22 +151,22 @@ std::vector<const ToolRun*> StatusTracker::RunsOf(const std::string& name,
   return found;
 }
 
-TableStatus StatusTracker::StatusOfRuns(const std::vector<const ToolRun*>& found,
-                                        const pq::TableDescription& table) const {
+TableStatus StatusTracker::ExplainRuns(const std::vector<const ToolRun*>& found,
+                                       const pq::TableDescription& table) const {
   // The tool that ended well tells; otherwise the first that is there at all.
   const auto well =
-      std::find_if(found.rbegin(), found.rend(), [](const ToolRun* r) { return !Failed(*r); });
+      std::find_if(found.rbegin(), found.rend(), [](const ToolRun* r) { return !HasFailed(*r); });
   const auto there =
       std::find_if(found.begin(), found.end(), [](const ToolRun* r) { return r->isThere; });
   if (there == found.end()) {
-    return {
-        "tool missing",
-        fmt::format(
-            "{} {} not on this machine", NamesOf(found),
-            found.size() > 1 && NamesOf(found).find(" and ") != std::string::npos ? "are" : "is")};
+    return {"tool missing",
+            fmt::format("{} {} not on this machine", JoinNames(found),
+                        found.size() > 1 && JoinNames(found).find(" and ") != std::string::npos
+                            ? "are"
+                            : "is")};
   }
   const ToolRun& run = well == found.rend() ? **there : **well;
-  const std::string name = NameOf(run.program);
+  const std::string name = GetFileName(run.program);
   if (run.endedAfterSeconds > 0) {
     return {"ended", fmt::format("{} was ended after {} s", name, run.endedAfterSeconds)};
   }
@@ -192,8 +192,8 @@ TableStatus StatusTracker::StatusOfRuns(const std::vector<const ToolRun*>& found
   return {"no rows in output", fmt::format("{} printed nothing that belongs here", name)};
 }
 
-TableStatus StatusTracker::StatusWithoutRun(const std::string& name,
-                                            const pq::TableDescription& table) const {
+TableStatus StatusTracker::ExplainWithoutRun(const std::string& name,
+                                             const pq::TableDescription& table) const {
   const auto lines = log.find(name);
   if (lines != log.end()) {
     const auto& explanations = FindModuleDescription(name)->explanations;
@@ -213,29 +213,29 @@ TableStatus StatusTracker::StatusWithoutRun(const std::string& name,
   }
   for (const ToolRun* decided : deciding) {
     const ToolRun& run = *decided;
-    if (!Failed(run)) continue;
+    if (!HasFailed(run)) continue;
     if (!run.isThere) {
-      return {"tool missing", fmt::format("{} is not on this machine", NameOf(run.program))};
+      return {"tool missing", fmt::format("{} is not on this machine", GetFileName(run.program))};
     }
     if (run.startFailure.empty()) continue;
-    return {"could not start", fmt::format("{}: {}", NameOf(run.program), run.startFailure)};
+    return {"could not start", fmt::format("{}: {}", GetFileName(run.program), run.startFailure)};
   }
   for (const ToolRun* run : deciding) {
     if (run->openFailure.empty()) continue;
     return {"output could not be opened",
-            fmt::format("{}: {}", NameOf(run->program), run->openFailure)};
+            fmt::format("{}: {}", GetFileName(run->program), run->openFailure)};
   }
   return {"not reached", "no step of the collection asked for it"};
 }
 
-TableStatus StatusTracker::StatusOf(const std::string& name, const std::string& className,
-                                    std::size_t rowCount) const {
+TableStatus StatusTracker::FindStatus(const std::string& name, const std::string& className,
+                                      std::size_t rowCount) const {
   if (rowCount > 0) return {"rows", fmt::format("{} row{}", rowCount, rowCount == 1 ? "" : "s")};
   const pq::TableDescription* table = FindTableDescription(className);
   if (table == nullptr) return {"not reached", "no step of the collection asked for it"};
   if (!table->whyAlwaysEmpty.empty()) return {"always empty", table->whyAlwaysEmpty};
-  const std::vector<const ToolRun*> found = RunsOf(name, *table);
-  return found.empty() ? StatusWithoutRun(name, *table) : StatusOfRuns(found, *table);
+  const std::vector<const ToolRun*> found = FindRuns(name, *table);
+  return found.empty() ? ExplainWithoutRun(name, *table) : ExplainRuns(found, *table);
 }
 
 }  // namespace host

@@ -1,4 +1,4 @@
-// Why a table has rows, or none: worked out in this one place from what the host saw.
+// Why a table has rows, or none: worked out in this one place from the host's observations.
 #pragma once
 
 #include <cstdint>
@@ -24,7 +24,7 @@ struct TableStatus {
 struct ToolRun {
   std::string module;
   std::string commandLine;
-  std::string program;    ///< as it stands on the command line, without quotes
+  std::string program;    ///< as on the command line, without quotes
   std::string arguments;  ///< of the first program of a pipe
   bool isThere = true;    ///< the machine has the program
   bool readThroughPipe = false;
@@ -40,7 +40,7 @@ struct ToolRun {
 /// Follows a collection and answers for its tables.
 class StatusTracker final : public CollectionListener {
  public:
-  /// Whether the machine has what a command line runs.
+  /// Whether the machine has the programs of a command line.
   using ProgramTest = std::function<bool(const std::string& commandLine)>;
   /// Size in bytes of a file of the log folder, if it is there.
   using FileSize = std::function<std::optional<std::uint64_t>(const std::string& fileName)>;
@@ -51,10 +51,10 @@ class StatusTracker final : public CollectionListener {
   }
 
   /// The status of `className`, a table of `module` with `rowCount` rows.
-  TableStatus StatusOf(const std::string& module, const std::string& className,
-                       std::size_t rowCount) const;
+  TableStatus FindStatus(const std::string& module, const std::string& className,
+                         std::size_t rowCount) const;
 
-  /// The collection was interrupted: what is missing was never asked for.
+  /// The collection was interrupted: missing tables were never asked for.
   void Interrupted() { interrupted = true; }
 
   bool WantsLog() const override { return true; }
@@ -70,11 +70,11 @@ class StatusTracker final : public CollectionListener {
 
  private:
   void BeginRun(const std::string& commandLine, bool pipe);
-  std::vector<const ToolRun*> RunsOf(const std::string& module,
-                                     const pq::TableDescription& table) const;
-  TableStatus StatusOfRuns(const std::vector<const ToolRun*>& runs,
-                           const pq::TableDescription& table) const;
-  TableStatus StatusWithoutRun(const std::string& module, const pq::TableDescription& table) const;
+  std::vector<const ToolRun*> FindRuns(const std::string& module,
+                                       const pq::TableDescription& table) const;
+  TableStatus ExplainRuns(const std::vector<const ToolRun*>& runs,
+                          const pq::TableDescription& table) const;
+  TableStatus ExplainWithoutRun(const std::string& module, const pq::TableDescription& table) const;
 
   ProgramTest hasPrograms;
   FileSize logFileSize;

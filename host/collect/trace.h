@@ -17,8 +17,8 @@ enum class Passwords { kShown, kHidden };
 /// becomes the character with that code.
 class TraceWriter final : public RepositoryObserver, public CollectionListener {
  public:
-  /// What an operator typed on a live machine is to be hidden; the password that a recording holds
-  /// stands there anyway.
+  /// A password typed on a live machine is to be hidden; one in a recording is readable there
+  /// anyway.
   explicit TraceWriter(std::ostream& out, Passwords passwords = Passwords::kShown)
       : out(out), passwords(passwords) {}
 

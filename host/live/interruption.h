@@ -4,7 +4,7 @@
 namespace host {
 
 /// Whether Ctrl-C was pressed since the last watch began. May be asked on any thread.
-bool InterruptionRequested();
+bool IsInterruptionRequested();
 
 /// While it lives, Ctrl-C asks for the end of the collection; before and after, it ends the
 /// program. Not more than one at a time.

@@ -21,7 +21,7 @@ namespace host {
 /// The library's file name; it is beside the program.
 inline constexpr char kPluginFileName[] = "repository_pqmodule.dll";
 
-/// Why the library cannot be used, and what would help. UTF-8, one line.
+/// Why the library cannot be used, and a remedy. UTF-8, one line.
 class LiveError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
@@ -36,13 +36,13 @@ class LiveLibrary {
       std::vector<boost::shared_ptr<halyard::repository::RModule>>& modules) = 0;
 };
 
-/// How the host accompanies what the library does to the machine. All of it must outlive the use of
+/// How the host accompanies the library's work on the machine. All of it must outlive the use of
 /// the library.
 struct LiveWatch {
   /// Sees it, and says when no more tools are to start; null: the library is left to itself, and
-  /// what follows means nothing.
+  /// the members below mean nothing.
   CollectionListener* listener = nullptr;
-  /// Keeps what the machine answers once there is a recorder; null: never.
+  /// Keeps the machine's answers once there is a recorder; null: never.
   std::optional<Recorder>* recorder = nullptr;
   /// After how many seconds a tool is ended, with its children.
   std::optional<unsigned> toolLimit = std::nullopt;
@@ -52,7 +52,7 @@ struct LiveWatch {
 std::unique_ptr<LiveLibrary> LoadLiveLibrary(const std::filesystem::path& plugin,
                                              const LiveWatch& watch);
 
-/// What a recorder looks up on this machine.
+/// This machine as a recorder looks things up on it.
 std::unique_ptr<MachineView> ViewLiveMachine();
 
 /// A live machine that is ready for a collection.
@@ -79,8 +79,8 @@ MachineFacts DescribeThisMachine(const std::filesystem::path& logFolder);
 /// As above, and creates `logFolder` with its parents. Throws LiveError.
 LiveMachine PrepareLiveMachine(const std::filesystem::path& logFolder);
 
-/// What else a collection into `logFolder` depends on; nothing is left behind. The library is not
-/// looked at.
+/// All else that a collection into `logFolder` depends on; leaves nothing on the machine. The
+/// library is not looked at.
 Surroundings LookAround(const std::filesystem::path& logFolder);
 
 }  // namespace host

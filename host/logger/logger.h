@@ -13,7 +13,7 @@ struct LogLine {
   std::string text;  ///< with its "[repo] " prefix; bytes in the machine's code page
 };
 
-// Both hold for the calling thread until they are destroyed, on that thread; then what was in use
+// Both hold for the calling thread until they are destroyed, on that thread; then the one from
 // before is in use again. They may be nested.
 
 /// Has `sink` see every log line.
@@ -31,7 +31,7 @@ class LOGGER_API LogSinkInUse {
   const LogSinkInUse* before;
 };
 
-/// Sets what LogKit::GetLogDir answers; a missing backslash at the end is added.
+/// Sets the answer of LogKit::GetLogDir; a missing backslash at the end is added.
 class LOGGER_API LogFolderInUse {
  public:
   explicit LogFolderInUse(std::string folder);

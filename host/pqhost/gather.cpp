@@ -24,7 +24,7 @@ class Attendant final : public CollectionListener {
     listeners.Add(*progress);
   }
 
-  bool WantsEnd() override { return interruption && InterruptionRequested(); }
+  bool WantsEnd() override { return interruption && IsInterruptionRequested(); }
 
  private:
   const Console& console;

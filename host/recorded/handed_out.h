@@ -1,5 +1,5 @@
-// What a machine hands out and a module may let go without closing it, as it deliberately does here
-// and there: on Windows such an object stays open as long as the process; here as long as the
+// Objects that a machine hands out. A module may let go of one without closing it, and in places
+// does so on purpose: on Windows it then stays open as long as the process, here as long as the
 // machine.
 #pragma once
 
@@ -22,7 +22,7 @@ class HandedOutList {
   std::set<HandedOut*> open;
 };
 
-/// Stands in its machine's list from its making to its end. The list must outlive it.
+/// Is in its machine's list as long as it lives. The list must outlive it.
 class HandedOut {
  public:
   explicit HandedOut(HandedOutList& list) : list(list) { list.open.insert(this); }

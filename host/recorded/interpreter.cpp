@@ -22,7 +22,7 @@ std::string_view TrimBlanks(std::string_view text) {
 }
 
 /// Length of the word at the start of `text`: up to a character of `ends` outside quotes.
-std::size_t WordLength(std::string_view text, std::string_view ends) {
+std::size_t MeasureWord(std::string_view text, std::string_view ends) {
   bool isQuoted = false;
   for (std::size_t at = 0; at < text.size(); ++at) {
     if (text[at] == '"') isQuoted = !isQuoted;
@@ -31,7 +31,7 @@ std::size_t WordLength(std::string_view text, std::string_view ends) {
   return text.size();
 }
 
-std::string WithoutQuotes(std::string_view text) {
+std::string RemoveQuotes(std::string_view text) {
   std::string bare(text);
   std::erase(bare, '"');
   return bare;
@@ -46,11 +46,11 @@ class StageReader {
   bool Read(Stage& stage) {
     bool isWhole = true;
     while (!rest.empty() && isWhole) {
-      TakeText(WordLength(rest, "<>"));
+      TakeText(MeasureWord(rest, "<>"));
       if (!rest.empty()) isWhole = TakeRedirection(stage);
     }
     const std::string_view all = TrimBlanks(command);
-    const std::size_t programLength = WordLength(all, kBlanks);
+    const std::size_t programLength = MeasureWord(all, kBlanks);
     stage.program = all.substr(0, programLength);
     stage.arguments = TrimBlanks(all.substr(programLength));
     return isWhole;
@@ -81,8 +81,8 @@ class StageReader {
     }
     rest.remove_prefix(1);
     rest.remove_prefix(std::min(rest.find_first_not_of(kBlanks), rest.size()));
-    const std::size_t length = WordLength(rest, " \t<>");
-    redirection.target = WithoutQuotes(rest.substr(0, length));
+    const std::size_t length = MeasureWord(rest, " \t<>");
+    redirection.target = RemoveQuotes(rest.substr(0, length));
     rest.remove_prefix(length);
     const bool hasTarget = !redirection.target.empty();
     stage.redirections.push_back(std::move(redirection));
@@ -115,7 +115,7 @@ Pipeline ParseCommand(std::string_view command) {
   Pipeline pipeline;
   if (TrimBlanks(command).empty()) return pipeline;
   for (bool isMore = true; isMore;) {
-    const std::size_t length = WordLength(command, "|");
+    const std::size_t length = MeasureWord(command, "|");
     StageReader reader(command.substr(0, length));
     Stage& stage = pipeline.stages.emplace_back();
     if (!reader.Read(stage)) pipeline.isMalformed = true;
@@ -152,7 +152,7 @@ std::string FindOutputFile(const Pipeline& pipeline) {
 }
 
 std::string ToolName(std::string_view program) {
-  std::string name = LowerCase(WithoutQuotes(program));
+  std::string name = LowerCase(RemoveQuotes(program));
   name.erase(0, name.rfind('\\') + 1);
   constexpr std::string_view kExtension = ".exe";
   if (name.ends_with(kExtension)) name.resize(name.size() - kExtension.size());
@@ -164,8 +164,8 @@ std::vector<std::string> SplitWords(std::string_view arguments) {
   for (;;) {
     arguments = TrimBlanks(arguments);
     if (arguments.empty()) return words;
-    const std::size_t length = WordLength(arguments, kBlanks);
-    words.push_back(WithoutQuotes(arguments.substr(0, length)));
+    const std::size_t length = MeasureWord(arguments, kBlanks);
+    words.push_back(RemoveQuotes(arguments.substr(0, length)));
     arguments.remove_prefix(length);
   }
 }

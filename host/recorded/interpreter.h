@@ -6,7 +6,7 @@
 // gives one stage: program "C:\Halyard\pq_tools\amt_log.exe" (with its quotes), arguments
 // `10.0.0.5 admin secret`, standard output to C:\Halyard\logs\amtlog.txt.
 //
-// What the modules' own lines never hold has no meaning here: & ^ % are ordinary characters.
+// Signs that never occur in the modules' lines have no meaning here: & ^ % are ordinary characters.
 #pragma once
 
 #include <functional>
@@ -26,8 +26,8 @@ struct Redirection {
 
 /// One command of a pipeline.
 struct Stage {
-  std::string program;    ///< the first word, with the quotes that stand around it
-  std::string arguments;  ///< all behind it up to a redirection, without blanks at its ends
+  std::string program;    ///< the first word, with the quotes around it
+  std::string arguments;  ///< all after it up to a redirection, without blanks at its ends
   std::vector<Redirection> redirections;
 };
 
@@ -40,14 +40,14 @@ struct Pipeline {
 /// Whether the text between two quotes names a program that exists.
 using ProgramTest = std::function<bool(std::string_view path)>;
 
-/// What is left of the text behind "/c " when the interpreter has dealt with a quote at its start.
+/// The text after "/c " once the interpreter has dealt with a quote at its start.
 /// The quotes stay when there are exactly two, none of &<>()@^| between them, a blank between them,
 /// and the text between them names a program; otherwise the first and the last quote go.
 std::string ApplyQuoteRule(std::string_view text, const ProgramTest& isProgram);
 
 /// Splits a command, quote rule applied, at its pipes and redirections. Quotes protect both; a
 /// quote without a partner protects all that follows. A digit is the handle of a redirection when
-/// it stands alone right before it. Text behind a redirection is no argument.
+/// it is a word of its own right before it. Text after a redirection is no argument.
 Pipeline ParseCommand(std::string_view command);
 
 /// Both of the above for a whole command line, with its "/c ".
@@ -58,7 +58,7 @@ std::string FindOutputFile(const Stage& stage);
 /// That of the last command which has one.
 std::string FindOutputFile(const Pipeline& pipeline);
 
-/// File name of a program as it stands on a line: without folder, quotes and ".exe", in lower case.
+/// File name of a program as written on a line: without folder, quotes and ".exe", in lower case.
 std::string ToolName(std::string_view program);
 
 /// The words of `arguments`, without quotes; blanks between quotes do not separate.

@@ -17,10 +17,10 @@ std::string_view FolderOf(std::string_view path) {
 std::string_view FileNameOf(std::string_view path) { return path.substr(path.rfind('\\') + 1); }
 
 MachineFiles::MachineFiles(const Recording& recording) : workingFolder(recording.workingFolder) {
-  AddFolder(KeyOf(recording.workingFolder));
-  AddFolder(KeyOf(FolderOf(recording.hostExecutable)));
-  if (recording.hasLogFolder) AddFolder(KeyOf(recording.logFolder));
-  for (const std::string& path : recording.readOnly) readOnly.insert(KeyOf(path));
+  AddFolder(MakeKey(recording.workingFolder));
+  AddFolder(MakeKey(FolderOf(recording.hostExecutable)));
+  if (recording.hasLogFolder) AddFolder(MakeKey(recording.logFolder));
+  for (const std::string& path : recording.readOnly) readOnly.insert(MakeKey(path));
   for (const auto& [path, bytes] : recording.files) Store(path, bytes);
 }
 
@@ -43,7 +43,7 @@ std::string MachineFiles::FullPath(std::string_view path) const {
   return whole.starts_with("\\\\") ? "\\\\" + full : full;
 }
 
-std::string MachineFiles::KeyOf(std::string_view path) const { return LowerCase(FullPath(path)); }
+std::string MachineFiles::MakeKey(std::string_view path) const { return LowerCase(FullPath(path)); }
 
 void MachineFiles::AddFolder(std::string key) {
   for (; !key.empty(); key.resize(FolderOf(key).size())) folders.insert(key);
@@ -63,16 +63,16 @@ bool MachineFiles::IsReadOnly(std::string key) const {
   return false;
 }
 
-bool MachineFiles::FolderExists(std::string_view path) const { return HasFolder(KeyOf(path)); }
+bool MachineFiles::FolderExists(std::string_view path) const { return HasFolder(MakeKey(path)); }
 
 std::optional<Bytes> MachineFiles::Find(std::string_view path) const {
-  const auto file = files.find(KeyOf(path));
+  const auto file = files.find(MakeKey(path));
   if (file == files.end()) return std::nullopt;
   return file->second.bytes;
 }
 
 FileResult MachineFiles::Create(std::string_view path) {
-  const std::string key = KeyOf(path);
+  const std::string key = MakeKey(path);
   if (IsReadOnly(key) || HasFolder(key)) return FileResult::kAccessDenied;
   if (!HasFolder(std::string(FolderOf(key)))) return FileResult::kNoSuchPath;
   Store(path, {});
@@ -80,13 +80,13 @@ FileResult MachineFiles::Create(std::string_view path) {
 }
 
 void MachineFiles::Store(std::string_view path, Bytes bytes) {
-  StoredFile& file = files[KeyOf(path)];
+  StoredFile& file = files[MakeKey(path)];
   if (file.path.empty()) file.path = FullPath(path);
   file.bytes = std::move(bytes);
 }
 
 FileResult MachineFiles::MakeFolder(std::string_view path) {
-  const std::string key = KeyOf(path);
+  const std::string key = MakeKey(path);
   if (HasFolder(key) || files.contains(key)) return FileResult::kExists;
   if (IsReadOnly(key)) return FileResult::kAccessDenied;
   for (std::string_view above = FolderOf(key); !above.empty(); above = FolderOf(above)) {
@@ -96,9 +96,9 @@ FileResult MachineFiles::MakeFolder(std::string_view path) {
   return FileResult::kDone;
 }
 
-std::map<std::string, Bytes> MachineFiles::FilesIn(std::string_view folder) const {
+std::map<std::string, Bytes> MachineFiles::ListFiles(std::string_view folder) const {
   std::map<std::string, Bytes> inside;
-  const std::string start = KeyOf(folder) + '\\';
+  const std::string start = MakeKey(folder) + '\\';
   for (auto file = files.lower_bound(start); file != files.end() && file->first.starts_with(start);
        ++file) {
     if (file->first.find('\\', start.size()) != std::string::npos) continue;

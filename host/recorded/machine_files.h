@@ -12,14 +12,13 @@
 
 namespace host {
 
-/// What came of a try to change the files.
+/// The result of a try to change the files.
 enum class FileResult { kDone, kAccessDenied, kNoSuchPath, kExists };
 
 class MachineFiles {
  public:
-  /// The host's folder, the log folder and the working folder
-  /// exist, unless the recording says otherwise; other folders when a file lies under them, or once
-  /// they were made.
+  /// The host's folder, the log folder and the working folder exist, unless the recording says
+  /// otherwise; other folders when a file is below them, or once they were made.
   explicit MachineFiles(const Recording& recording);
 
   bool FolderExists(std::string_view path) const;
@@ -36,7 +35,7 @@ class MachineFiles {
   /// `path` in full: with its drive, single backslashes, none at the end.
   std::string FullPath(std::string_view path) const;
   /// File name to bytes of the files right in a folder.
-  std::map<std::string, Bytes> FilesIn(std::string_view folder) const;
+  std::map<std::string, Bytes> ListFiles(std::string_view folder) const;
   /// All files by their full path, spelled as it was first written.
   std::map<std::string, Bytes> All() const;
 
@@ -46,8 +45,8 @@ class MachineFiles {
     Bytes bytes;
   };
 
-  /// What paths are compared by.
-  std::string KeyOf(std::string_view path) const;
+  /// Equal for two paths of one file or folder.
+  std::string MakeKey(std::string_view path) const;
   void AddFolder(std::string key);
   bool HasFolder(const std::string& key) const;
   bool IsReadOnly(std::string key) const;
@@ -60,7 +59,7 @@ class MachineFiles {
 
 /// The part of a path before its last backslash; empty when it has none.
 std::string_view FolderOf(std::string_view path);
-/// The part of a path behind its last backslash.
+/// The part of a path after its last backslash.
 std::string_view FileNameOf(std::string_view path);
 
 }  // namespace host

@@ -1,4 +1,4 @@
-// How a host sees what modules do to the machine.
+// How a host follows the modules' work on the machine.
 #pragma once
 
 #include <cstdint>
@@ -9,10 +9,10 @@
 
 namespace host {
 
-/// "The operation was canceled by the user": the system error of what is refused.
+/// "The operation was canceled by the user": the system error of a refused start.
 inline constexpr std::uint32_t kErrorCancelled = 1223;
 
-/// What came of a command line. Paths and texts are bytes in the machine's code page.
+/// The output of a command line. Paths and texts are bytes in the machine's code page.
 struct ToolAnswer {
   Bytes output;      ///< written to the pipe or to the host's console
   std::string file;  ///< that standard output went to; empty when it went to none
@@ -27,7 +27,7 @@ class MachineObserver {
   /// A start of the interpreter is attempted; it may still fail.
   virtual void OnProcess(const std::string& /*application*/, const std::string& /*commandLine*/,
                          bool /*inheritHandles*/, bool /*pipe*/) {}
-  /// What the tool started last wrote; called before its process is awaited, or without that.
+  /// The output of the tool started last; told before its process is awaited, or without that.
   virtual void OnAnswer(const ToolAnswer& /*answer*/) {}
   /// The process started last was awaited and has ended.
   virtual void OnProcessEnd(std::uint32_t /*exitCode*/) {}

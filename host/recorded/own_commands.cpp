@@ -64,7 +64,7 @@ CommandOutcome CopyFiles(const std::string& arguments, MachineFiles& files) {
   if (!files.FolderExists(source)) return FailWith(kNoSuchFile);
   if (!files.FolderExists(target)) return FailWith(kNoSuchPath);
   std::vector<Copy> copies;
-  for (const auto& [name, content] : files.FilesIn(source)) {
+  for (const auto& [name, content] : files.ListFiles(source)) {
     copies.push_back({Join(source, name), Join(target, name), content});
   }
   if (copies.empty()) return FailWith(kNoSuchFile);

@@ -11,18 +11,18 @@
 
 namespace host {
 
-/// What a command leaves.
+/// The result of a command.
 struct CommandOutcome {
   Bytes standardOutput;
   Bytes standardError;
   std::uint32_t exitCode = 0;
 };
 
-/// The interpreter's words for what went wrong, with exit code 1.
+/// The interpreter's words for a failure, with exit code 1.
 CommandOutcome FailWith(std::string_view words);
 CommandOutcome FailWith(FileResult result);
 
-/// What it writes about a program that is not there; `program` as it stands on the line.
+/// Its complaint about a missing program; `program` as written on the line.
 std::string NotRecognized(std::string_view program);
 
 inline constexpr std::string_view kAccessDenied = "Access is denied.";
@@ -30,10 +30,10 @@ inline constexpr std::string_view kNoSuchPath = "The system cannot find the path
 inline constexpr std::string_view kNoSuchFile = "The system cannot find the file specified.";
 inline constexpr std::string_view kBadSyntax = "The syntax of the command is incorrect.";
 
-/// Whether the interpreter does `program`, as it stands on a line, by itself here.
+/// Whether `program`, as written on a line, is one of the interpreter's own commands.
 bool IsOwnCommand(std::string_view program);
 
-/// copy, md or findstr. `input` is what came through the pipe.
+/// copy, md or findstr. `input` came through the pipe.
 CommandOutcome RunOwnCommand(const Stage& stage, const Bytes& input, MachineFiles& files);
 
 }  // namespace host

@@ -19,7 +19,7 @@
 namespace host {
 namespace {
 
-/// What GetModuleFileNameA stores in a 260-byte buffer at most.
+/// The longest path that GetModuleFileNameA stores in a 260-byte buffer.
 constexpr std::size_t kExecutablePathLimit = 259;
 
 [[noreturn]] void EndProcess(const char* why) {
@@ -48,10 +48,10 @@ struct AnswerQueue {
   }
 };
 
-/// Tool and arguments: what commands are told apart by.
+/// Tool and arguments tell commands apart.
 using CommandKey = std::pair<std::string, std::string>;
 
-CommandKey KeyOf(std::string_view tool, std::string_view arguments) {
+CommandKey MakeKey(std::string_view tool, std::string_view arguments) {
   constexpr std::string_view kBlanks = " \t";
   const std::size_t first = std::min(arguments.find_first_not_of(kBlanks), arguments.size());
   const std::size_t end = arguments.find_last_not_of(kBlanks) + 1;
@@ -60,7 +60,7 @@ CommandKey KeyOf(std::string_view tool, std::string_view arguments) {
 
 bool IsNullDevice(std::string_view path) { return LowerCase(FileNameOf(path)) == "nul"; }
 
-/// What a pipeline leaves: its last command's standard output, everyone's standard error.
+/// The output of a pipeline: its last command's standard output, everyone's standard error.
 struct PipelineOutcome {
   Bytes standardOutput;
   std::vector<Bytes> standardError;
@@ -164,7 +164,7 @@ struct RecordedMachine::State {
         files(recording) {
     for (const RecordedCommand& command : recording.commands) {
       tools.insert(ToolName(command.tool));
-      commands[KeyOf(command.tool, command.arguments)].answers.push_back(
+      commands[MakeKey(command.tool, command.arguments)].answers.push_back(
           {{command.standardOutput, command.standardError, command.exitCode},
            command.startError,
            command.pipeError,
@@ -177,7 +177,7 @@ struct RecordedMachine::State {
   }
 
   AnswerQueue* FindAnswers(const Stage& stage) {
-    const auto found = commands.find(KeyOf(stage.program, stage.arguments));
+    const auto found = commands.find(MakeKey(stage.program, stage.arguments));
     return found == commands.end() ? nullptr : &found->second;
   }
 
@@ -206,7 +206,7 @@ struct RecordedMachine::State {
     return outcome;
   }
 
-  /// Runs one command on what the one before wrote, and leaves what the next one reads.
+  /// Runs one command on the output of the one before.
   void RunStage(const Stage& stage, PipelineOutcome& outcome) {
     Bytes input = std::exchange(outcome.standardOutput, {});
     for (const Redirection& redirection : stage.redirections) {
@@ -282,7 +282,7 @@ struct RecordedMachine::State {
     }
   }
 
-  /// Tells what came of a pipeline that was run.
+  /// Tells the output of a pipeline that was run.
   void TellAnswer(const Pipeline& pipeline, const PipelineOutcome& outcome) {
     if (observer == nullptr) return;
     ToolAnswer answer{outcome.standardOutput, FindOutputFile(pipeline), {}};
@@ -312,7 +312,7 @@ struct RecordedMachine::State {
   std::function<bool()> isEnding;
   std::string hostExecutable;
   std::uint32_t languageId;
-  std::string console;  ///< what the operator types
+  std::string console;  ///< the operator's input
   MachineObserver* observer;
   MachineFiles files;
   std::map<CommandKey, AnswerQueue> commands;

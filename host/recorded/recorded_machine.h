@@ -1,4 +1,4 @@
-// A recording stands for the machine: tools answer from it, the interpreter's own commands work on
+// A recording as the machine: tools answer from it, the interpreter's own commands work on
 // its files.
 #pragma once
 

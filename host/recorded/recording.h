@@ -1,4 +1,4 @@
-// What a recording says about a machine: what its tools print and which files are on it. Plain
+// A recording of a machine: the output of its tools and the files that are on it. Plain
 // data, cheap to copy; host/recording knows it as files.
 #pragma once
 
@@ -16,7 +16,7 @@ namespace host {
 /// One answer of a tool. Texts are bytes as they are on the machine.
 struct RecordedCommand {
   std::string tool;       ///< file name of the program; compared without case and without ".exe"
-  std::string arguments;  ///< all behind the program up to a pipe or a redirection, ends trimmed
+  std::string arguments;  ///< all after the program up to a pipe or a redirection, ends trimmed
   Bytes standardOutput;
   Bytes standardError;
   std::uint32_t exitCode = 0;
@@ -35,7 +35,7 @@ struct Recording {
   std::string logFolder = "C:\\Halyard\\logs\\";
   std::string workingFolder = "C:\\Halyard\\work\\";
   bool hasLogFolder = true;  ///< false: nobody made the log folder
-  std::string console;       ///< what the operator types
+  std::string console;       ///< the operator's input
   /// Several entries for one command answer in turn; the last one answers from then on.
   std::vector<RecordedCommand> commands;
   /// Windows path to stored bytes.

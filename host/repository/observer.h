@@ -23,7 +23,7 @@ class RepositoryObserver {
                           const std::string& /*label*/, int /*value*/, bool /*flag*/) {}
   virtual void OnAttribute(std::uint64_t /*id*/, const std::string& /*propertyKey*/,
                            const std::string& /*name*/, const std::string& /*value*/) {}
-  /// The instance was handed to the repository as it stands.
+  /// The instance was handed to the repository in its present state.
   virtual void OnAdd(std::uint64_t /*id*/) {}
   /// The module destroyed its copy.
   virtual void OnRelease(std::uint64_t /*id*/) {}

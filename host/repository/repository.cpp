@@ -84,7 +84,7 @@ struct RepositoryState {
   void Add(const InstanceState& instance) {
     if (instance.keptShape == nullptr || instance.keptIn != shapes) KeepShape(instance);
     host::Table& table = *tableOf[instance.keptShape];
-    // A row stays; what the growing list had room for besides goes, without a copy of the texts.
+    // Rows stay, so give up the list's spare room. The texts are moved, not copied.
     instance.values->shrink_to_fit();
     table.rows.push_back({instance.keptShape, instance.values});
   }

@@ -1,5 +1,5 @@
-// What a repository holds: one table per class, one row per AddToRepository. A row costs what its
-// own texts cost; all that rows have in common is kept once.
+// The contents of a repository: one table per class, one row per AddToRepository. A row costs what
+// its own texts cost; all that rows have in common is kept once.
 #pragma once
 
 #include <deque>
@@ -29,7 +29,7 @@ struct Attribute {
   auto operator<=>(const Attribute&) const = default;
 };
 
-/// What many rows share.
+/// The part that many rows share.
 struct RowShape {
   std::string className;
   std::string instanceKey;
@@ -39,7 +39,7 @@ struct RowShape {
   auto operator<=>(const RowShape&) const = default;
 };
 
-/// One instance as it stood when it was added. Texts are bytes in the machine's code page.
+/// One instance as it was when it was added. Texts are bytes in the machine's code page.
 struct Row {
   const RowShape* shape = nullptr;
   /// Shared with the instance until that changes again.

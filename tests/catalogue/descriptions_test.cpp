@@ -56,7 +56,7 @@ host::TableStatus StatusAfterRun(const pq::ModuleDescription& module,
                     false);
   tracker.OnProcessEnd(0);
   tracker.Log(MakeLine(text));
-  return tracker.StatusOf(module.name, table.className, 0);
+  return tracker.FindStatus(module.name, table.className, 0);
 }
 
 /// The table's status after the module logged `text` and ran nothing.
@@ -65,7 +65,7 @@ host::TableStatus StatusAfterLog(const pq::ModuleDescription& module, const std:
   host::StatusTracker tracker;
   tracker.Module(module.name, "");
   tracker.Log(MakeLine(text));
-  return tracker.StatusOf(module.name, className, 0);
+  return tracker.FindStatus(module.name, className, 0);
 }
 
 std::string FindOutcome(StepFailure failure) {
@@ -230,7 +230,7 @@ void Keep(LoggedLines& logged, const std::string& module, const std::vector<std:
 
 /// Every step of the fault table meets every fault that takes away a tool, a pipe or a report.
 void KeepFaults(LoggedLines& logged) {
-  for (const FaultScenario& scenario : FaultScenarios()) {
+  for (const FaultScenario& scenario : GetFaultScenarios()) {
     const FaultRun whole = RunWhole(scenario);
     Keep(logged, scenario.module, whole.lines);
     for (std::size_t row = 0; row < scenario.rows.size(); ++row) {
@@ -317,7 +317,7 @@ TEST(ModuleDescriptions, AreOfSentencesThatTheModulesLog) {
 }
 
 TEST(ModuleDescriptions, HoldEveryFailureOfTheFaultTable) {
-  for (const FaultScenario& scenario : FaultScenarios()) {
+  for (const FaultScenario& scenario : GetFaultScenarios()) {
     const pq::ModuleDescription* module = host::FindModuleDescription(scenario.module);
     ASSERT_NE(module, nullptr);
     for (const FaultRow& row : scenario.rows) {

@@ -45,8 +45,8 @@ class Watched {
 
 TEST(TableStatus, CountsRows) {
   Watched watched("BMC_Info");
-  EXPECT_EQ(watched.tracker.StatusOf("BMC_Info", "SELINFO", 1).text, "1 row");
-  const TableStatus status = watched.tracker.StatusOf("BMC_Info", "SELINFO", 12);
+  EXPECT_EQ(watched.tracker.FindStatus("BMC_Info", "SELINFO", 1).text, "1 row");
+  const TableStatus status = watched.tracker.FindStatus("BMC_Info", "SELINFO", 12);
   EXPECT_EQ(status.outcome, "rows");
   EXPECT_EQ(status.text, "12 rows");
 }
@@ -55,7 +55,7 @@ TEST(TableStatus, NamesTheMissingTool) {
   Watched watched("sampleModule2");
   watched.programsAreThere = false;
   watched.Runs(StorcliCommand("/c0 show termlog", "fwtermlog.txt"), 1);
-  const TableStatus status = watched.tracker.StatusOf("sampleModule2", "FWTERMLOG", 0);
+  const TableStatus status = watched.tracker.FindStatus("sampleModule2", "FWTERMLOG", 0);
   EXPECT_EQ(status.outcome, "tool missing");
   EXPECT_EQ(status.text, "storcli.exe is not on this machine");
 }
@@ -65,7 +65,7 @@ TEST(TableStatus, RepeatsWhyAToolCouldNotStart) {
   watched.tracker.OnProcess("cmd.exe", StorcliCommand("/c0 show termlog", "fwtermlog.txt"), false,
                             false);
   watched.Logs("CreateProcess failed (5)");
-  const TableStatus status = watched.tracker.StatusOf("sampleModule2", "FWTERMLOG", 0);
+  const TableStatus status = watched.tracker.FindStatus("sampleModule2", "FWTERMLOG", 0);
   EXPECT_EQ(status.outcome, "could not start");
   EXPECT_EQ(status.text, "storcli.exe: CreateProcess failed (5)");
 }
@@ -73,14 +73,14 @@ TEST(TableStatus, RepeatsWhyAToolCouldNotStart) {
 TEST(TableStatus, TellsAPipeThatCouldNotBeCreated) {
   Watched watched("BMC_Info");
   watched.Logs("Failed to create pipe for sensor info");
-  EXPECT_EQ(watched.tracker.StatusOf("BMC_Info", "SENSORINFO", 0).outcome, "could not start");
+  EXPECT_EQ(watched.tracker.FindStatus("BMC_Info", "SENSORINFO", 0).outcome, "could not start");
 }
 
 TEST(TableStatus, TellsAnOutputThatCouldNotBeOpened) {
   Watched watched("sampleModule2");
   watched.Runs(StorcliCommand("/c0 show termlog", "fwtermlog.txt"), 0)
       .Logs("Failed to open raid log file");
-  const TableStatus status = watched.tracker.StatusOf("sampleModule2", "FWTERMLOG", 0);
+  const TableStatus status = watched.tracker.FindStatus("sampleModule2", "FWTERMLOG", 0);
   EXPECT_EQ(status.outcome, "output could not be opened");
   EXPECT_EQ(status.text, "storcli.exe: Failed to open raid log file");
 }
@@ -88,7 +88,7 @@ TEST(TableStatus, TellsAnOutputThatCouldNotBeOpened) {
 TEST(TableStatus, TellsTheExitCodeOfAToolThatFailed) {
   Watched watched("sampleModule2");
   watched.Runs(StorcliCommand("/c0 show termlog", "fwtermlog.txt"), 46);
-  const TableStatus status = watched.tracker.StatusOf("sampleModule2", "FWTERMLOG", 0);
+  const TableStatus status = watched.tracker.FindStatus("sampleModule2", "FWTERMLOG", 0);
   EXPECT_EQ(status.outcome, "tool reported an error");
   EXPECT_EQ(status.text, "storcli.exe ended with code 46");
 }
@@ -98,40 +98,43 @@ TEST(TableStatus, TellsAnErrorTextThatAQueryRejected) {
   watched.Runs("/c \"C:\\Halyard\\pq_tools\\ipmiutilnh.exe\" korvaxoem mc", 0, /*pipe=*/true)
       .Logs("dw:22")
       .Logs("Error: no such driver");
-  EXPECT_EQ(watched.tracker.StatusOf("BMC_Info", "MCINFO", 0).outcome, "tool reported an error");
+  EXPECT_EQ(watched.tracker.FindStatus("BMC_Info", "MCINFO", 0).outcome, "tool reported an error");
 }
 
 TEST(TableStatus, TellsAToolThatPrintedNothing) {
   Watched watched("sampleModule2");
   watched.Runs(StorcliCommand("/c0 show termlog", "fwtermlog.txt"), 0);
   watched.leftSize = 0;
-  EXPECT_EQ(watched.tracker.StatusOf("sampleModule2", "FWTERMLOG", 0).outcome, "nothing printed");
+  EXPECT_EQ(watched.tracker.FindStatus("sampleModule2", "FWTERMLOG", 0).outcome, "nothing printed");
 }
 
 TEST(TableStatus, TellsAnOutputWithoutRows) {
   Watched watched("sampleModule2");
   watched.Runs(StorcliCommand("/c0 show termlog", "fwtermlog.txt"), 0);
   watched.leftSize = 400;
-  EXPECT_EQ(watched.tracker.StatusOf("sampleModule2", "FWTERMLOG", 0).outcome, "no rows in output");
+  EXPECT_EQ(watched.tracker.FindStatus("sampleModule2", "FWTERMLOG", 0).outcome,
+            "no rows in output");
 }
 
 TEST(TableStatus, TellsTheQueryThatAPlatformFamilyLacks) {
   Watched watched("BMC_Info");
   watched.Logs("Marl(ZM310), has BMC, return 7");
-  EXPECT_EQ(watched.tracker.StatusOf("BMC_Info", "LEDINFO", 0).outcome, "not this platform family");
-  EXPECT_NE(watched.tracker.StatusOf("BMC_Info", "SDRINFO", 0).outcome, "not this platform family");
+  EXPECT_EQ(watched.tracker.FindStatus("BMC_Info", "LEDINFO", 0).outcome,
+            "not this platform family");
+  EXPECT_NE(watched.tracker.FindStatus("BMC_Info", "SDRINFO", 0).outcome,
+            "not this platform family");
 }
 
 TEST(TableStatus, TellsAMachineWithoutBmc) {
   Watched watched("BMC_Info");
   watched.Logs("has no BMC, return 4");
-  EXPECT_EQ(watched.tracker.StatusOf("BMC_Info", "SELINFO", 0).text, "this machine has no BMC");
+  EXPECT_EQ(watched.tracker.FindStatus("BMC_Info", "SELINFO", 0).text, "this machine has no BMC");
 }
 
 TEST(TableStatus, TellsThatASystemIsNotEnglish) {
   Watched watched("Windows_Related_Info");
   watched.Logs("Get OS language, lcid=1031");
-  EXPECT_EQ(watched.tracker.StatusOf("Windows_Related_Info", "ARPINFO", 0).outcome,
+  EXPECT_EQ(watched.tracker.FindStatus("Windows_Related_Info", "ARPINFO", 0).outcome,
             "not this language");
 }
 
@@ -142,7 +145,7 @@ TEST(TableStatus, TellsTheSecondToolWhereTheFirstFailed) {
           "/c \"\"C:\\H\\utilities\\vroc\\IntelVROCCli.exe\" -I > \"C:\\H\\logs\\rstcli64.txt\"\"",
           0);
   watched.leftSize = 10;
-  EXPECT_EQ(watched.tracker.StatusOf("sampleModule1", "CONTROLLER", 0).text,
+  EXPECT_EQ(watched.tracker.FindStatus("sampleModule1", "CONTROLLER", 0).text,
             "IntelVROCCli.exe printed nothing that belongs here");
 }
 
@@ -150,7 +153,7 @@ TEST(TableStatus, TellsAToolThatTheHostEnded) {
   Watched watched("sampleModule2");
   watched.Runs(StorcliCommand("/c0 show termlog", "fwtermlog.txt"), 1);
   watched.tracker.OnToolEnded(30);
-  EXPECT_EQ(watched.tracker.StatusOf("sampleModule2", "FWTERMLOG", 0).text,
+  EXPECT_EQ(watched.tracker.FindStatus("sampleModule2", "FWTERMLOG", 0).text,
             "storcli.exe was ended after 30 s");
 }
 
@@ -160,7 +163,7 @@ TEST(TableStatus, TellsAToolThatWasRefusedByAnInterruption) {
                             false);
   watched.tracker.OnRefused();
   watched.Logs("CreateProcess failed (1223)");
-  EXPECT_EQ(watched.tracker.StatusOf("sampleModule2", "FWTERMLOG", 0).outcome, "interrupted");
+  EXPECT_EQ(watched.tracker.FindStatus("sampleModule2", "FWTERMLOG", 0).outcome, "interrupted");
 }
 
 TEST(TableStatus, TellsATableThatAnInterruptionLeftNoPipe) {
@@ -168,14 +171,15 @@ TEST(TableStatus, TellsATableThatAnInterruptionLeftNoPipe) {
   watched.Runs("/c route print >\"C:\\H\\logs\\route.txt\"", 0);
   watched.tracker.OnRefused();
   watched.Logs("Failed to create pipe for arp info");
-  EXPECT_EQ(watched.tracker.StatusOf("Windows_Related_Info", "ARPINFO", 0).outcome, "interrupted");
+  EXPECT_EQ(watched.tracker.FindStatus("Windows_Related_Info", "ARPINFO", 0).outcome,
+            "interrupted");
 }
 
 TEST(TableStatus, KeepsWhatAToolAnsweredBeforeTheInterruption) {
   Watched watched("sampleModule2");
   watched.Runs(StorcliCommand("/c0 show termlog", "fwtermlog.txt"), 9);
   watched.tracker.OnRefused();
-  EXPECT_EQ(watched.tracker.StatusOf("sampleModule2", "FWTERMLOG", 0).text,
+  EXPECT_EQ(watched.tracker.FindStatus("sampleModule2", "FWTERMLOG", 0).text,
             "storcli.exe ended with code 9");
 }
 
@@ -184,7 +188,7 @@ TEST(TableStatus, TellsTheStepThatEndedAModule) {
   watched.tracker.OnProcess("cmd.exe", StorcliCommand("show ctrlcount", "ctrlcount.txt"), false,
                             false);
   watched.Logs("CreateProcess failed (206)");
-  EXPECT_EQ(watched.tracker.StatusOf("sampleModule1", "PMCINFO", 0).text,
+  EXPECT_EQ(watched.tracker.FindStatus("sampleModule1", "PMCINFO", 0).text,
             "storcli.exe: CreateProcess failed (206)");
 }
 
@@ -196,7 +200,7 @@ TEST(TableStatus, NamesTheTableOwnToolWhenAnotherIsMissingToo) {
   Watched watched("sampleModule1");
   watched.programsAreThere = false;
   watched.Runs(StorcliCommand("show ctrlcount", "ctrlcount.txt"), 1).Runs(kArcconf, 1);
-  EXPECT_EQ(watched.tracker.StatusOf("sampleModule1", "PMCINFO", 0).text,
+  EXPECT_EQ(watched.tracker.FindStatus("sampleModule1", "PMCINFO", 0).text,
             "arcconf.exe is not on this machine");
 }
 
@@ -205,7 +209,7 @@ TEST(TableStatus, BlamesNoToolThatServesOtherTables) {
   watched.Runs(StorcliCommand("show ctrlcount", "ctrlcount.txt"), 0);
   watched.programsAreThere = false;
   watched.Runs("/c \"\"C:\\H\\pq_tools\\rstcli64_5.exe\" -I > \"C:\\H\\logs\\rstcli64.txt\"\"", 1);
-  EXPECT_EQ(watched.tracker.StatusOf("sampleModule2", "LSILINK", 0).outcome, "not reached");
+  EXPECT_EQ(watched.tracker.FindStatus("sampleModule2", "LSILINK", 0).outcome, "not reached");
 }
 
 TEST(ModuleDescriptions, DescribeEveryRegisteredTable) {

@@ -73,7 +73,7 @@ void MeetFault(const FaultScenario& scenario, Fault fault, Lines lines) {
     SCOPED_TRACE(scenario.rows[row].commandLine);
     const FaultOutcome outcome = OutcomeOf(scenario.rows[row], fault);
     const FaultRun run = RunWithFault(scenario, whole, row, fault);
-    const std::vector<std::string> added = LinesAdded(whole, run);
+    const std::vector<std::string> added = FindAddedLines(whole, run);
     if (lines == Lines::kExact) {
       EXPECT_THAT(added, ElementsAreArray(outcome.lines));
     } else {
@@ -99,7 +99,7 @@ std::string ForFirstController(std::string step) {
 /// The steps that any scenario of `module` names.
 std::set<std::string> StepsNamedFor(const std::string& module) {
   std::set<std::string> named;
-  for (const FaultScenario& scenario : FaultScenarios()) {
+  for (const FaultScenario& scenario : GetFaultScenarios()) {
     if (scenario.module != module) continue;
     for (const FaultRow& row : scenario.rows) named.insert(row.commandLine);
   }
@@ -207,7 +207,7 @@ TEST_P(FaultTable, MeetsALogFolderThatCannotBeWritten) {
   EXPECT_LE(run.openHandles, scenario.leftOpen);
 }
 
-INSTANTIATE_TEST_SUITE_P(Modules, FaultTable, testing::ValuesIn(FaultScenarios()),
+INSTANTIATE_TEST_SUITE_P(Modules, FaultTable, testing::ValuesIn(GetFaultScenarios()),
                          [](const testing::TestParamInfo<FaultScenario>& info) {
                            return info.param.name;
                          });

@@ -43,7 +43,7 @@ TEST(MachineFiles, SharesTheBytesOfACopy) {
 
 TEST(MachineFiles, ListsOnlyTheFilesRightInAFolder) {
   const MachineFiles files = FilesOf({{"C:\\f\\a", ""}, {"C:\\f\\g\\b", ""}, {"C:\\fa", ""}});
-  const auto inside = files.FilesIn("c:\\F\\");
+  const auto inside = files.ListFiles("c:\\F\\");
   ASSERT_EQ(inside.size(), 1u);
   EXPECT_EQ(inside.begin()->first, "a");
 }

@@ -58,14 +58,14 @@ Collected CollectBmcWith(const std::string& arguments, const std::string& output
   return Collect(machine, "BMC_Info", {"MCINFO"});
 }
 
-std::vector<std::string> LogBetween(const Collected& collected, const std::string& first,
-                                    const std::string& end) {
+std::vector<std::string> GetLogBetween(const Collected& collected, const std::string& first,
+                                       const std::string& end) {
   const std::vector<std::string> texts = collected.LogTexts();
   const auto from = std::ranges::find(texts, first);
   return {from, std::find(from, texts.end(), end)};
 }
 
-std::vector<std::string> ValuesOf(const Collected& collected, const std::string& className) {
+std::vector<std::string> ListValues(const Collected& collected, const std::string& className) {
   std::vector<std::string> values;
   const auto table = collected.Tables().find(className);
   if (table == collected.Tables().end()) return values;

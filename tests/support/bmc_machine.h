@@ -19,16 +19,16 @@ host::Recording MakeBmcMachine(std::uint32_t detection = 5);
 /// The answer of a tool of `machine`, which must be there.
 host::RecordedCommand& AnswerOf(host::Recording& machine, const std::string& arguments);
 
-/// What came of the BMC module on a machine of that family on which the IPMI utility prints
+/// The result of the BMC module on a machine of that family on which the IPMI utility prints
 /// `output` when asked `arguments`.
 Collected CollectBmcWith(const std::string& arguments, const std::string& output,
                          std::uint32_t detection = 5);
 
 /// The log lines from the one that equals `first` up to the one before `end` (or the last).
-std::vector<std::string> LogBetween(const Collected& collected, const std::string& first,
-                                    const std::string& end);
+std::vector<std::string> GetLogBetween(const Collected& collected, const std::string& first,
+                                       const std::string& end);
 
 /// The values of a table's rows, when each row has one property.
-std::vector<std::string> ValuesOf(const Collected& collected, const std::string& className);
+std::vector<std::string> ListValues(const Collected& collected, const std::string& className);
 
 }  // namespace test

@@ -16,7 +16,7 @@ using halyard::repository::RModule;
 
 constexpr char kPrefix[] = "[repo] ";
 
-/// Keeps what the machine tells and passes it on to the trace.
+/// Keeps the machine's events and passes them on to the trace.
 class Watcher final : public host::CollectionListener {
  public:
   Watcher(Collected& collected, host::TraceWriter& trace) : collected(collected), trace(trace) {}

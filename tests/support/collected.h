@@ -14,14 +14,14 @@
 
 namespace test {
 
-/// What one run left behind. Texts are bytes in the machine's code page.
+/// All that one run left. Texts are bytes in the machine's code page.
 struct Collected {
   std::string trace;                         ///< JSON lines, as pqhost --trace writes them
   std::vector<host::LogLine> log;            ///< in order
   std::vector<std::string> commandLines;     ///< of every process started or tried, in order
   std::vector<std::string> opened;           ///< paths given to fopen, in order
-  std::string console;                       ///< what modules wrote to standard output
-  std::map<std::string, std::string> files;  ///< what is on the machine afterwards
+  std::string console;                       ///< written by modules to standard output
+  std::map<std::string, std::string> files;  ///< on the machine afterwards
   int openHandles = 0;                       ///< processes, pipes and files still open afterwards
   host::Collection collection;
 

@@ -1,4 +1,4 @@
-// A machine whose every answer a test sets, and which lists what was done to it in order.
+// A machine whose every answer a test sets, and which lists every call in order.
 #pragma once
 
 #include <functional>

@@ -23,12 +23,12 @@ constexpr std::uint32_t kPipeError = 1450;
 constexpr std::uint32_t kExitCodeError = 6;
 constexpr std::size_t kHugeSize = 100'000'000;
 
-std::vector<FaultScenario>& Registered() {
+std::vector<FaultScenario>& GetRegistered() {
   static std::vector<FaultScenario> scenarios;
   return scenarios;
 }
 
-/// Sees what one run does. Log lines are cut at `lineLimit` characters, without their prefix.
+/// Follows one run. Log lines are cut at `lineLimit` characters, without their prefix.
 class RunWatcher final : public host::CollectionListener, public host::RepositoryObserver {
  public:
   explicit RunWatcher(std::size_t lineLimit) : lineLimit(lineLimit) {}
@@ -86,7 +86,7 @@ host::Pipeline Parse(const host::Recording& recording, const std::string& step) 
 }
 
 /// Where the step's output goes; empty without such a file.
-std::string ReportOf(const host::Recording& recording, const std::string& step, StepKind kind) {
+std::string FindReport(const host::Recording& recording, const std::string& step, StepKind kind) {
   const host::Pipeline pipeline = Parse(recording, step);
   if (kind == StepKind::kCopy) {
     return host::SplitWords(pipeline.stages.front().arguments).back();
@@ -97,18 +97,18 @@ std::string ReportOf(const host::Recording& recording, const std::string& step, 
   return {};
 }
 
-/// Tool and arguments: what a recording tells commands apart by.
+/// Tool and arguments, by which a recording tells commands apart.
 using CommandKey = std::pair<std::string, std::string>;
 
-CommandKey KeyOf(const host::RecordedCommand& command) {
+CommandKey MakeKey(const host::RecordedCommand& command) {
   return {host::ToolName(command.tool), command.arguments};
 }
 
-CommandKey KeyOf(const host::Stage& stage) {
+CommandKey MakeKey(const host::Stage& stage) {
   return {host::ToolName(stage.program), stage.arguments};
 }
 
-host::RecordedCommand MissingTool(const host::Stage& stage) {
+host::RecordedCommand MakeMissingTool(const host::Stage& stage) {
   host::RecordedCommand answer;
   answer.standardError = "'" + stage.program +
                          "' is not recognized as an internal or external command,\r\n"
@@ -118,7 +118,7 @@ host::RecordedCommand MissingTool(const host::Stage& stage) {
 }
 
 /// Bytes of every value in no order that a text has.
-std::string BinaryOutput() {
+std::string MakeBinaryOutput() {
   std::string bytes;
   std::uint32_t state = 12345;
   for (int i = 0; i < 40000; ++i) {
@@ -140,14 +140,14 @@ void Apply(Fault fault, const host::Stage& stage, host::RecordedCommand& answer)
       answer.exitCodeError = kExitCodeError;
       break;
     case Fault::kToolMissing:
-      answer = MissingTool(stage);
+      answer = MakeMissingTool(stage);
       break;
     case Fault::kNothingPrinted:
       answer.standardOutput.clear();
       answer.standardError.clear();
       break;
     case Fault::kBinaryPrinted:
-      answer.standardOutput = BinaryOutput();
+      answer.standardOutput = MakeBinaryOutput();
       break;
     case Fault::kHugePrinted:
     case Fault::kReportNotCreated:
@@ -160,7 +160,8 @@ std::size_t CountUses(const host::Recording& recording, const std::vector<std::s
                       std::size_t end, const CommandKey& key) {
   std::size_t uses = 0;
   for (std::size_t i = 0; i < end; ++i) {
-    for (const host::Stage& stage : Parse(recording, steps[i]).stages) uses += KeyOf(stage) == key;
+    for (const host::Stage& stage : Parse(recording, steps[i]).stages)
+      uses += MakeKey(stage) == key;
   }
   return uses;
 }
@@ -168,19 +169,19 @@ std::size_t CountUses(const host::Recording& recording, const std::vector<std::s
 /// Has the command of the step `row`, and no other use of the same command, meet `fault`.
 void Inject(host::Recording& recording, const FaultRun& whole, std::size_t row, Fault fault) {
   const host::Stage stage = Parse(recording, whole.steps[row]).stages.front();
-  const CommandKey key = KeyOf(stage);
+  const CommandKey key = MakeKey(stage);
   std::vector<host::RecordedCommand> answers;
   for (const host::RecordedCommand& command : recording.commands) {
-    if (KeyOf(command) == key) answers.push_back(command);
+    if (MakeKey(command) == key) answers.push_back(command);
   }
   const std::size_t faulty = CountUses(recording, whole.steps, row, key);
   const std::size_t uses = CountUses(recording, whole.steps, whole.steps.size(), key);
   std::erase_if(recording.commands,
-                [&](const host::RecordedCommand& command) { return KeyOf(command) == key; });
+                [&](const host::RecordedCommand& command) { return MakeKey(command) == key; });
   if (fault == Fault::kToolMissing && uses == 1) return;
   for (std::size_t use = 0; use < uses; ++use) {
     host::RecordedCommand answer =
-        answers.empty() ? MissingTool(stage) : answers[std::min(use, answers.size() - 1)];
+        answers.empty() ? MakeMissingTool(stage) : answers[std::min(use, answers.size() - 1)];
     if (use == faulty) Apply(fault, stage, answer);
     answer.tool = key.first;
     answer.arguments = key.second;
@@ -191,7 +192,7 @@ void Inject(host::Recording& recording, const FaultRun& whole, std::size_t row, 
 constexpr std::size_t kFloodLineLength = 400;
 
 /// Lines of four words each, shared by everything that prints too much.
-const std::string& FloodBlock() {
+const std::string& GetFloodBlock() {
   static const std::string block = [] {
     std::string line = std::string(kFloodLineLength - 1, 'x') + '\n';
     for (std::size_t column = 0; column < line.size(); column += 100) line[column] = ' ';
@@ -207,7 +208,7 @@ class FloodText {
  public:
   /// The next bytes, at most `size` of them.
   std::size_t Read(char* buffer, std::size_t size) {
-    const std::string& block = FloodBlock();
+    const std::string& block = GetFloodBlock();
     std::size_t count = 0;
     while (count < size && at < kHugeSize) {
       const std::size_t wanted = std::min(size - count, kHugeSize - at);
@@ -306,7 +307,7 @@ class FloodedMachine final : public pq::Platform {
   }
   std::unique_ptr<pq::TextFile> OpenText(const std::string& path) override {
     std::unique_ptr<pq::TextFile> file = machine.OpenText(path);
-    if (file == nullptr || !reports.contains(FileKey(path))) return file;
+    if (file == nullptr || !reports.contains(MakeFileKey(path))) return file;
     return std::make_unique<FloodFile>(std::move(file), openFiles);
   }
   void WriteConsole(std::string_view text) override { machine.WriteConsole(text); }
@@ -316,13 +317,13 @@ class FloodedMachine final : public pq::Platform {
   [[noreturn]] void FailRangeCheck() override { machine.FailRangeCheck(); }
 
  private:
-  static std::string FileKey(std::string_view path) {
+  static std::string MakeFileKey(std::string_view path) {
     return host::LowerCase(path.substr(path.rfind('\\') + 1));
   }
   void NoteReport(const std::string& step) {
     if (!flooded.contains(step)) return;
-    const std::string report = ReportOf(recording, step, StepKind::kReport);
-    if (!report.empty()) reports.insert(FileKey(report));
+    const std::string report = FindReport(recording, step, StepKind::kReport);
+    if (!report.empty()) reports.insert(MakeFileKey(report));
   }
 
   host::Recording recording;
@@ -334,10 +335,10 @@ class FloodedMachine final : public pq::Platform {
 
 }  // namespace
 
-const std::vector<FaultScenario>& FaultScenarios() { return Registered(); }
+const std::vector<FaultScenario>& GetFaultScenarios() { return GetRegistered(); }
 
 FaultScenarioEntry::FaultScenarioEntry(FaultScenario scenario) {
-  Registered().push_back(std::move(scenario));
+  GetRegistered().push_back(std::move(scenario));
 }
 
 bool CanMeet(StepKind kind, Fault fault) {
@@ -367,7 +368,7 @@ FaultRun RunWithFault(const FaultScenario& scenario, const FaultRun& whole, std:
   host::Recording recording = scenario.recording();
   if (fault == Fault::kReportNotCreated) {
     const StepKind kind = scenario.rows[row].kind;
-    recording.readOnly.push_back(ReportOf(recording, whole.steps[row], kind));
+    recording.readOnly.push_back(FindReport(recording, whole.steps[row], kind));
   } else {
     Inject(recording, whole, row, fault);
   }
@@ -392,7 +393,7 @@ FaultRun RunFlooded(const FaultScenario& scenario, const std::vector<std::string
   return std::move(watcher.run);
 }
 
-std::vector<std::string> LinesAdded(const FaultRun& whole, const FaultRun& run) {
+std::vector<std::string> FindAddedLines(const FaultRun& whole, const FaultRun& run) {
   std::multiset<std::string> known(whole.lines.begin(), whole.lines.end());
   std::vector<std::string> added;
   for (const std::string& line : run.lines) {

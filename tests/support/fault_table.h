@@ -8,7 +8,7 @@
 // text", in order; all of them, for start, pipe, exit code and report faults), the steps that still
 // follow when they are not those of a full run, and how many handles more stay open. Without an
 // outcome a fault adds no line, leaves all later steps and leaves nothing open. `decides` marks a
-// step whose output decides what follows: then only the steps before it are compared where no
+// step whose output decides which steps follow: then only those before it are compared where no
 // `after` is stated. A failed start has the system error 5, a failed pipe 1450, an unreadable exit
 // code 6.
 #pragma once
@@ -70,7 +70,7 @@ struct FaultScenario {
 };
 
 /// All scenarios that test files registered.
-const std::vector<FaultScenario>& FaultScenarios();
+const std::vector<FaultScenario>& GetFaultScenarios();
 
 /// Registers a scenario when the program starts.
 struct FaultScenarioEntry {
@@ -80,7 +80,7 @@ struct FaultScenarioEntry {
 /// Whether a step of that kind can meet `fault`.
 bool CanMeet(StepKind kind, Fault fault);
 
-/// What one run of a scenario did.
+/// The events of one run of a scenario.
 struct FaultRun {
   std::vector<std::string> steps;  ///< command lines in order
   std::vector<std::string> lines;  ///< log lines, as "level text"
@@ -100,8 +100,8 @@ FaultRun RunWithoutLogFolder(const FaultScenario& scenario);
 /// characters.
 FaultRun RunFlooded(const FaultScenario& scenario, const std::vector<std::string>& flooded);
 
-/// The lines of `run` that `whole` does not have, in order; a line that comes n times more stands
+/// The lines of `run` that `whole` does not have, in order; a line that comes n times more is
 /// here n times.
-std::vector<std::string> LinesAdded(const FaultRun& whole, const FaultRun& run);
+std::vector<std::string> FindAddedLines(const FaultRun& whole, const FaultRun& run);
 
 }  // namespace test

@@ -1,5 +1,5 @@
-// The plain way to find the first label of a table in a line: one search per label. What
-// pq::LabelTable answers is compared with it.
+// The plain way to find the first label of a table in a line: one search per label. The
+// answers of pq::LabelTable are compared with it.
 #pragma once
 
 #include <string_view>

@@ -1,4 +1,4 @@
-// Plainer readings of what RAID tools print, in the C library's own terms and one step at a time,
+// Plainer readings of the RAID tools' reports, in the C library's own terms and one step at a time,
 // to hold the RAID logs module against.
 #pragma once
 
@@ -58,10 +58,10 @@ class PlainRow {
   std::vector<std::pair<std::string, std::string>> columns;
 };
 
-/// What stands `offset` characters behind the first `label` in `line`; `found` tells whether the
-/// label is there at all.
-inline std::string ReadBehind(const std::string& line, const char* label, std::size_t offset,
-                              bool& found) {
+/// The text `offset` characters after the start of the first `label` in `line`; `found` tells
+/// whether the label is there at all.
+inline std::string ReadAfter(const std::string& line, const char* label, std::size_t offset,
+                             bool& found) {
   const char* at = std::strstr(line.c_str(), label);
   found = at != nullptr;
   return found && std::strlen(at) > offset ? at + offset : "";
@@ -81,7 +81,7 @@ inline PlainRows ReadFactsPlainly(const std::vector<std::string>& lines,
   for (const std::string& line : lines) {
     for (std::size_t i = 0; i < labels.size(); ++i) {
       bool found = false;
-      const std::string value = ReadBehind(line, labels[i].label, labels[i].offset, found);
+      const std::string value = ReadAfter(line, labels[i].label, labels[i].offset, found);
       if (!found) continue;
       const bool isNonCoerced = std::strcmp(labels[i].key, "Coercedsize") == 0 &&
                                 std::strstr(line.c_str(), "Non Coerced size =") != nullptr;
@@ -101,8 +101,8 @@ struct EventStep {
   bool operator==(const EventStep&) const = default;
 };
 
-/// What the lines of an event dump lead to, after `records` records and `number` lines. `data` is
-/// the event data that stand there, before and after.
+/// The steps that the lines of an event dump lead to, after `records` records and `number` lines.
+/// `data` is the event data in the buffer, before and after.
 inline std::vector<EventStep> ReadEventsPlainly(const std::vector<std::string>& lines,
                                                 std::string& data, int records = 0,
                                                 long number = 0) {
@@ -130,7 +130,7 @@ inline std::vector<EventStep> ReadEventsPlainly(const std::vector<std::string>& 
       continue;
     }
     bool found = false;
-    const std::string sequence = ReadBehind(line, "seqNum:", 8, found);
+    const std::string sequence = ReadAfter(line, "seqNum:", 8, found);
     if (found) {
       if (records >= 3000 || number > 13) flush();
       steps.push_back({page(), "seqNum", sequence});
@@ -141,7 +141,7 @@ inline std::vector<EventStep> ReadEventsPlainly(const std::vector<std::string>& 
       continue;
     }
     for (const PlainLabel& label : labels) {
-      const std::string value = ReadBehind(line, label.label, label.offset, found);
+      const std::string value = ReadAfter(line, label.label, label.offset, found);
       if (!found) continue;
       steps.push_back({page(), label.key, value});
       break;
@@ -186,7 +186,7 @@ struct PlainList {
   std::vector<std::string> keys;
 };
 
-inline const std::vector<PlainList>& PlainDriveLists() {
+inline const std::vector<PlainList>& GetPlainDriveLists() {
   static const std::vector<PlainList> lists = {
       {"TOPOLOGY :",
        26,
@@ -220,7 +220,7 @@ inline bool ReadDriveRowPlainly(const std::string& line, const PlainList& list, 
 
 /// Rows of the three lists.
 inline std::vector<PlainRows> ReadDriveListsPlainly(const std::vector<std::string>& lines) {
-  const std::vector<PlainList>& lists = PlainDriveLists();
+  const std::vector<PlainList>& lists = GetPlainDriveLists();
   std::vector<PlainRows> rows(lists.size());
   std::vector<PlainRow> current(lists.size());
   std::vector<bool> isOpen(lists.size());
@@ -363,7 +363,7 @@ inline int ReadCountPlainly(const std::vector<std::string>& lines) {
   int count = 1;
   for (const std::string& line : lines) {
     bool found = false;
-    const std::string rest = ReadBehind(line, "Controller Count =", 19, found);
+    const std::string rest = ReadAfter(line, "Controller Count =", 19, found);
     if (found) count = static_cast<signed char>(rest.empty() ? '\0' : rest[0]) - '0';
   }
   return count;

@@ -14,7 +14,7 @@ class RaidTools {
  public:
   host::Recording recording;
 
-  /// `countReport` is what storcli says about the number of controllers.
+  /// `countReport` is storcli's report on the number of controllers.
   explicit RaidTools(const std::string& countReport = "Controller Count = 0\n") {
     Storcli("show ctrlcount", countReport);
   }
@@ -53,7 +53,7 @@ class RaidTools {
     return *this;
   }
 
-  /// What the RAID logs module makes of it.
+  /// The result of the RAID logs module on it.
   Collected Collect() const { return test::Collect(recording, "sampleModule2", {"TINFO"}); }
 };
 

@@ -7,7 +7,7 @@
 
 namespace test {
 
-/// What strtok finds in `bytes`, a text that ends at its first NUL.
+/// The tokens that strtok finds in `bytes`, a text that ends at its first NUL.
 inline std::vector<std::string> SplitWithStrtok(std::string bytes, const char* delimiters) {
   std::vector<std::string> tokens;
   for (const char* token = std::strtok(bytes.data(), delimiters); token != nullptr;

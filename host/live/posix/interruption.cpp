@@ -15,13 +15,13 @@ void OnInterrupt(int /*signal*/) { requested = true; }
 
 }  // namespace
 
-bool InterruptionRequested() { return requested; }
+bool IsInterruptionRequested() { return requested; }
 
 InterruptionWatch::InterruptionWatch() {
   requested = false;
   struct sigaction action {};
   action.sa_handler = &OnInterrupt;
-  // The second time, the system does what it does without a handler. A read that waits goes on.
+  // The second time, the system's default ends the program. A waiting read goes on.
   action.sa_flags = static_cast<int>(SA_RESETHAND) | SA_RESTART;
   sigaction(SIGINT, &action, &before);
 }

@@ -9,7 +9,7 @@ namespace {
 
 std::atomic<bool> requested = false;
 
-/// Called on a thread of its own. What is not dealt with here ends the process.
+/// Called on a thread of its own. An event that is not dealt with here ends the process.
 BOOL WINAPI OnControl(DWORD event) {
   if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) return FALSE;
   return requested.exchange(true) ? FALSE : TRUE;
@@ -17,7 +17,7 @@ BOOL WINAPI OnControl(DWORD event) {
 
 }  // namespace
 
-bool InterruptionRequested() { return requested; }
+bool IsInterruptionRequested() { return requested; }
 
 InterruptionWatch::InterruptionWatch() {
   requested = false;

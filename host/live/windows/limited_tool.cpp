@@ -5,7 +5,7 @@
 namespace host {
 namespace {
 
-/// Exit code of what is ended. Small numbers are answers of the tools that test what a machine has.
+/// Exit code of ended tools. Small numbers are answers of the tools that test for AMT and a BMC.
 constexpr UINT kEndedCode = ERROR_TIMEOUT;
 
 }  // namespace

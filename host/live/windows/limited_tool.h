@@ -8,8 +8,8 @@
 
 namespace host {
 
-/// Ends a process, and all that it started, once the time is up. What runs on until then is left
-/// alone when this object goes.
+/// Ends a process, and all that it started, once the time is up. Processes that still run when this
+/// object is destroyed are left alone.
 class LimitedTool {
  public:
   /// `process` is a process handle; started suspended, so that none of its children is missed.

@@ -45,8 +45,8 @@ class LoadedLibrary final : public LiveLibrary {
 
 std::unique_ptr<LiveLibrary> LoadLiveLibrary(const std::filesystem::path& plugin,
                                              const LiveWatch& watch) {
-  // An absolute path, so that what stands beside the library is found and nothing of that name that
-  // lies elsewhere is loaded in its place.
+  // An absolute path, so that the libraries beside it are found, and no namesake from elsewhere is
+  // loaded instead.
   const std::filesystem::path path = std::filesystem::absolute(plugin).make_preferred();
   const std::string name = ToUtf8(path.native());
   Library library(LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));

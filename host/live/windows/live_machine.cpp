@@ -48,19 +48,19 @@ std::wstring ReadHostExecutable() {
 }
 
 /// In `codePage`; a path with a character that has no form there stays UTF-8.
-std::string ToTools(const std::wstring& text, std::uint32_t codePage) {
+std::string EncodeForTools(const std::wstring& text, std::uint32_t codePage) {
   const std::optional<std::string> exact = ToCodePage(text, codePage);
   return exact ? *exact : ToUtf8(text);
 }
 
-/// The code page of what tools print: the console's, which they share, or, without one, the code
-/// page of the console that the system makes for them.
+/// The code page in which tools print: the console's, which they share, or, without one, that of
+/// the console which the system makes for them.
 std::uint32_t ReadToolCodePage() {
   const UINT console = GetConsoleOutputCP();
   return console != 0 ? console : GetOEMCP();
 }
 
-std::filesystem::path WithSeparator(const std::filesystem::path& folder) {
+std::filesystem::path AddSeparator(const std::filesystem::path& folder) {
   std::filesystem::path path = std::filesystem::absolute(folder).make_preferred();
   if (path.has_filename()) path /= L"";
   return path;
@@ -120,12 +120,12 @@ std::optional<std::string> LocateProgram(const std::string& program) {
   const DWORD length = SearchPathA(nullptr, program.c_str(), ".exe",
                                    static_cast<DWORD>(found.size()), found.data(), nullptr);
   if (length == 0) return std::nullopt;
-  // A longer path is there too, only not to be had.
+  // Found, but its path exceeds MAX_PATH; return the name given.
   return length < found.size() ? std::string(found.data(), length) : program;
 }
 
 MachineFacts DescribeThisMachine(const std::filesystem::path& logFolder) {
-  const std::filesystem::path path = WithSeparator(logFolder);
+  const std::filesystem::path path = AddSeparator(logFolder);
   NarrowLogFolder(path);
 
   MachineFacts facts;
@@ -133,14 +133,14 @@ MachineFacts DescribeThisMachine(const std::filesystem::path& logFolder) {
   facts.name = ReadMachineName();
   facts.languageId = GetSystemDefaultLCID();
   facts.codePage = ReadToolCodePage();
-  facts.hostExecutable = ToTools(ReadHostExecutable(), facts.codePage);
-  facts.logFolder = ToTools(path.native(), facts.codePage);
+  facts.hostExecutable = EncodeForTools(ReadHostExecutable(), facts.codePage);
+  facts.logFolder = EncodeForTools(path.native(), facts.codePage);
   return facts;
 }
 
 LiveMachine PrepareLiveMachine(const std::filesystem::path& logFolder) {
   MachineFacts facts = DescribeThisMachine(logFolder);
-  const std::filesystem::path path = WithSeparator(logFolder);
+  const std::filesystem::path path = AddSeparator(logFolder);
   std::error_code failure;
   std::filesystem::create_directories(path, failure);
   if (failure) {

@@ -1,4 +1,4 @@
-// What a recorder looks up on this machine, with the narrow functions that the modules use too.
+// A recorder's look-ups on this machine, with the narrow functions that the modules use too.
 
 #include <windows.h>
 
@@ -43,7 +43,7 @@ class LiveMachineView final : public MachineView {
 std::unique_ptr<MachineView> ViewLiveMachine() { return std::make_unique<LiveMachineView>(); }
 
 Recording DescribeLiveMachine(const LiveMachine& machine) {
-  // Paths as the modules get them, which may be in another code page than what tools print.
+  // Paths as the modules get them, maybe in another code page than the tools' output.
   std::array<char, MAX_PATH> executable{};
   const DWORD length =
       GetModuleFileNameA(nullptr, executable.data(), static_cast<DWORD>(executable.size()));

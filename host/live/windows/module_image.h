@@ -1,4 +1,4 @@
-// What a loaded module takes from others and offers to them, read from its image in memory.
+// The imports and exports of a loaded module, read from its image in memory.
 #pragma once
 
 #include <string>
@@ -13,7 +13,7 @@ struct Import {
   void** slot;           ///< where the module keeps the function's address; read-only memory
 };
 
-/// `module` is what LoadLibrary answered. Functions imported by number are left out.
+/// `module` is a handle from LoadLibrary. Functions imported by number are left out.
 std::vector<Import> ListImports(void* module);
 /// The libraries that `module` names as its own, in its order.
 std::vector<std::string> ListImportedLibraries(void* module);

@@ -8,7 +8,7 @@
 
 namespace host {
 
-/// `text` in UTF-8; what is no proper text becomes U+FFFD.
+/// `text` in UTF-8; invalid parts become U+FFFD.
 std::string ToUtf8(std::wstring_view text);
 /// `text` in `codePage`, or nothing when a character has no form there.
 std::optional<std::string> ToCodePage(std::wstring_view text, std::uint32_t codePage);

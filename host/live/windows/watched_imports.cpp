@@ -22,7 +22,7 @@
 namespace host {
 namespace {
 
-/// What the replaced functions share.
+/// The state that the replaced functions share.
 struct Watch {
   LiveWatch given;
   HANDLE process = nullptr;  ///< the process started last, until it was awaited
@@ -30,26 +30,26 @@ struct Watch {
   std::optional<LimitedTool> limited;
   std::optional<AmtLogin> login;  ///< that the tool started last was given
   std::string commandLine;        ///< of the tool started last, until its answer was told
-  Bytes output;                   ///< what came through its pipe so far
+  Bytes output;                   ///< through its pipe so far
 };
 
-Watch& TheWatch() {
+Watch& GetWatch() {
   static Watch watch;
   return watch;
 }
 
-CollectionListener& Observer() { return *TheWatch().given.listener; }
+CollectionListener& GetObserver() { return *GetWatch().given.listener; }
 
 /// Null as long as nothing is recorded.
-Recorder* TheRecorder() {
-  std::optional<Recorder>* recorder = TheWatch().given.recorder;
+Recorder* FindRecorder() {
+  std::optional<Recorder>* recorder = GetWatch().given.recorder;
   return recorder != nullptr && recorder->has_value() ? &**recorder : nullptr;
 }
 
 /// Whether nothing may be started any more; says so.
 bool IsRefused() {
-  if (!Observer().WantsEnd()) return false;
-  Observer().OnRefused();
+  if (!GetObserver().WantsEnd()) return false;
+  GetObserver().OnRefused();
   SetLastError(kErrorCancelled);
   return true;
 }
@@ -57,22 +57,22 @@ bool IsRefused() {
 /// Starts a process that ends when its time is up, if it has a limit. Ctrl-C is for the host alone.
 template <typename Start>
 BOOL StartWithLimit(DWORD flags, PROCESS_INFORMATION& started, const Start& start) {
-  const std::optional<unsigned>& limit = TheWatch().given.toolLimit;
+  const std::optional<unsigned>& limit = GetWatch().given.toolLimit;
   flags |= CREATE_NEW_PROCESS_GROUP;
   if (!limit) return start(flags);
   if (!start(flags | CREATE_SUSPENDED)) return FALSE;
-  TheWatch().limited.emplace(started.hProcess, std::chrono::seconds(*limit));
+  GetWatch().limited.emplace(started.hProcess, std::chrono::seconds(*limit));
   if ((flags & CREATE_SUSPENDED) == 0) ResumeThread(started.hThread);
   return TRUE;
 }
 
 /// Stops the clock of the tool started last.
 void EndLimit() {
-  Watch& watch = TheWatch();
+  Watch& watch = GetWatch();
   if (!watch.limited) return;
   const bool wasEnded = watch.limited->Stop();
   watch.limited.reset();
-  if (wasEnded) Observer().OnToolEnded(*watch.given.toolLimit);
+  if (wasEnded) GetObserver().OnToolEnded(*watch.given.toolLimit);
 }
 
 /// The bytes of the file that a command line's output went to.
@@ -81,27 +81,27 @@ Bytes ReadOutputFile(const std::string& path) {
   return std::string(std::istreambuf_iterator<char>(file), {});
 }
 
-/// Tells what the tool started last wrote, once.
+/// Tells the output of the tool started last, once.
 void TellAnswer() {
-  Watch& watch = TheWatch();
+  Watch& watch = GetWatch();
   if (watch.commandLine.empty()) return;
-  // A password may hold what the interpreter would take for a redirection.
+  // A password may contain signs that the interpreter takes for a redirection. Hide it first.
   const Pipeline pipeline = ParseCommandLine(
       HidePassword(std::exchange(watch.commandLine, {})),
       [](std::string_view path) { return LocateProgram(std::string(path)).has_value(); });
   ToolAnswer answer{std::exchange(watch.output, {}), FindOutputFile(pipeline), {}};
   if (!answer.file.empty()) answer.fileText = ReadOutputFile(answer.file);
-  Observer().OnAnswer(answer);
+  GetObserver().OnAnswer(answer);
 }
 
-// Each of these stands in the library's table for the function of that name. None of them may
-// change what GetLastError answers behind the call that it stands for: the library reads it next.
+// Each of these replaces the function of that name in the library's table. The library reads
+// GetLastError next, so none of them may change it after the original call.
 
 BOOL WINAPI WatchedCreatePipe(PHANDLE readEnd, PHANDLE writeEnd, LPSECURITY_ATTRIBUTES security,
                               DWORD size) {
   if (IsRefused()) return FALSE;
   const BOOL done = CreatePipe(readEnd, writeEnd, security, size);
-  TheWatch().pipe = done ? *readEnd : nullptr;
+  GetWatch().pipe = done ? *readEnd : nullptr;
   return done;
 }
 
@@ -113,19 +113,19 @@ BOOL WINAPI WatchedCreateProcessA(LPCSTR application, LPSTR commandLine,
   EndLimit();  // of a tool that the library abandoned
   TellAnswer();
   const bool pipe = (startup->dwFlags & STARTF_USESTDHANDLES) != 0;
-  Observer().OnProcess(application, commandLine, inheritHandles != FALSE, pipe);
+  GetObserver().OnProcess(application, commandLine, inheritHandles != FALSE, pipe);
   if (IsRefused()) return FALSE;
-  TheWatch().login = FindAmtLogin(commandLine);
-  if (Recorder* recorder = TheRecorder()) recorder->BeginRun(commandLine, pipe);
+  GetWatch().login = FindAmtLogin(commandLine);
+  if (Recorder* recorder = FindRecorder()) recorder->BeginRun(commandLine, pipe);
   const BOOL done = StartWithLimit(flags, *started, [&](DWORD allFlags) {
     return CreateProcessA(application, commandLine, processSecurity, threadSecurity, inheritHandles,
                           allFlags, environment, folder, startup, started);
   });
-  TheWatch().process = done ? started->hProcess : nullptr;
-  if (done) TheWatch().commandLine = commandLine;
+  GetWatch().process = done ? started->hProcess : nullptr;
+  if (done) GetWatch().commandLine = commandLine;
   if (!done) {
     const DWORD error = GetLastError();
-    if (Recorder* recorder = TheRecorder()) recorder->FailRun(error);
+    if (Recorder* recorder = FindRecorder()) recorder->FailRun(error);
     SetLastError(error);
   }
   return done;
@@ -134,33 +134,33 @@ BOOL WINAPI WatchedCreateProcessA(LPCSTR application, LPSTR commandLine,
 BOOL WINAPI WatchedReadFile(HANDLE file, LPVOID buffer, DWORD size, LPDWORD count,
                             LPOVERLAPPED overlapped) {
   const BOOL done = ReadFile(file, buffer, size, count, overlapped);
-  if (!done || file != TheWatch().pipe) return done;
+  if (!done || file != GetWatch().pipe) return done;
   const std::string_view bytes(static_cast<const char*>(buffer), *count);
-  TheWatch().output += bytes;
-  if (Recorder* recorder = TheRecorder()) recorder->AddOutput(bytes);
+  GetWatch().output += bytes;
+  if (Recorder* recorder = FindRecorder()) recorder->AddOutput(bytes);
   return done;
 }
 
 DWORD WINAPI WatchedWaitForSingleObject(HANDLE handle, DWORD milliseconds) {
   const DWORD result = WaitForSingleObject(handle, milliseconds);
-  if (result == WAIT_OBJECT_0 && handle == TheWatch().process) {
-    TheWatch().process = nullptr;
+  if (result == WAIT_OBJECT_0 && handle == GetWatch().process) {
+    GetWatch().process = nullptr;
     const DWORD error = GetLastError();
     DWORD exitCode = 0;
     GetExitCodeProcess(handle, &exitCode);
     EndLimit();
     // Before anyone reads it: neither the tables nor the log folder are to show the password.
-    if (TheWatch().login) HidePasswordInReport(*TheWatch().login);
-    if (Recorder* recorder = TheRecorder()) recorder->EndRun(exitCode);
+    if (GetWatch().login) HidePasswordInReport(*GetWatch().login);
+    if (Recorder* recorder = FindRecorder()) recorder->EndRun(exitCode);
     TellAnswer();
-    Observer().OnProcessEnd(exitCode);
+    GetObserver().OnProcessEnd(exitCode);
     SetLastError(error);
   }
   return result;
 }
 
-/// What `system` does, but with a process that this host knows: `system` gives none to end, and one
-/// that a Ctrl-C meant for the host would end.
+/// Does the work of `system` with a process that this host knows: `system` gives the host no
+/// process to end, and a Ctrl-C meant for the host would end that one.
 int RunSystem(const char* command) {
   const char* variable = std::getenv("COMSPEC");
   const std::string interpreter = variable != nullptr ? variable : pq::kInterpreter;
@@ -185,35 +185,35 @@ int RunSystem(const char* command) {
 int WatchedSystem(const char* command) {
   EndLimit();  // of a tool that the library abandoned
   TellAnswer();
-  Observer().OnSystem(command);
+  GetObserver().OnSystem(command);
   if (IsRefused()) return -1;
-  Recorder* recorder = TheRecorder();
+  Recorder* recorder = FindRecorder();
   if (recorder != nullptr) recorder->BeginRun(std::string("/c ") + command, /*isPiped=*/false);
   const int result = RunSystem(command);
-  TheWatch().commandLine = std::string("/c ") + command;
+  GetWatch().commandLine = std::string("/c ") + command;
   TellAnswer();
   if (recorder != nullptr) recorder->EndRun(static_cast<std::uint32_t>(result));
   return result;
 }
 
 std::FILE* WatchedOpen(const char* path, const char* mode) {
-  Observer().OnOpen(path, mode);
-  if (Recorder* recorder = TheRecorder()) recorder->KeepOpened(path);
+  GetObserver().OnOpen(path, mode);
+  if (Recorder* recorder = FindRecorder()) recorder->KeepOpened(path);
   return std::fopen(path, mode);
 }
 
 int WatchedAccess(const char* path, int mode) {
   const int result = _access(path, mode);
-  Recorder* recorder = TheRecorder();
+  Recorder* recorder = FindRecorder();
   if (result == 0 && recorder != nullptr) recorder->KeepTested(path);
   return result;
 }
 
 int WatchedGetCharacter(std::FILE* file) {
-  // Who ended the collection is not asked any more.
-  if (file == stdin && Observer().WantsEnd()) return EOF;
+  // An operator who ended the collection is not asked any more.
+  if (file == stdin && GetObserver().WantsEnd()) return EOF;
   const int character = std::getc(file);
-  Recorder* recorder = TheRecorder();
+  Recorder* recorder = FindRecorder();
   if (file == stdin && character != EOF && recorder != nullptr) {
     const char typed = static_cast<char>(character);
     recorder->AddTyped({&typed, 1});
@@ -222,7 +222,7 @@ int WatchedGetCharacter(std::FILE* file) {
 }
 
 std::size_t WatchedWrite(const void* data, std::size_t size, std::size_t count, std::FILE* file) {
-  if (file == stdout) Observer().OnConsole({static_cast<const char*>(data), size * count});
+  if (file == stdout) GetObserver().OnConsole({static_cast<const char*>(data), size * count});
   return std::fwrite(data, size, count, file);
 }
 
@@ -254,7 +254,7 @@ void SetSlot(void** slot, void* function) {
 }  // namespace
 
 WatchedImports::WatchedImports(void* module, const LiveWatch& watch) {
-  TheWatch().given = watch;
+  GetWatch().given = watch;
   for (const Import& import : ListImports(module)) {
     for (const Replacement& replacement : kReplacements) {
       if (import.function != replacement.function) continue;
@@ -266,7 +266,7 @@ WatchedImports::WatchedImports(void* module, const LiveWatch& watch) {
 
 WatchedImports::~WatchedImports() {
   for (const Replaced& entry : replaced) SetSlot(entry.slot, entry.original);
-  Watch& watch = TheWatch();
+  Watch& watch = GetWatch();
   watch.limited.reset();
   watch.login.reset();
   watch.given = {};

@@ -1,7 +1,6 @@
-// Lets the host see what a loaded library does to the machine. The library calls the system through
-// a table of addresses in its own image; the host puts its own functions there, which tell the
-// observer, keep what a recording needs, and then do what the library asked for. The library itself
-// knows nothing of it.
+// Lets the host follow the work of a loaded library on the machine. The library calls the system
+// through a table of addresses in its own image. The host puts its own functions there: they tell
+// the observer, feed the recorder and then call the system. The library itself knows nothing of it.
 #pragma once
 
 #include <vector>
@@ -11,11 +10,11 @@
 namespace host {
 
 /// Watches one library from construction to destruction. Not more than one at a time: a function in
-/// the table has no place to keep for whom it stands there.
+/// the table cannot know its object.
 class WatchedImports {
  public:
-  /// `module` is what LoadLibrary answered; `watch` has a listener. What the library does not
-  /// import (a C runtime that is linked into it) goes unseen.
+  /// `module` is a handle from LoadLibrary; `watch` has a listener. Functions that the library does
+  /// not import (of a C runtime that is linked into it) go unseen.
   WatchedImports(void* module, const LiveWatch& watch);
   WatchedImports(const WatchedImports&) = delete;
   WatchedImports& operator=(const WatchedImports&) = delete;

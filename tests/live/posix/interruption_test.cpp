@@ -18,9 +18,9 @@ using testing::SizeIs;
 
 TEST(Interruption, IsRequestedByTheFirstSignal) {
   const InterruptionWatch watch;
-  EXPECT_FALSE(InterruptionRequested());
+  EXPECT_FALSE(IsInterruptionRequested());
   raise(SIGINT);
-  EXPECT_TRUE(InterruptionRequested());
+  EXPECT_TRUE(IsInterruptionRequested());
 }
 
 TEST(InterruptionDeathTest, EndsTheProgramAtTheSecondSignal) {
@@ -39,7 +39,7 @@ TEST(Interruption, IsForgottenByTheNextWatch) {
     raise(SIGINT);
   }
   const InterruptionWatch watch;
-  EXPECT_FALSE(InterruptionRequested());
+  EXPECT_FALSE(IsInterruptionRequested());
 }
 
 /// Presses Ctrl-C while the tool `number`, counted from 1, is running, and counts what runs.

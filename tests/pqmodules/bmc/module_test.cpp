@@ -87,8 +87,8 @@ TEST(BmcModule, FillsTenTablesOfATwoSocketServer) {
 
 TEST(BmcDetection, LogsWhatAnExitCodeMeans) {
   const auto logOf = [](std::uint32_t exitCode) {
-    return LogBetween(Collect(MakeBmcMachine(exitCode), kModule, {"MCINFO"}),
-                      "4 check_bmc function return:" + std::to_string(exitCode), "")
+    return GetLogBetween(Collect(MakeBmcMachine(exitCode), kModule, {"MCINFO"}),
+                         "4 check_bmc function return:" + std::to_string(exitCode), "")
         .at(1);
   };
   EXPECT_EQ(logOf(255), "1 check_amt_bmc bmc command meets error");
@@ -126,7 +126,7 @@ TEST(BmcDetection, TakesAnExitCodeThatCannotBeReadForNone) {
   host::Recording machine = MakeBmcMachine(5);
   AnswerOf(machine, "bmc").exitCodeError = 6;
   EXPECT_THAT(
-      LogBetween(Collect(machine, kModule, {"MCINFO"}), "4 check_bmc function return:0", ""),
+      GetLogBetween(Collect(machine, kModule, {"MCINFO"}), "4 check_bmc function return:0", ""),
       ElementsAre("4 check_bmc function return:0", "3 has no BMC, return 4",
                   "3 Exit EnumBMCInstances"));
 }
@@ -158,7 +158,7 @@ TEST(BmcModule, AsksFamily9AndFamily11ForControllerSelfTestAndLanOnly) {
 TEST(BmcModule, ReportsTheMissingSdrOfFamily9AsProgress) {
   const Collected collected = Collect(MakeBmcMachine(9), kModule);
   EXPECT_THAT(collected.Rows("SDRINFO"), IsEmpty());
-  EXPECT_THAT(LogBetween(collected, "3 Oru Debug after sensor info", "3 Oru Debug  fru info 1"),
+  EXPECT_THAT(GetLogBetween(collected, "3 Oru Debug after sensor info", "3 Oru Debug  fru info 1"),
               ElementsAre("3 Oru Debug after sensor info", "3 Oru Debug after sdr info"));
 }
 
@@ -205,7 +205,7 @@ TEST(BmcModule, ReportsQueriesWhoseCommandDoesNotFitItsBuffer) {
   EXPECT_THAT(collected.LogTexts(), Contains("4 CreateProcess failed (206)").Times(6));
   EXPECT_THAT(collected.LogTexts(), Contains("3 CreateProcess failed (206)").Times(2));
   EXPECT_THAT(collected.commandLines, Each(Not(HasSubstr("korvaxoem mc"))));
-  EXPECT_EQ(ValuesOf(collected, "SELINFO").size(), 1u);
+  EXPECT_EQ(ListValues(collected, "SELINFO").size(), 1u);
 }
 
 TEST(BmcModule, StartsAPipeQueryWhoseCommandJustFits) {

@@ -57,7 +57,8 @@ TEST_P(OemQuery, LogsAPipeThatCannotBeCreatedAndNothingElse) {
   host::Recording machine = MakeBmcMachine();
   AnswerOf(machine, query.arguments).pipeError = 1450;
   const Collected collected = Collect(machine, kModule, {"MCINFO"});
-  EXPECT_THAT(LogBetween(collected, query.pipeFailure, query.next), ElementsAre(query.pipeFailure));
+  EXPECT_THAT(GetLogBetween(collected, query.pipeFailure, query.next),
+              ElementsAre(query.pipeFailure));
   EXPECT_THAT(collected.LogTexts(), Not(Contains(query.announcement)));
   EXPECT_THAT(collected.Rows(query.className), IsEmpty());
 }
@@ -67,7 +68,7 @@ TEST_P(OemQuery, LogsAProcessThatCannotStart) {
   host::Recording machine = MakeBmcMachine();
   AnswerOf(machine, query.arguments).startError = 1455;
   const Collected collected = Collect(machine, kModule, {"MCINFO"});
-  EXPECT_THAT(LogBetween(collected, query.announcement, query.next),
+  EXPECT_THAT(GetLogBetween(collected, query.announcement, query.next),
               ElementsAre(query.announcement, "4 CreateProcess failed (1455)"));
   EXPECT_THAT(collected.Rows(query.className), IsEmpty());
   EXPECT_EQ(collected.openHandles, 0);
@@ -79,7 +80,7 @@ TEST_P(OemQuery, RejectsAnOutputWithAnErrorTextWithoutAWord) {
     const std::string output = "Param (3) a : b "s + error + "\r\n";
     const Collected collected = CollectBmcWith(query.arguments, output);
     EXPECT_THAT(
-        LogBetween(collected, query.announcement, query.next),
+        GetLogBetween(collected, query.announcement, query.next),
         ElementsAre(query.announcement, "4 dw:" + std::to_string(output.size()), "4 " + output));
     EXPECT_THAT(collected.Rows(query.className), IsEmpty());
   }
@@ -103,7 +104,7 @@ TEST_P(OemQuery, BuildsAndReleasesItsInstanceAlsoWhenAnErrorIsReported) {
 TEST_P(OemQuery, AddsNothingAndLogsNothingMoreWhenTheOutputHoldsNothing) {
   const Query& query = GetParam();
   const Collected collected = CollectBmcWith(query.arguments, "");
-  std::vector<std::string> log = LogBetween(collected, query.announcement, query.next);
+  std::vector<std::string> log = GetLogBetween(collected, query.announcement, query.next);
   if (query.className == "SELFINFO"s) {
     EXPECT_THAT(log, ElementsAre(query.announcement, "4 se:", "4 size_buf:0", "4 Has 0 lines",
                                  "4 The position of line:0", "4 after:", "4 "));
@@ -168,14 +169,15 @@ TEST(OemLan, KeysFollowTheOrderOfTheLines) {
 
 TEST(OemLines, HandOverFiveLinesFiveTimesUnderOneKey) {
   const std::string output = "l1\r\nl2\r\n\r\nl3\r\nl4\r\nl5\r\n";
-  EXPECT_THAT(ValuesOf(CollectBmcWith("korvaxoem psu", output), "PSUINFO"),
+  EXPECT_THAT(ListValues(CollectBmcWith("korvaxoem psu", output), "PSUINFO"),
               ElementsAre("l1", "l2", "l3", "l4", "l5"));
-  EXPECT_THAT(ValuesOf(CollectBmcWith("korvaxoem led", output), "LEDINFO"),
+  EXPECT_THAT(ListValues(CollectBmcWith("korvaxoem led", output), "LEDINFO"),
               ElementsAre("l1", "l2", "l3", "l4", "l5"));
 }
 
 TEST(OemLines, KeepALastLineWithoutLineEnd) {
-  EXPECT_THAT(ValuesOf(CollectBmcWith("korvaxoem led", "a\nb"), "LEDINFO"), ElementsAre("a", "b"));
+  EXPECT_THAT(ListValues(CollectBmcWith("korvaxoem led", "a\nb"), "LEDINFO"),
+              ElementsAre("a", "b"));
 }
 
 TEST(OemSelfTest, JoinsExactlyTwoLines) {
@@ -189,7 +191,7 @@ TEST(OemSelfTest, JoinsExactlyTwoLines) {
 
 TEST(OemSelfTest, LogsWhatItCountsAmongAllBytes) {
   const Collected collected = CollectBmcWith("korvaxoem selftest", "Test : 1\r\n\0x\r\n"s);
-  EXPECT_THAT(LogBetween(collected, "4 se:Test : 1\r\n", "4 Test  "),
+  EXPECT_THAT(GetLogBetween(collected, "4 se:Test : 1\r\n", "4 Test  "),
               ElementsAre("4 se:Test : 1\r\n", "4 size_buf:14", "4 Has 2 lines",
                           "4 The position of line:8", "4 after:", "4 Test : 1  "));
 }
@@ -199,12 +201,12 @@ TEST(OemOutput, IsReadInChunksOf1023BytesAndNotCut) {
   for (int i = 0; i < 300; ++i) output += "line " + std::to_string(1000 + i) + "\r\n";
   ASSERT_EQ(output.size(), 3300u);
   const Collected collected = CollectBmcWith("korvaxoem psu", output);
-  const std::vector<std::string> values = ValuesOf(collected, "PSUINFO");
+  const std::vector<std::string> values = ListValues(collected, "PSUINFO");
   ASSERT_EQ(values.size(), 300u);
   EXPECT_EQ(values[93], "line 1093");  // The first chunk ends at "line" of it.
   EXPECT_EQ(values[299], "line 1299");
   EXPECT_THAT(
-      LogBetween(collected, "4 dw:1023", "4 line 1000 "),
+      GetLogBetween(collected, "4 dw:1023", "4 line 1000 "),
       ElementsAre("4 dw:1023", "4 " + output.substr(0, 1023), "4 dw:1023",
                   "4 " + output.substr(1023, 1023), "4 dw:1023", "4 " + output.substr(2046, 1023),
                   "4 dw:231", "4 " + output.substr(3069), "4 se:" + output));
@@ -224,22 +226,22 @@ TEST(OemOutput, HidesAnErrorTextThatOnlyTheCutSplits) {
 
 TEST(OemOutput, ShowsNothingOfAnEarlierChunkInAShorterOne) {
   const std::string output = std::string(1023, 'a') + "bc";
-  EXPECT_THAT(LogBetween(CollectBmcWith("korvaxoem led", output), "4 dw:2", "4 se:" + output),
+  EXPECT_THAT(GetLogBetween(CollectBmcWith("korvaxoem led", output), "4 dw:2", "4 se:" + output),
               ElementsAre("4 dw:2", "4 bc"));
 }
 
 TEST(OemOutput, EndsAtItsFirstNul) {
   const Collected collected = CollectBmcWith("korvaxoem led", "a\r\nb\0c\r\nError\r\n"s);
-  EXPECT_THAT(ValuesOf(collected, "LEDINFO"), ElementsAre("a", "b"));
+  EXPECT_THAT(ListValues(collected, "LEDINFO"), ElementsAre("a", "b"));
   EXPECT_THAT(collected.LogTexts(), Contains("4 se:a\r\nb"));
   EXPECT_THAT(collected.LogTexts(), Contains("4 dw:15"));
 }
 
 TEST(OemOutput, KeepsBytesAbove127) {
-  EXPECT_THAT(ValuesOf(CollectBmcWith("korvaxoem led",
-                                      "L\xfc"
-                                      "fter \xff\x80\r\n"),
-                       "LEDINFO"),
+  EXPECT_THAT(ListValues(CollectBmcWith("korvaxoem led",
+                                        "L\xfc"
+                                        "fter \xff\x80\r\n"),
+                         "LEDINFO"),
               ElementsAre("L\xfc"
                           "fter \xff\x80"));
 }
@@ -249,7 +251,7 @@ TEST(OemOutput, OfAMissingUtilityBecomesTheTable) {
   std::erase_if(machine.commands, [](const host::RecordedCommand& command) {
     return command.arguments == "korvaxoem led";
   });
-  EXPECT_THAT(ValuesOf(Collect(machine, kModule, {"MCINFO"}), "LEDINFO"),
+  EXPECT_THAT(ListValues(Collect(machine, kModule, {"MCINFO"}), "LEDINFO"),
               ElementsAre(HasSubstr("is not recognized as an internal or external command,"),
                           "operable program or batch file."));
 }

@@ -41,7 +41,7 @@ TEST(Sensors, LogAPipeThatCannotBeCreatedAndNothingElse) {
   host::Recording machine = MakeBmcMachine();
   AnswerOf(machine, "sensor -s -q").pipeError = 4;
   const Collected collected = Collect(machine, kModule, {"MCINFO"});
-  EXPECT_THAT(LogBetween(collected, "4 Failed to create pipe for sensor info", kSensorNext),
+  EXPECT_THAT(GetLogBetween(collected, "4 Failed to create pipe for sensor info", kSensorNext),
               ElementsAre("4 Failed to create pipe for sensor info"));
   EXPECT_THAT(collected.LogTexts(), Not(Contains(kSensorStart)));
   EXPECT_THAT(SensorsOf(collected), IsEmpty());
@@ -51,7 +51,7 @@ TEST(Sensors, LogAProcessThatCannotStartAsProgress) {
   host::Recording machine = MakeBmcMachine();
   AnswerOf(machine, "sensor -s -q").startError = 2;
   const Collected collected = Collect(machine, kModule, {"MCINFO"});
-  EXPECT_THAT(LogBetween(collected, kSensorStart, kSensorNext),
+  EXPECT_THAT(GetLogBetween(collected, kSensorStart, kSensorNext),
               ElementsAre(kSensorStart, "3 CreateProcess failed (2)"));
   EXPECT_THAT(SensorsOf(collected), IsEmpty());
   EXPECT_EQ(collected.openHandles, 0);
@@ -60,7 +60,7 @@ TEST(Sensors, LogAProcessThatCannotStartAsProgress) {
 TEST(Sensors, RejectAListingWithAnErrorTextAfterTheToolEnded) {
   for (const std::string& output : {"a|Error in b|c\r\n"s, "Error: no session\r\n"s}) {
     const Collected collected = CollectBmcWith("sensor -s -q", output);
-    EXPECT_THAT(LogBetween(collected, kSensorStart, kSensorNext),
+    EXPECT_THAT(GetLogBetween(collected, kSensorStart, kSensorNext),
                 ElementsAre(kSensorStart, "4 dw:" + std::to_string(output.size()), "4 " + output,
                             "4 se:" + output));
     EXPECT_THAT(SensorsOf(collected), IsEmpty());
@@ -88,7 +88,7 @@ TEST(Sensors, EndAtAThresholdOfOneBlank) {
   EXPECT_THAT(SensorsOf(collected),
               ElementsAre(ElementsAre("T1", "41", "C", "ok", "a", "b", "c", "d", "e", "f"),
                           ElementsAre("T2", "42", "C", "ok", "", "", "", "", "", "")));
-  EXPECT_THAT(LogBetween(collected, "4 T2", kSensorNext),
+  EXPECT_THAT(GetLogBetween(collected, "4 T2", kSensorNext),
               ElementsAre("4 T2", "4 42", "4 C", "4 ok", "4  ", "4 found the blank value, break"));
 }
 
@@ -105,7 +105,8 @@ TEST(Sensors, ShiftAfterALineOfNineFields) {
 
 TEST(Sensors, AreNoneInAListingWithoutFields) {
   const Collected collected = CollectBmcWith("sensor -s -q", "\r\n|\r\n");
-  EXPECT_THAT(LogBetween(collected, "4 se:\r\n|\r\n", kSensorNext), ElementsAre("4 se:\r\n|\r\n"));
+  EXPECT_THAT(GetLogBetween(collected, "4 se:\r\n|\r\n", kSensorNext),
+              ElementsAre("4 se:\r\n|\r\n"));
   EXPECT_THAT(SensorsOf(collected), IsEmpty());
 }
 
@@ -119,7 +120,7 @@ TEST(Sensors, AreReadInChunksOf30719BytesAndNotCut) {
   EXPECT_EQ(sensors[1499][0], "2499");
   EXPECT_TRUE(std::ranges::all_of(sensors, [](const auto& row) { return row[9] == "f"; }));
   EXPECT_THAT(
-      LogBetween(collected, "4 dw:30719", "4 se:" + listing),
+      GetLogBetween(collected, "4 dw:30719", "4 se:" + listing),
       ElementsAre("4 dw:30719", "4 " + listing.substr(0, 30719),
                   "4 dw:" + std::to_string(listing.size() - 30719), "4 " + listing.substr(30719)));
 }
@@ -133,7 +134,7 @@ TEST(Sdr, LogsAPipeThatCannotBeCreatedAndNothingElse) {
   host::Recording machine = MakeBmcMachine();
   AnswerOf(machine, "sensor").pipeError = 4;
   const Collected collected = Collect(machine, kModule, {"MCINFO"});
-  EXPECT_THAT(LogBetween(collected, "4 Create Pipe failed", kSdrNext),
+  EXPECT_THAT(GetLogBetween(collected, "4 Create Pipe failed", kSdrNext),
               ElementsAre("4 Create Pipe failed"));
   EXPECT_THAT(collected.LogTexts(), Not(Contains(kSdrStart)));
   EXPECT_THAT(collected.Rows("SDRINFO"), IsEmpty());
@@ -143,7 +144,7 @@ TEST(Sdr, LogsAProcessThatCannotStartAsProgress) {
   host::Recording machine = MakeBmcMachine();
   AnswerOf(machine, "sensor").startError = 2;
   const Collected collected = Collect(machine, kModule, {"MCINFO"});
-  EXPECT_THAT(LogBetween(collected, kSdrStart, kSdrNext),
+  EXPECT_THAT(GetLogBetween(collected, kSdrStart, kSdrNext),
               ElementsAre(kSdrStart, "3 CreateProcess failed (2)"));
   EXPECT_THAT(collected.Rows("SDRINFO"), IsEmpty());
   EXPECT_EQ(collected.openHandles, 0);
@@ -172,12 +173,12 @@ TEST(Sdr, IsOneInstanceFromTheFirstLineOn) {
 }
 
 TEST(Sdr, HasNoBlankLines) {
-  EXPECT_THAT(ValuesOf(CollectBmcWith("sensor", "\r\n\r\na\r\n\n\r\n b\r\n\r\n"), "SDRINFO"),
+  EXPECT_THAT(ListValues(CollectBmcWith("sensor", "\r\n\r\na\r\n\n\r\n b\r\n\r\n"), "SDRINFO"),
               ElementsAre("a", " b"));
 }
 
 TEST(Sdr, MarksItsStepsAlsoForASingleLine) {
-  EXPECT_THAT(LogBetween(CollectBmcWith("sensor", "a\r\n"), kSdrStart, kSdrNext),
+  EXPECT_THAT(GetLogBetween(CollectBmcWith("sensor", "a\r\n"), kSdrStart, kSdrNext),
               ElementsAre(kSdrStart, "4 dw:3", "4 a\r\n", "3 Oru Debug after sdr 1", "4 se:a\r\n",
                           "3 Oru Debug after sdr 2", "4 a ", "3 Oru Debug after sdr 3",
                           "3 Oru Debug after sdr 4"));
@@ -187,7 +188,7 @@ TEST(Sdr, WithoutAnyLineEndsAfterItsSecondStepWithoutInstance) {
   for (const std::string& output : {""s, "\r\n\r\n"s}) {
     const Collected collected = CollectBmcWith("sensor", output);
     EXPECT_THAT(
-        LogBetween(collected, "3 Oru Debug after sdr 1", kSdrNext),
+        GetLogBetween(collected, "3 Oru Debug after sdr 1", kSdrNext),
         ElementsAre("3 Oru Debug after sdr 1", "4 se:" + output, "3 Oru Debug after sdr 2"));
     EXPECT_THAT(collected.trace, Not(HasSubstr("\"class\":\"SDRINFO\"")));
   }
@@ -196,7 +197,7 @@ TEST(Sdr, WithoutAnyLineEndsAfterItsSecondStepWithoutInstance) {
 TEST(Sdr, TakesErrorTextsForLines) {
   const std::string output = "Error: no session\r\nCannot open an IPMI driver\r\nBad response\r\n";
   const Collected collected = CollectBmcWith("sensor", output);
-  EXPECT_THAT(ValuesOf(collected, "SDRINFO"),
+  EXPECT_THAT(ListValues(collected, "SDRINFO"),
               ElementsAre("Error: no session", "Cannot open an IPMI driver", "Bad response"));
   EXPECT_EQ(collected.openHandles, 0);
 }
@@ -206,18 +207,18 @@ TEST(Sdr, IsReadInChunksOf5119BytesAndNotCut) {
   for (int i = 0; i < 1000; ++i) listing += "sensor " + std::to_string(1000 + i) + "\r\n";
   ASSERT_EQ(listing.size(), 13000u);
   const Collected collected = CollectBmcWith("sensor", listing);
-  const std::vector<std::string> values = ValuesOf(collected, "SDRINFO");
+  const std::vector<std::string> values = ListValues(collected, "SDRINFO");
   ASSERT_EQ(values.size(), 1000u);
   EXPECT_EQ(values[393], "sensor 1393");  // The first chunk ends inside of it.
   EXPECT_EQ(values[999], "sensor 1999");
   EXPECT_THAT(
-      LogBetween(collected, "4 dw:5119", "3 Oru Debug after sdr 1"),
+      GetLogBetween(collected, "4 dw:5119", "3 Oru Debug after sdr 1"),
       ElementsAre("4 dw:5119", "4 " + listing.substr(0, 5119), "4 dw:5119",
                   "4 " + listing.substr(5119, 5119), "4 dw:2762", "4 " + listing.substr(10238)));
 }
 
 TEST(Sdr, KeepsBytesAbove127AndEndsAtTheFirstNul) {
-  EXPECT_THAT(ValuesOf(CollectBmcWith("sensor", "K\xfchler \xff\nb\0c\nd\n"s), "SDRINFO"),
+  EXPECT_THAT(ListValues(CollectBmcWith("sensor", "K\xfchler \xff\nb\0c\nd\n"s), "SDRINFO"),
               ElementsAre("K\xfchler \xff", "b"));
 }
 
@@ -261,7 +262,7 @@ const FileTable kFileTables[] = {
 class BmcFile : public testing::TestWithParam<FileTable> {
  protected:
   std::vector<std::string> LogOf(const Collected& collected) const {
-    return LogBetween(collected, GetParam().upToStart.front(), GetParam().next);
+    return GetLogBetween(collected, GetParam().upToStart.front(), GetParam().next);
   }
   /// The table's log up to the start of the tool, then `rest`.
   std::vector<std::string> WithRest(const std::vector<std::string>& rest) const {
@@ -301,33 +302,33 @@ TEST_P(BmcFile, WithoutContentBuildsAnInstanceAndAddsNothing) {
 }
 
 TEST_P(BmcFile, IsOneValuePerLineWithItsLineBreak) {
-  EXPECT_THAT(
-      ValuesOf(CollectBmcWith(GetParam().arguments, "a : 1\r\n\r\n b\nlast"), GetParam().className),
-      ElementsAre("a : 1\n", "\n", " b\n", "last"));
+  EXPECT_THAT(ListValues(CollectBmcWith(GetParam().arguments, "a : 1\r\n\r\n b\nlast"),
+                         GetParam().className),
+              ElementsAre("a : 1\n", "\n", " b\n", "last"));
 }
 
 TEST_P(BmcFile, GivesALineOf600CharactersInTwoPieces) {
-  EXPECT_THAT(ValuesOf(CollectBmcWith(GetParam().arguments, std::string(600, 'x') + "\r\nb\r\n"),
-                       GetParam().className),
+  EXPECT_THAT(ListValues(CollectBmcWith(GetParam().arguments, std::string(600, 'x') + "\r\nb\r\n"),
+                         GetParam().className),
               ElementsAre(std::string(511, 'x'), std::string(89, 'x') + "\n", "b\n"));
 }
 
 TEST_P(BmcFile, GivesALineOf511CharactersAndItsLineBreakApart) {
-  EXPECT_THAT(ValuesOf(CollectBmcWith(GetParam().arguments, std::string(511, 'x') + "\r\n"),
-                       GetParam().className),
+  EXPECT_THAT(ListValues(CollectBmcWith(GetParam().arguments, std::string(511, 'x') + "\r\n"),
+                         GetParam().className),
               ElementsAre(std::string(511, 'x'), "\n"));
 }
 
 TEST_P(BmcFile, EndsAValueAtItsFirstNulAndGoesOnWithTheNextLine) {
-  EXPECT_THAT(ValuesOf(CollectBmcWith(GetParam().arguments, "a\0b\r\n\0\r\nc\xff\r\n"s),
-                       GetParam().className),
+  EXPECT_THAT(ListValues(CollectBmcWith(GetParam().arguments, "a\0b\r\n\0\r\nc\xff\r\n"s),
+                         GetParam().className),
               ElementsAre("a", "", "c\xff\n"));
 }
 
 TEST_P(BmcFile, TakesErrorTextsForLines) {
-  EXPECT_THAT(
-      ValuesOf(CollectBmcWith(GetParam().arguments, "Error: no session\r\n"), GetParam().className),
-      ElementsAre("Error: no session\n"));
+  EXPECT_THAT(ListValues(CollectBmcWith(GetParam().arguments, "Error: no session\r\n"),
+                         GetParam().className),
+              ElementsAre("Error: no session\n"));
 }
 
 TEST_P(BmcFile, StaysInTheLogFolderAsTheToolWroteIt) {
@@ -369,7 +370,7 @@ TEST(RawDumps, HoldErrorTextsUnread) {
   const Collected collected = CollectBmcWith("sel -r", "Error: no session\r\n");
   EXPECT_EQ(collected.files.at("C:\\Halyard\\logs\\SEL_Hex.txt"), "Error: no session\r\n");
   EXPECT_THAT(
-      LogBetween(collected, "3 Oru Debug  selhex 1", "3 Oru Debug  sen_id 1"),
+      GetLogBetween(collected, "3 Oru Debug  selhex 1", "3 Oru Debug  sen_id 1"),
       ElementsAre("3 Oru Debug  selhex 1", "3 Oru Debug  selhex 2", "3 Oru Debug  selhex 3"));
 }
 
@@ -377,8 +378,8 @@ TEST(RawDumps, OfTheEventLogReportAFailedStartWithoutABlank) {
   host::Recording machine = MakeBmcMachine();
   AnswerOf(machine, "sel -r").startError = 14;
   EXPECT_THAT(
-      LogBetween(Collect(machine, kModule, {"MCINFO"}), "3 Oru Debug  selhex 1",
-                 "3 Oru Debug  sen_id 1"),
+      GetLogBetween(Collect(machine, kModule, {"MCINFO"}), "3 Oru Debug  selhex 1",
+                    "3 Oru Debug  sen_id 1"),
       ElementsAre("3 Oru Debug  selhex 1", "3 Oru Debug  selhex 2", "3 CreateProcess failed(14)"));
 }
 
@@ -386,8 +387,8 @@ TEST(RawDumps, OfTheSensorsReportAFailedStartWithoutABlank) {
   host::Recording machine = MakeBmcMachine(9);  // Does not ask for the SDR with the same command.
   AnswerOf(machine, "sensor").startError = 14;
   EXPECT_THAT(
-      LogBetween(Collect(machine, kModule, {"MCINFO"}), "3 Oru Debug  sen_id 1",
-                 "3 Oru Debug after sen_id"),
+      GetLogBetween(Collect(machine, kModule, {"MCINFO"}), "3 Oru Debug  sen_id 1",
+                    "3 Oru Debug after sen_id"),
       ElementsAre("3 Oru Debug  sen_id 1", "3 Oru Debug  sen_id 2", "3 CreateProcess failed(14)"));
 }
 

@@ -8,8 +8,8 @@ namespace test {
 
 struct HostRun {
   int exitCode = -1;
-  std::string out;    ///< what came on standard output
-  std::string error;  ///< what came on standard error
+  std::string out;    ///< from standard output
+  std::string error;  ///< from standard error
 };
 
 /// Who the program talks to.

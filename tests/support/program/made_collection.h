@@ -30,7 +30,7 @@ class MadeCollection {
   /// The finished collection; refers to this object.
   host::Collection& Get();
 
-  /// What `format` writes of it.
+  /// The collection as `format` writes it.
   std::string As(const std::string& format, const host::Screen& screen = {});
 
  private:
