@@ -74,7 +74,8 @@ lint=$!
 PQ_REPETITIONS=1000 run native scripts/gtest.sh build/native/bin/pq_tests
 run state scripts/check_state.sh
 run asan scripts/gtest.sh build/asan/bin/pq_tests
-run tsan scripts/gtest.sh build/tsan/bin/pq_tests_threads
+TSAN_OPTIONS=suppressions=tests/thread_sanitizer.supp \
+  run tsan scripts/gtest.sh build/tsan/bin/pq_tests_threads
 run browser scripts/browser_tests.sh
 run fuzz scripts/fuzz.sh --replay
 for name in native state asan tsan browser fuzz; do counted "$name"; done

@@ -30,7 +30,7 @@ AGREED = {
     "host::(anonymous namespace)::before": SIGNAL,
     "pq::GeneralErrors()::errors": CATALOGUE,
     "pq::CategoryErrors()::errors": CATALOGUE,
-    "host::(anonymous namespace)::TheWatch()::watch": IMPORTS,
+    "host::(anonymous namespace)::GetWatch()::watch": IMPORTS,
     "host::PrepareTerminal()::codePageBefore": CONSOLE,
 }
 # The Windows library's machine has no members.

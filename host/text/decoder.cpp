@@ -105,7 +105,7 @@ struct TextDecoder::Characters {
 
   std::uint32_t number = 0;
   std::unique_ptr<CodePage> codePage;  ///< null for UTF-8, and when the system does not know it
-  Row singles{};
+  std::optional<Row> singles;          ///< filled on first use: most output is ASCII
   std::map<unsigned char, Row> pairs;  ///< by lead byte, filled on first use
 
   char32_t Decode(std::string_view bytes) {
@@ -113,12 +113,16 @@ struct TextDecoder::Characters {
     return c && !FillsGap(*c) && !IsSurrogate(*c) ? *c : kReplacementCharacter;
   }
 
-  void FillSingles() {
-    for (unsigned i = 0; i < singles.size(); ++i) {
-      const char byte = static_cast<char>(i);
-      const auto disputed = FindDisputed(number, static_cast<unsigned char>(i));
-      singles[i] = i < 0x80 ? i : disputed ? *disputed : Decode({&byte, 1});
+  char32_t DecodeSingle(unsigned char single) {
+    if (!singles) {
+      singles.emplace();
+      for (unsigned i = 0; i < singles->size(); ++i) {
+        const char byte = static_cast<char>(i);
+        const auto disputed = FindDisputed(number, static_cast<unsigned char>(i));
+        (*singles)[i] = i < 0x80 ? i : disputed ? *disputed : Decode({&byte, 1});
+      }
     }
+    return (*singles)[single];
   }
 
   char32_t DecodePair(unsigned char lead, unsigned char trail) {
@@ -137,7 +141,6 @@ TextDecoder::TextDecoder(std::uint32_t codePage) : characters(std::make_unique<C
   characters->number = codePage;
   if (codePage == kUtf8CodePage) return;
   characters->codePage = OpenCodePage(codePage);
-  characters->FillSingles();
 }
 
 TextDecoder::~TextDecoder() = default;
@@ -156,7 +159,7 @@ std::string TextDecoder::operator()(std::string_view bytes) const {
     if (byte < 0x80) {
       text += bytes[i];
     } else if (!IsLeadByte(characters->number, byte)) {
-      AppendUtf8(text, characters->singles[byte]);
+      AppendUtf8(text, characters->DecodeSingle(byte));
     } else if (i + 1 == bytes.size()) {
       AppendUtf8(text, kReplacementCharacter);
     } else {
