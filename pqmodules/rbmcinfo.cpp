@@ -1,10 +1,13 @@
 #include "pqmodules/rbmcinfo.h"
 
 #include <cstdint>
+#include <cstdio>
+#include <string>
 #include <utility>
 #include <vector>
 
 #include "frame/error_entries.h"
+#include "frame/logkit/log.h"
 #include "frame/sentences.h"
 #include "frame/tool_runner.h"
 #include "pqmodules/rbmcinfo/collection.h"
@@ -24,16 +27,18 @@ constexpr ModuleLog kLog{"pqmodules/rbmcinfo"};
 constexpr char kName[] = "BMC_Info";
 
 // The folder of the host's executable, fetched by each collection, and the host's log folder,
-// fetched by each enumeration: those of the collection on this thread.
-thread_local std::string exePath;
-thread_local std::string logDir;
+// fetched by each enumeration: those of the collection on this thread. They must need no
+// destructor: mingw's runtime frees a thread's variables before it destroys them.
+thread_local char exePath[kCommandRoom];  // a longer one fits no command line
+thread_local char logDir[256];
 
 void CollectBmc(RRepository& repo) {
   kLog(kProgress, "Enter CollectData-BMC related info");
-  exePath = GetExeFolder();
-  kLog(kProgress, "the exepath:", exePath);
-  BmcCollection collection{repo, kLog, exePath};
-  switch (DetectBmc(kLog, exePath)) {
+  const std::string hostFolder = GetExeFolder();
+  std::snprintf(exePath, sizeof exePath, "%s", hostFolder.c_str());
+  kLog(kProgress, "the exepath:", hostFolder);
+  BmcCollection collection{repo, kLog, hostFolder};
+  switch (DetectBmc(kLog, hostFolder)) {
     case BmcFamily::kGrantley:
       QueryOem(collection, kControllerQuery);
       QueryOem(collection, kSelfTestQuery);
@@ -45,8 +50,8 @@ void CollectBmc(RRepository& repo) {
       CollectFru(collection);
       CollectSdr(collection);
       CollectSel(collection);
-      DumpSelHex(kLog, exePath);
-      DumpSensorIds(kLog, exePath);
+      DumpSelHex(kLog, hostFolder);
+      DumpSensorIds(kLog, hostFolder);
       break;
     case BmcFamily::kMarl:  // No LEDs, and SDR before FRU.
       QueryOem(collection, kControllerQuery);
@@ -58,8 +63,8 @@ void CollectBmc(RRepository& repo) {
       CollectSdr(collection);
       CollectFru(collection);
       CollectSel(collection);
-      DumpSelHex(kLog, exePath);
-      DumpSensorIds(kLog, exePath);
+      DumpSelHex(kLog, hostFolder);
+      DumpSensorIds(kLog, hostFolder);
       break;
     case BmcFamily::kZk140:
     case BmcFamily::kIvyBridge:
@@ -75,9 +80,9 @@ void CollectBmc(RRepository& repo) {
       kLog(kProgress, "Oru Debug after fru info");
       CollectSel(collection);
       kLog(kProgress, "Oru Debug after sel info");
-      DumpSelHex(kLog, exePath);
+      DumpSelHex(kLog, hostFolder);
       kLog(kProgress, "Oru Debug after selhex");
-      DumpSensorIds(kLog, exePath);
+      DumpSensorIds(kLog, hostFolder);
       kLog(kProgress, "Oru Debug after sen_id");
       break;
     case BmcFamily::kNoBmc:
@@ -140,7 +145,8 @@ void RBMCInfo::FormatSensorTable(RInstancesWrapper& table) {
 
 void RBMCInfo::EnumBMCInstances(RRepository& repo) {
   kLog(kProgress, "Enter EnumBMCInstances");
-  logDir = GetLogFolder();  // At every call, also when nothing is collected any more.
+  LogKit::GetLogDir(logDir,
+                    sizeof logDir);  // At every call, also when nothing is collected any more.
   if (!collected) CollectData(repo);
   collected = true;
   kLog(kProgress, "Exit EnumBMCInstances");
