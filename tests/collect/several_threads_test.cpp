@@ -7,6 +7,7 @@
 
 #include "host/recorded/recording.h"
 #include "tests/support/samples.h"
+#include "tests/support/sanitizers.h"
 
 namespace host {
 namespace {
@@ -14,7 +15,7 @@ namespace {
 // Each thread begins with another sample, so that different ones run side by side.
 TEST(SeveralThreads, GiveTheSameTracesAsOne) {
   constexpr std::size_t kThreads = 8;
-  constexpr std::size_t kCollections = 200;
+  constexpr std::size_t kCollections = PQ_HAS_ADDRESS_SANITIZER ? 20 : 200;
   std::vector<Recording> recordings;
   std::vector<std::string> alone;
   for (const auto& [name, recording] : test::LoadSamples()) {

@@ -158,7 +158,12 @@ TEST(Options, RefusesASingleOptionGivenTwice) {
 }
 
 TEST(Options, RefusesAPluginForAReplay) {
-  EXPECT_THAT(Complaint({"collect", "--replay", "r", "--plugin", "p"}),
+  for (const char* command : {"collect", "check"}) {
+    EXPECT_THAT(Complaint({command, "--replay", "r", "--plugin", "p"}),
+                HasSubstr("--plugin has no use with --replay"))
+        << command;
+  }
+  EXPECT_THAT(Complaint({"query", "--replay", "r", "--plugin", "p", "select 1"}),
               HasSubstr("--plugin has no use with --replay"));
 }
 

@@ -158,7 +158,7 @@ TEST_P(FaultTable, MeetsBinaryOutput) {
   MeetFault(GetParam(), Fault::kBinaryPrinted, Lines::kContain);
 }
 
-TEST_P(FaultTable, Meets100MegabytesFromEveryTool) {
+TEST_P(FaultTable, MeetsAFloodFromEveryTool) {
   const FaultScenario& scenario = GetParam();
   const FaultRun whole = RunWhole(scenario);
   std::vector<std::string> together;

@@ -14,6 +14,7 @@
 #include "host/repository/observer.h"
 #include "host/text/ascii.h"
 #include "tests/support/collected.h"
+#include "tests/support/sanitizers.h"
 
 namespace test {
 namespace {
@@ -21,7 +22,7 @@ namespace {
 constexpr std::uint32_t kStartError = 5;
 constexpr std::uint32_t kPipeError = 1450;
 constexpr std::uint32_t kExitCodeError = 6;
-constexpr std::size_t kHugeSize = 100'000'000;
+constexpr std::size_t kHugeSize = PQ_HAS_ADDRESS_SANITIZER ? 10'000'000 : 100'000'000;
 
 std::vector<FaultScenario>& GetRegistered() {
   static std::vector<FaultScenario> scenarios;

@@ -97,6 +97,7 @@ void RefuseContradictions(const QueryOptions& options) {
         "there is no query: give one, as in pqhost query --replay FOLDER \"SELECT * "
         "FROM SENSORINFO\"");
   }
+  RefusePluginWithReplay(options.source);
   if (FindDatabase(options) && options.source.replay) {
     throw UsageError("a database and --replay are both there to be asked: give one of them");
   }

@@ -12,6 +12,7 @@
 
 #include "tests/support/allocated_bytes.h"
 #include "tests/support/samples.h"
+#include "tests/support/sanitizers.h"
 
 #if !PQ_HAS_ADDRESS_SANITIZER
 #include <malloc.h>

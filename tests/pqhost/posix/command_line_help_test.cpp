@@ -1,8 +1,6 @@
 // Help, manual page and the shells' completions know every command, option and format.
 #include <gmock/gmock.h>
 
-#include <array>
-#include <cstdio>
 #include <fstream>
 #include <iterator>
 #include <regex>
@@ -11,10 +9,10 @@
 #include "host/pqhost/commands/command_line.h"
 #include "host/pqhost/commands/completions.h"
 #include "tests/support/collected.h"
+#include "tests/support/posix/shell_command.h"
 #include "tests/support/program/host_run.h"
 
 namespace {
-
 using host::CommandDescription;
 using host::OptionDescription;
 using testing::Contains;
@@ -74,14 +72,7 @@ std::set<std::string> CompleteInBash(const std::vector<std::string>& words) {
              "; _pqhost_complete; printf '%s\\n' \"${COMPREPLY[@]}\"";
   const std::string line =
       "bash -c \"" + std::regex_replace(command, std::regex("([\"$\\\\])"), "\\$1") + "\"";
-  std::FILE* pipe = popen(line.c_str(), "r");
-  std::string out;
-  std::array<char, 256> chunk{};
-  while (const std::size_t count = std::fread(chunk.data(), 1, chunk.size(), pipe)) {
-    out.append(chunk.data(), count);
-  }
-  EXPECT_EQ(pclose(pipe), 0);
-  return FindAll(out, "([^\n]+)\n");
+  return FindAll(test::RunShellCommand(line), "([^\n]+)\n");
 }
 
 TEST(CommandLineHelp, ShowsEveryCommandAndOption) {

@@ -5,30 +5,15 @@
 
 #include <cctype>
 #include <cstdint>
-#include <cstdio>
-#include <filesystem>
 #include <stdexcept>
 #include <string>
 
+#include "tests/support/posix/shell_command.h"
+#include "tests/support/sanitizers.h"
 #include "tests/support/temporary_folder.h"
-
-#ifdef __has_feature
-#define PQ_HAS_ADDRESS_SANITIZER __has_feature(address_sanitizer)
-#else
-#define PQ_HAS_ADDRESS_SANITIZER 0
-#endif
 
 namespace host {
 namespace {
-
-std::string RunProgram(const std::string& line) {
-  std::FILE* pipe = popen(line.c_str(), "r");
-  if (pipe == nullptr) throw std::runtime_error("cannot run " + line);
-  std::string written;
-  for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe)) written += static_cast<char>(c);
-  if (pclose(pipe) != 0) throw std::runtime_error(line + ": " + written);
-  return written;
-}
 
 /// The number in the line "I refs: 38,902,108" of Valgrind.
 std::uint64_t FindInstructions(const std::string& written) {
@@ -60,10 +45,10 @@ std::uint64_t CountInstructions(int size) {
   const test::TemporaryFolder folder;
   folder.Write("recording.json", MakeRecording(size));
   folder.Write("a", "output");
-  const std::filesystem::path program =
-      std::filesystem::read_symlink("/proc/self/exe").parent_path() / "load_recording";
-  return FindInstructions(RunProgram("valgrind --tool=callgrind --callgrind-out-file=/dev/null '" +
-                                     program.string() + "' '" + folder.Path().string() + "' 2>&1"));
+  return FindInstructions(
+      test::RunShellCommand("valgrind --tool=callgrind --callgrind-out-file=/dev/null '" +
+                            test::FindBuiltProgram("load_recording").string() + "' '" +
+                            folder.Path().string() + "' 2>&1"));
 }
 
 TEST(ReadingARecording, TakesTwiceTheWorkForTwiceTheSize) {

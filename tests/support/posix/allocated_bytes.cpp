@@ -2,6 +2,8 @@
 
 #include <malloc.h>
 
+#include "tests/support/sanitizers.h"
+
 #if PQ_HAS_ADDRESS_SANITIZER
 // The address sanitizer brings an allocator of its own.
 extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
