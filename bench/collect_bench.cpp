@@ -1,4 +1,4 @@
-// One more recording in a process, as the fleet's programs collect it: the two-socket server, from
+// One more recording in a process that has collected some before: the two-socket server, from
 // memory.
 #include <benchmark/benchmark.h>
 

@@ -34,11 +34,10 @@ thread_local char logDir[256];
 
 void CollectBmc(RRepository& repo) {
   kLog(kProgress, "Enter CollectData-BMC related info");
-  const std::string hostFolder = GetExeFolder();
-  std::snprintf(exePath, sizeof exePath, "%s", hostFolder.c_str());
-  kLog(kProgress, "the exepath:", hostFolder);
-  BmcCollection collection{repo, kLog, hostFolder};
-  switch (DetectBmc(kLog, hostFolder)) {
+  std::snprintf(exePath, sizeof exePath, "%s", GetExeFolder().c_str());
+  kLog(kProgress, "the exepath:", exePath);
+  BmcCollection collection{repo, kLog, exePath};
+  switch (DetectBmc(kLog, exePath)) {
     case BmcFamily::kGrantley:
       QueryOem(collection, kControllerQuery);
       QueryOem(collection, kSelfTestQuery);
@@ -50,8 +49,8 @@ void CollectBmc(RRepository& repo) {
       CollectFru(collection);
       CollectSdr(collection);
       CollectSel(collection);
-      DumpSelHex(kLog, hostFolder);
-      DumpSensorIds(kLog, hostFolder);
+      DumpSelHex(kLog, exePath);
+      DumpSensorIds(kLog, exePath);
       break;
     case BmcFamily::kMarl:  // No LEDs, and SDR before FRU.
       QueryOem(collection, kControllerQuery);
@@ -63,8 +62,8 @@ void CollectBmc(RRepository& repo) {
       CollectSdr(collection);
       CollectFru(collection);
       CollectSel(collection);
-      DumpSelHex(kLog, hostFolder);
-      DumpSensorIds(kLog, hostFolder);
+      DumpSelHex(kLog, exePath);
+      DumpSensorIds(kLog, exePath);
       break;
     case BmcFamily::kZk140:
     case BmcFamily::kIvyBridge:
@@ -80,9 +79,9 @@ void CollectBmc(RRepository& repo) {
       kLog(kProgress, "Oru Debug after fru info");
       CollectSel(collection);
       kLog(kProgress, "Oru Debug after sel info");
-      DumpSelHex(kLog, hostFolder);
+      DumpSelHex(kLog, exePath);
       kLog(kProgress, "Oru Debug after selhex");
-      DumpSensorIds(kLog, hostFolder);
+      DumpSensorIds(kLog, exePath);
       kLog(kProgress, "Oru Debug after sen_id");
       break;
     case BmcFamily::kNoBmc:
@@ -145,8 +144,8 @@ void RBMCInfo::FormatSensorTable(RInstancesWrapper& table) {
 
 void RBMCInfo::EnumBMCInstances(RRepository& repo) {
   kLog(kProgress, "Enter EnumBMCInstances");
-  LogKit::GetLogDir(logDir,
-                    sizeof logDir);  // At every call, also when nothing is collected any more.
+  // At every call, also when nothing is collected any more.
+  LogKit::GetLogDir(logDir, sizeof logDir);
   if (!collected) CollectData(repo);
   collected = true;
   kLog(kProgress, "Exit EnumBMCInstances");

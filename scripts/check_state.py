@@ -50,6 +50,9 @@ def list_statics(nm, library):
                              text=True).stdout
     for line in listing.splitlines():
         fields = [field.strip() for field in line.split("|")]
+        # mingw's runtime frees the variables of a thread before it destroys them.
+        if fields[0] == "__cxa_thread_atexit":
+            yield "a variable of a thread that needs a destructor"
         if len(fields) != 7 or not WRITABLE.match(fields[6]) or fields[3] in ("FUNC", "SECTION"):
             continue
         # A variable of a thread is reached through the runtime on Windows.

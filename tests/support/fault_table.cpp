@@ -204,7 +204,7 @@ const std::string& GetFloodBlock() {
   return block;
 }
 
-/// 100 MB that nobody has to hold: one block, over and over.
+/// A flood that nobody has to hold: one block, over and over.
 class FloodText {
  public:
   /// The next bytes, at most `size` of them.
@@ -269,7 +269,7 @@ class FloodFile final : public pq::TextFile {
   FloodText text;
 };
 
-/// A recorded machine on which some steps print 100 MB, which nobody has to hold.
+/// A recorded machine on which some steps print a flood, which nobody has to hold.
 class FloodedMachine final : public pq::Platform {
  public:
   FloodedMachine(const host::Recording& recording, host::MachineObserver& observer,

@@ -96,8 +96,8 @@ FaultRun RunWithFault(const FaultScenario& scenario, const FaultRun& whole, std:
                       Fault fault);
 /// A run in which nothing can be written into the log folder.
 FaultRun RunWithoutLogFolder(const FaultScenario& scenario);
-/// A run in which each of the steps `flooded` prints 100 MB. Its log lines are cut at 80
-/// characters.
+/// A run in which each of the steps `flooded` prints 100 MB, or 10 under the address sanitizer. Its
+/// log lines are cut at 80 characters.
 FaultRun RunFlooded(const FaultScenario& scenario, const std::vector<std::string>& flooded);
 
 /// The lines of `run` that `whole` does not have, in order; a line that comes n times more is
