@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "host/files/sha256.h"
+#include "host/files/whole_file.h"
 #include "host/recorded/interpreter.h"
 #include "host/recorded/own_commands.h"
 #include "host/recording/recording_writer.h"
@@ -19,7 +20,7 @@ void LiveSource::Begin(CollectionListener& listener) {
   library = LoadLiveLibrary(settings.plugin, {&listener, &recorder, settings.toolLimit});
   machine = PrepareLiveMachine(settings.logFolder);
   if (!settings.recordingFolder) return;
-  PrepareRecordingFolder(*settings.recordingFolder);
+  CreateEmptyFolder(*settings.recordingFolder, "--record");
   recorder.emplace(DescribeLiveMachine(machine), *machineView);
 }
 

@@ -7,6 +7,7 @@
 
 #include "host/collect/recorded_source.h"
 #include "host/files/left_files.h"
+#include "host/files/whole_file.h"
 #include "host/live/live_source.h"
 #include "host/recording/recording_reader.h"
 #include "host/text/decoder.h"
@@ -19,7 +20,7 @@ class ReplaySource final : public CommandSource {
  public:
   explicit ReplaySource(const SourceOptions& options)
       : source(LoadRecording(*options.replay)), logFolder(options.logFolder) {
-    if (logFolder) CreateFolder(*logFolder);
+    if (logFolder) CreateEmptyFolder(*logFolder, "--log-folder");
   }
 
   Source& Get() override { return source; }

@@ -98,7 +98,7 @@ class RecordingWriter {
 
   /// `name` has a "/" after each folder.
   void WriteFile(const std::string& name, const std::string& bytes) {
-    WriteWholeFile(folder / name, bytes);
+    CreateWholeFile(folder / name, bytes);
     manifest += fmt::format("{}  {}\n", sha256(bytes), name);
   }
 
@@ -109,19 +109,6 @@ class RecordingWriter {
 };
 
 }  // namespace
-
-void PrepareRecordingFolder(const std::filesystem::path& folder) {
-  std::error_code failure;
-  std::filesystem::create_directories(folder, failure);
-  if (failure || !std::filesystem::is_directory(folder, failure)) {
-    throw UsageError(fmt::format("cannot create the recording's folder {}: {}", PathText(folder),
-                                 failure.message()));
-  }
-  if (!std::filesystem::is_empty(folder, failure) || failure) {
-    throw UsageError(fmt::format("{} is not empty: give --record a folder that is new or empty",
-                                 PathText(folder)));
-  }
-}
 
 void WriteRecording(const Recording& recording, const std::filesystem::path& folder,
                     const Digest& sha256) {

@@ -16,9 +16,6 @@
 
 namespace host {
 
-/// Makes the folder of a new recording. Throws UsageError when it contains something already.
-void PrepareRecordingFolder(const std::filesystem::path& folder);
-
 /// The digest of some bytes, in hexadecimal digits.
 using Digest = std::function<std::string(std::string_view bytes)>;
 

@@ -167,6 +167,24 @@ TEST(Options, RefusesAPluginForAReplay) {
               HasSubstr("--plugin has no use with --replay"));
 }
 
+TEST(Options, RefuseToWriteIntoTheRecording) {
+  const std::string sample = test::Sample("blade");
+  const std::string inside = sample + "/../blade/ipmiutil/new";
+  for (const char* option : {"--output", "--trace", "--log-folder"}) {
+    EXPECT_THAT(Complaint({"collect", "--replay", sample, option, inside}),
+                HasSubstr("is in the recording"))
+        << option;
+  }
+  EXPECT_THAT(Complaint({"query", "--replay", sample, "--output", inside, "select 1"}),
+              HasSubstr("is in the recording"));
+  EXPECT_FALSE(std::filesystem::exists(inside));
+}
+
+TEST(Options, RefuseOnePlaceForTraceAndResult) {
+  EXPECT_THAT(Complaint({"collect", "--output", "x", "--trace", "./x"}),
+              HasSubstr("name the same file"));
+}
+
 TEST(Options, DoesNotTakeASlashForAnOption) {
   EXPECT_EQ(Complaint({"collect", "/module"}),
             "collect takes no argument /module (see pqhost collect --help)");

@@ -91,21 +91,5 @@ TEST_F(WrittenRecording, LeavesOutACodePageThatRecordingsDoNotKnow) {
   EXPECT_EQ(WriteAndLoad(recording).codePage, 1252u);
 }
 
-TEST_F(WrittenRecording, IsRefusedAFolderThatHoldsSomething) {
-  folder.Write("recording.json", "{}");
-  try {
-    PrepareRecordingFolder(folder.Path());
-    FAIL() << "not refused";
-  } catch (const UsageError& error) {
-    EXPECT_THAT(error.what(), HasSubstr("is not empty"));
-  }
-  EXPECT_THAT(folder.Files(), ElementsAre("recording.json"));
-}
-
-TEST_F(WrittenRecording, GetsItsFolderMade) {
-  PrepareRecordingFolder(folder.Path() / "a" / "b");
-  EXPECT_TRUE(std::filesystem::is_directory(folder.Path() / "a" / "b"));
-}
-
 }  // namespace
 }  // namespace host

@@ -81,7 +81,7 @@ Look LookOf(Finding::Kind kind) {
 
 int RunCheck(const CheckOptions& options, const Console& console) {
   const SourceOptions& source = options.source;
-  RefusePluginWithReplay(source);
+  RefuseMisuseOfReplay(source);
   const CheckedMachine machine =
       source.replay ? LookAtRecording(*source.replay) : LookAtThisMachine(source, console);
   const std::vector<Finding> findings = CheckMachine(machine, options.modules);

@@ -10,6 +10,7 @@
 
 #include "host/check/dry_machine.h"
 #include "host/collect/recorded_source.h"
+#include "host/files/places.h"
 #include "host/formats/formats.h"
 #include "host/live/live.h"
 #include "host/pqhost/commands/commands.h"
@@ -52,7 +53,10 @@ void SeparateTrace(CollectOptions& options, bool isFormatGiven) {
   const Destination& trace = *options.trace;
   ResultOptions& result = options.result;
   if (!trace.IsStandardOutput() || !result.output.IsStandardOutput()) {
-    if (trace.path != result.output.path) return;
+    if (trace.IsStandardOutput() || result.output.IsStandardOutput() ||
+        !AreSameFile(trace.path, result.output.path)) {
+      return;
+    }
     throw UsageError("--trace and --output name the same file: give each its own");
   }
   // A trace on standard output is alone there, unless a format is asked for.
@@ -74,7 +78,7 @@ void RefuseWithReplay(const SourceOptions& source) {
     throw UsageError(
         "--tool-limit has no use with --replay, which runs no tools: leave one of them away");
   }
-  RefusePluginWithReplay(source);
+  RefuseMisuseOfReplay(source);
 }
 
 void RefuseWithDryRun(const OptionSet& set) {
@@ -90,6 +94,8 @@ void RefuseWithDryRun(const OptionSet& set) {
 void SettleOptions(CollectOptions& options, const OptionSet& set) {
   if (options.trace) SeparateTrace(options, set.IsGiven("--format"));
   if (options.source.replay) RefuseWithReplay(options.source);
+  RefuseInRecording(options.source, "--output", options.result.output);
+  if (options.trace) RefuseInRecording(options.source, "--trace", *options.trace);
   if (options.dryRun) RefuseWithDryRun(set);
 }
 
@@ -117,8 +123,9 @@ int RunCollect(const CollectOptions& options, const Console& console) {
     trace.emplace(*options.trace, console, passwords);
     listeners.Add(trace->Writer());
   };
-  auto [source, collection] = Gather(options.source, options.selection, console,
-                                     format.wantsLog ? KeepLog::kYes : KeepLog::kNo, openOutputs);
+  auto [interruption, source, collection] =
+      Gather(options.source, options.selection, console,
+             format.wantsLog ? KeepLog::kYes : KeepLog::kNo, openOutputs);
 
   // The results are shown even when the recording cannot be written.
   try {
@@ -135,7 +142,8 @@ int RunCollect(const CollectOptions& options, const Console& console) {
   }
   for (const std::string& problem : collection.problems) Complain(console, problem);
   ReportStatus(collection, console);
-  return collection.problems.empty() ? kExitDone : kExitIncomplete;
+  const bool isWhole = collection.problems.empty() && !IsInterruptionRequested();
+  return isWhole ? kExitDone : kExitIncomplete;
 }
 
 /// Shows the command lines of a collection without running them.

@@ -97,7 +97,8 @@ void RefuseContradictions(const QueryOptions& options) {
         "there is no query: give one, as in pqhost query --replay FOLDER \"SELECT * "
         "FROM SENSORINFO\"");
   }
-  RefusePluginWithReplay(options.source);
+  RefuseMisuseOfReplay(options.source);
+  RefuseInRecording(options.source, "--output", options.result.output);
   if (FindDatabase(options) && options.source.replay) {
     throw UsageError("a database and --replay are both there to be asked: give one of them");
   }

@@ -3,7 +3,9 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include "host/files/places.h"
 #include "host/program/result_output.h"
+#include "host/text/path_text.h"
 #include "host/text/usage_error.h"
 
 namespace host {
@@ -36,7 +38,16 @@ void AddPlugin(OptionSet& set, SourceOptions& source) {
               "The library; repository_pqmodule.dll beside this program, unless given");
 }
 
-void RefusePluginWithReplay(const SourceOptions& source) {
+void RefuseInRecording(const SourceOptions& source, const char* option, const Destination& place) {
+  if (!source.replay || place.IsStandardOutput()) return;
+  if (!IsInFolder(place.path, *source.replay)) return;
+  throw UsageError(
+      fmt::format("{} {} is in the recording, which stays as it is: name another place", option,
+                  PathText(place.path)));
+}
+
+void RefuseMisuseOfReplay(const SourceOptions& source) {
+  if (source.logFolder) RefuseInRecording(source, "--log-folder", {*source.logFolder});
   if (source.replay && source.plugin) {
     throw UsageError(
         "--plugin has no use with --replay, which runs the built-in modules: leave "

@@ -22,8 +22,11 @@ void AddLogFolder(OptionSet& set, SourceOptions& source);
 /// --plugin
 void AddPlugin(OptionSet& set, SourceOptions& source);
 
-/// Throws UsageError when both were given.
-void RefusePluginWithReplay(const SourceOptions& source);
+/// Throws UsageError for --plugin beside --replay, and for a --log-folder in the recording.
+void RefuseMisuseOfReplay(const SourceOptions& source);
+/// Throws UsageError when `place`, to be written, is in the recording that is replayed: whoever
+/// made that may have put links there.
+void RefuseInRecording(const SourceOptions& source, const char* option, const Destination& place);
 
 /// How a result is written, and where.
 struct ResultOptions {

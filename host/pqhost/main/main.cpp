@@ -1,9 +1,11 @@
 #include <iostream>
 
 #include "host/pqhost/pqhost.h"
+#include "host/program/interruption.h"
 #include "host/program/terminal.h"
 
 int main(int argc, char** argv) {
+  host::EndCleanlyWhenAsked(host::kExitIncomplete);
   const host::TerminalFacts facts = host::PrepareTerminal();
   const host::Console console{.programName = "pqhost",
                               .out = std::cout,

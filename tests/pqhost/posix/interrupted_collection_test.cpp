@@ -1,13 +1,13 @@
 // Ctrl-C during a collection.
 
-#include "host/live/interruption.h"
-
 #include <gmock/gmock.h>
 #include <signal.h>
 
 #include <sstream>
+#include <stdexcept>
 
 #include "host/pqhost/gather.h"
+#include "host/program/interruption.h"
 #include "tests/support/program/host_run.h"
 
 namespace host {
@@ -15,32 +15,6 @@ namespace {
 
 using testing::HasSubstr;
 using testing::SizeIs;
-
-TEST(Interruption, IsRequestedByTheFirstSignal) {
-  const InterruptionWatch watch;
-  EXPECT_FALSE(IsInterruptionRequested());
-  raise(SIGINT);
-  EXPECT_TRUE(IsInterruptionRequested());
-}
-
-TEST(InterruptionDeathTest, EndsTheProgramAtTheSecondSignal) {
-  EXPECT_EXIT(
-      {
-        const InterruptionWatch watch;
-        raise(SIGINT);
-        raise(SIGINT);
-      },
-      testing::KilledBySignal(SIGINT), "");
-}
-
-TEST(Interruption, IsForgottenByTheNextWatch) {
-  {
-    const InterruptionWatch watch;
-    raise(SIGINT);
-  }
-  const InterruptionWatch watch;
-  EXPECT_FALSE(IsInterruptionRequested());
-}
 
 /// Presses Ctrl-C while the tool `number`, counted from 1, is running, and counts what runs.
 class PressesAt final : public CollectionListener {
@@ -67,9 +41,11 @@ class PressesAt final : public CollectionListener {
 
 class InterruptedCollection : public testing::Test {
  protected:
-  InterruptedCollection() : gathered(Collect()) {}
+  InterruptedCollection() : gathered(Collect()) { sigaction(SIGINT, &before, nullptr); }
 
   Gathered Collect() {
+    sigaction(SIGINT, nullptr, &before);
+    EndCleanlyWhenAsked(7);
     SourceOptions source;
     source.replay = test::Sample("two-socket-server");
     const Console console{"pqhost", out, error, false, false, false, 120, {}};
@@ -84,6 +60,7 @@ class InterruptedCollection : public testing::Test {
     throw std::runtime_error("no table " + className);
   }
 
+  struct sigaction before {};
   std::ostringstream out;
   std::ostringstream error;
   PressesAt listener{3};
