@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <system_error>
 
-#include "host/files/sha256.h"
 #include "host/files/whole_file.h"
 #include "host/recorded/interpreter.h"
 #include "host/recorded/own_commands.h"
@@ -45,7 +44,7 @@ std::optional<std::uint64_t> LiveSource::LogFileSize(const std::string& fileName
 
 void LiveSource::WriteRecording() {
   if (!recorder) return;
-  host::WriteRecording(recorder->Take(), *settings.recordingFolder, &ComputeSha256);
+  host::WriteRecording(recorder->Take(), *settings.recordingFolder);
 }
 
 }  // namespace host

@@ -19,7 +19,7 @@ namespace {
 class ReplaySource final : public CommandSource {
  public:
   explicit ReplaySource(const SourceOptions& options)
-      : source(LoadRecording(*options.replay)), logFolder(options.logFolder) {
+      : source(LoadRecording(*options.replay, options.rules)), logFolder(options.logFolder) {
     if (logFolder) CreateEmptyFolder(*logFolder, "--log-folder");
   }
 

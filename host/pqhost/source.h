@@ -10,12 +10,14 @@
 #include "host/collect/collection.h"
 #include "host/collect/source.h"
 #include "host/program/console.h"
+#include "host/recording/reading_rules.h"
 
 namespace host {
 
 /// What a user says about it.
 struct SourceOptions {
   std::optional<std::filesystem::path> replay;     ///< a recording; none: this machine
+  ReadingRules rules;                              ///< for the recording
   std::optional<std::filesystem::path> logFolder;  ///< where the files that the tools leave go
 
   // Of this machine alone.

@@ -167,6 +167,21 @@ TEST(Options, RefusesAPluginForAReplay) {
               HasSubstr("--plugin has no use with --replay"));
 }
 
+TEST(Options, TakeLimitsOfRecordings) {
+  const std::string sample = test::Sample("two-socket-server");
+  EXPECT_THAT(test::RunHost({"collect", "--replay", sample, "--limit", "commands=3"}).error,
+              HasSubstr("--limit commands=NUMBER"));
+  EXPECT_THAT(
+      test::RunHost({"check", "--replay", sample, "--limit", "files=1", "--limit", "files=2"})
+          .error,
+      HasSubstr("more than 2 files"));
+  for (const char* wrong : {"commands", "commands=", "commands=0", "commands=1x", "=1", "size=1"}) {
+    EXPECT_THAT(Complaint({"collect", "--replay", sample, "--limit", wrong}),
+                HasSubstr("give one of commands, files, file-size, recording-size"))
+        << wrong;
+  }
+}
+
 TEST(Options, RefuseToWriteIntoTheRecording) {
   const std::string sample = test::Sample("blade");
   const std::string inside = sample + "/../blade/ipmiutil/new";

@@ -55,8 +55,8 @@ CheckedMachine LookAtThisMachine(const SourceOptions& options, const Console& co
 }
 
 /// A recorded machine has the tools whose answers were recorded.
-CheckedMachine LookAtRecording(const std::filesystem::path& folder) {
-  const Recording recording = LoadRecording(folder);
+CheckedMachine LookAtRecording(const SourceOptions& options) {
+  const Recording recording = LoadRecording(*options.replay, options.rules);
   const auto locate =
       [commands = recording.commands](const std::string& program) -> std::optional<std::string> {
     const bool isThere =
@@ -83,7 +83,7 @@ int RunCheck(const CheckOptions& options, const Console& console) {
   const SourceOptions& source = options.source;
   RefuseMisuseOfReplay(source);
   const CheckedMachine machine =
-      source.replay ? LookAtRecording(*source.replay) : LookAtThisMachine(source, console);
+      source.replay ? LookAtRecording(source) : LookAtThisMachine(source, console);
   const std::vector<Finding> findings = CheckMachine(machine, options.modules);
   std::size_t width = 0;
   for (const Finding& finding : findings) {

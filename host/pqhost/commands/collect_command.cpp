@@ -149,8 +149,9 @@ int RunCollect(const CollectOptions& options, const Console& console) {
 /// Shows the command lines of a collection without running them.
 int ShowCommands(const CollectOptions& options, const Console& console) {
   const SourceOptions& source = options.source;
-  const MachineFacts facts = source.replay ? DescribeRecording(LoadRecording(*source.replay))
-                                           : DescribeThisMachine(ChooseLogFolder(source));
+  const MachineFacts facts = source.replay
+                                 ? DescribeRecording(LoadRecording(*source.replay, source.rules))
+                                 : DescribeThisMachine(ChooseLogFolder(source));
   const TextDecoder decode(facts.codePage);
   std::string module;
   for (const DryCommand& command :

@@ -26,6 +26,19 @@ void AddModules(OptionSet& set, std::vector<std::string>& modules, const char* h
 void AddReplay(OptionSet& set, SourceOptions& source) {
   set.AddPath("--replay", OptionValue::kFolder, source.replay,
               "Take this recording for the machine");
+  std::vector<std::string> names;
+  for (const NamedLimit& limit : kNamedLimits) names.emplace_back(limit.name);
+  set.AddNumbers(
+      "--limit", std::move(names),
+      [&limits = source.rules.limits](const std::string& name, std::uint64_t number) {
+        for (const NamedLimit& limit : kNamedLimits) {
+          if (limit.name == name) limits.*limit.limit = number;
+        }
+      },
+      "Read a larger recording: commands, files, file-size or recording-size (MiB); may be "
+      "repeated");
+  set.AddFlag("--unverified", source.rules.allowChanges,
+              "Read a recording also when it is not as it was made, and say so");
 }
 
 void AddLogFolder(OptionSet& set, SourceOptions& source) {

@@ -15,7 +15,7 @@ namespace host {
 /// --module
 void AddModules(OptionSet& set, std::vector<std::string>& modules, const char* help);
 
-/// --replay
+/// --replay, and how it is read: --limit, --unverified
 void AddReplay(OptionSet& set, SourceOptions& source);
 /// --log-folder
 void AddLogFolder(OptionSet& set, SourceOptions& source);
