@@ -14,6 +14,8 @@
 #include "host/collect/selection.h"
 #include "host/recorded/interpreter.h"
 #include "host/recorded/own_commands.h"
+#include "host/recorded/program_search.h"
+#include "host/text/ascii.h"
 #include "host/text/decoder.h"
 
 namespace host {
@@ -75,6 +77,14 @@ std::string SayWhatIsMissing(const std::string& program, const std::vector<std::
   return text;
 }
 
+/// A program of the system that another one is taken for. A recorded machine tells no folder.
+bool IsPlanted(const std::string& program, const std::string& path) {
+  const std::string_view interpreter = pq::kInterpreter;
+  const std::string_view systemFolder = interpreter.substr(0, interpreter.rfind('\\') + 1);
+  return !NamesFolder(program) && NamesFolder(path) &&
+         LowerCase(path.substr(0, path.rfind('\\') + 1)) != LowerCase(systemFolder);
+}
+
 void CheckTools(const CheckedMachine& machine, const std::vector<DryCommand>& commands,
                 Findings& findings) {
   const TextDecoder decode(machine.facts.codePage);
@@ -84,7 +94,12 @@ void CheckTools(const CheckedMachine& machine, const std::vector<DryCommand>& co
     const std::string program = FindProgram(command.commandLine);
     if (IsOwnCommand(program) || !seen.insert({command.module, program}).second) continue;
     const std::optional<std::string> path = machine.locate(program);
-    if (path) {
+    if (path && IsPlanted(program, *path)) {
+      findings.Missing(command.module,
+                       fmt::format("{} would be run for the system's {}; remove it, or take its "
+                                   "folder out of PATH",
+                                   decode(*path), decode(program)));
+    } else if (path) {
       findings.Good(command.module, decode(*path));
     } else {
       findings.Missing(

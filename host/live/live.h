@@ -64,9 +64,8 @@ struct LiveMachine {
 /// A recording of this machine that holds nothing yet but its facts.
 Recording DescribeLiveMachine(const LiveMachine& machine);
 
-/// Full path of the program, given with its folder or as the interpreter looks for it (current
-/// folder, then the folders of PATH); nothing when this machine has none. In the machine's code
-/// page.
+/// Path of the program, given with its folder or as the interpreter looks for it along PATH, with
+/// the extensions of PATHEXT; nothing when this machine has none. In the machine's code page.
 std::optional<std::string> LocateProgram(const std::string& program);
 
 /// Where the log folder is made when none is given: in the current folder.

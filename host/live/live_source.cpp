@@ -11,13 +11,28 @@
 
 namespace host {
 
+WorkingFolder::WorkingFolder(const std::filesystem::path& folder)
+    : before(std::filesystem::current_path()) {
+  std::filesystem::current_path(folder);
+}
+
+WorkingFolder::~WorkingFolder() {
+  std::error_code ignored;
+  std::filesystem::current_path(before, ignored);
+}
+
 LiveSource::LiveSource(LiveSettings given) : settings(std::move(given)) {
+  settings.plugin = std::filesystem::absolute(settings.plugin);
   settings.logFolder = std::filesystem::absolute(settings.logFolder);
+  if (settings.recordingFolder) {
+    settings.recordingFolder = std::filesystem::absolute(*settings.recordingFolder);
+  }
 }
 
 void LiveSource::Begin(CollectionListener& listener) {
-  library = LoadLiveLibrary(settings.plugin, {&listener, &recorder, settings.toolLimit});
   machine = PrepareLiveMachine(settings.logFolder);
+  workingFolder.emplace(settings.logFolder);
+  library = LoadLiveLibrary(settings.plugin, {&listener, &recorder, settings.toolLimit});
   if (!settings.recordingFolder) return;
   PrepareRecordingFolder(*settings.recordingFolder);
   recorder.emplace(DescribeLiveMachine(machine), *machineView);

@@ -88,6 +88,20 @@ TEST(MachineCheck, TellsWhichTablesAMissingToolLeavesEmpty) {
             "stays empty");
 }
 
+TEST(MachineCheck, MissesASystemsProgramThatAnotherIsTakenFor) {
+  CheckedMachine machine = WholeMachine();
+  machine.locate = [](const std::string& program) {
+    return program == "route" ? "D:\\Support\\route.BAT" : "c:\\windows\\SYSTEM32\\" + program;
+  };
+  std::vector<std::string> missing;
+  for (const Finding& finding : FindAbout(machine, "Windows_Related_Info")) {
+    if (finding.kind == Kind::kMissing) missing.push_back(finding.text);
+  }
+  EXPECT_EQ(missing, std::vector<std::string>{
+                         "D:\\Support\\route.BAT would be run for the system's route; remove it, "
+                         "or take its folder out of PATH"});
+}
+
 TEST(MachineCheck, MissesTheInterpreter) {
   CheckedMachine machine = WholeMachine();
   machine.surroundings->hasInterpreter = false;

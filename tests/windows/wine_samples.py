@@ -29,10 +29,14 @@ OUTPUT = ROOT / "build" / "wine-samples"
 
 # Where the host looks for its tools, below its own folder.
 TOOL_FOLDERS = ["pq_tools", r"utilities\lsi", r"utilities\arcconf", r"utilities\vroc"]
-# Programs of the system. They stand in the working folder, which the interpreter searches first, so
-# that none of Wine's own answers in place of one that is not recorded.
+# Programs of the system. They are in a folder that is first in PATH, so that none of Wine's own
+# answers in place of one that is not recorded.
 SYSTEM_TOOLS = ["arp", "net", "netstat", "route"]
+SYSTEM_FOLDER = r"C:\Halyard\system"
+# Where the program is started. A live collection then works in the log folder.
 WORKING_FOLDER = r"C:\Halyard\work"
+# What a tool leaves in the current folder; no recording holds it.
+LEFT_FILE = "logir.log"
 HOST_FILES = ["repository_pqmodule.dll", "repository.dll", "logger.dll", "libstdc++-6.dll",
               "libgcc_s_seh-1.dll", "libwinpthread-1.dll"]
 US_ENGLISH = 1033
@@ -155,7 +159,7 @@ class Machine:
     def place_tools(self, standin, host_folder):
         names = {c["tool"].lower().removesuffix(".exe") for c in self.recording.get("commands", [])}
         for name in SYSTEM_TOOLS:
-            place(standin, unix_path(f"{WORKING_FOLDER}\\{name}.exe"))
+            place(standin, unix_path(f"{SYSTEM_FOLDER}\\{name}.exe"))
         for name in names - set(SYSTEM_TOOLS):
             for folder in TOOL_FOLDERS:
                 place(standin, unix_path(f"{host_folder}\\{folder}\\{name}.exe"))
@@ -326,7 +330,8 @@ def compare_files(native, wine):
 def standin_variables(sample, state):
     shutil.rmtree(state, ignore_errors=True)
     state.mkdir(parents=True)
-    return {"PQ_STANDIN_RECORDING": windows_path(sample), "PQ_STANDIN_STATE": windows_path(state)}
+    return {"PQ_STANDIN_RECORDING": windows_path(sample), "PQ_STANDIN_STATE": windows_path(state),
+            "WINEPATH": SYSTEM_FOLDER}
 
 
 def check_sample(binaries, standins, pqhost, sample):
@@ -352,7 +357,12 @@ def check_sample(binaries, standins, pqhost, sample):
         check_passwords_hidden(machine.recording, ran, wine_trace)
         compare_failures(native, ran)
         count = compare(read_trace(native_trace), read_trace(wine_trace))
+        if any(LEFT_FILE in event.get("command", "") for event in read_trace(wine_trace)):
+            (unix_path(machine.log_folder) / LEFT_FILE).unlink()
         compare_files(native_logs, unix_path(machine.log_folder))
+        left = list(unix_path(WORKING_FOLDER).iterdir())
+        if left:
+            raise Failure(f"left in the folder where the program was started: {left}")
         return count
 
 
@@ -517,7 +527,7 @@ def check_tool_limit(tool, mode, is_ended):
         folder.mkdir(parents=True)
         result = folder / "result.json"
         with Machine(binaries, standins, sample) as machine:
-            program = unix_path(f"{WORKING_FOLDER}\\{tool}.exe")
+            program = unix_path(f"{SYSTEM_FOLDER}\\{tool}.exe")
             program.unlink()
             place(standins / "standin_endless.exe", program)
             ran = run_wine([machine.host, "collect", "--module", "Windows_Related_Info",
@@ -544,6 +554,32 @@ def check_tool_limit(tool, mode, is_ended):
     return check
 
 
+def check_planted(binaries, standins, _pqhost, sample):
+    """Programs with the names of the system's in the folder where the program is started: none of
+    them is run, and the results are where a relative path says, seen from there."""
+    folder = OUTPUT / "planted"
+    shutil.rmtree(folder, ignore_errors=True)
+    folder.mkdir(parents=True)
+    with Machine(binaries, standins, sample) as machine:
+        for name in SYSTEM_TOOLS:
+            place(standins / "standin_endless.exe", unix_path(f"{WORKING_FOLDER}\\{name}.exe"))
+        run_wine([machine.host, "collect", "--module", "Windows_Related_Info", "--format", "json",
+                  "--output", "result.json", "--trace", "trace.jsonl", "--log-folder", "own logs",
+                  "--record", "recorded"], US_ENGLISH,
+                 standin_variables(sample, folder / "state")
+                 | {"PQ_STANDIN_MODE": "slow"} | interpreter_of_ours())
+        started = unix_path(WORKING_FOLDER)
+        rows = {table["class"]: len(table["rows"]) for table in
+                json.loads((started / "result.json").read_text(encoding="utf-8"))["tables"]}
+        said = (started / "trace.jsonl").read_bytes()
+        left = {path.name for path in started.iterdir()} - {f"{name}.exe" for name in SYSTEM_TOOLS}
+    if b"slow tool" in said or rows["ARPINFO"] == 0 or rows["NETSTATINFO"] == 0:
+        raise Failure(f"a planted program was run: {rows}")
+    if left != {"result.json", "trace.jsonl", "own logs", "recorded"}:
+        raise Failure(f"where the program was started: {left}")
+    return rows["ARPINFO"]
+
+
 def wait_for_first_tool(state):
     """Until a stand-in has answered and the tool behind it has had the time to start."""
     deadline = time.monotonic() + TIME_LIMIT
@@ -560,7 +596,7 @@ def check_interruption(binaries, standins, _pqhost, sample):
     folder.mkdir(parents=True)
     result, trace, recorded = folder / "result.json", folder / "trace.jsonl", folder / "recording"
     with Machine(binaries, standins, sample) as machine:
-        arp = unix_path(WORKING_FOLDER + r"\arp.exe")
+        arp = unix_path(SYSTEM_FOLDER + r"\arp.exe")
         arp.unlink()
         place(standins / "standin_endless.exe", arp)
         variables = standin_variables(sample, folder / "state") | {
@@ -598,7 +634,7 @@ def check_second_interruption(binaries, standins, _pqhost, sample):
     shutil.rmtree(folder, ignore_errors=True)
     folder.mkdir(parents=True)
     with Machine(binaries, standins, sample) as machine:
-        arp = unix_path(WORKING_FOLDER + r"\arp.exe")
+        arp = unix_path(SYSTEM_FOLDER + r"\arp.exe")
         arp.unlink()
         place(standins / "standin_endless.exe", arp)
         variables = standin_variables(sample, folder / "state") | interpreter_of_ours() | {
@@ -636,7 +672,7 @@ def check_wines_own(binaries, standins, _pqhost, sample):
         local, remote = client.getsockname()[1], client.getpeername()[1]
         for name in SYSTEM_TOOLS:
             if name != "arp":
-                unix_path(f"{WORKING_FOLDER}\\{name}.exe").unlink()
+                unix_path(f"{SYSTEM_FOLDER}\\{name}.exe").unlink()
         run_wine([machine.host, "collect", "--module", "Windows_Related_Info", "--log-folder",
                   machine.log_folder.rstrip("\\"), "--format", "json", "--output",
                   windows_path(result)],
@@ -708,6 +744,7 @@ def main():
                                  ("route", "hang", True), ("route", "leave-child", False)]:
         check(f"{tool} with a limit ({mode})", check_tool_limit(tool, mode, is_ended),
               ROOT / "samples" / "two-socket-server")
+    check("planted programs", check_planted, ROOT / "samples" / "two-socket-server")
     check("Ctrl-C", check_interruption, ROOT / "samples" / "two-socket-server")
     check("Ctrl-C twice", check_second_interruption, ROOT / "samples" / "two-socket-server")
     check("Wine's own interpreter and netstat", check_wines_own, ROOT / "samples" / "two-socket-server")

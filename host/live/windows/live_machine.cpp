@@ -8,12 +8,16 @@
 #include "frame/platform.h"
 #include "host/live/live.h"
 #include "host/live/windows/system_text.h"
+#include "host/recorded/program_search.h"
 
 namespace host {
 namespace {
 
 /// Room that the plug-in has for the log folder, terminator included.
 constexpr std::size_t kLogFolderRoom = 256;
+
+/// What the interpreter takes for programs where PATHEXT is not set.
+constexpr char kUsualExtensions[] = ".COM;.EXE;.BAT;.CMD";
 
 /// Where the system describes itself.
 constexpr wchar_t kVersionKey[] = L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion";
@@ -102,6 +106,19 @@ bool CanWriteInto(const std::filesystem::path& folder) {
   return true;
 }
 
+/// In the system's code page, as the interpreter gets it from narrow command lines; empty when it
+/// is not set.
+std::string ReadVariable(const char* name) {
+  std::string value(32768, '\0');
+  value.resize(GetEnvironmentVariableA(name, value.data(), static_cast<DWORD>(value.size())));
+  return value;
+}
+
+bool IsFile(const std::string& path) {
+  const DWORD attributes = GetFileAttributesA(path.c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+}
+
 bool IsElevated() {
   HANDLE token = nullptr;
   if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token)) return false;
@@ -116,12 +133,12 @@ bool IsElevated() {
 }  // namespace
 
 std::optional<std::string> LocateProgram(const std::string& program) {
-  std::array<char, MAX_PATH> found{};
-  const DWORD length = SearchPathA(nullptr, program.c_str(), ".exe",
-                                   static_cast<DWORD>(found.size()), found.data(), nullptr);
-  if (length == 0) return std::nullopt;
-  // Found, but its path exceeds MAX_PATH; return the name given.
-  return length < found.size() ? std::string(found.data(), length) : program;
+  std::string extensions = ReadVariable("PATHEXT");
+  if (extensions.empty()) extensions = kUsualExtensions;
+  for (std::string& path : ListProgramPaths(program, ReadVariable("PATH"), extensions)) {
+    if (IsFile(path)) return std::move(path);
+  }
+  return std::nullopt;
 }
 
 MachineFacts DescribeThisMachine(const std::filesystem::path& logFolder) {

@@ -91,6 +91,10 @@ void SettleOptions(CollectOptions& options, const OptionSet& set) {
   if (options.trace) SeparateTrace(options, set.IsGiven("--format"));
   if (options.source.replay) RefuseWithReplay(options.source);
   if (options.dryRun) RefuseWithDryRun(set);
+  if (options.source.replay) return;
+  // The tools of this machine run in the log folder.
+  options.result.output.MakeAbsolute();
+  if (options.trace) options.trace->MakeAbsolute();
 }
 
 /// A line on standard error for every table: its rows, or why there are none.

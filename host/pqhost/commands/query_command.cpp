@@ -127,8 +127,10 @@ int AnswerQuery(const QueryOptions& options, const Console& console) {
   return exitCode;
 }
 
-int RunQuery(const QueryOptions& options, const Console& console) {
+int RunQuery(QueryOptions& options, const Console& console) {
   RefuseContradictions(options);
+  // The tools of this machine run in the log folder.
+  if (!options.source.replay && !FindDatabase(options)) options.result.output.MakeAbsolute();
   try {
     return AnswerQuery(options, console);
   } catch (const DatabaseError& error) {
