@@ -17,7 +17,7 @@ Register-ArgumentCompleter -Native -CommandName pqhost, pqhost.exe -ScriptBlock 
         'collect --output' = '<file>'
         'collect --tool-limit' = '<any>'
         'collect --trace' = '<file>'
-        'collect' = '--module', '--table', '--replay', '--record', '--log-folder', '--plugin', '--format', '--output', '--tool-limit', '--dry-run', '--trace', '--help'
+        'collect' = '--module', '--table', '--replay', '--record', '--log-folder', '--plugin', '--unsafe-folder', '--format', '--output', '--tool-limit', '--dry-run', '--trace', '--help'
         'modules --plugin' = '<file>'
         'modules --format' = 'table', 'json', 'markdown'
         'modules' = '--plugin', '--format', '--help'
@@ -26,12 +26,12 @@ Register-ArgumentCompleter -Native -CommandName pqhost, pqhost.exe -ScriptBlock 
         'query --log-folder' = '<folder>'
         'query --format' = 'table', 'json', 'ndjson', 'csv', 'html', 'sqlite', 'none'
         'query --output' = '<file>'
-        'query' = '--replay', '--plugin', '--log-folder', '--format', '--output', '--help'
+        'query' = '--replay', '--plugin', '--unsafe-folder', '--log-folder', '--format', '--output', '--help'
         'check --module' = 'sampleModule1', 'sampleModule2', 'BMC_Info', 'AMT_Info', 'Windows_Related_Info'
         'check --replay' = '<folder>'
         'check --log-folder' = '<folder>'
         'check --plugin' = '<file>'
-        'check' = '--module', '--replay', '--log-folder', '--plugin', '--help'
+        'check' = '--module', '--replay', '--log-folder', '--plugin', '--unsafe-folder', '--help'
         '' = 'collect', 'modules', 'query', 'check', '--version', '--help'
     }
 

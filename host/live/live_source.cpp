@@ -3,13 +3,28 @@
 #include <algorithm>
 #include <system_error>
 
+#include "host/collect/unsafe_folders.h"
 #include "host/files/sha256.h"
 #include "host/recorded/interpreter.h"
 #include "host/recorded/own_commands.h"
 #include "host/recording/recording_writer.h"
 #include "host/secrets/amt_login.h"
+#include "host/text/decoder.h"
+#include "host/text/usage_error.h"
 
 namespace host {
+namespace {
+
+void RefuseUnsafeFolders(const MachineFacts& facts) {
+  const TextDecoder decode(facts.codePage);
+  const std::string& executable = facts.hostExecutable;
+  std::optional<std::string> objection =
+      ObjectToHostFolder(decode(executable.substr(0, executable.rfind('\\'))));
+  if (!objection) objection = ObjectToLogFolder(decode(facts.logFolder));
+  if (objection) throw UsageError(*objection + " (--unsafe-folder takes it as it is)");
+}
+
+}  // namespace
 
 WorkingFolder::WorkingFolder(const std::filesystem::path& folder)
     : before(std::filesystem::current_path()) {
@@ -30,6 +45,7 @@ LiveSource::LiveSource(LiveSettings given) : settings(std::move(given)) {
 }
 
 void LiveSource::Begin(CollectionListener& listener) {
+  if (!settings.allowsUnsafeFolders) RefuseUnsafeFolders(DescribeThisMachine(settings.logFolder));
   machine = PrepareLiveMachine(settings.logFolder);
   workingFolder.emplace(settings.logFolder);
   library = LoadLiveLibrary(settings.plugin, {&listener, &recorder, settings.toolLimit});

@@ -17,6 +17,7 @@ struct LiveSettings {
   std::filesystem::path logFolder;
   std::optional<std::filesystem::path> recordingFolder;  ///< where the recording is to be written
   std::optional<unsigned> toolLimit;                     ///< seconds
+  bool allowsUnsafeFolders = false;  ///< also folders that the interpreter reads as others
 };
 
 /// Makes a folder the process's current one, until destroyed: tools leave files there that no one
@@ -34,7 +35,8 @@ class WorkingFolder {
 };
 
 /// From Begin() on the log folder is the current one; relative paths lead there. Begin() throws
-/// LiveError, and UsageError when the recording's folder cannot be used.
+/// LiveError, and UsageError when the log folder's, the program's or the recording's folder cannot
+/// be used.
 class LiveSource final : public Source {
  public:
   explicit LiveSource(LiveSettings settings);

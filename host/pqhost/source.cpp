@@ -42,7 +42,7 @@ class ThisMachine final : public CommandSource {
  public:
   ThisMachine(const SourceOptions& options, const Console& console)
       : source({ChoosePlugin(options, console), ChooseLogFolder(options), options.record,
-                options.toolLimit}),
+                options.toolLimit, options.allowsUnsafeFolders}),
         recordingFolder(options.record) {}
 
   Source& Get() override { return source; }

@@ -22,6 +22,7 @@ struct SourceOptions {
   std::optional<std::filesystem::path> plugin;  ///< the library's file
   std::optional<std::filesystem::path> record;  ///< new folder to keep a recording in
   std::optional<unsigned> toolLimit;            ///< seconds
+  bool allowsUnsafeFolders = false;  ///< also folders that the interpreter reads as others
 };
 
 /// The library's file, which is beside the program unless given.

@@ -165,6 +165,11 @@ TEST(Options, RefusesAPluginForAReplay) {
   }
   EXPECT_THAT(Complaint({"query", "--replay", "r", "--plugin", "p", "select 1"}),
               HasSubstr("--plugin has no use with --replay"));
+  for (const Words& command : {Words{"collect"}, Words{"check"}, Words{"query", "SELECT 1"}}) {
+    Words words = command;
+    words.insert(words.end(), {"--replay", kSample, "--unsafe-folder"});
+    EXPECT_THAT(Complaint(words), HasSubstr("--unsafe-folder has no use with --replay"));
+  }
 }
 
 TEST(Options, DoesNotTakeASlashForAnOption) {

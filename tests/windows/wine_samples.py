@@ -334,8 +334,8 @@ def standin_variables(sample, state):
             "WINEPATH": SYSTEM_FOLDER}
 
 
-def check_sample(binaries, standins, pqhost, sample):
-    """Compares the two traces; says how many events."""
+def check_sample(binaries, standins, pqhost, sample, *options):
+    """Compares the two traces; says how many events. `options` are for the live collection alone."""
     traces = OUTPUT / sample.name
     traces.mkdir(parents=True, exist_ok=True)
     native_trace, wine_trace = traces / "native.jsonl", traces / "wine.jsonl"
@@ -349,7 +349,7 @@ def check_sample(binaries, standins, pqhost, sample):
         raise Failure(f"native replay: exit code {native.returncode}\n{native.stderr.decode()}")
     with Machine(binaries, standins, sample) as machine:
         ran = run_wine([machine.host, "collect", "--log-folder", machine.log_folder.rstrip("\\"),
-                        "--format", "none", "--trace", windows_path(wine_trace)],
+                        "--format", "none", "--trace", windows_path(wine_trace), *options],
                        machine.recording.get("languageId", US_ENGLISH),
                        standin_variables(sample, traces / "state")
                        | interpreter_of_ours(),
@@ -383,7 +383,7 @@ def check_host_folder(folder, is_found):
             recording["logFolder"] = folder + "\\logs\\"
 
         moved = varied(sample, sample.name + " in " + folder.rpartition("\\")[2], move)
-        count = check_sample(binaries, standins, pqhost, moved)
+        count = check_sample(binaries, standins, pqhost, moved, "--unsafe-folder")
         trace = read_trace(OUTPUT / moved.name / "wine.jsonl")
         tested = [e for e in trace if e.get("commandLine") ==
                   f'/c "{folder}\\pq_tools\\check_amt_bmc.exe" bmc']
@@ -391,6 +391,40 @@ def check_host_folder(folder, is_found):
         if not tested or bool(asked) != is_found:
             raise Failure(f"{len(tested)} presence tests, {len(asked)} questions to the BMC")
         return count
+    return check
+
+
+# Folders in which nothing is to be run: the host's, the log folder, and what is wrong with them.
+UNSAFE_FOLDERS = {
+    "host": (r"C:\Program Files (x86)\Halyard", r"C:\Halyard\logs", "is cut at its first blank"),
+    "log": (r"C:\Program Files\Halyard", r"C:\Halyard\100%\logs", "has a %"),
+}
+
+
+def check_unsafe_folder(host_folder, log_folder, said):
+    """Nothing is started and nothing written; a check tells the same."""
+    def check(binaries, standins, _pqhost, sample):
+        def move(recording, _):
+            recording["hostExecutable"] = host_folder + r"\halyard.exe"
+            recording["logFolder"] = log_folder + "\\"
+
+        moved = varied(sample, sample.name + " in an unsafe folder", move)
+        state = OUTPUT / moved.name / "state"
+        with Machine(binaries, standins, moved) as machine:
+            unix_path(log_folder).rmdir()
+            for command in (["collect"], ["query", "SELECT 1"], ["check"]):
+                ran = subprocess.run(
+                    ["wine", machine.host, *command, "--log-folder", log_folder],
+                    cwd=unix_path(WORKING_FOLDER), capture_output=True, stdin=subprocess.DEVNULL,
+                    env=os.environ | standin_variables(moved, state) | interpreter_of_ours(),
+                    timeout=TIME_LIMIT, check=False)
+                if ran.returncode != (1 if command == ["check"] else 2):
+                    raise Failure(f"{command}: exit code {ran.returncode}: {ran.stderr!r}")
+                if said.encode() not in ran.stderr + ran.stdout:
+                    raise Failure(f"{command} says {ran.stderr + ran.stdout!r}")
+                if list(state.iterdir()) or unix_path(log_folder).exists():
+                    raise Failure(f"{command} has run a tool or made a folder")
+        return 3
     return check
 
 
@@ -736,6 +770,8 @@ def main():
     for name, (folder, is_found) in HOST_FOLDERS.items():
         check(f"blade on a host in a folder with {name}", check_host_folder(folder, is_found),
               ROOT / "samples" / "blade")
+    for name, folders in UNSAFE_FOLDERS.items():
+        check(f"an unsafe {name} folder", check_unsafe_folder(*folders), ROOT / "samples" / "blade")
     for password, kind in PASSWORDS.items():
         check(f"the AMT password {ascii(password)}", check_password(password, kind),
               ROOT / "samples" / "amt-desktop")

@@ -74,12 +74,12 @@ void RefuseWithReplay(const SourceOptions& source) {
     throw UsageError(
         "--tool-limit has no use with --replay, which runs no tools: leave one of them away");
   }
-  RefusePluginWithReplay(source);
+  RefuseLiveOptionsWithReplay(source);
 }
 
 void RefuseWithDryRun(const OptionSet& set) {
-  for (const char* option :
-       {"--record", "--format", "--output", "--tool-limit", "--trace", "--plugin"}) {
+  for (const char* option : {"--record", "--format", "--output", "--tool-limit", "--trace",
+                             "--plugin", "--unsafe-folder"}) {
     if (!set.IsGiven(option)) continue;
     throw UsageError(fmt::format(
         "{} has no use with --dry-run, which collects nothing: leave one of them away", option));
@@ -172,6 +172,7 @@ CommandRun Define(OptionSet& set) {
               "Keep what the tools print in this new folder, to be replayed (Windows)");
   AddLogFolder(set, source);
   AddPlugin(set, source);
+  AddUnsafeFolder(set, source);
   AddFormat(set, options->result, "results");
   AddOutput(set, options->result, "results");
   set.AddSeconds("--tool-limit", source.toolLimit, kLongestToolLimit,

@@ -97,7 +97,7 @@ void RefuseContradictions(const QueryOptions& options) {
         "there is no query: give one, as in pqhost query --replay FOLDER \"SELECT * "
         "FROM SENSORINFO\"");
   }
-  RefusePluginWithReplay(options.source);
+  RefuseLiveOptionsWithReplay(options.source);
   if (FindDatabase(options) && options.source.replay) {
     throw UsageError("a database and --replay are both there to be asked: give one of them");
   }
@@ -144,6 +144,7 @@ CommandRun Define(OptionSet& set) {
                    "The database, if any, then one SELECT statement");
   AddReplay(set, options->source);
   AddPlugin(set, options->source);
+  AddUnsafeFolder(set, options->source);
   AddLogFolder(set, options->source);
   AddFormat(set, options->result, "answer");
   AddOutput(set, options->result, "answer");

@@ -36,11 +36,21 @@ void AddPlugin(OptionSet& set, SourceOptions& source) {
               "The library; repository_pqmodule.dll beside this program, unless given");
 }
 
-void RefusePluginWithReplay(const SourceOptions& source) {
-  if (source.replay && source.plugin) {
+void AddUnsafeFolder(OptionSet& set, SourceOptions& source) {
+  set.AddFlag("--unsafe-folder", source.allowsUnsafeFolders,
+              "Run although the interpreter may read a folder's path as another (Windows)");
+}
+
+void RefuseLiveOptionsWithReplay(const SourceOptions& source) {
+  if (!source.replay) return;
+  if (source.plugin) {
     throw UsageError(
         "--plugin has no use with --replay, which runs the built-in modules: leave "
         "one of them away");
+  }
+  if (source.allowsUnsafeFolders) {
+    throw UsageError(
+        "--unsafe-folder has no use with --replay, which runs no tools: leave one of them away");
   }
 }
 

@@ -22,8 +22,12 @@ void AddLogFolder(OptionSet& set, SourceOptions& source);
 /// --plugin
 void AddPlugin(OptionSet& set, SourceOptions& source);
 
-/// Throws UsageError when both were given.
-void RefusePluginWithReplay(const SourceOptions& source);
+/// --unsafe-folder
+void AddUnsafeFolder(OptionSet& set, SourceOptions& source);
+
+/// Throws UsageError when an option was given that all live commands share, and a recording as
+/// well.
+void RefuseLiveOptionsWithReplay(const SourceOptions& source);
 
 /// How a result is written, and where.
 struct ResultOptions {
