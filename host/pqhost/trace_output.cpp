@@ -16,16 +16,14 @@ TraceOutput::TraceOutput(const Destination& destination, const Console& console,
              passwords) {}
 
 void TraceOutput::Close() {
-  if (!file.is_open()) return;
+  if (!file.IsOpen()) return;
   errno = 0;
-  file.close();
-  if (!file) throw std::runtime_error(DescribeUnwritable(path));
+  if (!file.Close()) throw std::runtime_error(DescribeUnwritable(path));
 }
 
 std::ostream& TraceOutput::Open(const std::filesystem::path& target) {
   errno = 0;
-  file.open(target, std::ios::binary);
-  if (!file.is_open()) throw UsageError(DescribeUnwritable(target));
+  if (!file.Open(target)) throw UsageError(DescribeUnwritable(target));
   return file;
 }
 
