@@ -22,8 +22,9 @@ _pqhost_complete() {
     'collect --format') words='table json ndjson csv html sqlite none' ;;
     'collect --output') words='<file>' ;;
     'collect --tool-limit') words='<any>' ;;
+    'collect --tool-memory') words='<any>' ;;
     'collect --trace') words='<file>' ;;
-    'collect '*) words='--module --table --replay --record --log-folder --plugin --unsafe-folder --format --output --tool-limit --dry-run --trace --help' ;;
+    'collect '*) words='--module --table --replay --record --log-folder --plugin --unsafe-folder --format --output --tool-limit --tool-memory --dry-run --trace --help' ;;
     'modules --plugin') words='<file>' ;;
     'modules --format') words='table json markdown' ;;
     'modules '*) words='--plugin --format --help' ;;

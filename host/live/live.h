@@ -14,6 +14,7 @@
 #include "frame/halyard/repository.h"
 #include "host/collect/collection_listener.h"
 #include "host/collect/machine_facts.h"
+#include "host/live/tool_limits.h"
 #include "host/recording/recorder.h"
 
 namespace host {
@@ -44,8 +45,7 @@ struct LiveWatch {
   CollectionListener* listener = nullptr;
   /// Keeps the machine's answers once there is a recorder; null: never.
   std::optional<Recorder>* recorder = nullptr;
-  /// After how many seconds a tool is ended, with its children.
-  std::optional<unsigned> toolLimit = std::nullopt;
+  ToolLimits toolLimits = {};
 };
 
 /// Loads `plugin`, a path to the library's file. Throws LiveError.

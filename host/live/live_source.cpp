@@ -48,7 +48,7 @@ void LiveSource::Begin(CollectionListener& listener) {
   if (!settings.allowsUnsafeFolders) RefuseUnsafeFolders(DescribeThisMachine(settings.logFolder));
   machine = PrepareLiveMachine(settings.logFolder);
   workingFolder.emplace(settings.logFolder);
-  library = LoadLiveLibrary(settings.plugin, {&listener, &recorder, settings.toolLimit});
+  library = LoadLiveLibrary(settings.plugin, {&listener, &recorder, settings.toolLimits});
   if (!settings.recordingFolder) return;
   PrepareRecordingFolder(*settings.recordingFolder);
   recorder.emplace(DescribeLiveMachine(machine), *machineView);

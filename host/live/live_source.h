@@ -16,7 +16,7 @@ struct LiveSettings {
   std::filesystem::path plugin;
   std::filesystem::path logFolder;
   std::optional<std::filesystem::path> recordingFolder;  ///< where the recording is to be written
-  std::optional<unsigned> toolLimit;                     ///< seconds
+  ToolLimits toolLimits;
   bool allowsUnsafeFolders = false;  ///< also folders that the interpreter reads as others
 };
 

@@ -41,8 +41,12 @@ class ReplaySource final : public CommandSource {
 class ThisMachine final : public CommandSource {
  public:
   ThisMachine(const SourceOptions& options, const Console& console)
-      : source({ChoosePlugin(options, console), ChooseLogFolder(options), options.record,
-                options.toolLimit, options.allowsUnsafeFolders}),
+      : source(
+            {.plugin = ChoosePlugin(options, console),
+             .logFolder = ChooseLogFolder(options),
+             .recordingFolder = options.record,
+             .toolLimits = options.toolLimits,
+             .allowsUnsafeFolders = options.allowsUnsafeFolders}),
         recordingFolder(options.record) {}
 
   Source& Get() override { return source; }

@@ -9,6 +9,7 @@
 
 #include "host/collect/collection.h"
 #include "host/collect/source.h"
+#include "host/live/tool_limits.h"
 #include "host/program/console.h"
 
 namespace host {
@@ -21,7 +22,7 @@ struct SourceOptions {
   // Of this machine alone.
   std::optional<std::filesystem::path> plugin;  ///< the library's file
   std::optional<std::filesystem::path> record;  ///< new folder to keep a recording in
-  std::optional<unsigned> toolLimit;            ///< seconds
+  ToolLimits toolLimits;
   bool allowsUnsafeFolders = false;  ///< also folders that the interpreter reads as others
 };
 

@@ -244,8 +244,8 @@ TEST(DryRunCommand, ShowsWhatANamedTableTakes) {
 }
 
 TEST(DryRunCommand, RefusesWhatItWouldNotDo) {
-  for (const char* option :
-       {"--record", "--format", "--output", "--trace", "--tool-limit", "--plugin"}) {
+  for (const char* option : {"--record", "--format", "--output", "--trace", "--tool-limit",
+                             "--tool-memory", "--plugin"}) {
     std::string value = std::string(option) == "--format" ? "json" : "7";
     const test::HostRun run = test::RunHost({"collect", "--dry-run", option, value});
     EXPECT_EQ(run.exitCode, 2) << option;

@@ -132,7 +132,7 @@ def count_running(program):
         except OSError:  # gone meanwhile
             continue
         is_ours = f"WINEPREFIX={PREFIX}".encode() in environment
-        count += is_ours and command.lower().endswith(b"\\" + program.encode())
+        count += is_ours and command.lower().rpartition(b"\\")[2] == program.encode()
     return count
 
 
@@ -553,8 +553,8 @@ TOOL_LIMIT = 4  # seconds
 
 def check_tool_limit(tool, mode, is_ended):
     """The server's collection with a tool that hangs, or that ends but leaves a child behind, which
-    holds what the tool wrote to. It is ended with its child, unless nothing waits for it any more,
-    and everything else is collected."""
+    holds what the tool wrote to. It is ended with its child, by the limit or, when nothing waits for
+    it any more, with the collection, and everything else is collected."""
     def check(binaries, standins, _pqhost, sample):
         folder = OUTPUT / f"tool_limit_{tool}_{mode}"
         shutil.rmtree(folder, ignore_errors=True)
@@ -571,7 +571,7 @@ def check_tool_limit(tool, mode, is_ended):
                            standin_variables(sample, folder / "state")
                            | {"PQ_STANDIN_MODE": mode} | interpreter_of_ours())
             left = count_running(f"{tool}.exe")
-        if left != (0 if is_ended else 1):
+        if left:
             raise Failure(f"{left} processes of {tool}.exe run on")
         said = f"did not end by itself and was ended after {TOOL_LIMIT} s" in ran.stderr.decode(
             errors="replace")
@@ -586,6 +586,56 @@ def check_tool_limit(tool, mode, is_ended):
             raise Failure(f"status: {texts}")
         return rows["NETSTATINFO"]
     return check
+
+
+def check_killed(binaries, standins, _pqhost, sample):
+    """The program is killed while arp.exe hangs: arp.exe and its interpreter go with it."""
+    folder = OUTPUT / "killed"
+    shutil.rmtree(folder, ignore_errors=True)
+    folder.mkdir(parents=True)
+    with Machine(binaries, standins, sample) as machine:
+        arp = unix_path(SYSTEM_FOLDER + r"\arp.exe")
+        arp.unlink()
+        place(standins / "standin_endless.exe", arp)
+        variables = standin_variables(sample, folder / "state") | interpreter_of_ours() | {
+            "LC_ALL": locale_of(US_ENGLISH), "PQ_STANDIN_MODE": "hang"}
+        with subprocess.Popen(
+                ["wine", machine.host, "collect", "--module", "Windows_Related_Info"],
+                cwd=unix_path(WORKING_FOLDER), env=os.environ | variables, stdin=subprocess.DEVNULL,
+                stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) as ran:
+            wait_for_first_tool(folder / "state")
+            running = count_running("arp.exe")
+            ran.kill()
+        deadline = time.monotonic() + 30
+        while count_running("arp.exe") and time.monotonic() < deadline:
+            time.sleep(0.1)
+        if running != 1 or count_running("arp.exe"):
+            raise Failure(f"arp.exe ran {running} times, {count_running('arp.exe')} run on")
+    return running
+
+
+def check_standard_output(binaries, standins, _pqhost, sample):
+    """Results alone are on standard output: the prompt for the AMT login and what the presence test
+    for a BMC prints are on standard error."""
+    with Machine(binaries, standins, sample) as machine:
+        ran = run_wine([machine.host, "collect", "--module", "AMT_Info", "--module", "BMC_Info",
+                        "--log-folder", machine.log_folder.rstrip("\\"), "--format", "json"],
+                       US_ENGLISH,
+                       standin_variables(sample, OUTPUT / "standard_output.state")
+                       | interpreter_of_ours(), machine.recording["console"].encode("latin-1"))
+    tables = json.loads(ran.stdout)["tables"]
+    for said in (b"no BMC here", b"Please input the AMT IP"):
+        if said not in ran.stderr:
+            raise Failure(f"{said} is not on standard error: {ran.stderr!r}")
+    return len(tables)
+
+
+def print_presence(recording, folder):
+    """The presence test for a BMC prints something to its standard output."""
+    (folder / "presence.txt").write_bytes(b"no BMC here\r\n")
+    for command in recording["commands"]:
+        if command.get("arguments") == "bmc":
+            command["stdout"] = "presence.txt"
 
 
 def check_planted(binaries, standins, _pqhost, sample):
@@ -781,6 +831,9 @@ def main():
         check(f"{tool} with a limit ({mode})", check_tool_limit(tool, mode, is_ended),
               ROOT / "samples" / "two-socket-server")
     check("planted programs", check_planted, ROOT / "samples" / "two-socket-server")
+    check("a killed collection", check_killed, ROOT / "samples" / "two-socket-server")
+    check("standard output", check_standard_output,
+          varied(ROOT / "samples" / "amt-desktop", "standard output", print_presence))
     check("Ctrl-C", check_interruption, ROOT / "samples" / "two-socket-server")
     check("Ctrl-C twice", check_second_interruption, ROOT / "samples" / "two-socket-server")
     check("Wine's own interpreter and netstat", check_wines_own, ROOT / "samples" / "two-socket-server")

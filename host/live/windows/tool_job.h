@@ -1,31 +1,43 @@
-// A tool that may run only so long.
+// A tool and all that it starts, as one job of the system.
 #pragma once
 
-#include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <thread>
 
+#include "host/live/tool_limits.h"
+
 namespace host {
 
-/// Ends a process, and all that it started, once the time is up. Processes that still run when this
-/// object is destroyed are left alone.
-class LimitedTool {
+/// Holds a process, and all that it starts, to its limits. None of them outlives this object, nor
+/// the host, however that ends.
+class ToolJob {
  public:
   /// `process` is a process handle; started suspended, so that none of its children is missed.
-  LimitedTool(void* process, std::chrono::seconds limit);
-  LimitedTool(const LimitedTool&) = delete;
-  LimitedTool& operator=(const LimitedTool&) = delete;
-  ~LimitedTool();
+  ToolJob(void* process, const ToolLimits& limits);
+  ToolJob(const ToolJob&) = delete;
+  ToolJob& operator=(const ToolJob&) = delete;
+  ~ToolJob();
 
-  /// Stops the clock. True when something was ended before.
-  bool Stop();
+  /// Which limits were met.
+  struct Met {
+    bool time = false;  ///< something was ended
+    bool memory = false;
+  };
+  /// Stops the clock. Memory stays limited.
+  Met Stop();
+
+  /// Whether any of its processes runs.
+  bool IsRunning() const;
 
  private:
-  void EndWhenTimeIsUp(std::chrono::seconds limit);
+  void EndWhenTimeIsUp();
+  bool HasMetMemory();
 
+  ToolLimits limits;
   void* job = nullptr;
   void* process = nullptr;  ///< a handle of our own; the one given may be closed at any time
+  void* reports = nullptr;  ///< a completion port; null without a memory limit
   std::mutex mutex;
   std::condition_variable wake;
   bool stopped = false;  ///< guarded by `mutex`

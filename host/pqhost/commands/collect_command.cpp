@@ -38,6 +38,8 @@ standard error; 2 wrong use or unreadable input.
 
 /// A day; a tool that needs longer needs no limit.
 constexpr unsigned kLongestToolLimit = 86400;
+/// A tebibyte, more than a machine has.
+constexpr unsigned kLargestToolMemory = 1U << 20;
 
 struct CollectOptions {
   Selection selection;
@@ -70,16 +72,19 @@ void RefuseWithReplay(const SourceOptions& source) {
         "--record has no use with --replay, which is a recording already: leave one of them "
         "away");
   }
-  if (source.toolLimit) {
-    throw UsageError(
-        "--tool-limit has no use with --replay, which runs no tools: leave one of them away");
+  const char* limit = source.toolLimits.seconds     ? "--tool-limit"
+                      : source.toolLimits.mebibytes ? "--tool-memory"
+                                                    : nullptr;
+  if (limit != nullptr) {
+    throw UsageError(fmt::format(
+        "{} has no use with --replay, which runs no tools: leave one of them away", limit));
   }
   RefuseLiveOptionsWithReplay(source);
 }
 
 void RefuseWithDryRun(const OptionSet& set) {
-  for (const char* option : {"--record", "--format", "--output", "--tool-limit", "--trace",
-                             "--plugin", "--unsafe-folder"}) {
+  for (const char* option : {"--record", "--format", "--output", "--tool-limit", "--tool-memory",
+                             "--trace", "--plugin", "--unsafe-folder"}) {
     if (!set.IsGiven(option)) continue;
     throw UsageError(fmt::format(
         "{} has no use with --dry-run, which collects nothing: leave one of them away", option));
@@ -175,8 +180,10 @@ CommandRun Define(OptionSet& set) {
   AddUnsafeFolder(set, source);
   AddFormat(set, options->result, "results");
   AddOutput(set, options->result, "results");
-  set.AddSeconds("--tool-limit", source.toolLimit, kLongestToolLimit,
+  set.AddSeconds("--tool-limit", source.toolLimits.seconds, kLongestToolLimit,
                  "End a tool that runs for more than so many seconds (Windows)");
+  set.AddMebibytes("--tool-memory", source.toolLimits.mebibytes, kLargestToolMemory,
+                   "Give a tool, with all that it starts, so much memory and no more (Windows)");
   set.AddFlag("--dry-run", options->dryRun, "Show the command lines in order, and run nothing");
   set.AddDestination("--trace", options->trace, "Write all that the modules do to this file, or -");
   return [options, &set](const Console& console) {
