@@ -68,15 +68,22 @@ Recording DescribeLiveMachine(const LiveMachine& machine);
 /// the extensions of PATHEXT; nothing when this machine has none. In the machine's code page.
 std::optional<std::string> LocateProgram(const std::string& program);
 
-/// Where the log folder is made when none is given: in the current folder.
-inline constexpr char kLogFolderName[] = "logs";
+/// The log folder when none is given: "logs" in the current folder or, where that cannot be written
+/// or someone else has made it, in the user's own place for such data. Nothing is created.
+std::filesystem::path FindDefaultLogFolder();
 
 /// This machine's facts, with `logFolder` as its log folder; nothing is created. Throws LiveError
 /// when the folder's path does not fit the modules' room or has no form in the machine's code page.
 MachineFacts DescribeThisMachine(const std::filesystem::path& logFolder);
 
+/// Who may use a folder that is created.
+enum class FolderAccess {
+  kInherited,  ///< as the folder above says
+  kOwn,        ///< administrators and the user
+};
+
 /// As above, and creates `logFolder` with its parents. Throws LiveError.
-LiveMachine PrepareLiveMachine(const std::filesystem::path& logFolder);
+LiveMachine PrepareLiveMachine(const std::filesystem::path& logFolder, FolderAccess access);
 
 /// All else that a collection into `logFolder` depends on; leaves nothing on the machine. The
 /// library is not looked at.

@@ -46,7 +46,7 @@ LiveSource::LiveSource(LiveSettings given) : settings(std::move(given)) {
 
 void LiveSource::Begin(CollectionListener& listener) {
   if (!settings.allowsUnsafeFolders) RefuseUnsafeFolders(DescribeThisMachine(settings.logFolder));
-  machine = PrepareLiveMachine(settings.logFolder);
+  machine = PrepareLiveMachine(settings.logFolder, settings.logFolderAccess);
   workingFolder.emplace(settings.logFolder);
   library = LoadLiveLibrary(settings.plugin, {&listener, &recorder, settings.toolLimits});
   if (!settings.recordingFolder) return;

@@ -17,6 +17,7 @@ struct LiveSettings {
   std::filesystem::path logFolder;
   std::optional<std::filesystem::path> recordingFolder;  ///< where the recording is to be written
   ToolLimits toolLimits;
+  FolderAccess logFolderAccess = FolderAccess::kInherited;
   bool allowsUnsafeFolders = false;  ///< also folders that the interpreter reads as others
 };
 

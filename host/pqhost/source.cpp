@@ -46,6 +46,7 @@ class ThisMachine final : public CommandSource {
              .logFolder = ChooseLogFolder(options),
              .recordingFolder = options.record,
              .toolLimits = options.toolLimits,
+             .logFolderAccess = options.logFolder ? FolderAccess::kInherited : FolderAccess::kOwn,
              .allowsUnsafeFolders = options.allowsUnsafeFolders}),
         recordingFolder(options.record) {}
 
@@ -75,7 +76,7 @@ std::filesystem::path ChoosePlugin(const SourceOptions& options, const Console& 
 }
 
 std::filesystem::path ChooseLogFolder(const SourceOptions& options) {
-  return options.logFolder.value_or(kLogFolderName);
+  return options.logFolder ? *options.logFolder : FindDefaultLogFolder();
 }
 
 std::unique_ptr<CommandSource> OpenSource(const SourceOptions& options, const Console& console) {

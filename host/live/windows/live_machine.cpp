@@ -7,6 +7,7 @@
 
 #include "frame/platform.h"
 #include "host/live/live.h"
+#include "host/live/windows/own_folder.h"
 #include "host/live/windows/system_text.h"
 #include "host/recorded/program_search.h"
 
@@ -155,14 +156,34 @@ MachineFacts DescribeThisMachine(const std::filesystem::path& logFolder) {
   return facts;
 }
 
-LiveMachine PrepareLiveMachine(const std::filesystem::path& logFolder) {
+std::filesystem::path FindDefaultLogFolder() {
+  const std::filesystem::path logs = std::filesystem::current_path() / "logs";
+  std::error_code ignored;
+  const bool isThere = std::filesystem::exists(std::filesystem::symlink_status(logs, ignored));
+  if (isThere ? IsOwnFolder(logs) && CanWriteInto(logs) : CanWriteInto(logs.parent_path())) {
+    return logs;
+  }
+  const wchar_t* own = _wgetenv(L"LOCALAPPDATA");
+  return own == nullptr ? logs : std::filesystem::path(own) / "pqhost" / "logs";
+}
+
+LiveMachine PrepareLiveMachine(const std::filesystem::path& logFolder, FolderAccess access) {
   MachineFacts facts = DescribeThisMachine(logFolder);
   const std::filesystem::path path = AddSeparator(logFolder);
   std::error_code failure;
-  std::filesystem::create_directories(path, failure);
-  if (failure) {
+  const bool isOwn = access == FolderAccess::kOwn;
+  // Ends with a separator, so its parent is the folder itself.
+  const std::filesystem::path folder = path.parent_path();
+  std::filesystem::create_directories(isOwn ? folder.parent_path() : folder, failure);
+  std::uint32_t error = static_cast<std::uint32_t>(failure.value());
+  if (error == 0 && isOwn) error = CreateOwnFolder(folder);
+  if (error != 0) {
     throw LiveError("cannot create the log folder " + ToUtf8(path.native()) + ": " +
-                    DescribeSystemError(static_cast<std::uint32_t>(failure.value())));
+                    DescribeSystemError(error));
+  }
+  if (isOwn && !IsOwnFolder(folder)) {
+    throw LiveError("the log folder " + ToUtf8(path.native()) +
+                    " belongs to someone else; choose another with --log-folder");
   }
   return {std::move(facts), NarrowLogFolder(path)};
 }

@@ -152,7 +152,8 @@ TEST(WatchedImports, PutsTheAddressesBack) {
 TEST(LiveMachine, CreatesTheLogFolder) {
   const std::filesystem::path folder = BesideThisProgram("live machine test") / "logs";
   std::filesystem::remove_all(folder.parent_path());
-  const host::LiveMachine machine = host::PrepareLiveMachine(folder);
+  const host::LiveMachine machine =
+      host::PrepareLiveMachine(folder, host::FolderAccess::kInherited);
   EXPECT_TRUE(std::filesystem::is_directory(folder));
   EXPECT_EQ(machine.logFolder, folder.string() + "\\");
   EXPECT_EQ(machine.facts.logFolder, folder.string() + "\\");
@@ -163,13 +164,13 @@ TEST(LiveMachine, CreatesTheLogFolder) {
 TEST(LiveMachine, RefusesALogFolderThatThePluginHasNoRoomFor) {
   const std::filesystem::path folder =
       BesideThisProgram("refused") / std::string(150, 'a') / std::string(100, 'b');
-  EXPECT_THROW(host::PrepareLiveMachine(folder), host::LiveError);
+  EXPECT_THROW(host::PrepareLiveMachine(folder, host::FolderAccess::kInherited), host::LiveError);
   EXPECT_FALSE(std::filesystem::exists(BesideThisProgram("refused")));
 }
 
 TEST(LiveMachine, RefusesALogFolderThatTheCodePageLacks) {
   const std::filesystem::path folder = BesideThisProgram("refused") / L"\x0434\x4e2d";
-  EXPECT_THROW(host::PrepareLiveMachine(folder), host::LiveError);
+  EXPECT_THROW(host::PrepareLiveMachine(folder, host::FolderAccess::kInherited), host::LiveError);
   EXPECT_FALSE(std::filesystem::exists(BesideThisProgram("refused")));
 }
 
