@@ -23,8 +23,9 @@ _pqhost_complete() {
     'collect --format') words='table json ndjson csv html sqlite none' ;;
     'collect --output') words='<file>' ;;
     'collect --tool-limit') words='<any>' ;;
+    'collect --tool-memory') words='<any>' ;;
     'collect --trace') words='<file>' ;;
-    'collect '*) words='--module --table --replay --limit --unverified --record --log-folder --plugin --format --output --tool-limit --dry-run --trace --help' ;;
+    'collect '*) words='--module --table --replay --limit --unverified --record --log-folder --plugin --unsafe-folder --format --output --tool-limit --tool-memory --dry-run --trace --help' ;;
     'modules --plugin') words='<file>' ;;
     'modules --format') words='table json markdown' ;;
     'modules '*) words='--plugin --format --help' ;;
@@ -34,13 +35,13 @@ _pqhost_complete() {
     'query --log-folder') words='<folder>' ;;
     'query --format') words='table json ndjson csv html sqlite none' ;;
     'query --output') words='<file>' ;;
-    'query '*) words='--replay --limit --unverified --plugin --log-folder --format --output --help' ;;
+    'query '*) words='--replay --limit --unverified --plugin --unsafe-folder --log-folder --format --output --help' ;;
     'check --module') words='sampleModule1 sampleModule2 BMC_Info AMT_Info Windows_Related_Info' ;;
     'check --replay') words='<folder>' ;;
     'check --limit') words='<any>' ;;
     'check --log-folder') words='<folder>' ;;
     'check --plugin') words='<file>' ;;
-    'check '*) words='--module --replay --limit --unverified --log-folder --plugin --help' ;;
+    'check '*) words='--module --replay --limit --unverified --log-folder --plugin --unsafe-folder --help' ;;
     *) words='collect modules query check --version --help' ;;
   esac
 

@@ -76,6 +76,12 @@ void FailureList::OnToolEnded(unsigned seconds) {
        "did not end by itself and was ended after " + std::to_string(seconds) + " s"});
 }
 
+void FailureList::OnToolOutOfMemory(unsigned mebibytes) {
+  failures.push_back({module, tool,
+                      "wanted more memory than its limit of " + std::to_string(mebibytes) +
+                          " MiB; what it printed may not be whole"});
+}
+
 // The AMT module tests at every enumeration; a program that is missing is so once.
 void FailureList::AddOnce(Failure failure) {
   const bool isKnown = std::any_of(failures.begin(), failures.end(), [&](const Failure& known) {

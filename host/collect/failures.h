@@ -46,6 +46,7 @@ class FailureList final : public CollectionListener {
   void OnProcess(const std::string& application, const std::string& commandLine,
                  bool inheritHandles, bool pipe) override;
   void OnToolEnded(unsigned seconds) override;
+  void OnToolOutOfMemory(unsigned mebibytes) override;
   void OnRefused() override { interrupted = true; }
   void Log(const LogLine& line) override;
 

@@ -117,6 +117,10 @@ void StatusTracker::OnToolEnded(unsigned seconds) {
   if (!runs.empty()) runs.back().endedAfterSeconds = seconds;
 }
 
+void StatusTracker::OnToolOutOfMemory(unsigned mebibytes) {
+  if (!runs.empty()) runs.back().memoryLimit = mebibytes;
+}
+
 void StatusTracker::OnRefused() {
   interrupted = true;
   // From here on the module's words tell of the refusal, not of the machine.
@@ -169,6 +173,10 @@ TableStatus StatusTracker::ExplainRuns(const std::vector<const ToolRun*>& found,
   const std::string name = GetFileName(run.program);
   if (run.endedAfterSeconds > 0) {
     return {"ended", fmt::format("{} was ended after {} s", name, run.endedAfterSeconds)};
+  }
+  if (run.memoryLimit > 0) {
+    return {"out of memory",
+            fmt::format("{} wanted more than its {} MiB of memory", name, run.memoryLimit)};
   }
   if (run.refused) return kInterrupted;
   if (!run.startFailure.empty()) {

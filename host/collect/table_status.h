@@ -35,6 +35,7 @@ struct ToolRun {
   bool reportedError = false;
   bool refused = false;            ///< never started, because the collection was interrupted
   unsigned endedAfterSeconds = 0;  ///< not 0: the host ended it
+  unsigned memoryLimit = 0;        ///< MiB; not 0: it wanted more
 };
 
 /// Follows a collection and answers for its tables.
@@ -64,6 +65,7 @@ class StatusTracker final : public CollectionListener {
                  bool inheritHandles, bool pipe) override;
   void OnProcessEnd(std::uint32_t exitCode) override;
   void OnToolEnded(unsigned seconds) override;
+  void OnToolOutOfMemory(unsigned mebibytes) override;
   void OnRefused() override;
   void OnSystem(const std::string& command) override;
   void Log(const LogLine& line) override;

@@ -14,6 +14,8 @@ namespace host {
 class FileStream final : public std::ostream {
  public:
   FileStream() : std::ostream(nullptr) { rdbuf(&buffer); }
+  explicit FileStream(FileHandle file) : FileStream() { Open(std::move(file)); }
+  ~FileStream() override { Close(); }
 
   void Open(FileHandle file) { buffer.file = std::move(file); }
   const FileHandle& Handle() const { return buffer.file; }

@@ -42,8 +42,13 @@ class ReplaySource final : public CommandSource {
 class ThisMachine final : public CommandSource {
  public:
   ThisMachine(const SourceOptions& options, const Console& console)
-      : source({ChoosePlugin(options, console), ChooseLogFolder(options), options.record,
-                options.toolLimit}),
+      : source(
+            {.plugin = ChoosePlugin(options, console),
+             .logFolder = ChooseLogFolder(options),
+             .recordingFolder = options.record,
+             .toolLimits = options.toolLimits,
+             .logFolderAccess = options.logFolder ? FolderAccess::kInherited : FolderAccess::kOwn,
+             .allowsUnsafeFolders = options.allowsUnsafeFolders}),
         recordingFolder(options.record) {}
 
   Source& Get() override { return source; }
@@ -72,7 +77,7 @@ std::filesystem::path ChoosePlugin(const SourceOptions& options, const Console& 
 }
 
 std::filesystem::path ChooseLogFolder(const SourceOptions& options) {
-  return options.logFolder.value_or(kLogFolderName);
+  return options.logFolder ? *options.logFolder : FindDefaultLogFolder();
 }
 
 std::unique_ptr<CommandSource> OpenSource(const SourceOptions& options, const Console& console) {

@@ -142,8 +142,9 @@ TEST(Options, RefusesASecondCommand) {
 }
 
 TEST(Options, RefusesAnOptionWithoutItsValue) {
-  for (const char* option : {"--module", "--table", "--replay", "--log-folder", "--plugin",
-                             "--format", "--output", "--trace", "--record", "--tool-limit"}) {
+  for (const char* option :
+       {"--module", "--table", "--replay", "--log-folder", "--plugin", "--format", "--output",
+        "--trace", "--record", "--tool-limit", "--tool-memory"}) {
     EXPECT_THAT(Complaint({"collect", option}), HasSubstr(option)) << option;
   }
 }
@@ -165,6 +166,11 @@ TEST(Options, RefusesAPluginForAReplay) {
   }
   EXPECT_THAT(Complaint({"query", "--replay", "r", "--plugin", "p", "select 1"}),
               HasSubstr("--plugin has no use with --replay"));
+  for (const Words& command : {Words{"collect"}, Words{"check"}, Words{"query", "SELECT 1"}}) {
+    Words words = command;
+    words.insert(words.end(), {"--replay", kSample, "--unsafe-folder"});
+    EXPECT_THAT(Complaint(words), HasSubstr("--unsafe-folder has no use with --replay"));
+  }
 }
 
 TEST(Options, TakeLimitsOfRecordings) {
@@ -213,6 +219,7 @@ TEST(Options, TakeARecordingFolderAndAToolLimitForThisMachine) {
 
 TEST(Options, RefuseAToolLimitOfNoTime) {
   EXPECT_THAT(Complaint({"collect", "--tool-limit", "0"}), HasSubstr("--tool-limit"));
+  EXPECT_THAT(Complaint({"collect", "--tool-memory", "0"}), HasSubstr("--tool-memory"));
 }
 
 TEST(Options, RefuseToRecordAReplay) {
@@ -224,6 +231,8 @@ TEST(Options, RefuseToRecordAReplay) {
 TEST(Options, RefuseAToolLimitInAReplay) {
   EXPECT_EQ(Complaint({"collect", "--replay", "a", "--tool-limit", "5"}),
             "--tool-limit has no use with --replay, which runs no tools: leave one of them away");
+  EXPECT_EQ(Complaint({"collect", "--replay", "a", "--tool-memory", "5"}),
+            "--tool-memory has no use with --replay, which runs no tools: leave one of them away");
 }
 
 TEST(Options, HelpNamesEveryOptionAndHasExamples) {

@@ -50,6 +50,7 @@ CheckedMachine LookAtThisMachine(const SourceOptions& options, const Console& co
   machine.facts = DescribeThisMachine(ChooseLogFolder(options));
   machine.locate = &LocateProgram;
   machine.surroundings = LookAround(ChooseLogFolder(options));
+  machine.allowsUnsafeFolders = options.allowsUnsafeFolders;
   machine.surroundings->libraryProblem = TryLibrary(options, console);
   return machine;
 }
@@ -107,6 +108,7 @@ CommandRun Define(OptionSet& set) {
   AddReplay(set, options->source);
   AddLogFolder(set, options->source);
   AddPlugin(set, options->source);
+  AddUnsafeFolder(set, options->source);
   return [options](const Console& console) { return RunCheck(*options, console); };
 }
 

@@ -39,6 +39,8 @@ standard error; 2 wrong use or unreadable input.
 
 /// A day; a tool that needs longer needs no limit.
 constexpr unsigned kLongestToolLimit = 86400;
+/// A tebibyte, more than a machine has.
+constexpr unsigned kLargestToolMemory = 1U << 20;
 
 struct CollectOptions {
   Selection selection;
@@ -74,16 +76,19 @@ void RefuseWithReplay(const SourceOptions& source) {
         "--record has no use with --replay, which is a recording already: leave one of them "
         "away");
   }
-  if (source.toolLimit) {
-    throw UsageError(
-        "--tool-limit has no use with --replay, which runs no tools: leave one of them away");
+  const char* limit = source.toolLimits.seconds     ? "--tool-limit"
+                      : source.toolLimits.mebibytes ? "--tool-memory"
+                                                    : nullptr;
+  if (limit != nullptr) {
+    throw UsageError(fmt::format(
+        "{} has no use with --replay, which runs no tools: leave one of them away", limit));
   }
   RefuseMisuseOfReplay(source);
 }
 
 void RefuseWithDryRun(const OptionSet& set) {
-  for (const char* option :
-       {"--record", "--format", "--output", "--tool-limit", "--trace", "--plugin"}) {
+  for (const char* option : {"--record", "--format", "--output", "--tool-limit", "--tool-memory",
+                             "--trace", "--plugin", "--unsafe-folder"}) {
     if (!set.IsGiven(option)) continue;
     throw UsageError(fmt::format(
         "{} has no use with --dry-run, which collects nothing: leave one of them away", option));
@@ -97,6 +102,10 @@ void SettleOptions(CollectOptions& options, const OptionSet& set) {
   RefuseInRecording(options.source, "--output", options.result.output);
   if (options.trace) RefuseInRecording(options.source, "--trace", *options.trace);
   if (options.dryRun) RefuseWithDryRun(set);
+  if (options.source.replay) return;
+  // The tools of this machine run in the log folder.
+  options.result.output.MakeAbsolute();
+  if (options.trace) options.trace->MakeAbsolute();
 }
 
 /// A line on standard error for every table: its rows, or why there are none.
@@ -177,10 +186,13 @@ CommandRun Define(OptionSet& set) {
               "Keep what the tools print in this new folder, to be replayed (Windows)");
   AddLogFolder(set, source);
   AddPlugin(set, source);
+  AddUnsafeFolder(set, source);
   AddFormat(set, options->result, "results");
   AddOutput(set, options->result, "results");
-  set.AddSeconds("--tool-limit", source.toolLimit, kLongestToolLimit,
+  set.AddSeconds("--tool-limit", source.toolLimits.seconds, kLongestToolLimit,
                  "End a tool that runs for more than so many seconds (Windows)");
+  set.AddMebibytes("--tool-memory", source.toolLimits.mebibytes, kLargestToolMemory,
+                   "Give a tool, with all that it starts, so much memory and no more (Windows)");
   set.AddFlag("--dry-run", options->dryRun, "Show the command lines in order, and run nothing");
   set.AddDestination("--trace", options->trace, "Write all that the modules do to this file, or -");
   return [options, &set](const Console& console) {

@@ -93,9 +93,19 @@ void OptionSet::AddChoice(const char* name, std::vector<std::string> choices, st
 
 void OptionSet::AddSeconds(const char* name, std::optional<unsigned>& seconds, unsigned most,
                            const char* help) {
+  AddCount(name, "SECONDS", seconds, most, help);
+}
+
+void OptionSet::AddMebibytes(const char* name, std::optional<unsigned>& mebibytes, unsigned most,
+                             const char* help) {
+  AddCount(name, "MIB", mebibytes, most, help);
+}
+
+void OptionSet::AddCount(const char* name, const char* form, std::optional<unsigned>& count,
+                         unsigned most, const char* help) {
   CLI::Option* option = app.add_option_function<unsigned>(
-      name, [&seconds](unsigned count) { seconds = count; }, help);
-  option->type_name("SECONDS")->check(CLI::Range(1U, most));
+      name, [&count](unsigned given) { count = given; }, help);
+  option->type_name(form)->check(CLI::Range(1U, most));
   rows.push_back({option, {name, OptionValue::kAny, {}}, nullptr});
 }
 

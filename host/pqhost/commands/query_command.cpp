@@ -128,8 +128,10 @@ int AnswerQuery(const QueryOptions& options, const Console& console) {
   return exitCode;
 }
 
-int RunQuery(const QueryOptions& options, const Console& console) {
+int RunQuery(QueryOptions& options, const Console& console) {
   RefuseContradictions(options);
+  // The tools of this machine run in the log folder.
+  if (!options.source.replay && !FindDatabase(options)) options.result.output.MakeAbsolute();
   try {
     return AnswerQuery(options, console);
   } catch (const DatabaseError& error) {
@@ -143,6 +145,7 @@ CommandRun Define(OptionSet& set) {
                    "The database, if any, then one SELECT statement");
   AddReplay(set, options->source);
   AddPlugin(set, options->source);
+  AddUnsafeFolder(set, options->source);
   AddLogFolder(set, options->source);
   AddFormat(set, options->result, "answer");
   AddOutput(set, options->result, "answer");

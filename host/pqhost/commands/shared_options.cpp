@@ -51,6 +51,11 @@ void AddPlugin(OptionSet& set, SourceOptions& source) {
               "The library; repository_pqmodule.dll beside this program, unless given");
 }
 
+void AddUnsafeFolder(OptionSet& set, SourceOptions& source) {
+  set.AddFlag("--unsafe-folder", source.allowsUnsafeFolders,
+              "Run although the interpreter may read a folder's path as another (Windows)");
+}
+
 void RefuseInRecording(const SourceOptions& source, const char* option, const Destination& place) {
   if (!source.replay || place.IsStandardOutput()) return;
   if (!IsInFolder(place.path, *source.replay)) return;
@@ -60,11 +65,16 @@ void RefuseInRecording(const SourceOptions& source, const char* option, const De
 }
 
 void RefuseMisuseOfReplay(const SourceOptions& source) {
+  if (!source.replay) return;
   if (source.logFolder) RefuseInRecording(source, "--log-folder", {*source.logFolder});
-  if (source.replay && source.plugin) {
+  if (source.plugin) {
     throw UsageError(
         "--plugin has no use with --replay, which runs the built-in modules: leave "
         "one of them away");
+  }
+  if (source.allowsUnsafeFolders) {
+    throw UsageError(
+        "--unsafe-folder has no use with --replay, which runs no tools: leave one of them away");
   }
 }
 

@@ -22,11 +22,14 @@ void AddLogFolder(OptionSet& set, SourceOptions& source);
 /// --plugin
 void AddPlugin(OptionSet& set, SourceOptions& source);
 
-/// Throws UsageError for --plugin beside --replay, and for a --log-folder in the recording.
+/// Throws UsageError when an option was given that all live commands share, and a recording as
+/// well, and for a --log-folder in the recording.
 void RefuseMisuseOfReplay(const SourceOptions& source);
 /// Throws UsageError when `place`, to be written, is in the recording that is replayed: whoever
 /// made that may have put links there.
 void RefuseInRecording(const SourceOptions& source, const char* option, const Destination& place);
+/// --unsafe-folder
+void AddUnsafeFolder(OptionSet& set, SourceOptions& source);
 
 /// How a result is written, and where.
 struct ResultOptions {
