@@ -35,11 +35,15 @@ std::string AllocateFor(const fs::path& path) {
 
 }  // namespace
 
-std::string ReadWholeFile(const fs::path& path) {
+void CheckIsPlainFile(const fs::path& path) {
   std::error_code ignored;
   if (!fs::exists(path, ignored)) throw std::runtime_error("there is no such file");
   // Opening a pipe would wait for whoever writes to it.
   if (!fs::is_regular_file(path, ignored)) throw std::runtime_error("is no plain file");
+}
+
+std::string ReadWholeFile(const fs::path& path) {
+  CheckIsPlainFile(path);
   std::ifstream file(path, std::ios::binary);
   std::string bytes = AllocateFor(path);
   const auto size = static_cast<std::streamsize>(bytes.size());
