@@ -318,8 +318,9 @@ class Reader {
 
   /// Key and label of each column.
   std::size_t CountNameBytes() const {
+    constexpr std::size_t kNoText = sizeof(std::string);
     std::size_t bytes = 0;
-    for (const std::string& name : ListColumns()) bytes += 2 * (sizeof(name) + name.size());
+    for (const std::string& name : ListColumns()) bytes += 2 * (kNoText + name.size());
     return bytes;
   }
 

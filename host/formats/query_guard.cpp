@@ -15,7 +15,7 @@
 namespace host {
 namespace {
 
-constexpr std::int64_t kMebibyte = 1024 * 1024;
+constexpr std::int64_t kMebibyte = std::int64_t{1024} * 1024;
 
 /// Twice the largest file of a recording, so that every attachment can be read.
 constexpr int kMostValueBytes = 256 * kMebibyte;
