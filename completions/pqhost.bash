@@ -35,7 +35,8 @@ _pqhost_complete() {
     'query --log-folder') words='<folder>' ;;
     'query --format') words='table json ndjson csv html sqlite none' ;;
     'query --output') words='<file>' ;;
-    'query '*) words='--replay --limit --unverified --plugin --unsafe-folder --log-folder --format --output --help' ;;
+    'query --time-limit') words='<any>' ;;
+    'query '*) words='--replay --limit --unverified --plugin --unsafe-folder --log-folder --format --output --time-limit --help' ;;
     'check --module') words='sampleModule1 sampleModule2 BMC_Info AMT_Info Windows_Related_Info' ;;
     'check --replay') words='<folder>' ;;
     'check --limit') words='<any>' ;;

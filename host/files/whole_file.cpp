@@ -27,6 +27,8 @@ std::string ExplainUnwritable(const fs::path& path, int error) {
 
 }  // namespace
 
+void CheckIsPlainFile(const fs::path& path) { OpenToRead(path); }
+
 std::string ReadWholeFile(const fs::path& path) { return ReadWholeFile(OpenToRead(path)); }
 
 std::string ReadWholeFile(const FileHandle& file) {

@@ -9,6 +9,10 @@
 
 namespace host {
 
+/// Throws std::runtime_error unless `path` leads to a file that can be opened without waiting for
+/// anybody; the words are as for ReadWholeFile.
+void CheckIsPlainFile(const std::filesystem::path& path);
+
 /// The bytes of `path`. Throws std::runtime_error with the reason alone, such as "there is no such
 /// file", so that the caller can name the file as its user knows it.
 std::string ReadWholeFile(const std::filesystem::path& path);
