@@ -48,7 +48,7 @@ std::vector<std::string> ListProgramPaths(std::string_view program, std::string_
   std::vector<std::string> paths;
   for (const std::string& beginning : beginnings) {
     for (const std::string& ending : endings) {
-      paths.push_back(beginning + std::string(program) + ending);
+      paths.emplace_back(beginning).append(program).append(ending);
     }
   }
   return paths;
