@@ -170,8 +170,9 @@ std::vector<std::string> WrapText(std::string_view text, std::size_t width) {
 
 std::string CutText(std::string_view text, std::size_t width) {
   if (MeasureWidth(text) <= width) return std::string(text);
-  const std::size_t count = width > 1 ? CountFittingBytes(text, width - 1) : 0;
-  return std::string(text.substr(0, count)) + "…";
+  const std::string_view cut = text.substr(0, CountFittingBytes(text, width - 1));
+  // A first character too wide for its place goes, too.
+  return std::string(MeasureWidth(cut) < width ? cut : "") + "…";
 }
 
 std::string PadText(std::string text, std::size_t width) {

@@ -104,6 +104,7 @@ TEST(ScreenText, CutsWithAnEllipsis) {
   EXPECT_EQ(CutText("abcdefg", 6), "abcde…");
   EXPECT_EQ(CutText("连接状态", 6), "连接…");
   EXPECT_EQ(CutText("ab", 1), "…");
+  EXPECT_EQ(CutText("连接状态", 2), "…");
 }
 
 TEST(ScreenText, PadsToAWidth) {
