@@ -17,6 +17,7 @@
 #include "host/collect/collect.h"
 #include "host/collect/recorded_source.h"
 #include "host/collect/trace.h"
+#include "host/files/whole_file.h"
 #include "host/recorded/handed_out.h"
 #include "host/recorded/machine_files.h"
 #include "host/recorded/own_commands.h"
@@ -184,7 +185,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   const std::filesystem::path folder = kFolder.Path() / "recording";
   std::filesystem::remove_all(folder);
-  host::PrepareRecordingFolder(folder);
+  host::CreateEmptyFolder(folder, "--record");
   host::WriteRecording(recorded, folder);
   const host::Recording read = host::LoadRecording(folder);
   Require(read.commands == recorded.commands && read.files == recorded.files &&
