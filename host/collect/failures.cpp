@@ -6,6 +6,7 @@
 
 #include "frame/module.h"
 #include "frame/sentences.h"
+#include "frame/tool_runner.h"
 #include "host/catalogue/table_sources.h"
 #include "host/collect/command_text.h"
 
@@ -63,11 +64,21 @@ void FailureList::Module(const std::string& name, const std::string& /*descripti
 }
 
 void FailureList::OnProcess(const std::string& /*application*/, const std::string& commandLine,
-                            bool /*inheritHandles*/, bool /*pipe*/) {
+                            bool /*inheritHandles*/, bool pipe) {
   tool = FindTool(commandLine);
+  readThroughPipe = pipe;
   const pq::PresenceTest* presence = FindPresenceTest(commandLine);
   if (presence == nullptr || !isProgramThere || isProgramThere(commandLine)) return;
   AddOnce({module, tool, presence->whenMissing});
+}
+
+bool ExceedsPipe(const ToolAnswer& answer) { return answer.output.size() > pq::kPipeOutputLimit; }
+
+void FailureList::OnAnswer(const ToolAnswer& answer) {
+  if (!readThroughPipe || !ExceedsPipe(answer)) return;
+  failures.push_back({module, tool,
+                      "printed more than " + std::to_string(pq::kPipeOutputLimit >> 20) +
+                          " MiB; the rest is in no table"});
 }
 
 void FailureList::OnToolEnded(unsigned seconds) {
