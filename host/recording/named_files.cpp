@@ -10,7 +10,7 @@
 namespace host {
 namespace {
 
-constexpr std::uint64_t kMebibyte = 1024 * 1024;
+constexpr std::uint64_t kMebibyte = std::uint64_t{1} << 20;
 
 /// Rounded up, so that it is more than the limit that was met.
 std::uint64_t CountMebibytes(std::uint64_t bytes) { return (bytes + kMebibyte - 1) / kMebibyte; }

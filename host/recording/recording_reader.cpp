@@ -240,7 +240,7 @@ std::vector<std::string> CheckManifest(const std::filesystem::path& folder, Reco
                          ", so the recording is not as it was made: get it again, or read it all "
                          "the same with --unverified");
   }
-  for (std::string& change : changes) change = "the recording is not as it was made: " + change;
+  for (std::string& change : changes) change.insert(0, "the recording is not as it was made: ");
   return changes;
 }
 

@@ -86,8 +86,8 @@ TEST_F(LimitedRecording, CountsAFileOnce) {
 }
 
 TEST_F(LimitedRecording, IsRefusedBeforeItIsRead) {
-  Write(1, 1, 1ULL << 40);
-  ExpectRefused({}, "has 1048576 MiB, more than 128");
+  Write(1, 1, std::uintmax_t{1} << 30);
+  ExpectRefused({}, "has 1024 MiB, more than 128");
 }
 
 }  // namespace
