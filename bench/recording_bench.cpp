@@ -28,9 +28,10 @@ std::string MakeJson(std::int64_t commands) {
 /// heap/text: the highest mark of memory, with the recording itself, in sizes of recording.json.
 void BM_ReadRecording(benchmark::State& state) {
   const fs::path folder = fs::temp_directory_path() / "pq_bench_recording";
+  fs::remove_all(folder);
   const std::string json = MakeJson(state.range(0));
-  host::WriteWholeFile(folder / "recording.json", json);
-  host::WriteWholeFile(folder / "output.txt", "Controller = 0\n");
+  host::CreateWholeFile(folder / "recording.json", json);
+  host::CreateWholeFile(folder / "output.txt", "Controller = 0\n");
   std::size_t peak = 0;
   for (auto _ : state) {
     const std::size_t before = bench::HeapInUse();

@@ -11,6 +11,7 @@ if(WIN32)
   target_compile_definitions(sqlite3 PRIVATE SQLITE_THREADSAFE=0 SQLITE_OMIT_LOAD_EXTENSION
                                              SQLITE_DQS=0)
   set_target_properties(sqlite3 PROPERTIES COMPILE_WARNING_AS_ERROR OFF)
+  pq_harden(sqlite3)
   target_link_libraries(pq_sqlite INTERFACE sqlite3)
 else()
   find_package(SQLite3 REQUIRED)

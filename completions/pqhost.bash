@@ -16,28 +16,33 @@ _pqhost_complete() {
     'collect --module') words='sampleModule1 sampleModule2 BMC_Info AMT_Info Windows_Related_Info' ;;
     'collect --table') words='<table>' ;;
     'collect --replay') words='<folder>' ;;
+    'collect --limit') words='<any>' ;;
     'collect --record') words='<folder>' ;;
     'collect --log-folder') words='<folder>' ;;
     'collect --plugin') words='<file>' ;;
     'collect --format') words='table json ndjson csv html sqlite none' ;;
     'collect --output') words='<file>' ;;
     'collect --tool-limit') words='<any>' ;;
+    'collect --tool-memory') words='<any>' ;;
     'collect --trace') words='<file>' ;;
-    'collect '*) words='--module --table --replay --record --log-folder --plugin --format --output --tool-limit --dry-run --trace --help' ;;
+    'collect '*) words='--module --table --replay --limit --unverified --record --log-folder --plugin --unsafe-folder --format --output --tool-limit --tool-memory --dry-run --trace --help' ;;
     'modules --plugin') words='<file>' ;;
     'modules --format') words='table json markdown' ;;
     'modules '*) words='--plugin --format --help' ;;
     'query --replay') words='<folder>' ;;
+    'query --limit') words='<any>' ;;
     'query --plugin') words='<file>' ;;
     'query --log-folder') words='<folder>' ;;
     'query --format') words='table json ndjson csv html sqlite none' ;;
     'query --output') words='<file>' ;;
-    'query '*) words='--replay --plugin --log-folder --format --output --help' ;;
+    'query --time-limit') words='<any>' ;;
+    'query '*) words='--replay --limit --unverified --plugin --unsafe-folder --log-folder --format --output --time-limit --help' ;;
     'check --module') words='sampleModule1 sampleModule2 BMC_Info AMT_Info Windows_Related_Info' ;;
     'check --replay') words='<folder>' ;;
+    'check --limit') words='<any>' ;;
     'check --log-folder') words='<folder>' ;;
     'check --plugin') words='<file>' ;;
-    'check '*) words='--module --replay --log-folder --plugin --help' ;;
+    'check '*) words='--module --replay --limit --unverified --log-folder --plugin --unsafe-folder --help' ;;
     *) words='collect modules query check --version --help' ;;
   esac
 

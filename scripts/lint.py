@@ -58,7 +58,8 @@ def flags(command):
             paths.append((word, next(words)))
         elif word.startswith("-I"):
             paths.append((word,))
-        elif word.startswith(("-D", "-std=")):
+        # Nothing is optimised here, so the system's headers would warn that nothing is fortified.
+        elif word.startswith(("-D", "-std=")) and not word.startswith("-D_FORTIFY_SOURCE"):
             settings.append(word)
     return paths, tuple(settings)
 

@@ -12,8 +12,11 @@
 #include "host/check/dry_machine.h"
 #include "host/collect/command_text.h"
 #include "host/collect/selection.h"
+#include "host/collect/unsafe_folders.h"
 #include "host/recorded/interpreter.h"
 #include "host/recorded/own_commands.h"
+#include "host/recorded/program_search.h"
+#include "host/text/ascii.h"
 #include "host/text/decoder.h"
 
 namespace host {
@@ -68,11 +71,23 @@ std::vector<std::string> FindServed(const std::set<std::string>& classes,
   return served;
 }
 
+/// `before`, if there is a table to follow it.
+std::string SayWhatStaysEmpty(const char* before, const std::vector<std::string>& served) {
+  if (served.empty()) return {};
+  if (served.size() == 1) return fmt::format("{} {} stays empty", before, served.front());
+  return fmt::format("{} these stay empty: {}", before, fmt::join(served, ", "));
+}
+
 std::string SayWhatIsMissing(const std::string& program, const std::vector<std::string>& served) {
-  std::string text = program + " is not there; put it in its place";
-  if (served.size() == 1) text += fmt::format(", or {} stays empty", served.front());
-  if (served.size() > 1) text += fmt::format(", or these stay empty: {}", fmt::join(served, ", "));
-  return text;
+  return program + " is not there; put it in its place" + SayWhatStaysEmpty(", or", served);
+}
+
+/// A program of the system that another one is taken for. A recorded machine tells no folder.
+bool IsPlanted(const std::string& program, const std::string& path) {
+  const std::string_view interpreter = pq::kInterpreter;
+  const std::string_view systemFolder = interpreter.substr(0, interpreter.rfind('\\') + 1);
+  return !NamesFolder(program) && NamesFolder(path) &&
+         LowerCase(path.substr(0, path.rfind('\\') + 1)) != LowerCase(systemFolder);
 }
 
 void CheckTools(const CheckedMachine& machine, const std::vector<DryCommand>& commands,
@@ -84,7 +99,12 @@ void CheckTools(const CheckedMachine& machine, const std::vector<DryCommand>& co
     const std::string program = FindProgram(command.commandLine);
     if (IsOwnCommand(program) || !seen.insert({command.module, program}).second) continue;
     const std::optional<std::string> path = machine.locate(program);
-    if (path) {
+    if (path && IsPlanted(program, *path)) {
+      findings.Missing(command.module,
+                       fmt::format("{} would be run for the system's {}; remove it, or take its "
+                                   "folder out of PATH",
+                                   decode(*path), decode(program)));
+    } else if (path) {
       findings.Good(command.module, decode(*path));
     } else {
       findings.Missing(
@@ -153,45 +173,75 @@ void CheckLanguage(std::uint32_t languageId, Findings& findings) {
                                         fmt::join(tools, " and ")));
 }
 
-void CheckHostFolder(const MachineFacts& facts, const TextDecoder& decode, Findings& findings) {
-  const std::string folder = facts.hostExecutable.substr(0, facts.hostExecutable.rfind('\\'));
-  if (const std::optional<char> split = FindSplit(folder)) {
+/// Whether the interpreter ends the program's name within its path.
+bool IsCut(const std::string& commandLine, const std::string& program) {
+  const Pipeline pipeline =
+      ParseCommandLine(commandLine, [&](std::string_view path) { return path == program; });
+  std::string taken = pipeline.stages.empty() ? "" : pipeline.stages.front().program;
+  std::erase(taken, '"');
+  return taken != program;
+}
+
+/// A host folder with a blank is read as it is, but not on lines that have no quotes for the
+/// program's path of its own.
+void CheckCutTools(const std::string& folder, const std::vector<DryCommand>& commands,
+                   Findings& findings) {
+  std::map<std::string, std::set<std::string>> classes = ListClasses();
+  std::set<std::string> tools;
+  for (const DryCommand& command : commands) {
+    const std::string program = FindProgram(command.commandLine);
+    if (IsOwnCommand(program) || !IsCut(command.commandLine, program)) continue;
+    if (!tools.insert(FindTool(command.commandLine)).second) continue;
+    const std::vector<std::string> served = FindServed(classes[command.module], program);
     findings.Missing(
         "host folder",
-        fmt::format("{} is cut at {} where a tool's path alone stands in quotes, and "
-                    "the tool is not found; move the program to another folder",
-                    decode(folder),
-                    *split == ' ' ? "its first blank" : fmt::format("its first {}", *split)));
+        fmt::format("{} is cut at its first blank on the line of {}: another program "
+                    "may be started{}; move the program to a folder without blanks",
+                    folder, FindTool(command.commandLine), SayWhatStaysEmpty(", and", served)));
+  }
+  if (tools.empty()) findings.Good("host folder", folder);
+}
+
+/// What a collection would refuse is missing, or to be noted by whoever runs it all the same.
+void Object(const CheckedMachine& machine, std::string_view subject, const std::string& objection,
+            Findings& findings) {
+  if (machine.allowsUnsafeFolders) {
+    findings.Note(subject, objection);
   } else {
-    findings.Good("host folder", decode(folder));
+    findings.Missing(subject, objection);
+  }
+}
+
+void CheckFolders(const CheckedMachine& machine, const std::vector<DryCommand>& commands,
+                  Findings& findings) {
+  const TextDecoder decode(machine.facts.codePage);
+  if (const auto objection = ObjectToLogFolder(decode(machine.facts.logFolder))) {
+    Object(machine, "log folder", *objection, findings);
+  }
+  const std::string& executable = machine.facts.hostExecutable;
+  const std::string folder = decode(executable.substr(0, executable.rfind('\\')));
+  if (const auto objection = ObjectToHostFolder(folder)) {
+    Object(machine, "host folder", *objection, findings);
+  } else {
+    CheckCutTools(folder, commands, findings);
   }
 }
 
 }  // namespace
-
-std::optional<char> FindSplit(std::string_view folder) {
-  const bool hasBlank = folder.find(' ') != std::string_view::npos;
-  const bool quotesStay = hasBlank && folder.find_first_of("&()@^") == std::string_view::npos;
-  // Without quotes these end a word, or are taken out of it.
-  const std::size_t split = folder.find_first_of(" &^,;=");
-  if (quotesStay || split == std::string_view::npos) return std::nullopt;
-  return folder[split];
-}
 
 std::vector<Finding> CheckMachine(const CheckedMachine& machine,
                                   const std::vector<std::string>& moduleNames) {
   const MachineFacts& facts = machine.facts;
   const TextDecoder decode(facts.codePage);
   Findings findings;
-  CheckTools(
-      machine,
-      ListCommands({facts.hostExecutable, facts.logFolder, facts.languageId}, moduleNames, {}),
-      findings);
+  const std::vector<DryCommand> commands =
+      ListCommands({facts.hostExecutable, facts.logFolder, facts.languageId}, moduleNames, {});
+  CheckTools(machine, commands, findings);
   if (machine.surroundings) {
     CheckSurroundings(*machine.surroundings, decode(facts.logFolder), findings);
   }
   CheckLanguage(facts.languageId, findings);
-  CheckHostFolder(facts, decode, findings);
+  CheckFolders(machine, commands, findings);
   return findings.Take();
 }
 

@@ -6,7 +6,6 @@
 #include <functional>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "host/collect/machine_facts.h"
@@ -19,6 +18,8 @@ struct CheckedMachine {
   /// it is not there. Bytes in the machine's code page.
   std::function<std::optional<std::string>(const std::string& program)> locate;
   std::optional<Surroundings> surroundings;
+  /// Whether a collection would run although the interpreter does not read a folder as it is.
+  bool allowsUnsafeFolders = false;
 };
 
 struct Finding {
@@ -32,10 +33,5 @@ struct Finding {
 /// a module's name that does not fit.
 std::vector<Finding> CheckMachine(const CheckedMachine& machine,
                                   const std::vector<std::string>& moduleNames);
-
-/// The character of the host's folder at which the interpreter ends the program's name on lines
-/// with no quotes but those around it. The interpreter keeps such quotes when there is a blank
-/// between them and none of &<>()@^|; it takes all others away.
-std::optional<char> FindSplit(std::string_view folder);
 
 }  // namespace host

@@ -99,7 +99,11 @@ Collection Collect(Source& source, const Selection& selection, CollectionListene
     if (rows != stored.end()) table.rows = &rows->second;
     table.status = statuses.FindStatus(table.module, table.className, table.RowCount());
   }
-  collection.problems = DescribeFailures(failures, TextDecoder(collection.machine.codePage));
+  collection.problems = source.Doubts();
+  for (std::string& problem :
+       DescribeFailures(failures, TextDecoder(collection.machine.codePage))) {
+    collection.problems.push_back(std::move(problem));
+  }
   if (wasInterrupted) collection.problems.emplace_back(kInterrupted);
   collection.log = std::move(log.lines);
   collection.answers = std::move(answers.answers);

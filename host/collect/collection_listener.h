@@ -52,6 +52,7 @@ class CollectionListeners final : public CollectionListener {
   void OnAnswer(const ToolAnswer& answer) override;
   void OnProcessEnd(std::uint32_t exitCode) override;
   void OnToolEnded(unsigned seconds) override;
+  void OnToolOutOfMemory(unsigned mebibytes) override;
   void OnRefused() override;
   void OnSystem(const std::string& command) override;
   void OnOpen(const std::string& path, const std::string& mode) override;

@@ -6,6 +6,7 @@
 
 #include "frame/module.h"
 #include "frame/sentences.h"
+#include "frame/tool_runner.h"
 #include "host/catalogue/table_sources.h"
 #include "host/collect/command_text.h"
 
@@ -63,17 +64,33 @@ void FailureList::Module(const std::string& name, const std::string& /*descripti
 }
 
 void FailureList::OnProcess(const std::string& /*application*/, const std::string& commandLine,
-                            bool /*inheritHandles*/, bool /*pipe*/) {
+                            bool /*inheritHandles*/, bool pipe) {
   tool = FindTool(commandLine);
+  readThroughPipe = pipe;
   const pq::PresenceTest* presence = FindPresenceTest(commandLine);
   if (presence == nullptr || !isProgramThere || isProgramThere(commandLine)) return;
   AddOnce({module, tool, presence->whenMissing});
+}
+
+bool ExceedsPipe(const ToolAnswer& answer) { return answer.output.size() > pq::kPipeOutputLimit; }
+
+void FailureList::OnAnswer(const ToolAnswer& answer) {
+  if (!readThroughPipe || !ExceedsPipe(answer)) return;
+  failures.push_back({module, tool,
+                      "printed more than " + std::to_string(pq::kPipeOutputLimit >> 20) +
+                          " MiB; the rest is in no table"});
 }
 
 void FailureList::OnToolEnded(unsigned seconds) {
   failures.push_back(
       {module, tool,
        "did not end by itself and was ended after " + std::to_string(seconds) + " s"});
+}
+
+void FailureList::OnToolOutOfMemory(unsigned mebibytes) {
+  failures.push_back({module, tool,
+                      "wanted more memory than its limit of " + std::to_string(mebibytes) +
+                          " MiB; what it printed may not be whole"});
 }
 
 // The AMT module tests at every enumeration; a program that is missing is so once.

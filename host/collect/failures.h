@@ -29,6 +29,9 @@ const pq::FailureSentence* FindFailureSentence(std::string_view text);
 /// controller is not a failure.
 bool ReportsFailure(const LogLine& line);
 
+/// Whether a tool printed more into its pipe than the modules keep.
+bool ExceedsPipe(const ToolAnswer& answer);
+
 /// Gathers the failures of a collection.
 class FailureList final : public CollectionListener {
  public:
@@ -45,7 +48,9 @@ class FailureList final : public CollectionListener {
   void Module(const std::string& name, const std::string& description) override;
   void OnProcess(const std::string& application, const std::string& commandLine,
                  bool inheritHandles, bool pipe) override;
+  void OnAnswer(const ToolAnswer& answer) override;
   void OnToolEnded(unsigned seconds) override;
+  void OnToolOutOfMemory(unsigned mebibytes) override;
   void OnRefused() override { interrupted = true; }
   void Log(const LogLine& line) override;
 
@@ -55,6 +60,7 @@ class FailureList final : public CollectionListener {
   ProgramTest isProgramThere;
   std::string module;
   std::string tool;
+  bool readThroughPipe = false;
   std::vector<Failure> failures;
   bool interrupted = false;  ///< modules complain of the host's refusals
 };

@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "host/collect/source.h"
 #include "host/recorded/recorded_machine.h"
@@ -27,6 +28,7 @@ class RecordedSource final : public Source {
   std::string LogFolder() override { return recording.logFolder; }
   bool HasPrograms(const std::string& commandLine) override;
   std::optional<std::uint64_t> LogFileSize(const std::string& fileName) override;
+  std::vector<std::string> Doubts() override { return recording.doubts; }
   std::map<std::string, Bytes> Files() override { return machine->Files(); }
 
   /// Processes, pipes and files of the machine that are open now.

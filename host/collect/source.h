@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "frame/platform.h"
 #include "host/collect/collection_listener.h"
@@ -32,6 +33,8 @@ class Source {
   virtual bool HasPrograms(const std::string& commandLine) = 0;
   /// Size in bytes of a file of the log folder, if it is there.
   virtual std::optional<std::uint64_t> LogFileSize(const std::string& fileName) = 0;
+  /// Why the machine may not be as it seems: a line of UTF-8 each.
+  virtual std::vector<std::string> Doubts() { return {}; }
   /// The files of a recorded machine as they are now, by their path.
   virtual std::map<std::string, Bytes> Files() { return {}; }
 };

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "frame/sentences.h"
+#include "frame/tool_runner.h"
 #include "host/catalogue/table_sources.h"
 #include "host/collect/command_text.h"
 #include "host/collect/failures.h"
@@ -106,6 +107,10 @@ void StatusTracker::OnProcess(const std::string& /*application*/, const std::str
   BeginRun(commandLine, pipe);
 }
 
+void StatusTracker::OnAnswer(const ToolAnswer& answer) {
+  if (!runs.empty() && runs.back().readThroughPipe) runs.back().wasCut = ExceedsPipe(answer);
+}
+
 void StatusTracker::OnSystem(const std::string& command) { BeginRun("/c " + command, false); }
 
 void StatusTracker::OnProcessEnd(std::uint32_t exitCode) {
@@ -115,6 +120,10 @@ void StatusTracker::OnProcessEnd(std::uint32_t exitCode) {
 
 void StatusTracker::OnToolEnded(unsigned seconds) {
   if (!runs.empty()) runs.back().endedAfterSeconds = seconds;
+}
+
+void StatusTracker::OnToolOutOfMemory(unsigned mebibytes) {
+  if (!runs.empty()) runs.back().memoryLimit = mebibytes;
 }
 
 void StatusTracker::OnRefused() {
@@ -169,6 +178,10 @@ TableStatus StatusTracker::ExplainRuns(const std::vector<const ToolRun*>& found,
   const std::string name = GetFileName(run.program);
   if (run.endedAfterSeconds > 0) {
     return {"ended", fmt::format("{} was ended after {} s", name, run.endedAfterSeconds)};
+  }
+  if (run.memoryLimit > 0) {
+    return {"out of memory",
+            fmt::format("{} wanted more than its {} MiB of memory", name, run.memoryLimit)};
   }
   if (run.refused) return kInterrupted;
   if (!run.startFailure.empty()) {
@@ -228,10 +241,23 @@ TableStatus StatusTracker::ExplainWithoutRun(const std::string& name,
   return {"not reached", "no step of the collection asked for it"};
 }
 
+TableStatus StatusTracker::DescribeRows(const std::string& name, const pq::TableDescription* table,
+                                        std::size_t rowCount) const {
+  std::string text = fmt::format("{} row{}", rowCount, rowCount == 1 ? "" : "s");
+  if (table != nullptr) {
+    for (const ToolRun* run : FindRuns(name, *table)) {
+      if (!run->wasCut) continue;
+      text += fmt::format(", of the first {} MiB that {} printed", pq::kPipeOutputLimit >> 20,
+                          GetFileName(run->program));
+    }
+  }
+  return {"rows", std::move(text)};
+}
+
 TableStatus StatusTracker::FindStatus(const std::string& name, const std::string& className,
                                       std::size_t rowCount) const {
-  if (rowCount > 0) return {"rows", fmt::format("{} row{}", rowCount, rowCount == 1 ? "" : "s")};
   const pq::TableDescription* table = FindTableDescription(className);
+  if (rowCount > 0) return DescribeRows(name, table, rowCount);
   if (table == nullptr) return {"not reached", "no step of the collection asked for it"};
   if (!table->whyAlwaysEmpty.empty()) return {"always empty", table->whyAlwaysEmpty};
   const std::vector<const ToolRun*> found = FindRuns(name, *table);

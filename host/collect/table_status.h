@@ -33,8 +33,10 @@ struct ToolRun {
   std::string openFailure;   ///< the module's words
   bool printed = false;      ///< something came through the pipe
   bool reportedError = false;
+  bool wasCut = false;             ///< it printed more than the module keeps
   bool refused = false;            ///< never started, because the collection was interrupted
   unsigned endedAfterSeconds = 0;  ///< not 0: the host ended it
+  unsigned memoryLimit = 0;        ///< MiB; not 0: it wanted more
 };
 
 /// Follows a collection and answers for its tables.
@@ -63,7 +65,9 @@ class StatusTracker final : public CollectionListener {
   void OnProcess(const std::string& application, const std::string& commandLine,
                  bool inheritHandles, bool pipe) override;
   void OnProcessEnd(std::uint32_t exitCode) override;
+  void OnAnswer(const ToolAnswer& answer) override;
   void OnToolEnded(unsigned seconds) override;
+  void OnToolOutOfMemory(unsigned mebibytes) override;
   void OnRefused() override;
   void OnSystem(const std::string& command) override;
   void Log(const LogLine& line) override;
@@ -72,6 +76,8 @@ class StatusTracker final : public CollectionListener {
   void BeginRun(const std::string& commandLine, bool pipe);
   std::vector<const ToolRun*> FindRuns(const std::string& module,
                                        const pq::TableDescription& table) const;
+  TableStatus DescribeRows(const std::string& module, const pq::TableDescription* table,
+                           std::size_t rowCount) const;
   TableStatus ExplainRuns(const std::vector<const ToolRun*>& runs,
                           const pq::TableDescription& table) const;
   TableStatus ExplainWithoutRun(const std::string& module, const pq::TableDescription& table) const;

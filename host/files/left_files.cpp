@@ -6,12 +6,10 @@
 #include <optional>
 #include <stdexcept>
 #include <string_view>
-#include <system_error>
 
 #include "host/files/whole_file.h"
 #include "host/text/ascii.h"
 #include "host/text/path_text.h"
-#include "host/text/usage_error.h"
 
 namespace host {
 namespace {
@@ -35,13 +33,23 @@ std::optional<std::string> FindPathBelow(std::string_view path, std::string_view
   return single.substr(start.size());
 }
 
+/// CON, NUL.txt, COM1: Windows takes them for devices in every folder.
+bool IsDeviceName(std::string_view name) {
+  const std::string stem = LowerCase(name.substr(0, std::min(name.find('.'), name.size())));
+  const bool isPort = stem.size() == 4 && stem[3] >= '0' && stem[3] <= '9' &&
+                      (stem.starts_with("com") || stem.starts_with("lpt"));
+  return isPort || stem == "con" || stem == "nul" || stem == "prn" || stem == "aux" ||
+         stem == "conin$" || stem == "conout$";
+}
+
 /// A name that means the same thing on every file system, and nothing outside the folder.
 bool IsPlainName(std::string_view name) {
   constexpr std::string_view kRefused{"/\\:*?\"<>|\0", 10};
   const bool hasControl =
       std::any_of(name.begin(), name.end(), [](char c) { return c >= 0 && c < ' '; });
-  return !name.empty() && name != "." && name != ".." && !hasControl &&
-         name.find_first_of(kRefused) == std::string_view::npos;
+  // Windows drops dots and blanks at the end, so two names would be one.
+  return !name.empty() && !name.ends_with('.') && !name.ends_with(' ') && !hasControl &&
+         !IsDeviceName(name) && name.find_first_of(kRefused) == std::string_view::npos;
 }
 
 /// The path of a file below `target`; empty when a part of its name cannot be used.
@@ -59,15 +67,6 @@ fs::path MakePath(const fs::path& target, std::string_view below) {
 
 }  // namespace
 
-void CreateFolder(const fs::path& folder) {
-  std::error_code error;
-  fs::create_directories(folder, error);
-  if (!fs::is_directory(folder)) {
-    throw UsageError(fmt::format("cannot create the folder {}: {}", PathText(folder),
-                                 error ? error.message() : "a file stands in its place"));
-  }
-}
-
 LeftFiles WriteLeftFiles(const std::map<std::string, Bytes>& files, const std::string& logFolder,
                          const TextDecoder& decode, const fs::path& target) {
   LeftFiles left;
@@ -81,7 +80,7 @@ LeftFiles WriteLeftFiles(const std::map<std::string, Bytes>& files, const std::s
       continue;
     }
     try {
-      WriteWholeFile(file, content);
+      CreateWholeFile(file, content);
       ++left.written;
     } catch (const std::runtime_error& problem) {
       left.problems.emplace_back(problem.what());

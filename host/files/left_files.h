@@ -16,9 +16,6 @@ struct LeftFiles {
   std::vector<std::string> problems;  ///< UTF-8, one line for each file that could not be written
 };
 
-/// Creates `folder` with its parents. Throws UsageError.
-void CreateFolder(const std::filesystem::path& folder);
-
 /// Writes the files of `files` (Windows path to content) that lie under `logFolder` into `target`,
 /// with their folders below it.
 LeftFiles WriteLeftFiles(const std::map<std::string, Bytes>& files, const std::string& logFolder,

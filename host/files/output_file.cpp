@@ -3,61 +3,53 @@
 #include <fmt/format.h>
 
 #include <cerrno>
-#include <random>
 #include <stdexcept>
 #include <system_error>
-#include <utility>
 
 #include "host/files/whole_file.h"
+#include "host/text/path_text.h"
 #include "host/text/usage_error.h"
 
 namespace host {
 
 namespace fs = std::filesystem;
 
-OutputFile::OutputFile(fs::path path) : path(std::move(path)), target(this->path) {
+void RefuseLink(const fs::path& path) {
   std::error_code ignored;
-  const fs::file_status status = fs::status(target, ignored);
-  if (fs::is_regular_file(status)) target = fs::canonical(target, ignored);
-  if (!fs::exists(status) || fs::is_regular_file(status)) {
-    // Two runs that write to one place must not write into each other's file.
-    partial = target;
-    partial += fmt::format(".{:08x}.part", std::random_device{}());
-  }
-  if (!Open()) throw UsageError(DescribeUnwritable(this->path));
-  if (partial.empty()) return;
-  // Only a probe. Close it: a tool's child could inherit the handle and block the rename.
-  stream.close();
-  fs::remove(partial, ignored);
+  if (!fs::is_symlink(fs::symlink_status(path, ignored))) return;
+  const fs::file_status status = fs::status(path, ignored);
+  if (fs::exists(status) && !fs::is_regular_file(status)) return;  // such as /dev/stdout
+  throw UsageError(fmt::format("cannot write {}: it is a link to {}; name the file itself",
+                               PathText(path), PathText(fs::read_symlink(path, ignored))));
 }
 
-bool OutputFile::Open() {
+OutputFile::OutputFile(const fs::path& path) : path(path) {
+  RefuseLink(path);
+  std::error_code ignored;
+  const fs::file_status status = fs::status(path, ignored);
   errno = 0;
-  stream.open(partial.empty() ? target : partial, std::ios::binary);
-  return stream.is_open();
-}
-
-std::ostream& OutputFile::Stream() {
-  if (!stream.is_open() && !Open()) throw std::runtime_error(DescribeUnwritable(path));
-  return stream;
-}
-
-OutputFile::~OutputFile() {
-  if (complete || partial.empty()) return;
-  stream.close();
-  std::error_code ignored;
-  fs::remove(partial, ignored);
+  try {
+    if (fs::exists(status) && !fs::is_regular_file(status)) {
+      FileHandle device = OpenToOverwrite(path);
+      if (!device.IsOpen()) throw std::runtime_error(DescribeUnwritable(path));
+      stream.Open(std::move(device));
+      return;
+    }
+    const bool isNew = !fs::exists(status);
+    // Nobody reads it before it has the access of the file that it replaces.
+    partial.emplace(path, isNew ? Readers::kAsUsual : Readers::kOwner);
+    stream.Open(partial->TakeHandle());
+    if (!isNew) CopyAccess(path, stream.Handle());
+  } catch (const std::runtime_error& problem) {
+    throw UsageError(problem.what());
+  }
 }
 
 void OutputFile::Complete() {
-  Stream();  // also of a result without a byte
   errno = 0;
-  stream.close();
-  if (!stream) throw std::runtime_error(DescribeUnwritable(path));
-  std::error_code error;
-  if (!partial.empty()) fs::rename(partial, target, error);
-  if (error) throw std::runtime_error(DescribeUnwritable(path, error.message()));
-  complete = true;
+  if (!stream.Close() || (partial && !partial->PutInPlace())) {
+    throw std::runtime_error(DescribeUnwritable(path));
+  }
 }
 
 }  // namespace host

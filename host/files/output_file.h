@@ -2,37 +2,35 @@
 #pragma once
 
 #include <filesystem>
-#include <fstream>
+#include <optional>
 #include <ostream>
+
+#include "host/files/file_stream.h"
+#include "host/files/partial_file.h"
 
 namespace host {
 
 /// Written beside its final place and renamed when it is complete; an interrupted or failed run
-/// leaves the old file alone. Until something is written, there is no file and nothing open. A
-/// device or a named pipe is written to directly.
+/// leaves the old file alone. An old file keeps its mode and owner. A device or a named pipe is
+/// written to directly.
 class OutputFile {
  public:
-  /// Throws UsageError when it cannot be created.
-  explicit OutputFile(std::filesystem::path path);
-  OutputFile(const OutputFile&) = delete;
-  OutputFile& operator=(const OutputFile&) = delete;
-  /// Removes what was written unless Complete() succeeded.
-  ~OutputFile();
+  /// Throws UsageError when it cannot be created, and for a link to a file: whoever made it would
+  /// choose what is replaced.
+  explicit OutputFile(const std::filesystem::path& path);
 
-  /// Throws std::runtime_error when the file cannot be created any more.
-  std::ostream& Stream();
+  std::ostream& Stream() { return stream; }
   /// Closes the file and puts it in its place. Throws std::runtime_error when it could not be
   /// written.
   void Complete();
 
  private:
-  bool Open();
-
-  std::filesystem::path path;     ///< as given
-  std::filesystem::path target;   ///< where the links of `path` lead
-  std::filesystem::path partial;  ///< empty when written to directly
-  std::ofstream stream;
-  bool complete = false;
+  std::filesystem::path path;
+  std::optional<PartialFile> partial;  ///< none when written to directly
+  FileStream stream;                   ///< closed before the partial file is removed
 };
+
+/// Throws UsageError when `path` is a link that leads to a file, or to nothing.
+void RefuseLink(const std::filesystem::path& path);
 
 }  // namespace host

@@ -4,11 +4,11 @@
 
 #include <cerrno>
 #include <cstring>
-#include <fstream>
 #include <stdexcept>
 #include <system_error>
 
 #include "host/text/path_text.h"
+#include "host/text/usage_error.h"
 
 namespace host {
 namespace {
@@ -25,37 +25,46 @@ std::string ExplainUnwritable(const fs::path& path, int error) {
   return error == 0 ? "the system gives no reason" : std::strerror(error);
 }
 
-std::string AllocateFor(const fs::path& path) {
+}  // namespace
+
+void CheckIsPlainFile(const fs::path& path) { OpenToRead(path); }
+
+std::string ReadWholeFile(const fs::path& path) { return ReadWholeFile(OpenToRead(path)); }
+
+std::string ReadWholeFile(const FileHandle& file) {
+  std::string bytes;
   try {
-    return std::string(static_cast<std::size_t>(fs::file_size(path)), '\0');
+    bytes.resize(static_cast<std::size_t>(file.Size()));
   } catch (const std::exception&) {
     throw std::runtime_error("is too large to be read");
   }
-}
-
-}  // namespace
-
-std::string ReadWholeFile(const fs::path& path) {
-  std::error_code ignored;
-  if (!fs::exists(path, ignored)) throw std::runtime_error("there is no such file");
-  // Opening a pipe would wait for whoever writes to it.
-  if (!fs::is_regular_file(path, ignored)) throw std::runtime_error("is no plain file");
-  std::ifstream file(path, std::ios::binary);
-  std::string bytes = AllocateFor(path);
-  const auto size = static_cast<std::streamsize>(bytes.size());
-  file.read(bytes.data(), size);
-  if (file.gcount() != size) throw std::runtime_error("cannot be read");
+  if (file.Read(bytes.data(), bytes.size()) != bytes.size()) {
+    throw std::runtime_error("cannot be read");
+  }
   return bytes;
 }
 
-void WriteWholeFile(const fs::path& path, std::string_view bytes) {
+void CreateWholeFile(const fs::path& path, std::string_view bytes) {
   std::error_code ignored;
   fs::create_directories(path.parent_path(), ignored);
   errno = 0;
-  std::ofstream file(path, std::ios::binary);
-  file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  file.close();
-  if (!file) throw std::runtime_error(DescribeUnwritable(path));
+  FileHandle file = CreateNewFile(path, Readers::kOwner);
+  if (!file.IsOpen() || !file.Write(bytes) || !file.Close()) {
+    throw std::runtime_error(DescribeUnwritable(path));
+  }
+}
+
+void CreateEmptyFolder(const fs::path& folder, std::string_view option) {
+  std::error_code failure;
+  fs::create_directories(folder, failure);
+  if (failure || !fs::is_directory(folder, failure)) {
+    throw UsageError(fmt::format("cannot create the folder {}: {}", PathText(folder),
+                                 failure ? failure.message() : "there is a file of that name"));
+  }
+  if (!fs::is_empty(folder, failure) || failure) {
+    throw UsageError(fmt::format("{} is not empty: give {} a folder that is new or empty",
+                                 PathText(folder), option));
+  }
 }
 
 std::string DescribeUnwritable(const fs::path& path) {

@@ -7,10 +7,15 @@
 #include <memory>
 #include <set>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "host/collect/table_view.h"
-#include "host/files/output_file.h"
+#include "host/files/whole_file.h"
+#include "host/formats/query_guard.h"
+#include "host/formats/shown_cell.h"
 #include "host/text/ascii.h"
+#include "host/text/hex_text.h"
 #include "host/text/path_text.h"
 #include "host/text/time_text.h"
 #include "host/text/version.h"
@@ -40,14 +45,8 @@ struct CloseStatement {
 };
 using StatementHandle = std::unique_ptr<sqlite3_stmt, CloseStatement>;
 
-[[noreturn]] void Fail(sqlite3* handle) {
-  std::string text = handle == nullptr ? "out of memory" : sqlite3_errmsg(handle);
-  std::replace(text.begin(), text.end(), '\n', ' ');
-  throw DatabaseError(text);
-}
-
 void Execute(sqlite3* handle, const char* sql) {
-  if (sqlite3_exec(handle, sql, nullptr, nullptr, nullptr) != SQLITE_OK) Fail(handle);
+  if (sqlite3_exec(handle, sql, nullptr, nullptr, nullptr) != SQLITE_OK) FailAsSqlite(handle);
 }
 
 /// `name` as an SQL identifier; any text can be one.
@@ -68,7 +67,8 @@ class Insert {
     for (std::size_t i = 1; i < columnCount; ++i) places += ",?";
     const std::string sql = fmt::format("INSERT INTO {} VALUES ({})", Quote(table), places);
     sqlite3_stmt* raw = nullptr;
-    if (sqlite3_prepare_v2(handle, sql.c_str(), -1, &raw, nullptr) != SQLITE_OK) Fail(handle);
+    if (sqlite3_prepare_v2(handle, sql.c_str(), -1, &raw, nullptr) != SQLITE_OK)
+      FailAsSqlite(handle);
     statement.reset(raw);
   }
 
@@ -85,7 +85,7 @@ class Insert {
 
   void Run() {
     const int result = sqlite3_step(statement.get());
-    if (result != SQLITE_DONE) Fail(handle);
+    if (result != SQLITE_DONE) FailAsSqlite(handle);
     sqlite3_reset(statement.get());
     sqlite3_clear_bindings(statement.get());
     bound = 0;
@@ -93,7 +93,7 @@ class Insert {
 
  private:
   void Check(int result) const {
-    if (result != SQLITE_OK) Fail(handle);
+    if (result != SQLITE_OK) FailAsSqlite(handle);
   }
 
   sqlite3* handle;
@@ -219,26 +219,139 @@ class Filler {
   CollectionView view;
 };
 
-std::optional<std::string> ReadColumn(sqlite3_stmt* statement, int column) {
-  if (sqlite3_column_type(statement, column) == SQLITE_NULL) return std::nullopt;
-  const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
-  const int size = sqlite3_column_bytes(statement, column);
-  return text == nullptr ? std::string() : std::string(text, static_cast<std::size_t>(size));
+/// `file` as a name that no character of can mean anything to SQLite. Immutable: no locks, and no
+/// journal is read, rolled back or left.
+std::string MakeUri(const std::filesystem::path& file) {
+  constexpr std::string_view kPlain =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~";
+  std::string uri = "file:";
+  for (const char8_t byte : std::filesystem::absolute(file).u8string()) {
+    const char c = static_cast<char>(byte);
+    if (kPlain.find(c) == std::string_view::npos) {
+      uri += '%' + HexText({&c, 1});
+    } else {
+      uri += c;
+    }
+  }
+  return uri + "?mode=ro&immutable=1";
 }
+
+/// Changes that SQLite keeps beside a file until it is closed would be left out without a word.
+void RefuseOpenChanges(const std::filesystem::path& file) {
+  for (const char* suffix : {"-wal", "-journal"}) {
+    std::filesystem::path beside = file;
+    beside += suffix;
+    std::error_code error;
+    const auto size = std::filesystem::file_size(beside, error);
+    if (error || size == 0) continue;
+    throw DatabaseError(
+        fmt::format("{} has changes that are not in the database yet: let the program that writes "
+                    "it close it, or move that file away to ask without them",
+                    PathText(beside)));
+  }
+}
+
+void CheckDatabaseFile(const std::filesystem::path& file) {
+  try {
+    CheckIsPlainFile(file);
+  } catch (const std::runtime_error& error) {
+    throw DatabaseError(fmt::format("{}: {}", PathText(file), error.what()));
+  }
+  RefuseOpenChanges(file);
+}
+
+/// Runs one statement and reads its rows.
+class Reader {
+ public:
+  Reader(sqlite3* handle, std::chrono::seconds timeLimit)
+      : handle(handle), guard(handle, timeLimit) {}
+
+  /// Throws DatabaseError unless `sql` is one statement that only reads.
+  void Prepare(const std::string& sql) {
+    sqlite3_stmt* raw = nullptr;
+    const char* rest = nullptr;
+    const auto size = static_cast<int>(sql.size());
+    const int result = sqlite3_prepare_v2(handle, sql.c_str(), size, &raw, &rest);
+    statement.reset(raw);
+    if (result != SQLITE_OK) guard.Fail(result);
+    if (statement == nullptr) throw DatabaseError("there is no statement in the query");
+    if (std::string_view(rest).find_first_not_of(" \t\r\n;") != std::string_view::npos) {
+      throw DatabaseError("the query has more than one statement");
+    }
+    if (sqlite3_stmt_readonly(raw) == 0) throw DatabaseError(kOnlyReading);
+  }
+
+  Database::Names ListColumns() const {
+    Database::Names names;
+    const int count = sqlite3_column_count(statement.get());
+    for (int i = 0; i < count; ++i) names.emplace_back(sqlite3_column_name(statement.get(), i));
+    return names;
+  }
+
+  /// Whether there was one more row.
+  bool TakeRow(Database::Values& values) {
+    const int result = sqlite3_step(statement.get());
+    if (result == SQLITE_DONE) return false;
+    if (result != SQLITE_ROW) guard.Fail(result);
+    std::size_t bytes = 0;
+    std::vector<bool> gaps;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      values[i] = ReadColumn(static_cast<int>(i));
+      if (values[i]) bytes += values[i]->size();
+      gaps.push_back(!values[i]);
+    }
+    // Rows that lack the same columns share the names of those that they have.
+    if (gapsSeen.insert(std::move(gaps)).second) bytes += CountNameBytes();
+    guard.CountRow(values.size(), bytes);
+    return true;
+  }
+
+ private:
+  std::optional<std::string> ReadColumn(int column) const {
+    sqlite3_stmt* const row = statement.get();
+    if (sqlite3_column_type(row, column) == SQLITE_NULL) return std::nullopt;
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(row, column));
+    if (text == nullptr && sqlite3_errcode(handle) == SQLITE_NOMEM) guard.Fail(SQLITE_NOMEM);
+    const auto size = static_cast<std::size_t>(sqlite3_column_bytes(row, column));
+    return text == nullptr ? std::string() : std::string(text, size);
+  }
+
+  /// Key and label of each column.
+  std::size_t CountNameBytes() const {
+    constexpr std::size_t kNoText = sizeof(std::string);
+    std::size_t bytes = 0;
+    for (const std::string& name : ListColumns()) bytes += 2 * (kNoText + name.size());
+    return bytes;
+  }
+
+  sqlite3* handle;
+  QueryGuard guard;
+  StatementHandle statement;
+  std::set<std::vector<bool>> gapsSeen;  ///< NULLs of a row
+};
 
 }  // namespace
 
-Database::Database() {
-  if (sqlite3_open(":memory:", &handle) != SQLITE_OK) Fail(handle);
+std::string DescribeTimeout(std::chrono::seconds timeLimit) {
+  const auto seconds = static_cast<std::size_t>(timeLimit.count());
+  return fmt::format("the query took longer than {}: ask for less, or allow more with --time-limit",
+                     FormatCount(seconds, "second"));
 }
 
-Database::Database(const std::filesystem::path& file) {
-  const std::u8string path = file.u8string();
-  const int result = sqlite3_open_v2(reinterpret_cast<const char*>(path.c_str()), &handle,
-                                     SQLITE_OPEN_READONLY, nullptr);
+Database::Database(std::chrono::seconds queryTime) : queryTime(queryTime) {
+  if (sqlite3_open(":memory:", &handle) != SQLITE_OK) FailAsSqlite(handle);
+}
+
+Database::Database(const std::filesystem::path& file, std::chrono::seconds queryTime)
+    : queryTime(queryTime) {
+  CheckDatabaseFile(file);
+  const int result = sqlite3_open_v2(MakeUri(file).c_str(), &handle,
+                                     SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, nullptr);
   try {
-    if (result != SQLITE_OK) Fail(handle);
-    Execute(handle, "SELECT 1 FROM sqlite_schema");  // The file is looked at only now.
+    if (result != SQLITE_OK) FailAsSqlite(handle);
+    // The file is looked at only now.
+    Query(
+        "SELECT 1 FROM sqlite_schema LIMIT 1", [](const Names&) {}, [](const Values&) {});
   } catch (const DatabaseError& error) {
     sqlite3_close(handle);
     throw DatabaseError(fmt::format("{}: {}", PathText(file), error.what()));
@@ -257,34 +370,18 @@ std::string Database::Serialize() {
   sqlite3_int64 size = 0;
   const std::unique_ptr<unsigned char, decltype(&sqlite3_free)> bytes(
       sqlite3_serialize(handle, "main", &size, 0), &sqlite3_free);
-  if (bytes == nullptr) Fail(nullptr);
+  if (bytes == nullptr) FailAsSqlite(nullptr);
   return {reinterpret_cast<const char*>(bytes.get()), static_cast<std::size_t>(size)};
 }
 
 void Database::Query(const std::string& sql, const std::function<void(const Names&)>& onColumns,
                      const std::function<void(const Values&)>& onRow) {
-  sqlite3_stmt* raw = nullptr;
-  const char* rest = nullptr;
-  if (sqlite3_prepare_v2(handle, sql.c_str(), -1, &raw, &rest) != SQLITE_OK) Fail(handle);
-  const StatementHandle statement(raw);
-  if (statement == nullptr) throw DatabaseError("there is no statement in the query");
-  if (std::string_view(rest).find_first_not_of(" \t\r\n;") != std::string_view::npos) {
-    throw DatabaseError("the query has more than one statement");
-  }
-  if (sqlite3_stmt_readonly(raw) == 0) {
-    throw DatabaseError("the query would change the database; only reading is possible");
-  }
-  const int count = sqlite3_column_count(raw);
-  Names names;
-  for (int i = 0; i < count; ++i) names.emplace_back(sqlite3_column_name(raw, i));
+  Reader reader(handle, queryTime);
+  reader.Prepare(sql);
+  const Names names = reader.ListColumns();
   onColumns(names);
-  Values values(static_cast<std::size_t>(count));
-  int result = SQLITE_ROW;
-  while ((result = sqlite3_step(raw)) == SQLITE_ROW) {
-    for (int i = 0; i < count; ++i) values[static_cast<std::size_t>(i)] = ReadColumn(raw, i);
-    onRow(values);
-  }
-  if (result != SQLITE_DONE) Fail(handle);
+  Values values(names.size());
+  while (reader.TakeRow(values)) onRow(values);
 }
 
 }  // namespace host

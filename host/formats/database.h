@@ -2,6 +2,7 @@
 // attachments and log lines (docs/sql.md).
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -15,18 +16,25 @@ struct sqlite3;
 
 namespace host {
 
-/// SQLite's own explanation, in UTF-8 and in one line.
+/// Why a database could not be made, opened or asked, in UTF-8 and in one line.
 class DatabaseError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
+inline constexpr std::chrono::seconds kUsualQueryTime{30};
+
+/// What to say of a query that took longer.
+std::string DescribeTimeout(std::chrono::seconds timeLimit);
+
 class Database {
  public:
   /// An empty one in memory.
-  Database();
-  /// Opens a file for reading only. Throws DatabaseError.
-  explicit Database(const std::filesystem::path& file);
+  explicit Database(std::chrono::seconds queryTime = kUsualQueryTime);
+  /// Opens a plain file as it is, for reading only; nothing is written beside it. Throws
+  /// DatabaseError.
+  explicit Database(const std::filesystem::path& file,
+                    std::chrono::seconds queryTime = kUsualQueryTime);
   Database(const Database&) = delete;
   Database& operator=(const Database&) = delete;
   ~Database();
@@ -40,12 +48,15 @@ class Database {
   /// One text per column; none where the value is NULL.
   using Values = std::vector<std::optional<std::string>>;
   /// Runs one statement that only reads. `onColumns` is called once, then `onRow` for each row.
-  /// Throws DatabaseError, also for a statement that would write and for more than one.
+  /// Throws DatabaseError, also for a statement that would write, for more than one, and for one
+  /// that takes more time or memory than a query may (docs/limits.md). Nothing can be added after
+  /// it.
   void Query(const std::string& sql, const std::function<void(const Names&)>& onColumns,
              const std::function<void(const Values&)>& onRow);
 
  private:
   sqlite3* handle = nullptr;
+  std::chrono::seconds queryTime;
 };
 
 }  // namespace host

@@ -4,8 +4,10 @@
 #include <fmt/format.h>
 
 #include <array>
+#include <cstdint>
 #include <random>
 #include <set>
+#include <sstream>
 
 #include "host/answers/tool_versions.h"
 #include "host/collect/table_view.h"
@@ -13,6 +15,7 @@
 #include "host/formats/json_buffer.h"
 #include "host/formats/report/report_page.h"
 #include "host/text/json_text.h"
+#include "host/text/screen_text.h"
 #include "host/text/time_text.h"
 #include "host/text/version.h"
 
@@ -33,6 +36,26 @@ void WriteJsonForScript(std::string_view json, std::ostream& out) {
   out << json;
 }
 
+/// The same for a page that goes to a terminal.
+void WriteJsonForScriptOnTerminal(std::string_view json, std::ostream& out) {
+  std::ostringstream escaped;
+  WriteJsonForScript(json, escaped);
+  WriteJsonForTerminal(escaped.str(), out);
+}
+
+/// The script, which knows the same unseen characters as a screen: as ranges of a regular
+/// expression, in the place @UNSEEN@.
+void WriteScript(std::ostream& out) {
+  constexpr std::string_view kPlace = "@UNSEEN@";
+  const std::size_t at = kReportScript.find(kPlace);
+  out << kReportScript.substr(0, at);
+  for (const auto [first, last] : ListUnseenCharacters()) {
+    out << fmt::format("\\u{{{:x}}}-\\u{{{:x}}}", static_cast<std::uint32_t>(first),
+                       static_cast<std::uint32_t>(last));
+  }
+  out << kReportScript.substr(at + kPlace.size());
+}
+
 /// A number used once, which nobody who wrote the data can have known.
 std::string MakeNonce() {
   std::random_device random;
@@ -43,8 +66,10 @@ std::string MakeNonce() {
 
 class ReportData {
  public:
-  ReportData(const Collection& collection, std::ostream& out)
-      : collection(collection), view(collection), json(&WriteJsonForScript, out) {}
+  ReportData(const Collection& collection, const Screen& screen, std::ostream& out)
+      : collection(collection),
+        view(collection),
+        json(screen.isTerminal ? &WriteJsonForScriptOnTerminal : &WriteJsonForScript, out) {}
 
   void Write() {
     json.AppendText("{\"title\":", ChooseTitle());
@@ -193,7 +218,7 @@ class ReportData {
 
 }  // namespace
 
-void WriteHtml(const Collection& collection, const Screen& /*screen*/, std::ostream& out) {
+void WriteHtml(const Collection& collection, const Screen& screen, std::ostream& out) {
   const std::string nonce = MakeNonce();
   std::string_view page = kReportPage;
   for (std::size_t at = 0; (at = page.find('@')) != std::string_view::npos;) {
@@ -206,9 +231,9 @@ void WriteHtml(const Collection& collection, const Screen& /*screen*/, std::ostr
     } else if (place == "@STYLE@") {
       out << kReportStyle;
     } else if (place == "@SCRIPT@") {
-      out << kReportScript;
+      WriteScript(out);
     } else if (place == "@DATA@") {
-      ReportData(collection, out).Write();
+      ReportData(collection, screen, out).Write();
     }
   }
   out << page;

@@ -24,7 +24,7 @@ constexpr std::size_t kWidestLabel = 34;
 constexpr unsigned kNarrowestScreen = 20;
 
 constexpr char kBold[] = "\x1b[1m";
-constexpr char kHead[] = "\x1b[1;36m";
+constexpr char kHeadStyle[] = "\x1b[1;36m";
 constexpr char kDim[] = "\x1b[2m";
 constexpr char kPlain[] = "\x1b[0m";
 
@@ -52,7 +52,7 @@ class TablesWriter {
   void WriteModule(const CollectedModule& module) {
     const auto [name, description] = view.ViewModule(module);
     const std::string head = EscapeControls(description) + " · " + EscapeControls(name);
-    WriteStyled(kHead, CutText(head, width));
+    WriteStyled(kHeadStyle, CutText(head, width));
     out << '\n';
     std::string empty;
     for (const CollectedTable& collected : collection.tables) {

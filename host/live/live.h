@@ -14,6 +14,7 @@
 #include "frame/halyard/repository.h"
 #include "host/collect/collection_listener.h"
 #include "host/collect/machine_facts.h"
+#include "host/live/tool_limits.h"
 #include "host/recording/recorder.h"
 
 namespace host {
@@ -44,8 +45,7 @@ struct LiveWatch {
   CollectionListener* listener = nullptr;
   /// Keeps the machine's answers once there is a recorder; null: never.
   std::optional<Recorder>* recorder = nullptr;
-  /// After how many seconds a tool is ended, with its children.
-  std::optional<unsigned> toolLimit = std::nullopt;
+  ToolLimits toolLimits = {};
 };
 
 /// Loads `plugin`, a path to the library's file. Throws LiveError.
@@ -64,20 +64,26 @@ struct LiveMachine {
 /// A recording of this machine that holds nothing yet but its facts.
 Recording DescribeLiveMachine(const LiveMachine& machine);
 
-/// Full path of the program, given with its folder or as the interpreter looks for it (current
-/// folder, then the folders of PATH); nothing when this machine has none. In the machine's code
-/// page.
+/// Path of the program, given with its folder or as the interpreter looks for it along PATH, with
+/// the extensions of PATHEXT; nothing when this machine has none. In the machine's code page.
 std::optional<std::string> LocateProgram(const std::string& program);
 
-/// Where the log folder is made when none is given: in the current folder.
-inline constexpr char kLogFolderName[] = "logs";
+/// The log folder when none is given: "logs" in the current folder or, where that cannot be written
+/// or someone else has made it, in the user's own place for such data. Nothing is created.
+std::filesystem::path FindDefaultLogFolder();
 
 /// This machine's facts, with `logFolder` as its log folder; nothing is created. Throws LiveError
 /// when the folder's path does not fit the modules' room or has no form in the machine's code page.
 MachineFacts DescribeThisMachine(const std::filesystem::path& logFolder);
 
+/// Who may use a folder that is created.
+enum class FolderAccess {
+  kInherited,  ///< as the folder above says
+  kOwn,        ///< administrators and the user
+};
+
 /// As above, and creates `logFolder` with its parents. Throws LiveError.
-LiveMachine PrepareLiveMachine(const std::filesystem::path& logFolder);
+LiveMachine PrepareLiveMachine(const std::filesystem::path& logFolder, FolderAccess access);
 
 /// All else that a collection into `logFolder` depends on; leaves nothing on the machine. The
 /// library is not looked at.

@@ -3,23 +3,54 @@
 #include <algorithm>
 #include <system_error>
 
-#include "host/files/sha256.h"
+#include "host/collect/unsafe_folders.h"
+#include "host/files/whole_file.h"
 #include "host/recorded/interpreter.h"
 #include "host/recorded/own_commands.h"
 #include "host/recording/recording_writer.h"
 #include "host/secrets/amt_login.h"
+#include "host/text/decoder.h"
+#include "host/text/usage_error.h"
 
 namespace host {
+namespace {
+
+void RefuseUnsafeFolders(const MachineFacts& facts) {
+  const TextDecoder decode(facts.codePage);
+  const std::string& executable = facts.hostExecutable;
+  std::optional<std::string> objection =
+      ObjectToHostFolder(decode(executable.substr(0, executable.rfind('\\'))));
+  if (!objection) objection = ObjectToLogFolder(decode(facts.logFolder));
+  if (objection) throw UsageError(*objection + " (--unsafe-folder takes it as it is)");
+}
+
+}  // namespace
+
+WorkingFolder::WorkingFolder(const std::filesystem::path& folder)
+    : before(std::filesystem::current_path()) {
+  std::filesystem::current_path(folder);
+}
+
+WorkingFolder::~WorkingFolder() {
+  std::error_code ignored;
+  std::filesystem::current_path(before, ignored);
+}
 
 LiveSource::LiveSource(LiveSettings given) : settings(std::move(given)) {
+  settings.plugin = std::filesystem::absolute(settings.plugin);
   settings.logFolder = std::filesystem::absolute(settings.logFolder);
+  if (settings.recordingFolder) {
+    settings.recordingFolder = std::filesystem::absolute(*settings.recordingFolder);
+  }
 }
 
 void LiveSource::Begin(CollectionListener& listener) {
-  library = LoadLiveLibrary(settings.plugin, {&listener, &recorder, settings.toolLimit});
-  machine = PrepareLiveMachine(settings.logFolder);
+  if (!settings.allowsUnsafeFolders) RefuseUnsafeFolders(DescribeThisMachine(settings.logFolder));
+  machine = PrepareLiveMachine(settings.logFolder, settings.logFolderAccess);
+  workingFolder.emplace(settings.logFolder);
+  library = LoadLiveLibrary(settings.plugin, {&listener, &recorder, settings.toolLimits});
   if (!settings.recordingFolder) return;
-  PrepareRecordingFolder(*settings.recordingFolder);
+  CreateEmptyFolder(*settings.recordingFolder, "--record");
   recorder.emplace(DescribeLiveMachine(machine), *machineView);
 }
 
@@ -44,7 +75,7 @@ std::optional<std::uint64_t> LiveSource::LogFileSize(const std::string& fileName
 
 void LiveSource::WriteRecording() {
   if (!recorder) return;
-  host::WriteRecording(recorder->Take(), *settings.recordingFolder, &ComputeSha256);
+  host::WriteRecording(recorder->Take(), *settings.recordingFolder);
 }
 
 }  // namespace host

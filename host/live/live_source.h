@@ -16,10 +16,28 @@ struct LiveSettings {
   std::filesystem::path plugin;
   std::filesystem::path logFolder;
   std::optional<std::filesystem::path> recordingFolder;  ///< where the recording is to be written
-  std::optional<unsigned> toolLimit;                     ///< seconds
+  ToolLimits toolLimits;
+  FolderAccess logFolderAccess = FolderAccess::kInherited;
+  bool allowsUnsafeFolders = false;  ///< also folders that the interpreter reads as others
 };
 
-/// Begin() throws LiveError, and UsageError when the recording's folder cannot be used.
+/// Makes a folder the process's current one, until destroyed: tools leave files there that no one
+/// gave a folder to, and nothing else is to lie there.
+class WorkingFolder {
+ public:
+  /// Throws std::filesystem::filesystem_error.
+  explicit WorkingFolder(const std::filesystem::path& folder);
+  WorkingFolder(const WorkingFolder&) = delete;
+  WorkingFolder& operator=(const WorkingFolder&) = delete;
+  ~WorkingFolder();
+
+ private:
+  std::filesystem::path before;
+};
+
+/// From Begin() on the log folder is the current one; relative paths lead there. Begin() throws
+/// LiveError, and UsageError when the log folder's, the program's or the recording's folder cannot
+/// be used.
 class LiveSource final : public Source {
  public:
   explicit LiveSource(LiveSettings settings);
@@ -44,6 +62,7 @@ class LiveSource final : public Source {
   std::optional<Recorder> recorder;  // outlives the library, which tells it
   std::unique_ptr<LiveLibrary> library;
   LiveMachine machine;
+  std::optional<WorkingFolder> workingFolder;
 };
 
 }  // namespace host

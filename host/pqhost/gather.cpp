@@ -2,14 +2,12 @@
 
 #include <optional>
 
-#include "host/live/interruption.h"
 #include "host/pqhost/collection_progress.h"
 
 namespace host {
 namespace {
 
-/// Opens the command's outputs, listens for Ctrl-C and shows progress as soon as the collection
-/// begins.
+/// Opens the command's outputs, and shows progress, as soon as the collection begins.
 class Attendant final : public CollectionListener {
  public:
   Attendant(const Console& console, CollectionListeners& listeners,
@@ -18,19 +16,17 @@ class Attendant final : public CollectionListener {
 
   void Begin() override {
     beforeRun(listeners);
-    interruption.emplace();
     if (!console.errorIsTerminal) return;
     progress.emplace(console.error, console.width);
     listeners.Add(*progress);
   }
 
-  bool WantsEnd() override { return interruption && IsInterruptionRequested(); }
+  bool WantsEnd() override { return IsInterruptionRequested(); }
 
  private:
   const Console& console;
   CollectionListeners& listeners;
   const std::function<void(CollectionListeners&)>& beforeRun;
-  std::optional<InterruptionWatch> interruption;
   std::optional<CollectionProgress> progress;
 };
 
@@ -42,8 +38,9 @@ Gathered Gather(const SourceOptions& from, const Selection& selection, const Con
   CollectionListeners listeners;
   Attendant attendant(console, listeners, beforeRun);
   listeners.Add(attendant);
+  auto interruption = std::make_unique<InterruptionWatch>();
   Collection collection = Collect(source->Get(), selection, listeners, keepLog);
-  return {std::move(source), std::move(collection)};
+  return {std::move(interruption), std::move(source), std::move(collection)};
 }
 
 }  // namespace host

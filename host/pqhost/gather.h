@@ -7,10 +7,13 @@
 #include "host/collect/collect.h"
 #include "host/pqhost/source.h"
 #include "host/program/console.h"
+#include "host/program/interruption.h"
 
 namespace host {
 
 struct Gathered {
+  /// The first Ctrl-C ends no program whose results are not written.
+  std::unique_ptr<InterruptionWatch> interruption;
   std::unique_ptr<CommandSource> source;
   Collection collection;
 };

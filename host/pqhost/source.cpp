@@ -7,6 +7,7 @@
 
 #include "host/collect/recorded_source.h"
 #include "host/files/left_files.h"
+#include "host/files/whole_file.h"
 #include "host/live/live_source.h"
 #include "host/recording/recording_reader.h"
 #include "host/text/decoder.h"
@@ -18,8 +19,8 @@ namespace {
 class ReplaySource final : public CommandSource {
  public:
   explicit ReplaySource(const SourceOptions& options)
-      : source(LoadRecording(*options.replay)), logFolder(options.logFolder) {
-    if (logFolder) CreateFolder(*logFolder);
+      : source(LoadRecording(*options.replay, options.rules)), logFolder(options.logFolder) {
+    if (logFolder) CreateEmptyFolder(*logFolder, "--log-folder");
   }
 
   Source& Get() override { return source; }
@@ -41,8 +42,13 @@ class ReplaySource final : public CommandSource {
 class ThisMachine final : public CommandSource {
  public:
   ThisMachine(const SourceOptions& options, const Console& console)
-      : source({ChoosePlugin(options, console), ChooseLogFolder(options), options.record,
-                options.toolLimit}),
+      : source(
+            {.plugin = ChoosePlugin(options, console),
+             .logFolder = ChooseLogFolder(options),
+             .recordingFolder = options.record,
+             .toolLimits = options.toolLimits,
+             .logFolderAccess = options.logFolder ? FolderAccess::kInherited : FolderAccess::kOwn,
+             .allowsUnsafeFolders = options.allowsUnsafeFolders}),
         recordingFolder(options.record) {}
 
   Source& Get() override { return source; }
@@ -71,7 +77,7 @@ std::filesystem::path ChoosePlugin(const SourceOptions& options, const Console& 
 }
 
 std::filesystem::path ChooseLogFolder(const SourceOptions& options) {
-  return options.logFolder.value_or(kLogFolderName);
+  return options.logFolder ? *options.logFolder : FindDefaultLogFolder();
 }
 
 std::unique_ptr<CommandSource> OpenSource(const SourceOptions& options, const Console& console) {

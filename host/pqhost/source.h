@@ -9,19 +9,23 @@
 
 #include "host/collect/collection.h"
 #include "host/collect/source.h"
+#include "host/live/tool_limits.h"
 #include "host/program/console.h"
+#include "host/recording/reading_rules.h"
 
 namespace host {
 
 /// What a user says about it.
 struct SourceOptions {
   std::optional<std::filesystem::path> replay;     ///< a recording; none: this machine
+  ReadingRules rules;                              ///< for the recording
   std::optional<std::filesystem::path> logFolder;  ///< where the files that the tools leave go
 
   // Of this machine alone.
   std::optional<std::filesystem::path> plugin;  ///< the library's file
   std::optional<std::filesystem::path> record;  ///< new folder to keep a recording in
-  std::optional<unsigned> toolLimit;            ///< seconds
+  ToolLimits toolLimits;
+  bool allowsUnsafeFolders = false;  ///< also folders that the interpreter reads as others
 };
 
 /// The library's file, which is beside the program unless given.

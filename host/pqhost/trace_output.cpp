@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <stdexcept>
 
+#include "host/files/output_file.h"
 #include "host/files/whole_file.h"
 #include "host/text/usage_error.h"
 
@@ -16,16 +17,17 @@ TraceOutput::TraceOutput(const Destination& destination, const Console& console,
              passwords) {}
 
 void TraceOutput::Close() {
-  if (!file.is_open()) return;
+  if (!file.Handle().IsOpen()) return;
   errno = 0;
-  file.close();
-  if (!file) throw std::runtime_error(DescribeUnwritable(path));
+  if (!file.Close()) throw std::runtime_error(DescribeUnwritable(path));
 }
 
 std::ostream& TraceOutput::Open(const std::filesystem::path& target) {
+  RefuseLink(target);
   errno = 0;
-  file.open(target, std::ios::binary);
-  if (!file.is_open()) throw UsageError(DescribeUnwritable(target));
+  FileHandle handle = OpenToOverwrite(target);
+  if (!handle.IsOpen()) throw UsageError(DescribeUnwritable(target));
+  file.Open(std::move(handle));
   return file;
 }
 

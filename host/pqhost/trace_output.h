@@ -2,10 +2,10 @@
 #pragma once
 
 #include <filesystem>
-#include <fstream>
 #include <ostream>
 
 #include "host/collect/trace.h"
+#include "host/files/file_stream.h"
 #include "host/program/console.h"
 #include "host/program/destination.h"
 #include "host/text/json_text.h"
@@ -31,7 +31,7 @@ class TraceOutput {
   std::ostream& Open(const std::filesystem::path& target);
   std::ostream& UseStandardOutput(const Console& console);
 
-  std::ofstream file;
+  FileStream file;
   std::filesystem::path path;
   JsonForTerminal forTerminal;
   TraceWriter writer;

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -18,6 +20,11 @@ struct TerminalFacts {
 /// out whether they lead to a terminal. No colours if NO_COLOR is set in the environment and not
 /// empty.
 TerminalFacts PrepareTerminal();
+
+/// Takes standard output for the program's results alone: whatever else this process, a library in
+/// it or a program that it starts writes there goes to standard error from now on. Null where
+/// nothing else writes there. After PrepareTerminal(), once.
+std::unique_ptr<std::ostream> TakeStandardOutput();
 
 /// The program's arguments as UTF-8, without its name.
 std::vector<std::string> GetProgramArguments(int argc, char** argv);

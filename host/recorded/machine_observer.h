@@ -33,6 +33,9 @@ class MachineObserver {
   virtual void OnProcessEnd(std::uint32_t /*exitCode*/) {}
   /// The host ended the process started last, or children that it left, after so many seconds.
   virtual void OnToolEnded(unsigned /*seconds*/) {}
+  /// The process started last, with its children, was given no more than so much memory and wanted
+  /// more.
+  virtual void OnToolOutOfMemory(unsigned /*mebibytes*/) {}
   /// The collection was interrupted: the start that was seen last, or the pipe that would come
   /// before it, is refused.
   virtual void OnRefused() {}

@@ -41,6 +41,8 @@ struct Recording {
   /// Windows path to stored bytes.
   std::map<std::string, Bytes> files;
   std::vector<std::string> readOnly;
+  /// Why it may not be the machine that was recorded: a line of UTF-8 each.
+  std::vector<std::string> doubts;
 };
 
 }  // namespace host

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <stdexcept>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 #include "host/recording/strict_json.h"
@@ -33,10 +32,8 @@ bool IsPortableName(std::string_view name) {
 
 }  // namespace
 
-FolderRules::FolderRules(fs::path folder) : folder(std::move(folder)) {
-  std::error_code ignored;
-  realFolder = fs::canonical(this->folder, ignored);
-}
+FolderRules::FolderRules(fs::path folder)
+    : folder(std::move(folder)), realFolder(FindRealFolder(this->folder)) {}
 
 fs::path FolderRules::ResolveName(const std::string& name) const {
   if (!IsPortableName(name)) {
@@ -44,15 +41,18 @@ fs::path FolderRules::ResolveName(const std::string& name) const {
                              " has to name a file in the recording's folder, by a path with / "
                              "that does not leave it");
   }
-  fs::path path = folder / PathFromText(name);
-  std::error_code error;
-  const fs::path real = fs::weakly_canonical(path, error);
-  const auto [folderEnd, realEnd] =
-      std::mismatch(realFolder.begin(), realFolder.end(), real.begin(), real.end());
-  if (error || folderEnd != realFolder.end()) {
-    throw std::runtime_error(QuoteText(name) + " leads out of the recording's folder");
-  }
-  return path;
+  return folder / PathFromText(name);
+}
+
+FileHandle FolderRules::Open(const fs::path& path) const {
+  FileHandle file = OpenToRead(path);
+  const fs::path real = FindRealPath(file, path);
+  const bool isInside =
+      !realFolder.empty() && !real.empty() &&
+      std::mismatch(realFolder.begin(), realFolder.end(), real.begin(), real.end()).first ==
+          realFolder.end();
+  if (!isInside) throw std::runtime_error("leads out of the recording's folder");
+  return file;
 }
 
 }  // namespace host

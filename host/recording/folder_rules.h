@@ -4,6 +4,8 @@
 #include <filesystem>
 #include <string>
 
+#include "host/files/file_handle.h"
+
 namespace host {
 
 class FolderRules {
@@ -12,8 +14,12 @@ class FolderRules {
   explicit FolderRules(std::filesystem::path folder);
 
   /// The path of the file `name` (UTF-8, with "/"), whether there is one or not. Throws
-  /// std::runtime_error when the name, or a link that it leads to, leaves the folder.
+  /// std::runtime_error when the name leaves the folder.
   std::filesystem::path ResolveName(const std::string& name) const;
+
+  /// Opens the plain file `path`. Throws std::runtime_error with the reason alone, also when the
+  /// file that was opened turns out to be outside the folder.
+  FileHandle Open(const std::filesystem::path& path) const;
 
  private:
   std::filesystem::path folder;

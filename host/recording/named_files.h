@@ -1,26 +1,40 @@
-// The files that a recording names. Each is read once, however many members name it.
+// The files of a recording. Each is read once, however many members name it.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <map>
 #include <string>
 
 #include "host/recording/folder_rules.h"
+#include "host/recording/reading_rules.h"
 #include "host/text/bytes.h"
 
 namespace host {
 
 class NamedFiles {
  public:
-  explicit NamedFiles(const std::filesystem::path& folder) : rules(folder) {}
+  NamedFiles(const std::filesystem::path& folder, const RecordingLimits& limits)
+      : rules(folder), limits(limits) {}
 
   /// The bytes of the file `name`. Throws std::runtime_error with the name in quotes and the
   /// reason.
   Bytes Read(const std::string& name);
 
+  /// One of the recording's own files, which no member names. Throws std::runtime_error with the
+  /// reason alone.
+  Bytes ReadOwn(const char* name);
+
+  /// All that were read, by name.
+  const std::map<std::string, Bytes>& All() const { return files; }
+
  private:
+  Bytes ReadFile(const std::filesystem::path& path, std::uint64_t sizeLimit);
+
   FolderRules rules;
-  std::map<std::string, Bytes> files;  ///< by name
+  RecordingLimits limits;
+  std::uint64_t bytesRead = 0;
+  std::map<std::string, Bytes> files;
 };
 
 }  // namespace host

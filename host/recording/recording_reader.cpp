@@ -11,11 +11,12 @@
 #include <system_error>
 #include <utility>
 
-#include "host/files/whole_file.h"
+#include "host/files/sha256.h"
 #include "host/recorded/interpreter.h"
 #include "host/recorded/machine_files.h"
 #include "host/recorded/own_commands.h"
 #include "host/recording/json_members.h"
+#include "host/recording/manifest.h"
 #include "host/recording/named_files.h"
 #include "host/recording/recording_format.h"
 #include "host/recording/strict_json.h"
@@ -84,7 +85,26 @@ void RefuseAnswerOfOwnCommand(const Json& entry, const std::string& tool) {
 
 class RecordingReader {
  public:
-  explicit RecordingReader(const std::filesystem::path& folder) : namedFiles(folder) {}
+  RecordingReader(const std::filesystem::path& folder, const RecordingLimits& limits)
+      : namedFiles(folder, limits), limits(limits) {}
+
+  Bytes ReadDescription() { return namedFiles.ReadOwn(kRecordingFileName); }
+
+  /// A line for each file that is not the one that the manifest tells of; none without a manifest.
+  std::vector<std::string> FindChanges() {
+    const std::map<std::string, Bytes> read = namedFiles.All();
+    const Manifest manifest = ReadManifest(namedFiles.ReadOwn(kManifestFileName));
+    std::vector<std::string> changes;
+    for (const auto& [name, bytes] : read) {
+      const auto line = manifest.find(name);
+      if (line == manifest.end()) {
+        changes.push_back(QuoteText(name) + " is not in " + kManifestFileName);
+      } else if (line->second != ComputeSha256(bytes)) {
+        changes.push_back(QuoteText(name) + " differs from " + kManifestFileName);
+      }
+    }
+    return changes;
+  }
 
   /// Members are read, and complained about, in the order of this function, not of the text.
   Recording Read(std::string_view json) {
@@ -116,6 +136,11 @@ class RecordingReader {
  private:
   void AddCommand(const Json& entry) {
     if (badCommand) return;
+    if (recording.commands.size() == limits.commands) {
+      badCommand.emplace("commands", "has more than " + std::to_string(limits.commands) +
+                                         "; --limit commands=NUMBER allows more");
+      return;
+    }
     try {
       recording.commands.push_back(ReadCommand(entry));
     } catch (const MemberError& error) {
@@ -193,9 +218,31 @@ class RecordingReader {
   }
 
   NamedFiles namedFiles;
+  RecordingLimits limits;
   Recording recording;
   std::optional<MemberError> badCommand;  ///< the first of them; its turn comes after the format's
 };
+
+/// Throws RecordingError for what the rules do not allow.
+std::vector<std::string> CheckManifest(const std::filesystem::path& folder, RecordingReader& reader,
+                                       const ReadingRules& rules) {
+  const std::filesystem::path file = folder / kManifestFileName;
+  std::error_code ignored;
+  if (!std::filesystem::exists(std::filesystem::symlink_status(file, ignored))) return {};
+  std::vector<std::string> changes;
+  try {
+    changes = reader.FindChanges();
+  } catch (const std::runtime_error& problem) {
+    changes = {std::string(kManifestFileName) + ": " + problem.what()};
+  }
+  if (!changes.empty() && !rules.allowChanges) {
+    throw RecordingError(PathText(folder) + ": " + changes.front() +
+                         ", so the recording is not as it was made: get it again, or read it all "
+                         "the same with --unverified");
+  }
+  for (std::string& change : changes) change.insert(0, "the recording is not as it was made: ");
+  return changes;
+}
 
 std::string ExplainMember(const MemberError& error) {
   return error.Place().empty() ? error.what() : error.Place() + ": " + error.what();
@@ -203,7 +250,7 @@ std::string ExplainMember(const MemberError& error) {
 
 }  // namespace
 
-Recording LoadRecording(const std::filesystem::path& given) {
+Recording LoadRecording(const std::filesystem::path& given, const ReadingRules& rules) {
   const std::filesystem::path folder = given.empty() ? "." : given;
   std::error_code error;
   if (!std::filesystem::is_directory(folder, error)) {
@@ -212,8 +259,11 @@ Recording LoadRecording(const std::filesystem::path& given) {
   }
   const std::filesystem::path file = folder / kRecordingFileName;
   const std::string start = PathText(file) + ": ";
+  RecordingReader reader(folder, rules.limits);
+  Recording recording;
   try {
-    return RecordingReader(folder).Read(ReadWholeFile(file));
+    const Bytes description = reader.ReadDescription();
+    recording = reader.Read(description);
   } catch (const MemberError& problem) {
     throw RecordingError(start + ExplainMember(problem));
   } catch (const std::filesystem::filesystem_error& problem) {
@@ -223,6 +273,8 @@ Recording LoadRecording(const std::filesystem::path& given) {
   } catch (const std::runtime_error& problem) {
     throw RecordingError(start + problem.what());
   }
+  recording.doubts = CheckManifest(folder, reader, rules);
+  return recording;
 }
 
 }  // namespace host

@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "host/recorded/recording.h"
+#include "host/recording/reading_rules.h"
 
 namespace host {
 
@@ -16,7 +17,7 @@ class RecordingError : public std::runtime_error {
 };
 
 /// Reads `folder`/recording.json and the files that it names, each of them once. Throws
-/// RecordingError.
-Recording LoadRecording(const std::filesystem::path& folder);
+/// RecordingError, also when a limit is met, and when a manifest is there of which a file differs.
+Recording LoadRecording(const std::filesystem::path& folder, const ReadingRules& rules = {});
 
 }  // namespace host

@@ -8,9 +8,11 @@
 #include <utility>
 #include <vector>
 
+#include "host/files/sha256.h"
 #include "host/files/whole_file.h"
 #include "host/recorded/interpreter.h"
 #include "host/recorded/machine_files.h"
+#include "host/recording/manifest.h"
 #include "host/recording/recording_format.h"
 #include "host/text/json_text.h"
 #include "host/text/path_text.h"
@@ -19,7 +21,7 @@
 namespace host {
 namespace {
 
-using Json = nlohmann::ordered_json;
+using OrderedJson = nlohmann::ordered_json;
 
 constexpr std::size_t kNameLimit = 40;
 
@@ -42,24 +44,24 @@ std::string MakeNamePart(std::string_view text) {
 
 class RecordingWriter {
  public:
-  RecordingWriter(const Recording& recording, std::filesystem::path folder, const Digest& sha256)
-      : recording(recording), folder(std::move(folder)), sha256(sha256) {}
+  RecordingWriter(const Recording& recording, std::filesystem::path folder)
+      : recording(recording), folder(std::move(folder)) {}
 
   void Write() {
-    Json all{{"format", kRecordingFormat},
-             {"description", recording.description},
-             {"languageId", recording.languageId}};
+    OrderedJson all{{"format", kRecordingFormat},
+                    {"description", recording.description},
+                    {"languageId", recording.languageId}};
     const bool isKnown = std::find(kRecordingCodePages.begin(), kRecordingCodePages.end(),
                                    recording.codePage) != kRecordingCodePages.end();
     if (isKnown) all["codePage"] = recording.codePage;
     all["hostExecutable"] = ByteText(recording.hostExecutable);
     all["logFolder"] = ByteText(recording.logFolder);
     if (!recording.console.empty()) all["console"] = ByteText(recording.console);
-    all["commands"] = Json::array();
+    all["commands"] = OrderedJson::array();
     for (const RecordedCommand& command : recording.commands) {
       all["commands"].push_back(WriteCommand(command, all["commands"].size() + 1));
     }
-    all["files"] = Json::object();
+    all["files"] = OrderedJson::object();
     for (const auto& [path, bytes] : recording.files) {
       const std::string name =
           fmt::format("files/{:03}_{}", all["files"].size() + 1, MakeNamePart(FileNameOf(path)));
@@ -67,14 +69,15 @@ class RecordingWriter {
       all["files"][ByteText(path)] = name;
     }
     for (const std::string& path : recording.readOnly) all["readOnly"].push_back(ByteText(path));
-    WriteFile(kRecordingFileName,
-              all.dump(2, ' ', /*ensure_ascii=*/false, Json::error_handler_t::replace) + "\n");
-    WriteFile(kManifestFileName, std::exchange(manifest, {}));
+    WriteFile(
+        kRecordingFileName,
+        all.dump(2, ' ', /*ensure_ascii=*/false, OrderedJson::error_handler_t::replace) + "\n");
+    CreateWholeFile(folder / kManifestFileName, WriteManifest(manifest));
   }
 
  private:
-  Json WriteCommand(const RecordedCommand& command, std::size_t number) {
-    Json entry{{"tool", ByteText(command.tool)}};
+  OrderedJson WriteCommand(const RecordedCommand& command, std::size_t number) {
+    OrderedJson entry{{"tool", ByteText(command.tool)}};
     if (!command.arguments.empty()) entry["arguments"] = ByteText(command.arguments);
     const std::string name =
         fmt::format("commands/{:03}_{}", number,
@@ -98,34 +101,19 @@ class RecordingWriter {
 
   /// `name` has a "/" after each folder.
   void WriteFile(const std::string& name, const std::string& bytes) {
-    WriteWholeFile(folder / name, bytes);
-    manifest += fmt::format("{}  {}\n", sha256(bytes), name);
+    CreateWholeFile(folder / name, bytes);
+    manifest[name] = ComputeSha256(bytes);
   }
 
   const Recording& recording;
   std::filesystem::path folder;
-  const Digest& sha256;
-  std::string manifest;
+  Manifest manifest;
 };
 
 }  // namespace
 
-void PrepareRecordingFolder(const std::filesystem::path& folder) {
-  std::error_code failure;
-  std::filesystem::create_directories(folder, failure);
-  if (failure || !std::filesystem::is_directory(folder, failure)) {
-    throw UsageError(fmt::format("cannot create the recording's folder {}: {}", PathText(folder),
-                                 failure.message()));
-  }
-  if (!std::filesystem::is_empty(folder, failure) || failure) {
-    throw UsageError(fmt::format("{} is not empty: give --record a folder that is new or empty",
-                                 PathText(folder)));
-  }
-}
-
-void WriteRecording(const Recording& recording, const std::filesystem::path& folder,
-                    const Digest& sha256) {
-  RecordingWriter(recording, folder, sha256).Write();
+void WriteRecording(const Recording& recording, const std::filesystem::path& folder) {
+  RecordingWriter(recording, folder).Write();
 }
 
 }  // namespace host

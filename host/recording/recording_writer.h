@@ -8,25 +8,15 @@
 #pragma once
 
 #include <filesystem>
-#include <functional>
-#include <string>
-#include <string_view>
 
 #include "host/recorded/recording.h"
 
 namespace host {
 
-/// Makes the folder of a new recording. Throws UsageError when it contains something already.
-void PrepareRecordingFolder(const std::filesystem::path& folder);
-
-/// The digest of some bytes, in hexadecimal digits.
-using Digest = std::function<std::string(std::string_view bytes)>;
-
 /// Writes a recording that LoadRecording reads, with a manifest that `sha256sum -c` checks. What
 /// the format has no member for is left out: the working folder, whether there is a log folder, and
 /// a code page that is not in kRecordingCodePages. Throws std::runtime_error when a file cannot be
 /// written.
-void WriteRecording(const Recording& recording, const std::filesystem::path& folder,
-                    const Digest& sha256);
+void WriteRecording(const Recording& recording, const std::filesystem::path& folder);
 
 }  // namespace host

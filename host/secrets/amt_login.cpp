@@ -58,6 +58,19 @@ bool IsDistinct(const AmtLogin& login) {
   return password.size() >= kShortestDistinct && isMixed && !isPartOfTheRest;
 }
 
+std::string HideEverywhere(std::string_view text, std::string_view password) {
+  std::string hidden;
+  hidden.reserve(text.size());
+  for (const char c : text) {
+    hidden += c;
+    // More than once where a password that has "***" in it comes together around a gap.
+    while (hidden.ends_with(password)) {
+      hidden.replace(hidden.size() - password.size(), password.size(), kHiddenPassword);
+    }
+  }
+  return hidden;
+}
+
 /// Whether a password is announced by `before`, the text up to it.
 bool Announces(std::string_view before, const AmtLogin& login) {
   if (before.ends_with(login.address + ' ' + login.userName + ' ')) return true;
@@ -98,13 +111,13 @@ std::string HidePassword(std::string_view commandLine) {
 std::string HidePassword(std::string text, const AmtLogin& login) {
   const std::string& password = login.password;
   if (password.empty()) return text;
-  const bool isDistinct = IsDistinct(login);
+  if (IsDistinct(login)) return HideEverywhere(text, password);
   std::string hidden;
   std::size_t kept = 0;  // what stands before is in `hidden`
   for (std::size_t at = text.find(password); at != std::string::npos;) {
     const std::size_t behind = at + password.size();
     const bool isWhole = behind == text.size() || !IsWordCharacter(text[behind]);
-    if (!isDistinct && !(isWhole && Announces(std::string_view(text).substr(0, at), login))) {
+    if (!isWhole || !Announces(std::string_view(text).substr(0, at), login)) {
       at = text.find(password, at + 1);
       continue;
     }

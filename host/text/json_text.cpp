@@ -2,6 +2,11 @@
 
 #include <fmt/format.h>
 
+#include <cstdint>
+
+#include "host/text/decoder.h"
+#include "host/text/screen_text.h"
+
 namespace host {
 namespace {
 
@@ -71,14 +76,21 @@ std::string& JsonObject::Begin(std::string_view name) {
 
 void WriteJsonForTerminal(std::string_view json, std::ostream& out) {
   std::size_t written = 0;
-  for (std::size_t i = 0; i < json.size(); ++i) {
-    const auto byte = static_cast<unsigned char>(json[i]);
-    const auto next = static_cast<unsigned char>(i + 1 < json.size() ? json[i + 1] : 0);
-    const bool isPair = byte == 0xC2 && next >= 0x80 && next <= 0x9F;
-    if (byte != 0x7F && !isPair) continue;
-    out << json.substr(written, i - written) << fmt::format("\\u{:04x}", isPair ? next : byte);
-    if (isPair) ++i;
-    written = i + 1;
+  for (std::size_t i = 0; i < json.size();) {
+    // Most of it; line feeds are between the texts.
+    if (static_cast<unsigned char>(json[i]) < 0x7F) {
+      ++i;
+      continue;
+    }
+    std::string_view rest = json.substr(i);
+    const char32_t c = TakeUtf8(rest);
+    const std::size_t next = json.size() - rest.size();
+    if (IsObeyed(c)) {
+      out << json.substr(written, i - written)
+          << fmt::format("\\u{:04x}", static_cast<std::uint32_t>(c));
+      written = next;
+    }
+    i = next;
   }
   out << json.substr(written);
 }

@@ -75,9 +75,9 @@ class JsonObject {
   std::string json = "{";
 };
 
-/// Writes `json` (valid UTF-8) with the control characters from 127 to 159 escaped, which a
-/// terminal would obey; JSON itself escapes those below 32. They occur only inside texts, so the
-/// meaning is the same.
+/// Writes `json` (valid UTF-8) with all that a terminal would obey escaped, such as the control
+/// characters from 127 to 159; JSON itself escapes those below 32. They occur only inside texts, so
+/// the meaning is the same.
 void WriteJsonForTerminal(std::string_view json, std::ostream& out);
 
 /// A stream that passes lines of JSON on to `out`, escaped in that way.

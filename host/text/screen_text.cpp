@@ -10,10 +10,7 @@
 namespace host {
 namespace {
 
-struct Range {
-  char32_t first;
-  char32_t last;
-};
+using Range = CharacterRange;
 
 /// Characters that terminals show two columns wide.
 constexpr Range kWide[] = {
@@ -48,10 +45,14 @@ constexpr Range kCombining[] = {
     {0x20D0, 0x20F0}, {0x302A, 0x302D}, {0x3099, 0x309A}, {0xFE00, 0xFE0F}, {0xFE20, 0xFE2F},
 };
 
-/// Invisible characters that change the direction of a line or hide in it.
-constexpr Range kUnseen[] = {
-    {0x061C, 0x061C}, {0x200E, 0x200F}, {0x2028, 0x202E},
-    {0x2060, 0x206F}, {0xFEFF, 0xFEFF}, {0xFFF9, 0xFFFB},
+/// Characters that turn a line's direction, or end it.
+constexpr Range kTurning[] = {
+    {0x061C, 0x061C}, {0x200E, 0x200F}, {0x2028, 0x202E}, {0x2066, 0x2069}};
+
+/// Other characters that nobody sees, and that hide in a name or let two look alike.
+constexpr Range kHidden[] = {
+    {0x00AD, 0x00AD}, {0x200B, 0x200B}, {0x2060, 0x2065}, {0x206A, 0x206F},   {0x2800, 0x2800},
+    {0x3164, 0x3164}, {0xFEFF, 0xFEFF}, {0xFFF9, 0xFFFB}, {0xE0000, 0xE007F},
 };
 
 template <std::size_t kCount>
@@ -60,6 +61,8 @@ bool IsIn(const Range (&ranges)[kCount], char32_t c) {
                                      [](const Range& range, char32_t v) { return range.last < v; });
   return at != std::end(ranges) && c >= at->first;
 }
+
+bool IsControl(char32_t c) { return c < 0x20 || (c >= 0x7F && c <= 0x9F); }
 
 std::size_t MeasureCharacter(char32_t c) {
   if (c < 0x300) return 1;
@@ -81,9 +84,11 @@ void AppendEscaped(std::string& text, char32_t c) {
     default:
       break;
   }
-  if (c < 0x20 || (c >= 0x7F && c <= 0x9F)) {
+  if (IsControl(c)) {
     text += fmt::format("\\x{:02x}", code);
-  } else if (IsIn(kUnseen, c)) {
+  } else if (c > 0xFFFF && IsIn(kHidden, c)) {
+    text += fmt::format("\\u{{{:x}}}", code);
+  } else if (IsIn(kTurning, c) || IsIn(kHidden, c)) {
     text += fmt::format("\\u{:04x}", code);
   } else {
     AppendUtf8(text, c);
@@ -126,6 +131,14 @@ std::size_t MeasureWidth(std::string_view text) {
   return width;
 }
 
+bool IsObeyed(char32_t c) { return IsControl(c) || IsIn(kTurning, c); }
+
+std::vector<CharacterRange> ListUnseenCharacters() {
+  std::vector<CharacterRange> unseen(std::begin(kTurning), std::end(kTurning));
+  unseen.insert(unseen.end(), std::begin(kHidden), std::end(kHidden));
+  return unseen;
+}
+
 std::string EscapeControls(std::string_view text) { return Escape(text, false); }
 
 std::string EscapeControlsButLineFeeds(std::string_view text) { return Escape(text, true); }
@@ -157,8 +170,9 @@ std::vector<std::string> WrapText(std::string_view text, std::size_t width) {
 
 std::string CutText(std::string_view text, std::size_t width) {
   if (MeasureWidth(text) <= width) return std::string(text);
-  const std::size_t count = width > 1 ? CountFittingBytes(text, width - 1) : 0;
-  return std::string(text.substr(0, count)) + "…";
+  const std::string_view cut = text.substr(0, CountFittingBytes(text, width - 1));
+  // A first character too wide for its place goes, too.
+  return std::string(MeasureWidth(cut) < width ? cut : "") + "…";
 }
 
 std::string PadText(std::string text, std::size_t width) {

@@ -12,8 +12,21 @@ namespace host {
 /// Columns that `text` takes: two for wide East Asian characters, none for combining ones.
 std::size_t MeasureWidth(std::string_view text);
 
-/// `text` without anything that a terminal would obey: control characters become \n, \t or \x1b,
-/// characters that turn or hide text \u202e.
+/// From `first` to `last`.
+struct CharacterRange {
+  char32_t first;
+  char32_t last;
+};
+
+/// Whether a terminal obeys `c` instead of showing it: control characters, and those that turn a
+/// line's direction or end it.
+bool IsObeyed(char32_t c);
+
+/// The characters besides control characters that turn or hide text, in no order.
+std::vector<CharacterRange> ListUnseenCharacters();
+
+/// `text` without anything that a terminal would obey or nobody would see: control characters
+/// become \n, \t or \x1b, characters that turn or hide text \u202e or \u{e0041}.
 std::string EscapeControls(std::string_view text);
 
 /// As EscapeControls, except that line feeds stay.

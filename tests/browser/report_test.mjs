@@ -180,6 +180,55 @@ await test("obeys nothing that a tool printed", async () => {
   await page.context().close();
 });
 
+// Characters that turn text around or that nobody sees, wherever a text can come from.
+const turned = `${output}/turned`;
+mkdirSync(turned, { recursive: true });
+writeFileSync(`${turned}/recording.json`, JSON.stringify({ format: 1, description: "a \u202eserver\u{e0041}", commands: [] }));
+const answerTo = (sql, name) => {
+  const file = `${output}/${name}.html`;
+  execFileSync(pqhost, ["query", "--replay", "samples/two-socket-server", "--format", "html", "--output", file, sql]);
+  return file;
+};
+const UNSEEN = /[\u00ad\u061c\u200b\u200e\u200f\u2028-\u202e\u2060-\u206f\u2800\u3164\ufeff\ufff9-\ufffb\u{e0000}-\u{e007f}\x80-\x9f]/u;
+const textsOf = (page) => page.evaluate(() => [document.title, document.body.textContent,
+  ...[...document.querySelectorAll("[title], [aria-label], [placeholder]")].flatMap((element) =>
+    ["title", "aria-label", "placeholder"].map((name) => element.getAttribute(name) ?? ""))]);
+// The data block keeps its texts as they are; the script has its own list.
+const withoutData = (page) => page.evaluate(() => document.querySelectorAll("script").forEach((script) => script.remove()));
+
+await test("shows what turns or hides text, in titles and headings too", async () => {
+  const page = await open(report(turned, "turned"));
+  await withoutData(page);
+  assert.equal(await page.title(), "a \\u202eserver\\u{e0041} \u2013 server report");
+  assert.equal(await page.locator("h1").textContent(), "a \\u202eserver\\u{e0041}");
+  for (const text of await textsOf(page)) assert.doesNotMatch(text, UNSEEN);
+  await page.context().close();
+});
+
+await test("shows what turns or hides text in columns, cells and module names", async () => {
+  const page = await open(answerTo("SELECT 'a\u200b\u00ad\u2800\u3164b' || char(155, 8238) AS 'c\u2066d\u{e007f}'", "answer"));
+  await withoutData(page);
+  assert.equal(await section(page, "ANSWER").locator("td").textContent(), "a\\u200b\\u00ad\\u2800\\u3164b\\x9b\\u202e");
+  assert.equal(await section(page, "ANSWER").locator("th").textContent(), "c\\u2066d\\u{e007f}");
+  assert.match(await page.locator("h2", { hasText: "SELECT" }).textContent(), /a\\u200b\\u00ad/);
+  for (const text of await textsOf(page)) assert.doesNotMatch(text, UNSEEN);
+  await page.context().close();
+});
+
+// Browsers differ in what they make fast; Node has no better way than to try every place.
+await test("has no regular expression that takes longer than its text", async () => {
+  const script = readFileSync(server, "utf8").match(/<script nonce="[^"]*">(.*)<\/script>/s)[1];
+  const literals = [...script.matchAll(/(?<=[(=&|,?:!>]\s*|^\s*)\/(?!\*)((?:\[[^\]\n]+\]|\\.|[^/[\\\n])+)\/([a-z]*)/gm)];
+  assert.ok(literals.length >= 7, `found ${literals.length}`);
+  for (const [whole, pattern, flags] of literals) {
+    for (const text of [" ", "1", ".", "a", ".1", "a.", "\u202e"]) {
+      const began = performance.now();
+      (text.repeat(100000) + "\0-").replace(new RegExp(pattern, flags), "");
+      assert.ok(performance.now() - began < 1000, `${whole} on ${JSON.stringify(text)}`);
+    }
+  }
+});
+
 await test("has a policy that lets nothing in but its own style and script", async () => {
   const html = readFileSync(hostile, "utf8");
   const policy = html.match(/Content-Security-Policy" content="([^"]*)"/)[1];

@@ -12,7 +12,6 @@ namespace {
 using host::CheckedMachine;
 using host::CheckMachine;
 using host::Finding;
-using host::FindSplit;
 using Kind = host::Finding::Kind;
 
 /// A machine that has everything.
@@ -88,6 +87,20 @@ TEST(MachineCheck, TellsWhichTablesAMissingToolLeavesEmpty) {
             "stays empty");
 }
 
+TEST(MachineCheck, MissesASystemsProgramThatAnotherIsTakenFor) {
+  CheckedMachine machine = WholeMachine();
+  machine.locate = [](const std::string& program) {
+    return program == "route" ? "D:\\Support\\route.BAT" : "c:\\windows\\SYSTEM32\\" + program;
+  };
+  std::vector<std::string> missing;
+  for (const Finding& finding : FindAbout(machine, "Windows_Related_Info")) {
+    if (finding.kind == Kind::kMissing) missing.push_back(finding.text);
+  }
+  EXPECT_EQ(missing, std::vector<std::string>{
+                         "D:\\Support\\route.BAT would be run for the system's route; remove it, "
+                         "or take its folder out of PATH"});
+}
+
 TEST(MachineCheck, MissesTheInterpreter) {
   CheckedMachine machine = WholeMachine();
   machine.surroundings->hasInterpreter = false;
@@ -151,29 +164,34 @@ TEST(MachineCheck, MissesAHostFolderThatTheInterpreterSplits) {
       << finding.text;
 }
 
-struct Folder {
-  const char* path;
-  std::optional<char> split;
-};
+TEST(MachineCheck, MissesAnyFolderThatTheInterpreterWouldReadAsAnother) {
+  CheckedMachine machine = WholeMachine();
+  machine.facts.logFolder = "C:\\100%\\logs\\";
+  const std::vector<Finding> found = FindAbout(machine, "log folder", {"AMT_Info"});
+  ASSERT_EQ(found.size(), 2U);
+  EXPECT_EQ(found[0].kind, Kind::kGood);
+  EXPECT_EQ(found[1].kind, Kind::kMissing);
+  EXPECT_TRUE(found[1].text.starts_with("C:\\100%\\logs\\ has a %")) << found[1].text;
+}
 
-TEST(HostFolder, IsSplitWhereItsQuotesGo) {
-  const Folder folders[] = {
-      {"C:\\Halyard", std::nullopt},
-      {"C:\\Halyard Host", std::nullopt},
-      {"C:\\Halyard(x86)", std::nullopt},
-      {"C:\\Halyard Host (x86)", ' '},
-      {"C:\\R&D", '&'},
-      {"C:\\R & D", ' '},
-      {"C:\\a^b", '^'},
-      {"C:\\a,b", ','},
-      {"C:\\a;b", ';'},
-      {"C:\\a=b", '='},
-      {"C:\\a, b", std::nullopt},
-      {"C:\\Halyard@Home", std::nullopt},
-      {"C:\\Halyard @ Home", ' '},
-  };
-  for (const Folder& folder : folders)
-    EXPECT_EQ(FindSplit(folder.path), folder.split) << folder.path;
+TEST(MachineCheck, NotesFoldersThatACollectionIsToRunInAllTheSame) {
+  CheckedMachine machine = WholeMachine();
+  machine.facts.hostExecutable = "C:\\R&D\\halyard.exe";
+  machine.allowsUnsafeFolders = true;
+  EXPECT_EQ(FindOne(machine, "host folder").kind, Kind::kNote);
+}
+
+TEST(MachineCheck, MissesAToolWhoseLineIsCutAtAnyBlankOfTheHostFolder) {
+  CheckedMachine machine = WholeMachine();
+  machine.facts.hostExecutable = "C:\\Program Files\\Halyard\\halyard.exe";
+  const std::vector<Finding> found = FindAbout(machine, "host folder");
+  ASSERT_EQ(found.size(), 1U);
+  EXPECT_EQ(found[0].kind, Kind::kMissing);
+  EXPECT_EQ(found[0].text,
+            "C:\\Program Files\\Halyard is cut at its first blank on the line of arcconf.exe: "
+            "another program may be started, and these stay empty: PMCINFO, PMCVER, PMCLINK; move "
+            "the program to a folder without blanks");
+  EXPECT_EQ(FindOne(machine, "host folder").kind, Kind::kGood);
 }
 
 TEST(CheckCommand, EndsWithZeroWhereEveryToolIsRecorded) {
@@ -226,8 +244,8 @@ TEST(DryRunCommand, ShowsWhatANamedTableTakes) {
 }
 
 TEST(DryRunCommand, RefusesWhatItWouldNotDo) {
-  for (const char* option :
-       {"--record", "--format", "--output", "--trace", "--tool-limit", "--plugin"}) {
+  for (const char* option : {"--record", "--format", "--output", "--trace", "--tool-limit",
+                             "--tool-memory", "--plugin"}) {
     std::string value = std::string(option) == "--format" ? "json" : "7";
     const test::HostRun run = test::RunHost({"collect", "--dry-run", option, value});
     EXPECT_EQ(run.exitCode, 2) << option;
@@ -235,6 +253,7 @@ TEST(DryRunCommand, RefusesWhatItWouldNotDo) {
                              " has no use with --dry-run, which collects nothing: leave one of "
                              "them away\n");
   }
+  EXPECT_EQ(test::RunHost({"collect", "--dry-run", "--unsafe-folder"}).exitCode, 2);
 }
 
 }  // namespace

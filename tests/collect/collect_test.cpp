@@ -25,6 +25,7 @@ namespace {
 using test::CollectTrace;
 using test::LoadSamples;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
@@ -68,6 +69,25 @@ TEST(Collection, KeepsWhatAToolWroteIntoItsPipe) {
   EXPECT_EQ(answer->exitCode, 3U);
   EXPECT_TRUE(answer->output.SharesWith(recording.commands[0].standardOutput));
   EXPECT_EQ(answer->file, "");
+}
+
+TEST(Collection, TellsWhatDidNotFitThePipe) {
+  constexpr std::size_t kRoom = std::size_t{64} << 20;
+  const std::string line = "  TCP    0.0.0.0:135            0.0.0.0:0              LISTENING\r\n";
+  std::string printed = "\r\nActive Connections\r\n\r\n  Proto  Local Address\r\n";
+  for (int row = 0; row < 10; ++row) printed += line;
+  printed.resize(kRoom, ' ');
+  Recording recording;
+  recording.commands = {{"netstat.exe", "", printed, ""}};
+  const auto collect = [&] { return Collect(recording, {{}, {"NETSTATINFO"}}); };
+  const Collection whole = collect();
+  EXPECT_THAT(whole.problems, IsEmpty());
+  EXPECT_THAT(whole.tables.front().status.text, testing::EndsWith("rows"));
+  recording.commands.front().standardOutput += "x";
+  const Collection cut = collect();
+  EXPECT_THAT(cut.problems, ElementsAre(HasSubstr("netstat.exe: printed more than 64 MiB")));
+  EXPECT_THAT(cut.tables.front().status.text,
+              HasSubstr("rows, of the first 64 MiB that netstat.exe printed"));
 }
 
 TEST(Collection, KeepsWhatAToolWroteIntoItsFile) {

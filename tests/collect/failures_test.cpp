@@ -75,6 +75,19 @@ TEST(Failures, NameAToolThatTheHostEnded) {
   EXPECT_EQ(list.Failures()[0].text, "did not end by itself and was ended after 30 s");
 }
 
+TEST(Failures, NameAToolThatWantedMoreMemory) {
+  FailureList list;
+  CollectionListeners listeners;
+  listeners.Add(list);
+  listeners.Module("A", "");
+  listeners.OnProcess("cmd.exe", "/c arp.exe -a", true, true);
+  listeners.OnToolOutOfMemory(64);
+  ASSERT_EQ(list.Failures().size(), 1U);
+  EXPECT_EQ(list.Failures()[0].tool, "arp.exe");
+  EXPECT_EQ(list.Failures()[0].text,
+            "wanted more memory than its limit of 64 MiB; what it printed may not be whole");
+}
+
 TEST(Failures, AreNotWhatAnInterruptionRefuses) {
   FailureList list;
   list.Module("A", "");

@@ -157,6 +157,14 @@ TEST(TableStatus, TellsAToolThatTheHostEnded) {
             "storcli.exe was ended after 30 s");
 }
 
+TEST(TableStatus, TellsAToolThatWantedMoreMemory) {
+  Watched watched("sampleModule2");
+  watched.Runs(StorcliCommand("/c0 show termlog", "fwtermlog.txt"), 1);
+  watched.tracker.OnToolOutOfMemory(64);
+  EXPECT_EQ(watched.tracker.FindStatus("sampleModule2", "FWTERMLOG", 0).text,
+            "storcli.exe wanted more than its 64 MiB of memory");
+}
+
 TEST(TableStatus, TellsAToolThatWasRefusedByAnInterruption) {
   Watched watched("sampleModule2");
   watched.tracker.OnProcess("cmd.exe", StorcliCommand("/c0 show termlog", "fwtermlog.txt"), false,

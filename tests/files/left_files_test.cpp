@@ -84,17 +84,15 @@ TEST_F(LeftFilesTest, AreNamedWhenTheyCannotBeWrittenAndTheOthersAreWritten) {
   EXPECT_EQ(folder.Read("taken"), "a file");
 }
 
-TEST(CreateFolder, MakesTheFoldersAboveToo) {
-  const test::TemporaryFolder folder;
-  CreateFolder(folder.Path() / "a" / "b");
-  CreateFolder(folder.Path() / "a" / "b");
-  EXPECT_TRUE(std::filesystem::is_directory(folder.Path() / "a" / "b"));
-}
-
-TEST(CreateFolder, RefusesTheNameOfAFile) {
-  const test::TemporaryFolder folder;
-  folder.Write("a", "");
-  EXPECT_THROW(CreateFolder(folder.Path() / "a"), UsageError);
+TEST(LeftFiles, HasNoNamesThatWindowsTakesForSomethingElse) {
+  for (const char* name : {"con", "NUL.txt", "Com1", "lpt9.log", "aux", "dots..", "blank "}) {
+    const test::TemporaryFolder folder;
+    const LeftFiles left = WriteLeftFiles({{std::string("C:\\L\\") + name, "x"}}, "C:\\L\\",
+                                          TextDecoder(1252), folder.Path());
+    EXPECT_EQ(left.written, 0U) << name;
+    EXPECT_THAT(left.problems, testing::ElementsAre(testing::HasSubstr(name))) << name;
+    EXPECT_TRUE(std::filesystem::is_empty(folder.Path())) << name;
+  }
 }
 
 }  // namespace

@@ -36,14 +36,6 @@ TEST(OutputFile, LeavesNothingWhenItIsNotCompleted) {
   EXPECT_THAT(folder.Files(), IsEmpty());
 }
 
-TEST(OutputFile, IsNotThereUntilSomethingIsWritten) {
-  const TemporaryFolder folder;
-  OutputFile file(folder.Path() / "o");
-  EXPECT_THAT(folder.Files(), IsEmpty());
-  file.Stream() << "x";
-  EXPECT_THAT(folder.Files(), SizeIs(1));
-}
-
 TEST(OutputFile, IsMadeAlsoWhenNothingIsWritten) {
   const TemporaryFolder folder;
   OutputFile(folder.Path() / "o").Complete();

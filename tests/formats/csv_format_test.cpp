@@ -75,5 +75,13 @@ TEST(CsvFormat, KeepsControlCharactersInAFileAndEscapesThemOnATerminal) {
   EXPECT_EQ(made.As("csv", {true, true, 80}), "class,A\r\nT,\\x1b[31m\\n\r\n");
 }
 
+TEST(CsvFormat, KeepsWhatTurnsTextInAFileAndEscapesItOnATerminal) {
+  MadeCollection made;
+  made.Get().machine.codePage = 65001;
+  made.Table("T").Row({{"A", "a\u202Eb\u2028"}});
+  EXPECT_EQ(made.As("csv"), "class,A\r\nT,a\u202Eb\u2028\r\n");
+  EXPECT_EQ(made.As("csv", {true, true, 80}), "class,A\r\nT,a\\u202eb\\u2028\r\n");
+}
+
 }  // namespace
 }  // namespace host

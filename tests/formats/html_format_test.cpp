@@ -5,6 +5,8 @@
 #include <set>
 #include <string>
 
+#include "host/text/decoder.h"
+#include "host/text/screen_text.h"
 #include "tests/support/program/made_collection.h"
 
 namespace host {
@@ -197,10 +199,48 @@ TEST(HtmlFormat, AllowsOnlyItsOwnStyleAndScriptByANonceOfItsOwn) {
   EXPECT_EQ(nonces.size(), 2U);
 }
 
+TEST(HtmlFormat, EscapesOnATerminalWhatThatObeys) {
+  const std::string turning = "a\u061C\u200E\u2028\u202E\u2069\u009B\x7F<z";
+  MadeCollection made;
+  made.Get().machine.codePage = 65001;
+  made.Get().machine.name = turning;
+  made.Table("T").Row({{turning, turning}}).FileRow(turning, turning);
+  EXPECT_THAT(made.As("html"), HasSubstr("\u2028\u202E"));  // A file keeps its bytes.
+  const std::string page = made.As("html", {true, true, 80});
+  const Json data = Json::parse(FindDataBlock(page));
+  EXPECT_EQ(data["title"], turning);
+  EXPECT_EQ(data["modules"][0]["tables"][0]["rows"][0][0], turning);
+  std::string_view rest = page;
+  while (!rest.empty()) {
+    const char32_t c = TakeUtf8(rest);
+    EXPECT_TRUE(c == U'\n' || !IsObeyed(c)) << static_cast<unsigned>(c);
+  }
+}
+
+TEST(HtmlFormat, ShowsTheSameCharactersAsEscapesAsAScreen) {
+  MadeCollection made;
+  const std::string page = made.As("html");
+  const std::size_t begin = page.find("const UNSEEN = /[");
+  ASSERT_NE(begin, std::string::npos);
+  const std::string pattern = page.substr(begin, page.find("]/gu;", begin) - begin);
+  const std::regex range(R"(\\u\{([0-9a-f]+)\}-\\u\{([0-9a-f]+)\})");
+  std::set<unsigned long> characters;
+  for (std::sregex_iterator at(pattern.begin(), pattern.end(), range), end; at != end; ++at) {
+    const unsigned long last = std::stoul((*at)[2], nullptr, 16);
+    for (unsigned long c = std::stoul((*at)[1], nullptr, 16); c <= last; ++c) characters.insert(c);
+  }
+  for (char32_t c = 0xA0; c <= 0x10FFFF; ++c) {
+    if (c >= 0xD800 && c <= 0xDFFF) continue;
+    std::string text;
+    AppendUtf8(text, c);
+    EXPECT_EQ(EscapeControls(text) != text, characters.contains(c)) << static_cast<unsigned>(c);
+  }
+}
+
 TEST(HtmlFormat, LeavesNoPlaceOfThePageUnfilled) {
   MadeCollection made;
   const std::string page = made.As("html");
-  for (const char* place : {"@NONCE@", "@STYLE@", "@SCRIPT@", "@DATA@"}) {
+  for (const char* place : {"@NONCE@", "@STYLE@", "@SCRIPT@", "@DATA@", "@UNSEEN@"}) {
     EXPECT_EQ(page.find(place), std::string::npos) << place;
   }
   EXPECT_TRUE(page.starts_with("<!DOCTYPE html>"));

@@ -154,6 +154,30 @@ TEST(JsonFormat, IsValidWhateverTheBytesAndLetsNoControlCharacterThrough) {
   }
 }
 
+TEST(JsonFormat, LetsNothingThroughThatATerminalObeys) {
+  const std::string turning = "a\u061C\u200E\u200F\u2028\u2029\u202A\u202E\u2066\u2069\u009B\x7Fz";
+  const std::string escaped =
+      R"("a\u061c\u200e\u200f\u2028\u2029\u202a\u202e\u2066\u2069\u009b\u007fz")";
+  MadeCollection made;
+  made.Get().machine.codePage = 65001;
+  made.Table("T").Row({{turning, turning}});
+  for (const char* format : {"json", "ndjson"}) {
+    const std::string text = made.As(format, {true, true, 80});
+    EXPECT_THAT(text, HasSubstr("{\"k1\":" + escaped + "}")) << format;
+    EXPECT_EQ(text.find("\xE2\x80"), std::string::npos) << format;
+  }
+  const Json table = Json::parse(made.As("json", {true, true, 80}))["tables"][0];
+  EXPECT_EQ(table["columns"][0]["label"], turning);
+  EXPECT_EQ(table["rows"][0]["k1"], turning);
+}
+
+TEST(JsonFormat, KeepsOtherTextAsItIs) {
+  MadeCollection made;
+  made.Get().machine.codePage = 65001;
+  made.Table("T").Row({{"A", "größe 连接 \u00AD💾"}});
+  EXPECT_THAT(made.As("json"), HasSubstr("{\"k1\":\"größe 连接 \u00AD💾\"}"));
+}
+
 TEST(JsonFormat, KeepsControlCharactersInsideTexts) {
   MadeCollection made;
   made.Get().machine.codePage = 65001;

@@ -142,8 +142,9 @@ TEST(Options, RefusesASecondCommand) {
 }
 
 TEST(Options, RefusesAnOptionWithoutItsValue) {
-  for (const char* option : {"--module", "--table", "--replay", "--log-folder", "--plugin",
-                             "--format", "--output", "--trace", "--record", "--tool-limit"}) {
+  for (const char* option :
+       {"--module", "--table", "--replay", "--log-folder", "--plugin", "--format", "--output",
+        "--trace", "--record", "--tool-limit", "--tool-memory"}) {
     EXPECT_THAT(Complaint({"collect", option}), HasSubstr(option)) << option;
   }
 }
@@ -165,6 +166,44 @@ TEST(Options, RefusesAPluginForAReplay) {
   }
   EXPECT_THAT(Complaint({"query", "--replay", "r", "--plugin", "p", "select 1"}),
               HasSubstr("--plugin has no use with --replay"));
+  for (const Words& command : {Words{"collect"}, Words{"check"}, Words{"query", "SELECT 1"}}) {
+    Words words = command;
+    words.insert(words.end(), {"--replay", kSample, "--unsafe-folder"});
+    EXPECT_THAT(Complaint(words), HasSubstr("--unsafe-folder has no use with --replay"));
+  }
+}
+
+TEST(Options, TakeLimitsOfRecordings) {
+  const std::string sample = test::Sample("two-socket-server");
+  EXPECT_THAT(test::RunHost({"collect", "--replay", sample, "--limit", "commands=3"}).error,
+              HasSubstr("--limit commands=NUMBER"));
+  EXPECT_THAT(
+      test::RunHost({"check", "--replay", sample, "--limit", "files=1", "--limit", "files=2"})
+          .error,
+      HasSubstr("more than 2 files"));
+  for (const char* wrong : {"commands", "commands=", "commands=0", "commands=1x", "=1", "size=1"}) {
+    EXPECT_THAT(Complaint({"collect", "--replay", sample, "--limit", wrong}),
+                HasSubstr("give one of commands, files, file-size, recording-size"))
+        << wrong;
+  }
+}
+
+TEST(Options, RefuseToWriteIntoTheRecording) {
+  const std::string sample = test::Sample("blade");
+  const std::string inside = sample + "/../blade/ipmiutil/new";
+  for (const char* option : {"--output", "--trace", "--log-folder"}) {
+    EXPECT_THAT(Complaint({"collect", "--replay", sample, option, inside}),
+                HasSubstr("is in the recording"))
+        << option;
+  }
+  EXPECT_THAT(Complaint({"query", "--replay", sample, "--output", inside, "select 1"}),
+              HasSubstr("is in the recording"));
+  EXPECT_FALSE(std::filesystem::exists(inside));
+}
+
+TEST(Options, RefuseOnePlaceForTraceAndResult) {
+  EXPECT_THAT(Complaint({"collect", "--output", "x", "--trace", "./x"}),
+              HasSubstr("name the same file"));
 }
 
 TEST(Options, DoesNotTakeASlashForAnOption) {
@@ -180,6 +219,7 @@ TEST(Options, TakeARecordingFolderAndAToolLimitForThisMachine) {
 
 TEST(Options, RefuseAToolLimitOfNoTime) {
   EXPECT_THAT(Complaint({"collect", "--tool-limit", "0"}), HasSubstr("--tool-limit"));
+  EXPECT_THAT(Complaint({"collect", "--tool-memory", "0"}), HasSubstr("--tool-memory"));
 }
 
 TEST(Options, RefuseToRecordAReplay) {
@@ -191,6 +231,8 @@ TEST(Options, RefuseToRecordAReplay) {
 TEST(Options, RefuseAToolLimitInAReplay) {
   EXPECT_EQ(Complaint({"collect", "--replay", "a", "--tool-limit", "5"}),
             "--tool-limit has no use with --replay, which runs no tools: leave one of them away");
+  EXPECT_EQ(Complaint({"collect", "--replay", "a", "--tool-memory", "5"}),
+            "--tool-memory has no use with --replay, which runs no tools: leave one of them away");
 }
 
 TEST(Options, HelpNamesEveryOptionAndHasExamples) {

@@ -10,13 +10,13 @@
 
 #include "host/collect/collect.h"
 #include "host/recording/recording_reader.h"
+#include "host/text/usage_error.h"
 #include "tests/support/collected.h"
 #include "tests/support/temporary_folder.h"
 
 namespace host {
 namespace {
 
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
@@ -52,10 +52,11 @@ TEST_F(ReplaySourceTest, WritesTheFilesOfTheRecordedLogFolder) {
   EXPECT_THAT(error.str(), HasSubstr(options.logFolder->string()));
 }
 
-TEST_F(ReplaySourceTest, NamesAFileThatItCannotKeep) {
+TEST_F(ReplaySourceTest, RefusesALogFolderThatContainsSomething) {
   options.logFolder = folder.Path();
-  std::filesystem::create_directory(folder.Path() / "route.txt");
-  EXPECT_THAT(KeepFiles("two-socket-server"), ElementsAre(HasSubstr("route.txt")));
+  folder.Write("route.txt", "mine");
+  EXPECT_THROW(KeepFiles("two-socket-server"), UsageError);
+  EXPECT_EQ(folder.Read("route.txt"), "mine");
 }
 
 TEST_F(ReplaySourceTest, RefusesAFolderThatIsNoRecording) {

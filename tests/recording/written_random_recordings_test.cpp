@@ -14,7 +14,7 @@ TEST(WrittenRandomRecordings, GiveTheTracesOfWhatWasWritten) {
   for (std::uint64_t seed = 1000; seed < 1060; ++seed) {
     const Recording recording = test::MakeRandomRecording(seed);
     const test::TemporaryFolder folder;
-    WriteRecording(recording, folder.Path(), [](std::string_view) { return std::string(); });
+    WriteRecording(recording, folder.Path());
     const Recording read = LoadRecording(folder.Path());
     EXPECT_EQ(read.commands, recording.commands) << seed;
     EXPECT_EQ(read.files, recording.files) << seed;

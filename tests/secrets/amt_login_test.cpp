@@ -71,6 +71,10 @@ TEST(PasswordInAReport, ThatMixesSignsIsHiddenWhereverItStands) {
             "*** is wrong; x***y\r\n<***>");
 }
 
+TEST(PasswordInAReport, DoesNotComeTogetherAroundAGap) {
+  EXPECT_EQ(Hide("<aa***b1b1>", "a***b1"), "<***>");
+}
+
 TEST(PasswordInAReport, ThatIsADigitLeavesNumbersAlone) {
   const std::string log = "1 2024-01-11 11:01:10 Password: 12 of 1\r\n192.0.2.9 keeper 11\r\n";
   EXPECT_EQ(Hide(log, "1"), log);

@@ -1,6 +1,7 @@
 // Stands in for the command interpreter: the documented quote rule, redirections, pipes into
 // findstr, and copy, md and findstr built in. Wine's own interpreter lacks parts of these. A
-// program is looked for in the current folder first, then along the path.
+// program is looked for in the current folder first, unless the environment forbids it, then along
+// the path.
 
 #include "host/recorded/interpreter.h"
 
@@ -81,14 +82,16 @@ std::optional<std::string> FindProgram(std::string_view program) {
   std::string folders(32767, '\0');
   folders.resize(
       GetEnvironmentVariableA("PATH", folders.data(), static_cast<DWORD>(folders.size())));
-  std::string_view rest = folders;
-  for (std::string folder = "."; true;) {
-    if (auto found = WithExtension(folder + "\\" + name)) return found;
-    if (rest.empty()) return std::nullopt;
+  const bool skipsCurrentFolder =
+      GetEnvironmentVariableA("NoDefaultCurrentDirectoryInExePath", nullptr, 0) != 0;
+  if (!skipsCurrentFolder) folders.insert(0, ".;");
+  for (std::string_view rest = folders; !rest.empty();) {
     const std::size_t end = std::min(rest.find(';'), rest.size());
-    folder = rest.substr(0, end);
+    const std::string folder(rest.substr(0, end));
+    if (auto found = WithExtension(folder + "\\" + name)) return found;
     rest.remove_prefix(std::min(end + 1, rest.size()));
   }
+  return std::nullopt;
 }
 
 std::string JoinPath(const std::string& folder, const std::string& name) {

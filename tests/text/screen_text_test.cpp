@@ -2,7 +2,10 @@
 
 #include <gmock/gmock.h>
 
+#include <set>
 #include <string>
+
+#include "host/text/decoder.h"
 
 namespace host {
 namespace {
@@ -31,6 +34,36 @@ TEST(ScreenText, WritesOutTheControlCharactersAbove127) {
 
 TEST(ScreenText, WritesOutWhatTurnsOrHidesText) {
   EXPECT_EQ(EscapeControls("a\u202Eb\u2066c\uFEFF"), "a\\u202eb\\u2066c\\ufeff");
+}
+
+TEST(ScreenText, WritesOutWhatNobodySees) {
+  EXPECT_EQ(EscapeControls("a\u00ADb\u200Bc\u2060d\u2800e\u3164f\uFFF9"),
+            "a\\u00adb\\u200bc\\u2060d\\u2800e\\u3164f\\ufff9");
+  EXPECT_EQ(EscapeControls("a\U000E0001\U000E007F\U000E0080"), "a\\u{e0001}\\u{e007f}\U000E0080");
+}
+
+TEST(ScreenText, TellsWhatATerminalObeys) {
+  for (const char32_t c :
+       U"\x1b\n\x7f\u009b\u061c\u200e\u200f\u2028\u2029\u202a\u202e\u2066\u2069") {
+    EXPECT_TRUE(IsObeyed(c)) << static_cast<unsigned>(c);
+  }
+  for (const char32_t c :
+       {U'a', U'\u00A0', U'\u00AD', U'\u200B', U'\u202F', U'\u2065', U'\u206A'}) {
+    EXPECT_FALSE(IsObeyed(c)) << static_cast<unsigned>(c);
+  }
+}
+
+TEST(ScreenText, ListsWhatItWritesOutBesidesControlCharacters) {
+  std::set<char32_t> listed;
+  for (const CharacterRange& range : ListUnseenCharacters()) {
+    for (char32_t c = range.first; c <= range.last; ++c) EXPECT_TRUE(listed.insert(c).second);
+  }
+  for (char32_t c = 0xA0; c <= 0x10FFFF; ++c) {
+    if (c >= 0xD800 && c <= 0xDFFF) continue;
+    std::string text;
+    AppendUtf8(text, c);
+    EXPECT_EQ(EscapeControls(text) != text, listed.contains(c)) << static_cast<unsigned>(c);
+  }
 }
 
 TEST(ScreenText, CanLeaveLineFeeds) {
@@ -71,6 +104,7 @@ TEST(ScreenText, CutsWithAnEllipsis) {
   EXPECT_EQ(CutText("abcdefg", 6), "abcde…");
   EXPECT_EQ(CutText("连接状态", 6), "连接…");
   EXPECT_EQ(CutText("ab", 1), "…");
+  EXPECT_EQ(CutText("连接状态", 2), "…");
 }
 
 TEST(ScreenText, PadsToAWidth) {

@@ -29,10 +29,14 @@ OUTPUT = ROOT / "build" / "wine-samples"
 
 # Where the host looks for its tools, below its own folder.
 TOOL_FOLDERS = ["pq_tools", r"utilities\lsi", r"utilities\arcconf", r"utilities\vroc"]
-# Programs of the system. They stand in the working folder, which the interpreter searches first, so
-# that none of Wine's own answers in place of one that is not recorded.
+# Programs of the system. They are in a folder that is first in PATH, so that none of Wine's own
+# answers in place of one that is not recorded.
 SYSTEM_TOOLS = ["arp", "net", "netstat", "route"]
+SYSTEM_FOLDER = r"C:\Halyard\system"
+# Where the program is started. A live collection then works in the log folder.
 WORKING_FOLDER = r"C:\Halyard\work"
+# What a tool leaves in the current folder; no recording holds it.
+LEFT_FILE = "logir.log"
 HOST_FILES = ["repository_pqmodule.dll", "repository.dll", "logger.dll", "libstdc++-6.dll",
               "libgcc_s_seh-1.dll", "libwinpthread-1.dll"]
 US_ENGLISH = 1033
@@ -128,7 +132,7 @@ def count_running(program):
         except OSError:  # gone meanwhile
             continue
         is_ours = f"WINEPREFIX={PREFIX}".encode() in environment
-        count += is_ours and command.lower().endswith(b"\\" + program.encode())
+        count += is_ours and command.lower().rpartition(b"\\")[2] == program.encode()
     return count
 
 
@@ -155,7 +159,7 @@ class Machine:
     def place_tools(self, standin, host_folder):
         names = {c["tool"].lower().removesuffix(".exe") for c in self.recording.get("commands", [])}
         for name in SYSTEM_TOOLS:
-            place(standin, unix_path(f"{WORKING_FOLDER}\\{name}.exe"))
+            place(standin, unix_path(f"{SYSTEM_FOLDER}\\{name}.exe"))
         for name in names - set(SYSTEM_TOOLS):
             for folder in TOOL_FOLDERS:
                 place(standin, unix_path(f"{host_folder}\\{folder}\\{name}.exe"))
@@ -326,11 +330,12 @@ def compare_files(native, wine):
 def standin_variables(sample, state):
     shutil.rmtree(state, ignore_errors=True)
     state.mkdir(parents=True)
-    return {"PQ_STANDIN_RECORDING": windows_path(sample), "PQ_STANDIN_STATE": windows_path(state)}
+    return {"PQ_STANDIN_RECORDING": windows_path(sample), "PQ_STANDIN_STATE": windows_path(state),
+            "WINEPATH": SYSTEM_FOLDER}
 
 
-def check_sample(binaries, standins, pqhost, sample):
-    """Compares the two traces; says how many events."""
+def check_sample(binaries, standins, pqhost, sample, *options):
+    """Compares the two traces; says how many events. `options` are for the live collection alone."""
     traces = OUTPUT / sample.name
     traces.mkdir(parents=True, exist_ok=True)
     native_trace, wine_trace = traces / "native.jsonl", traces / "wine.jsonl"
@@ -344,7 +349,7 @@ def check_sample(binaries, standins, pqhost, sample):
         raise Failure(f"native replay: exit code {native.returncode}\n{native.stderr.decode()}")
     with Machine(binaries, standins, sample) as machine:
         ran = run_wine([machine.host, "collect", "--log-folder", machine.log_folder.rstrip("\\"),
-                        "--format", "none", "--trace", windows_path(wine_trace)],
+                        "--format", "none", "--trace", windows_path(wine_trace), *options],
                        machine.recording.get("languageId", US_ENGLISH),
                        standin_variables(sample, traces / "state")
                        | interpreter_of_ours(),
@@ -352,7 +357,12 @@ def check_sample(binaries, standins, pqhost, sample):
         check_passwords_hidden(machine.recording, ran, wine_trace)
         compare_failures(native, ran)
         count = compare(read_trace(native_trace), read_trace(wine_trace))
+        if any(LEFT_FILE in event.get("command", "") for event in read_trace(wine_trace)):
+            (unix_path(machine.log_folder) / LEFT_FILE).unlink()
         compare_files(native_logs, unix_path(machine.log_folder))
+        left = list(unix_path(WORKING_FOLDER).iterdir())
+        if left:
+            raise Failure(f"left in the folder where the program was started: {left}")
         return count
 
 
@@ -373,7 +383,7 @@ def check_host_folder(folder, is_found):
             recording["logFolder"] = folder + "\\logs\\"
 
         moved = varied(sample, sample.name + " in " + folder.rpartition("\\")[2], move)
-        count = check_sample(binaries, standins, pqhost, moved)
+        count = check_sample(binaries, standins, pqhost, moved, "--unsafe-folder")
         trace = read_trace(OUTPUT / moved.name / "wine.jsonl")
         tested = [e for e in trace if e.get("commandLine") ==
                   f'/c "{folder}\\pq_tools\\check_amt_bmc.exe" bmc']
@@ -381,6 +391,40 @@ def check_host_folder(folder, is_found):
         if not tested or bool(asked) != is_found:
             raise Failure(f"{len(tested)} presence tests, {len(asked)} questions to the BMC")
         return count
+    return check
+
+
+# Folders in which nothing is to be run: the host's, the log folder, and what is wrong with them.
+UNSAFE_FOLDERS = {
+    "host": (r"C:\Program Files (x86)\Halyard", r"C:\Halyard\logs", "is cut at its first blank"),
+    "log": (r"C:\Program Files\Halyard", r"C:\Halyard\100%\logs", "has a %"),
+}
+
+
+def check_unsafe_folder(host_folder, log_folder, said):
+    """Nothing is started and nothing written; a check tells the same."""
+    def check(binaries, standins, _pqhost, sample):
+        def move(recording, _):
+            recording["hostExecutable"] = host_folder + r"\halyard.exe"
+            recording["logFolder"] = log_folder + "\\"
+
+        moved = varied(sample, sample.name + " in an unsafe folder", move)
+        state = OUTPUT / moved.name / "state"
+        with Machine(binaries, standins, moved) as machine:
+            unix_path(log_folder).rmdir()
+            for command in (["collect"], ["query", "SELECT 1"], ["check"]):
+                ran = subprocess.run(
+                    ["wine", machine.host, *command, "--log-folder", log_folder],
+                    cwd=unix_path(WORKING_FOLDER), capture_output=True, stdin=subprocess.DEVNULL,
+                    env=os.environ | standin_variables(moved, state) | interpreter_of_ours(),
+                    timeout=TIME_LIMIT, check=False)
+                if ran.returncode != (1 if command == ["check"] else 2):
+                    raise Failure(f"{command}: exit code {ran.returncode}: {ran.stderr!r}")
+                if said.encode() not in ran.stderr + ran.stdout:
+                    raise Failure(f"{command} says {ran.stderr + ran.stdout!r}")
+                if list(state.iterdir()) or unix_path(log_folder).exists():
+                    raise Failure(f"{command} has run a tool or made a folder")
+        return 3
     return check
 
 
@@ -509,15 +553,15 @@ TOOL_LIMIT = 4  # seconds
 
 def check_tool_limit(tool, mode, is_ended):
     """The server's collection with a tool that hangs, or that ends but leaves a child behind, which
-    holds what the tool wrote to. It is ended with its child, unless nothing waits for it any more,
-    and everything else is collected."""
+    holds what the tool wrote to. It is ended with its child, by the limit or, when nothing waits for
+    it any more, with the collection, and everything else is collected."""
     def check(binaries, standins, _pqhost, sample):
         folder = OUTPUT / f"tool_limit_{tool}_{mode}"
         shutil.rmtree(folder, ignore_errors=True)
         folder.mkdir(parents=True)
         result = folder / "result.json"
         with Machine(binaries, standins, sample) as machine:
-            program = unix_path(f"{WORKING_FOLDER}\\{tool}.exe")
+            program = unix_path(f"{SYSTEM_FOLDER}\\{tool}.exe")
             program.unlink()
             place(standins / "standin_endless.exe", program)
             ran = run_wine([machine.host, "collect", "--module", "Windows_Related_Info",
@@ -527,7 +571,7 @@ def check_tool_limit(tool, mode, is_ended):
                            standin_variables(sample, folder / "state")
                            | {"PQ_STANDIN_MODE": mode} | interpreter_of_ours())
             left = count_running(f"{tool}.exe")
-        if left != (0 if is_ended else 1):
+        if left:
             raise Failure(f"{left} processes of {tool}.exe run on")
         said = f"did not end by itself and was ended after {TOOL_LIMIT} s" in ran.stderr.decode(
             errors="replace")
@@ -542,6 +586,82 @@ def check_tool_limit(tool, mode, is_ended):
             raise Failure(f"status: {texts}")
         return rows["NETSTATINFO"]
     return check
+
+
+def check_killed(binaries, standins, _pqhost, sample):
+    """The program is killed while arp.exe hangs: arp.exe and its interpreter go with it."""
+    folder = OUTPUT / "killed"
+    shutil.rmtree(folder, ignore_errors=True)
+    folder.mkdir(parents=True)
+    with Machine(binaries, standins, sample) as machine:
+        arp = unix_path(SYSTEM_FOLDER + r"\arp.exe")
+        arp.unlink()
+        place(standins / "standin_endless.exe", arp)
+        variables = standin_variables(sample, folder / "state") | interpreter_of_ours() | {
+            "LC_ALL": locale_of(US_ENGLISH), "PQ_STANDIN_MODE": "hang"}
+        with subprocess.Popen(
+                ["wine", machine.host, "collect", "--module", "Windows_Related_Info"],
+                cwd=unix_path(WORKING_FOLDER), env=os.environ | variables, stdin=subprocess.DEVNULL,
+                stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) as ran:
+            wait_for_first_tool(folder / "state")
+            running = count_running("arp.exe")
+            ran.kill()
+        deadline = time.monotonic() + 30
+        while count_running("arp.exe") and time.monotonic() < deadline:
+            time.sleep(0.1)
+        if running != 1 or count_running("arp.exe"):
+            raise Failure(f"arp.exe ran {running} times, {count_running('arp.exe')} run on")
+    return running
+
+
+def check_standard_output(binaries, standins, _pqhost, sample):
+    """Results alone are on standard output: the prompt for the AMT login and what the presence test
+    for a BMC prints are on standard error."""
+    with Machine(binaries, standins, sample) as machine:
+        ran = run_wine([machine.host, "collect", "--module", "AMT_Info", "--module", "BMC_Info",
+                        "--log-folder", machine.log_folder.rstrip("\\"), "--format", "json"],
+                       US_ENGLISH,
+                       standin_variables(sample, OUTPUT / "standard_output.state")
+                       | interpreter_of_ours(), machine.recording["console"].encode("latin-1"))
+    tables = json.loads(ran.stdout)["tables"]
+    for said in (b"no BMC here", b"Please input the AMT IP"):
+        if said not in ran.stderr:
+            raise Failure(f"{said} is not on standard error: {ran.stderr!r}")
+    return len(tables)
+
+
+def print_presence(recording, folder):
+    """The presence test for a BMC prints something to its standard output."""
+    (folder / "presence.txt").write_bytes(b"no BMC here\r\n")
+    for command in recording["commands"]:
+        if command.get("arguments") == "bmc":
+            command["stdout"] = "presence.txt"
+
+
+def check_planted(binaries, standins, _pqhost, sample):
+    """Programs with the names of the system's in the folder where the program is started: none of
+    them is run, and the results are where a relative path says, seen from there."""
+    folder = OUTPUT / "planted"
+    shutil.rmtree(folder, ignore_errors=True)
+    folder.mkdir(parents=True)
+    with Machine(binaries, standins, sample) as machine:
+        for name in SYSTEM_TOOLS:
+            place(standins / "standin_endless.exe", unix_path(f"{WORKING_FOLDER}\\{name}.exe"))
+        run_wine([machine.host, "collect", "--module", "Windows_Related_Info", "--format", "json",
+                  "--output", "result.json", "--trace", "trace.jsonl", "--log-folder", "own logs",
+                  "--record", "recorded"], US_ENGLISH,
+                 standin_variables(sample, folder / "state")
+                 | {"PQ_STANDIN_MODE": "slow"} | interpreter_of_ours())
+        started = unix_path(WORKING_FOLDER)
+        rows = {table["class"]: len(table["rows"]) for table in
+                json.loads((started / "result.json").read_text(encoding="utf-8"))["tables"]}
+        said = (started / "trace.jsonl").read_bytes()
+        left = {path.name for path in started.iterdir()} - {f"{name}.exe" for name in SYSTEM_TOOLS}
+    if b"slow tool" in said or rows["ARPINFO"] == 0 or rows["NETSTATINFO"] == 0:
+        raise Failure(f"a planted program was run: {rows}")
+    if left != {"result.json", "trace.jsonl", "own logs", "recorded"}:
+        raise Failure(f"where the program was started: {left}")
+    return rows["ARPINFO"]
 
 
 def wait_for_first_tool(state):
@@ -560,7 +680,7 @@ def check_interruption(binaries, standins, _pqhost, sample):
     folder.mkdir(parents=True)
     result, trace, recorded = folder / "result.json", folder / "trace.jsonl", folder / "recording"
     with Machine(binaries, standins, sample) as machine:
-        arp = unix_path(WORKING_FOLDER + r"\arp.exe")
+        arp = unix_path(SYSTEM_FOLDER + r"\arp.exe")
         arp.unlink()
         place(standins / "standin_endless.exe", arp)
         variables = standin_variables(sample, folder / "state") | {
@@ -598,7 +718,7 @@ def check_second_interruption(binaries, standins, _pqhost, sample):
     shutil.rmtree(folder, ignore_errors=True)
     folder.mkdir(parents=True)
     with Machine(binaries, standins, sample) as machine:
-        arp = unix_path(WORKING_FOLDER + r"\arp.exe")
+        arp = unix_path(SYSTEM_FOLDER + r"\arp.exe")
         arp.unlink()
         place(standins / "standin_endless.exe", arp)
         variables = standin_variables(sample, folder / "state") | interpreter_of_ours() | {
@@ -636,7 +756,7 @@ def check_wines_own(binaries, standins, _pqhost, sample):
         local, remote = client.getsockname()[1], client.getpeername()[1]
         for name in SYSTEM_TOOLS:
             if name != "arp":
-                unix_path(f"{WORKING_FOLDER}\\{name}.exe").unlink()
+                unix_path(f"{SYSTEM_FOLDER}\\{name}.exe").unlink()
         run_wine([machine.host, "collect", "--module", "Windows_Related_Info", "--log-folder",
                   machine.log_folder.rstrip("\\"), "--format", "json", "--output",
                   windows_path(result)],
@@ -700,6 +820,8 @@ def main():
     for name, (folder, is_found) in HOST_FOLDERS.items():
         check(f"blade on a host in a folder with {name}", check_host_folder(folder, is_found),
               ROOT / "samples" / "blade")
+    for name, folders in UNSAFE_FOLDERS.items():
+        check(f"an unsafe {name} folder", check_unsafe_folder(*folders), ROOT / "samples" / "blade")
     for password, kind in PASSWORDS.items():
         check(f"the AMT password {ascii(password)}", check_password(password, kind),
               ROOT / "samples" / "amt-desktop")
@@ -708,6 +830,10 @@ def main():
                                  ("route", "hang", True), ("route", "leave-child", False)]:
         check(f"{tool} with a limit ({mode})", check_tool_limit(tool, mode, is_ended),
               ROOT / "samples" / "two-socket-server")
+    check("planted programs", check_planted, ROOT / "samples" / "two-socket-server")
+    check("a killed collection", check_killed, ROOT / "samples" / "two-socket-server")
+    check("standard output", check_standard_output,
+          varied(ROOT / "samples" / "amt-desktop", "standard output", print_presence))
     check("Ctrl-C", check_interruption, ROOT / "samples" / "two-socket-server")
     check("Ctrl-C twice", check_second_interruption, ROOT / "samples" / "two-socket-server")
     check("Wine's own interpreter and netstat", check_wines_own, ROOT / "samples" / "two-socket-server")

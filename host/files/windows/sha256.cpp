@@ -12,25 +12,64 @@
 #include "host/text/hex_text.h"
 
 namespace host {
+namespace {
+
+/// The functions of bcrypt.dll used here. An import would look for the library beside the program
+/// first, as bcrypt.dll is none of those that Windows always takes from its own folder.
+struct Cryptography {
+  decltype(&BCryptOpenAlgorithmProvider) openAlgorithm = nullptr;
+  decltype(&BCryptCloseAlgorithmProvider) closeAlgorithm = nullptr;
+  decltype(&BCryptCreateHash) createHash = nullptr;
+  decltype(&BCryptHashData) hashData = nullptr;
+  decltype(&BCryptFinishHash) finishHash = nullptr;
+  decltype(&BCryptDestroyHash) destroyHash = nullptr;
+};
+
+template <typename Function>
+bool FindFunction(HMODULE library, const char* name, Function& function) {
+  function = reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library, name)));
+  return function != nullptr;
+}
+
+/// Throws std::runtime_error.
+Cryptography LoadCryptography() {
+  // It stays loaded: the next report needs it, too.
+  HMODULE library = LoadLibraryExW(L"bcrypt.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
+  Cryptography system;
+  if (library == nullptr ||
+      !FindFunction(library, "BCryptOpenAlgorithmProvider", system.openAlgorithm) ||
+      !FindFunction(library, "BCryptCloseAlgorithmProvider", system.closeAlgorithm) ||
+      !FindFunction(library, "BCryptCreateHash", system.createHash) ||
+      !FindFunction(library, "BCryptHashData", system.hashData) ||
+      !FindFunction(library, "BCryptFinishHash", system.finishHash) ||
+      !FindFunction(library, "BCryptDestroyHash", system.destroyHash)) {
+    throw std::runtime_error("the system's bcrypt.dll cannot be loaded: error " +
+                             std::to_string(GetLastError()));
+  }
+  return system;
+}
+
+}  // namespace
 
 std::string ComputeSha256(std::string_view bytes) {
+  static const Cryptography kSystem = LoadCryptography();
   std::array<UCHAR, 32> digest{};
   BCRYPT_ALG_HANDLE algorithm = nullptr;
   BCRYPT_HASH_HANDLE hash = nullptr;
-  NTSTATUS status = BCryptOpenAlgorithmProvider(&algorithm, BCRYPT_SHA256_ALGORITHM, nullptr, 0);
-  if (status >= 0) status = BCryptCreateHash(algorithm, &hash, nullptr, 0, nullptr, 0, 0);
+  NTSTATUS status = kSystem.openAlgorithm(&algorithm, BCRYPT_SHA256_ALGORITHM, nullptr, 0);
+  if (status >= 0) status = kSystem.createHash(algorithm, &hash, nullptr, 0, nullptr, 0, 0);
   // A length of it has 32 bits, a report can have more.
   constexpr std::size_t kPiece = std::size_t{1} << 30;
   while (status >= 0 && !bytes.empty()) {
     const std::string_view piece = bytes.substr(0, kPiece);
     // It only reads, whatever its declaration says.
     auto* data = reinterpret_cast<PUCHAR>(const_cast<char*>(piece.data()));
-    status = BCryptHashData(hash, data, static_cast<ULONG>(piece.size()), 0);
+    status = kSystem.hashData(hash, data, static_cast<ULONG>(piece.size()), 0);
     bytes.remove_prefix(piece.size());
   }
-  if (status >= 0) status = BCryptFinishHash(hash, digest.data(), digest.size(), 0);
-  if (hash != nullptr) BCryptDestroyHash(hash);
-  if (algorithm != nullptr) BCryptCloseAlgorithmProvider(algorithm, 0);
+  if (status >= 0) status = kSystem.finishHash(hash, digest.data(), digest.size(), 0);
+  if (hash != nullptr) kSystem.destroyHash(hash);
+  if (algorithm != nullptr) kSystem.closeAlgorithm(algorithm, 0);
   if (status < 0) {
     throw std::runtime_error("the system cannot compute SHA-256: status " +
                              std::to_string(static_cast<std::uint32_t>(status)));

@@ -1,5 +1,5 @@
 // Draws the report from the data block. Every text of the data goes into the page as a text node:
-// nothing is ever parsed as markup.
+// nothing is ever parsed as markup, and nothing is obeyed or unseen that turns or hides text.
 "use strict";
 (() => {
   const data = JSON.parse(document.getElementById("data").textContent);
@@ -7,21 +7,26 @@
   const PRINT_LIMIT = 20000; // rows of one table that are printed
   const OVERSCAN = 20;       // rows drawn beyond the visible ones
 
+  // Characters that the page would obey, or that nobody would see; the host has the list.
+  const UNSEEN = /[\x00-\x08\x0b-\x1f\x7f-\x9f@UNSEEN@]/gu;
+  const visible = (text) => text.replace(UNSEEN, (c) => {
+    const code = c.codePointAt(0), digits = code.toString(16);
+    if (c === "\r") return "";
+    return code > 0xffff ? `\\u{${digits}}` : code < 0xa0 ? `\\x${digits.padStart(2, "0")}` : `\\u${digits.padStart(4, "0")}`;
+  });
+  const shown = (text) => visible(text.trimEnd());
+  const READ_ALOUD = new Set(["title", "aria-label", "placeholder"]);
   const make = (tag, attributes = {}, ...children) => {
     const element = document.createElement(tag);
     for (const [name, value] of Object.entries(attributes)) {
       if (name.startsWith("on")) element.addEventListener(name.slice(2), value);
       else if (value === true) element.setAttribute(name, "");
-      else if (value !== false && value != null) element.setAttribute(name, value);
+      else if (value !== false && value != null) element.setAttribute(name, READ_ALOUD.has(name) ? visible(value) : value);
     }
-    element.append(...children.filter((child) => child != null));
+    element.append(...children.filter((child) => child != null)
+      .map((child) => typeof child === "string" ? visible(child) : child));
     return element;
   };
-  const trimEnd = (text) => text.replace(/[\r\n\s]+$/, "");
-  // Control characters are shown, not obeyed.
-  const shown = (text) =>
-    trimEnd(text).replace(/[\x00-\x08\x0b-\x1f\x7f\u0080-\u009f\u200e\u200f\u202a-\u202e\u2066-\u2069]/g, (c) =>
-      c === "\r" ? "" : "\\x" + c.charCodeAt(0).toString(16).padStart(2, "0"));
   const plural = (count, word) => `${count.toLocaleString("en")} ${word}${count === 1 ? "" : "s"}`;
 
   const highlighted = (text, needle) => {
@@ -47,7 +52,7 @@
     link.remove();
     setTimeout(() => URL.revokeObjectURL(link.href), 10000);
   };
-  const say = (text) => { announcer.textContent = text; };
+  const say = (text) => { announcer.textContent = visible(text); };
   const announcer = make("div", { class: "visually-hidden", role: "status", "aria-live": "polite" });
 
   const asCsv = (table, order) => {
@@ -235,7 +240,8 @@
 
   const attachment = (item) => {
     const text = make("pre", { tabindex: "0" });
-    const name = /\.\w+$/.test(item.filename) ? item.filename : `${item.filename}.txt`;
+    const safe = item.filename.replace(UNSEEN, "_");
+    const name = /\.\w+$/.test(safe) ? safe : `${safe}.txt`;
     const block = make("details", { class: "attachment" },
       make("summary", {}, item.label, " ", make("span", { class: "faint" }, `${item.filename}, ${plural(item.text.length, "character")}`)),
       make("div", { class: "bar" },
@@ -290,7 +296,7 @@
     root.dataset.theme = dark ? "light" : "dark";
   };
 
-  document.title = `${data.title} \u2013 server report`;
+  document.title = `${visible(data.title)} \u2013 server report`;
   const facts = make("dl", { class: "facts" }, ...data.facts.map(([name, value]) =>
     make("div", {}, make("dt", {}, name), make("dd", {}, value))));
   const main = make("main", {}, summary());

@@ -9,6 +9,7 @@ namespace host {
 /// The page, with the places @NONCE@, @STYLE@, @DATA@ and @SCRIPT@.
 extern const std::string_view kReportPage;
 extern const std::string_view kReportStyle;
+/// The script, with the place @UNSEEN@.
 extern const std::string_view kReportScript;
 
 }  // namespace host

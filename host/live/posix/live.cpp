@@ -20,11 +20,14 @@ Recording DescribeLiveMachine(const LiveMachine& /*machine*/) { throw LiveError(
 
 std::optional<std::string> LocateProgram(const std::string& /*program*/) { return std::nullopt; }
 
+std::filesystem::path FindDefaultLogFolder() { return "logs"; }
+
 MachineFacts DescribeThisMachine(const std::filesystem::path& /*logFolder*/) {
   throw LiveError(kNeedsWindows);
 }
 
-LiveMachine PrepareLiveMachine(const std::filesystem::path& /*logFolder*/) {
+LiveMachine PrepareLiveMachine(const std::filesystem::path& /*logFolder*/,
+                               FolderAccess /*access*/) {
   throw LiveError(kNeedsWindows);
 }
 

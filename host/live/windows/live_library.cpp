@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "host/live/live.h"
+#include "host/live/windows/program_search_limits.h"
 #include "host/live/windows/system_text.h"
 #include "host/live/windows/watched_imports.h"
 
@@ -16,6 +17,11 @@ struct LibraryCloser {
   void operator()(HMODULE module) const { FreeLibrary(module); }
 };
 using Library = std::unique_ptr<void, LibraryCloser>;
+
+/// Where the libraries that the plug-in needs may be: beside it, beside this program, the system's.
+/// Not the current folder, and not those of PATH.
+constexpr DWORD kSearchedFolders =
+    LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_USER_DIRS | LOAD_LIBRARY_SEARCH_SYSTEM32;
 
 using AddModulesFunction = int(std::vector<boost::shared_ptr<halyard::repository::RModule>>&);
 
@@ -45,11 +51,12 @@ class LoadedLibrary final : public LiveLibrary {
 
 std::unique_ptr<LiveLibrary> LoadLiveLibrary(const std::filesystem::path& plugin,
                                              const LiveWatch& watch) {
+  LimitProgramSearch();
   // An absolute path, so that the libraries beside it are found, and no namesake from elsewhere is
   // loaded instead.
   const std::filesystem::path path = std::filesystem::absolute(plugin).make_preferred();
   const std::string name = ToUtf8(path.native());
-  Library library(LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
+  Library library(LoadLibraryExW(path.c_str(), nullptr, kSearchedFolders));
   if (!library) {
     throw LiveError("cannot load " + name + ": " + DescribeSystemError(GetLastError()) +
                     "; it needs repository.dll and logger.dll beside this program");

@@ -7,13 +7,18 @@
 
 #include "frame/platform.h"
 #include "host/live/live.h"
+#include "host/live/windows/own_folder.h"
 #include "host/live/windows/system_text.h"
+#include "host/recorded/program_search.h"
 
 namespace host {
 namespace {
 
 /// Room that the plug-in has for the log folder, terminator included.
 constexpr std::size_t kLogFolderRoom = 256;
+
+/// What the interpreter takes for programs where PATHEXT is not set.
+constexpr char kUsualExtensions[] = ".COM;.EXE;.BAT;.CMD";
 
 /// Where the system describes itself.
 constexpr wchar_t kVersionKey[] = L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion";
@@ -102,6 +107,19 @@ bool CanWriteInto(const std::filesystem::path& folder) {
   return true;
 }
 
+/// In the system's code page, as the interpreter gets it from narrow command lines; empty when it
+/// is not set.
+std::string ReadVariable(const char* name) {
+  std::string value(32768, '\0');
+  value.resize(GetEnvironmentVariableA(name, value.data(), static_cast<DWORD>(value.size())));
+  return value;
+}
+
+bool IsFile(const std::string& path) {
+  const DWORD attributes = GetFileAttributesA(path.c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+}
+
 bool IsElevated() {
   HANDLE token = nullptr;
   if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token)) return false;
@@ -116,12 +134,12 @@ bool IsElevated() {
 }  // namespace
 
 std::optional<std::string> LocateProgram(const std::string& program) {
-  std::array<char, MAX_PATH> found{};
-  const DWORD length = SearchPathA(nullptr, program.c_str(), ".exe",
-                                   static_cast<DWORD>(found.size()), found.data(), nullptr);
-  if (length == 0) return std::nullopt;
-  // Found, but its path exceeds MAX_PATH; return the name given.
-  return length < found.size() ? std::string(found.data(), length) : program;
+  std::string extensions = ReadVariable("PATHEXT");
+  if (extensions.empty()) extensions = kUsualExtensions;
+  for (std::string& path : ListProgramPaths(program, ReadVariable("PATH"), extensions)) {
+    if (IsFile(path)) return std::move(path);
+  }
+  return std::nullopt;
 }
 
 MachineFacts DescribeThisMachine(const std::filesystem::path& logFolder) {
@@ -138,14 +156,34 @@ MachineFacts DescribeThisMachine(const std::filesystem::path& logFolder) {
   return facts;
 }
 
-LiveMachine PrepareLiveMachine(const std::filesystem::path& logFolder) {
+std::filesystem::path FindDefaultLogFolder() {
+  const std::filesystem::path logs = std::filesystem::current_path() / "logs";
+  std::error_code ignored;
+  const bool isThere = std::filesystem::exists(std::filesystem::symlink_status(logs, ignored));
+  if (isThere ? IsOwnFolder(logs) && CanWriteInto(logs) : CanWriteInto(logs.parent_path())) {
+    return logs;
+  }
+  const wchar_t* own = _wgetenv(L"LOCALAPPDATA");
+  return own == nullptr ? logs : std::filesystem::path(own) / "pqhost" / "logs";
+}
+
+LiveMachine PrepareLiveMachine(const std::filesystem::path& logFolder, FolderAccess access) {
   MachineFacts facts = DescribeThisMachine(logFolder);
   const std::filesystem::path path = AddSeparator(logFolder);
   std::error_code failure;
-  std::filesystem::create_directories(path, failure);
-  if (failure) {
+  const bool isOwn = access == FolderAccess::kOwn;
+  // Ends with a separator, so its parent is the folder itself.
+  const std::filesystem::path folder = path.parent_path();
+  std::filesystem::create_directories(isOwn ? folder.parent_path() : folder, failure);
+  std::uint32_t error = static_cast<std::uint32_t>(failure.value());
+  if (error == 0 && isOwn) error = CreateOwnFolder(folder);
+  if (error != 0) {
     throw LiveError("cannot create the log folder " + ToUtf8(path.native()) + ": " +
-                    DescribeSystemError(static_cast<std::uint32_t>(failure.value())));
+                    DescribeSystemError(error));
+  }
+  if (isOwn && !IsOwnFolder(folder)) {
+    throw LiveError("the log folder " + ToUtf8(path.native()) +
+                    " belongs to someone else; choose another with --log-folder");
   }
   return {std::move(facts), NarrowLogFolder(path)};
 }

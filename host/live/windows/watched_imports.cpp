@@ -3,19 +3,20 @@
 #include <io.h>
 #include <windows.h>
 
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "frame/platform.h"
-#include "host/live/windows/limited_tool.h"
 #include "host/live/windows/module_image.h"
+#include "host/live/windows/tool_job.h"
 #include "host/recorded/interpreter.h"
 #include "host/secrets/amt_login.h"
 
@@ -25,9 +26,11 @@ namespace {
 /// The state that the replaced functions share.
 struct Watch {
   LiveWatch given;
-  HANDLE process = nullptr;  ///< the process started last, until it was awaited
-  HANDLE pipe = nullptr;     ///< read end of the pipe made last
-  std::optional<LimitedTool> limited;
+  HANDLE process = nullptr;      ///< the process started last, until it was awaited
+  HANDLE pipe = nullptr;         ///< read end of the pipe made last
+  std::unique_ptr<ToolJob> job;  ///< of the tool started last
+  std::vector<std::unique_ptr<ToolJob>>
+      left;                       ///< of tools that are over, but left programs running
   std::optional<AmtLogin> login;  ///< that the tool started last was given
   std::string commandLine;        ///< of the tool started last, until its answer was told
   Bytes output;                   ///< through its pipe so far
@@ -54,25 +57,28 @@ bool IsRefused() {
   return true;
 }
 
-/// Starts a process that ends when its time is up, if it has a limit. Ctrl-C is for the host alone.
+/// Starts a process in a job of its own. Ctrl-C is for the host alone.
 template <typename Start>
-BOOL StartWithLimit(DWORD flags, PROCESS_INFORMATION& started, const Start& start) {
-  const std::optional<unsigned>& limit = GetWatch().given.toolLimit;
+BOOL StartInJob(DWORD flags, PROCESS_INFORMATION& started, const Start& start) {
   flags |= CREATE_NEW_PROCESS_GROUP;
-  if (!limit) return start(flags);
   if (!start(flags | CREATE_SUSPENDED)) return FALSE;
-  GetWatch().limited.emplace(started.hProcess, std::chrono::seconds(*limit));
+  GetWatch().job = std::make_unique<ToolJob>(started.hProcess, GetWatch().given.toolLimits);
   if ((flags & CREATE_SUSPENDED) == 0) ResumeThread(started.hThread);
   return TRUE;
 }
 
-/// Stops the clock of the tool started last.
-void EndLimit() {
+/// The tool started last is over, or the library abandoned it. What it left running goes on, but
+/// ends with the library's use.
+void EndTool() {
   Watch& watch = GetWatch();
-  if (!watch.limited) return;
-  const bool wasEnded = watch.limited->Stop();
-  watch.limited.reset();
-  if (wasEnded) GetObserver().OnToolEnded(*watch.given.toolLimit);
+  if (!watch.job) return;
+  const ToolLimits& limits = watch.given.toolLimits;
+  const ToolJob::Met met = watch.job->Stop();
+  std::erase_if(watch.left, [](const auto& job) { return !job->IsRunning(); });
+  if (watch.job->IsRunning()) watch.left.push_back(std::move(watch.job));
+  watch.job.reset();
+  if (met.time) GetObserver().OnToolEnded(*limits.seconds);
+  if (met.memory) GetObserver().OnToolOutOfMemory(*limits.mebibytes);
 }
 
 /// The bytes of the file that a command line's output went to.
@@ -110,14 +116,14 @@ BOOL WINAPI WatchedCreateProcessA(LPCSTR application, LPSTR commandLine,
                                   LPSECURITY_ATTRIBUTES threadSecurity, BOOL inheritHandles,
                                   DWORD flags, LPVOID environment, LPCSTR folder,
                                   LPSTARTUPINFOA startup, LPPROCESS_INFORMATION started) {
-  EndLimit();  // of a tool that the library abandoned
+  EndTool();  // that the library abandoned
   TellAnswer();
   const bool pipe = (startup->dwFlags & STARTF_USESTDHANDLES) != 0;
   GetObserver().OnProcess(application, commandLine, inheritHandles != FALSE, pipe);
   if (IsRefused()) return FALSE;
   GetWatch().login = FindAmtLogin(commandLine);
   if (Recorder* recorder = FindRecorder()) recorder->BeginRun(commandLine, pipe);
-  const BOOL done = StartWithLimit(flags, *started, [&](DWORD allFlags) {
+  const BOOL done = StartInJob(flags, *started, [&](DWORD allFlags) {
     return CreateProcessA(application, commandLine, processSecurity, threadSecurity, inheritHandles,
                           allFlags, environment, folder, startup, started);
   });
@@ -148,7 +154,7 @@ DWORD WINAPI WatchedWaitForSingleObject(HANDLE handle, DWORD milliseconds) {
     const DWORD error = GetLastError();
     DWORD exitCode = 0;
     GetExitCodeProcess(handle, &exitCode);
-    EndLimit();
+    EndTool();
     // Before anyone reads it: neither the tables nor the log folder are to show the password.
     if (GetWatch().login) HidePasswordInReport(*GetWatch().login);
     if (Recorder* recorder = FindRecorder()) recorder->EndRun(exitCode);
@@ -168,7 +174,7 @@ int RunSystem(const char* command) {
   STARTUPINFOA startup{};
   startup.cb = sizeof(startup);
   PROCESS_INFORMATION started{};
-  const BOOL done = StartWithLimit(0, started, [&](DWORD flags) {
+  const BOOL done = StartInJob(0, started, [&](DWORD flags) {
     return CreateProcessA(interpreter.c_str(), line.data(), nullptr, nullptr, TRUE, flags, nullptr,
                           nullptr, &startup, &started);
   });
@@ -178,12 +184,12 @@ int RunSystem(const char* command) {
   DWORD exitCode = 0;
   GetExitCodeProcess(started.hProcess, &exitCode);
   CloseHandle(started.hProcess);
-  EndLimit();
+  EndTool();
   return static_cast<int>(exitCode);
 }
 
 int WatchedSystem(const char* command) {
-  EndLimit();  // of a tool that the library abandoned
+  EndTool();  // that the library abandoned
   TellAnswer();
   GetObserver().OnSystem(command);
   if (IsRefused()) return -1;
@@ -267,7 +273,8 @@ WatchedImports::WatchedImports(void* module, const LiveWatch& watch) {
 WatchedImports::~WatchedImports() {
   for (const Replaced& entry : replaced) SetSlot(entry.slot, entry.original);
   Watch& watch = GetWatch();
-  watch.limited.reset();
+  watch.job.reset();
+  watch.left.clear();
   watch.login.reset();
   watch.given = {};
   watch.process = watch.pipe = nullptr;

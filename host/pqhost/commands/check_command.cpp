@@ -50,13 +50,14 @@ CheckedMachine LookAtThisMachine(const SourceOptions& options, const Console& co
   machine.facts = DescribeThisMachine(ChooseLogFolder(options));
   machine.locate = &LocateProgram;
   machine.surroundings = LookAround(ChooseLogFolder(options));
+  machine.allowsUnsafeFolders = options.allowsUnsafeFolders;
   machine.surroundings->libraryProblem = TryLibrary(options, console);
   return machine;
 }
 
 /// A recorded machine has the tools whose answers were recorded.
-CheckedMachine LookAtRecording(const std::filesystem::path& folder) {
-  const Recording recording = LoadRecording(folder);
+CheckedMachine LookAtRecording(const SourceOptions& options) {
+  const Recording recording = LoadRecording(*options.replay, options.rules);
   const auto locate =
       [commands = recording.commands](const std::string& program) -> std::optional<std::string> {
     const bool isThere =
@@ -81,9 +82,9 @@ Look LookOf(Finding::Kind kind) {
 
 int RunCheck(const CheckOptions& options, const Console& console) {
   const SourceOptions& source = options.source;
-  RefusePluginWithReplay(source);
+  RefuseMisuseOfReplay(source);
   const CheckedMachine machine =
-      source.replay ? LookAtRecording(*source.replay) : LookAtThisMachine(source, console);
+      source.replay ? LookAtRecording(source) : LookAtThisMachine(source, console);
   const std::vector<Finding> findings = CheckMachine(machine, options.modules);
   std::size_t width = 0;
   for (const Finding& finding : findings) {
@@ -107,6 +108,7 @@ CommandRun Define(OptionSet& set) {
   AddReplay(set, options->source);
   AddLogFolder(set, options->source);
   AddPlugin(set, options->source);
+  AddUnsafeFolder(set, options->source);
   return [options](const Console& console) { return RunCheck(*options, console); };
 }
 

@@ -10,6 +10,7 @@
 
 #include "host/check/dry_machine.h"
 #include "host/collect/recorded_source.h"
+#include "host/files/places.h"
 #include "host/formats/formats.h"
 #include "host/live/live.h"
 #include "host/pqhost/commands/commands.h"
@@ -38,6 +39,8 @@ standard error; 2 wrong use or unreadable input.
 
 /// A day; a tool that needs longer needs no limit.
 constexpr unsigned kLongestToolLimit = 86400;
+/// A tebibyte, more than a machine has.
+constexpr unsigned kLargestToolMemory = 1U << 20;
 
 struct CollectOptions {
   Selection selection;
@@ -52,7 +55,10 @@ void SeparateTrace(CollectOptions& options, bool isFormatGiven) {
   const Destination& trace = *options.trace;
   ResultOptions& result = options.result;
   if (!trace.IsStandardOutput() || !result.output.IsStandardOutput()) {
-    if (trace.path != result.output.path) return;
+    if (trace.IsStandardOutput() || result.output.IsStandardOutput() ||
+        !AreSameFile(trace.path, result.output.path)) {
+      return;
+    }
     throw UsageError("--trace and --output name the same file: give each its own");
   }
   // A trace on standard output is alone there, unless a format is asked for.
@@ -70,16 +76,19 @@ void RefuseWithReplay(const SourceOptions& source) {
         "--record has no use with --replay, which is a recording already: leave one of them "
         "away");
   }
-  if (source.toolLimit) {
-    throw UsageError(
-        "--tool-limit has no use with --replay, which runs no tools: leave one of them away");
+  const char* limit = source.toolLimits.seconds     ? "--tool-limit"
+                      : source.toolLimits.mebibytes ? "--tool-memory"
+                                                    : nullptr;
+  if (limit != nullptr) {
+    throw UsageError(fmt::format(
+        "{} has no use with --replay, which runs no tools: leave one of them away", limit));
   }
-  RefusePluginWithReplay(source);
+  RefuseMisuseOfReplay(source);
 }
 
 void RefuseWithDryRun(const OptionSet& set) {
-  for (const char* option :
-       {"--record", "--format", "--output", "--tool-limit", "--trace", "--plugin"}) {
+  for (const char* option : {"--record", "--format", "--output", "--tool-limit", "--tool-memory",
+                             "--trace", "--plugin", "--unsafe-folder"}) {
     if (!set.IsGiven(option)) continue;
     throw UsageError(fmt::format(
         "{} has no use with --dry-run, which collects nothing: leave one of them away", option));
@@ -90,7 +99,13 @@ void RefuseWithDryRun(const OptionSet& set) {
 void SettleOptions(CollectOptions& options, const OptionSet& set) {
   if (options.trace) SeparateTrace(options, set.IsGiven("--format"));
   if (options.source.replay) RefuseWithReplay(options.source);
+  RefuseInRecording(options.source, "--output", options.result.output);
+  if (options.trace) RefuseInRecording(options.source, "--trace", *options.trace);
   if (options.dryRun) RefuseWithDryRun(set);
+  if (options.source.replay) return;
+  // The tools of this machine run in the log folder.
+  options.result.output.MakeAbsolute();
+  if (options.trace) options.trace->MakeAbsolute();
 }
 
 /// A line on standard error for every table: its rows, or why there are none.
@@ -117,8 +132,9 @@ int RunCollect(const CollectOptions& options, const Console& console) {
     trace.emplace(*options.trace, console, passwords);
     listeners.Add(trace->Writer());
   };
-  auto [source, collection] = Gather(options.source, options.selection, console,
-                                     format.wantsLog ? KeepLog::kYes : KeepLog::kNo, openOutputs);
+  auto [interruption, source, collection] =
+      Gather(options.source, options.selection, console,
+             format.wantsLog ? KeepLog::kYes : KeepLog::kNo, openOutputs);
 
   // The results are shown even when the recording cannot be written.
   try {
@@ -135,14 +151,16 @@ int RunCollect(const CollectOptions& options, const Console& console) {
   }
   for (const std::string& problem : collection.problems) Complain(console, problem);
   ReportStatus(collection, console);
-  return collection.problems.empty() ? kExitDone : kExitIncomplete;
+  const bool isWhole = collection.problems.empty() && !IsInterruptionRequested();
+  return isWhole ? kExitDone : kExitIncomplete;
 }
 
 /// Shows the command lines of a collection without running them.
 int ShowCommands(const CollectOptions& options, const Console& console) {
   const SourceOptions& source = options.source;
-  const MachineFacts facts = source.replay ? DescribeRecording(LoadRecording(*source.replay))
-                                           : DescribeThisMachine(ChooseLogFolder(source));
+  const MachineFacts facts = source.replay
+                                 ? DescribeRecording(LoadRecording(*source.replay, source.rules))
+                                 : DescribeThisMachine(ChooseLogFolder(source));
   const TextDecoder decode(facts.codePage);
   std::string module;
   for (const DryCommand& command :
@@ -168,10 +186,13 @@ CommandRun Define(OptionSet& set) {
               "Keep what the tools print in this new folder, to be replayed (Windows)");
   AddLogFolder(set, source);
   AddPlugin(set, source);
+  AddUnsafeFolder(set, source);
   AddFormat(set, options->result, "results");
   AddOutput(set, options->result, "results");
-  set.AddSeconds("--tool-limit", source.toolLimit, kLongestToolLimit,
+  set.AddSeconds("--tool-limit", source.toolLimits.seconds, kLongestToolLimit,
                  "End a tool that runs for more than so many seconds (Windows)");
+  set.AddMebibytes("--tool-memory", source.toolLimits.mebibytes, kLargestToolMemory,
+                   "Give a tool, with all that it starts, so much memory and no more (Windows)");
   set.AddFlag("--dry-run", options->dryRun, "Show the command lines in order, and run nothing");
   set.AddDestination("--trace", options->trace, "Write all that the modules do to this file, or -");
   return [options, &set](const Console& console) {

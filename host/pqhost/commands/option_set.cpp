@@ -5,6 +5,10 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <charconv>
+#include <cstdint>
+#include <string_view>
+#include <system_error>
 #include <utility>
 
 #include "host/text/nearest_name.h"
@@ -89,9 +93,46 @@ void OptionSet::AddChoice(const char* name, std::vector<std::string> choices, st
 
 void OptionSet::AddSeconds(const char* name, std::optional<unsigned>& seconds, unsigned most,
                            const char* help) {
+  AddCount(name, "SECONDS", seconds, most, help);
+}
+
+void OptionSet::AddMebibytes(const char* name, std::optional<unsigned>& mebibytes, unsigned most,
+                             const char* help) {
+  AddCount(name, "MIB", mebibytes, most, help);
+}
+
+void OptionSet::AddCount(const char* name, const char* form, std::optional<unsigned>& count,
+                         unsigned most, const char* help) {
   CLI::Option* option = app.add_option_function<unsigned>(
-      name, [&seconds](unsigned count) { seconds = count; }, help);
-  option->type_name("SECONDS")->check(CLI::Range(1U, most));
+      name, [&count](unsigned given) { count = given; }, help);
+  option->type_name(form)->check(CLI::Range(1U, most));
+  rows.push_back({option, {name, OptionValue::kAny, {}}, nullptr});
+}
+
+void OptionSet::AddNumbers(const char* name, std::vector<std::string> names,
+                           std::function<void(const std::string&, std::uint64_t)> set,
+                           const char* help) {
+  CLI::Option* option = app.add_option_function<std::vector<std::string>>(
+      name,
+      [name, names = std::move(names), set = std::move(set)](const std::vector<std::string>& all) {
+        for (const std::string& given : all) {
+          const std::size_t end = std::min(given.find('='), given.size());
+          const std::string_view digits =
+              std::string_view(given).substr(std::min(end + 1, given.size()));
+          std::uint64_t number = 0;
+          const auto read = std::from_chars(digits.begin(), digits.end(), number);
+          const bool isNumber = read.ec == std::errc() && read.ptr == digits.end() && number > 0;
+          const std::string key = given.substr(0, end);
+          if (!isNumber || std::find(names.begin(), names.end(), key) == names.end()) {
+            throw UsageError(
+                fmt::format("{} {}: give one of {}, \"=\" and a number from 1, such as {}=1", name,
+                            given, fmt::join(names, ", "), names.front()));
+          }
+          set(key, number);
+        }
+      },
+      help);
+  option->type_name("NAME=NUMBER")->allow_extra_args(false);
   rows.push_back({option, {name, OptionValue::kAny, {}}, nullptr});
 }
 

@@ -49,6 +49,13 @@ class OptionSet {
   /// From one to `most`.
   void AddSeconds(const char* name, std::optional<unsigned>& seconds, unsigned most,
                   const char* help);
+  /// NAME=NUMBER with one of `names`, and a number from one; may be repeated. `set` is told of
+  /// each.
+  void AddNumbers(const char* name, std::vector<std::string> names,
+                  std::function<void(const std::string& name, std::uint64_t number)> set,
+                  const char* help);
+  void AddMebibytes(const char* name, std::optional<unsigned>& mebibytes, unsigned most,
+                    const char* help);
   /// The words that belong to no option, at most `most`. `name` and `form` are for the help.
   void AddArguments(const char* name, const char* form, OptionValue value, int most,
                     std::vector<std::string>& words, const char* help);
@@ -69,6 +76,8 @@ class OptionSet {
     const char* whenEmpty;  ///< the remedy for an empty value; null: it may be empty
   };
 
+  void AddCount(const char* name, const char* form, std::optional<unsigned>& count, unsigned most,
+                const char* help);
   void AddPathOption(const char* name, OptionValue value,
                      std::function<void(std::filesystem::path)> set, const std::string& help,
                      const char* whenEmpty);

@@ -3,10 +3,12 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
+#include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -15,6 +17,7 @@
 #include "host/pqhost/commands/commands.h"
 #include "host/pqhost/commands/shared_options.h"
 #include "host/pqhost/gather.h"
+#include "host/program/deadline.h"
 #include "host/program/result_output.h"
 #include "host/text/decoder.h"
 #include "host/text/path_text.h"
@@ -36,6 +39,7 @@ struct QueryOptions {
   std::vector<std::string> words;  ///< the database, if any, then the statement
   SourceOptions source;
   ResultOptions result;
+  std::optional<unsigned> timeLimit;  ///< seconds
 };
 
 constexpr char kAnswer[] = "ANSWER";
@@ -44,11 +48,10 @@ constexpr int kNoNumber = -1;
 /// Column names may repeat in an answer; properties may not.
 std::vector<std::string> MakeKeys(const Database::Names& names) {
   std::vector<std::string> keys;
+  std::set<std::string> taken;
   for (const std::string& name : names) {
     std::string key = name;
-    for (int i = 2; std::find(keys.begin(), keys.end(), key) != keys.end(); ++i) {
-      key = fmt::format("{}_{}", name, i);
-    }
+    for (int i = 2; !taken.insert(key).second; ++i) key = fmt::format("{}_{}", name, i);
     keys.push_back(std::move(key));
   }
   return keys;
@@ -97,38 +100,61 @@ void RefuseContradictions(const QueryOptions& options) {
         "there is no query: give one, as in pqhost query --replay FOLDER \"SELECT * "
         "FROM SENSORINFO\"");
   }
-  RefusePluginWithReplay(options.source);
+  RefuseMisuseOfReplay(options.source);
+  RefuseInRecording(options.source, "--output", options.result.output);
   if (FindDatabase(options) && options.source.replay) {
     throw UsageError("a database and --replay are both there to be asked: give one of them");
   }
 }
 
+/// Collects into `database`, which is empty; the exit code says whether all of it came.
+int CollectInto(Database& database, const QueryOptions& options, const Console& console,
+                std::optional<ResultOutput>& output) {
+  // The recording is let go of at once: the database holds all of it again.
+  const Collection collection = Gather(options.source, {}, console, KeepLog::kYes, [&](auto&) {
+                                  output.emplace(options.result.output, console);
+                                }).collection;
+  database.Fill(collection);
+  for (const std::string& problem : collection.problems) Complain(console, problem);
+  return collection.problems.empty() ? kExitDone : kExitIncomplete;
+}
+
 /// Throws DatabaseError as well.
 int AnswerQuery(const QueryOptions& options, const Console& console) {
+  // SQLite looks at the time between the steps of a statement, and one step can take for ever: to
+  // find a megabyte in a megabyte is one.
+  constexpr std::chrono::seconds kTimeToNotice{2};
   const Format& format = ChooseFormat(options.result, console);
+  const std::chrono::seconds time(options.timeLimit.value_or(kUsualQueryTime.count()));
+  const std::optional<std::filesystem::path> file = FindDatabase(options);
   std::optional<ResultOutput> output;
   std::optional<Database> database;
   int exitCode = kExitDone;
-  if (const auto file = FindDatabase(options)) {
-    database.emplace(*file);
+  if (file) {
     output.emplace(options.result.output, console);
   } else {
-    const Gathered gathered = Gather(options.source, {}, console, KeepLog::kYes, [&](auto&) {
-      output.emplace(options.result.output, console);
-    });
-    database.emplace();
-    database->Fill(gathered.collection);
-    for (const std::string& problem : gathered.collection.problems) Complain(console, problem);
-    if (!gathered.collection.problems.empty()) exitCode = kExitIncomplete;
+    exitCode = CollectInto(database.emplace(time), options, console, output);
   }
-  const Collection answer = Ask(*database, options.words.back());
+  Collection answer;
+  {
+    const Deadline deadline(time + kTimeToNotice, [&] {
+      output.reset();
+      Complain(console, DescribeTimeout(time));
+      std::_Exit(kExitMisused);
+    });
+    if (file) database.emplace(*file, time);
+    answer = Ask(*database, options.words.back());
+  }
+  database.reset();  // Its memory is for the result now.
   output->Write(
       [&](const Screen& screen, std::ostream& out) { format.write(answer, screen, out); });
   return exitCode;
 }
 
-int RunQuery(const QueryOptions& options, const Console& console) {
+int RunQuery(QueryOptions& options, const Console& console) {
   RefuseContradictions(options);
+  // The tools of this machine run in the log folder.
+  if (!options.source.replay && !FindDatabase(options)) options.result.output.MakeAbsolute();
   try {
     return AnswerQuery(options, console);
   } catch (const DatabaseError& error) {
@@ -142,9 +168,13 @@ CommandRun Define(OptionSet& set) {
                    "The database, if any, then one SELECT statement");
   AddReplay(set, options->source);
   AddPlugin(set, options->source);
+  AddUnsafeFolder(set, options->source);
   AddLogFolder(set, options->source);
   AddFormat(set, options->result, "answer");
   AddOutput(set, options->result, "answer");
+  constexpr unsigned kDay = 86400;
+  set.AddSeconds("--time-limit", options->timeLimit, kDay,
+                 "Give the query up after this time; 30 unless given");
   return [options](const Console& console) { return RunQuery(*options, console); };
 }
 

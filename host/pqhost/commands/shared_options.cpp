@@ -3,7 +3,9 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include "host/files/places.h"
 #include "host/program/result_output.h"
+#include "host/text/path_text.h"
 #include "host/text/usage_error.h"
 
 namespace host {
@@ -24,6 +26,19 @@ void AddModules(OptionSet& set, std::vector<std::string>& modules, const char* h
 void AddReplay(OptionSet& set, SourceOptions& source) {
   set.AddPath("--replay", OptionValue::kFolder, source.replay,
               "Take this recording for the machine");
+  std::vector<std::string> names;
+  for (const NamedLimit& limit : kNamedLimits) names.emplace_back(limit.name);
+  set.AddNumbers(
+      "--limit", std::move(names),
+      [&limits = source.rules.limits](const std::string& name, std::uint64_t number) {
+        for (const NamedLimit& limit : kNamedLimits) {
+          if (limit.name == name) limits.*limit.limit = number;
+        }
+      },
+      "Read a larger recording: commands, files, file-size or recording-size (MiB); may be "
+      "repeated");
+  set.AddFlag("--unverified", source.rules.allowChanges,
+              "Read a recording also when it is not as it was made, and say so");
 }
 
 void AddLogFolder(OptionSet& set, SourceOptions& source) {
@@ -36,11 +51,30 @@ void AddPlugin(OptionSet& set, SourceOptions& source) {
               "The library; repository_pqmodule.dll beside this program, unless given");
 }
 
-void RefusePluginWithReplay(const SourceOptions& source) {
-  if (source.replay && source.plugin) {
+void AddUnsafeFolder(OptionSet& set, SourceOptions& source) {
+  set.AddFlag("--unsafe-folder", source.allowsUnsafeFolders,
+              "Run although the interpreter may read a folder's path as another (Windows)");
+}
+
+void RefuseInRecording(const SourceOptions& source, const char* option, const Destination& place) {
+  if (!source.replay || place.IsStandardOutput()) return;
+  if (!IsInFolder(place.path, *source.replay)) return;
+  throw UsageError(
+      fmt::format("{} {} is in the recording, which stays as it is: name another place", option,
+                  PathText(place.path)));
+}
+
+void RefuseMisuseOfReplay(const SourceOptions& source) {
+  if (!source.replay) return;
+  if (source.logFolder) RefuseInRecording(source, "--log-folder", {*source.logFolder});
+  if (source.plugin) {
     throw UsageError(
         "--plugin has no use with --replay, which runs the built-in modules: leave "
         "one of them away");
+  }
+  if (source.allowsUnsafeFolders) {
+    throw UsageError(
+        "--unsafe-folder has no use with --replay, which runs no tools: leave one of them away");
   }
 }
 

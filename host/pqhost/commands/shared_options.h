@@ -15,15 +15,21 @@ namespace host {
 /// --module
 void AddModules(OptionSet& set, std::vector<std::string>& modules, const char* help);
 
-/// --replay
+/// --replay, and how it is read: --limit, --unverified
 void AddReplay(OptionSet& set, SourceOptions& source);
 /// --log-folder
 void AddLogFolder(OptionSet& set, SourceOptions& source);
 /// --plugin
 void AddPlugin(OptionSet& set, SourceOptions& source);
 
-/// Throws UsageError when both were given.
-void RefusePluginWithReplay(const SourceOptions& source);
+/// Throws UsageError when an option was given that all live commands share, and a recording as
+/// well, and for a --log-folder in the recording.
+void RefuseMisuseOfReplay(const SourceOptions& source);
+/// Throws UsageError when `place`, to be written, is in the recording that is replayed: whoever
+/// made that may have put links there.
+void RefuseInRecording(const SourceOptions& source, const char* option, const Destination& place);
+/// --unsafe-folder
+void AddUnsafeFolder(OptionSet& set, SourceOptions& source);
 
 /// How a result is written, and where.
 struct ResultOptions {

@@ -1,12 +1,16 @@
 #include <iostream>
+#include <memory>
 
 #include "host/pqhost/pqhost.h"
+#include "host/program/interruption.h"
 #include "host/program/terminal.h"
 
 int main(int argc, char** argv) {
+  host::EndCleanlyWhenAsked(host::kExitIncomplete);
   const host::TerminalFacts facts = host::PrepareTerminal();
+  const std::unique_ptr<std::ostream> results = host::TakeStandardOutput();
   const host::Console console{.programName = "pqhost",
-                              .out = std::cout,
+                              .out = results ? *results : std::cout,
                               .error = std::cerr,
                               .outIsTerminal = facts.outIsTerminal,
                               .errorIsTerminal = facts.errorIsTerminal,

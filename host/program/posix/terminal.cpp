@@ -32,6 +32,9 @@ TerminalFacts PrepareTerminal() {
   return facts;
 }
 
+// Tools only run on Windows.
+std::unique_ptr<std::ostream> TakeStandardOutput() { return nullptr; }
+
 std::vector<std::string> GetProgramArguments(int argc, char** argv) {
   return argc > 0 ? std::vector<std::string>(argv + 1, argv + argc) : std::vector<std::string>();
 }

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "host/files/file_stream.h"
 #include "host/program/terminal.h"
 #include "host/text/path_text.h"
 
@@ -51,6 +52,28 @@ TerminalFacts PrepareTerminal() {
   _setmode(_fileno(stdout), _O_BINARY);
   _setmode(_fileno(stderr), _O_BINARY);
   return facts;
+}
+
+std::unique_ptr<std::ostream> TakeStandardOutput() {
+  constexpr int kOut = 1;
+  constexpr int kError = 2;
+  const int kept = _dup(kOut);
+  if (kept < 0) return nullptr;  // There is no standard output.
+  auto results = std::make_unique<FileStream>(FileHandle(kept));
+  // Not for the programs that this one starts.
+  SetHandleInformation(reinterpret_cast<HANDLE>(_get_osfhandle(kept)), HANDLE_FLAG_INHERIT, 0);
+  // A console shows all at once, before what standard error shows next.
+  if (_isatty(kept)) *results << std::unitbuf;
+  std::fflush(stdout);
+  if (_dup2(kError, kOut) != 0) {
+    // There is no standard error either.
+    const int nowhere = _open("NUL", _O_WRONLY | _O_BINARY);
+    _dup2(nowhere, kOut);
+    _close(nowhere);
+  }
+  // A library with a C runtime of its own, and the programs that it starts, go by this.
+  SetStdHandle(STD_OUTPUT_HANDLE, reinterpret_cast<HANDLE>(_get_osfhandle(kOut)));
+  return results;
 }
 
 std::vector<std::string> GetProgramArguments(int /*argc*/, char** /*argv*/) {

@@ -12,6 +12,7 @@
 #include <string>
 #include <thread>
 
+#include "host/text/usage_error.h"
 #include "tests/support/temporary_folder.h"
 
 namespace host {
@@ -19,7 +20,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using test::TemporaryFolder;
-using testing::ElementsAre;
+using testing::UnorderedElementsAre;
 
 void WriteText(const fs::path& path, const std::string& text) {
   OutputFile file(path);
@@ -27,14 +28,33 @@ void WriteText(const fs::path& path, const std::string& text) {
   file.Complete();
 }
 
-TEST(OutputFile, IsWrittenWhereALinkLeads) {
+TEST(OutputFile, IsNotWrittenWhereALinkLeads) {
   const TemporaryFolder folder;
   folder.Write("real/file", "old");
   fs::create_symlink("real/file", folder / "link");
-  WriteText(folder / "link", "new");
-  EXPECT_TRUE(fs::is_symlink(folder / "link"));
-  EXPECT_EQ(folder.Read("real/file"), "new");
-  EXPECT_THAT(folder.Files(), ElementsAre("link", "real/file"));
+  fs::create_symlink("real/new", folder / "dangling");
+  EXPECT_THROW(WriteText(folder / "link", "new"), UsageError);
+  EXPECT_THROW(WriteText(folder / "dangling", "new"), UsageError);
+  EXPECT_EQ(folder.Read("real/file"), "old");
+  EXPECT_THAT(folder.Files(), UnorderedElementsAre("link", "real/file"));
+}
+
+TEST(OutputFile, KeepsTheModeOfAnOldFile) {
+  const TemporaryFolder folder;
+  folder.Write("o", "old");
+  chmod((folder / "o").c_str(), 0640);
+  WriteText(folder / "o", "new");
+  EXPECT_EQ(fs::status(folder / "o").permissions(), fs::perms(0640));
+}
+
+TEST(OutputFile, IsNotReadByOthersWhileItReplacesAFile) {
+  const TemporaryFolder folder;
+  folder.Write("o", "old");
+  chmod((folder / "o").c_str(), 0600);
+  OutputFile file(folder / "o");
+  for (const auto& entry : fs::directory_iterator(folder.Path())) {
+    EXPECT_EQ(entry.status().permissions(), fs::perms(0600)) << entry.path();
+  }
 }
 
 TEST(OutputFile, LeavesADeviceInItsPlace) {

@@ -28,7 +28,9 @@ std::string ToLower(std::string text) {
 
 /// What comes with the system or the compiler.
 bool IsForeign(const std::string& library) {
-  static const std::set<std::string> kForeign = {"kernel32.dll", "msvcrt.dll", "libgcc_s_seh-1.dll",
+  // The guard of the stack takes its random number from advapi32.dll.
+  static const std::set<std::string> kForeign = {"advapi32.dll",    "kernel32.dll",
+                                                 "msvcrt.dll",      "libgcc_s_seh-1.dll",
                                                  "libstdc++-6.dll", "libwinpthread-1.dll"};
   return kForeign.contains(library);
 }

@@ -4,6 +4,8 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cstring>
+#include <fstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -82,6 +84,54 @@ TEST(LiveLibrary, IsRefusedWhenItExportsNoAddModules) {
   EXPECT_NE(refusal.find("exports no function AddModules"), std::string::npos) << refusal;
 }
 
+/// A folder that is the current one, and goes with its files when destroyed.
+class CurrentFolder {
+ public:
+  explicit CurrentFolder(const char* name) : folder(BesideThisProgram(name)) {
+    std::filesystem::remove_all(folder);
+    std::filesystem::create_directories(folder);
+    std::filesystem::current_path(folder);
+  }
+  CurrentFolder(const CurrentFolder&) = delete;
+  CurrentFolder& operator=(const CurrentFolder&) = delete;
+  ~CurrentFolder() {
+    std::error_code ignored;
+    std::filesystem::current_path(before, ignored);
+    std::filesystem::remove_all(folder, ignored);
+  }
+  const std::filesystem::path& Path() const { return folder; }
+
+ private:
+  std::filesystem::path folder;
+  std::filesystem::path before = std::filesystem::current_path();
+};
+
+TEST(LiveLibrary, KeepsLibrariesOfTheCurrentFolderAndOfThePathOut) {
+  const CurrentFolder current("planted libraries");
+  const auto library = host::LoadLiveLibrary(BesideThisProgram(host::kPluginFileName), {});
+  std::filesystem::copy_file(BesideThisProgram("logger.dll"), current.Path() / "planted.dll");
+  const std::wstring before = _wgetenv(L"PATH");
+  SetEnvironmentVariableW(L"PATH", current.Path().c_str());
+  EXPECT_EQ(LoadLibraryW(L"planted.dll"), nullptr);
+  SetEnvironmentVariableW(L"PATH", before.c_str());
+  EXPECT_NE(GetEnvironmentVariableW(L"NoDefaultCurrentDirectoryInExePath", nullptr, 0), 0U);
+}
+
+TEST(LocateProgram, FollowsPathAndItsExtensionsAndLeavesTheCurrentFolderOut) {
+  const CurrentFolder current("planted programs");
+  std::filesystem::create_directory("first");
+  for (const char* file : {"route.com", "arp.exe", "first/route.bat"}) std::ofstream(file) << "x";
+  const std::wstring before = _wgetenv(L"PATH");
+  const std::string first = (current.Path() / "first").string();
+  SetEnvironmentVariableW(L"PATH",
+                          (std::filesystem::path(first).wstring() + L";" + before).c_str());
+  const std::string route = host::LocateProgram("route").value_or("");
+  const std::optional<std::string> arp = host::LocateProgram("arp.exe");
+  SetEnvironmentVariableW(L"PATH", before.c_str());
+  EXPECT_EQ(_stricmp(route.c_str(), (first + "\\route.bat").c_str()), 0) << route;
+  EXPECT_EQ(arp.value_or("").find(current.Path().string()), std::string::npos) << *arp;
+}
+
 TEST(WatchedImports, PutsTheAddressesBack) {
   HMODULE plugin = LoadLibraryW(BesideThisProgram(host::kPluginFileName).c_str());
   ASSERT_NE(plugin, nullptr);
@@ -102,7 +152,8 @@ TEST(WatchedImports, PutsTheAddressesBack) {
 TEST(LiveMachine, CreatesTheLogFolder) {
   const std::filesystem::path folder = BesideThisProgram("live machine test") / "logs";
   std::filesystem::remove_all(folder.parent_path());
-  const host::LiveMachine machine = host::PrepareLiveMachine(folder);
+  const host::LiveMachine machine =
+      host::PrepareLiveMachine(folder, host::FolderAccess::kInherited);
   EXPECT_TRUE(std::filesystem::is_directory(folder));
   EXPECT_EQ(machine.logFolder, folder.string() + "\\");
   EXPECT_EQ(machine.facts.logFolder, folder.string() + "\\");
@@ -113,13 +164,13 @@ TEST(LiveMachine, CreatesTheLogFolder) {
 TEST(LiveMachine, RefusesALogFolderThatThePluginHasNoRoomFor) {
   const std::filesystem::path folder =
       BesideThisProgram("refused") / std::string(150, 'a') / std::string(100, 'b');
-  EXPECT_THROW(host::PrepareLiveMachine(folder), host::LiveError);
+  EXPECT_THROW(host::PrepareLiveMachine(folder, host::FolderAccess::kInherited), host::LiveError);
   EXPECT_FALSE(std::filesystem::exists(BesideThisProgram("refused")));
 }
 
 TEST(LiveMachine, RefusesALogFolderThatTheCodePageLacks) {
   const std::filesystem::path folder = BesideThisProgram("refused") / L"\x0434\x4e2d";
-  EXPECT_THROW(host::PrepareLiveMachine(folder), host::LiveError);
+  EXPECT_THROW(host::PrepareLiveMachine(folder, host::FolderAccess::kInherited), host::LiveError);
   EXPECT_FALSE(std::filesystem::exists(BesideThisProgram("refused")));
 }
 

@@ -67,5 +67,15 @@ TEST_F(RecordingLinks, ShowsAFoldersStrangeNameOnOneLine) {
                                                       "?/recording.json: ")));
 }
 
+TEST_F(RecordingLinks, DoNotLeadRecordingJsonOut) {
+  outside.Write("recording.json", R"({"format":1})");
+  std::filesystem::remove(recording.Path() / "recording.json");
+  std::filesystem::create_symlink(outside.Path() / "recording.json",
+                                  recording.Path() / "recording.json");
+  EXPECT_THAT([&] { LoadRecording(recording.Path()); },
+              ThrowsMessage<RecordingError>(
+                  HasSubstr("recording.json: leads out of the recording's folder")));
+}
+
 }  // namespace
 }  // namespace host

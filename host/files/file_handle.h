@@ -1,0 +1,64 @@
+// Files of the system, opened so that nobody else decides which file it is.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <string_view>
+#include <utility>
+
+namespace host {
+
+/// An open file, closed with the object. Programs that are started do not inherit it. A failed call
+/// leaves the reason in errno.
+class FileHandle {
+ public:
+  explicit FileHandle(int descriptor = kClosed) : descriptor(descriptor) {}
+  FileHandle(FileHandle&& other) noexcept : descriptor(std::exchange(other.descriptor, kClosed)) {}
+  FileHandle& operator=(FileHandle&& other) noexcept {
+    std::swap(descriptor, other.descriptor);
+    return *this;
+  }
+  ~FileHandle() { Close(); }
+
+  bool IsOpen() const { return descriptor != kClosed; }
+  int Descriptor() const { return descriptor; }
+
+  /// Writes all of `bytes`.
+  bool Write(std::string_view bytes);
+  /// Reads until `size` bytes or the end; how many.
+  std::size_t Read(char* bytes, std::size_t size) const;
+  /// In bytes.
+  std::uint64_t Size() const;
+  bool Close();
+
+ private:
+  static constexpr int kClosed = -1;
+
+  int descriptor;
+};
+
+enum class Readers { kOwner, kAsUsual };
+
+/// Makes a file that nobody has made before, not even as a link to somewhere else.
+FileHandle CreateNewFile(const std::filesystem::path& path, Readers readers);
+
+/// Empties a plain file, or makes it, for its owner alone; refuses a link. Devices and pipes are
+/// opened as they are.
+FileHandle OpenToOverwrite(const std::filesystem::path& path);
+
+/// Opens a plain file to read it; anything else is refused, without waiting for a pipe's writer.
+/// Throws std::runtime_error with the reason alone.
+FileHandle OpenToRead(const std::filesystem::path& path);
+
+/// Where an open file really is: its path without links. Empty when the system cannot tell. `path`
+/// is what it was opened by.
+std::filesystem::path FindRealPath(const FileHandle& file, const std::filesystem::path& path);
+
+/// The same of a folder.
+std::filesystem::path FindRealFolder(const std::filesystem::path& folder);
+
+/// Gives `file`, which is to replace `replaced`, its mode and owner, as far as the system lets us.
+void CopyAccess(const std::filesystem::path& replaced, const FileHandle& file);
+
+}  // namespace host

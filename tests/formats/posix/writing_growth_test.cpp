@@ -1,0 +1,34 @@
+// How the work of each format grows with what it writes.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "host/formats/formats.h"
+#include "tests/support/posix/shell_command.h"
+#include "tests/support/posix/work_growth.h"
+
+namespace host {
+namespace {
+
+class WritingALongTable : public testing::TestWithParam<const char*> {};
+
+TEST_P(WritingALongTable, TakesTwiceTheWorkForTwiceTheRows) {
+  if (!test::kCanMeasureGrowth) return;
+  const double growth = test::MeasureGrowth(500, [](int rows) {
+    return "'" + test::FindBuiltProgram("write_long_table").string() + "' " + GetParam() + " " +
+           std::to_string(rows);
+  });
+  EXPECT_LT(growth, test::kLinearGrowth);
+}
+
+std::vector<const char*> ListNames() {
+  std::vector<const char*> names;
+  for (const Format& format : Formats()) names.push_back(format.name);
+  return names;
+}
+
+INSTANTIATE_TEST_SUITE_P(InEachFormat, WritingALongTable, testing::ValuesIn(ListNames()));
+
+}  // namespace
+}  // namespace host

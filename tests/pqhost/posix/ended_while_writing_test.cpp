@@ -1,0 +1,83 @@
+// A program that is ended at any write leaves the old file or the new one.
+#include <gmock/gmock.h>
+#include <signal.h>
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "tests/support/posix/shell_command.h"
+#include "tests/support/program/host_run.h"
+#include "tests/support/sanitizers.h"
+#include "tests/support/temporary_folder.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+constexpr int kTooMany = 1000;
+
+class EndedWhileWriting : public testing::Test {
+ protected:
+  EndedWhileWriting() {
+    folder.Write("o", "old");
+    whole = test::RunHost({"collect", "--replay", test::Sample("blade"), "--format", "csv"}).out;
+  }
+
+  /// The exit status, as the shell tells it, of a run that gets `signal` at its write number `at`.
+  int Run(int signal, int at) {
+    const std::string line =
+        "PQ_SIGNAL=" + std::to_string(signal) + " PQ_AT=" + std::to_string(at) + " LD_PRELOAD='" +
+        test::FindBuiltProgram("signal_at_write.so").string() + "' '" +
+        test::FindBuiltProgram("pqhost").string() + "' collect --replay '" + test::Sample("blade") +
+        "' --format csv --output '" + (folder / "o") + "' >/dev/null 2>&1";
+    return WEXITSTATUS(std::system(line.c_str()));
+  }
+
+  /// For every write that there is; `then` is told the exit status.
+  template <typename Then>
+  void RunAtEachWrite(int signal, const Then& then) {
+    int at = 1;
+    for (; at < kTooMany; ++at) {
+      folder.Write("o", "old");
+      const int status = Run(signal, at);
+      if (status == 0) break;  // It has fewer writes.
+      then(status);
+      if (HasFailure()) return;
+    }
+    EXPECT_GT(at, 1);
+    EXPECT_LT(at, kTooMany);
+    EXPECT_EQ(folder.Read("o"), whole);
+  }
+
+  test::TemporaryFolder folder;
+  std::string whole;
+};
+
+TEST_F(EndedWhileWriting, LeavesTheOldFileOrTheNewOne) {
+  if (PQ_HAS_ADDRESS_SANITIZER) GTEST_SKIP() << "its runtime has to be loaded first";
+  RunAtEachWrite(SIGKILL, [&](int status) {
+    EXPECT_EQ(status, 128 + SIGKILL);
+    EXPECT_EQ(folder.Read("o"), "old");
+  });
+}
+
+TEST_F(EndedWhileWriting, LeavesNoPartOfAFile) {
+  if (PQ_HAS_ADDRESS_SANITIZER) GTEST_SKIP() << "its runtime has to be loaded first";
+  for (const int signal : {SIGTERM, SIGHUP}) {
+    RunAtEachWrite(signal, [&](int status) {
+      EXPECT_EQ(status, 1);
+      EXPECT_EQ(folder.Read("o"), "old");
+      EXPECT_THAT(folder.Files(), ElementsAre("o"));
+    });
+  }
+}
+
+TEST_F(EndedWhileWriting, WritesAllTheSameAfterTheFirstCtrlC) {
+  if (PQ_HAS_ADDRESS_SANITIZER) GTEST_SKIP() << "its runtime has to be loaded first";
+  EXPECT_EQ(Run(SIGINT, 1), 1);
+  EXPECT_EQ(folder.Read("o"), whole);
+  EXPECT_THAT(folder.Files(), ElementsAre("o"));
+}
+
+}  // namespace
