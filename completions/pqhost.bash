@@ -24,11 +24,14 @@ _pqhost_complete() {
     'collect --output') words='<file>' ;;
     'collect --tool-limit') words='<any>' ;;
     'collect --tool-memory') words='<any>' ;;
+    'collect --amt-login') words='<file>' ;;
+    'collect --time-limit') words='<any>' ;;
     'collect --trace') words='<file>' ;;
-    'collect '*) words='--module --table --replay --limit --unverified --record --log-folder --plugin --unsafe-folder --format --output --tool-limit --tool-memory --dry-run --trace --help' ;;
+    'collect '*) words='--module --table --replay --limit --unverified --record --log-folder --plugin --unsafe-folder --format --output --tool-limit --tool-memory --amt-login --no-input --time-limit --dry-run --trace --help' ;;
     'modules --plugin') words='<file>' ;;
     'modules --format') words='table json markdown' ;;
-    'modules '*) words='--plugin --format --help' ;;
+    'modules --time-limit') words='<any>' ;;
+    'modules '*) words='--plugin --format --time-limit --help' ;;
     'query --replay') words='<folder>' ;;
     'query --limit') words='<any>' ;;
     'query --plugin') words='<file>' ;;
@@ -42,7 +45,8 @@ _pqhost_complete() {
     'check --limit') words='<any>' ;;
     'check --log-folder') words='<folder>' ;;
     'check --plugin') words='<file>' ;;
-    'check '*) words='--module --replay --limit --unverified --log-folder --plugin --unsafe-folder --help' ;;
+    'check --time-limit') words='<any>' ;;
+    'check '*) words='--module --replay --limit --unverified --log-folder --plugin --unsafe-folder --time-limit --help' ;;
     *) words='collect modules query check --version --help' ;;
   esac
 

@@ -3,13 +3,13 @@
 //
 // Either there is an answer, whose rows all have its columns, or one line says why not. The file is
 // left as it was, and nothing else is in its folder.
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "fuzz/bounded_sqlite.h"
 #include "fuzz/checks.h"
 #include "host/formats/database.h"
 #include "tests/support/program/made_collection.h"
@@ -30,7 +30,7 @@ std::string MakeDatabase() {
 /// Asks, and returns what went wrong.
 std::string Ask(const std::filesystem::path& file, const std::string& sql) {
   try {
-    host::Database database(file);
+    host::Database database(file, std::chrono::seconds(1));
     std::size_t columns = 0;
     database.Query(
         sql, [&](const host::Database::Names& names) { columns = names.size(); },
@@ -45,13 +45,8 @@ std::string Ask(const std::filesystem::path& file, const std::string& sql) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const bool kIsBound = [] {
-    fuzz::BoundSqlite(/*steps=*/200'000, /*bytes=*/128 << 20);
-    return true;
-  }();
   static const std::string kMade = MakeDatabase();
   static const test::TemporaryFolder kFolder;
-  Require(kIsBound);
   std::string_view rest = fuzz::InputText(data, size);
   const std::string sql(fuzz::TakeUpTo(rest, '\n'));
   const std::string_view bytes = rest.empty() ? kMade : rest;

@@ -24,6 +24,7 @@
 #include "host/recording/recorder.h"
 #include "host/recording/recording_reader.h"
 #include "host/recording/recording_writer.h"
+#include "host/secrets/amt_login.h"
 #include "host/text/ascii.h"
 #include "tests/support/samples.h"
 #include "tests/support/temporary_folder.h"
@@ -146,10 +147,19 @@ class WatchedMachine final : public pq::Platform, public host::MachineView {
   host::HandedOutList handedOut;
 };
 
+/// A trace as of a live machine, which shows nobody the password.
+struct LiveTrace final : host::TraceWriter {
+  using TraceWriter::TraceWriter;
+  void OnProcess(const std::string& application, const std::string& commandLine,
+                 bool inheritHandles, bool pipe) override {
+    TraceWriter::OnProcess(application, host::HidePassword(commandLine), inheritHandles, pipe);
+  }
+};
+
 /// A trace without what tools write to the console, which no recording tells from the rest.
 std::string CollectFrom(pq::Platform& machine, const host::Recording& recording) {
   std::ostringstream text;
-  host::TraceWriter trace(text, host::Passwords::kHidden);
+  LiveTrace trace(text);
   host::PlatformSource source(machine, host::DescribeRecording(recording));
   host::Collect(source, {}, trace);
   return std::move(text).str();

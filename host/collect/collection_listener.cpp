@@ -65,6 +65,10 @@ void CollectionListeners::OnToolOutOfMemory(unsigned mebibytes) {
   for (CollectionListener* listener : listeners) listener->OnToolOutOfMemory(mebibytes);
 }
 
+void CollectionListeners::OnNoLogin(const std::string& why) {
+  for (CollectionListener* listener : listeners) listener->OnNoLogin(why);
+}
+
 void CollectionListeners::OnRefused() {
   for (CollectionListener* listener : listeners) listener->OnRefused();
 }

@@ -53,6 +53,7 @@ class CollectionListeners final : public CollectionListener {
   void OnProcessEnd(std::uint32_t exitCode) override;
   void OnToolEnded(unsigned seconds) override;
   void OnToolOutOfMemory(unsigned mebibytes) override;
+  void OnNoLogin(const std::string& why) override;
   void OnRefused() override;
   void OnSystem(const std::string& command) override;
   void OnOpen(const std::string& path, const std::string& mode) override;

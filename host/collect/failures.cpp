@@ -93,6 +93,10 @@ void FailureList::OnToolOutOfMemory(unsigned mebibytes) {
                           " MiB; what it printed may not be whole"});
 }
 
+void FailureList::OnNoLogin(const std::string& why) {
+  AddOnce({module, "", "asked for a login and got none, so its log is not collected: " + why});
+}
+
 // The AMT module tests at every enumeration; a program that is missing is so once.
 void FailureList::AddOnce(Failure failure) {
   const bool isKnown = std::any_of(failures.begin(), failures.end(), [&](const Failure& known) {

@@ -51,6 +51,7 @@ class FailureList final : public CollectionListener {
   void OnAnswer(const ToolAnswer& answer) override;
   void OnToolEnded(unsigned seconds) override;
   void OnToolOutOfMemory(unsigned mebibytes) override;
+  void OnNoLogin(const std::string& why) override;
   void OnRefused() override { interrupted = true; }
   void Log(const LogLine& line) override;
 

@@ -1,6 +1,5 @@
 #include "host/collect/trace.h"
 
-#include "host/secrets/amt_login.h"
 #include "host/text/json_text.h"
 
 namespace host {
@@ -104,8 +103,7 @@ void TraceWriter::OnProcess(const std::string& application, const std::string& c
                             bool inheritHandles, bool pipe) {
   Write(BeginEvent("process")
             .AddBytes("application", application)
-            .AddBytes("commandLine",
-                      passwords == Passwords::kHidden ? HidePassword(commandLine) : commandLine)
+            .AddBytes("commandLine", commandLine)
             .AddFlag("inheritHandles", inheritHandles)
             .AddFlag("pipe", pipe));
 }

@@ -11,16 +11,11 @@
 
 namespace host {
 
-enum class Passwords { kShown, kHidden };
-
 /// Writes the events that it sees, and those that the host tells it, to `out`. Every byte of a text
 /// becomes the character with that code.
-class TraceWriter final : public RepositoryObserver, public CollectionListener {
+class TraceWriter : public RepositoryObserver, public CollectionListener {
  public:
-  /// A password typed on a live machine is to be hidden; one in a recording is readable there
-  /// anyway.
-  explicit TraceWriter(std::ostream& out, Passwords passwords = Passwords::kShown)
-      : out(out), passwords(passwords) {}
+  explicit TraceWriter(std::ostream& out) : out(out) {}
 
   RepositoryObserver* Calls() override { return this; }
   bool WantsLog() const override { return true; }
@@ -57,7 +52,6 @@ class TraceWriter final : public RepositoryObserver, public CollectionListener {
   void Write(JsonObject& event);
 
   std::ostream& out;
-  Passwords passwords;
   std::string layoutTable;
 };
 

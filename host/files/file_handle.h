@@ -55,7 +55,11 @@ FileHandle OpenToRead(const std::filesystem::path& path);
 /// is what it was opened by.
 std::filesystem::path FindRealPath(const FileHandle& file, const std::filesystem::path& path);
 
-/// The same of a folder.
+/// Whether others than this user and the system's administrators may read or change an open file,
+/// or own it; also when the system does not tell.
+bool IsOpenToOthers(const FileHandle& file);
+
+/// Where a folder really is.
 std::filesystem::path FindRealFolder(const std::filesystem::path& folder);
 
 /// Gives `file`, which is to replace `replaced`, its mode and owner, as far as the system lets us.

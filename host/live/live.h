@@ -14,6 +14,7 @@
 #include "frame/halyard/repository.h"
 #include "host/collect/collection_listener.h"
 #include "host/collect/machine_facts.h"
+#include "host/live/login_prompt.h"
 #include "host/live/tool_limits.h"
 #include "host/recording/recorder.h"
 
@@ -46,6 +47,7 @@ struct LiveWatch {
   /// Keeps the machine's answers once there is a recorder; null: never.
   std::optional<Recorder>* recorder = nullptr;
   ToolLimits toolLimits = {};
+  LoginPrompt* prompt = nullptr;  ///< answers the AMT module
 };
 
 /// Loads `plugin`, a path to the library's file. Throws LiveError.

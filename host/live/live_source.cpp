@@ -48,7 +48,8 @@ void LiveSource::Begin(CollectionListener& listener) {
   if (!settings.allowsUnsafeFolders) RefuseUnsafeFolders(DescribeThisMachine(settings.logFolder));
   machine = PrepareLiveMachine(settings.logFolder, settings.logFolderAccess);
   workingFolder.emplace(settings.logFolder);
-  library = LoadLiveLibrary(settings.plugin, {&listener, &recorder, settings.toolLimits});
+  library = LoadLiveLibrary(settings.plugin,
+                            {&listener, &recorder, settings.toolLimits, settings.prompt});
   if (!settings.recordingFolder) return;
   CreateEmptyFolder(*settings.recordingFolder, "--record");
   recorder.emplace(DescribeLiveMachine(machine), *machineView);

@@ -19,6 +19,7 @@ struct LiveSettings {
   ToolLimits toolLimits;
   FolderAccess logFolderAccess = FolderAccess::kInherited;
   bool allowsUnsafeFolders = false;  ///< also folders that the interpreter reads as others
+  LoginPrompt* prompt = nullptr;     ///< answers the AMT module; outlives the source
 };
 
 /// Makes a folder the process's current one, until destroyed: tools leave files there that no one

@@ -1,6 +1,8 @@
 // How much a tool may use.
 #pragma once
 
+#include <algorithm>
+#include <chrono>
 #include <cstdint>
 #include <optional>
 
@@ -10,7 +12,18 @@ namespace host {
 struct ToolLimits {
   std::optional<unsigned> seconds;    ///< after which it is ended
   std::optional<unsigned> mebibytes;  ///< of memory; it gets no more
+  /// When the whole collection is to be over, and any tool with it.
+  std::optional<std::chrono::steady_clock::time_point> end = {};
 };
+
+/// The seconds for a tool that starts now, at least one; nothing: it has no limit.
+constexpr std::optional<unsigned> GetSeconds(const ToolLimits& limits,
+                                             std::chrono::steady_clock::time_point now) {
+  if (!limits.end) return limits.seconds;
+  const auto left = std::chrono::ceil<std::chrono::seconds>(*limits.end - now).count();
+  const auto seconds = static_cast<unsigned>(std::max<std::int64_t>(left, 1));
+  return limits.seconds ? std::min(*limits.seconds, seconds) : seconds;
+}
 
 /// The memory limit in bytes; nothing: there is none.
 constexpr std::optional<std::uint64_t> GetMemoryLimit(const ToolLimits& limits) {

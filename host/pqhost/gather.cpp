@@ -1,8 +1,10 @@
 #include "host/pqhost/gather.h"
 
+#include <chrono>
 #include <optional>
 
 #include "host/pqhost/collection_progress.h"
+#include "host/program/deadline.h"
 
 namespace host {
 namespace {
@@ -11,8 +13,11 @@ namespace {
 class Attendant final : public CollectionListener {
  public:
   Attendant(const Console& console, CollectionListeners& listeners,
-            const std::function<void(CollectionListeners&)>& beforeRun)
-      : console(console), listeners(listeners), beforeRun(beforeRun) {}
+            const std::function<void(CollectionListeners&)>& beforeRun,
+            std::optional<unsigned> seconds)
+      : console(console), listeners(listeners), beforeRun(beforeRun) {
+    if (seconds) end = std::chrono::steady_clock::now() + std::chrono::seconds(*seconds);
+  }
 
   void Begin() override {
     beforeRun(listeners);
@@ -21,13 +26,21 @@ class Attendant final : public CollectionListener {
     listeners.Add(*progress);
   }
 
-  bool WantsEnd() override { return IsInterruptionRequested(); }
+  bool WantsEnd() override {
+    isOverdue = isOverdue || (end && std::chrono::steady_clock::now() >= *end);
+    return isOverdue || IsInterruptionRequested();
+  }
+
+  /// Whether the time was over before the collection.
+  bool IsOverdue() const { return isOverdue; }
 
  private:
   const Console& console;
   CollectionListeners& listeners;
   const std::function<void(CollectionListeners&)>& beforeRun;
   std::optional<CollectionProgress> progress;
+  std::optional<std::chrono::steady_clock::time_point> end;
+  bool isOverdue = false;
 };
 
 }  // namespace
@@ -36,10 +49,13 @@ Gathered Gather(const SourceOptions& from, const Selection& selection, const Con
                 KeepLog keepLog, const std::function<void(CollectionListeners&)>& beforeRun) {
   std::unique_ptr<CommandSource> source = OpenSource(from, console);
   CollectionListeners listeners;
-  Attendant attendant(console, listeners, beforeRun);
+  Attendant attendant(console, listeners, beforeRun, from.seconds);
   listeners.Add(attendant);
   auto interruption = std::make_unique<InterruptionWatch>();
   Collection collection = Collect(source->Get(), selection, listeners, keepLog);
+  if (attendant.IsOverdue()) {
+    collection.problems.push_back("the collection " + DescribeOverdue(*from.seconds));
+  }
   return {std::move(interruption), std::move(source), std::move(collection)};
 }
 

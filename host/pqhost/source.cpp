@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <chrono>
 #include <filesystem>
 #include <optional>
 
@@ -9,6 +10,7 @@
 #include "host/files/left_files.h"
 #include "host/files/whole_file.h"
 #include "host/live/live_source.h"
+#include "host/pqhost/login.h"
 #include "host/recording/recording_reader.h"
 #include "host/text/decoder.h"
 #include "host/text/path_text.h"
@@ -39,16 +41,26 @@ class ReplaySource final : public CommandSource {
   std::optional<std::filesystem::path> logFolder;
 };
 
+ToolLimits LimitTools(const SourceOptions& options) {
+  ToolLimits limits = options.toolLimits;
+  if (options.seconds) {
+    limits.end = std::chrono::steady_clock::now() + std::chrono::seconds(*options.seconds);
+  }
+  return limits;
+}
+
 class ThisMachine final : public CommandSource {
  public:
   ThisMachine(const SourceOptions& options, const Console& console)
-      : source(
+      : prompt(MakeLoginPrompt(options, console)),
+        source(
             {.plugin = ChoosePlugin(options, console),
              .logFolder = ChooseLogFolder(options),
              .recordingFolder = options.record,
-             .toolLimits = options.toolLimits,
+             .toolLimits = LimitTools(options),
              .logFolderAccess = options.logFolder ? FolderAccess::kInherited : FolderAccess::kOwn,
-             .allowsUnsafeFolders = options.allowsUnsafeFolders}),
+             .allowsUnsafeFolders = options.allowsUnsafeFolders,
+             .prompt = &prompt}),
         recordingFolder(options.record) {}
 
   Source& Get() override { return source; }
@@ -66,6 +78,7 @@ class ThisMachine final : public CommandSource {
   }
 
  private:
+  LoginPrompt prompt;
   LiveSource source;
   std::optional<std::filesystem::path> recordingFolder;
 };

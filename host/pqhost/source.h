@@ -20,12 +20,16 @@ struct SourceOptions {
   std::optional<std::filesystem::path> replay;     ///< a recording; none: this machine
   ReadingRules rules;                              ///< for the recording
   std::optional<std::filesystem::path> logFolder;  ///< where the files that the tools leave go
+  std::optional<unsigned> seconds;                 ///< after which a collection ends early
 
   // Of this machine alone.
   std::optional<std::filesystem::path> plugin;  ///< the library's file
   std::optional<std::filesystem::path> record;  ///< new folder to keep a recording in
   ToolLimits toolLimits;
   bool allowsUnsafeFolders = false;  ///< also folders that the interpreter reads as others
+  bool asksNobody = false;           ///< never wait for an operator
+  /// The file with the AMT login, or "-" for standard input; none: the console.
+  std::optional<std::filesystem::path> amtLogin;
 };
 
 /// The library's file, which is beside the program unless given.

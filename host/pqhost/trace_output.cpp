@@ -9,12 +9,11 @@
 
 namespace host {
 
-TraceOutput::TraceOutput(const Destination& destination, const Console& console,
-                         Passwords passwords)
+TraceOutput::TraceOutput(const Destination& destination, const Console& console)
     : path(destination.path),
       forTerminal(console.out),
-      writer(destination.IsStandardOutput() ? UseStandardOutput(console) : Open(destination.path),
-             passwords) {}
+      writer(destination.IsStandardOutput() ? UseStandardOutput(console) : Open(destination.path)) {
+}
 
 void TraceOutput::Close() {
   if (!file.Handle().IsOpen()) return;

@@ -17,7 +17,7 @@ namespace host {
 class TraceOutput {
  public:
   /// `console` has to outlive this. Throws UsageError when the file cannot be created.
-  TraceOutput(const Destination& destination, const Console& console, Passwords passwords);
+  TraceOutput(const Destination& destination, const Console& console);
   TraceOutput(const TraceOutput&) = delete;
   TraceOutput& operator=(const TraceOutput&) = delete;
 

@@ -14,12 +14,13 @@ struct Console {
   std::string programName;  ///< begins each of its messages
   std::ostream& out;
   std::ostream& error;
+  bool inIsTerminal = false;  ///< someone can be asked
   bool outIsTerminal = false;
   bool errorIsTerminal = false;
   bool colors = false;   ///< results may carry colour sequences
   unsigned width = 120;  ///< columns for results; also when they do not go to a terminal
   /// The folder of the program's file, where the library is by default.
-  std::filesystem::path programFolder;
+  std::filesystem::path programFolder = {};
 };
 
 inline constexpr int kExitDone = 0;

@@ -1,8 +1,18 @@
 #include "host/program/deadline.h"
 
+#include <fmt/format.h>
+
+#include <cstdlib>
 #include <utility>
 
+#include "host/files/partial_file.h"
+
 namespace host {
+
+std::string DescribeOverdue(unsigned seconds) {
+  return fmt::format("took longer than {} second{} (--time-limit)", seconds,
+                     seconds == 1 ? "" : "s");
+}
 
 Deadline::Deadline(std::chrono::milliseconds time, std::function<void()> giveUp)
     : watcher([this, time, giveUp = std::move(giveUp)] {
@@ -17,6 +27,15 @@ Deadline::~Deadline() {
   }
   wake.notify_all();
   watcher.join();
+}
+
+std::unique_ptr<Deadline> EndProgramAfter(std::optional<unsigned> seconds, const Console& console) {
+  if (!seconds) return nullptr;
+  return std::make_unique<Deadline>(std::chrono::seconds(*seconds), [&console, time = *seconds] {
+    Complain(console, DescribeOverdue(time));
+    RemovePartialFiles();
+    std::_Exit(kExitIncomplete);
+  });
 }
 
 }  // namespace host

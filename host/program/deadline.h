@@ -4,10 +4,18 @@
 #include <chrono>
 #include <condition_variable>
 #include <functional>
+#include <memory>
 #include <mutex>
+#include <optional>
+#include <string>
 #include <thread>
 
+#include "host/program/console.h"
+
 namespace host {
+
+/// "took longer than 5 seconds (--time-limit)"
+std::string DescribeOverdue(unsigned seconds);
 
 /// Lives as long as the work.
 class Deadline {
@@ -25,5 +33,9 @@ class Deadline {
   bool isDone = false;
   std::thread watcher;
 };
+
+/// Ends the program after so many seconds with one line, exit code 1 and no half file, unless the
+/// result is gone by then. Null when there is no limit. `console` has to outlive it.
+std::unique_ptr<Deadline> EndProgramAfter(std::optional<unsigned> seconds, const Console& console);
 
 }  // namespace host

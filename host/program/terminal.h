@@ -10,6 +10,7 @@
 namespace host {
 
 struct TerminalFacts {
+  bool inIsTerminal = false;
   bool outIsTerminal = false;
   bool errorIsTerminal = false;
   bool colors = false;   ///< on standard output

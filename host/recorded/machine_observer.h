@@ -36,6 +36,8 @@ class MachineObserver {
   /// The process started last, with its children, was given no more than so much memory and wanted
   /// more.
   virtual void OnToolOutOfMemory(unsigned /*mebibytes*/) {}
+  /// A module asked the operator for a login and got none; `why` is for people.
+  virtual void OnNoLogin(const std::string& /*why*/) {}
   /// The collection was interrupted: the start that was seen last, or the pipe that would come
   /// before it, is refused.
   virtual void OnRefused() {}

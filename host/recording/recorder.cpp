@@ -44,7 +44,7 @@ std::vector<std::string_view> SplitLines(std::string_view text) {
 Recorder::Recorder(Recording facts, MachineView& machine)
     : recording(std::move(facts)), machine(machine) {}
 
-void Recorder::BeginRun(const std::string& commandLine, bool isPiped) {
+void Recorder::BeginRun(std::string_view commandLine, bool isPiped) {
   CloseRun();
   std::optional<AmtLogin> login = FindAmtLogin(commandLine);
   if (login) MarkLoginLine();
@@ -68,7 +68,7 @@ void Recorder::BeginRun(const std::string& commandLine, bool isPiped) {
 
 /// A login comes from the line that was typed last.
 void Recorder::MarkLoginLine() {
-  const std::vector<std::string_view> lines = SplitLines(typed);
+  const std::vector<std::string_view> lines = SplitLines(typed.View());
   if (!lines.empty()) loginLines.insert(lines.size() - 1);
 }
 
@@ -159,7 +159,7 @@ bool Recorder::NeedsEntry() const {
 /// length and its blanks are kept.
 std::string Recorder::HideLines() const {
   std::string hidden;
-  const std::vector<std::string_view> lines = SplitLines(typed);
+  const std::vector<std::string_view> lines = SplitLines(typed.View());
   for (std::size_t i = 0; i < lines.size(); ++i) {
     if (loginLines.contains(i)) {
       const std::vector<std::string_view> words = pq::SplitTokens(lines[i], kBlanks);
@@ -197,7 +197,7 @@ Recording Recorder::Take() {
   CloseRun();
   DropRepeatedEnds();
   recording.console = HideLines();
-  typed.clear();
+  typed.Clear();
   loginLines.clear();
   knownFiles.clear();
   readOnly.clear();

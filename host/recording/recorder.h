@@ -43,7 +43,7 @@ class Recorder {
 
   /// The interpreter is about to be started for `commandLine`, which begins with "/c ". `isPiped`:
   /// the tool's output comes through a pipe.
-  void BeginRun(const std::string& commandLine, bool isPiped);
+  void BeginRun(std::string_view commandLine, bool isPiped);
   /// It could not be started.
   void FailRun(std::uint32_t error);
   /// The module read this from the tool's pipe.
@@ -56,7 +56,7 @@ class Recorder {
   /// A module is about to open `path`.
   void KeepOpened(const std::string& path);
   /// The operator typed this.
-  void AddTyped(std::string_view bytes) { typed += bytes; }
+  void AddTyped(std::string_view bytes) { typed.Append(bytes); }
 
   /// Returns the recording and leaves the recorder empty.
   Recording Take();
@@ -74,7 +74,7 @@ class Recorder {
   Recording recording;
   MachineView& machine;
   std::optional<RecordedRun> run;
-  std::string typed;
+  Secret typed;
   std::set<std::size_t> loginLines;  ///< lines of `typed` with a password that was used
   std::set<std::string> knownFiles;  ///< keys of files that were kept, or written by a command
   std::set<std::string> readOnly;    ///< keys of files that could not be written

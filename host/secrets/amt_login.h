@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include "host/secrets/secret.h"
+
 namespace host {
 
 /// Stands for a password wherever one was. The AMT module takes it for a password, too, so that a
@@ -17,7 +19,7 @@ inline constexpr std::string_view kHiddenPassword = "***";
 struct AmtLogin {
   std::string address;
   std::string userName;
-  std::string password;
+  Secret password;
   std::string reportPath;  ///< of the file that the tool writes to
 };
 
@@ -27,13 +29,14 @@ std::optional<AmtLogin> FindAmtLogin(std::string_view commandLine);
 /// The command line without the password; any other command line as it is.
 std::string HidePassword(std::string_view commandLine);
 
-/// What a tool wrote, without the password of `login` where the tool repeats it.
+/// What a tool wrote, without the password of `login` where the tool repeats it, as it is, in other
+/// case, percent-encoded, in UTF-16 or in Base64.
 ///
 /// A password that mixes letters with other signs, as AMT demands, stands in no text by chance and
 /// goes wherever it is. A mere word, a number or the user's name would take other texts with it,
 /// and the gaps would betray it; it goes where the text says that it is the password: behind
 /// address and user, and behind a label such as "Password:".
-std::string HidePassword(std::string text, const AmtLogin& login);
+std::string HidePassword(std::string_view text, const AmtLogin& login);
 
 /// The same in the file that the tool wrote; a file that holds no password is left untouched.
 void HidePasswordInReport(const AmtLogin& login);

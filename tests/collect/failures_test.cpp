@@ -88,6 +88,21 @@ TEST(Failures, NameAToolThatWantedMoreMemory) {
             "wanted more memory than its limit of 64 MiB; what it printed may not be whole");
 }
 
+TEST(Failures, TellOfALoginThatNobodyGave) {
+  FailureList list;
+  CollectionListeners listeners;
+  listeners.Add(list);
+  listeners.Module("AMT_Info", "");
+  listeners.OnProcess("cmd.exe", "/c check_amt_bmc.exe amt", false, false);
+  listeners.OnNoLogin("--no-input");
+  listeners.OnNoLogin("--no-input");
+  ASSERT_EQ(list.Failures().size(), 1U);
+  EXPECT_EQ(list.Failures()[0].module, "AMT_Info");
+  EXPECT_EQ(list.Failures()[0].tool, "");
+  EXPECT_EQ(list.Failures()[0].text,
+            "asked for a login and got none, so its log is not collected: --no-input");
+}
+
 TEST(Failures, AreNotWhatAnInterruptionRefuses) {
   FailureList list;
   list.Module("A", "");

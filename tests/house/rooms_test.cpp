@@ -53,7 +53,9 @@ struct Library {
   const char* rooms;   ///< blank-separated rooms, or folders of theirs
 };
 constexpr Library kLibraries[] = {
-    {"<windows.h>", "frame/windows text/windows files/windows live/windows program/windows"},
+    {"<windows.h>",
+     "frame/windows text/windows files/windows secrets/windows live/windows "
+     "program/windows"},
     {"<sqlite3", "formats"},
     {"<CLI/", "pqhost/commands"},
     {"<nlohmann/", "text recording formats"},

@@ -173,6 +173,17 @@ TEST(Options, RefusesAPluginForAReplay) {
   }
 }
 
+TEST(Options, RefuseAnAmtLoginThatCannotBeUsed) {
+  EXPECT_THAT(Complaint({"collect", "--replay", kSample, "--amt-login", "login"}),
+              HasSubstr("--amt-login has no use with --replay"));
+  EXPECT_THAT(Complaint({"collect", "--amt-login", "-", "--no-input"}),
+              HasSubstr("contradict each other"));
+  EXPECT_THAT(Complaint({"collect", "--dry-run", "--amt-login", "login"}),
+              HasSubstr("--amt-login has no use with --dry-run"));
+  EXPECT_THAT(Complaint({"collect", "--amt-login", "no such file"}),
+              HasSubstr("--amt-login no such file there is no such file"));
+}
+
 TEST(Options, TakeLimitsOfRecordings) {
   const std::string sample = test::Sample("two-socket-server");
   EXPECT_THAT(test::RunHost({"collect", "--replay", sample, "--limit", "commands=3"}).error,

@@ -36,7 +36,7 @@ class ReplaySourceTest : public testing::Test {
   SourceOptions options;
   std::ostringstream out;
   std::ostringstream error;
-  Console console{"pqhost", out, error, false, false, false, 120, {}};
+  Console console{.programName = "pqhost", .out = out, .error = error};
   CollectionListener listener;
 };
 

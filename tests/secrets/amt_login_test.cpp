@@ -45,7 +45,7 @@ TEST(AmtLoginOfACommand, HasItsPartsWhateverThePasswordHolds) {
     ASSERT_TRUE(login) << password;
     EXPECT_EQ(login->address, "192.0.2.9");
     EXPECT_EQ(login->userName, "keeper");
-    EXPECT_EQ(login->password, password);
+    EXPECT_EQ(login->password.View(), password);
     EXPECT_EQ(login->reportPath, "C:\\Halyard\\logs\\amtlog.txt");
   }
 }
@@ -56,7 +56,7 @@ TEST(AmtLoginOfACommand, OfFewerPartsReadsNothingBehindItsEnd) {
         "/c \"\"C:\\pq_tools\\amt_log.exe\" " + std::string(parts) + ">\"C:\\amtlog.txt\"\"";
     const std::optional<AmtLogin> login = FindAmtLogin(commandLine);
     ASSERT_TRUE(login) << parts;
-    EXPECT_EQ(login->password, "") << parts;
+    EXPECT_EQ(login->password.View(), "") << parts;
     EXPECT_EQ(HidePassword("a text", *login), "a text");
   }
 }
@@ -73,6 +73,59 @@ TEST(PasswordInAReport, ThatMixesSignsIsHiddenWhereverItStands) {
 
 TEST(PasswordInAReport, DoesNotComeTogetherAroundAGap) {
   EXPECT_EQ(Hide("<aa***b1b1>", "a***b1"), "<***>");
+}
+
+/// `text` as UTF-16, in which a NUL follows each of its bytes.
+std::string Widen(const std::string& text) {
+  std::string wide;
+  for (const char c : text) wide.append({c, '\0'});
+  return wide;
+}
+
+/// The same with the NUL before each of them.
+std::string WidenBigEndian(const std::string& text) {
+  std::string wide;
+  for (const char c : text) wide.append({'\0', c});
+  return wide;
+}
+
+TEST(PasswordInAReport, IsHiddenInOtherCase) {
+  EXPECT_EQ(Hide("LANTERN-52 lantern-52 lAntern-52", "Lantern-52"), "*** *** ***");
+}
+
+TEST(PasswordInAReport, IsHiddenPercentEncoded) {
+  EXPECT_EQ(Hide("?pw=Lan%74ern%2D52&x %4c%61%6E%74%65%72%6e%2d%35%32", "Lantern-52"),
+            "?pw=***&x ***");
+  EXPECT_EQ(Hide("a%3eb%22c|x", "a>b\"c|"), "***x");
+}
+
+TEST(PasswordInAReport, IsHiddenInUtf16) {
+  EXPECT_EQ(Hide(Widen("<Lantern-52>"), "Lantern-52"), Widen("<***>"));
+  EXPECT_EQ(Hide(WidenBigEndian("<LANTERN-52>"), "Lantern-52"), WidenBigEndian("<***>"));
+  EXPECT_EQ(Hide(Widen("<") + std::string("\xB1\x03", 2) + Widen("-lantern>"), "\xE1-lantern"),
+            Widen("<***>"));
+}
+
+TEST(PasswordInAReport, IsHiddenInBase64WhereverItStandsThere) {
+  // The password, and one to three letters with a colon before it.
+  EXPECT_EQ(Hide("TGFudGVybi01Mg==", "Lantern-52"), "***==");
+  EXPECT_EQ(Hide("<YTpMYW50ZXJuLTUy>", "Lantern-52"), "<YT***>");
+  EXPECT_EQ(Hide("Basic YWI6TGFudGVybi01Mjo=", "Lantern-52"), "Basic YWI6***o=");
+  EXPECT_EQ(Hide("YWJjOkxhbnRlcm4tNTI=", "Lantern-52"), "YWJjO***=");
+  // Of both alphabets.
+  EXPECT_EQ(Hide("fn5+Pj8/YWI= fn5-Pj8_YWI=", "~~~>??ab"), "***= ***=");
+  // As UTF-16.
+  EXPECT_EQ(Hide("TABhAG4AdABlAHIAbgAtADUAMgA=", "Lantern-52"), "***=");
+}
+
+TEST(PasswordInAReport, ThatIsAWordIsHiddenInEveryFormBehindALabel) {
+  EXPECT_EQ(Hide("Password: SECRET, secret", "secret"), "Password: ***, secret");
+  EXPECT_EQ(Hide("password=%73ecret&", "secret"), "password=***&");
+  EXPECT_EQ(Hide("Password: c2VjcmV0 c2VjcmV0", "secret"), "Password: *** c2VjcmV0");
+  EXPECT_EQ(Hide(Widen("Password: secret, secretary"), "secret"),
+            Widen("Password: ***, secretary"));
+  EXPECT_EQ(Hide(WidenBigEndian("Password: secretary"), "secret"),
+            WidenBigEndian("Password: secretary"));
 }
 
 TEST(PasswordInAReport, ThatIsADigitLeavesNumbersAlone) {

@@ -101,6 +101,10 @@ def wait_for_wine():
 
 
 def run_wine(arguments, language, variables, stdin=b""):
+    # What is no console is read only where that is asked for. An operator who gives no login presses
+    # Enter.
+    if "collect" in arguments:
+        arguments, stdin = [*arguments, "--amt-login", "-"], stdin or b"\n"
     environment = os.environ | {"LOCPATH": str(LOCALES), "LC_ALL": locale_of(language)} | variables
     # Files, because a pipe has its end only when all have gone that a tool left behind.
     with tempfile.TemporaryFile() as out, tempfile.TemporaryFile() as error:
@@ -630,6 +634,48 @@ def check_standard_output(binaries, standins, _pqhost, sample):
     return len(tables)
 
 
+def check_login(binaries, standins, _pqhost, sample):
+    """Whoever has no console is not waited for; a file gives the login if it is its owner's alone; and
+    what the interpreter would take for its own is warned of."""
+    count = 0
+    with Machine(binaries, standins, sample) as machine:
+        login = unix_path(WORKING_FOLDER) / "login"
+
+        def expect(code, said, *options):
+            shutil.rmtree(OUTPUT / "login.state", ignore_errors=True)
+            # A pipe that nobody writes to, as a service has.
+            silent, kept = os.pipe()
+            ran = subprocess.run(["wine", machine.host, "collect", "--module", "AMT_Info", "--format", "csv",
+                                  "--log-folder", machine.log_folder.rstrip("\\"), *options],
+                                 cwd=unix_path(WORKING_FOLDER), stdin=silent, capture_output=True,
+                                 env=os.environ | standin_variables(sample, OUTPUT / "login.state")
+                                 | interpreter_of_ours(), timeout=TIME_LIMIT, check=False)
+            os.close(silent)
+            os.close(kept)
+            if ran.returncode != code or said not in ran.stderr:
+                raise Failure(f"{options}: exit code {ran.returncode}, {ran.stderr!r}")
+            return ran
+
+        none = b"asked for a login and got none, so its log is not collected: "
+        expect(1, none + b"--no-input", "--no-input")
+        expect(1, none + b"standard input is no console")
+        login.write_text(machine.recording["console"], encoding="latin-1")
+        login.chmod(0o600)
+        ran = expect(0, b"AMTLOG", "--amt-login", "login", "--no-input")
+        if b"Cover opened" not in ran.stdout:
+            raise Failure(f"the log is not collected: {ran.stdout!r}")
+        login.chmod(0o644)
+        expect(2, b"--amt-login login may be read by others", "--amt-login", "login")
+        login.write_text("192.0.2.40 deskadmin a&inj\n")
+        login.chmod(0o600)
+        ran = expect(0, b"the AMT login holds & which", "--amt-login", "login")
+        if b"inj" in ran.stderr:
+            raise Failure(f"a part of the password is shown: {ran.stderr!r}")
+        login.unlink()
+        count += 5
+    return count
+
+
 def print_presence(recording, folder):
     """The presence test for a BMC prints something to its standard output."""
     (folder / "presence.txt").write_bytes(b"no BMC here\r\n")
@@ -832,6 +878,7 @@ def main():
               ROOT / "samples" / "two-socket-server")
     check("planted programs", check_planted, ROOT / "samples" / "two-socket-server")
     check("a killed collection", check_killed, ROOT / "samples" / "two-socket-server")
+    check("AMT login", check_login, ROOT / "samples" / "amt-desktop")
     check("standard output", check_standard_output,
           varied(ROOT / "samples" / "amt-desktop", "standard output", print_presence))
     check("Ctrl-C", check_interruption, ROOT / "samples" / "two-socket-server")

@@ -17,6 +17,7 @@ namespace fs = std::filesystem;
 constexpr mode_t kOwnerOnly = 0600;
 constexpr mode_t kAsUmaskSays = 0666;
 constexpr mode_t kPermissionBits = 0777;
+constexpr mode_t kForOthers = 0077;
 
 }  // namespace
 
@@ -46,6 +47,12 @@ FileHandle OpenToRead(const fs::path& path) {
     throw std::runtime_error("is no plain file");
   }
   return file;
+}
+
+bool IsOpenToOthers(const FileHandle& file) {
+  struct stat facts {};
+  return fstat(file.Descriptor(), &facts) != 0 || (facts.st_mode & kForOthers) != 0 ||
+         (facts.st_uid != geteuid() && facts.st_uid != 0);
 }
 
 fs::path FindRealPath(const FileHandle& file, const fs::path& path) {

@@ -3,10 +3,14 @@
 #include <fcntl.h>
 #include <io.h>
 #include <windows.h>
+// After windows.h.
+#include <aclapi.h>
 
 #include <cerrno>
 #include <stdexcept>
 #include <string>
+
+#include "host/files/windows/accounts.h"
 
 namespace host {
 namespace {
@@ -70,6 +74,20 @@ fs::path AskRealPath(HANDLE handle) {
   }
 }
 
+constexpr DWORD kRisky = FILE_READ_DATA | FILE_WRITE_DATA | FILE_APPEND_DATA | WRITE_DAC |
+                         WRITE_OWNER | GENERIC_READ | GENERIC_WRITE | GENERIC_ALL;
+
+/// Whether an entry of an access list lets others do what is risky; also one of an unusual kind,
+/// unless it only denies.
+bool AllowsOthers(void* entry) {
+  const auto* header = static_cast<const ACE_HEADER*>(entry);
+  if (header->AceType == ACCESS_DENIED_ACE_TYPE) return false;
+  if (header->AceType != ACCESS_ALLOWED_ACE_TYPE) return true;
+  auto* allowed = static_cast<ACCESS_ALLOWED_ACE*>(entry);
+  const bool isInheritOnly = (header->AceFlags & INHERIT_ONLY_ACE) != 0;
+  return !isInheritOnly && (allowed->Mask & kRisky) != 0 && !IsOurs(&allowed->SidStart);
+}
+
 }  // namespace
 
 FileHandle CreateNewFile(const fs::path& path, Readers /*readers*/) {
@@ -96,6 +114,24 @@ FileHandle OpenToRead(const fs::path& path) {
   }
   if (GetFileType(HandleOf(file)) != FILE_TYPE_DISK) throw std::runtime_error("is no plain file");
   return file;
+}
+
+bool IsOpenToOthers(const FileHandle& file) {
+  PSID owner = nullptr;
+  PACL access = nullptr;
+  PSECURITY_DESCRIPTOR descriptor = nullptr;
+  if (GetSecurityInfo(HandleOf(file), SE_FILE_OBJECT,
+                      OWNER_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION, &owner, nullptr,
+                      &access, nullptr, &descriptor) != ERROR_SUCCESS) {
+    return true;
+  }
+  const LocalMemory owned(descriptor);
+  if (access == nullptr || !IsOurs(owner)) return true;  // without a list, everybody may do all
+  for (DWORD i = 0; i < access->AceCount; ++i) {
+    void* entry = nullptr;
+    if (!GetAce(access, i, &entry) || AllowsOthers(entry)) return true;
+  }
+  return false;
 }
 
 fs::path FindRealPath(const FileHandle& file, const fs::path& /*path*/) {

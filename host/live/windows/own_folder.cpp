@@ -5,41 +5,19 @@
 #include <aclapi.h>
 #include <sddl.h>
 
-#include <memory>
 #include <string>
-#include <vector>
+
+#include "host/files/windows/accounts.h"
 
 namespace host {
 namespace {
 
-struct LocalDeleter {
-  using pointer = void*;
-  void operator()(void* memory) const { LocalFree(memory); }
-};
-using LocalMemory = std::unique_ptr<void, LocalDeleter>;
-
-/// The user that this process runs for, as a TOKEN_USER; empty when the system does not tell.
-std::vector<char> ReadUser() {
-  HANDLE token = nullptr;
-  if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token)) return {};
-  DWORD size = 0;
-  GetTokenInformation(token, TokenUser, nullptr, 0, &size);
-  std::vector<char> user(size);
-  if (!GetTokenInformation(token, TokenUser, user.data(), size, &size)) user.clear();
-  CloseHandle(token);
-  return user;
-}
-
-PSID GetSid(std::vector<char>& user) {
-  return user.empty() ? nullptr : reinterpret_cast<TOKEN_USER*>(user.data())->User.Sid;
-}
-
 /// Full access for administrators and the user, here and below; nothing is inherited from above.
 std::wstring DescribeAccess() {
   std::wstring access = L"D:P(A;OICI;FA;;;BA)";
-  std::vector<char> user = ReadUser();
+  const ThisUser user;
   wchar_t* sid = nullptr;
-  if (GetSid(user) != nullptr && ConvertSidToStringSidW(GetSid(user), &sid)) {
+  if (user.Sid() != nullptr && ConvertSidToStringSidW(user.Sid(), &sid)) {
     const LocalMemory owned(sid);
     access += L"(A;OICI;FA;;;" + std::wstring(sid) + L")";
   }
@@ -75,10 +53,7 @@ bool IsOwnFolder(const std::filesystem::path& folder) {
     return false;
   }
   const LocalMemory owned(descriptor);
-  std::vector<char> user = ReadUser();
-  return IsWellKnownSid(owner, WinBuiltinAdministratorsSid) != 0 ||
-         IsWellKnownSid(owner, WinLocalSystemSid) != 0 ||
-         (GetSid(user) != nullptr && EqualSid(owner, GetSid(user)) != 0);
+  return IsOurs(owner);
 }
 
 }  // namespace host

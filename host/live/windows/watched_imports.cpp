@@ -3,6 +3,7 @@
 #include <io.h>
 #include <windows.h>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -29,11 +30,13 @@ struct Watch {
   HANDLE process = nullptr;      ///< the process started last, until it was awaited
   HANDLE pipe = nullptr;         ///< read end of the pipe made last
   std::unique_ptr<ToolJob> job;  ///< of the tool started last
+  ToolLimits limits;             ///< of that
   std::vector<std::unique_ptr<ToolJob>>
       left;                       ///< of tools that are over, but left programs running
   std::optional<AmtLogin> login;  ///< that the tool started last was given
-  std::string commandLine;        ///< of the tool started last, until its answer was told
-  Bytes output;                   ///< through its pipe so far
+  /// Of the tool started last, until its answer was told; without a password.
+  std::string commandLine;
+  Bytes output;  ///< through its pipe so far
 };
 
 Watch& GetWatch() {
@@ -62,7 +65,10 @@ template <typename Start>
 BOOL StartInJob(DWORD flags, PROCESS_INFORMATION& started, const Start& start) {
   flags |= CREATE_NEW_PROCESS_GROUP;
   if (!start(flags | CREATE_SUSPENDED)) return FALSE;
-  GetWatch().job = std::make_unique<ToolJob>(started.hProcess, GetWatch().given.toolLimits);
+  Watch& watch = GetWatch();
+  watch.limits = watch.given.toolLimits;
+  watch.limits.seconds = GetSeconds(watch.limits, std::chrono::steady_clock::now());
+  watch.job = std::make_unique<ToolJob>(started.hProcess, watch.limits);
   if ((flags & CREATE_SUSPENDED) == 0) ResumeThread(started.hThread);
   return TRUE;
 }
@@ -72,7 +78,7 @@ BOOL StartInJob(DWORD flags, PROCESS_INFORMATION& started, const Start& start) {
 void EndTool() {
   Watch& watch = GetWatch();
   if (!watch.job) return;
-  const ToolLimits& limits = watch.given.toolLimits;
+  const ToolLimits& limits = watch.limits;
   const ToolJob::Met met = watch.job->Stop();
   std::erase_if(watch.left, [](const auto& job) { return !job->IsRunning(); });
   if (watch.job->IsRunning()) watch.left.push_back(std::move(watch.job));
@@ -91,9 +97,8 @@ Bytes ReadOutputFile(const std::string& path) {
 void TellAnswer() {
   Watch& watch = GetWatch();
   if (watch.commandLine.empty()) return;
-  // A password may contain signs that the interpreter takes for a redirection. Hide it first.
   const Pipeline pipeline = ParseCommandLine(
-      HidePassword(std::exchange(watch.commandLine, {})),
+      std::exchange(watch.commandLine, {}),
       [](std::string_view path) { return LocateProgram(std::string(path)).has_value(); });
   ToolAnswer answer{std::exchange(watch.output, {}), FindOutputFile(pipeline), {}};
   if (!answer.file.empty()) answer.fileText = ReadOutputFile(answer.file);
@@ -119,7 +124,8 @@ BOOL WINAPI WatchedCreateProcessA(LPCSTR application, LPSTR commandLine,
   EndTool();  // that the library abandoned
   TellAnswer();
   const bool pipe = (startup->dwFlags & STARTF_USESTDHANDLES) != 0;
-  GetObserver().OnProcess(application, commandLine, inheritHandles != FALSE, pipe);
+  const std::string shownLine = HidePassword(commandLine);
+  GetObserver().OnProcess(application, shownLine, inheritHandles != FALSE, pipe);
   if (IsRefused()) return FALSE;
   GetWatch().login = FindAmtLogin(commandLine);
   if (Recorder* recorder = FindRecorder()) recorder->BeginRun(commandLine, pipe);
@@ -128,7 +134,7 @@ BOOL WINAPI WatchedCreateProcessA(LPCSTR application, LPSTR commandLine,
                           allFlags, environment, folder, startup, started);
   });
   GetWatch().process = done ? started->hProcess : nullptr;
-  if (done) GetWatch().commandLine = commandLine;
+  if (done) GetWatch().commandLine = shownLine;
   if (!done) {
     const DWORD error = GetLastError();
     if (Recorder* recorder = FindRecorder()) recorder->FailRun(error);
@@ -216,11 +222,14 @@ int WatchedAccess(const char* path, int mode) {
 }
 
 int WatchedGetCharacter(std::FILE* file) {
+  if (file != stdin) return std::getc(file);
   // An operator who ended the collection is not asked any more.
-  if (file == stdin && GetObserver().WantsEnd()) return EOF;
-  const int character = std::getc(file);
-  Recorder* recorder = FindRecorder();
-  if (file == stdin && character != EOF && recorder != nullptr) {
+  if (GetObserver().WantsEnd()) return EOF;
+  LoginPrompt& prompt = *GetWatch().given.prompt;
+  const int character = prompt.ReadCharacter();
+  if (character == EOF) {
+    if (!prompt.WhyNoLogin().empty()) GetObserver().OnNoLogin(prompt.WhyNoLogin());
+  } else if (Recorder* recorder = FindRecorder()) {
     const char typed = static_cast<char>(character);
     recorder->AddTyped({&typed, 1});
   }

@@ -17,6 +17,7 @@
 #include "host/pqhost/commands/shared_options.h"
 #include "host/pqhost/gather.h"
 #include "host/pqhost/trace_output.h"
+#include "host/program/deadline.h"
 #include "host/program/result_output.h"
 #include "host/recording/recording_reader.h"
 #include "host/text/decoder.h"
@@ -83,12 +84,18 @@ void RefuseWithReplay(const SourceOptions& source) {
     throw UsageError(fmt::format(
         "{} has no use with --replay, which runs no tools: leave one of them away", limit));
   }
+  if (source.amtLogin) {
+    throw UsageError(
+        "--amt-login has no use with --replay, which knows what the operator typed: leave one of "
+        "them away");
+  }
   RefuseMisuseOfReplay(source);
 }
 
 void RefuseWithDryRun(const OptionSet& set) {
-  for (const char* option : {"--record", "--format", "--output", "--tool-limit", "--tool-memory",
-                             "--trace", "--plugin", "--unsafe-folder"}) {
+  for (const char* option :
+       {"--record", "--format", "--output", "--tool-limit", "--tool-memory", "--trace", "--plugin",
+        "--unsafe-folder", "--amt-login", "--no-input"}) {
     if (!set.IsGiven(option)) continue;
     throw UsageError(fmt::format(
         "{} has no use with --dry-run, which collects nothing: leave one of them away", option));
@@ -103,6 +110,11 @@ void SettleOptions(CollectOptions& options, const OptionSet& set) {
   if (options.trace) RefuseInRecording(options.source, "--trace", *options.trace);
   if (options.dryRun) RefuseWithDryRun(set);
   if (options.source.replay) return;
+  if (options.source.asksNobody && options.source.amtLogin == kStandardStream) {
+    throw UsageError(
+        "--no-input and --amt-login - contradict each other: leave one of them away, or put the "
+        "login into a file");
+  }
   // The tools of this machine run in the log folder.
   options.result.output.MakeAbsolute();
   if (options.trace) options.trace->MakeAbsolute();
@@ -128,8 +140,7 @@ int RunCollect(const CollectOptions& options, const Console& console) {
   const auto openOutputs = [&](CollectionListeners& listeners) {
     output.emplace(options.result.output, console);
     if (!options.trace) return;
-    const Passwords passwords = options.source.replay ? Passwords::kShown : Passwords::kHidden;
-    trace.emplace(*options.trace, console, passwords);
+    trace.emplace(*options.trace, console);
     listeners.Add(trace->Writer());
   };
   auto [interruption, source, collection] =
@@ -193,10 +204,19 @@ CommandRun Define(OptionSet& set) {
                  "End a tool that runs for more than so many seconds (Windows)");
   set.AddMebibytes("--tool-memory", source.toolLimits.mebibytes, kLargestToolMemory,
                    "Give a tool, with all that it starts, so much memory and no more (Windows)");
+  set.AddPath("--amt-login", OptionValue::kFile, source.amtLogin,
+              "Answer the AMT module with the line ADDRESS USER PASSWORD in this file, or - for "
+              "standard input (Windows)");
+  set.AddFlag("--no-input", source.asksNobody,
+              "Ask nobody: what needs an answer is not collected, and that is told");
+  AddTimeLimit(set, source.seconds,
+               "End the collection after so many seconds, and the program after twice as many");
   set.AddFlag("--dry-run", options->dryRun, "Show the command lines in order, and run nothing");
   set.AddDestination("--trace", options->trace, "Write all that the modules do to this file, or -");
-  return [options, &set](const Console& console) {
+  return [options, &source, &set](const Console& console) {
     SettleOptions(*options, set);
+    const std::unique_ptr<Deadline> deadline = EndProgramAfter(
+        source.seconds ? std::optional(2 * *source.seconds) : std::nullopt, console);
     return options->dryRun ? ShowCommands(*options, console) : RunCollect(*options, console);
   };
 }
@@ -204,6 +224,6 @@ CommandRun Define(OptionSet& set) {
 }  // namespace
 
 const Command kCollectCommand = {"collect", "Run the modules and show what they collect", kFooter,
-                                 &Define};
+                                 &Define, Command::TimeLimit::kItsOwn};
 
 }  // namespace host

@@ -6,10 +6,13 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <deque>
+#include <memory>
 #include <optional>
 #include <utility>
 
 #include "host/pqhost/commands/commands.h"
+#include "host/pqhost/commands/shared_options.h"
+#include "host/program/deadline.h"
 #include "host/text/nearest_name.h"
 #include "host/text/usage_error.h"
 #include "host/text/version.h"
@@ -33,12 +36,16 @@ constexpr char kExamples[] = R"(Examples:
 /// A command, its options defined.
 struct DefinedCommand {
   DefinedCommand(const Command& row, CLI::App& app)
-      : row(row), app(app), options(app), run(row.define(options)) {}
+      : row(row), app(app), options(app), run(row.define(options)) {
+    if (row.timeLimit == Command::TimeLimit::kItsOwn) return;
+    AddTimeLimit(options, timeLimit, "End the program after so many seconds");
+  }
 
   const Command& row;
   CLI::App& app;
   OptionSet options;
   CommandRun run;
+  std::optional<unsigned> timeLimit;  ///< seconds, unless the command keeps it itself
 };
 
 struct DefinedProgram {
@@ -161,6 +168,7 @@ int RunCommandLine(const std::vector<std::string>& arguments, const Console& con
                                  fmt::join(ListCommandNames(), ", ")));
   }
   command->options.CheckValues();
+  const std::unique_ptr<Deadline> deadline = EndProgramAfter(command->timeLimit, console);
   return command->run(console);
 }
 

@@ -21,6 +21,8 @@ struct Command {
   /// Defines the options. The set outlives the result, which is called, if at all, once the command
   /// line has been read and the values have been checked.
   CommandRun (*define)(OptionSet& set);
+  /// Of --time-limit, which every command has: whether the command ends by itself.
+  enum class TimeLimit { kOfProgram, kItsOwn } timeLimit = TimeLimit::kOfProgram;
   bool isHidden = false;  ///< for developers: not in help, messages and completions
 };
 

@@ -27,7 +27,11 @@ CommandRun Define(OptionSet& set) {
 
 }  // namespace
 
-const Command kCompletionCommand = {"completion", "Write a shell's completion of this command line",
-                                    kFooter, &Define, /*isHidden=*/true};
+const Command kCompletionCommand = {"completion",
+                                    "Write a shell's completion of this command line",
+                                    kFooter,
+                                    &Define,
+                                    Command::TimeLimit::kOfProgram,
+                                    /*isHidden=*/true};
 
 }  // namespace host

@@ -172,15 +172,13 @@ CommandRun Define(OptionSet& set) {
   AddLogFolder(set, options->source);
   AddFormat(set, options->result, "answer");
   AddOutput(set, options->result, "answer");
-  constexpr unsigned kDay = 86400;
-  set.AddSeconds("--time-limit", options->timeLimit, kDay,
-                 "Give the query up after this time; 30 unless given");
+  AddTimeLimit(set, options->timeLimit, "Give the query up after so many seconds; 30 unless given");
   return [options](const Console& console) { return RunQuery(*options, console); };
 }
 
 }  // namespace
 
 const Command kQueryCommand = {"query", "Ask a collection, or the database of one, in SQL", kFooter,
-                               &Define};
+                               &Define, Command::TimeLimit::kItsOwn};
 
 }  // namespace host

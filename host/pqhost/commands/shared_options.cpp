@@ -56,6 +56,11 @@ void AddUnsafeFolder(OptionSet& set, SourceOptions& source) {
               "Run although the interpreter may read a folder's path as another (Windows)");
 }
 
+void AddTimeLimit(OptionSet& set, std::optional<unsigned>& seconds, const char* help) {
+  constexpr unsigned kDay = 86400;
+  set.AddSeconds("--time-limit", seconds, kDay, help);
+}
+
 void RefuseInRecording(const SourceOptions& source, const char* option, const Destination& place) {
   if (!source.replay || place.IsStandardOutput()) return;
   if (!IsInFolder(place.path, *source.replay)) return;

@@ -1,6 +1,7 @@
 // Options that several commands have, each said once.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -30,6 +31,9 @@ void RefuseMisuseOfReplay(const SourceOptions& source);
 void RefuseInRecording(const SourceOptions& source, const char* option, const Destination& place);
 /// --unsafe-folder
 void AddUnsafeFolder(OptionSet& set, SourceOptions& source);
+
+/// --time-limit, up to a day; the help says what is over then.
+void AddTimeLimit(OptionSet& set, std::optional<unsigned>& seconds, const char* help);
 
 /// How a result is written, and where.
 struct ResultOptions {

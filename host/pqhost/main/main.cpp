@@ -12,6 +12,7 @@ int main(int argc, char** argv) {
   const host::Console console{.programName = "pqhost",
                               .out = results ? *results : std::cout,
                               .error = std::cerr,
+                              .inIsTerminal = facts.inIsTerminal,
                               .outIsTerminal = facts.outIsTerminal,
                               .errorIsTerminal = facts.errorIsTerminal,
                               .colors = facts.colors,

@@ -19,6 +19,7 @@ std::string_view GetVariable(const char* name) {
 
 TerminalFacts PrepareTerminal() {
   TerminalFacts facts;
+  facts.inIsTerminal = isatty(STDIN_FILENO) != 0;
   facts.outIsTerminal = isatty(STDOUT_FILENO) != 0;
   facts.errorIsTerminal = isatty(STDERR_FILENO) != 0;
   facts.colors =

@@ -32,6 +32,7 @@ bool IsConsole(DWORD handleName) {
 
 TerminalFacts PrepareTerminal() {
   TerminalFacts facts;
+  facts.inIsTerminal = IsConsole(STD_INPUT_HANDLE);
   facts.outIsTerminal = IsConsole(STD_OUTPUT_HANDLE);
   const bool outKnowsEscapes = EnableEscapeSequences(STD_OUTPUT_HANDLE);
   // The progress line needs escape sequences.

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "tests/support/temporary_folder.h"
 
@@ -66,6 +67,21 @@ TEST_F(FileHandleTest, ReadsPlainFilesOnly) {
     EXPECT_THAT([&] { OpenToRead(path); }, ThrowsMessage<std::runtime_error>("is no plain file"))
         << path;
   }
+}
+
+TEST_F(FileHandleTest, IsOpenToOthersByItsMode) {
+  folder.Write("a", "one");
+  const fs::path path = folder.Path() / "a";
+  for (const auto& [mode, isOpen] : {std::pair(0600, false),
+                                     {0400, false},
+                                     {0640, true},
+                                     {0604, true},
+                                     {0620, true},
+                                     {0601, true}}) {
+    ASSERT_EQ(chmod(path.c_str(), mode), 0);
+    EXPECT_EQ(IsOpenToOthers(OpenToRead(path)), isOpen) << mode;
+  }
+  EXPECT_TRUE(IsOpenToOthers(FileHandle()));
 }
 
 TEST_F(FileHandleTest, IsWhereLinksLead) {

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "tests/support/posix/heard_signals.h"
 #include "tests/support/posix/shell_command.h"
 #include "tests/support/program/host_run.h"
 #include "tests/support/sanitizers.h"
@@ -50,6 +51,7 @@ class EndedWhileWriting : public testing::Test {
     EXPECT_EQ(folder.Read("o"), whole);
   }
 
+  const test::HeardSignals signals;
   test::TemporaryFolder folder;
   std::string whole;
 };

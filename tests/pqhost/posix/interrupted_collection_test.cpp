@@ -8,6 +8,7 @@
 
 #include "host/pqhost/gather.h"
 #include "host/program/interruption.h"
+#include "tests/support/posix/heard_signals.h"
 #include "tests/support/program/host_run.h"
 
 namespace host {
@@ -41,14 +42,13 @@ class PressesAt final : public CollectionListener {
 
 class InterruptedCollection : public testing::Test {
  protected:
-  InterruptedCollection() : gathered(Collect()) { sigaction(SIGINT, &before, nullptr); }
+  InterruptedCollection() : gathered(Collect()) {}
 
   Gathered Collect() {
-    sigaction(SIGINT, nullptr, &before);
     EndCleanlyWhenAsked(7);
     SourceOptions source;
     source.replay = test::Sample("two-socket-server");
-    const Console console{"pqhost", out, error, false, false, false, 120, {}};
+    const Console console{.programName = "pqhost", .out = out, .error = error};
     return Gather(source, {}, console, KeepLog::kNo,
                   [&](CollectionListeners& all) { all.Add(listener); });
   }
@@ -60,7 +60,7 @@ class InterruptedCollection : public testing::Test {
     throw std::runtime_error("no table " + className);
   }
 
-  struct sigaction before {};
+  const test::HeardSignals signals;
   std::ostringstream out;
   std::ostringstream error;
   PressesAt listener{3};

@@ -15,8 +15,7 @@ TEST(QueryDeadlineDeathTest, EndsWhatSqliteDoesNotEnd) {
   test::MakeDatabase(folder / "x.db",
                      "CREATE VIEW slow AS SELECT instr(replace(hex(zeroblob(9e6)), '0', 'a'),"
                      " replace(hex(zeroblob(4e6)), '0', 'a') || 'b')");
-  const host::Console console{
-      .programName = "pqhost", .out = std::cout, .error = std::cerr, .programFolder = {}};
+  const host::Console console{.programName = "pqhost", .out = std::cout, .error = std::cerr};
   EXPECT_EXIT(host::RunPqhost({"query", folder / "x.db", "SELECT * FROM slow", "--time-limit", "1",
                                "--output", folder / "answer"},
                               console),

@@ -6,10 +6,10 @@
 #include <signal.h>
 #include <unistd.h>
 
-#include <array>
 #include <filesystem>
 
 #include "host/files/partial_file.h"
+#include "tests/support/posix/heard_signals.h"
 #include "tests/support/temporary_folder.h"
 
 namespace host {
@@ -17,16 +17,9 @@ namespace {
 
 class Interruption : public testing::Test {
  protected:
-  Interruption() {
-    for (std::size_t i = 0; i < kSignals.size(); ++i) sigaction(kSignals[i], nullptr, &before[i]);
-    EndCleanlyWhenAsked(7);
-  }
-  ~Interruption() override {
-    for (std::size_t i = 0; i < kSignals.size(); ++i) sigaction(kSignals[i], &before[i], nullptr);
-  }
+  Interruption() { EndCleanlyWhenAsked(7); }
 
-  static constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP};
-  std::array<struct sigaction, 3> before{};
+  const test::HeardSignals signals;
 };
 using InterruptionDeathTest = Interruption;
 
@@ -57,7 +50,7 @@ TEST_F(Interruption, IsForgottenByTheNextWatch) {
 }
 
 TEST_F(InterruptionDeathTest, EndsTheProgramAtOnceWithoutAWatch) {
-  for (const int signal : kSignals) {
+  for (const int signal : test::HeardSignals::kSignals) {
     EXPECT_EXIT(raise(signal), testing::ExitedWithCode(7), "") << signal;
   }
 }

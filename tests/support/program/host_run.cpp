@@ -10,8 +10,13 @@ namespace test {
 HostRun RunHost(const std::vector<std::string>& arguments, const HostTerminal& terminal) {
   std::ostringstream out;
   std::ostringstream error;
-  const host::Console console{
-      "pqhost", out, error, terminal.out, terminal.error, terminal.colors, terminal.width, {}};
+  const host::Console console{.programName = "pqhost",
+                              .out = out,
+                              .error = error,
+                              .outIsTerminal = terminal.out,
+                              .errorIsTerminal = terminal.error,
+                              .colors = terminal.colors,
+                              .width = terminal.width};
   HostRun run;
   run.exitCode = host::RunPqhost(arguments, console);
   run.out = out.str();

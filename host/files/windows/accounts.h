@@ -1,0 +1,34 @@
+// Who may have access to what is this user's own.
+#pragma once
+
+#include <windows.h>
+// After windows.h.
+#include <aclapi.h>
+
+#include <memory>
+#include <vector>
+
+namespace host {
+
+struct LocalDeleter {
+  using pointer = void*;
+  void operator()(void* memory) const { LocalFree(memory); }
+};
+/// Memory that Windows gave.
+using LocalMemory = std::unique_ptr<void, LocalDeleter>;
+
+/// The user that this process runs for.
+class ThisUser {
+ public:
+  ThisUser();
+  /// Null when the system does not tell. Valid as long as this object.
+  PSID Sid() const;
+
+ private:
+  std::vector<char> user;  ///< a TOKEN_USER
+};
+
+/// Whether the account is this user's, the administrators' or the system's own.
+bool IsOurs(PSID account);
+
+}  // namespace host
