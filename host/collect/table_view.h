@@ -107,6 +107,7 @@ class TableView {
   std::size_t RowCount() const { return table.RowCount(); }
   /// `number` counts from 0.
   RowView RowAt(std::size_t number) const;
+  const Row& StoredRow(std::size_t number) const { return table.rows->rows[number]; }
   /// One when all rows have the same, otherwise one per row.
   std::vector<DecodedText> ListInstanceKeys() const;
 

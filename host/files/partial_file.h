@@ -17,6 +17,7 @@ class PartialFile {
   PartialFile& operator=(const PartialFile&) = delete;
   ~PartialFile();
 
+  const std::filesystem::path& Path() const { return path; }
   /// To be written, once.
   FileHandle TakeHandle() { return std::move(handle); }
 

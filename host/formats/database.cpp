@@ -120,6 +120,22 @@ class UniqueNames {
   std::set<std::string> taken;
 };
 
+/// Bytes of each value of `row` that a database holds, of its end; kMostRowBytes: all.
+std::size_t FindMostValueBytes(const Row& row) {
+  // What a row has beside its values: the number, and a few bytes for each value.
+  constexpr std::size_t kMost = kMostRowBytes - (std::size_t{1} << 16);
+  constexpr std::size_t kWidestByte = 3;  // of a code page, in UTF-8
+  std::size_t bytes = 0;
+  for (const std::string& value : row.Values()) bytes += value.size();
+  if (bytes > kMost / kWidestByte) {
+    for (const std::string& value : row.Values()) {
+      bytes += (kWidestByte - 1) * static_cast<std::size_t>(std::ranges::count_if(
+                                       value, [](char c) { return (c & 0x80) != 0; }));
+    }
+  }
+  return bytes <= kMost ? kMostRowBytes : kMost / row.Values().size();
+}
+
 class Filler {
  public:
   Filler(sqlite3* handle, const Collection& collection)
@@ -195,10 +211,11 @@ class Filler {
     for (std::size_t i = 0; i < table.RowCount(); ++i) {
       const RowView row = table.RowAt(i);
       const auto number = static_cast<std::int64_t>(i + 1);
+      const std::size_t most = FindMostValueBytes(table.StoredRow(i));
       rows << number;
       for (std::size_t column = 0; column < table.Columns().size(); ++column) {
         if (const std::optional<CellView> cell = row.FindCell(column)) {
-          rows << cell->Text();
+          rows << KeepEnd(cell->Text(), most);
         } else {
           rows.SkipColumn();
         }
@@ -208,7 +225,7 @@ class Filler {
         const CellView cell = row.CellAt(place);
         if (!cell.IsFile()) continue;
         (attachments << table.ClassName() << number << cell.Key()
-                     << cell.FileName().value_or(cell.Key()) << cell.Text())
+                     << cell.FileName().value_or(cell.Key()) << KeepEnd(cell.Text(), most))
             .Run();
       }
     }
@@ -219,9 +236,11 @@ class Filler {
   CollectionView view;
 };
 
-/// `file` as a name that no character of can mean anything to SQLite. Immutable: no locks, and no
-/// journal is read, rolled back or left.
-std::string MakeUri(const std::filesystem::path& file) {
+/// For a file to be read. Immutable: no locks, and no journal is read, rolled back or left.
+constexpr char kReadOnly[] = "?mode=ro&immutable=1";
+
+/// `file` as a name that no character of can mean anything to SQLite.
+std::string MakeUri(const std::filesystem::path& file, const char* options) {
   constexpr std::string_view kPlain =
       "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~";
   std::string uri = "file:";
@@ -233,7 +252,7 @@ std::string MakeUri(const std::filesystem::path& file) {
       uri += c;
     }
   }
-  return uri + "?mode=ro&immutable=1";
+  return uri + options;
 }
 
 /// Changes that SQLite keeps beside a file until it is closed would be left out without a word.
@@ -332,6 +351,24 @@ class Reader {
 
 }  // namespace
 
+std::vector<std::string> DescribeDatabaseCuts(const Collection& collection) {
+  const TextDecoder decode(collection.machine.codePage);
+  std::vector<std::string> lines;
+  for (const CollectedTable& table : collection.tables) {
+    if (table.rows == nullptr) continue;
+    for (std::size_t i = 0; i < table.RowCount(); ++i) {
+      const Row& row = table.rows->rows[i];
+      const std::size_t most = FindMostValueBytes(row);
+      if (most == kMostRowBytes) continue;
+      lines.push_back(
+          fmt::format("{}: row {} is too large for a database, which has of each value "
+                      "the last {} bytes; other formats have all of it",
+                      decode(table.className), i + 1, most));
+    }
+  }
+  return lines;
+}
+
 std::string DescribeTimeout(std::chrono::seconds timeLimit) {
   const auto seconds = static_cast<std::size_t>(timeLimit.count());
   return fmt::format("the query took longer than {}: ask for less, or allow more with --time-limit",
@@ -342,10 +379,24 @@ Database::Database(std::chrono::seconds queryTime) : queryTime(queryTime) {
   if (sqlite3_open(":memory:", &handle) != SQLITE_OK) FailAsSqlite(handle);
 }
 
+Database::Database(const NewFile& file) : queryTime(kUsualQueryTime) {
+  // If all goes wrong, the file goes too: it needs no journal, and no waiting for the disk.
+  constexpr char kNoJournal[] = "PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF";
+  const int result = sqlite3_open_v2(MakeUri(file.path, "?mode=rw").c_str(), &handle,
+                                     SQLITE_OPEN_READWRITE | SQLITE_OPEN_URI, nullptr);
+  try {
+    if (result != SQLITE_OK) FailAsSqlite(handle);
+    Execute(handle, kNoJournal);
+  } catch (const DatabaseError&) {
+    sqlite3_close(handle);
+    throw;
+  }
+}
+
 Database::Database(const std::filesystem::path& file, std::chrono::seconds queryTime)
     : queryTime(queryTime) {
   CheckDatabaseFile(file);
-  const int result = sqlite3_open_v2(MakeUri(file).c_str(), &handle,
+  const int result = sqlite3_open_v2(MakeUri(file, kReadOnly).c_str(), &handle,
                                      SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, nullptr);
   try {
     if (result != SQLITE_OK) FailAsSqlite(handle);
@@ -364,14 +415,6 @@ void Database::Fill(const Collection& collection) {
   Execute(handle, "BEGIN");
   Filler(handle, collection).Fill();
   Execute(handle, "COMMIT");
-}
-
-std::string Database::Serialize() {
-  sqlite3_int64 size = 0;
-  const std::unique_ptr<unsigned char, decltype(&sqlite3_free)> bytes(
-      sqlite3_serialize(handle, "main", &size, 0), &sqlite3_free);
-  if (bytes == nullptr) FailAsSqlite(nullptr);
-  return {reinterpret_cast<const char*>(bytes.get()), static_cast<std::size_t>(size)};
 }
 
 void Database::Query(const std::string& sql, const std::function<void(const Names&)>& onColumns,

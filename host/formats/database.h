@@ -27,10 +27,20 @@ inline constexpr std::chrono::seconds kUsualQueryTime{30};
 /// What to say of a query that took longer.
 std::string DescribeTimeout(std::chrono::seconds timeLimit);
 
+/// A line of UTF-8 for each table of which a database does not hold all, since SQLite would not
+/// give it back: of values that are too large together, the end is kept.
+std::vector<std::string> DescribeDatabaseCuts(const Collection& collection);
+
 class Database {
  public:
   /// An empty one in memory.
   explicit Database(std::chrono::seconds queryTime = kUsualQueryTime);
+  /// An empty file that nobody else uses.
+  struct NewFile {
+    std::filesystem::path path;
+  };
+  /// An empty one in `file`, which has all of it once this object has ended.
+  explicit Database(const NewFile& file);
   /// Opens a plain file as it is, for reading only; nothing is written beside it. Throws
   /// DatabaseError.
   explicit Database(const std::filesystem::path& file,
@@ -41,8 +51,6 @@ class Database {
 
   /// Adds a collection's tables, in one transaction.
   void Fill(const Collection& collection);
-  /// The database as the bytes of a file.
-  std::string Serialize();
 
   using Names = std::vector<std::string>;
   /// One text per column; none where the value is NULL.

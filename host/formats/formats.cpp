@@ -1,5 +1,8 @@
 #include "host/formats/formats.h"
 
+#include "host/formats/database.h"
+#include "host/formats/report_size.h"
+
 namespace host {
 
 const std::vector<Format>& Formats() {
@@ -8,8 +11,9 @@ const std::vector<Format>& Formats() {
       {"json", "one JSON object with machine, modules and tables", WriteJson},
       {"ndjson", "one JSON object per row, each in a line", WriteJsonLines},
       {"csv", "comma-separated values", WriteCsv},
-      {"html", "a report in one file, to read in a browser and to send", WriteHtml},
-      {"sqlite", "an SQLite database, to query", WriteSqlite, true, true},
+      {"html", "a report in one file, to read in a browser and to send", WriteHtml, false, false,
+       DescribeReportCuts},
+      {"sqlite", "an SQLite database, to query", WriteSqlite, true, true, DescribeDatabaseCuts},
       {"none", "no results; for a trace or log files alone", WriteNothing},
   };
   return kFormats;

@@ -16,6 +16,8 @@ struct Format {
   void (*write)(const Collection& collection, const Screen& screen, std::ostream& out);
   bool wantsLog = false;  ///< needs Collection::log
   bool isBinary = false;  ///< never written to a terminal
+  /// What the format leaves out of a collection, a line of UTF-8 each; null: never anything.
+  std::vector<std::string> (*describeCuts)(const Collection& collection) = nullptr;
 };
 
 /// All formats; the first is the default.

@@ -14,6 +14,7 @@
 #include "host/formats/formats.h"
 #include "host/formats/json_buffer.h"
 #include "host/formats/report/report_page.h"
+#include "host/formats/report_size.h"
 #include "host/text/json_text.h"
 #include "host/text/screen_text.h"
 #include "host/text/time_text.h"
@@ -69,6 +70,7 @@ class ReportData {
   ReportData(const Collection& collection, const Screen& screen, std::ostream& out)
       : collection(collection),
         view(collection),
+        parts(FitIntoReport(collection)),
         json(screen.isTerminal ? &WriteJsonForScriptOnTerminal : &WriteJsonForScript, out) {}
 
   void Write() {
@@ -135,16 +137,17 @@ class ReportData {
     json.AppendText(",\"description\":", description);
     json += ",\"tables\":[";
     const char* separator = "";
-    for (const CollectedTable& table : collection.tables) {
+    for (std::size_t i = 0; i < collection.tables.size(); ++i) {
+      const CollectedTable& table = collection.tables[i];
       if (table.module != module.name) continue;
       json += separator;
-      WriteTable(view.ViewTable(table));
+      WriteTable(view.ViewTable(table), parts[i]);
       separator = ",\n";
     }
     json += "]}";
   }
 
-  void WriteTable(const TableView& table) {
+  void WriteTable(const TableView& table, const ShownPart& part) {
     std::vector<std::size_t> shown;  // Whole files are shown below the table.
     for (std::size_t i = 0; i < table.Columns().size(); ++i) {
       if (!table.Columns()[i].hasFiles) shown.push_back(i);
@@ -159,9 +162,9 @@ class ReportData {
       text += JsonObject().AddText("key", column.key).AddText("label", column.label).Take();
     });
     json += ",\"attachments\":[";
-    WriteAttachments(table);
+    WriteAttachments(table, part);
     json += "],\"rows\":[";
-    WriteRows(table, shown);
+    WriteRows(table, shown, part);
     json += "]}";
     json.Flush();
   }
@@ -171,14 +174,15 @@ class ReportData {
     return !table.IsByRow() && table.RowCount() <= kMaxPropertyRows ? "properties" : "rows";
   }
 
-  void WriteRows(const TableView& table, const std::vector<std::size_t>& shown) {
+  void WriteRows(const TableView& table, const std::vector<std::size_t>& shown,
+                 const ShownPart& part) {
     if (shown.empty()) return;
-    for (std::size_t i = 0; i < table.RowCount(); ++i) {
+    for (std::size_t i = part.firstRow; i < table.RowCount(); ++i) {
       const RowView row = table.RowAt(i);
-      if (i > 0) json += ",\n";
+      if (i > part.firstRow) json += ",\n";
       json.AppendList(shown, [&](std::string& text, std::size_t column) {
         if (const std::optional<CellView> cell = row.FindCell(column)) {
-          AppendJsonText(text, cell->Text());
+          AppendJsonText(text, CutToEnd(cell->Text(), part.mostValueBytes));
         } else {
           text += "null";
         }
@@ -187,14 +191,14 @@ class ReportData {
     }
   }
 
-  void WriteAttachments(const TableView& table) {
+  void WriteAttachments(const TableView& table, const ShownPart& part) {
     std::set<std::string_view> fileKeys;
     for (const ColumnView& column : table.Columns()) {
       if (column.hasFiles) fileKeys.insert(column.key);
     }
     if (fileKeys.empty()) return;
     const char* separator = "";
-    for (std::size_t i = 0; i < table.RowCount(); ++i) {
+    for (std::size_t i = part.firstRow; i < table.RowCount(); ++i) {
       const RowView row = table.RowAt(i);
       for (std::size_t place = 0; place < row.CellCount(); ++place) {
         const CellView cell = row.CellAt(place);
@@ -203,7 +207,7 @@ class ReportData {
         json += JsonObject()
                     .AddText("label", cell.Label())
                     .AddText("filename", cell.FileName().value_or(cell.Key()))
-                    .AddText("text", cell.Text())
+                    .AddText("text", CutToEnd(cell.Text(), part.mostValueBytes))
                     .Take();
         separator = ",\n";
         json.Flush();
@@ -213,6 +217,7 @@ class ReportData {
 
   const Collection& collection;
   CollectionView view;
+  const std::vector<ShownPart> parts;
   JsonBuffer json;
 };
 

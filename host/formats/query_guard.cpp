@@ -17,16 +17,13 @@ namespace {
 
 constexpr std::int64_t kMebibyte = std::int64_t{1024} * 1024;
 
-/// Twice the largest file of a recording, so that every attachment can be read.
-constexpr int kMostValueBytes = 256 * kMebibyte;
-
 struct Limit {
   int id;
   int most;
 };
 /// What one statement may be, also the statements that a file's schema consists of.
 constexpr Limit kStatementLimits[] = {
-    {SQLITE_LIMIT_LENGTH, kMostValueBytes},
+    {SQLITE_LIMIT_LENGTH, static_cast<int>(kMostRowBytes)},
     {SQLITE_LIMIT_SQL_LENGTH, 1'000'000},
     {SQLITE_LIMIT_COLUMN, 2'000},  // As for the tables that are written.
     {SQLITE_LIMIT_EXPR_DEPTH, 200},
@@ -319,7 +316,7 @@ void QueryGuard::Fail(int result) const {
       std::string_view(sqlite3_errmsg(handle)) == sqlite3_errstr(SQLITE_TOOBIG)) {
     throw DatabaseError(fmt::format(
         "the query makes a value of more than {} MiB: ask for a part of it, as with substr",
-        kMostValueBytes / kMebibyte));
+        kMostRowBytes / kMebibyte));
   }
   FailAsSqlite(handle);
 }

@@ -11,6 +11,9 @@ struct sqlite3;
 
 namespace host {
 
+/// Bytes of a value, and of a row: twice the largest file of a recording.
+inline constexpr std::size_t kMostRowBytes = std::size_t{256} << 20;
+
 /// What to say of a statement that writes.
 inline constexpr char kOnlyReading[] =
     "the query would change the database; only reading is possible";

@@ -14,6 +14,7 @@
 #include "host/recording/recording_reader.h"
 #include "host/text/decoder.h"
 #include "host/text/path_text.h"
+#include "host/text/screen_text.h"
 
 namespace host {
 namespace {
@@ -32,7 +33,8 @@ class ReplaySource final : public CommandSource {
     if (!logFolder) return {};
     const LeftFiles left = WriteLeftFiles(collection.files, collection.machine.logFolder,
                                           TextDecoder(collection.machine.codePage), *logFolder);
-    console.error << fmt::format("Log files: {} in {}\n", left.written, PathText(*logFolder));
+    console.error << fmt::format("Log files: {} in {}\n", left.written,
+                                 EscapeControls(PathText(*logFolder)));
     return left.problems;
   }
 
@@ -67,14 +69,15 @@ class ThisMachine final : public CommandSource {
 
   std::vector<std::string> KeepLogFiles(const Collection& /*collection*/,
                                         const Console& console) override {
-    console.error << fmt::format("Log files: {}\n", PathText(source.LogFolderPath()));
+    console.error << fmt::format("Log files: {}\n",
+                                 EscapeControls(PathText(source.LogFolderPath())));
     return {};
   }
 
   void KeepRecording(const Console& console) override {
     if (!recordingFolder) return;
     source.WriteRecording();
-    console.error << fmt::format("Recording: {}\n", PathText(*recordingFolder));
+    console.error << fmt::format("Recording: {}\n", EscapeControls(PathText(*recordingFolder)));
   }
 
  private:

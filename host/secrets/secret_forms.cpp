@@ -148,9 +148,10 @@ void SecretForms::AddBase64(std::string_view bytes) {
     for (std::size_t bit = begin; bit < end; ++bit) {
       const auto byte = static_cast<unsigned char>(bytes[(bit - begin) / kByteBits]);
       const bool isSet = (byte >> (kByteBits - 1 - bit % kByteBits) & 1) != 0;
-      const auto place = static_cast<char>(1U << (kSextetBits - 1 - bit % kSextetBits));
-      masks[bit / kSextetBits - first] |= place;
-      if (isSet) bits[bit / kSextetBits - first] |= place;
+      const int place = 1 << (kSextetBits - 1 - bit % kSextetBits);
+      const std::size_t at = bit / kSextetBits - first;
+      masks[at] = static_cast<char>(masks[at] | place);
+      if (isSet) bits[at] = static_cast<char>(bits[at] | place);
     }
     base64.push_back({std::move(bits), std::move(masks)});
   }

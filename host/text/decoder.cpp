@@ -41,6 +41,13 @@ std::optional<char32_t> FindDisputed(std::uint32_t codePage, unsigned char byte)
 
 }  // namespace
 
+std::string_view KeepEnd(std::string_view text, std::size_t most) {
+  if (text.size() <= most) return text;
+  text.remove_prefix(text.size() - most);
+  while (!text.empty() && (text.front() & 0xC0) == 0x80) text.remove_prefix(1);
+  return text;
+}
+
 std::string CleanUtf8(std::string_view bytes) {
   std::string text;
   text.reserve(bytes.size());

@@ -51,6 +51,9 @@ inline constexpr char32_t kReplacementCharacter = 0xFFFD;
 /// `bytes` with U+FFFD for whatever is not valid UTF-8.
 std::string CleanUtf8(std::string_view bytes);
 
+/// The end of `text`, which is UTF-8: at most `most` bytes, from a whole character on.
+std::string_view KeepEnd(std::string_view text, std::size_t most);
+
 /// Appends `character` as UTF-8.
 void AppendUtf8(std::string& text, char32_t character);
 

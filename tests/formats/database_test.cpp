@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "frame/halyard/repository.h"
+#include "tests/support/program/made_collection.h"
 
 namespace {
 
@@ -95,8 +96,17 @@ TEST_F(FilledDatabase, SaysWhatIsWrongInOneLine) {
   }
 }
 
-TEST_F(FilledDatabase, BecomesAFileOfSqlite) {
-  EXPECT_EQ(database.Serialize().substr(0, 15), "SQLite format 3");
+TEST(Database, TellsOfARowThatSqliteWouldNotGiveBack) {
+  test::MadeCollection made;
+  made.Table("A").Row({{"Line", "small"}});
+  const std::string half(std::size_t{45} << 20, '\xE4');  // three bytes each in UTF-8, at most
+  made.Row({{"One", half}});
+  EXPECT_TRUE(host::DescribeDatabaseCuts(made.Get()).empty());
+  made.Row({{"One", half}, {"Two", half}});
+  EXPECT_EQ(host::DescribeDatabaseCuts(made.Get()),
+            std::vector<std::string>{
+                "A: row 3 is too large for a database, which has of each value the last 134184960 "
+                "bytes; other formats have all of it"});
 }
 
 TEST(Database, RefusesAFileThatIsNotThere) {

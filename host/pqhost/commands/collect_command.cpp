@@ -153,6 +153,11 @@ int RunCollect(const CollectOptions& options, const Console& console) {
   } catch (const std::runtime_error& error) {
     collection.problems.emplace_back(error.what());
   }
+  if (format.describeCuts != nullptr) {
+    for (std::string& cut : format.describeCuts(collection)) {
+      collection.problems.push_back(std::move(cut));
+    }
+  }
   output->Write([&, &results = collection](const Screen& screen, std::ostream& out) {
     format.write(results, screen, out);
   });

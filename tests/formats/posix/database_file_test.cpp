@@ -30,9 +30,8 @@ TEST(DatabaseFile, IsNoPipeAndNoDevice) {
 
 TEST(DatabaseFile, MayHaveANameWithAQuestionMark) {
   const test::TemporaryFolder folder;
-  Database made;
-  made.Fill({});
-  folder.Write("a?mode=rwc&b#c.db", made.Serialize());
+  folder.Write("a?mode=rwc&b#c.db", "");
+  Database(Database::NewFile{folder / "a?mode=rwc&b#c.db"}).Fill({});
   Database database(folder / "a?mode=rwc&b#c.db");
   EXPECT_NO_THROW(database.Query(
       "SELECT * FROM tables", [](auto&) {}, [](auto&) {}));
