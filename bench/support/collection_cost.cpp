@@ -29,7 +29,7 @@ void CountRows(benchmark::State& state, const RRepository& repository, const std
   if (found == tables.end()) return;
   std::size_t text = 0;
   for (const host::Row& row : found->second.rows) {
-    for (const std::string& value : row.Values()) text += value.size();
+    for (const std::string_view value : row.Values()) text += value.size();
   }
   const auto rows = static_cast<double>(found->second.rows.size());
   state.counters["kept/row"] = static_cast<double>(kept) / rows;

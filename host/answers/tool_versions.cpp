@@ -22,7 +22,7 @@ std::string GetRestOfLine(std::string_view text, std::size_t at) {
 std::string FindVersion(const Table& table, std::string_view label) {
   const std::size_t count = std::min(table.rows.size(), kRowsLookedAt);
   for (std::size_t i = 0; i < count; ++i) {
-    for (const std::string& value : table.rows[i].Values()) {
+    for (const std::string_view value : table.rows[i].Values()) {
       const std::size_t at = value.find(label);
       if (at != std::string::npos) return GetRestOfLine(value, at + label.size());
     }

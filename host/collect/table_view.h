@@ -36,7 +36,7 @@ class CellView {
 
  private:
   const Column& GetColumn() const { return row.shape->columns[place]; }
-  const std::string& GetBytes() const { return row.Values()[place]; }
+  std::string_view GetBytes() const { return row.Value(place); }
 
   const TextDecoder& decoder;
   const Row& row;
@@ -61,7 +61,7 @@ class RowView {
       : decoder(decoder), row(row), places(places) {}
 
   /// The row's properties, in its own order.
-  std::size_t CellCount() const { return row.Values().size(); }
+  std::size_t CellCount() const { return row.ValueCount(); }
   CellView CellAt(std::size_t place) const { return {decoder, row, place}; }
 
   /// The property of a column of the table; none when the row has no such property.

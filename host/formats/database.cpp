@@ -126,14 +126,14 @@ std::size_t FindMostValueBytes(const Row& row) {
   constexpr std::size_t kMost = kMostRowBytes - (std::size_t{1} << 16);
   constexpr std::size_t kWidestByte = 3;  // of a code page, in UTF-8
   std::size_t bytes = 0;
-  for (const std::string& value : row.Values()) bytes += value.size();
+  for (const std::string_view value : row.Values()) bytes += value.size();
   if (bytes > kMost / kWidestByte) {
-    for (const std::string& value : row.Values()) {
+    for (const std::string_view value : row.Values()) {
       bytes += (kWidestByte - 1) * static_cast<std::size_t>(std::ranges::count_if(
                                        value, [](char c) { return (c & 0x80) != 0; }));
     }
   }
-  return bytes <= kMost ? kMostRowBytes : kMost / row.Values().size();
+  return bytes <= kMost ? kMostRowBytes : kMost / row.ValueCount();
 }
 
 class Filler {

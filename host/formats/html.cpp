@@ -204,11 +204,10 @@ class ReportData {
         const CellView cell = row.CellAt(place);
         if (!fileKeys.contains(cell.Key())) continue;
         json += separator;
-        json += JsonObject()
-                    .AddText("label", cell.Label())
-                    .AddText("filename", cell.FileName().value_or(cell.Key()))
-                    .AddText("text", CutToEnd(cell.Text(), part.mostValueBytes))
-                    .Take();
+        json.AppendText("{\"label\":", cell.Label());
+        json.AppendText(",\"filename\":", cell.FileName().value_or(cell.Key()));
+        json.AppendText(",\"text\":", CutToEnd(cell.Text(), part.mostValueBytes));
+        json += "}";
         separator = ",\n";
         json.Flush();
       }

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "host/text/decoder.h"
 #include "host/text/json_text.h"
 
 namespace host {
@@ -20,10 +21,18 @@ class JsonBuffer {
     json += more;
     return *this;
   }
-  /// Appends `before` as it is and `text` as a JSON text.
+  /// Appends `before` as it is and `text` as a JSON text. Whole files are flushed as they come.
   void AppendText(std::string_view before, std::string_view text) {
-    json += before;
-    AppendJsonText(json, text);
+    constexpr std::size_t kPiece = std::size_t{1} << 20;
+    json.append(before).push_back('"');
+    while (text.size() > kPiece) {
+      const std::size_t size = text.size() - KeepEnd(text, text.size() - kPiece).size();
+      AppendJsonCharacters(json, text.substr(0, size));
+      Flush();
+      text.remove_prefix(size);
+    }
+    AppendJsonCharacters(json, text);
+    json += '"';
   }
   /// Appends a JSON array, as AppendJsonList does.
   template <typename List, typename AppendOne>

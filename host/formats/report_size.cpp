@@ -36,7 +36,7 @@ std::size_t MeasureValue(std::string_view value) {
 
 std::size_t MeasureRow(const Row& row) {
   std::size_t bytes = 0;
-  for (const std::string& value : row.Values()) bytes += MeasureValue(value);
+  for (const std::string_view value : row.Values()) bytes += MeasureValue(value);
   return bytes;
 }
 
@@ -65,7 +65,7 @@ ShownPart FitTable(const Table& table, std::size_t most) {
   if (table.rows.size() <= kFewRows) {
     std::vector<std::size_t> sizes;
     for (const Row& row : table.rows) {
-      for (const std::string& value : row.Values()) sizes.push_back(MeasureValue(value));
+      for (const std::string_view value : row.Values()) sizes.push_back(MeasureValue(value));
     }
     return {0, ShareOut(std::move(sizes), most)};
   }

@@ -47,29 +47,27 @@ struct InstanceState {
   mutable const host::RowShape* keptShape = nullptr;
   /// The shapes of that repository, which tell it from every other one.
   mutable std::shared_ptr<const Shapes> keptIn = nullptr;
-  /// A row that was added holds them too and keeps them as they are.
-  std::shared_ptr<std::vector<std::string>> values = std::make_shared<std::vector<std::string>>();
+  std::vector<std::string> values = {};
 
   /// Sets a value, in its old place when the key is there already. It is written over the one of
   /// the row before: to let go of that and take a new one for every row would leave a gap in the
   /// heap each time, which some heaps search through for every row that follows.
   void Set(const std::string& key, const std::string& label, bool isInteger, bool flag,
            std::string_view value) {
-    if (values.use_count() > 1) values = std::make_shared<std::vector<std::string>>(*values);
     const auto known = std::find_if(shape.columns.begin(), shape.columns.end(),
                                     [&](const host::Column& column) { return column.key == key; });
     const auto at = static_cast<std::size_t>(known - shape.columns.begin());
     if (known == shape.columns.end()) {
       keptShape = nullptr;
       shape.columns.push_back({key, label, isInteger, flag});
-      values->emplace_back(value);
+      values.emplace_back(value);
       return;
     }
     if (known->label != label || known->isInteger != isInteger || known->flag != flag) {
       keptShape = nullptr;
       *known = {key, label, isInteger, flag};
     }
-    (*values)[at] = value;
+    values[at] = value;
   }
 };
 
@@ -84,9 +82,7 @@ struct RepositoryState {
   void Add(const InstanceState& instance) {
     if (instance.keptShape == nullptr || instance.keptIn != shapes) KeepShape(instance);
     host::Table& table = *tableOf[instance.keptShape];
-    // Rows stay, so give up the list's spare room. The texts are moved, not copied.
-    instance.values->shrink_to_fit();
-    table.rows.push_back({instance.keptShape, instance.values});
+    table.rows.emplace_back(*instance.keptShape, instance.values);
   }
 
   void KeepShape(const InstanceState& instance) {

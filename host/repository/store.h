@@ -2,10 +2,13 @@
 // its own texts cost; all that rows have in common is kept once.
 #pragma once
 
+#include <cstddef>
+#include <cstring>
 #include <deque>
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "frame/halyard/repository.h"
@@ -41,12 +44,45 @@ struct RowShape {
 
 /// One instance as it was when it was added. Texts are bytes in the machine's code page.
 struct Row {
-  const RowShape* shape = nullptr;
-  /// Shared with the instance until that changes again.
-  std::shared_ptr<const std::vector<std::string>> values;
+  /// `values` has one text per column of `shape`, which has to outlive the row.
+  Row(const RowShape& shape, const std::vector<std::string>& values) : shape(&shape) {
+    const std::size_t beforeTexts = values.size() * sizeof(std::size_t);
+    std::size_t size = beforeTexts;
+    for (const std::string& value : values) size += value.size();
+    memory = std::make_unique_for_overwrite<std::byte[]>(size);
+    std::size_t end = 0;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      std::memcpy(memory.get() + beforeTexts + end, values[i].data(), values[i].size());
+      end += values[i].size();
+      std::memcpy(memory.get() + i * sizeof(end), &end, sizeof(end));
+    }
+  }
 
-  /// One text per column of the shape; integers as decimal numbers.
-  const std::vector<std::string>& Values() const { return *values; }
+  std::size_t ValueCount() const { return shape->columns.size(); }
+  /// Of a column of the shape; integers as decimal numbers.
+  std::string_view Value(std::size_t place) const {
+    const std::size_t begin = place == 0 ? 0 : EndOf(place - 1);
+    const auto* texts = reinterpret_cast<const char*>(memory.get()) + ValueCount() * sizeof(begin);
+    return {texts + begin, EndOf(place) - begin};
+  }
+  std::vector<std::string_view> Values() const {
+    std::vector<std::string_view> values;
+    for (std::size_t i = 0; i < ValueCount(); ++i) values.push_back(Value(i));
+    return values;
+  }
+
+  const RowShape* shape;
+
+ private:
+  std::size_t EndOf(std::size_t place) const {
+    std::size_t end = 0;
+    std::memcpy(&end, memory.get() + place * sizeof(end), sizeof(end));
+    return end;
+  }
+
+  /// Of each value where it ends, counted from the first, then all of them: a string for each would
+  /// take more memory than most values.
+  std::unique_ptr<std::byte[]> memory;
 };
 
 struct Table {

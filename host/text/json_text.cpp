@@ -44,8 +44,7 @@ std::string ByteText(std::string_view bytes) {
   return text;
 }
 
-void AppendJsonText(std::string& json, std::string_view text) {
-  json += '"';
+void AppendJsonCharacters(std::string& json, std::string_view text) {
   std::size_t written = 0;
   for (std::size_t i = 0; i < text.size(); ++i) {
     if (!IsEscaped(text[i])) continue;
@@ -53,7 +52,13 @@ void AppendJsonText(std::string& json, std::string_view text) {
     AppendEscaped(json, text[i]);
     written = i + 1;
   }
-  json.append(text, written).push_back('"');
+  json.append(text, written);
+}
+
+void AppendJsonText(std::string& json, std::string_view text) {
+  json += '"';
+  AppendJsonCharacters(json, text);
+  json += '"';
 }
 
 void AppendJsonBytes(std::string& json, std::string_view bytes) {

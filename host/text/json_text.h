@@ -15,6 +15,8 @@ std::string ByteText(std::string_view bytes);
 
 /// Appends `text` (valid UTF-8) to `json` as a JSON text, quotes included.
 void AppendJsonText(std::string& json, std::string_view text);
+/// The same without the quotes.
+void AppendJsonCharacters(std::string& json, std::string_view text);
 
 /// Appends a text of the machine, each byte as in ByteText, as a JSON text, quotes included.
 void AppendJsonBytes(std::string& json, std::string_view bytes);

@@ -124,22 +124,21 @@ TEST(TableView, HandsOutAsciiAsItIsStored) {
   made.Table("T").Row({{"A", "a text that is too long to be kept in the object itself"}});
   const Viewed viewed(made);
   const Row& stored = made.Get().tables.front().rows->rows.front();
-  EXPECT_EQ(viewed.Cells(0)[0], stored.Values()[0]);
-  EXPECT_EQ(viewed.table.RowAt(0).CellAt(0).Text().View().data(), stored.Values()[0].data());
+  EXPECT_EQ(viewed.Cells(0)[0], stored.Value(0));
+  EXPECT_EQ(viewed.table.RowAt(0).CellAt(0).Text().View().data(), stored.Value(0).data());
 }
 
 TEST(TableView, DecodesAValueOnlyWhenItIsAskedFor) {
-  const auto values = std::make_shared<std::vector<std::string>>(Texts{"\xe4"});
   const RowShape shape{"T", "", -1, {{"a", "A"}}, {}};
   Table rows;
   rows.columns = shape.columns;
-  rows.rows.push_back({&shape, values});
+  rows.rows.emplace_back(shape, Texts{"\xe4"});
   Collection collection;
   const CollectedTable table{"T", "M", {}, &rows, {}};
   const CollectionView view(collection);
   const TableView tableView = view.ViewTable(table);
   const CellView cell = tableView.RowAt(0).CellAt(0);
-  values->front() = "\xf6";
+  *const_cast<char*>(rows.rows.front().Value(0).data()) = '\xf6';
   EXPECT_EQ(cell.Text().View(), "ö");
 }
 

@@ -13,6 +13,19 @@ using halyard::repository::RInstance;
 using test::MadeCollection;
 using testing::HasSubstr;
 
+TEST(JsonFormat, WritesALargeFileWhole) {
+  std::string file = "a";  // so that no power of two begins a character
+  std::string text = "a";
+  for (int i = 0; i < 1'200'000; ++i) {
+    file += '\xE4';
+    text += "\xC3\xA4";
+  }
+  MadeCollection made;
+  made.Table("T").FileRow(file, "large.txt");
+  const Json all = Json::parse(made.As("json"));
+  EXPECT_TRUE(all["tables"][0]["rows"][0]["file"] == text);
+}
+
 TEST(JsonFormat, SaysFormatTimeMachineAndModules) {
   MadeCollection made;
   MachineFacts& machine = made.Get().machine;

@@ -35,8 +35,8 @@ const Table& TableOf(const RRepository& repository, const std::string& className
 /// A row as "key=value" texts in its own order.
 Texts Cells(const Row& row) {
   Texts cells;
-  for (std::size_t i = 0; i < row.Values().size(); ++i) {
-    cells.push_back(row.shape->columns[i].key + "=" + row.Values()[i]);
+  for (std::size_t i = 0; i < row.ValueCount(); ++i) {
+    cells.push_back(row.shape->columns[i].key + "=" + std::string(row.Value(i)));
   }
   return cells;
 }
@@ -178,7 +178,7 @@ TEST(Repository, KeepsRowsInTheOrderInWhichTheyCame) {
     instance.AddToRepository(repository);
   }
   Texts values;
-  for (const Row& row : TableOf(repository, "T").rows) values.push_back(row.Values()[0]);
+  for (const Row& row : TableOf(repository, "T").rows) values.emplace_back(row.Value(0));
   EXPECT_THAT(values, ElementsAre("z", "a", "m"));
 }
 

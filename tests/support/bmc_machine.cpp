@@ -70,8 +70,8 @@ std::vector<std::string> ListValues(const Collected& collected, const std::strin
   const auto table = collected.Tables().find(className);
   if (table == collected.Tables().end()) return values;
   for (const host::Row& row : table->second.rows) {
-    if (row.Values().size() != 1) throw std::logic_error(className + " has more than one property");
-    values.push_back(row.Values().front());
+    if (row.ValueCount() != 1) throw std::logic_error(className + " has more than one property");
+    values.emplace_back(row.Value(0));
   }
   return values;
 }

@@ -72,8 +72,8 @@ std::vector<std::vector<std::string>> Collected::Rows(const std::string& classNa
   if (table == Tables().end()) return rows;
   for (const host::Row& row : table->second.rows) {
     std::vector<std::string>& texts = rows.emplace_back();
-    for (std::size_t i = 0; i < row.Values().size(); ++i) {
-      texts.push_back(row.shape->columns[i].key + '=' + row.Values()[i]);
+    for (std::size_t i = 0; i < row.ValueCount(); ++i) {
+      texts.push_back(row.shape->columns[i].key + '=' + std::string(row.Value(i)));
     }
   }
   return rows;

@@ -29,7 +29,10 @@ std::vector<std::vector<std::string>> SensorsOf(const Collected& collected) {
   std::vector<std::vector<std::string>> sensors;
   const auto table = collected.Tables().find("SENSORINFO");
   if (table == collected.Tables().end()) return sensors;
-  for (const host::Row& row : table->second.rows) sensors.push_back(row.Values());
+  for (const host::Row& row : table->second.rows) {
+    const auto values = row.Values();
+    sensors.emplace_back(values.begin(), values.end());
+  }
   return sensors;
 }
 

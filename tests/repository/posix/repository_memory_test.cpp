@@ -36,12 +36,16 @@ double BytesBeyondText(std::size_t rows, int columns, std::size_t length) {
   return (static_cast<double>(taken) - static_cast<double>(text)) / static_cast<double>(rows);
 }
 
-TEST(RepositoryMemory, IsUnder300BytesARowBeyondItsText) {
-  EXPECT_LT(BytesBeyondText(1000000, 1, 80), 300);
+TEST(RepositoryMemory, IsUnder100BytesARowBeyondItsText) {
+  EXPECT_LT(BytesBeyondText(1000000, 1, 80), 100);
 }
 
-TEST(RepositoryMemory, IsUnder300BytesAlsoForARowWithoutText) {
-  EXPECT_LT(BytesBeyondText(1000000, 1, 0), 300);
+TEST(RepositoryMemory, IsUnder100BytesAlsoForARowWithoutText) {
+  EXPECT_LT(BytesBeyondText(1000000, 1, 0), 100);
+}
+
+TEST(RepositoryMemory, IsUnder100BytesForARowOfSeveralTexts) {
+  EXPECT_LT(BytesBeyondText(200000, 5, 16), 100);
 }
 
 TEST(RepositoryMemory, OfARowDoesNotGrowWithTheTable) {
