@@ -77,8 +77,8 @@ class PipedTool {
 
   /// False when the pipe cannot be created.
   bool OpenPipe();
-  /// Starts the tool with handle inheritance and closes the write end, also when the start failed.
-  /// Returns 0, or the system error.
+  /// Starts the tool with handle inheritance and closes the write end. Returns 0; or the system
+  /// error, and then both ends stay open as long as this object lives.
   std::uint32_t Start();
   /// Reads until the first failed read, in chunks of at most `chunkRoom - 1` bytes.
   /// `onChunk(text, count)` sees each chunk as zero-terminated text with its byte count. Returns
