@@ -14,7 +14,7 @@ std::string GetExeFolder() {
 }
 
 std::string GetLogFolder() {
-  std::array<char, 256> folder{};
+  std::array<char, kLogFolderRoom> folder{};
   LogKit::GetLogDir(folder.data(), folder.size());
   return folder.data();
 }

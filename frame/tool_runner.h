@@ -20,6 +20,8 @@ namespace pq {
 /// returns a code, and of one that is read through a pipe.
 inline constexpr std::size_t kCommandRoom = 512;
 inline constexpr std::size_t kPipeCommandRoom = 256;
+/// Room of the path of the host's log folder, terminator included.
+inline constexpr std::size_t kLogFolderRoom = 256;
 /// Room of one line of a tool's output file, terminator included; a longer line arrives in pieces.
 inline constexpr std::size_t kLineRoom = 512;
 /// Room of the path of a tool's output file.
