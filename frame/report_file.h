@@ -28,6 +28,7 @@ std::string BuildReportCommand(const std::string& program, const std::string& ar
 bool RunLogged(CallerLog log, const std::string& commandLine, const StartRule& rule = {});
 
 /// Opens `path`, its backslashes doubled. A failure is logged at level 4 as `failure`; null then.
+/// The step that reads it closes it before it lets go of its rows.
 std::unique_ptr<TextFile> OpenReport(CallerLog log, const std::string& path, const char* failure);
 
 }  // namespace pq

@@ -14,7 +14,7 @@ std::string GetExeFolder() {
 }
 
 std::string GetLogFolder() {
-  std::array<char, 256> folder{};
+  std::array<char, kLogFolderRoom> folder{};
   LogKit::GetLogDir(folder.data(), folder.size());
   return folder.data();
 }
@@ -61,15 +61,13 @@ bool PipedTool::OpenPipe() {
 }
 
 std::uint32_t PipedTool::Start() {
-  std::uint32_t error = kErrorFilenameTooLong;
-  if (commandLine.size() < kPipeCommandRoom) {
-    Acquired<Process> tool =
-        Machine().StartInterpreter(commandLine, /*inheritHandles=*/true, pipe.get());
-    process = std::move(tool.object);
-    error = tool.error;
-  }
+  if (commandLine.size() >= kPipeCommandRoom) return kErrorFilenameTooLong;
+  Acquired<Process> tool =
+      Machine().StartInterpreter(commandLine, /*inheritHandles=*/true, pipe.get());
+  if (!tool) return tool.error;
+  process = std::move(tool.object);
   pipe->CloseWriteEnd();
-  return error;
+  return 0;
 }
 
 void PipedTool::Finish() {

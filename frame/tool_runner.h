@@ -20,6 +20,8 @@ namespace pq {
 /// returns a code, and of one that is read through a pipe.
 inline constexpr std::size_t kCommandRoom = 512;
 inline constexpr std::size_t kPipeCommandRoom = 256;
+/// Room of the path of the host's log folder, terminator included.
+inline constexpr std::size_t kLogFolderRoom = 256;
 /// Room of one line of a tool's output file, terminator included; a longer line arrives in pieces.
 inline constexpr std::size_t kLineRoom = 512;
 /// Room of the path of a tool's output file.
@@ -77,8 +79,8 @@ class PipedTool {
 
   /// False when the pipe cannot be created.
   bool OpenPipe();
-  /// Starts the tool with handle inheritance and closes the write end, also when the start failed.
-  /// Returns 0, or the system error.
+  /// Starts the tool with handle inheritance and closes the write end. Returns 0; or the system
+  /// error, and then both ends stay open as long as this object lives.
   std::uint32_t Start();
   /// Reads until the first failed read, in chunks of at most `chunkRoom - 1` bytes.
   /// `onChunk(text, count)` sees each chunk as zero-terminated text with its byte count. Returns

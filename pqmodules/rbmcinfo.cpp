@@ -30,7 +30,7 @@ constexpr char kName[] = "BMC_Info";
 // fetched by each enumeration: those of the collection on this thread. They must need no
 // destructor: mingw's runtime frees a thread's variables before it destroys them.
 thread_local char exePath[kCommandRoom];  // a longer one fits no command line
-thread_local char logDir[256];
+thread_local char logDir[kLogFolderRoom];
 
 void CollectBmc(RRepository& repo) {
   kLog(kProgress, "Enter CollectData-BMC related info");

@@ -26,6 +26,7 @@ constexpr char kName[] = "sampleModule1";
 /// decides nothing, since each collector finds out by itself whether its controller is there.
 bool ProbeControllerCount(const RaidInventoryCollection& collection) {
   const std::string path = GetLogFolder() + kCountReportName;
+  kLog(kProgress, "the exepath:", collection.hostFolder);
   CheckFolderFits(collection.hostFolder, 5);
   const std::string command =
       BuildReportCommand(collection.hostFolder + kStorcli, kCountArguments, path);
@@ -44,7 +45,6 @@ void CollectRaidInventory(RRepository& repo) {
   kLog(kProgress, "Enter EnumXFirmwareInstancesCallback");
   const RaidInventoryCollection collection{repo, kLog, GetExeFolder()};
   AddDemonstrationRows(collection);
-  kLog(kProgress, "the exepath:", collection.hostFolder);
   if (!ProbeControllerCount(collection)) return;
   CollectLsiSummary(collection);
   CollectIntelController(collection);

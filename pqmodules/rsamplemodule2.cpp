@@ -31,6 +31,7 @@ constexpr char kName[] = "sampleModule2";
 /// be opened passes without a word: the log shows its path.
 std::unique_ptr<TextFile> OpenCountReport(const std::string& hostFolder) {
   const std::string report = GetLogFolder() + kCountReportName;
+  kLog(kProgress, "the exepath:", hostFolder);
   const std::string command = BuildReportCommand(hostFolder + kStorcli, kCountArguments, report);
   kLog(kDetail, "ctrlcout path:", command);
   if (!RunLogged(kLog, command)) return nullptr;
@@ -56,7 +57,6 @@ void CollectRaidLogs(RRepository& repo) {
   kLog(kProgress, "Enter CollectData");
   RaidLogsCollection collection{repo, kLog, GetExeFolder()};
   AddDemonstrationRows(collection);
-  kLog(kProgress, "the exepath:", collection.hostFolder);
   auto countReport = OpenCountReport(collection.hostFolder);
   if (!countReport) return;
   const int count = ReadControllerCount(countReport.get());

@@ -18,8 +18,10 @@ LogSinkInUse::LogSinkInUse(std::function<void(const LogLine&)> given)
 
 LogSinkInUse::~LogSinkInUse() { sinkInUse = before; }
 
-LogFolderInUse::LogFolderInUse(std::string given)
-    : folder(std::move(given)), before(std::exchange(folderInUse, this)) {
+LogFolderInUse::LogFolderInUse(std::string given, std::function<void()> heard)
+    : folder(std::move(given)),
+      onAsked(std::move(heard)),
+      before(std::exchange(folderInUse, this)) {
   if (!folder.ends_with('\\')) folder += '\\';
 }
 
@@ -43,6 +45,7 @@ Log::~Log() {
 std::ostringstream& Log::Stream() { return stream; }
 
 int GetLogDir(char* buffer, std::size_t size) {
+  if (host::folderInUse != nullptr) host::folderInUse->TellAsked();
   const std::string folder = host::folderInUse == nullptr ? "" : host::folderInUse->Path();
   const bool fits = folder.size() < size;
   if (size > 0) buffer[0] = '\0';

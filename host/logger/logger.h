@@ -31,18 +31,23 @@ class LOGGER_API LogSinkInUse {
   const LogSinkInUse* before;
 };
 
-/// Sets the answer of LogKit::GetLogDir; a missing backslash at the end is added.
+/// Sets the answer of LogKit::GetLogDir; a missing backslash at the end is added. `onAsked` hears
+/// of each call.
 class LOGGER_API LogFolderInUse {
  public:
-  explicit LogFolderInUse(std::string folder);
+  explicit LogFolderInUse(std::string folder, std::function<void()> onAsked = {});
   LogFolderInUse(const LogFolderInUse&) = delete;
   LogFolderInUse& operator=(const LogFolderInUse&) = delete;
   ~LogFolderInUse();
 
   const std::string& Path() const { return folder; }
+  void TellAsked() const {
+    if (onAsked) onAsked();
+  }
 
  private:
   std::string folder;
+  std::function<void()> onAsked;
   const LogFolderInUse* before;
 };
 

@@ -11,6 +11,7 @@
 #include <system_error>
 #include <utility>
 
+#include "frame/tool_runner.h"
 #include "host/files/sha256.h"
 #include "host/recorded/interpreter.h"
 #include "host/recorded/machine_files.h"
@@ -124,6 +125,10 @@ class RecordingReader {
     }
     if (!recording.logFolder.ends_with('\\')) {
       throw MemberError("logFolder", "has to end with a backslash (\"\\\\\" in JSON)");
+    }
+    if (recording.logFolder.size() >= pq::kLogFolderRoom) {
+      throw MemberError("logFolder", "is longer than " + std::to_string(pq::kLogFolderRoom - 1) +
+                                         " characters, its last backslash included");
     }
     ReadBytes(all, "console", recording.console);
     FindList(all, "commands");

@@ -1,5 +1,7 @@
 #include "pqmodules/raid/intel_report.h"
 
+#include <cstdint>
+
 #include "frame/report_file.h"
 #include "frame/sentences.h"
 #include "frame/tool_runner.h"
@@ -23,21 +25,24 @@ bool WriteReport(CallerLog log, const std::string& hostFolder, const std::string
   for (const char* tool : kTools) {
     const std::string command = BuildReportCommand(hostFolder + tool, kArguments, path);
     log(style.commandLevel, "rstcli raw path:", command);
-    const ToolExit run = RunForExitCode(command);
-    if (!run.started) {
-      log(kDetail, kStartFailure, run.startError, ")");
+    const Acquired<Process> run = StartTool(command, /*inheritHandles=*/false);
+    if (!run) {
+      log(kDetail, kStartFailure, run.error, ")");
       return false;
     }
-    if (run.exitCodeError != 0) {
+    run.object->Wait();
+    // The process is closed once its exit code has been logged.
+    std::uint32_t exitCode = 0;
+    if (const std::uint32_t error = run.object->ReadExitCode(exitCode); error != 0) {
       if (style.exitCodeErrorNumber) {
-        log(kDetail, kExitCodeFailure, run.exitCodeError);
+        log(kDetail, kExitCodeFailure, error);
       } else {
         log(kDetail, kExitCodeFailure);
       }
       return false;
     }
-    log(kDetail, "rstcli64 -I command error level: ", run.exitCode);
-    if (run.exitCode == 0) return true;
+    log(kDetail, "rstcli64 -I command error level: ", exitCode);
+    if (exitCode == 0) return true;
   }
   return false;
 }

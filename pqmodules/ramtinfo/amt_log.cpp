@@ -6,6 +6,7 @@
 #include <array>
 #include <memory>
 #include <string_view>
+#include <utility>
 
 #include "frame/platform.h"
 #include "frame/report_file.h"
@@ -79,12 +80,14 @@ std::string BuildLogCommand(const std::string& hostFolder, const AmtLogin& login
 
 /// One instance grows with the log: it is added after every line, each time with that line under
 /// the same key. The repository decides the meaning of repeated keys and adds.
-void AddLines(LineReader lines, RRepository& repo) {
+void AddLines(std::unique_ptr<TextFile> report, RRepository& repo) {
   RowBuffer log(repo, kAmtLog, "AMT Log Information");
+  LineReader lines(report.get());
   while (const char* line = lines.Next()) {
     log.Set(kLine, line);
     log.Commit();
   }
+  report.reset();
 }
 
 }  // namespace
@@ -109,7 +112,7 @@ int CollectAmtLog(const AmtCollection& collection) {
   if (!RunLogged(log, BuildLogCommand(collection.hostFolder, login, reportPath))) return 1;
   std::unique_ptr<TextFile> report = OpenReport(log, reportPath, kNoLog);
   if (!report) return 1;
-  AddLines(LineReader(report.get()), collection.repo);
+  AddLines(std::move(report), collection.repo);
   return 0;
 }
 

@@ -59,7 +59,7 @@ std::optional<IntelControllerFact> IntelControllerScan::Take(std::string_view li
 
 void CollectIntelController(const RaidInventoryCollection& collection) {
   CheckFolderFits(collection.hostFolder, 5);
-  const auto file = RunIntelReport(collection.log, collection.hostFolder, {});
+  auto file = RunIntelReport(collection.log, collection.hostFolder, {});
   if (!file) return;
   RowBuffer row(collection.repo, kController, "Controller Info");
   IntelControllerScan scan;
@@ -70,6 +70,7 @@ void CollectIntelController(const RaidInventoryCollection& collection) {
     row.Set(*fact->column, fact->value);
     if (fact->endsRow) row.Commit();
   }
+  file.reset();
 }
 
 void DescribeIntelController(ModuleDescription& module) {

@@ -60,13 +60,14 @@ void CollectLsiSummary(const RaidInventoryCollection& collection) {
   const std::string command =
       BuildReportCommand(collection.hostFolder + kStorcli, kArguments, path);
   if (!RunLogged(collection.log, command)) return;
-  const auto file = OpenReport(collection.log, path, kNoReport);
+  auto file = OpenReport(collection.log, path, kNoReport);
   if (!file) return;
   RowBuffer row(collection.repo, kRaidInfo, "LSI Controller 0 Info");
   std::string_view line;
   for (LineReader lines(file.get()); lines.Next(line);) {
     Fill(row, GetLsiSummaryFacts().FindIn(line));
   }
+  file.reset();
 }
 
 void DescribeLsiSummary(ModuleDescription& module) {

@@ -169,10 +169,11 @@ void ReadConfig(TextFile* file, RowBuffer& controller, RowBuffer& versions) {
 
 void AttachReports(const RaidInventoryCollection& collection, RInstance& links) {
   for (const AttachedReport& report : kAttachedReports) {
-    const auto file = OpenArchived(collection, report.file, report.openFailure);
+    auto file = OpenArchived(collection, report.file, report.openFailure);
     if (!file) continue;
     std::unique_ptr<char[]> text = ReadWholeReport(collection.log, *file);
     if (!text) continue;
+    file.reset();
     AddAttachment(links, report.column, std::move(text), report.shownAs);
   }
 }

@@ -79,11 +79,12 @@ LabelledFact ReadFact(std::string_view line) {
 }  // namespace
 
 void CollectDriveDetails(const RaidLogsCollection& collection) {
-  const auto file = RunStorcli(collection, kReport);
+  auto file = RunStorcli(collection, kReport);
   if (!file) return;
   RowBuffer row(collection.repo, kPdList, "Controller 0 PDLIST");
   std::string_view line;
   for (LineReader lines(file.get()); lines.Next(line);) Fill(row, ReadFact(line));
+  file.reset();
 }
 
 void DescribeDriveDetails(ModuleDescription& module) {

@@ -134,7 +134,7 @@ std::string JoinSize(std::string_view number, std::string_view unit) {
 }
 
 void CollectDriveLists(const RaidLogsCollection& collection) {
-  const auto file = RunStorcli(collection, kReport);
+  auto file = RunStorcli(collection, kReport);
   if (!file) return;
   std::array<ListRows, kDriveListCount> lists{{
       {kTopology, {collection.repo, kTInfo, "Controller 0 TOPOLOGY INFO"}},
@@ -149,6 +149,7 @@ void CollectDriveLists(const RaidLogsCollection& collection) {
       if (isRow[i]) lists[i].Take(line);
     }
   }
+  file.reset();
 }
 
 void DescribeDriveLists(ModuleDescription& module) {

@@ -123,7 +123,7 @@ void AddBlocks(TextFile* file, const Block& block, RowBuffer& row) {
 }  // namespace
 
 void CollectIntelDevices(const RaidLogsCollection& collection) {
-  const auto file = RunIntelReport(collection.log, collection.hostFolder, kReportLog);
+  auto file = RunIntelReport(collection.log, collection.hostFolder, kReportLog);
   if (!file) return;
   RowBuffer endDevice(collection.repo, kEndDeviceInfo, "End Device Info");
   RowBuffer array(collection.repo, kArray, "Array Info");
@@ -133,6 +133,7 @@ void CollectIntelDevices(const RaidLogsCollection& collection) {
   AddBlocks(file.get(), kArrayBlock, array);
   file->Rewind();
   AddBlocks(file.get(), kVolumeBlock, volume);
+  file.reset();
 }
 
 void DescribeIntelDevices(ModuleDescription& module) {

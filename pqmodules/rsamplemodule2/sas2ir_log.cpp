@@ -72,11 +72,12 @@ std::unique_ptr<TextFile> DecodeLog(const RaidLogsCollection& collection) {
 
 void CollectSas2IrLog(const RaidLogsCollection& collection) {
   UploadLog(collection);
-  const auto file = DecodeLog(collection);
+  auto file = DecodeLog(collection);
   if (!file) return;
   RowBuffer row(collection.repo, kSas2IrLog, "LSI SAS2308 Log");
   std::string_view line;
   for (LineReader lines(file.get()); lines.Next(line);) Fill(row, kFacts.FindIn(line));
+  file.reset();
 }
 
 void DescribeSas2IrLog(ModuleDescription& module) {

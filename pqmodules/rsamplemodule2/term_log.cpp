@@ -31,19 +31,25 @@ bool ContainsMarker(TextFile* file) {
   return false;
 }
 
-}  // namespace
-
-void CollectTermLog(const RaidLogsCollection& collection) {
-  const auto file = RunStorcli(collection, kReport);
-  if (!file) return;
-  RowBuffer row(collection.repo, kFwTermLog, "Controller 0 FW Term Log");
-  if (!ContainsMarker(file.get())) return;
-  file->Rewind();
+void AddLines(TextFile* file, RowBuffer& row) {
   std::string_view line;
-  for (LineReader lines(file.get()); lines.Next(line);) {
+  for (LineReader lines(file); lines.Next(line);) {
     row.Set(kLine, line);
     row.Commit();
   }
+}
+
+}  // namespace
+
+void CollectTermLog(const RaidLogsCollection& collection) {
+  auto file = RunStorcli(collection, kReport);
+  if (!file) return;
+  RowBuffer row(collection.repo, kFwTermLog, "Controller 0 FW Term Log");
+  if (ContainsMarker(file.get())) {
+    file->Rewind();
+    AddLines(file.get(), row);
+  }
+  file.reset();
 }
 
 void DescribeTermLog(ModuleDescription& module) {

@@ -288,6 +288,16 @@ TEST_F(RecordingFile, RefusesALogFolderWithoutABackslashAtItsEnd) {
               StartsWith("logFolder: has to end with a backslash"));
 }
 
+TEST_F(RecordingFile, RefusesALogFolderThatNoLiveMachineCanHave) {
+  const auto complaintAbout = [&](std::size_t length) {
+    const std::string folder = "C:\\\\" + std::string(length - 4, 'l') + "\\\\";
+    return Complaint(R"({"format": 1, "logFolder": ")" + folder + R"("})");
+  };
+  EXPECT_EQ(complaintAbout(255), "");
+  EXPECT_EQ(complaintAbout(256),
+            "logFolder: is longer than 255 characters, its last backslash included");
+}
+
 TEST_F(RecordingFile, RefusesAnEmptyHostExecutable) {
   EXPECT_EQ(Complaint(R"({"format": 1, "hostExecutable": ""})"),
             "hostExecutable: is empty; it has to be a path");

@@ -23,7 +23,9 @@ class FakePlatform : public pq::Platform {
   std::uint32_t exitCodeError = 0;
   /// Answers a read of a pipe; none: every read fails.
   std::function<bool(char* buffer, std::size_t size, std::size_t& count)> onRead;
-  /// Every call on the machine, its pipes and its processes, such as "wait".
+  /// A machine that gives all answers instead; null: those above.
+  pq::Platform* answering = nullptr;
+  /// Every call on the machine, its pipes, its processes and its files, such as "wait".
   std::vector<std::string> calls;
 
   FakePlatform();
@@ -46,7 +48,9 @@ class FakePlatform : public pq::Platform {
  private:
   class FakePipe;
   class FakeProcess;
+  class FakeFile;
   std::set<FakeProcess*> open;
+  std::set<FakeFile*> openFiles;
 };
 
 }  // namespace test

@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "frame/platform.h"
+#include "frame/tool_runner.h"
 #include "host/live/live.h"
 #include "host/live/windows/own_folder.h"
 #include "host/live/windows/system_text.h"
@@ -13,9 +14,6 @@
 
 namespace host {
 namespace {
-
-/// Room that the plug-in has for the log folder, terminator included.
-constexpr std::size_t kLogFolderRoom = 256;
 
 /// What the interpreter takes for programs where PATHEXT is not set.
 constexpr char kUsualExtensions[] = ".COM;.EXE;.BAT;.CMD";
@@ -80,8 +78,9 @@ std::string NarrowLogFolder(const std::filesystem::path& path) {
                     " has characters that the system's code page " + std::to_string(GetACP()) +
                     " lacks; choose another with --log-folder");
   }
-  if (narrow->size() >= kLogFolderRoom) {
-    throw LiveError("the log folder's path is longer than " + std::to_string(kLogFolderRoom - 1) +
+  if (narrow->size() >= pq::kLogFolderRoom) {
+    throw LiveError("the log folder's path is longer than " +
+                    std::to_string(pq::kLogFolderRoom - 1) +
                     " characters; choose another with --log-folder");
   }
   return *narrow;

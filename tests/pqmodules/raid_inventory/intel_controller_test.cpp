@@ -220,4 +220,15 @@ TEST(IntelController, SaysWhenTheReportCannotBeOpened) {
                                      "4 [repo] Failed to open raid log file"));
 }
 
+// The probe of the controllers ends such a process already; the step does not count on it.
+TEST(IntelController, EndsTheProcessWhenTheHostsFolderFillsTheCommand) {
+  test::FakePlatform machine;
+  const pq::MachineInUse inUse(machine);
+  halyard::repository::RRepository repository;
+  EXPECT_NO_THROW(pq::CollectIntelController({repository, kLog, std::string(506, 'h')}));
+  EXPECT_THROW(pq::CollectIntelController({repository, kLog, std::string(507, 'h')}),
+               test::RangeCheckFailed);
+  EXPECT_THAT(machine.calls, IsEmpty());
+}
+
 }  // namespace

@@ -6,7 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "frame/bound/machine_in_use.h"
 #include "tests/support/collected.h"
+#include "tests/support/fake_platform.h"
 #include "tests/support/raid_tools.h"
 
 namespace {
@@ -132,6 +134,18 @@ TEST(LsiSummary, SaysWhenTheReportCannotBeOpened) {
   EXPECT_THAT(collected.LogTexts(), Contains("4 Failed to open raid log file").Times(1));
   EXPECT_THAT(collected.trace, Not(HasSubstr("RAIDINFO\",\"key\"")));
   EXPECT_THAT(collected.commandLines, Contains(HasSubstr("rstcli64_5.exe")));
+}
+
+// The probe of the controllers ends such a process already; the step does not count on it.
+TEST(LsiSummary, EndsTheProcessWhenTheHostsFolderFillsTheCommand) {
+  test::FakePlatform machine;
+  const pq::MachineInUse inUse(machine);
+  constexpr pq::ModuleLog kLog{"pqmodules/rsamplemodule1"};
+  halyard::repository::RRepository repository;
+  EXPECT_NO_THROW(pq::CollectLsiSummary({repository, kLog, std::string(506, 'h')}));
+  EXPECT_THROW(pq::CollectLsiSummary({repository, kLog, std::string(507, 'h')}),
+               test::RangeCheckFailed);
+  EXPECT_THAT(machine.calls, IsEmpty());
 }
 
 }  // namespace
