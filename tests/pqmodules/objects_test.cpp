@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "frame/bound/machine_in_use.h"
@@ -64,7 +65,7 @@ std::vector<std::string> ListValues(const RRepository& repository) {
   for (const auto& [name, table] : host::TablesOf(repository)) {
     for (const host::Row& row : table.rows) {
       values.push_back(name);
-      values.insert(values.end(), row.Values().begin(), row.Values().end());
+      for (const std::string_view value : row.Values()) values.emplace_back(value);
     }
   }
   return values;
