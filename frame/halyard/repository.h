@@ -120,7 +120,7 @@ class RInstancesWrapper {
   };
   using Callback = boost::function<void(RInstancesWrapper&)>;
 
-  REPOSITORY_INLINE_API RInstancesWrapper() = default;
+  RInstancesWrapper() = default;
   REPOSITORY_INLINE_API RInstancesWrapper(const RInstancesWrapper& other);
   /// Leaves `other` empty: no text, no elements, no callback, zeros.
   REPOSITORY_INLINE_API RInstancesWrapper(RInstancesWrapper&& other) noexcept;
