@@ -285,6 +285,13 @@ TEST(TableStatus, KeepsTheReasonThatTheMicrochipStepLogged) {
   }
 }
 
+TEST(TableStatus, TellsTheExitCodeOfAToolThatHadNothingToReport) {
+  Watched watched("sampleModule1");
+  watched.Runs(kArcconf, 5).Logs("Failed to open PMC Controller file");
+  EXPECT_EQ(watched.tracker.FindStatus("sampleModule1", "PMCINFO", 0).text,
+            "arcconf.exe ended with code 5: Failed to open PMC Controller file");
+}
+
 TEST(TableStatus, NamesTheCommandThatEndedTheMicrochipStep) {
   Watched watched("sampleModule1");
   watched.Runs(kArcconf, 0);
