@@ -24,9 +24,14 @@ void TableDescription::AddColumns(std::span<const Column> more) {
   for (const Column& column : more) AddColumn(column);
 }
 
+void TableDescription::EndRowsAt(std::string_view label) {
+  whyNoRow = "the output has no line with \"" + std::string(label) + "\", which ends a row";
+}
+
 void ModuleDescription::AddFailures(StepFailure failure,
-                                    std::initializer_list<const char*> sentences) {
-  for (const char* sentence : sentences) failures.push_back({sentence, failure});
+                                    std::initializer_list<const char*> sentences,
+                                    const std::string& program) {
+  for (const char* sentence : sentences) failures.push_back({sentence, failure, program});
 }
 
 void ModuleDescription::AddPipeFailure(const char* sentence, const char* className) {

@@ -46,11 +46,19 @@ struct TableDescription {
   std::vector<ColumnDescription> columns = {};
   /// Why the table never has rows; empty for tables that something fills.
   std::string whyAlwaysEmpty = {};
+  /// What it means that an output holds no row of the table; may be empty.
+  std::string whyNoRow = {};
+  /// One command that ends well suffices; otherwise all of them are needed.
+  bool commandsAreAlternatives = false;
+  /// Commands of the interpreter that have to start too before the table is made, such as "md".
+  std::vector<std::string> neededCommands = {};
   /// The table is made on US English systems only.
   bool needsUsEnglish = false;
 
   void AddColumn(const Column& column);
   void AddColumns(std::span<const Column> more);
+  /// A row ends at a line with `label`; without such a line there is none.
+  void EndRowsAt(std::string_view label);
 };
 
 /// How a step went wrong, as a sentence of the log tells.
@@ -67,6 +75,8 @@ enum class StepFailure {
 struct FailureSentence {
   std::string sentence;  ///< up to the value that follows it, if any
   StepFailure failure;
+  /// The program concerned, as in ToolCommand, where it need not be the one started last.
+  std::string program = {};
 };
 
 /// A sentence of the log that explains why tables have no rows.
@@ -80,11 +90,21 @@ struct Explanation {
   std::string usualValue = {};
 };
 
+/// A text of a tool's output that explains why tables have no rows. The tool has not failed then,
+/// whatever its exit code.
+struct AnswerExplanation {
+  ToolCommand command;
+  std::string words;                ///< anywhere in the output
+  std::string outcome;              ///< as in Explanation
+  std::string text;                 ///< for people
+  std::vector<std::string> tables;  ///< classes of the tables concerned
+};
+
 /// A program whose exit code says whether a device is present. When the program is missing, the
 /// interpreter's own exit code looks like an answer.
 struct PresenceTest {
-  std::string commandEnd;   ///< how its command line ends
-  std::string whenMissing;  ///< the consequence, for people
+  std::string commandEnd;  ///< how its command line ends
+  std::string device;      ///< for people, such as "a BMC"
 };
 
 /// How a tool introduces its version in the texts of a table.
@@ -99,12 +119,18 @@ struct ModuleDescription {
   std::vector<TableDescription> tables = {};
   std::vector<FailureSentence> failures = {};
   std::vector<Explanation> explanations = {};
+  std::vector<AnswerExplanation> answers = {};
   std::vector<PresenceTest> presenceTests = {};
   std::vector<VersionLine> versionLines = {};
   /// Begins the error texts of tools that are read through a pipe; may be empty.
   std::string toolErrorText = {};
+  /// The program, as in ToolCommand, of the steps whose command line can be too long to be started
+  /// and is not logged before.
+  std::string unloggedProgram = {};
 
-  void AddFailures(StepFailure failure, std::initializer_list<const char*> sentences);
+  /// `program`: as in FailureSentence.
+  void AddFailures(StepFailure failure, std::initializer_list<const char*> sentences,
+                   const std::string& program = {});
   /// The pipe for the tool of table `className` could not be created, which is `sentence`.
   void AddPipeFailure(const char* sentence, const char* className);
 };

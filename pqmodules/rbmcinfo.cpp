@@ -129,6 +129,8 @@ ModuleDescription RBMCInfo::Describe() {
     ExplainLeftOut(module, family, {kVerInfo, kPsuInfo, kLedInfo, kSdrInfo});
   }
   DescribeOemQueries(module);
+  // One utility answers all queries.
+  module.unloggedProgram = module.tables.front().commands.front().program;
   DescribeSensorReadings(module);
   DescribeSdr(module);
   DescribeFruAndSel(module);

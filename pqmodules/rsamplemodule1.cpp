@@ -70,7 +70,7 @@ void RSampleModule1::RegisterTables() {
 }
 
 ModuleDescription RSampleModule1::Describe() {
-  ModuleDescription module{.name = kName};
+  ModuleDescription module{.name = kName, .unloggedProgram = kStorcli};
   module.AddFailures(StepFailure::kToolNotRun, {kStartFailure, kExitCodeFailure});
   module.AddFailures(StepFailure::kOutputNotOpened, {kNoReport});
   module.AddFailures(StepFailure::kOutputNotRead, {kNoMemory});

@@ -96,7 +96,7 @@ void RSampleModule2::RegisterTables() {
 }
 
 ModuleDescription RSampleModule2::Describe() {
-  ModuleDescription module{.name = kName};
+  ModuleDescription module{.name = kName, .unloggedProgram = kStorcli};
   module.AddFailures(StepFailure::kToolNotRun, {kStartFailure, kExitCodeFailure});
   module.AddFailures(StepFailure::kOutputNotOpened, {kNoReport});
   module.AddFailures(StepFailure::kOutputNotRead, {kNoMemory});
@@ -108,6 +108,9 @@ ModuleDescription RSampleModule2::Describe() {
   DescribeSas2IrLog(module);
   DescribeIntelDevices(module);
   DescribeLogLinks(module);
+  module.answers.push_back(
+      ExplainNoLsiController({kLsiLink, kEventLog1, kEventLog2, kEventLog3, kEventLog4, kEventLog5,
+                              kFwTermLog, kPdList, kTInfo, kVInfo, kPInfo}));
   return module;
 }
 

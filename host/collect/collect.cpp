@@ -1,6 +1,7 @@
 #include "host/collect/collect.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include "host/collect/collection_run.h"
 #include "host/collect/failures.h"
@@ -49,15 +50,15 @@ class AnswerKeeper final : public CollectionListener {
   std::string module;
 };
 
-/// One line of UTF-8 for each failure.
-std::vector<std::string> DescribeFailures(const FailureList& failures, const TextDecoder& decode) {
-  std::vector<std::string> lines;
-  for (const Failure& failure : failures.Failures()) {
-    std::string where = decode(failure.module);
-    if (!failure.tool.empty()) where += ", " + decode(failure.tool);
-    lines.push_back(fmt::format("not collected: {}: {}", where, decode(failure.text)));
+/// One line of UTF-8.
+std::string DescribeFailure(const Failure& failure, const TextDecoder& decode) {
+  std::string where = decode(failure.module);
+  if (!failure.tool.empty()) where += ", " + decode(failure.tool);
+  std::string line = fmt::format("not collected: {}: {}", where, decode(failure.text));
+  if (!failure.tables.empty()) {
+    line += fmt::format(" (concerns {})", fmt::join(failure.tables, ", "));
   }
-  return lines;
+  return line;
 }
 
 }  // namespace
@@ -100,10 +101,17 @@ Collection Collect(Source& source, const Selection& selection, CollectionListene
     table.status = statuses.FindStatus(table.module, table.className, table.RowCount());
   }
   collection.problems = source.Doubts();
-  for (std::string& problem :
-       DescribeFailures(failures, TextDecoder(collection.machine.codePage))) {
-    collection.problems.push_back(std::move(problem));
-  }
+  const TextDecoder decode(collection.machine.codePage);
+  const auto addProblems = [&](const std::vector<Failure>& found) {
+    for (const Failure& failure : found) {
+      collection.problems.push_back(DescribeFailure(failure, decode));
+    }
+  };
+  addProblems(failures.Failures());
+  addProblems(statuses.FindFailedTools([&](const std::string& className) {
+    const auto rows = stored.find(className);
+    return rows != stored.end() && !rows->second.rows.empty();
+  }));
   if (wasInterrupted) collection.problems.emplace_back(kInterrupted);
   collection.log = std::move(log.lines);
   collection.answers = std::move(answers.answers);

@@ -49,6 +49,16 @@ std::string FindArguments(std::string_view commandLine) {
   return std::string(rest);
 }
 
+std::string FindTarget(std::string_view commandLine) {
+  const std::size_t sign = commandLine.rfind('>');
+  if (sign == std::string_view::npos) return {};
+  std::string target(commandLine.substr(sign + 1));
+  std::erase(target, '"');
+  std::string_view trimmed = target;
+  SkipAll(trimmed, ' ');
+  return std::string(trimmed.substr(0, trimmed.find_last_not_of(' ') + 1));
+}
+
 std::string FindTool(std::string_view commandLine) {
   const std::string program = FindProgram(commandLine);
   return program.substr(program.find_last_of('\\') + 1);

@@ -13,14 +13,14 @@
 namespace host {
 namespace {
 
-/// The presence test that the command line runs; null when it runs none.
-const pq::PresenceTest* FindPresenceTest(std::string_view commandLine) {
-  for (const pq::ModuleDescription& module : GetModuleDescriptions()) {
-    for (const pq::PresenceTest& test : module.presenceTests) {
-      if (commandLine.ends_with(test.commandEnd)) return &test;
-    }
-  }
-  return nullptr;
+constexpr char kMissing[] = "the program is missing, so it is not known whether the machine has ";
+
+/// The tool that `text`, a log line about a failure, is about: mostly the `last` one.
+std::string FindToolOf(std::string_view text, const std::string& last) {
+  const pq::FailureSentence* known = FindFailureSentence(text);
+  if (known == nullptr) return last;
+  if (known->failure == pq::StepFailure::kBeforeTool) return {};
+  return known->program.empty() ? last : FindTool("/c \"" + known->program + "\"");
 }
 
 /// The failure sentences by their first byte: every log line is held against them.
@@ -52,6 +52,15 @@ const pq::FailureSentence* FindFailureSentence(std::string_view text) {
   return nullptr;
 }
 
+const pq::PresenceTest* FindPresenceTest(std::string_view commandLine) {
+  for (const pq::ModuleDescription& module : GetModuleDescriptions()) {
+    for (const pq::PresenceTest& test : module.presenceTests) {
+      if (commandLine.ends_with(test.commandEnd)) return &test;
+    }
+  }
+  return nullptr;
+}
+
 bool ReportsFailure(const LogLine& line) {
   const pq::FailureSentence* known = FindFailureSentence(RemoveLogPrefix(line.text));
   if (known == nullptr) return line.level == pq::kError;
@@ -61,15 +70,26 @@ bool ReportsFailure(const LogLine& line) {
 void FailureList::Module(const std::string& name, const std::string& /*description*/) {
   module = name;
   tool.clear();
+  starts.Module(name);
 }
 
 void FailureList::OnProcess(const std::string& /*application*/, const std::string& commandLine,
                             bool /*inheritHandles*/, bool pipe) {
   tool = FindTool(commandLine);
   readThroughPipe = pipe;
+  starts.Start();
   const pq::PresenceTest* presence = FindPresenceTest(commandLine);
   if (presence == nullptr || !isProgramThere || isProgramThere(commandLine)) return;
-  AddOnce({module, tool, presence->whenMissing});
+  AddMissing(*presence);
+}
+
+void FailureList::OnProcessEnd(std::uint32_t /*exitCode*/) { starts.End(); }
+
+void FailureList::OnSystem(const std::string& command) {
+  tool = FindTool("/c " + command);
+  readThroughPipe = false;
+  starts.Start();
+  starts.End();
 }
 
 bool ExceedsPipe(const ToolAnswer& answer) { return answer.output.size() > pq::kPipeOutputLimit; }
@@ -97,20 +117,33 @@ void FailureList::OnNoLogin(const std::string& why) {
   AddOnce({module, "", "asked for a login and got none, so its log is not collected: " + why});
 }
 
-// The AMT module tests at every enumeration; a program that is missing is so once.
 void FailureList::AddOnce(Failure failure) {
   const bool isKnown = std::any_of(failures.begin(), failures.end(), [&](const Failure& known) {
-    return known.module == failure.module && known.text == failure.text;
+    return known.module == failure.module && known.tool == failure.tool &&
+           known.text == failure.text;
   });
   if (!isKnown) failures.push_back(std::move(failure));
 }
 
+// One program looks for several devices, each for a module of its own, and AMT at every
+// enumeration.
+void FailureList::AddMissing(const pq::PresenceTest& presence) {
+  const auto known = std::ranges::find_if(failures, [&](const Failure& failure) {
+    return failure.tool == tool && failure.text.starts_with(kMissing);
+  });
+  if (known == failures.end()) {
+    failures.push_back({module, tool, kMissing + presence.device});
+  } else if (known->text.find(presence.device) == std::string::npos) {
+    if (known->module.find(module) == std::string::npos) known->module += " and " + module;
+    known->text += " or " + presence.device;
+  }
+}
+
 void FailureList::Log(const LogLine& line) {
-  if (interrupted || !ReportsFailure(line)) return;
   const std::string_view text = RemoveLogPrefix(line.text);
-  const pq::FailureSentence* known = FindFailureSentence(text);
-  const bool ofLastTool = known == nullptr || known->failure != pq::StepFailure::kBeforeTool;
-  failures.push_back({module, ofLastTool ? tool : "", std::string(text)});
+  if (const auto commandLine = starts.Log(text)) tool = FindTool(*commandLine);
+  if (interrupted || !ReportsFailure(line)) return;
+  AddOnce({module, FindToolOf(text, tool), std::string(text)});
 }
 
 }  // namespace host

@@ -8,14 +8,16 @@
 
 #include "frame/description.h"
 #include "host/collect/collection_listener.h"
+#include "host/collect/start_watch.h"
 
 namespace host {
 
 /// One thing that could not be collected. Texts are bytes in the machine's code page.
 struct Failure {
-  std::string module;
-  std::string tool;  ///< file name of the program concerned; empty when none was started yet
-  std::string text;  ///< the module's own words without the log's prefix, or the host's
+  std::string module;  ///< several, joined by " and ", when one program answers for all of them
+  std::string tool;    ///< file name of the program concerned; empty when none was started yet
+  std::string text;    ///< the module's own words without the log's prefix, or the host's
+  std::vector<std::string> tables = {};  ///< classes of the tables concerned, if they are known
 };
 
 /// The text of a log line without the log's prefix.
@@ -24,6 +26,9 @@ std::string_view RemoveLogPrefix(std::string_view text);
 /// The sentence by which a module reports a failed step in `text`, a log line without the log's
 /// prefix; null when it reports none.
 const pq::FailureSentence* FindFailureSentence(std::string_view text);
+
+/// The presence test that the command line runs; null when it runs none.
+const pq::PresenceTest* FindPresenceTest(std::string_view commandLine);
 
 /// Whether the log line says that something could not be collected. A missing tool or absent
 /// controller is not a failure.
@@ -49,6 +54,8 @@ class FailureList final : public CollectionListener {
   void OnProcess(const std::string& application, const std::string& commandLine,
                  bool inheritHandles, bool pipe) override;
   void OnAnswer(const ToolAnswer& answer) override;
+  void OnProcessEnd(std::uint32_t exitCode) override;
+  void OnSystem(const std::string& command) override;
   void OnToolEnded(unsigned seconds) override;
   void OnToolOutOfMemory(unsigned mebibytes) override;
   void OnNoLogin(const std::string& why) override;
@@ -57,10 +64,12 @@ class FailureList final : public CollectionListener {
 
  private:
   void AddOnce(Failure failure);
+  void AddMissing(const pq::PresenceTest& presence);
 
   ProgramTest isProgramThere;
   std::string module;
   std::string tool;
+  StartWatch starts;
   bool readThroughPipe = false;
   std::vector<Failure> failures;
   bool interrupted = false;  ///< modules complain of the host's refusals

@@ -9,13 +9,14 @@
 #include "host/catalogue/table_sources.h"
 #include "host/collect/command_text.h"
 #include "host/collect/failures.h"
-#include "host/recorded/interpreter.h"
+#include "host/recorded/own_commands.h"
 #include "host/text/ascii.h"
 
 namespace host {
 namespace {
 
 const TableStatus kInterrupted{"interrupted", "the collection was interrupted before"};
+constexpr char kNoSuchDevice[] = "no such device";
 
 /// Whether a log line, without its prefix, is the explanation's sentence and explains something.
 bool Explains(const pq::Explanation& explanation, std::string_view text) {
@@ -56,18 +57,111 @@ bool IsToolOf(const ToolRun& run, const pq::TableDescription& table) {
                      });
 }
 
+/// Whether the command was run, for what it is for: the same program with the same arguments can
+/// serve others with another file.
+bool IsRunOf(const ToolRun& run, const pq::ToolCommand& command) {
+  if (!EndsWithoutCase(run.program, command.program)) return false;
+  if (!command.argumentsFromOperator && run.arguments != command.arguments) return false;
+  if (run.readThroughPipe && !command.file.empty()) return false;
+  return run.file.empty() || LowerCase(run.file) == LowerCase(command.file);
+}
+
 /// Other than a program that ended well and said so.
 bool HasFailed(const ToolRun& run) {
   return !run.isThere || run.refused || !run.startFailure.empty() || run.exitCode.value_or(0) != 0;
 }
 
-/// Notes the facts that a log line tells of the run before it.
+/// Whether nothing that the program leaves can be had.
+bool HasEndedStep(const ToolRun& run) {
+  return run.refused || !run.startFailure.empty() || !run.openFailure.empty();
+}
+
+/// Why the program's answer is not to be trusted; empty when there is no reason.
+std::string DescribeError(const ToolRun& run) {
+  if (run.endedAfterSeconds > 0) {
+    return fmt::format("was ended after {} s", run.endedAfterSeconds);
+  }
+  if (run.memoryLimit > 0) {
+    return fmt::format("wanted more than its {} MiB of memory", run.memoryLimit);
+  }
+  if (run.exitCode.value_or(0) != 0) return fmt::format("ended with code {}", *run.exitCode);
+  if (run.reportedError) return "printed an error text";
+  return {};
+}
+
+/// The outcome of a program with such an error.
+const char* FindErrorOutcome(const ToolRun& run) {
+  if (run.endedAfterSeconds > 0) return "ended";
+  return run.memoryLimit > 0 ? "out of memory" : "tool reported an error";
+}
+
+/// The run that decides what there is for the table. At least one of `runs` is there.
+const ToolRun& ChooseRun(const std::vector<const ToolRun*>& runs,
+                         const pq::TableDescription& table) {
+  const auto find = [&](auto test) { return std::ranges::find_if(runs, test); };
+  if (table.commandsAreAlternatives) {
+    const auto well = std::find_if(runs.rbegin(), runs.rend(),
+                                   [](const ToolRun* run) { return !HasFailed(*run); });
+    if (well != runs.rend()) return **well;
+    const auto failed = find([](const ToolRun* run) { return run->isThere && !run->explanation; });
+    if (failed != runs.end()) return **failed;
+    return **find([](const ToolRun* run) { return run->isThere; });
+  }
+  const auto ending = find([](const ToolRun* run) { return HasEndedStep(*run); });
+  if (ending != runs.end()) return **ending;
+  const auto failed =
+      find([](const ToolRun* run) { return HasFailed(*run) || !DescribeError(*run).empty(); });
+  return failed != runs.end() ? **failed : *runs.back();
+}
+
+/// Whether the list of failures holds the run, or nothing failed.
+bool IsTold(const ToolRun& run) {
+  return !run.isThere || HasEndedStep(run) || run.endedAfterSeconds > 0 || run.memoryLimit > 0;
+}
+
+/// Whether the exit code is an answer, or of a command that says nothing by it: a folder may be
+/// there already, and a file to copy may not.
+bool HasOrdinaryExitCode(const ToolRun& run) {
+  return FindPresenceTest(run.commandLine) == nullptr && !IsOwnCommand(run.program);
+}
+
+/// What the program printed, in `answer`, that explains something.
+const pq::AnswerExplanation* FindExplanation(const ToolRun& run, const ToolAnswer& answer) {
+  const pq::ModuleDescription* module = FindModuleDescription(run.module);
+  if (module == nullptr) return nullptr;
+  const std::string_view printed = answer.file.empty() ? answer.output : answer.fileText;
+  const auto found = std::ranges::find_if(module->answers, [&](const pq::AnswerExplanation& known) {
+    return EndsWithoutCase(run.program, known.command.program) &&
+           run.arguments == known.command.arguments &&
+           printed.find(known.words) != std::string_view::npos;
+  });
+  return found == module->answers.end() ? nullptr : &*found;
+}
+
+/// Why nobody knows whether the device is there that `run` looked for; none when it is known, or
+/// the run looked for none.
+std::optional<TableStatus> ExplainPresenceTest(const ToolRun& run) {
+  const pq::PresenceTest* test = FindPresenceTest(run.commandLine);
+  if (test == nullptr || run.refused) return std::nullopt;
+  const char* outcome = "tool missing";
+  std::string reason = "is not on this machine";
+  if (run.isThere) {
+    if (run.endedAfterSeconds == 0 && run.memoryLimit == 0) return std::nullopt;
+    outcome = FindErrorOutcome(run);
+    reason = DescribeError(run);
+  }
+  return TableStatus{outcome, fmt::format("{} {}, so it is not known whether this machine has {}",
+                                          GetFileName(run.program), reason, test->device)};
+}
+
+/// Notes the facts that a log line tells of the run that it is about.
 void NoteRun(ToolRun& run, std::string_view text, const pq::ModuleDescription* module) {
   if (const pq::FailureSentence* known = FindFailureSentence(text)) {
     if (known->failure == pq::StepFailure::kToolNotRun) run.startFailure = text;
-    if (known->failure == pq::StepFailure::kOutputNotOpened ||
-        known->failure == pq::StepFailure::kNothingToReport) {
+    if (known->failure == pq::StepFailure::kOutputNotOpened) run.openFailure = text;
+    if (known->failure == pq::StepFailure::kNothingToReport) {
       run.openFailure = text;
+      run.hadNothingToReport = true;
     }
   } else if (text.starts_with(pq::kChunkSize)) {
     run.printed = true;
@@ -83,38 +177,53 @@ void NoteRun(ToolRun& run, std::string_view text, const pq::ModuleDescription* m
 void StatusTracker::Module(const std::string& name, const std::string& /*description*/) {
   module = name;
   runIsOpen = false;
+  starts.Module(name);
 }
 
 void StatusTracker::Enumerate(const std::string& name, const std::string& /*table*/) {
   module = name;
 }
 
-void StatusTracker::BeginRun(const std::string& commandLine, bool pipe) {
+ToolRun& StatusTracker::BeginRun(const std::string& commandLine, bool pipe) {
   ToolRun run;
   run.module = module;
   run.commandLine = commandLine;
   run.program = FindProgram(commandLine);
   run.arguments = FindArguments(commandLine);
+  const std::string target = FindTarget(commandLine);
+  if (target.find('\\') != std::string::npos) run.file = GetFileName(target);
   run.readThroughPipe = pipe;
-  run.isThere = !hasPrograms || hasPrograms(commandLine);
+  run.isFiltered = commandLine.find('|') != std::string::npos;
   runs.push_back(std::move(run));
   runIsOpen = true;
-  runJustBegan = true;
+  return runs.back();
 }
 
 void StatusTracker::OnProcess(const std::string& /*application*/, const std::string& commandLine,
                               bool /*inheritHandles*/, bool pipe) {
-  BeginRun(commandLine, pipe);
+  BeginRun(commandLine, pipe).isThere = !hasPrograms || hasPrograms(commandLine);
+  starts.Start();
+  runJustBegan = true;
 }
 
 void StatusTracker::OnAnswer(const ToolAnswer& answer) {
-  if (!runs.empty() && runs.back().readThroughPipe) runs.back().wasCut = ExceedsPipe(answer);
+  if (runs.empty()) return;
+  ToolRun& run = runs.back();
+  if (run.readThroughPipe) run.wasCut = ExceedsPipe(answer);
+  run.explanation = FindExplanation(run, answer);
 }
 
-void StatusTracker::OnSystem(const std::string& command) { BeginRun("/c " + command, false); }
+void StatusTracker::OnSystem(const std::string& command) {
+  const std::string commandLine = "/c " + command;
+  BeginRun(commandLine, false).isThere = !hasPrograms || hasPrograms(commandLine);
+  starts.Start();
+  starts.End();
+  runJustBegan = true;
+}
 
 void StatusTracker::OnProcessEnd(std::uint32_t exitCode) {
-  if (!runs.empty()) runs.back().exitCode = exitCode;
+  if (!runs.empty() && !runs.back().isFiltered) runs.back().exitCode = exitCode;
+  starts.End();
   runJustBegan = false;
 }
 
@@ -137,7 +246,10 @@ void StatusTracker::Log(const LogLine& line) {
   const std::string_view text = RemoveLogPrefix(line.text);
   const pq::ModuleDescription* description = FindModuleDescription(module);
   runJustBegan = false;
-  if (runIsOpen) NoteRun(runs.back(), text, description);
+  if (const auto commandLine = starts.Log(text); commandLine && !interrupted) {
+    BeginRun(*commandLine, false);
+  }
+  NoteLog(text);
   const bool isTelling =
       !interrupted && description != nullptr &&
       std::ranges::any_of(description->explanations, [&](const pq::Explanation& explanation) {
@@ -146,90 +258,145 @@ void StatusTracker::Log(const LogLine& line) {
   if (isTelling) log[module].emplace_back(text);
 }
 
+void StatusTracker::NoteLog(std::string_view text) {
+  if (!runIsOpen) return;
+  const pq::FailureSentence* known = FindFailureSentence(text);
+  auto run = runs.rbegin();
+  if (known != nullptr && !known->program.empty()) {
+    run = std::find_if(runs.rbegin(), runs.rend(), [&](const ToolRun& candidate) {
+      return candidate.module == module && EndsWithoutCase(candidate.program, known->program);
+    });
+  }
+  if (run != runs.rend()) NoteRun(*run, text, FindModuleDescription(module));
+}
+
 std::vector<const ToolRun*> StatusTracker::FindRuns(const std::string& name,
                                                     const pq::TableDescription& table) const {
   std::vector<const ToolRun*> found;
   for (const pq::ToolCommand& command : table.commands) {
     for (const ToolRun& run : runs) {
-      if (run.module != name || !EndsWithoutCase(run.program, command.program)) continue;
-      if (!command.argumentsFromOperator && run.arguments != command.arguments) continue;
-      if (run.readThroughPipe && !command.file.empty()) continue;
-      found.push_back(&run);
+      if (run.module == name && IsRunOf(run, command)) found.push_back(&run);
     }
   }
   return found;
 }
 
+std::vector<const pq::TableDescription*> StatusTracker::FindTables(const ToolRun& run) const {
+  std::vector<const pq::TableDescription*> found;
+  const pq::ModuleDescription* description = FindModuleDescription(run.module);
+  if (description == nullptr) return found;
+  for (const pq::TableDescription& table : description->tables) {
+    const bool isServed = std::ranges::any_of(
+        table.commands, [&](const pq::ToolCommand& command) { return IsRunOf(run, command); });
+    if (isServed) found.push_back(&table);
+  }
+  return found;
+}
+
+TableStatus StatusTracker::ExplainMissing(const std::vector<const ToolRun*>& found) const {
+  const std::string names = JoinNames(found);
+  const bool hasOtherAnswers = std::ranges::any_of(runs, [&](const ToolRun& run) {
+    return run.isThere && LowerCase(run.program) == LowerCase(found.front()->program);
+  });
+  if (hasOtherAnswers) {
+    return {"tool missing", fmt::format("the recording has no such answer of {}", names)};
+  }
+  const bool areSeveral = names.find(" and ") != std::string::npos;
+  return {"tool missing",
+          fmt::format("{} {} not on this machine", names, areSeveral ? "are" : "is")};
+}
+
 TableStatus StatusTracker::ExplainRuns(const std::vector<const ToolRun*>& found,
                                        const pq::TableDescription& table) const {
-  // The tool that ended well tells; otherwise the first that is there at all.
-  const auto well =
-      std::find_if(found.rbegin(), found.rend(), [](const ToolRun* r) { return !HasFailed(*r); });
-  const auto there =
-      std::find_if(found.begin(), found.end(), [](const ToolRun* r) { return r->isThere; });
-  if (there == found.end()) {
-    return {"tool missing",
-            fmt::format("{} {} not on this machine", JoinNames(found),
-                        found.size() > 1 && JoinNames(found).find(" and ") != std::string::npos
-                            ? "are"
-                            : "is")};
-  }
-  const ToolRun& run = well == found.rend() ? **there : **well;
+  if (std::ranges::none_of(found, &ToolRun::isThere)) return ExplainMissing(found);
+  const ToolRun& run = ChooseRun(found, table);
+  if (!run.isThere) return ExplainMissing({&run});
   const std::string name = GetFileName(run.program);
-  if (run.endedAfterSeconds > 0) {
-    return {"ended", fmt::format("{} was ended after {} s", name, run.endedAfterSeconds)};
-  }
-  if (run.memoryLimit > 0) {
-    return {"out of memory",
-            fmt::format("{} wanted more than its {} MiB of memory", name, run.memoryLimit)};
+  const std::string error = DescribeError(run);
+  if (run.endedAfterSeconds > 0 || run.memoryLimit > 0) {
+    return {FindErrorOutcome(run), fmt::format("{} {}", name, error)};
   }
   if (run.refused) return kInterrupted;
   if (!run.startFailure.empty()) {
     return {"could not start", fmt::format("{}: {}", name, run.startFailure)};
   }
-  if (run.exitCode.value_or(0) != 0) {
-    return {"tool reported an error", fmt::format("{} ended with code {}", name, *run.exitCode)};
+  if (run.hadNothingToReport) {
+    return {"output could not be opened",
+            fmt::format("{}{}{}: {}", name, error.empty() ? "" : " ", error, run.openFailure)};
   }
-  if (run.reportedError) {
-    return {"tool reported an error", fmt::format("{} printed an error text", name)};
-  }
+  if (!error.empty()) return {FindErrorOutcome(run), fmt::format("{} {}", name, error)};
   if (!run.openFailure.empty()) {
     return {"output could not be opened", fmt::format("{}: {}", name, run.openFailure)};
   }
-  bool printed = run.printed;
+  for (const ToolRun& needed : runs) {
+    if (&needed <= &run || needed.module != run.module || needed.startFailure.empty()) continue;
+    if (std::ranges::find(table.neededCommands, needed.program) == table.neededCommands.end()) {
+      continue;
+    }
+    return {"could not start", fmt::format("{}: {}", needed.program, needed.startFailure)};
+  }
+  bool printed = run.printed || run.isFiltered;
   for (const pq::ToolCommand& command : table.commands) {
     if (command.file.empty() || !logFileSize) continue;
     printed = printed || logFileSize(command.file).value_or(0) > 0;
   }
   if (!printed) return {"nothing printed", fmt::format("{} printed nothing", name)};
+  if (!table.whyNoRow.empty()) return {"no rows in output", table.whyNoRow};
   return {"no rows in output", fmt::format("{} printed nothing that belongs here", name)};
+}
+
+std::optional<TableStatus> StatusTracker::ExplainByLog(const std::string& name,
+                                                       const pq::TableDescription& table) const {
+  const auto lines = log.find(name);
+  if (lines == log.end()) return std::nullopt;
+  const auto& explanations = FindModuleDescription(name)->explanations;
+  for (auto line = lines->second.rbegin(); line != lines->second.rend(); ++line) {
+    for (const pq::Explanation& explanation : explanations) {
+      if (!Explains(explanation, *line) || !Concerns(explanation, table.className)) continue;
+      return TableStatus{explanation.outcome, explanation.text};
+    }
+  }
+  return std::nullopt;
+}
+
+std::optional<TableStatus> StatusTracker::ExplainByAnswers(
+    const std::string& name, const pq::TableDescription& table) const {
+  std::vector<std::string> texts;
+  std::string outcome;
+  for (const ToolRun& run : runs) {
+    if (run.module != name || run.explanation == nullptr) continue;
+    const auto& tables = run.explanation->tables;
+    if (std::ranges::find(tables, table.className) == tables.end()) continue;
+    outcome = run.explanation->outcome;
+    texts.push_back(run.explanation->text);
+  }
+  if (texts.empty()) return std::nullopt;
+  return TableStatus{outcome, fmt::format("{}", fmt::join(texts, "; "))};
 }
 
 TableStatus StatusTracker::ExplainWithoutRun(const std::string& name,
                                              const pq::TableDescription& table) const {
-  const auto lines = log.find(name);
-  if (lines != log.end()) {
-    const auto& explanations = FindModuleDescription(name)->explanations;
-    for (auto line = lines->second.rbegin(); line != lines->second.rend(); ++line) {
-      for (const pq::Explanation& explanation : explanations) {
-        if (!Explains(explanation, *line) || !Concerns(explanation, table.className)) continue;
-        return {explanation.outcome, explanation.text};
-      }
+  if (const auto explained = ExplainByLog(name, table)) {
+    if (explained->outcome != kNoSuchDevice) return *explained;
+    for (const ToolRun& run : runs) {
+      if (run.module != name) continue;
+      if (const auto unknown = ExplainPresenceTest(run)) return *unknown;
     }
+    return *explained;
   }
   if (interrupted) return kInterrupted;
   // Of the table's own tools, and of the one that the module asks first, since that can end it all.
   std::vector<const ToolRun*> deciding;
+  const ToolRun* last = nullptr;
   for (const ToolRun& run : runs) {
     if (run.module != name) continue;
     if (deciding.empty() || IsToolOf(run, table)) deciding.push_back(&run);
+    last = &run;
   }
   for (const ToolRun* decided : deciding) {
     const ToolRun& run = *decided;
     if (!HasFailed(run)) continue;
-    if (!run.isThere) {
-      return {"tool missing", fmt::format("{} is not on this machine", GetFileName(run.program))};
-    }
+    if (!run.isThere) return ExplainMissing({&run});
     if (run.startFailure.empty()) continue;
     return {"could not start", fmt::format("{}: {}", GetFileName(run.program), run.startFailure)};
   }
@@ -238,6 +405,12 @@ TableStatus StatusTracker::ExplainWithoutRun(const std::string& name,
     return {"output could not be opened",
             fmt::format("{}: {}", GetFileName(run->program), run->openFailure)};
   }
+  // Not every module says that it cannot open the output of its first tool, but it ends there.
+  if (last != nullptr && last == deciding.front() && !last->file.empty() && logFileSize &&
+      !logFileSize(last->file)) {
+    return {"output could not be opened",
+            fmt::format("{}: {} is not there", GetFileName(last->program), last->file)};
+  }
   return {"not reached", "no step of the collection asked for it"};
 }
 
@@ -245,10 +418,18 @@ TableStatus StatusTracker::DescribeRows(const std::string& name, const pq::Table
                                         std::size_t rowCount) const {
   std::string text = fmt::format("{} row{}", rowCount, rowCount == 1 ? "" : "s");
   if (table != nullptr) {
+    std::string error;
     for (const ToolRun* run : FindRuns(name, *table)) {
-      if (!run->wasCut) continue;
-      text += fmt::format(", of the first {} MiB that {} printed", pq::kPipeOutputLimit >> 20,
-                          GetFileName(run->program));
+      if (run->wasCut) {
+        text += fmt::format(", of the first {} MiB that {} printed", pq::kPipeOutputLimit >> 20,
+                            GetFileName(run->program));
+      }
+      // Rows show that an error text, if there is one, was none.
+      if (!error.empty() || !run->isThere || run->reportedError || IsMadeUpFor(*run, *table)) {
+        continue;
+      }
+      error = DescribeError(*run);
+      if (!error.empty()) text += fmt::format(", but {} {}", GetFileName(run->program), error);
     }
   }
   return {"rows", std::move(text)};
@@ -261,7 +442,51 @@ TableStatus StatusTracker::FindStatus(const std::string& name, const std::string
   if (table == nullptr) return {"not reached", "no step of the collection asked for it"};
   if (!table->whyAlwaysEmpty.empty()) return {"always empty", table->whyAlwaysEmpty};
   const std::vector<const ToolRun*> found = FindRuns(name, *table);
+  const bool isExplained =
+      !table->commandsAreAlternatives || std::ranges::all_of(found, [](const ToolRun* run) {
+        return !run->isThere || run->explanation != nullptr;
+      });
+  if (const auto explained = ExplainByAnswers(name, *table); explained && isExplained) {
+    return *explained;
+  }
   return found.empty() ? ExplainWithoutRun(name, *table) : ExplainRuns(found, *table);
+}
+
+bool StatusTracker::IsMadeUpFor(const ToolRun& run, const pq::TableDescription& table) const {
+  if (!table.commandsAreAlternatives) return ExplainByAnswers(run.module, table).has_value();
+  return std::ranges::any_of(FindRuns(run.module, table), [](const ToolRun* other) {
+    return !HasFailed(*other) && other->openFailure.empty();
+  });
+}
+
+std::vector<Failure> StatusTracker::FindFailedTools(
+    const std::function<bool(const std::string& className)>& hasRows) const {
+  std::vector<Failure> failures;
+  for (const ToolRun& run : runs) {
+    const std::string error = DescribeError(run);
+    if (error.empty() || IsTold(run) || run.explanation != nullptr) continue;
+    if (!HasOrdinaryExitCode(run)) continue;
+    const std::vector<const pq::TableDescription*> tables = FindTables(run);
+    const auto leavesNothingOut = [&](const pq::TableDescription* table) {
+      return IsMadeUpFor(run, *table) ||
+             (run.exitCode.value_or(0) == 0 && hasRows(table->className));
+    };
+    if (!tables.empty() && std::ranges::all_of(tables, leavesNothingOut)) continue;
+    auto known = std::ranges::find_if(failures, [&](const Failure& failure) {
+      return failure.module == run.module && failure.tool == GetFileName(run.program) &&
+             failure.text == error;
+    });
+    if (known == failures.end()) {
+      failures.push_back({run.module, GetFileName(run.program), error});
+      known = std::prev(failures.end());
+    }
+    for (const pq::TableDescription* table : tables) {
+      if (std::ranges::find(known->tables, table->className) == known->tables.end()) {
+        known->tables.push_back(table->className);
+      }
+    }
+  }
+  return failures;
 }
 
 }  // namespace host

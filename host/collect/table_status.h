@@ -11,6 +11,8 @@
 
 #include "frame/description.h"
 #include "host/collect/collection_listener.h"
+#include "host/collect/failures.h"
+#include "host/collect/start_watch.h"
 
 namespace host {
 
@@ -26,12 +28,17 @@ struct ToolRun {
   std::string commandLine;
   std::string program;    ///< as on the command line, without quotes
   std::string arguments;  ///< of the first program of a pipe
+  std::string file;       ///< of the log folder, that it writes; empty without
   bool isThere = true;    ///< the machine has the program
   bool readThroughPipe = false;
-  std::optional<std::uint32_t> exitCode;
-  std::string startFailure;  ///< the module's words
-  std::string openFailure;   ///< the module's words
-  bool printed = false;      ///< something came through the pipe
+  bool isFiltered = false;                ///< another program passes on what it prints
+  std::optional<std::uint32_t> exitCode;  ///< its own; none of a program whose output is filtered
+  std::string startFailure;               ///< the module's words
+  std::string openFailure;                ///< the module's words
+  bool hadNothingToReport = false;        ///< so that there was nothing to open
+  /// What it printed explains why tables are empty.
+  const pq::AnswerExplanation* explanation = nullptr;
+  bool printed = false;  ///< something came through the pipe
   bool reportedError = false;
   bool wasCut = false;             ///< it printed more than the module keeps
   bool refused = false;            ///< never started, because the collection was interrupted
@@ -56,6 +63,11 @@ class StatusTracker final : public CollectionListener {
   TableStatus FindStatus(const std::string& module, const std::string& className,
                          std::size_t rowCount) const;
 
+  /// The tools that failed although the log does not tell: each with each of its reasons once.
+  /// `hasRows` answers for table classes.
+  std::vector<Failure> FindFailedTools(
+      const std::function<bool(const std::string& className)>& hasRows) const;
+
   /// The collection was interrupted: missing tables were never asked for.
   void Interrupted() { interrupted = true; }
 
@@ -73,18 +85,29 @@ class StatusTracker final : public CollectionListener {
   void Log(const LogLine& line) override;
 
  private:
-  void BeginRun(const std::string& commandLine, bool pipe);
+  ToolRun& BeginRun(const std::string& commandLine, bool pipe);
+  void NoteLog(std::string_view text);
   std::vector<const ToolRun*> FindRuns(const std::string& module,
                                        const pq::TableDescription& table) const;
+  /// The tables that `run` was for.
+  std::vector<const pq::TableDescription*> FindTables(const ToolRun& run) const;
   TableStatus DescribeRows(const std::string& module, const pq::TableDescription* table,
                            std::size_t rowCount) const;
+  TableStatus ExplainMissing(const std::vector<const ToolRun*>& runs) const;
   TableStatus ExplainRuns(const std::vector<const ToolRun*>& runs,
                           const pq::TableDescription& table) const;
   TableStatus ExplainWithoutRun(const std::string& module, const pq::TableDescription& table) const;
+  std::optional<TableStatus> ExplainByLog(const std::string& module,
+                                          const pq::TableDescription& table) const;
+  std::optional<TableStatus> ExplainByAnswers(const std::string& module,
+                                              const pq::TableDescription& table) const;
+  /// Whether the failure of `run` leaves nothing out of `table`.
+  bool IsMadeUpFor(const ToolRun& run, const pq::TableDescription& table) const;
 
   ProgramTest hasPrograms;
   FileSize logFileSize;
   std::string module;
+  StartWatch starts;
   std::vector<ToolRun> runs;
   bool runIsOpen = false;                               ///< log lines are about the last run
   std::map<std::string, std::vector<std::string>> log;  ///< telling lines, by module

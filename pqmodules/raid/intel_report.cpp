@@ -10,10 +10,17 @@
 namespace pq {
 namespace {
 
+struct IntelTool {
+  const char* program;
+  const char* noController;  ///< the tool's own words
+  const char* explanation;   ///< the same for people
+};
 /// In the order in which they are tried.
-constexpr const char* kTools[] = {
-    "\\pq_tools\\rstcli64_5.exe",
-    "\\utilities\\vroc\\IntelVROCCli.exe",
+constexpr IntelTool kTools[] = {
+    {"\\pq_tools\\rstcli64_5.exe", "No Intel(R) RST controller was found",
+     "rstcli64_5.exe finds no Intel RST controller"},
+    {"\\utilities\\vroc\\IntelVROCCli.exe", "No Intel(R) VROC controller was found",
+     "IntelVROCCli.exe finds no Intel VROC controller"},
 };
 
 constexpr char kArguments[] = "-I";
@@ -22,8 +29,8 @@ constexpr char kReportName[] = "rstcli64.txt";
 /// False when none of the tools ended well.
 bool WriteReport(CallerLog log, const std::string& hostFolder, const std::string& path,
                  const IntelReportLog& style) {
-  for (const char* tool : kTools) {
-    const std::string command = BuildReportCommand(hostFolder + tool, kArguments, path);
+  for (const IntelTool& tool : kTools) {
+    const std::string command = BuildReportCommand(hostFolder + tool.program, kArguments, path);
     log(style.commandLevel, "rstcli raw path:", command);
     const Acquired<Process> run = StartTool(command, /*inheritHandles=*/false);
     if (!run) {
@@ -59,8 +66,20 @@ std::unique_ptr<TextFile> RunIntelReport(CallerLog log, const std::string& hostF
 
 std::vector<ToolCommand> ListIntelCommands() {
   std::vector<ToolCommand> commands;
-  for (const char* tool : kTools) commands.push_back({tool, kArguments, kReportName});
+  for (const IntelTool& tool : kTools) {
+    commands.push_back({tool.program, kArguments, kReportName});
+  }
   return commands;
+}
+
+void ExplainNoIntelController(ModuleDescription& module, const std::vector<std::string>& tables) {
+  for (const IntelTool& tool : kTools) {
+    module.answers.push_back({{tool.program, kArguments, kReportName},
+                              tool.noController,
+                              "no such device",
+                              tool.explanation,
+                              tables});
+  }
 }
 
 }  // namespace pq

@@ -27,4 +27,7 @@ std::unique_ptr<TextFile> RunIntelReport(CallerLog log, const std::string& hostF
 /// The commands that write the report, for the description of tables.
 std::vector<ToolCommand> ListIntelCommands();
 
+/// Adds to `module` how the tools say that they find no controller, which leaves `tables` empty.
+void ExplainNoIntelController(ModuleDescription& module, const std::vector<std::string>& tables);
+
 }  // namespace pq

@@ -2,7 +2,11 @@
 // of controllers, and the log's words for a report that cannot be opened.
 #pragma once
 
+#include <string>
 #include <string_view>
+#include <vector>
+
+#include "frame/description.h"
 
 namespace pq {
 
@@ -19,5 +23,8 @@ inline constexpr std::string_view kCountLabel = "Controller Count =";
 
 /// Logged when a report cannot be opened, unless a step has its own words.
 inline constexpr char kNoReport[] = "Failed to open raid log file";
+
+/// How storcli says that it counts no controller, which leaves `tables` empty.
+AnswerExplanation ExplainNoLsiController(std::vector<std::string> tables);
 
 }  // namespace pq

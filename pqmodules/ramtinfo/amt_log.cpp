@@ -122,6 +122,7 @@ void DescribeAmtLog(ModuleDescription& module) {
                          .commands = {{kLogTool, "ADDRESS USER PASSWORD", kReportName, true}}};
   table.AddColumn(kLine);
   module.tables.push_back(table);
+  module.unloggedProgram = kLogTool;
   module.AddFailures(StepFailure::kOutputNotOpened, {kNoLog});
   module.AddFailures(StepFailure::kBeforeTool, {kNoAddress});
   module.explanations.push_back(

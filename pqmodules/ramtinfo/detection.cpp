@@ -39,8 +39,7 @@ bool DetectAmt(const ModuleLog& log, const std::string& hostFolder) {
 
 void DescribeAmtDetection(ModuleDescription& module) {
   module.explanations.push_back({kNoAmt, "no such device", "this machine has no AMT"});
-  module.presenceTests.push_back(
-      {kCommandEnd, "the program is missing, so it is not known whether the machine has AMT"});
+  module.presenceTests.push_back({kCommandEnd, "AMT"});
 }
 
 }  // namespace pq

@@ -57,8 +57,7 @@ void DescribeDetection(ModuleDescription& module) {
   module.explanations.push_back(
       {GetDetectionMessage(BmcFamily::kDetectionFailed), "tool reported an error",
        "the BMC could not be looked for: check_amt_bmc reported an error"});
-  module.presenceTests.push_back(
-      {kCommandEnd, "the program is missing, so it is not known whether the machine has a BMC"});
+  module.presenceTests.push_back({kCommandEnd, "a BMC"});
 }
 
 }  // namespace pq

@@ -76,11 +76,13 @@ void CollectIntelController(const RaidInventoryCollection& collection) {
 void DescribeIntelController(ModuleDescription& module) {
   TableDescription table{.className = kController,
                          .title = "Intel RST or VROC controller",
-                         .commands = ListIntelCommands()};
+                         .commands = ListIntelCommands(),
+                         .commandsAreAlternatives = true};
   for (int place = kFirstSurePlace; place <= kLastPlace; ++place) {
     table.AddColumn(kLines[place].column);
   }
   module.tables.push_back(table);
+  ExplainNoIntelController(module, {kController});
 }
 
 }  // namespace pq

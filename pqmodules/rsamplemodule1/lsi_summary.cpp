@@ -75,7 +75,9 @@ void DescribeLsiSummary(ModuleDescription& module) {
                          .title = "LSI controller summary",
                          .commands = {{kStorcli, kArguments, kReportName}}};
   for (const LabelledColumn& fact : kFacts) table.AddColumn(fact.column);
+  table.EndRowsAt(std::rbegin(kFacts)->label);
   module.tables.push_back(table);
+  module.answers.push_back(ExplainNoLsiController({kRaidInfo}));
 }
 
 }  // namespace pq

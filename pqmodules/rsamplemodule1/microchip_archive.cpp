@@ -226,12 +226,13 @@ void DescribeMicrochipArchive(ModuleDescription& module) {
       .className = kPmcLink, .title = "Microchip support files, raw", .commands = {archive}};
   for (const AttachedReport& report : kAttachedReports) {
     links.AddColumn(report.column);
-    module.AddFailures(StepFailure::kOutputNotOpened, {report.openFailure});
+    module.AddFailures(StepFailure::kOutputNotOpened, {report.openFailure}, kTool);
   }
-  module.tables.push_back(controller);
-  module.tables.push_back(versions);
-  module.tables.push_back(links);
-  module.AddFailures(StepFailure::kNothingToReport, {kNoConfig});
+  for (TableDescription* table : {&controller, &versions, &links}) {
+    table->neededCommands = {"md", "copy"};
+    module.tables.push_back(*table);
+  }
+  module.AddFailures(StepFailure::kNothingToReport, {kNoConfig}, kTool);
 }
 
 }  // namespace pq

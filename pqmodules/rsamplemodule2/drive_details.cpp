@@ -95,6 +95,7 @@ void DescribeDriveDetails(ModuleDescription& module) {
     table.AddColumn(fact.column);
     if (fact.label == kCoercedSize) table.AddColumn(kNonCoercedSize.column);
   }
+  table.EndRowsAt(std::rbegin(kFactColumns)->label);
   module.tables.push_back(table);
 }
 

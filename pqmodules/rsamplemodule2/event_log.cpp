@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <array>
+#include <string>
 
 #include "frame/labelled_columns.h"
 #include "frame/report_file.h"
@@ -28,7 +29,8 @@ namespace {
 
 constexpr StorcliReport kReport{"/c0 show events", "raidevents.txt", "raidevent raw path:"};
 
-constexpr std::int32_t kRecordsPerPage = 3000;
+constexpr std::int32_t kThousandsPerPage = 3;
+constexpr std::int32_t kRecordsPerPage = kThousandsPerPage * 1000;
 /// Lines at the top of a dump among which the first record begins, after the tool's head.
 constexpr std::int64_t kHeadLines = 13;
 
@@ -166,10 +168,15 @@ void CollectEventLog(RaidLogsCollection& collection) {
 }
 
 void DescribeEventLog(ModuleDescription& module) {
+  std::int32_t thousandsBefore = 0;  // Of records on the pages before.
   for (const EventPage& page : kPages) {
     TableDescription table{
         .className = page.className, .title = page.title, .commands = {DescribeReport(kReport)}};
     table.AddColumns(kColumns);
+    if (thousandsBefore > 0) {
+      table.whyNoRow = "fewer than " + std::to_string(thousandsBefore) + ",000 events were read";
+    }
+    thousandsBefore += kThousandsPerPage;
     module.tables.push_back(table);
   }
 }

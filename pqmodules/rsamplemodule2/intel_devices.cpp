@@ -139,19 +139,25 @@ void CollectIntelDevices(const RaidLogsCollection& collection) {
 void DescribeIntelDevices(ModuleDescription& module) {
   TableDescription endDevices{.className = kEndDeviceInfo,
                               .title = "Intel RST end devices",
-                              .commands = ListIntelCommands()};
+                              .commands = ListIntelCommands(),
+                              .commandsAreAlternatives = true};
   for (const LabelledColumn& fact : kEndDeviceColumns) {
     endDevices.AddColumn(fact.column);
     if (fact.label == kTypeLabel) endDevices.AddColumn(kDiskType.column);
   }
+  endDevices.EndRowsAt(std::rbegin(kEndDeviceColumns)->label);
   module.tables.push_back(endDevices);
   const auto describe = [&](const char* className, const char* title, const Block& block) {
-    TableDescription table{.className = className, .title = title, .commands = ListIntelCommands()};
+    TableDescription table{.className = className,
+                           .title = title,
+                           .commands = ListIntelCommands(),
+                           .commandsAreAlternatives = true};
     for (const BlockColumn& column : block.columns) table.AddColumn(column.column);
     module.tables.push_back(table);
   };
   describe(kArray, "Intel RST arrays", kArrayBlock);
   describe(kVolume, "Intel RST volumes", kVolumeBlock);
+  ExplainNoIntelController(module, {kEndDeviceInfo, kArray, kVolume});
 }
 
 }  // namespace pq

@@ -86,6 +86,7 @@ void DescribeSas2IrLog(ModuleDescription& module) {
       .title = "LSI SAS2 controller log",
       .commands = {{kUploadTool, kUploadArguments, {}}, {kDecoder, kUploadedLog, kDecodedName}}};
   for (const LabelledColumn& fact : kFactColumns) table.AddColumn(fact.column);
+  table.EndRowsAt(std::rbegin(kFactColumns)->label);
   module.tables.push_back(table);
   module.AddFailures(StepFailure::kOutputNotOpened, {kNoLog});
 }

@@ -49,6 +49,7 @@ void DescribeRawFiles(ModuleDescription& module) {
     module.AddFailures(StepFailure::kToolNotRun, {step.failure});
   }
   module.AddFailures(StepFailure::kToolNotRun, {kSmbiosFailure});
+  module.unloggedProgram = ParseToolCommand(kSmbiosTool).program;
 }
 
 }  // namespace pq

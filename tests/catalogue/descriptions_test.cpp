@@ -37,10 +37,12 @@ using pq::StepFailure;
 
 host::LogLine MakeLine(const std::string& text) { return {4, "f", 1, pq::kLogPrefix + text}; }
 
-/// The first table of `module` that a tool serves.
-const pq::TableDescription& FindServedTable(const pq::ModuleDescription& module) {
+/// The first table of `module` that a tool, or the tool `program`, serves.
+const pq::TableDescription& FindServedTable(const pq::ModuleDescription& module,
+                                            const std::string& program = {}) {
   for (const pq::TableDescription& table : module.tables) {
-    if (!table.commands.empty()) return table;
+    if (table.commands.empty()) continue;
+    if (program.empty() || table.commands.front().program == program) return table;
   }
   throw std::invalid_argument(module.name + " runs no tool");
 }
@@ -82,10 +84,11 @@ std::string FindOutcome(StepFailure failure) {
 
 TEST(ModuleDescriptions, HaveTheirFailureSentencesInTheStatusOfTables) {
   for (const pq::ModuleDescription& module : GetModuleDescriptions()) {
-    const pq::TableDescription& table = FindServedTable(module);
-    EXPECT_EQ(StatusAfterRun(module, table, "some progress").outcome, "nothing printed");
+    EXPECT_EQ(StatusAfterRun(module, FindServedTable(module), "some progress").outcome,
+              "nothing printed");
     for (const pq::FailureSentence& known : module.failures) {
       SCOPED_TRACE(module.name + ": " + known.sentence);
+      const pq::TableDescription& table = FindServedTable(module, known.program);
       const host::TableStatus status = StatusAfterRun(module, table, known.sentence);
       EXPECT_EQ(status.outcome, FindOutcome(known.failure));
     }
@@ -105,7 +108,9 @@ TEST(ModuleDescriptions, HaveTheirFailureSentencesAmongTheFailures) {
         continue;
       }
       ASSERT_EQ(list.Failures().size(), 1u);
-      EXPECT_EQ(list.Failures()[0].tool, known.failure == StepFailure::kBeforeTool ? "" : "route");
+      const std::string last = known.failure == StepFailure::kBeforeTool ? "" : "route";
+      const std::string own = known.program.substr(known.program.rfind('\\') + 1);
+      EXPECT_EQ(list.Failures()[0].tool, own.empty() ? last : own);
     }
   }
 }
@@ -145,6 +150,9 @@ TEST(ModuleDescriptions, NameTheTablesOfTheirOwnModule) {
     std::set<std::string> classes;
     for (const pq::TableDescription& table : module.tables) classes.insert(table.className);
     for (const pq::Explanation& known : module.explanations) {
+      for (const std::string& name : known.tables) EXPECT_TRUE(classes.contains(name)) << name;
+    }
+    for (const pq::AnswerExplanation& known : module.answers) {
       for (const std::string& name : known.tables) EXPECT_TRUE(classes.contains(name)) << name;
     }
     for (const pq::VersionLine& line : module.versionLines) {
@@ -188,7 +196,9 @@ TEST(ModuleDescriptions, HaveMissingPresenceTestsAmongTheFailures) {
       list.FindMissingPrograms([](const std::string&) { return false; });
       list.OnProcess("cmd.exe", "/c \"C:\\H" + presence.commandEnd, false, false);
       ASSERT_EQ(list.Failures().size(), 1u);
-      EXPECT_EQ(list.Failures()[0].text, presence.whenMissing);
+      EXPECT_EQ(
+          list.Failures()[0].text,
+          "the program is missing, so it is not known whether the machine has " + presence.device);
     }
   }
   EXPECT_EQ(tests, 2);

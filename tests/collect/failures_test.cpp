@@ -103,6 +103,55 @@ TEST(Failures, TellOfALoginThatNobodyGave) {
             "asked for a login and got none, so its log is not collected: --no-input");
 }
 
+TEST(Failures, NameTheToolWhoseCommandLineWasTooLong) {
+  FailureList list;
+  list.Module("sampleModule2", "");
+  list.OnProcess("cmd.exe", "/c \"\"C:\\H\\pq_tools\\rstcli64_5.exe\" -I > \"C:\\r.txt\"\"", false,
+                 false);
+  list.OnProcessEnd(0);
+  list.Log({4, "f", 1, "[repo] CreateProcess failed (206)"});
+  list.Log({4, "f", 1,
+            "[repo] eventslog_convert raw path:/c \"\"C:\\H\\pq_tools\\eventslog_convert.exe\" x"});
+  list.Log({4, "f", 1, "[repo] CreateProcess failed (206)"});
+  ASSERT_EQ(list.Failures().size(), 2U);
+  EXPECT_EQ(list.Failures()[0].tool, "storcli.exe");
+  EXPECT_EQ(list.Failures()[1].tool, "eventslog_convert.exe");
+}
+
+TEST(Failures, NameTheToolThatTheSystemFindsTooLong) {
+  FailureList list;
+  list.Module("sampleModule2", "");
+  list.OnProcess("cmd.exe", "/c \"C:\\H\\utilities\\lsi\\sas2ircu.exe\" 0", false, false);
+  list.Log({4, "f", 1, "[repo] CreateProcess failed (206)"});
+  ASSERT_EQ(list.Failures().size(), 1U);
+  EXPECT_EQ(list.Failures()[0].tool, "sas2ircu.exe");
+}
+
+TEST(Failures, NameTheToolThatLeavesTheFile) {
+  FailureList list;
+  list.Module("sampleModule1", "");
+  list.OnProcess("cmd.exe", "/c \"copy \"c:\\Support\\Firmware\" \"C:\\l\"\"", false, false);
+  list.Log({4, "f", 1, "[repo] Failed to open Controller_1_Log.txt file!"});
+  ASSERT_EQ(list.Failures().size(), 1U);
+  EXPECT_EQ(list.Failures()[0].tool, "arcconf.exe");
+}
+
+TEST(Failures, TellOfAMissingProgramOnceForAllThatItLooksFor) {
+  FailureList list;
+  list.FindMissingPrograms([](const std::string&) { return false; });
+  const auto test = [&](const std::string& module, const std::string& device) {
+    list.Module(module, "");
+    list.OnProcess("cmd.exe", "/c \"C:\\H\\pq_tools\\check_amt_bmc.exe\" " + device, false, false);
+  };
+  test("BMC_Info", "bmc");
+  test("AMT_Info", "amt");
+  test("AMT_Info", "amt");
+  ASSERT_EQ(list.Failures().size(), 1U);
+  EXPECT_EQ(list.Failures()[0].module, "BMC_Info and AMT_Info");
+  EXPECT_EQ(list.Failures()[0].text,
+            "the program is missing, so it is not known whether the machine has a BMC or AMT");
+}
+
 TEST(Failures, AreNotWhatAnInterruptionRefuses) {
   FailureList list;
   list.Module("A", "");
@@ -127,6 +176,15 @@ TEST(CommandText, FindsTheProgram) {
 TEST(CommandText, LeavesArgumentsOut) {
   EXPECT_EQ(FindTool("/c \"\"C:\\H\\pq_tools\\amt_log.exe\" 10.0.0.5 admin secret>\"C:\\l.txt\"\""),
             "amt_log.exe");
+}
+
+TEST(CommandText, FindsTheTargetOfTheOutput) {
+  EXPECT_EQ(FindTarget("/c route print >\"C:\\Halyard\\logs\\route.txt\""),
+            "C:\\Halyard\\logs\\route.txt");
+  EXPECT_EQ(FindTarget("/c \"\"C:\\H\\lsi\\storcli.exe\" /c0 show > \"C:\\l\\x.txt\"\""),
+            "C:\\l\\x.txt");
+  EXPECT_EQ(FindTarget("/c \"C:\\H\\sas2ircu.exe\" 0 logir upload > logir.log"), "logir.log");
+  EXPECT_EQ(FindTarget("/c arp.exe -a"), "");
 }
 
 TEST(CommandText, FindsNothingInNothing) {

@@ -220,6 +220,244 @@ TEST(TableStatus, BlamesNoToolThatServesOtherTables) {
   EXPECT_EQ(watched.tracker.FindStatus("sampleModule2", "LSILINK", 0).outcome, "not reached");
 }
 
+TEST(TableStatus, TellsRunsApartByTheirFiles) {
+  Watched watched("sampleModule2");
+  watched.Runs(StorcliCommand("/c0 show events", "c0_raidevents.txt"), 0)
+      .Runs(StorcliCommand("/c0 show events", "raidevents.txt"), 1);
+  watched.tracker.OnToolEnded(30);
+  EXPECT_EQ(watched.tracker.FindStatus("sampleModule2", "EVENTLOG1", 0).text,
+            "storcli.exe was ended after 30 s");
+  EXPECT_EQ(watched.tracker.FindStatus("sampleModule2", "LSILINK", 1).text, "1 row");
+}
+
+TEST(TableStatus, TellsThatASystemIsNotEnglishAlthoughTheToolsRan) {
+  Watched watched("Windows_Related_Info");
+  watched.Logs("Get OS language, lcid=1031")
+      .Runs("/c arp.exe -a >\"C:\\H\\logs\\arp.txt\"", 0)
+      .Runs("/c netstat.exe >\"C:\\H\\logs\\netstat.txt\"", 0);
+  for (const char* table : {"ARPINFO", "NETSTATINFO"}) {
+    EXPECT_EQ(watched.tracker.FindStatus("Windows_Related_Info", table, 0).outcome,
+              "not this language");
+  }
+}
+
+TEST(TableStatus, TellsHowFewEventsLeaveAPageEmpty) {
+  Watched watched("sampleModule2");
+  watched.Runs(StorcliCommand("/c0 show events", "raidevents.txt"), 0);
+  watched.leftSize = 400;
+  const auto text = [&](const std::string& table) {
+    return watched.tracker.FindStatus("sampleModule2", table, 0).text;
+  };
+  EXPECT_EQ(text("EVENTLOG1"), "storcli.exe printed nothing that belongs here");
+  EXPECT_EQ(text("EVENTLOG2"), "fewer than 3,000 events were read");
+  EXPECT_EQ(text("EVENTLOG5"), "fewer than 12,000 events were read");
+}
+
+TEST(TableStatus, TellsTheLineThatEndsARow) {
+  Watched watched("sampleModule2");
+  watched.Runs(StorcliCommand("/c0/eall/sall show all", "pdlist.txt"), 0);
+  watched.leftSize = 400;
+  EXPECT_EQ(watched.tracker.FindStatus("sampleModule2", "PDLIST", 0).text,
+            "the output has no line with \"Needs EKM Attention =\", which ends a row");
+}
+
+TEST(TableStatus, TellsThatStorcliCountsNoController) {
+  Watched watched("sampleModule2");
+  watched.Runs(StorcliCommand("show ctrlcount", "ctrlcount.txt"), 0);
+  watched.tracker.OnAnswer({{}, "C:\\H\\logs\\ctrlcount.txt", "\nController Count = 0\n"});
+  watched.Runs(StorcliCommand("/c0 show events", "raidevents.txt"), 1);
+  for (const char* table : {"LSILINK", "EVENTLOG1", "EVENTLOG5"}) {
+    const TableStatus status = watched.tracker.FindStatus("sampleModule2", table, 0);
+    EXPECT_EQ(status.outcome, "no such device");
+    EXPECT_EQ(status.text, "storcli counts no controller");
+  }
+}
+
+TEST(TableStatus, KeepsTheReasonThatTheMicrochipStepLogged) {
+  Watched watched("sampleModule1");
+  watched.Runs(kArcconf, 0)
+      .Runs("/c \"md \"C:\\H\\logs\\Firmware\"\"", 1)
+      .Logs("Failed to open PMC Controller file");
+  for (const char* table : {"PMCINFO", "PMCVER", "PMCLINK"}) {
+    const TableStatus status = watched.tracker.FindStatus("sampleModule1", table, 0);
+    EXPECT_EQ(status.outcome, "output could not be opened");
+    EXPECT_EQ(status.text, "arcconf.exe: Failed to open PMC Controller file");
+  }
+}
+
+TEST(TableStatus, TellsTheExitCodeOfAToolThatHadNothingToReport) {
+  Watched watched("sampleModule1");
+  watched.Runs(kArcconf, 5).Logs("Failed to open PMC Controller file");
+  EXPECT_EQ(watched.tracker.FindStatus("sampleModule1", "PMCINFO", 0).text,
+            "arcconf.exe ended with code 5: Failed to open PMC Controller file");
+}
+
+TEST(TableStatus, NamesTheCommandThatEndedTheMicrochipStep) {
+  Watched watched("sampleModule1");
+  watched.Runs(kArcconf, 0);
+  watched.tracker.OnProcess("cmd.exe", "/c \"md \"C:\\H\\logs\\Firmware\"\"", false, false);
+  watched.Logs("CreateProcess failed (5)");
+  EXPECT_EQ(watched.tracker.FindStatus("sampleModule1", "PMCINFO", 0).text,
+            "md: CreateProcess failed (5)");
+}
+
+TEST(TableStatus, TellsTheReportThatEndedAModuleWithoutAWord) {
+  Watched watched("sampleModule2");
+  watched.Runs(StorcliCommand("show ctrlcount", "ctrlcount.txt"), 0);
+  for (const char* table : {"LSILINK", "EVENTLOG1", "ARRAY"}) {
+    const TableStatus status = watched.tracker.FindStatus("sampleModule2", table, 0);
+    EXPECT_EQ(status.outcome, "output could not be opened");
+    EXPECT_EQ(status.text, "storcli.exe: ctrlcount.txt is not there");
+  }
+}
+
+TEST(TableStatus, TellsTheReportThatStoppedTheFourLinks) {
+  Watched watched("sampleModule2");
+  watched.Runs(StorcliCommand("/c0 show", "c0_showall.txt"), 0)
+      .Runs(StorcliCommand("/c0 show events", "c0_raidevents.txt"), 0)
+      .Logs("Failed to open event log file!");
+  watched.leftSize = 10;
+  EXPECT_EQ(watched.tracker.FindStatus("sampleModule2", "LSILINK", 0).text,
+            "storcli.exe: Failed to open event log file!");
+}
+
+TEST(TableStatus, DoesNotKnowADeviceThatNobodyLookedFor) {
+  Watched watched("BMC_Info");
+  watched.programsAreThere = false;
+  watched.Runs("/c \"C:\\H\\pq_tools\\check_amt_bmc.exe\" bmc", 1).Logs("has no BMC, return 4");
+  const TableStatus status = watched.tracker.FindStatus("BMC_Info", "SELINFO", 0);
+  EXPECT_EQ(status.outcome, "tool missing");
+  EXPECT_EQ(status.text,
+            "check_amt_bmc.exe is not on this machine, so it is not known whether this machine has "
+            "a BMC");
+}
+
+TEST(TableStatus, DoesNotKnowADeviceWhenTheTestWasEnded) {
+  Watched watched("BMC_Info");
+  watched.Runs("/c \"C:\\H\\pq_tools\\check_amt_bmc.exe\" bmc", 1);
+  watched.tracker.OnToolEnded(30);
+  watched.Logs("has no BMC, return 4");
+  EXPECT_EQ(watched.tracker.FindStatus("BMC_Info", "SELINFO", 0).outcome, "ended");
+}
+
+TEST(TableStatus, BlamesNoToolForTheExitCodeOfAFilter) {
+  Watched watched("BMC_Info");
+  watched.Runs("/c \"C:\\H\\pq_tools\\ipmiutilnh.exe\" lan | findstr Param", 0, /*pipe=*/true);
+  watched.tracker.OnProcessEnd(1);
+  EXPECT_EQ(watched.tracker.FindStatus("BMC_Info", "LANINFO", 0).text,
+            "ipmiutilnh.exe printed nothing that belongs here");
+}
+
+TEST(TableStatus, SaysOfRowsThatTheirToolFailed) {
+  Watched watched("sampleModule2");
+  watched.Runs(StorcliCommand("/c0 show termlog", "fwtermlog.txt"), 46);
+  EXPECT_EQ(watched.tracker.FindStatus("sampleModule2", "FWTERMLOG", 3).text,
+            "3 rows, but storcli.exe ended with code 46");
+}
+
+/// "tool: text (tables)" of the failed tools; the tables in `filled` have rows.
+std::vector<std::string> FailedTools(const StatusTracker& tracker,
+                                     const std::set<std::string>& filled = {}) {
+  std::vector<std::string> lines;
+  for (const host::Failure& failure :
+       tracker.FindFailedTools([&](const std::string& name) { return filled.contains(name); })) {
+    std::string line = failure.tool + ": " + failure.text;
+    for (const std::string& table : failure.tables) line += ' ' + table;
+    lines.push_back(line);
+  }
+  return lines;
+}
+
+using Lines = std::vector<std::string>;
+
+TEST(FailedTools, AreToldOnceForAllTheirTables) {
+  Watched watched("sampleModule2");
+  watched.Runs(StorcliCommand("/c0 show termlog", "fwtermlog.txt"), 46)
+      .Runs(StorcliCommand("/c0/eall/sall show all", "pdlist.txt"), 46)
+      .Runs(StorcliCommand("/c0 show", "c0_showall.txt"), 3);
+  EXPECT_EQ(FailedTools(watched.tracker),
+            (Lines{"storcli.exe: ended with code 46 FWTERMLOG PDLIST",
+                   "storcli.exe: ended with code 3 TINFO VINFO PINFO LSILINK"}));
+}
+
+TEST(FailedTools, AreThoseOfNoTableToo) {
+  Watched watched("Windows_Related_Info");
+  watched.Runs("/c route print >\"C:\\H\\logs\\route.txt\"", 2);
+  EXPECT_EQ(FailedTools(watched.tracker), Lines{"route: ended with code 2"});
+}
+
+TEST(FailedTools, ArePrintersOfErrorTextsUnlessRowsCameOfThem) {
+  Watched watched("BMC_Info");
+  watched.Runs("/c \"C:\\H\\pq_tools\\ipmiutilnh.exe\" sensor", 0, /*pipe=*/true)
+      .Logs("dw:20")
+      .Logs("se:PCIe Error = 0");
+  EXPECT_EQ(FailedTools(watched.tracker), Lines{"ipmiutilnh.exe: printed an error text SDRINFO"});
+  EXPECT_EQ(FailedTools(watched.tracker, {"SDRINFO"}), Lines{});
+}
+
+TEST(FailedTools, AreNotThoseThatTheLogTellsOf) {
+  Watched watched("sampleModule2");
+  watched.Runs(StorcliCommand("/c0 show termlog", "fwtermlog.txt"), 1)
+      .Logs("Failed to open raid log file")
+      .Runs(StorcliCommand("/c0/eall/sall show all", "pdlist.txt"), 1);
+  watched.tracker.OnToolEnded(30);
+  EXPECT_EQ(FailedTools(watched.tracker), Lines{});
+}
+
+TEST(FailedTools, AreNotThoseThatAreMissing) {
+  Watched watched("sampleModule2");
+  watched.programsAreThere = false;
+  watched.Runs(StorcliCommand("/c0 show termlog", "fwtermlog.txt"), 1);
+  EXPECT_EQ(FailedTools(watched.tracker), Lines{});
+}
+
+TEST(FailedTools, AreNotThoseThatAnswerByTheirExitCode) {
+  Watched bmc("BMC_Info");
+  bmc.Runs("/c \"C:\\H\\pq_tools\\check_amt_bmc.exe\" bmc", 7);
+  EXPECT_EQ(FailedTools(bmc.tracker), Lines{});
+  Watched raid("sampleModule1");
+  raid.Runs("/c \"md \"C:\\H\\logs\\Firmware\"\"", 1);
+  EXPECT_EQ(FailedTools(raid.tracker), Lines{});
+}
+
+TEST(FailedTools, AreNotThoseThatHadNothingToReport) {
+  Watched watched("sampleModule1");
+  watched.Runs(kArcconf, 1).Logs("Failed to open PMC Controller file");
+  EXPECT_EQ(FailedTools(watched.tracker), Lines{});
+}
+
+TEST(FailedTools, AreNotThoseAskedForAControllerThatIsNotThere) {
+  Watched watched("sampleModule2");
+  watched.Runs(StorcliCommand("show ctrlcount", "ctrlcount.txt"), 9);
+  watched.tracker.OnAnswer({{}, "C:\\H\\logs\\ctrlcount.txt", "Controller Count = 0\n"});
+  watched.Runs(StorcliCommand("/c0 show termlog", "fwtermlog.txt"), 1);
+  EXPECT_EQ(FailedTools(watched.tracker), Lines{});
+}
+
+TEST(FailedTools, AreNotThoseThatAnotherMadeUpFor) {
+  const std::string rst =
+      "/c \"\"C:\\H\\pq_tools\\rstcli64_5.exe\" -I > \"C:\\H\\logs\\rstcli64.txt\"\"";
+  const std::string vroc =
+      "/c \"\"C:\\H\\utilities\\vroc\\IntelVROCCli.exe\" -I > \"C:\\H\\logs\\rstcli64.txt\"\"";
+  Watched watched("sampleModule1");
+  watched.Runs(rst, 2).Runs(vroc, 0);
+  EXPECT_EQ(FailedTools(watched.tracker), Lines{});
+  Watched failing("sampleModule1");
+  failing.Runs(rst, 2).Runs(vroc, 3);
+  EXPECT_EQ(FailedTools(failing.tracker),
+            (Lines{"rstcli64_5.exe: ended with code 2 CONTROLLER",
+                   "IntelVROCCli.exe: ended with code 3 CONTROLLER"}));
+}
+
+TEST(TableStatus, NamesTheToolWhoseCommandLineWasTooLong) {
+  Watched watched("sampleModule2");
+  watched.Runs(StorcliCommand("show ctrlcount", "ctrlcount.txt"), 0)
+      .Logs("rstcli raw path:/c \"\"C:\\H\\pq_tools\\rstcli64_5.exe\" -I > \"C:\\rstcli64.txt\"\"")
+      .Logs("CreateProcess failed (206)");
+  EXPECT_EQ(watched.tracker.FindStatus("sampleModule2", "ARRAY", 0).text,
+            "rstcli64_5.exe: CreateProcess failed (206)");
+}
+
 TEST(ModuleDescriptions, DescribeEveryRegisteredTable) {
   std::vector<boost::shared_ptr<halyard::repository::RModule>> modules;
   AddModules(modules);

@@ -269,6 +269,38 @@ TEST(Collect, IsDoneOnAMachineThatLacksVendorsTools) {
                                Not(HasSubstr("pqhost: "))));
 }
 
+TEST(Collect, SaysThatTheToolOfADeadBmcFailed) {
+  const HostRun run = Replay(Sample("bmc-unreachable"), {"--format", "none"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.error,
+              StartsWith("pqhost: not collected: BMC_Info, ipmiutilnh.exe: printed an error text "
+                         "(concerns MCINFO, SELFINFO, VERINFO, PSUINFO, LANINFO, LEDINFO)\n"
+                         "pqhost: not collected: BMC_Info, ipmiutilnh.exe: ended with code "
+                         "4294967295 (concerns SENSORINFO)\n"
+                         "pqhost: not collected: BMC_Info, ipmiutilnh.exe: ended with code 22 "
+                         "(concerns FRUINFO, SDRINFO, SELINFO)\n"
+                         "CONTROLLER "));
+}
+
+TEST(Collect, IsDoneWhereToolsFindNoController) {
+  const HostRun run = Replay(Sample("no-controller"), {"--format", "none"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_THAT(run.error, Not(HasSubstr("pqhost: ")));
+}
+
+TEST(Collect, NamesTheToolWhoseCommandLineIsTooLong) {
+  // The lines of storcli are the only ones that are too long.
+  const std::string folder = std::string(246, 'h');
+  const std::string logs = std::string(220, 'l');
+  const MadeRecording recording(R"(, "hostExecutable": "C:\\)" + folder + R"(\\p.exe", )" +
+                                R"("logFolder": "C:\\)" + logs + R"(\\")");
+  const HostRun run = Replay(recording.Path(), {"--module", "sampleModule2", "--format", "none"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.error, StartsWith("pqhost: not collected: sampleModule2, storcli.exe: "
+                                    "CreateProcess failed (206)\n"));
+  EXPECT_THAT(run.error, HasSubstr("FWTERMLOG      storcli.exe: CreateProcess failed (206)\n"));
+}
+
 TEST(Collect, SaysOnceThatNobodyKnowsWhetherThereIsAmt) {
   const MadeRecording recording("");
   const HostRun run = Replay(recording.Path(), {"--table", "AMTLOG", "--table", "AMTLOG"});

@@ -284,10 +284,12 @@ def check_passwords_hidden(recording, ran, trace):
 
 
 def compare_failures(native, wine):
-    """What is said on standard error to be not collected, such as for a missing presence tool."""
+    """What is said on standard error to be not collected, such as for a missing presence tool. Code 1
+    is left out: a stand-in ends with it where the recording has no answer, and natively such a tool is
+    missing, which is no failure."""
     def failures(ran):
         return [line for line in ran.stderr.decode(errors="replace").splitlines()
-                if "not collected" in line]
+                if "not collected" in line and not re.search(r"ended with code 1\b", line)]
 
     if failures(native) != failures(wine):
         raise Failure(f"not collected natively: {failures(native)}\n  under Wine: {failures(wine)}")
@@ -668,7 +670,7 @@ def check_login(binaries, standins, _pqhost, sample):
         expect(2, b"--amt-login login may be read by others", "--amt-login", "login")
         login.write_text("192.0.2.40 deskadmin a&inj\n")
         login.chmod(0o600)
-        ran = expect(0, b"the AMT login holds & which", "--amt-login", "login")
+        ran = expect(1, b"the AMT login holds & which", "--amt-login", "login")
         if b"inj" in ran.stderr:
             raise Failure(f"a part of the password is shown: {ran.stderr!r}")
         login.unlink()
