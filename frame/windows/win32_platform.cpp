@@ -51,7 +51,7 @@ class Win32Pipe final : public Pipe {
 class Win32Process final : public Process {
  public:
   explicit Win32Process(const PROCESS_INFORMATION& started)
-      : process(started.hProcess), thread(started.hThread) {}
+      : thread(started.hThread), process(started.hProcess) {}
 
   void Wait() override { WaitForSingleObject(process.get(), INFINITE); }
 
@@ -63,8 +63,8 @@ class Win32Process final : public Process {
   }
 
  private:
-  Handle process;
   Handle thread;
+  Handle process;  ///< closed first
 };
 
 class Win32TextFile final : public TextFile {
