@@ -71,7 +71,9 @@ TEST(ReportSize, CutsBetweenCharacters) {
 /// 138 MB on the page.
 TEST(ReportSize, IsToldAndHeldByTheReport) {
   MadeCollection made;
-  made.Table("A").FileRow(std::string(23'000'000, '<') + "newest", "large.txt");
+  std::string file;
+  file.assign(23'000'000, '<');
+  made.Table("A").FileRow(file + "newest", "large.txt");
   EXPECT_THAT(FindFormat("html")->describeCuts(made.Get()),
               ElementsAre(HasSubstr("A: the report, which would be too large for a browser, shows "
                                     "of each value the last 134217")));
