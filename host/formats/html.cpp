@@ -99,6 +99,7 @@ class ReportData {
 
   std::string ChooseTitle() const {
     const MachineFacts& machine = collection.machine;
+    if (!collection.machineIsKnown) return "Answer";
     if (!machine.name.empty()) return machine.name;
     return machine.description.empty() ? "Server" : machine.description;
   }
@@ -109,6 +110,10 @@ class ReportData {
     const auto add = [&](std::string_view name, std::string_view value) {
       if (!value.empty()) facts.push_back({std::string(name), std::string(value)});
     };
+    if (!collection.machineIsKnown) {
+      add("Asked", FormatTimeForPeople(collection.collected));
+      return facts;
+    }
     if (!machine.name.empty()) add("System", machine.description);
     add("Collected", FormatTimeForPeople(collection.collected));
     add("From", machine.recorded ? "a recording" : "this machine, live");
