@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/answers/machine_identity.h"
 #include "host/collect/table_view.h"
 #include "host/files/whole_file.h"
 #include "host/formats/query_guard.h"
@@ -179,6 +180,7 @@ class Filler {
  private:
   void AddMachine() {
     const MachineFacts& machine = collection.machine;
+    const MachineIdentity identity = FindMachineIdentity(collection);
     const std::pair<const char*, std::string> facts[] = {
         {"name", machine.name},
         {"description", machine.description},
@@ -188,6 +190,13 @@ class Filler {
         {"codePage", std::to_string(machine.codePage)},
         {"hostExecutable", std::string(view.HostExecutable())},
         {"logFolder", std::string(view.LogFolder())},
+        {"recordedAt", machine.recordedAt ? FormatIsoTime(*machine.recordedAt) : ""},
+        {"system", machine.system},
+        {"maker", identity.maker},
+        {"product", identity.product},
+        {"serial", identity.serial},
+        {"assetTag", identity.assetTag},
+        {"contentKey", machine.contentKey},
         {"pqhost", kVersion},
     };
     Insert insert(handle, "machine", 2);
