@@ -7,6 +7,7 @@
 #include <span>
 #include <utility>
 
+#include "host/answers/machine_identity.h"
 #include "host/catalogue/table_sources.h"
 #include "host/formats/query_guard.h"
 #include "host/formats/sql_statement.h"
@@ -161,7 +162,7 @@ DatabaseWriter::Rows& DatabaseWriter::AddTo(const char* ownTable) {
 void DatabaseWriter::Add(const Collection& collection, std::string_view name) {
   machine = name;
   const CollectionView view(collection);
-  AddMachine(view, collection.machine, collection.collected);
+  AddMachine(view, collection);
   Rows& modules = AddTo(kModules);
   std::int64_t position = 0;
   for (const CollectedModule& collected : collection.modules) {
@@ -186,17 +187,25 @@ void DatabaseWriter::Add(const Collection& collection, std::string_view name) {
   }
 }
 
-void DatabaseWriter::AddMachine(const CollectionView& view, const MachineFacts& facts,
-                                std::chrono::system_clock::time_point collected) {
+void DatabaseWriter::AddMachine(const CollectionView& view, const Collection& collection) {
+  const MachineFacts& facts = collection.machine;
+  const MachineIdentity identity = FindMachineIdentity(collection);
   const std::pair<const char*, std::string> values[] = {
       {"name", facts.name},
       {"description", facts.description},
       {"recorded", facts.recorded ? "yes" : "no"},
-      {"collected", FormatIsoTime(collected)},
+      {"collected", FormatIsoTime(collection.collected)},
       {"languageId", std::to_string(facts.languageId)},
       {"codePage", std::to_string(facts.codePage)},
       {"hostExecutable", std::string(view.HostExecutable())},
       {"logFolder", std::string(view.LogFolder())},
+      {"recordedAt", facts.recordedAt ? FormatIsoTime(*facts.recordedAt) : ""},
+      {"system", facts.system},
+      {"maker", identity.maker},
+      {"product", identity.product},
+      {"serial", identity.serial},
+      {"assetTag", identity.assetTag},
+      {"contentKey", facts.contentKey},
       {"pqhost", kVersion},
   };
   Rows& rows = AddTo(kMachine);

@@ -1,7 +1,6 @@
 // Makes the tables of a database (docs/sql.md) from collections.
 #pragma once
 
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -67,8 +66,7 @@ class DatabaseWriter {
   SqlTable& FindTable(std::string_view name, bool isOfClass);
   /// Makes `table` with `columns`, or adds those that it lacks; returns where each of them is.
   Places Provide(SqlTable& table, const std::vector<SqlColumn>& columns);
-  void AddMachine(const CollectionView& view, const MachineFacts& facts,
-                  std::chrono::system_clock::time_point collected);
+  void AddMachine(const CollectionView& view, const Collection& collection);
   void AddTable(const TableView& view, std::int64_t position);
   void AddRows(const TableView& view, const std::vector<KnownColumn>& columns,
                const SqlTable& table, const Places& places);

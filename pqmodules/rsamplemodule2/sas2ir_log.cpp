@@ -40,10 +40,10 @@ constexpr LabelledColumn kFactColumns[] = {
      19,
      {"LogDataDescription", "LogDataDescription", "what the data of the entry are"}},
     {"LogDataValue:", 13, {"LogDataValue", "LogDataValue", "data of the entry"}},
-    {"LogClass:", 9, {"LogClass", "LogClass", "how grave it is"}},
+    {"LogClass:", 9, {"LogClass", "LogClass", "how grave it is", ValueKind::kNumber}},
     {"ArgumentType:",
      13,
-     {"ArgumentType", "ArgumentType", "what the entry is about, such as a drive"}},
+     {"ArgumentType", "ArgumentType", "what the entry is about, such as a drive", ValueKind::kNumber}},
     {"Locale:", 7, {"Locale", "Locale", "part of the adapter concerned, as bits"}, true},
 };
 const LabelledColumns kFacts(kFactColumns);

@@ -150,10 +150,10 @@ TEST(TableView, TellsIntegersFromTexts) {
   instance.AddProperty("b", "B", std::string("-7"), false);
   instance.AddToRepository(made.Repository());
   const Viewed viewed(made);
-  EXPECT_EQ(viewed.table.Columns()[0].kind, host::CellKind::kInteger);
-  EXPECT_EQ(viewed.table.Columns()[1].kind, host::CellKind::kText);
-  EXPECT_TRUE(viewed.table.RowAt(0).CellAt(0).IsInteger());
-  EXPECT_FALSE(viewed.table.RowAt(0).CellAt(1).IsInteger());
+  EXPECT_EQ(viewed.table.Columns()[0].kind, CellKind::kInteger);
+  EXPECT_EQ(viewed.table.Columns()[1].kind, CellKind::kText);
+  EXPECT_EQ(viewed.table.RowAt(0).CellAt(0).Kind(), CellKind::kInteger);
+  EXPECT_EQ(viewed.table.RowAt(0).CellAt(1).Kind(), CellKind::kText);
   EXPECT_EQ(viewed.Cells(0), (Texts{"-7", "-7"}));
 }
 
