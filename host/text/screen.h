@@ -7,6 +7,8 @@ struct Screen {
   bool isTerminal = false;
   bool colors = false;
   unsigned width = 120;  ///< in columns
+  /// Each row tells its machine, in formats where the head does not.
+  bool identifiesRows = false;
 };
 
 }  // namespace host

@@ -428,7 +428,7 @@ TEST(Query, AsksADatabaseThatACollectionWasWrittenTo) {
   const HostRun run = RunHost(
       {"query", file, "SELECT rows FROM tables WHERE class = 'SENSORINFO'", "--format", "ndjson"});
   EXPECT_EQ(run.exitCode, 0) << run.error;
-  EXPECT_EQ(run.out, "{\"class\":\"ANSWER\",\"row\":{\"rows\":\"41\"}}\n");
+  EXPECT_EQ(run.out, "{\"class\":\"ANSWER\",\"row\":{\"rows\":41}}\n");
 }
 
 TEST(Query, WritesItsAnswerAsADatabase) {
