@@ -50,6 +50,8 @@ struct Collection {
   std::vector<CollectedTable> tables;    ///< each once, in the order of use
   /// The user named the tables that he wants.
   bool tablesNamed = false;
+  /// The answer to a query instead of a collection: one table, and no machine.
+  bool isAnswer = false;
   /// A line for each thing that could not be collected. UTF-8.
   std::vector<std::string> problems;
   std::vector<LogLine> log;  ///< the modules' log; only when asked for

@@ -28,19 +28,24 @@ class ReplaySource final : public CommandSource {
 
   Source& Get() override { return source; }
 
-  std::vector<std::string> KeepLogFiles(const Collection& collection,
-                                        const Console& console) override {
+  std::vector<std::string> KeepLogFiles(const Collection& collection) override {
     if (!logFolder) return {};
     const LeftFiles left = WriteLeftFiles(collection.files, collection.machine.logFolder,
                                           TextDecoder(collection.machine.codePage), *logFolder);
-    console.error << fmt::format("Log files: {} in {}\n", left.written,
-                                 EscapeControls(PathText(*logFolder)));
+    keptCount = left.written;
     return left.problems;
+  }
+
+  void TellKept(const Console& console) const override {
+    if (!logFolder) return;
+    console.error << fmt::format("Log files: {} in {}\n", keptCount,
+                                 EscapeControls(PathText(*logFolder)));
   }
 
  private:
   RecordedSource source;
   std::optional<std::filesystem::path> logFolder;
+  std::size_t keptCount = 0;  ///< of files in it
 };
 
 ToolLimits LimitTools(const SourceOptions& options) {
@@ -67,16 +72,18 @@ class ThisMachine final : public CommandSource {
 
   Source& Get() override { return source; }
 
-  std::vector<std::string> KeepLogFiles(const Collection& /*collection*/,
-                                        const Console& console) override {
-    console.error << fmt::format("Log files: {}\n",
-                                 EscapeControls(PathText(source.LogFolderPath())));
-    return {};
-  }
+  std::vector<std::string> KeepLogFiles(const Collection& /*collection*/) override { return {}; }
 
-  void KeepRecording(const Console& console) override {
+  void KeepRecording() override {
     if (!recordingFolder) return;
     source.WriteRecording();
+    hasRecording = true;
+  }
+
+  void TellKept(const Console& console) const override {
+    console.error << fmt::format("Log files: {}\n",
+                                 EscapeControls(PathText(source.LogFolderPath())));
+    if (!hasRecording) return;
     console.error << fmt::format("Recording: {}\n", EscapeControls(PathText(*recordingFolder)));
   }
 
@@ -84,6 +91,7 @@ class ThisMachine final : public CommandSource {
   LoginPrompt prompt;
   LiveSource source;
   std::optional<std::filesystem::path> recordingFolder;
+  bool hasRecording = false;  ///< it was written
 };
 
 }  // namespace

@@ -48,7 +48,8 @@ struct CollectOptions {
   SourceOptions source;
   ResultOptions result;
   std::optional<Destination> trace;
-  bool dryRun = false;  ///< show the commands instead of running them
+  bool showsAll = false;  ///< also old lines of logs on a screen
+  bool dryRun = false;    ///< show the commands instead of running them
 };
 
 /// Keeps the trace and the results from going to one place.
@@ -94,8 +95,8 @@ void RefuseWithReplay(const SourceOptions& source) {
 
 void RefuseWithDryRun(const OptionSet& set) {
   for (const char* option :
-       {"--record", "--format", "--output", "--tool-limit", "--tool-memory", "--trace", "--plugin",
-        "--unsafe-folder", "--amt-login", "--no-input"}) {
+       {"--record", "--format", "--output", "--all", "--tool-limit", "--tool-memory", "--trace",
+        "--plugin", "--unsafe-folder", "--amt-login", "--no-input"}) {
     if (!set.IsGiven(option)) continue;
     throw UsageError(fmt::format(
         "{} has no use with --dry-run, which collects nothing: leave one of them away", option));
@@ -120,8 +121,15 @@ void SettleOptions(CollectOptions& options, const OptionSet& set) {
   if (options.trace) options.trace->MakeAbsolute();
 }
 
-/// A line on standard error for every table: its rows, or why there are none.
+/// Whether problems and statuses are on the terminal already that standard error leads to.
+bool IsOnScreen(const Format& format, const Destination& output, const Console& console) {
+  return format.tellsStatus && output.IsStandardOutput() && console.outIsTerminal &&
+         console.errorIsTerminal;
+}
+
+/// A line on standard error for every problem and for every table: its rows, or why there are none.
 void ReportStatus(const Collection& collection, const Console& console) {
+  for (const std::string& problem : collection.problems) Complain(console, problem);
   std::size_t width = 0;
   for (const CollectedTable& table : collection.tables) {
     width = std::max(width, table.className.size());
@@ -149,24 +157,29 @@ int RunCollect(const CollectOptions& options, const Console& console) {
 
   // The results are shown even when the recording cannot be written.
   try {
-    source->KeepRecording(console);
+    source->KeepRecording();
   } catch (const std::runtime_error& error) {
     collection.problems.emplace_back(error.what());
+  }
+  for (std::string& problem : source->KeepLogFiles(collection)) {
+    collection.problems.push_back(std::move(problem));
   }
   if (format.describeCuts != nullptr) {
     for (std::string& cut : format.describeCuts(collection)) {
       collection.problems.push_back(std::move(cut));
     }
   }
-  output->Write([&, &results = collection](const Screen& screen, std::ostream& out) {
+  output->Write([&, &results = collection](Screen screen, std::ostream& out) {
+    screen.showsAll = options.showsAll;
     format.write(results, screen, out);
   });
   if (trace) trace->Close();
-  for (const std::string& problem : source->KeepLogFiles(collection, console)) {
-    collection.problems.push_back(problem);
+  if (!IsOnScreen(format, options.result.output, console)) ReportStatus(collection, console);
+  source->TellKept(console);
+  if (options.trace) TellWritten("Trace", *options.trace, console);
+  if (options.result.format != "none") {
+    TellWritten(format.resultName, options.result.output, console);
   }
-  for (const std::string& problem : collection.problems) Complain(console, problem);
-  ReportStatus(collection, console);
   const bool isWhole = collection.problems.empty() && !IsInterruptionRequested();
   return isWhole ? kExitDone : kExitIncomplete;
 }
@@ -205,6 +218,8 @@ CommandRun Define(OptionSet& set) {
   AddUnsafeFolder(set, source);
   AddFormat(set, options->result, "results");
   AddOutput(set, options->result, "results");
+  set.AddFlag("--all", options->showsAll,
+              "Show all of each log; without it, --format table shows its newest lines");
   set.AddSeconds("--tool-limit", source.toolLimits.seconds, kLongestToolLimit,
                  "End a tool that runs for more than so many seconds (Windows)");
   set.AddMebibytes("--tool-memory", source.toolLimits.mebibytes, kLargestToolMemory,

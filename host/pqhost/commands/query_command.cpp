@@ -63,6 +63,7 @@ Collection Ask(Database& database, const std::string& sql) {
   answer.repository = std::make_unique<RRepository>();
   answer.machine.codePage = kUtf8CodePage;
   answer.collected = std::chrono::system_clock::now();
+  answer.isAnswer = true;
   answer.tablesNamed = true;  // One table, which formats show plainly.
   answer.modules.push_back({"query", sql});
   Database::Names names;
@@ -148,6 +149,7 @@ int AnswerQuery(const QueryOptions& options, const Console& console) {
   database.reset();  // Its memory is for the result now.
   output->Write(
       [&](const Screen& screen, std::ostream& out) { format.write(answer, screen, out); });
+  TellWritten(format.resultName, options.result.output, console);
   return exitCode;
 }
 
