@@ -17,9 +17,9 @@
 #include "host/formats/collection_summary.h"
 #include "host/formats/column_widths.h"
 #include "host/formats/formats.h"
+#include "host/formats/machine_summary.h"
 #include "host/formats/shown_cell.h"
 #include "host/text/screen_text.h"
-#include "host/text/time_text.h"
 
 namespace host {
 namespace {
@@ -39,11 +39,6 @@ constexpr char kDim[] = "\x1b[2m";
 constexpr char kRed[] = "\x1b[31m";
 constexpr char kPlain[] = "\x1b[0m";
 
-std::string_view ChooseTitle(const MachineFacts& machine) {
-  if (!machine.name.empty()) return machine.name;
-  return machine.description.empty() ? "Server" : std::string_view(machine.description);
-}
-
 class TablesWriter {
  public:
   TablesWriter(const Collection& collection, const Screen& screen, std::ostream& out)
@@ -56,11 +51,11 @@ class TablesWriter {
 
   void Write() {
     const std::vector<TableGroup> groups = GroupTables(collection);
-    if (!collection.isAnswer) WriteOverview(groups);
-    const char* separator = collection.isAnswer ? "" : "\n";
+    if (collection.machineIsKnown) WriteOverview(groups);
+    const char* separator = collection.machineIsKnown ? "\n" : "";
     for (const TableGroup& group : groups) {
       const auto isShown = [&](std::size_t i) {
-        return collection.isAnswer || collection.tables[i].RowCount() > 0;
+        return !collection.machineIsKnown || collection.tables[i].RowCount() > 0;
       };
       if (std::ranges::none_of(group.tables, isShown)) continue;
       out << separator;
@@ -93,21 +88,24 @@ class TablesWriter {
   }
 
   void WriteOverview(const std::vector<TableGroup>& groups) {
-    const MachineFacts& machine = collection.machine;
-    WriteHead(ChooseTitle(machine));
-    if (!machine.name.empty() && !machine.description.empty()) {
-      WriteParagraph(nullptr, EscapeControls(machine.description), 0);
-    }
-    WriteParagraph(
-        nullptr,
-        fmt::format("Collected {}, from {}: {}", FormatTimeForPeople(collection.collected),
-                    machine.recorded ? "a recording" : "this machine, live",
-                    DescribeOutcome(collection)),
-        0);
+    WriteHead(NameMachine(collection));
+    WriteFacts();
+    WriteParagraph(nullptr, DescribeOutcome(collection), 0);
     WriteProblems();
     out << '\n';
     MeasureNames();
     for (const TableGroup& group : groups) WriteStatusLines(group);
+  }
+
+  void WriteFacts() {
+    const std::vector<std::pair<std::string, std::string>> facts = ListMachineFacts(collection);
+    std::size_t widest = 0;
+    for (const auto& [name, value] : facts) widest = std::max(widest, MeasureWidth(name));
+    for (const auto& [name, value] : facts) {
+      const std::string start = PadText(name + ":", widest + kColumnGap);
+      out << start;
+      WriteParagraph(nullptr, EscapeControls(value), start.size());
+    }
   }
 
   void WriteProblems() {

@@ -11,6 +11,7 @@
 #include "host/files/whole_file.h"
 #include "host/live/live_source.h"
 #include "host/pqhost/login.h"
+#include "host/pqhost/submission.h"
 #include "host/recording/recording_reader.h"
 #include "host/text/decoder.h"
 #include "host/text/path_text.h"
@@ -74,9 +75,9 @@ class ThisMachine final : public CommandSource {
 
   std::vector<std::string> KeepLogFiles(const Collection& /*collection*/) override { return {}; }
 
-  void KeepRecording() override {
+  void KeepRecording(const Collection& collection) override {
     if (!recordingFolder) return;
-    source.WriteRecording();
+    source.WriteRecording(DescribeSubmission(collection));
     hasRecording = true;
   }
 

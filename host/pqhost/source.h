@@ -45,9 +45,9 @@ class CommandSource {
   /// Sees to the files that the tools left in the log folder. Returns a line of UTF-8 for each that
   /// could not be kept.
   virtual std::vector<std::string> KeepLogFiles(const Collection& collection) = 0;
-  /// Writes the recording, if one was asked for. Throws std::runtime_error when it could not be
-  /// written.
-  virtual void KeepRecording() {}
+  /// Writes the recording that was made beside `collection`, if one was asked for. Throws
+  /// std::runtime_error when it could not be written.
+  virtual void KeepRecording(const Collection& /*collection*/) {}
   /// Says what is kept, and where.
   virtual void TellKept(const Console& console) const = 0;
 };

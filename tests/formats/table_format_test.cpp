@@ -24,7 +24,8 @@ TEST(TableFormat, AlignsColumnsUnderTheirLabels) {
       .Row({{"Internet Address", "10.0.0.254"}, {"Type", "static"}});
   EXPECT_EQ(made.As("table"),
             "Server\n"
-            "Collected 2026-11-18 09:41:07 UTC, from a recording: 1 of 1 tables with 2 rows\n"
+            "Recorded: at an unknown time\n"
+            "1 of 1 tables with 2 rows\n"
             "\n"
             "Network\n"
             "  ARPINFO  ARP table\n"
@@ -154,7 +155,7 @@ TEST(TableFormat, BeginsWithMachineProblemsAndALineForEachTable) {
   MadeCollection made;
   made.Table("S1TABLE1").Table("AAA").Table("ARPINFO").Row({{"Type", "dynamic"}}).Table("RAIDINFO");
   made.Get().machine.name = "SRV7";
-  made.Get().machine.description = "Windows Server";
+  made.Get().machine.system = "Windows Server, build 20348";
   made.Get().machine.recorded = false;
   made.Get().problems = {"not collected: one thing after another, for reasons of many words",
                          "two"};
@@ -162,9 +163,9 @@ TEST(TableFormat, BeginsWithMachineProblemsAndALineForEachTable) {
   for (std::size_t i = 0; i < 4; ++i) made.Get().tables[i].status.text = statuses[i];
   EXPECT_THAT(made.As("table", Wide(62)),
               StartsWith("SRV7\n"
-                         "Windows Server\n"
-                         "Collected 2026-11-18 09:41:07 UTC, from this machine, live: 1\n"
-                         "of 4 tables with 1 rows\n"
+                         "System:    Windows Server, build 20348\n"
+                         "Collected: 2026-11-18 09:41:07 UTC\n"
+                         "1 of 4 tables with 1 rows\n"
                          "\n"
                          "2 problems\n"
                          "  not collected: one thing after another, for reasons of\n"
@@ -236,7 +237,7 @@ TEST(TableFormat, ShowsAllRowsOfOtherTables) {
 TEST(TableFormat, ShowsAnAnswerWithoutAMachine) {
   MadeCollection made;
   made.Table("ANSWER");
-  made.Get().isAnswer = true;
+  made.Get().machineIsKnown = false;
   EXPECT_EQ(made.As("table"), "For tests\n\nANSWER · 0 rows\n");
   made.Row({{"n", "1"}});
   EXPECT_EQ(made.As("table"), "For tests\n\nANSWER · 1 row\nn\n─\n1\n");

@@ -157,7 +157,7 @@ int RunCollect(const CollectOptions& options, const Console& console) {
 
   // The results are shown even when the recording cannot be written.
   try {
-    source->KeepRecording();
+    source->KeepRecording(collection);
   } catch (const std::runtime_error& error) {
     collection.problems.emplace_back(error.what());
   }
