@@ -299,7 +299,7 @@ class FormatsCheck {
     Require(data.find('<') == std::string::npos);
     const json read = json::parse(data, nullptr, /*allow_exceptions=*/false);
     Require(!read.is_discarded());
-    const json& tables = read["modules"][0]["tables"];
+    const json& tables = read["areas"][0]["tables"];
     Require(tables.size() == input.tables.size());
     for (std::size_t i = 0; i < tables.size(); ++i) CheckReported(input.tables[i], tables[i]);
   }

@@ -10,6 +10,7 @@
 
 #include "host/answers/tool_versions.h"
 #include "host/collect/table_view.h"
+#include "host/formats/collection_summary.h"
 #include "host/formats/formats.h"
 #include "host/formats/json_buffer.h"
 #include "host/formats/machine_summary.h"
@@ -71,15 +72,15 @@ class ReportData {
     json.AppendList(ListFacts(), [](std::string& text, const Fact& fact) {
       AppendJsonList(text, fact, &AppendJsonText);
     });
-    json.AppendText(",\"outcome\":", DescribeOutcome());
+    json.AppendText(",\"outcome\":", DescribeOutcome(collection));
     json += ",\"notes\":";
     json.AppendList(collection.problems, &AppendJsonText);
     json.AppendText(",\"footer\":", fmt::format("Made by pqhost {}.", kVersion));
-    json += ",\"modules\":[";
+    json += ",\"areas\":[";
     const char* separator = "";
-    for (const CollectedModule& module : collection.modules) {
+    for (const TableGroup& group : GroupTables(collection)) {
       json += separator;
-      WriteModule(module);
+      WriteArea(group);
       separator = ",\n";
     }
     json += "]}";
@@ -107,27 +108,17 @@ class ReportData {
     return facts;
   }
 
-  std::string DescribeOutcome() const {
-    std::size_t filled = 0;
-    std::size_t rows = 0;
-    for (const CollectedTable& table : collection.tables) {
-      if (table.RowCount() > 0) ++filled;
-      rows += table.RowCount();
-    }
-    return fmt::format("{} of {} tables with {} rows", filled, collection.tables.size(), rows);
-  }
-
-  void WriteModule(const CollectedModule& module) {
-    const auto [name, description] = view.ViewModule(module);
-    json.AppendText("{\"name\":", name);
-    json.AppendText(",\"description\":", description);
+  void WriteArea(const TableGroup& group) {
+    json.AppendText("{\"title\":", view.Excerpt(group.area));
+    json += ",\"modules\":";
+    json.AppendList(group.modules, [&](std::string& text, const std::string& module) {
+      AppendJsonText(text, view.Excerpt(module));
+    });
     json += ",\"tables\":[";
     const char* separator = "";
-    for (std::size_t i = 0; i < collection.tables.size(); ++i) {
-      const CollectedTable& table = collection.tables[i];
-      if (table.module != module.name) continue;
+    for (const std::size_t i : group.tables) {
       json += separator;
-      WriteTable(view.ViewTable(table), parts[i]);
+      WriteTable(view.ViewTable(collection.tables[i]), parts[i]);
       separator = ",\n";
     }
     json += "]}";

@@ -80,6 +80,7 @@ void DescribeLsiSummary(ModuleDescription& module) {
   for (const LabelledColumn& fact : kFacts) table.AddColumn(fact.column);
   table.EndRowsAt(std::rbegin(kFacts)->label);
   module.tables.push_back(table);
+  module.tools.push_back(DescribeStorcli());
   module.answers.push_back(ExplainNoLsiController({kRaidInfo}));
 }
 

@@ -232,6 +232,7 @@ void DescribeMicrochipArchive(ModuleDescription& module) {
     table->neededCommands = {"md", "copy"};
     module.tables.push_back(*table);
   }
+  module.tools.push_back({kTool, "Microchip, formerly Adaptec", "ARCCONF"});
   module.AddFailures(StepFailure::kNothingToReport, {kNoConfig}, kTool);
 }
 

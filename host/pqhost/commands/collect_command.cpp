@@ -54,7 +54,8 @@ struct CollectOptions {
   ResultOptions result;
   std::optional<Destination> trace;
   bool leavesAttachmentsOut = false;
-  bool dryRun = false;  ///< show the commands instead of running them
+  bool showsAll = false;  ///< also old lines of logs on a screen
+  bool dryRun = false;    ///< show the commands instead of running them
 };
 
 /// Keeps the trace and the results from going to one place.
@@ -100,8 +101,8 @@ void RefuseWithReplay(const SourceOptions& source) {
 
 void RefuseWithDryRun(const OptionSet& set) {
   for (const char* option :
-       {"--record", "--format", "--output", "--tool-limit", "--tool-memory", "--trace", "--plugin",
-        "--unsafe-folder", "--amt-login", "--no-input"}) {
+       {"--record", "--format", "--output", "--all", "--tool-limit", "--tool-memory", "--trace",
+        "--plugin", "--unsafe-folder", "--amt-login", "--no-input"}) {
     if (!set.IsGiven(option)) continue;
     throw UsageError(fmt::format(
         "{} has no use with --dry-run, which collects nothing: leave one of them away", option));
@@ -139,8 +140,15 @@ void SettleOptions(CollectOptions& options, const OptionSet& set) {
   if (options.trace) options.trace->MakeAbsolute();
 }
 
-/// A line on standard error for every table: its rows, or why there are none.
+/// Whether problems and statuses are on the terminal already that standard error leads to.
+bool IsOnScreen(const Format& format, const Destination& output, const Console& console) {
+  return format.tellsStatus && output.IsStandardOutput() && console.outIsTerminal &&
+         console.errorIsTerminal;
+}
+
+/// A line on standard error for every problem and for every table: its rows, or why there are none.
 void ReportStatus(const Collection& collection, const Console& console) {
+  for (const std::string& problem : collection.problems) Complain(console, problem);
   std::size_t width = 0;
   for (const CollectedTable& table : collection.tables) {
     width = std::max(width, table.className.size());
@@ -173,9 +181,12 @@ int RunCollect(const CollectOptions& options, const Console& console) {
 
   // The results are shown even when the recording cannot be written.
   try {
-    source->KeepRecording(collection, console);
+    source->KeepRecording(collection);
   } catch (const std::runtime_error& error) {
     collection.problems.emplace_back(error.what());
+  }
+  for (std::string& problem : source->KeepLogFiles(collection)) {
+    collection.problems.push_back(std::move(problem));
   }
   if (format.describeCuts != nullptr) {
     for (std::string& cut : format.describeCuts(collection)) {
@@ -187,16 +198,18 @@ int RunCollect(const CollectOptions& options, const Console& console) {
     WriteCsvFolder(collection, options.result.identifiesRows, options.result.output.path);
   } else {
     output->Write([&, &results = collection](Screen screen, std::ostream& out) {
+      screen.showsAll = options.showsAll;
       screen.identifiesRows = options.result.identifiesRows;
       format.write(results, screen, out);
     });
   }
   if (trace) trace->Close();
-  for (const std::string& problem : source->KeepLogFiles(collection, console)) {
-    collection.problems.push_back(problem);
+  if (!IsOnScreen(format, options.result.output, console)) ReportStatus(collection, console);
+  source->TellKept(console);
+  if (options.trace) TellWritten("Trace", *options.trace, console);
+  if (options.result.format != "none") {
+    TellWritten(format.resultName, options.result.output, console);
   }
-  for (const std::string& problem : collection.problems) Complain(console, problem);
-  ReportStatus(collection, console);
   const bool isWhole = collection.problems.empty() && !IsInterruptionRequested();
   return isWhole ? kExitDone : kExitIncomplete;
 }
@@ -238,6 +251,8 @@ CommandRun Define(OptionSet& set) {
   AddIdentify(set, options->result);
   set.AddFlag("--no-attachments", options->leavesAttachmentsOut,
               "Leave the whole files out of the results, such as the tools' reports");
+  set.AddFlag("--all", options->showsAll,
+              "Show all of each log; without it, --format table shows its newest lines");
   set.AddSeconds("--tool-limit", source.toolLimits.seconds, kLongestToolLimit,
                  "End a tool that runs for more than so many seconds (Windows)");
   set.AddMebibytes("--tool-memory", source.toolLimits.mebibytes, kLargestToolMemory,

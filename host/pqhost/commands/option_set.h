@@ -17,7 +17,17 @@ class Option;
 namespace host {
 
 /// The kind of value that an option takes, as far as a shell can complete it.
-enum class OptionValue { kNone, kAny, kFolder, kFile, kDatabase, kModule, kTable, kChoice };
+enum class OptionValue {
+  kNone,
+  kAny,
+  kFolder,
+  kFile,
+  kDatabase,
+  kModule,
+  kTable,
+  kCommand,
+  kChoice
+};
 
 struct OptionDescription {
   std::string name;  ///< "--format"; empty: the words that belong to no option

@@ -159,6 +159,7 @@ int AnswerQuery(const QueryOptions& options, const QuerySources& sources, const 
   database.reset();  // Its memory is for the result now.
   output->Write(
       [&](const Screen& screen, std::ostream& out) { format.write(answer, screen, out); });
+  TellWritten(format.resultName, options.result.output, console);
   return exitCode;
 }
 

@@ -6,6 +6,7 @@
 #include "host/files/places.h"
 #include "host/program/result_output.h"
 #include "host/text/path_text.h"
+#include "host/text/screen_text.h"
 #include "host/text/usage_error.h"
 
 namespace host {
@@ -102,6 +103,11 @@ void AddIdentify(OptionSet& set, ResultOptions& result) {
 
 void AddOutput(OptionSet& set, ResultOptions& result, const char* noun) {
   set.AddDestination("--output", result.output, fmt::format("Write the {} to this file", noun));
+}
+
+void TellWritten(const char* what, const Destination& destination, const Console& console) {
+  if (destination.IsStandardOutput()) return;
+  console.error << what << ": " << EscapeControls(PathText(destination.path)) << '\n';
 }
 
 const Format& ChooseFormat(const ResultOptions& result, const Console& console) {

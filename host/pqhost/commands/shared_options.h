@@ -51,6 +51,9 @@ void AddIdentify(OptionSet& set, ResultOptions& result);
 /// --output
 void AddOutput(OptionSet& set, ResultOptions& result, const char* noun);
 
+/// Tells on standard error where a result is, unless that is standard output.
+void TellWritten(const char* what, const Destination& destination, const Console& console);
+
 /// The format asked for. Throws UsageError when it is nothing for a terminal and would go to one.
 const Format& ChooseFormat(const ResultOptions& result, const Console& console);
 
