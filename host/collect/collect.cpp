@@ -73,8 +73,9 @@ Collection Collect(Source& source, const Selection& selection, CollectionListene
   failures.FindMissingPrograms(hasPrograms);
   listeners.Add(failures);
   StatusTracker statuses;
-  statuses.Ask(hasPrograms,
-               [&](const std::string& fileName) { return source.LogFileSize(fileName); });
+  statuses.Ask(
+      hasPrograms, [&](const std::string& fileName) { return source.LogFileSize(fileName); },
+      [&](const std::string& path) { return source.FindOldFile(path); });
   listeners.Add(statuses);
   AnswerKeeper answers;
   listeners.Add(answers);
@@ -99,6 +100,7 @@ Collection Collect(Source& source, const Selection& selection, CollectionListene
     const auto rows = stored.find(table.className);
     if (rows != stored.end()) table.rows = &rows->second;
     table.status = statuses.FindStatus(table.module, table.className, table.RowCount());
+    table.status.notes = statuses.FindNotes(table.module, table.className);
   }
   collection.problems = source.Doubts();
   const TextDecoder decode(collection.machine.codePage);
