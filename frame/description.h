@@ -37,6 +37,32 @@ struct ColumnDescription {
   bool operator==(const ColumnDescription&) const = default;
 };
 
+/// How to see that a machine has what a table leaves out.
+enum class OmissionSign {
+  kNone,      ///< nothing shows it
+  kRows,      ///< the table has rows
+  kToolRuns,  ///< the command ran, and the machine has its tool
+  kFile,      ///< the command leaves the file `label`
+  /// In the command's text a number above `most` follows `label`; that number is found.
+  kCount,
+  /// In the command's text no `end` follows the last `label`; the rest of that one's line is found.
+  kOpenRecord,
+  /// In the command's text a line `end` ends a row, and no line with a column's label, followed by
+  /// `label`, came for it, though one came for a row before; the labels are found.
+  kLackingLine,
+};
+
+/// Something that a table leaves out although its tools tell it, or takes from elsewhere.
+struct Omission {
+  std::string text;       ///< a sentence that holds for every machine, for the documentation
+  std::string note = {};  ///< of a machine that has it, for people; "{}" is what the sign found
+  OmissionSign sign = OmissionSign::kNone;
+  ToolCommand command = {};
+  std::string label = {};
+  std::string end = {};
+  int most = 0;
+};
+
 struct TableDescription {
   std::string className;
   std::string title;
@@ -54,6 +80,7 @@ struct TableDescription {
   std::vector<std::string> neededCommands = {};
   /// The table is made on US English systems only.
   bool needsUsEnglish = false;
+  std::vector<Omission> leavesOut = {};
 
   void AddColumn(const Column& column);
   void AddColumns(std::span<const Column> more);

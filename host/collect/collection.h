@@ -11,6 +11,7 @@
 
 #include "frame/halyard/repository.h"
 #include "host/collect/machine_facts.h"
+#include "host/collect/omissions.h"
 #include "host/collect/selection.h"
 #include "host/collect/table_status.h"
 #include "host/logger/logger.h"
@@ -32,13 +33,6 @@ struct CollectedTable {
   const Table* rows = nullptr;  ///< null when none came
   TableStatus status;           ///< how many rows, or why there are none
   std::size_t RowCount() const { return rows == nullptr ? 0 : rows->rows.size(); }
-};
-
-/// A command line that a module ran, and the tool's answer.
-struct CollectedAnswer : ToolAnswer {
-  std::string module;
-  std::string commandLine;
-  std::optional<std::uint32_t> exitCode;  ///< none: the tool was not awaited, or did not start
 };
 
 /// A finished collection. It owns all that it shows and may outlive whatever it came from. Texts

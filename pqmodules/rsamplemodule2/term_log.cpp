@@ -57,6 +57,7 @@ void DescribeTermLog(ModuleDescription& module) {
                          .title = "LSI firmware term log",
                          .commands = {DescribeReport(kReport)}};
   table.AddColumn(kLine);
+  table.leavesOut = {LeaveOutOtherControllers()};
   module.tables.push_back(table);
   module.versionLines.push_back({"storcli", kFwTermLog, kStorcliVersion});
 }
