@@ -104,6 +104,7 @@ class ReportData {
       if (!value.empty()) facts.push_back({std::string(name), std::string(value)});
     };
     for (const auto& [name, value] : ListMachineFacts(collection)) add(name, value);
+    if (!collection.machineIsKnown) return facts;
     add("From", machine.recorded ? "a recording" : "this machine, live");
     add("Language", std::to_string(machine.languageId));
     add("Code page", std::to_string(machine.codePage));

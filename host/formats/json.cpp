@@ -42,7 +42,11 @@ class JsonWriter {
     json += JsonObject().AddText("name", "pqhost").AddText("version", kVersion).Take();
     json.AppendText(",\n\"collected\": ", FormatIsoTime(collection.collected));
     json += ",\n\"machine\": ";
-    AppendMachine();
+    if (collection.machineIsKnown) {
+      AppendMachine();
+    } else {
+      json += "null";
+    }
     json += ",\n\"modules\": [";
     const char* separator = "\n";
     for (const CollectedModule& module : collection.modules) {
@@ -206,7 +210,9 @@ class JsonWriter {
       if (first != place) continue;
       json.AppendText(place > 0 ? "," : "", key);
       const CellView cell = row.CellAt(last);
-      if (cell.IsInteger()) {
+      if (cell.Kind() == CellKind::kNothing) {
+        json += ":null";
+      } else if (cell.Kind() != CellKind::kText) {
         json += ":";
         json += cell.Text();
       } else {

@@ -20,6 +20,7 @@ std::string FormatTime(const Collection& collection) {
 
 std::string NameMachine(const Collection& collection) {
   const MachineFacts& machine = collection.machine;
+  if (!collection.machineIsKnown) return "Answer";
   if (!machine.name.empty()) return machine.name;
   return machine.description.empty() ? "Server" : machine.description;
 }
@@ -31,6 +32,10 @@ std::vector<std::pair<std::string, std::string>> ListMachineFacts(const Collecti
   const auto add = [&](std::string_view name, std::string_view value) {
     if (!value.empty()) facts.emplace_back(name, value);
   };
+  if (!collection.machineIsKnown) {
+    add("Asked", FormatTimeForPeople(collection.collected));
+    return facts;
+  }
   if (machine.recorded && !machine.name.empty()) add("Description", machine.description);
   add("System", machine.system);
   add("Maker", identity.maker);
