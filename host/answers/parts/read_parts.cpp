@@ -4,6 +4,8 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "host/answers/parts/amt.h"
+#include "host/answers/parts/bmc.h"
 #include "host/answers/parts/collected_rows.h"
 #include "host/answers/parts/condition_words.h"
 #include "host/answers/parts/intel.h"
@@ -18,6 +20,8 @@ using Reader = void (*)(const CollectedRows& rows, Parts& parts);
 constexpr Reader kReaders[] = {
     ReadMicrochip,
     ReadIntel,
+    ReadBmc,
+    ReadAmt,
 };
 
 void FindConditions(Parts& parts) {
