@@ -174,6 +174,12 @@ void NoteRun(ToolRun& run, std::string_view text, const pq::ModuleDescription* m
 
 }  // namespace
 
+std::string DescribeStatus(const TableStatus& status) {
+  std::string text = status.text;
+  for (const std::string& note : status.notes) text += "; " + note;
+  return text;
+}
+
 void StatusTracker::Module(const std::string& name, const std::string& /*description*/) {
   module = name;
   runIsOpen = false;

@@ -20,7 +20,12 @@ struct TableStatus {
   /// One of the words of docs/json.md, such as "rows" or "tool missing".
   std::string outcome;
   std::string text;  ///< UTF-8, for people
+  /// More that is true of the table, such as what it leaves out: a sentence each. UTF-8.
+  std::vector<std::string> notes = {};
 };
+
+/// Text and notes of the status, in one line.
+std::string DescribeStatus(const TableStatus& status);
 
 /// All that a program of the machine was seen doing.
 struct ToolRun {

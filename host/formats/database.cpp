@@ -30,12 +30,13 @@ CREATE TABLE machine (name TEXT, value TEXT);
 CREATE TABLE modules (position INTEGER PRIMARY KEY, name TEXT, description TEXT);
 CREATE TABLE tables (position INTEGER PRIMARY KEY, class TEXT, name TEXT, title TEXT, module TEXT,
                      rows INTEGER, outcome TEXT, status TEXT);
+CREATE TABLE notes (class TEXT, text TEXT);
 CREATE TABLE columns (class TEXT, position INTEGER, key TEXT, name TEXT, label TEXT,
                       PRIMARY KEY (class, position));
 CREATE TABLE attachments (class TEXT, row INTEGER, key TEXT, filename TEXT, text TEXT);
 CREATE TABLE log (position INTEGER PRIMARY KEY, level INTEGER, file TEXT, line INTEGER, text TEXT);
 )";
-constexpr std::string_view kOwnTables[] = {"machine", "modules",     "tables",
+constexpr std::string_view kOwnTables[] = {"machine", "modules",     "tables", "notes",
                                            "columns", "attachments", "log"};
 /// The first column of every class's table: the row's number, from 1.
 constexpr std::string_view kRowColumn = "row";
@@ -151,6 +152,7 @@ class Filler {
       (modules << ++position << name << description).Run();
     }
     Insert tables(handle, "tables", 8);
+    Insert notes(handle, "notes", 2);
     UniqueNames names(kOwnTables);
     position = 0;
     for (const CollectedTable& collected : collection.tables) {
@@ -160,6 +162,9 @@ class Filler {
               << static_cast<std::int64_t>(table.RowCount()) << table.Status().outcome
               << table.Status().text)
           .Run();
+      for (const std::string& note : table.Status().notes) {
+        (notes << table.ClassName() << note).Run();
+      }
       AddTable(table, name);
     }
     Insert log(handle, "log", 5);

@@ -156,6 +156,8 @@ class ReportData {
     json.AppendText(",\"title\":", table.Title());
     json.AppendText(",\"kind\":", ChooseKind(table, shown.size()));
     json.AppendText(",\"status\":", table.Status().text);
+    json += ",\"notes\":";
+    json.AppendList(table.Status().notes, &AppendJsonText);
     json += fmt::format(",\"rowCount\":{},\"columns\":", table.RowCount());
     json.AppendList(shown, [&](std::string& text, std::size_t i) {
       const ColumnView& column = table.Columns()[i];

@@ -97,7 +97,13 @@ class JsonWriter {
     json.AppendText(",\n \"module\": ", table.Module());
     json += ",\n \"status\": ";
     const TableStatus& status = table.Status();
-    json += JsonObject().AddText("outcome", status.outcome).AddText("text", status.text).Take();
+    json +=
+        JsonObject()
+            .AddText("outcome", status.outcome)
+            .AddText("text", status.text)
+            .Add("notes",
+                 [&](std::string& text) { AppendJsonList(text, status.notes, &AppendJsonText); })
+            .Take();
     json += ",\n \"layout\": ";
     AppendLayout(table);
     json += ",\n \"columns\": [";

@@ -58,7 +58,7 @@ class TablesWriter {
     for (const CollectedTable& collected : collection.tables) {
       if (collected.module != module.name) continue;
       const TableView table = view.ViewTable(collected);
-      if (table.RowCount() == 0) {
+      if (table.RowCount() == 0 && table.Status().notes.empty()) {
         empty += " " + EscapeControls(table.ClassName());
       } else {
         out << '\n';
@@ -79,11 +79,22 @@ class TablesWriter {
     WriteStyled(kBold, title);
     if (title != className) out << " · " << className;
     out << " · " << FormatCount(table.RowCount(), "row") << '\n';
+    WriteNotes(table);
+    if (table.RowCount() == 0) return;
     const std::vector<std::size_t> widths = ChooseWidths(table);
     if (widths.empty()) {
       WriteBlocks(table);
     } else {
       WriteColumns(table, widths);
+    }
+  }
+
+  void WriteNotes(const TableView& table) {
+    for (const std::string& note : table.Status().notes) {
+      for (const std::string& line : WrapText("Note: " + EscapeControls(note), width)) {
+        WriteStyled(kDim, line);
+        out << '\n';
+      }
     }
   }
 

@@ -31,7 +31,7 @@ Collection MakeCollection() {
                                "module",
                                {},
                                &host::TablesOf(*collection.repository).at("CLASS"),
-                               {"rows", "2 rows"}});
+                               {"rows", "2 rows", {"one is left out"}}});
   collection.log.push_back({4, "pqmodules/x", 12, "[repo] a line"});
   return collection;
 }
@@ -55,6 +55,10 @@ class FilledDatabase : public testing::Test {
 };
 
 using Texts = std::vector<std::string>;
+
+TEST_F(FilledDatabase, HasTheNotesOfTables) {
+  EXPECT_EQ(Ask(database, "SELECT class, text FROM notes"), Texts{"CLASS|one is left out"});
+}
 
 TEST_F(FilledDatabase, HasATablePerClassWithTextsAsCollected) {
   EXPECT_EQ(Ask(database, "SELECT row, Key FROM CLASS"),

@@ -64,7 +64,7 @@ TEST(HtmlFormat, WritesATableWithItsRowsByColumn) {
   made.Get().tables.front().status = {"rows", "2 rows"};
   EXPECT_EQ(
       ReadTable(made).dump(),
-      R"({"class":"ARPINFO","title":"ARP table","kind":"rows","status":"2 rows",)"
+      R"({"class":"ARPINFO","title":"ARP table","kind":"rows","status":"2 rows","notes":[],)"
       R"("rowCount":2,"columns":[{"key":"k1","label":"Address"},)"
       R"({"key":"k2","label":"Type"}],"attachments":[],"rows":[["b"," x \r\n"],["a",null]]})");
 }

@@ -47,7 +47,7 @@ TEST(JsonFormat, WritesATableWithColumnsAndRowsInOrder) {
   const Json all = Json::parse(made.As("json"));
   EXPECT_EQ(all["tables"][0].dump(),
             R"({"class":"ARPINFO","title":"ARP table","module":"Example",)"
-            R"("status":{"outcome":"","text":""},)"
+            R"("status":{"outcome":"","text":"","notes":[]},)"
             R"("layout":{"by":"row","headers":[],"widths":[]},)"
             R"("columns":[{"key":"k1","label":"Address"},{"key":"k2","label":"Type"}],)"
             R"("instances":["made"],"attachments":[],)"
@@ -62,6 +62,13 @@ TEST(JsonFormat, WritesATableWithoutRows) {
   EXPECT_EQ(table["instances"], Json::array());
   EXPECT_EQ(table["rows"], Json::array());
   EXPECT_EQ(table["layout"].dump(), R"({"by":"property","headers":[],"numbers":[]})");
+}
+
+TEST(JsonFormat, WritesNotesOfATable) {
+  MadeCollection made;
+  made.Table("VOLUME").Get().tables[0].status = {"rows", "2 rows", {"one is \"left\" out", "so"}};
+  EXPECT_EQ(Json::parse(made.As("json"))["tables"][0]["status"].dump(),
+            R"({"outcome":"rows","text":"2 rows","notes":["one is \"left\" out","so"]})");
 }
 
 TEST(JsonFormat, SaysWhatCouldNotBeCollected) {

@@ -30,6 +30,23 @@ TEST(TableFormat, AlignsColumnsUnderTheirLabels) {
             "10.0.0.254        static\n");
 }
 
+TEST(TableFormat, ShowsNotesBelowTheTitleAlsoOfAnEmptyTable) {
+  MadeCollection made;
+  made.Table("ARPINFO").Row({{"Type", "dynamic"}}).Table("T");
+  for (CollectedTable& table : made.Get().tables) table.status.notes = {"one is left out"};
+  EXPECT_EQ(made.As("table"),
+            "For tests · Example\n"
+            "\n"
+            "ARP table · ARPINFO · 1 row\n"
+            "Note: one is left out\n"
+            "Type\n"
+            "───────\n"
+            "dynamic\n"
+            "\n"
+            "T · 0 rows\n"
+            "Note: one is left out\n");
+}
+
 TEST(TableFormat, AlignsWideCharacters) {
   MadeCollection made;
   made.Get().machine.codePage = 65001;

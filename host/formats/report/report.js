@@ -252,15 +252,18 @@
     return block;
   };
 
+  const notes = (table) => table.notes.map((note) => make("p", { class: "note" }, note));
+
   const tableSection = (table) => {
     const section = make("section", { class: "panel", id: `table-${table.class}` });
     if (!table.rowCount) {
       section.append(make("div", { class: "bar" }, ...title(table), make("span", { class: "grow" }),
-        make("span", { class: "warn" }, table.status)));
+        make("span", { class: "warn" }, table.status)), ...notes(table));
       return section;
     }
-    if (!table.rows.length) section.append(make("div", { class: "bar" }, ...title(table))); // attachments only
-    else section.append(...(table.kind === "properties" ? propertyTable(table) : rowTable(table)));
+    const [bar, ...content] = !table.rows.length ? [make("div", { class: "bar" }, ...title(table))] // attachments only
+      : table.kind === "properties" ? propertyTable(table) : rowTable(table);
+    section.append(bar, ...notes(table), ...content);
     for (const item of table.attachments) section.append(attachment(item));
     return section;
   };

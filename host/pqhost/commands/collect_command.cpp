@@ -128,7 +128,7 @@ void ReportStatus(const Collection& collection, const Console& console) {
   }
   for (const CollectedTable& table : collection.tables) {
     console.error << fmt::format("{:<{}}  {}\n", EscapeControls(table.className), width,
-                                 EscapeControls(table.status.text));
+                                 EscapeControls(DescribeStatus(table.status)));
   }
 }
 
