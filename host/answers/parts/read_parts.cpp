@@ -1,12 +1,12 @@
 #include "host/answers/parts/read_parts.h"
 
-#include <initializer_list>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
 
 #include "host/answers/parts/collected_rows.h"
 #include "host/answers/parts/condition_words.h"
+#include "host/answers/parts/lsi.h"
 
 namespace host {
 namespace {
@@ -14,7 +14,10 @@ namespace {
 /// Reads the parts of one vendor or one device; may refer to what those before it read.
 using Reader = void (*)(const CollectedRows& rows, Parts& parts);
 
-constexpr std::initializer_list<Reader> kReaders{};
+constexpr Reader kReaders[] = {
+    ReadLsi,
+    ReadSas2,
+};
 
 void FindConditions(Parts& parts) {
   for (Drive& drive : parts.drives) drive.condition = FindDriveCondition(drive.state);
