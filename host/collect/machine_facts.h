@@ -15,19 +15,19 @@ struct MachineFacts {
   bool recorded = false;    ///< the machine was a recording
   std::string description;  ///< UTF-8: the recording's own words, or the system's name
   std::string name;         ///< UTF-8; empty when not known
-  /// When its tools answered: of a recording when that was made, live the collection's begin.
-  std::optional<LocalTime> recordedAt;
-  std::string system;  ///< UTF-8: name and build of its Windows; empty when not known
-  /// UTF-8: serial numbers that a recording was given for its machine. What the tools say of it is
-  /// in host/answers/machine_identity.h.
-  std::vector<std::string> serials;
-  /// SHA-256 in hexadecimal that tells recordings of other content apart; empty when live.
-  std::string contentKey;
   std::uint32_t languageId = pq::kUsEnglish;
   /// The code page of the bytes that its tools print.
   std::uint32_t codePage = 1252;
   std::string hostExecutable;  ///< bytes in that code page
   std::string logFolder;       ///< bytes in that code page; ends with a backslash
+  /// When its tools answered: live when the collection began, of a recording when that was made.
+  std::optional<LocalTime> recordedAt = {};
+  std::string system = {};  ///< UTF-8: name and build of its Windows; empty when not known
+  /// UTF-8: the serial numbers that a recording was given for its machine. What the tools say of it
+  /// is in host/answers/machine_identity.h.
+  std::vector<std::string> serials = {};
+  /// SHA-256 in hexadecimal that tells recordings of other content apart; empty when live.
+  std::string contentKey = {};
 };
 
 /// Facts that only the machine itself tells; no recording holds them.
