@@ -6,6 +6,7 @@
 #include <optional>
 #include <utility>
 
+#include "host/answers/intel_columns.h"
 #include "host/answers/lsi_columns.h"
 #include "host/catalogue/table_sources.h"
 #include "host/text/ascii.h"
@@ -56,7 +57,7 @@ std::optional<FoundReport> FindAttachedReport(const CollectedRows& rows, const C
 
 std::vector<ColumnCheck> ListChecks() {
   std::vector<ColumnCheck> checks;
-  for (const auto& some : {ListLsiColumnChecks()}) {
+  for (const auto& some : {ListLsiColumnChecks(), ListIntelColumnChecks()}) {
     checks.insert(checks.end(), some.begin(), some.end());
   }
   return checks;

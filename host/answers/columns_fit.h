@@ -24,7 +24,7 @@ struct TableBesideReport {
 
 struct ColumnCheck {
   std::string_view className;
-  /// The row's property that has the report whole.
+  /// Class and property whose first row has the report whole; none where only a file has it.
   std::string_view attachmentClass;
   std::string_view attachmentKey;
   /// What does not fit, for people; empty when all does.

@@ -108,8 +108,9 @@ class ListComparison {
       }
     }
     if (rowsLeftOut > 0) {
-      reasons.push_back(fmt::format("no row for {}", firstLeftOut));
-      if (rowsLeftOut > 1) reasons.back() += fmt::format(" and {} more", rowsLeftOut - 1);
+      const std::string more = rowsLeftOut > 1 ? fmt::format(" and {} more", rowsLeftOut - 1) : "";
+      reasons.push_back(
+          fmt::format("no row for {}{}: fewer words than columns", firstLeftOut, more));
     }
     return JoinReasons(reasons);
   }

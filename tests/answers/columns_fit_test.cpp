@@ -89,7 +89,8 @@ TEST(ColumnsFit, NotWhereAVolumeHasNoName) {
                "0/1   RAID5 Optl  RW     No      RWBD  -   ON  1.089 TB\n"
                "0/2   RAID5 Optl  RW     No      RWBD  -   ON  1.089 TB\n"
                "0/3   RAID5 Optl  RW     No      RWBD  -   ON  1.089 TB Last\n"));
-  EXPECT_EQ(ListNotes(recording, "VINFO"), Note("no row for 0/1 and 1 more"));
+  EXPECT_EQ(ListNotes(recording, "VINFO"),
+            Note("no row for 0/1 and 1 more: fewer words than columns"));
 }
 
 TEST(ColumnsFit, NotTheSecondGenerationOfTheTool) {
@@ -120,6 +121,14 @@ TEST(ColumnsFit, NotWhereALongerLabelEndsLikeTheColumns) {
       "Product Name = KORVA\nFW Version = 36.00\nPSOC FW Version = 0x6E\nFunction Number = 0\n");
   EXPECT_EQ(ListNotes(recording, "RAIDINFO"),
             Note("FW Version is \"0x6E\", the report has \"36.00\""));
+}
+
+// "Size:" is in both labels, and the last one stays.
+TEST(ColumnsFit, NotWhereAFreeSizeFollowsTheSize) {
+  EXPECT_EQ(ListNotes(test::LoadSamples().at("two-socket-server"), "ENDDEVICEINFO"),
+            Notes{"columns do not fit this report: row 1: Size is \"0 GB\", the report has "
+                  "\"1863 GB\" (3 rows like that); the report itself: rstcli64.txt in the log "
+                  "folder"});
 }
 
 TEST(ColumnsFit, OfReportsThatAreNotAttachedToo) {
