@@ -17,7 +17,8 @@ ToolCommand ParseToolCommand(std::string_view text, std::string file) {
 }
 
 void TableDescription::AddColumn(const Column& column) {
-  columns.push_back({std::string(column.key), std::string(column.label), std::string(column.text)});
+  columns.push_back(
+      {std::string(column.key), std::string(column.label), std::string(column.text), column.kind});
 }
 
 void TableDescription::AddColumns(std::span<const Column> more) {

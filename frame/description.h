@@ -33,6 +33,7 @@ struct ColumnDescription {
   std::string key;
   std::string label;  ///< empty where the tool itself gives it
   std::string text;   ///< the column's meaning, in words for a newcomer
+  ValueKind kind = ValueKind::kText;
 
   bool operator==(const ColumnDescription&) const = default;
 };

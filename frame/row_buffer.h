@@ -9,11 +9,17 @@
 
 namespace pq {
 
+enum class ValueKind {
+  kText,
+  kNumber,  ///< a decimal number, or a word where there is none
+};
+
 /// A property without its value.
 struct Column {
   std::string_view key;
   std::string_view label;      ///< as it is displayed
   std::string_view text = {};  ///< its meaning, for the documentation
+  ValueKind kind = ValueKind::kText;
 };
 
 /// Values that were set stay set from one row to the next.

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "frame/description.h"
 #include "frame/halyard/repository.h"
 #include "host/collect/machine_facts.h"
 #include "host/collect/selection.h"
@@ -31,6 +32,8 @@ struct CollectedTable {
   TableLayout layout;
   const Table* rows = nullptr;  ///< null when none came
   TableStatus status;           ///< how many rows, or why there are none
+  /// Known before there are rows, of a table that no module describes.
+  std::vector<pq::ColumnDescription> columns = {};
   std::size_t RowCount() const { return rows == nullptr ? 0 : rows->rows.size(); }
 };
 
@@ -45,6 +48,7 @@ struct CollectedAnswer : ToolAnswer {
 /// are bytes in the machine's code page, unless said otherwise.
 struct Collection {
   MachineFacts machine;
+  bool machineIsKnown = true;  ///< not that of an answer, which may be about many
   std::chrono::system_clock::time_point collected;
   std::vector<CollectedModule> modules;  ///< each once, in the order of use
   std::vector<CollectedTable> tables;    ///< each once, in the order of use

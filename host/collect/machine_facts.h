@@ -2,9 +2,12 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "frame/platform.h"
+#include "host/text/time_text.h"
 
 namespace host {
 
@@ -17,6 +20,14 @@ struct MachineFacts {
   std::uint32_t codePage = 1252;
   std::string hostExecutable;  ///< bytes in that code page
   std::string logFolder;       ///< bytes in that code page; ends with a backslash
+  /// When its tools answered: live when the collection began, of a recording when that was made.
+  std::optional<LocalTime> recordedAt = {};
+  std::string system = {};  ///< UTF-8: name and build of its Windows; empty when not known
+  /// UTF-8: the serial numbers that a recording was given for its machine. What the tools say of it
+  /// is in host/answers/machine_identity.h.
+  std::vector<std::string> serials = {};
+  /// SHA-256 in hexadecimal that tells recordings of other content apart; empty when live.
+  std::string contentKey = {};
 };
 
 /// Facts that only the machine itself tells; no recording holds them.

@@ -13,6 +13,13 @@ MachineFacts DescribeRecording(const Recording& recording) {
   facts.codePage = recording.codePage;
   facts.hostExecutable = recording.hostExecutable;
   facts.logFolder = recording.logFolder;
+  facts.contentKey = recording.contentKey;
+  if (const auto& submission = recording.submission) {
+    facts.name = submission->name;
+    facts.recordedAt = submission->recordedAt;
+    facts.system = submission->system;
+    facts.serials = submission->serials;
+  }
   return facts;
 }
 

@@ -17,6 +17,12 @@ const std::string* FindAttribute(const RowShape& shape, std::string_view key,
   return found == shape.attributes.rend() ? nullptr : &found->value;
 }
 
+/// The columns of a table before it has rows.
+const std::vector<pq::ColumnDescription>& FindDescribedColumns(const CollectedTable& table) {
+  const pq::TableDescription* description = FindTableDescription(table.className);
+  return description == nullptr ? table.columns : description->columns;
+}
+
 bool HoldsFile(const RowShape& shape, std::string_view key) {
   const std::string* raw = FindAttribute(shape, key, "raw");
   return raw != nullptr && *raw == "true";
@@ -79,8 +85,7 @@ TableView::TableView(const TextDecoder& decoder, const CollectedTable& table)
   for (const Column& column : table.rows->columns) {
     columnsByKey.emplace(column.key, columns.size());
     labels.emplace(columns.size(), column.label);
-    columns.push_back(
-        {decoder.Decode(column.key), decoder.Decode(column.label), {}, column.isInteger});
+    columns.push_back({decoder.Decode(column.key), decoder.Decode(column.label), {}, column.kind});
   }
   for (const Row& row : table.rows->rows) {
     const RowShape& shape = *row.shape;
@@ -92,12 +97,34 @@ TableView::TableView(const TextDecoder& decoder, const CollectedTable& table)
       const std::size_t at = columnsByKey.at(property.key);
       known->second[at] = place;
       ColumnView& column = columns[at];
+      if (column.kind != property.kind) column.kind.reset();
       column.hasFiles = column.hasFiles || HoldsFile(shape, property.key);
       if (labels.emplace(at, property.label).second) {
         column.otherLabels.push_back(decoder.Decode(property.label));
       }
     }
   }
+}
+
+std::vector<KnownColumn> TableView::ListKnownColumns() const {
+  std::vector<KnownColumn> known;
+  std::map<std::string, std::size_t, std::less<>> places;
+  for (const pq::ColumnDescription& column : FindDescribedColumns(table)) {
+    places.emplace(column.key, known.size());
+    known.push_back({column.key, column.label, column.kind == pq::ValueKind::kNumber});
+  }
+  for (std::size_t place = 0; place < columns.size(); ++place) {
+    const std::string key(columns[place].key);
+    // Keys that differ as bytes can read the same: each has its place.
+    auto at = places.find(key);
+    if (at == places.end() || known[at->second].place != KnownColumn::kNotThere) {
+      at = places.insert_or_assign(key, known.size()).first;
+      known.push_back({key, {}});
+    }
+    known[at->second].place = place;
+    if (!columns[place].label.View().empty()) known[at->second].label = columns[place].label.View();
+  }
+  return known;
 }
 
 DecodedText TableView::Title() const {

@@ -26,8 +26,7 @@ class CellView {
   /// The row's own label; other rows may label the key otherwise.
   DecodedText Label() const { return decoder.Decode(GetColumn().label); }
   DecodedText Text() const { return decoder.Decode(GetBytes()); }
-  /// Text() is a decimal number.
-  bool IsInteger() const { return GetColumn().isInteger; }
+  CellKind Kind() const { return GetColumn().kind; }
   /// Bytes of the value as it was collected.
   std::size_t ByteSize() const { return GetBytes().size(); }
   /// The value is a whole file.
@@ -83,11 +82,21 @@ struct ColumnView {
   DecodedText key;
   DecodedText label;                     ///< the first that a row gave it
   std::vector<DecodedText> otherLabels;  ///< that later rows gave it, each once
-  bool isInteger = false;
+  /// Of all its cells; none when they differ.
+  std::optional<CellKind> kind = CellKind::kText;
   bool hasFiles = false;  ///< some row has a whole file there
 };
 
-/// A table of a collection; one without rows is empty and has no columns.
+/// A column of a table, whether a row has its key or not.
+struct KnownColumn {
+  std::string key;
+  std::string label;              ///< as rows have it, otherwise as described; may be empty
+  bool holdsNumbers = false;      ///< texts that are numbers, or words where there is none
+  std::size_t place = kNotThere;  ///< among the columns of the table's view
+  static constexpr std::size_t kNotThere = static_cast<std::size_t>(-1);
+};
+
+/// A table of a collection.
 class TableView {
  public:
   /// Reads the rows' keys and labels, but none of their values.
@@ -102,8 +111,11 @@ class TableView {
   std::vector<DecodedText> ListHeaders() const;
   const std::vector<std::uint64_t>& LayoutNumbers() const { return table.layout.numbers; }
 
-  /// In the order in which the keys first came.
+  /// The keys of its rows, in the order in which they first came.
   const std::vector<ColumnView>& Columns() const { return columns; }
+  /// The columns that the table is known to have, then others of its rows: the same for a class on
+  /// every machine, but for these.
+  std::vector<KnownColumn> ListKnownColumns() const;
   std::size_t RowCount() const { return table.RowCount(); }
   /// `number` counts from 0.
   RowView RowAt(std::size_t number) const;

@@ -1,6 +1,6 @@
 // A single named table is plain CSV: a head with the columns' labels, then the rows. Otherwise
 // every table is a section of its own, with the class as first column and an empty line between two
-// sections.
+// sections. A table without rows has its head, if its columns are known.
 
 #include <fmt/format.h>
 
@@ -19,16 +19,18 @@ class CsvWriter {
       : escapes(screen.isTerminal), withClass(withClass), out(out) {}
 
   void Write(const TableView& table) {
-    if (table.RowCount() == 0) return;
+    const std::vector<KnownColumn> columns = table.ListKnownColumns();
+    if (columns.empty()) return;
     if (withClass && !first) EndRecord();
     first = false;
-    WriteHead(table);
+    WriteHead(columns);
     const DecodedText className = table.ClassName();
     for (std::size_t i = 0; i < table.RowCount(); ++i) {
       const RowView row = table.RowAt(i);
       if (withClass) WriteField(className);
-      for (std::size_t column = 0; column < table.Columns().size(); ++column) {
-        const std::optional<CellView> cell = row.FindCell(column);
+      for (const KnownColumn& column : columns) {
+        const std::optional<CellView> cell =
+            column.place == KnownColumn::kNotThere ? std::nullopt : row.FindCell(column.place);
         WriteField(cell ? cell->Text() : DecodedText(std::string_view()));
       }
       EndRecord();
@@ -36,18 +38,17 @@ class CsvWriter {
   }
 
  private:
-  void WriteHead(const TableView& table) {
+  void WriteHead(const std::vector<KnownColumn>& columns) {
     std::map<std::string_view, int> uses;
-    for (const ColumnView& column : table.Columns()) ++uses[column.label];
+    for (const KnownColumn& column : columns) ++uses[column.label];
     if (withClass) WriteField("class");
-    for (const ColumnView& column : table.Columns()) {
-      const std::string_view label = column.label;
-      if (label.empty()) {
+    for (const KnownColumn& column : columns) {
+      if (column.label.empty()) {
         WriteField(column.key);
-      } else if (uses[label] == 1) {
-        WriteField(label);
+      } else if (uses[column.label] == 1) {
+        WriteField(column.label);
       } else {
-        WriteField(fmt::format("{} ({})", label, column.key.View()));
+        WriteField(fmt::format("{} ({})", column.label, column.key));
       }
     }
     EndRecord();

@@ -1,5 +1,5 @@
 // A collection as a database: one table per class, and tables about modules, tables, columns,
-// attachments and log lines (docs/sql.md).
+// attachments, problems and log lines, and a view per class (docs/sql.md).
 #pragma once
 
 #include <chrono>
@@ -53,8 +53,14 @@ class Database {
   void Fill(const Collection& collection);
 
   using Names = std::vector<std::string>;
-  /// One text per column; none where the value is NULL.
-  using Values = std::vector<std::optional<std::string>>;
+  /// NULL is kNothing; bytes are taken for text.
+  struct Value {
+    CellKind kind = CellKind::kNothing;
+    std::string text = {};
+    bool operator==(const Value&) const = default;
+  };
+  /// One per column.
+  using Values = std::vector<Value>;
   /// Runs one statement that only reads. `onColumns` is called once, then `onRow` for each row.
   /// Throws DatabaseError, also for a statement that would write, for more than one, and for one
   /// that takes more time or memory than a query may (docs/limits.md). Nothing can be added after
@@ -63,6 +69,8 @@ class Database {
              const std::function<void(const Values&)>& onRow);
 
  private:
+  friend class DatabaseWriter;
+
   sqlite3* handle = nullptr;
   std::chrono::seconds queryTime;
 };

@@ -13,11 +13,11 @@
 #include "host/collect/table_view.h"
 #include "host/formats/formats.h"
 #include "host/formats/json_buffer.h"
+#include "host/formats/machine_summary.h"
 #include "host/formats/report/report_page.h"
 #include "host/formats/report_size.h"
 #include "host/text/json_text.h"
 #include "host/text/screen_text.h"
-#include "host/text/time_text.h"
 #include "host/text/version.h"
 
 namespace host {
@@ -74,7 +74,7 @@ class ReportData {
         json(screen.isTerminal ? &WriteJsonForScriptOnTerminal : &WriteJsonForScript, out) {}
 
   void Write() {
-    json.AppendText("{\"title\":", ChooseTitle());
+    json.AppendText("{\"title\":", NameMachine(collection));
     json += ",\"facts\":";
     json.AppendList(ListFacts(), [](std::string& text, const Fact& fact) {
       AppendJsonList(text, fact, &AppendJsonText);
@@ -97,20 +97,14 @@ class ReportData {
  private:
   using Fact = std::array<std::string, 2>;  ///< name and value
 
-  std::string ChooseTitle() const {
-    const MachineFacts& machine = collection.machine;
-    if (!machine.name.empty()) return machine.name;
-    return machine.description.empty() ? "Server" : machine.description;
-  }
-
   std::vector<Fact> ListFacts() const {
     const MachineFacts& machine = collection.machine;
     std::vector<Fact> facts;
     const auto add = [&](std::string_view name, std::string_view value) {
       if (!value.empty()) facts.push_back({std::string(name), std::string(value)});
     };
-    if (!machine.name.empty()) add("System", machine.description);
-    add("Collected", FormatTimeForPeople(collection.collected));
+    for (const auto& [name, value] : ListMachineFacts(collection)) add(name, value);
+    if (!collection.machineIsKnown) return facts;
     add("From", machine.recorded ? "a recording" : "this machine, live");
     add("Language", std::to_string(machine.languageId));
     add("Code page", std::to_string(machine.codePage));

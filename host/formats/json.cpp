@@ -3,6 +3,7 @@
 
 #include <set>
 
+#include "host/answers/machine_identity.h"
 #include "host/collect/table_view.h"
 #include "host/formats/formats.h"
 #include "host/formats/json_buffer.h"
@@ -41,7 +42,11 @@ class JsonWriter {
     json += JsonObject().AddText("name", "pqhost").AddText("version", kVersion).Take();
     json.AppendText(",\n\"collected\": ", FormatIsoTime(collection.collected));
     json += ",\n\"machine\": ";
-    AppendMachine();
+    if (collection.machineIsKnown) {
+      AppendMachine();
+    } else {
+      json += "null";
+    }
     json += ",\n\"modules\": [";
     const char* separator = "\n";
     for (const CollectedModule& module : collection.modules) {
@@ -80,15 +85,30 @@ class JsonWriter {
  private:
   void AppendMachine() {
     const MachineFacts& machine = collection.machine;
-    json += JsonObject()
-                .AddFlag("recorded", machine.recorded)
-                .AddText("name", machine.name)
-                .AddText("description", machine.description)
-                .AddNumber("languageId", machine.languageId)
-                .AddNumber("codePage", machine.codePage)
-                .AddText("hostExecutable", view.HostExecutable())
-                .AddText("logFolder", view.LogFolder())
-                .Take();
+    const MachineIdentity identity = FindMachineIdentity(collection);
+    JsonObject object;
+    object.AddFlag("recorded", machine.recorded)
+        .AddText("name", machine.name)
+        .AddText("description", machine.description)
+        .AddNumber("languageId", machine.languageId)
+        .AddNumber("codePage", machine.codePage)
+        .AddText("hostExecutable", view.HostExecutable())
+        .AddText("logFolder", view.LogFolder());
+    const auto addKnown = [&](const char* name, const std::string& value) {
+      if (!value.empty()) object.AddText(name, value);
+    };
+    if (machine.recordedAt) addKnown("recordedAt", FormatIsoTime(*machine.recordedAt));
+    addKnown("system", machine.system);
+    addKnown("maker", identity.maker);
+    addKnown("product", identity.product);
+    addKnown("serial", identity.serial);
+    addKnown("assetTag", identity.assetTag);
+    const auto appendSerials = [&](std::string& text) {
+      AppendJsonList(text, ListMachineSerials(collection), &AppendJsonText);
+    };
+    object.Add("serials", appendSerials);
+    addKnown("contentKey", machine.contentKey);
+    json += object.Take();
   }
 
   void WriteTable(const TableView& table) {
@@ -190,7 +210,9 @@ class JsonWriter {
       if (first != place) continue;
       json.AppendText(place > 0 ? "," : "", key);
       const CellView cell = row.CellAt(last);
-      if (cell.IsInteger()) {
+      if (cell.Kind() == CellKind::kNothing) {
+        json += ":null";
+      } else if (cell.Kind() != CellKind::kText) {
         json += ":";
         json += cell.Text();
       } else {

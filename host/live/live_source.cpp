@@ -74,9 +74,11 @@ std::optional<std::uint64_t> LiveSource::LogFileSize(const std::string& fileName
   return size;
 }
 
-void LiveSource::WriteRecording() {
+void LiveSource::WriteRecording(const Submission& submission) {
   if (!recorder) return;
-  host::WriteRecording(recorder->Take(), *settings.recordingFolder);
+  Recording recording = recorder->Take();
+  recording.submission = submission;
+  host::WriteRecording(recording, *settings.recordingFolder);
 }
 
 }  // namespace host

@@ -53,9 +53,9 @@ class LiveSource final : public Source {
 
   /// The folder of the tools' files, absolute.
   const std::filesystem::path& LogFolderPath() const { return settings.logFolder; }
-  /// Writes the recording, if one was asked for. Throws std::runtime_error when it cannot be
-  /// written.
-  void WriteRecording();
+  /// Writes the recording, if one was asked for, and `submission` beside it. Throws
+  /// std::runtime_error when it cannot be written.
+  void WriteRecording(const Submission& submission);
 
  private:
   LiveSettings settings;

@@ -11,6 +11,7 @@
 #include "host/files/whole_file.h"
 #include "host/live/live_source.h"
 #include "host/pqhost/login.h"
+#include "host/pqhost/submission.h"
 #include "host/recording/recording_reader.h"
 #include "host/text/decoder.h"
 #include "host/text/path_text.h"
@@ -74,9 +75,9 @@ class ThisMachine final : public CommandSource {
     return {};
   }
 
-  void KeepRecording(const Console& console) override {
+  void KeepRecording(const Collection& collection, const Console& console) override {
     if (!recordingFolder) return;
-    source.WriteRecording();
+    source.WriteRecording(DescribeSubmission(collection));
     console.error << fmt::format("Recording: {}\n", EscapeControls(PathText(*recordingFolder)));
   }
 

@@ -46,9 +46,9 @@ class CommandSource {
   /// of UTF-8 for each that could not be kept.
   virtual std::vector<std::string> KeepLogFiles(const Collection& collection,
                                                 const Console& console) = 0;
-  /// Writes the recording, if one was asked for; says where it is. Throws std::runtime_error when
-  /// it could not be written.
-  virtual void KeepRecording(const Console& /*console*/) {}
+  /// Writes the recording that was made beside `collection`, if one was asked for; says where it
+  /// is. Throws std::runtime_error when it could not be written.
+  virtual void KeepRecording(const Collection& /*collection*/, const Console& /*console*/) {}
 };
 
 /// The source that the options ask for. Throws UsageError or RecordingError.

@@ -5,10 +5,12 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "frame/platform.h"
+#include "host/recorded/submission.h"
 #include "host/text/bytes.h"
 
 namespace host {
@@ -41,6 +43,9 @@ struct Recording {
   /// Windows path to stored bytes.
   std::map<std::string, Bytes> files;
   std::vector<std::string> readOnly;
+  std::optional<Submission> submission;  ///< none: nobody knows
+  /// SHA-256 of the recording's manifest in hexadecimal; empty when it came from no folder.
+  std::string contentKey;
   /// Why it may not be the machine that was recorded: a line of UTF-8 each.
   std::vector<std::string> doubts;
 };

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <nlohmann/json.hpp>
 
+#include "host/recording/recording_format.h"
 #include "host/recording/strict_json.h"
 
 namespace host {
@@ -26,6 +27,14 @@ const Json* FindMember(const Json& object, const char* name) {
   return member == object.end() ? nullptr : &*member;
 }
 
+void CheckFormat(const Json& all) {
+  const Json* format = FindMember(all, "format");
+  if (format == nullptr) throw MemberError("format", "is missing; it has to be 1");
+  if (!format->is_number_integer() || *format != kRecordingFormat) {
+    throw MemberError("format", "has to be 1, the only format there is, not " + ShowValue(*format));
+  }
+}
+
 void CheckMembers(const Json& object, std::initializer_list<std::string_view> known) {
   for (const auto& [name, value] : object.items()) {
     if (std::find(known.begin(), known.end(), name) != known.end()) continue;
@@ -43,6 +52,23 @@ void ReadText(const Json& object, const char* name, std::string& text) {
 
 void ReadBytes(const Json& object, const char* name, std::string& bytes) {
   if (const Json* value = FindMember(object, name)) bytes = BytesOf(TextOf(*value, name), name);
+}
+
+const Json* FindList(const Json& object, const char* name) {
+  const Json* list = FindMember(object, name);
+  if (list != nullptr && !list->is_array()) {
+    throw MemberError(name, "has to be a list, [ ... ], not " + ShowValue(*list));
+  }
+  return list;
+}
+
+void ReadTexts(const Json& object, const char* name, std::vector<std::string>& texts) {
+  const Json* list = FindList(object, name);
+  if (list == nullptr) return;
+  for (const Json& entry : *list) {
+    const std::string place = name + ("[" + std::to_string(texts.size()) + "]");
+    texts.push_back(TextOf(entry, place));
+  }
 }
 
 void ReadNumber(const Json& object, const char* name, std::uint32_t& number) {

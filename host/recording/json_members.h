@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace host {
 
@@ -19,6 +20,8 @@ class MemberError : public std::runtime_error {
       : std::runtime_error(words), place(std::move(place)) {}
 
   const std::string& Place() const { return place; }
+  /// Place and words in one line.
+  std::string Explain() const { return place.empty() ? what() : place + ": " + what(); }
 
  private:
   std::string place;
@@ -27,12 +30,20 @@ class MemberError : public std::runtime_error {
 /// Null when there is none.
 const nlohmann::json* FindMember(const nlohmann::json& object, const char* name);
 
+/// Null when there is no such member; refuses one that is no list.
+const nlohmann::json* FindList(const nlohmann::json& object, const char* name);
+
+/// Refuses an object without a member "format" that is kRecordingFormat.
+void CheckFormat(const nlohmann::json& object);
+
 /// Refuses every member that is not `known`.
 void CheckMembers(const nlohmann::json& object, std::initializer_list<std::string_view> known);
 
 void ReadText(const nlohmann::json& object, const char* name, std::string& text);
 /// A text of the machine: each character is the byte with its number.
 void ReadBytes(const nlohmann::json& object, const char* name, std::string& bytes);
+/// A list of texts.
+void ReadTexts(const nlohmann::json& object, const char* name, std::vector<std::string>& texts);
 void ReadNumber(const nlohmann::json& object, const char* name, std::uint32_t& number);
 
 /// The same for values that are no members.

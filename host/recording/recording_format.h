@@ -8,6 +8,8 @@ namespace host {
 
 inline constexpr char kRecordingFileName[] = "recording.json";
 inline constexpr char kManifestFileName[] = "manifest.sha256";
+inline constexpr char kSubmissionFileName[] = "submission.json";
+/// Of recording.json and of submission.json.
 inline constexpr std::uint64_t kRecordingFormat = 1;
 /// The code pages that a recording can name.
 inline constexpr std::array<std::uint32_t, 9> kRecordingCodePages = {437,  850,  852,  932,  936,

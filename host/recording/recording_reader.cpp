@@ -20,7 +20,9 @@
 #include "host/recording/manifest.h"
 #include "host/recording/named_files.h"
 #include "host/recording/recording_format.h"
+#include "host/recording/recording_writer.h"
 #include "host/recording/strict_json.h"
+#include "host/recording/submission_file.h"
 #include "host/text/ascii.h"
 #include "host/text/path_text.h"
 
@@ -28,14 +30,6 @@ namespace host {
 namespace {
 
 using Json = nlohmann::json;
-
-void CheckFormat(const Json& all) {
-  const Json* format = FindMember(all, "format");
-  if (format == nullptr) throw MemberError("format", "is missing; it has to be 1");
-  if (!format->is_number_integer() || *format != kRecordingFormat) {
-    throw MemberError("format", "has to be 1, the only format there is, not " + ShowValue(*format));
-  }
-}
 
 void ReadCodePage(const Json& all, std::uint32_t& codePage) {
   std::uint32_t given = codePage;
@@ -50,14 +44,6 @@ void ReadCodePage(const Json& all, std::uint32_t& codePage) {
                       std::to_string(given) + " is not known; it has to be one of " + known);
   }
   codePage = given;
-}
-
-const Json* FindList(const Json& all, const char* name) {
-  const Json* list = FindMember(all, name);
-  if (list != nullptr && !list->is_array()) {
-    throw MemberError(name, "has to be a list, [ ... ], not " + ShowValue(*list));
-  }
-  return list;
 }
 
 std::string ReadTool(const Json& entry) {
@@ -105,6 +91,13 @@ class RecordingReader {
       }
     }
     return changes;
+  }
+
+  /// SHA-256 of the manifest, once FindChanges() read it.
+  std::optional<std::string> ComputeManifestDigest() const {
+    const auto manifest = namedFiles.All().find(kManifestFileName);
+    if (manifest == namedFiles.All().end()) return std::nullopt;
+    return ComputeSha256(manifest->second);
   }
 
   /// Members are read, and complained about, in the order of this function, not of the text.
@@ -249,10 +242,6 @@ std::vector<std::string> CheckManifest(const std::filesystem::path& folder, Reco
   return changes;
 }
 
-std::string ExplainMember(const MemberError& error) {
-  return error.Place().empty() ? error.what() : error.Place() + ": " + error.what();
-}
-
 }  // namespace
 
 Recording LoadRecording(const std::filesystem::path& given, const ReadingRules& rules) {
@@ -270,7 +259,7 @@ Recording LoadRecording(const std::filesystem::path& given, const ReadingRules& 
     const Bytes description = reader.ReadDescription();
     recording = reader.Read(description);
   } catch (const MemberError& problem) {
-    throw RecordingError(start + ExplainMember(problem));
+    throw RecordingError(start + problem.Explain());
   } catch (const std::filesystem::filesystem_error& problem) {
     throw RecordingError(start + "cannot be read: " + ReplaceUnprintable(problem.code().message()));
   } catch (const std::bad_alloc&) {
@@ -279,6 +268,17 @@ Recording LoadRecording(const std::filesystem::path& given, const ReadingRules& 
     throw RecordingError(start + problem.what());
   }
   recording.doubts = CheckManifest(folder, reader, rules);
+  const std::optional<std::string> key =
+      recording.doubts.empty() ? reader.ComputeManifestDigest() : std::nullopt;
+  recording.contentKey = key ? *key : ComputeContentKey(recording);
+  try {
+    recording.submission = ReadSubmission(folder);
+  } catch (const std::runtime_error& problem) {
+    recording.doubts.push_back(
+        std::string(problem.what()) +
+        ", so it is not known which machine this is, nor when it was recorded: " +
+        "correct that file or take it away");
+  }
   return recording;
 }
 

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <system_error>
 #include <utility>
@@ -14,6 +15,7 @@
 #include "host/recorded/machine_files.h"
 #include "host/recording/manifest.h"
 #include "host/recording/recording_format.h"
+#include "host/recording/submission_file.h"
 #include "host/text/json_text.h"
 #include "host/text/path_text.h"
 #include "host/text/usage_error.h"
@@ -42,41 +44,65 @@ std::string MakeNamePart(std::string_view text) {
   return name;
 }
 
-class RecordingWriter {
- public:
-  RecordingWriter(const Recording& recording, std::filesystem::path folder)
-      : recording(recording), folder(std::move(folder)) {}
+/// Takes each file of a recording: its name, with "/" after each folder, and its bytes.
+using FileSink = std::function<void(const std::string& name, std::string_view bytes)>;
 
-  void Write() {
-    OrderedJson all{{"format", kRecordingFormat},
-                    {"description", recording.description},
-                    {"languageId", recording.languageId}};
+/// Appends `value` as a member of an object that is `indent` blanks in.
+void AppendIndented(std::string& json, const OrderedJson& value, std::size_t indent) {
+  const std::string text =
+      value.dump(2, ' ', /*ensure_ascii=*/false, OrderedJson::error_handler_t::replace);
+  for (const char c : text) {
+    json += c;
+    if (c == '\n') json.append(indent, ' ');
+  }
+}
+
+/// Makes the files of a recording. Commands become text one by one: there may be a million.
+class RecordingFiles {
+ public:
+  RecordingFiles(const Recording& recording, FileSink sink)
+      : recording(recording), sink(std::move(sink)) {}
+
+  void Make() {
+    AppendMember("format", kRecordingFormat);
+    AppendMember("description", recording.description);
+    AppendMember("languageId", recording.languageId);
     const bool isKnown = std::find(kRecordingCodePages.begin(), kRecordingCodePages.end(),
                                    recording.codePage) != kRecordingCodePages.end();
-    if (isKnown) all["codePage"] = recording.codePage;
-    all["hostExecutable"] = ByteText(recording.hostExecutable);
-    all["logFolder"] = ByteText(recording.logFolder);
-    if (!recording.console.empty()) all["console"] = ByteText(recording.console);
-    all["commands"] = OrderedJson::array();
-    for (const RecordedCommand& command : recording.commands) {
-      all["commands"].push_back(WriteCommand(command, all["commands"].size() + 1));
-    }
-    all["files"] = OrderedJson::object();
-    for (const auto& [path, bytes] : recording.files) {
-      const std::string name =
-          fmt::format("files/{:03}_{}", all["files"].size() + 1, MakeNamePart(FileNameOf(path)));
-      WriteFile(name, bytes);
-      all["files"][ByteText(path)] = name;
-    }
-    for (const std::string& path : recording.readOnly) all["readOnly"].push_back(ByteText(path));
-    WriteFile(
-        kRecordingFileName,
-        all.dump(2, ' ', /*ensure_ascii=*/false, OrderedJson::error_handler_t::replace) + "\n");
-    CreateWholeFile(folder / kManifestFileName, WriteManifest(manifest));
+    if (isKnown) AppendMember("codePage", recording.codePage);
+    AppendMember("hostExecutable", ByteText(recording.hostExecutable));
+    AppendMember("logFolder", ByteText(recording.logFolder));
+    if (!recording.console.empty()) AppendMember("console", ByteText(recording.console));
+    AppendCommands();
+    AppendFiles();
+    OrderedJson readOnly;
+    for (const std::string& path : recording.readOnly) readOnly.push_back(ByteText(path));
+    if (!readOnly.empty()) AppendMember("readOnly", readOnly);
+    sink(kRecordingFileName, json + "\n}\n");
   }
 
  private:
-  OrderedJson WriteCommand(const RecordedCommand& command, std::size_t number) {
+  void BeginMember(const char* name) {
+    json += fmt::format("{}\n  \"{}\": ", json.empty() ? "{" : ",", name);
+  }
+
+  void AppendMember(const char* name, const OrderedJson& value) {
+    BeginMember(name);
+    AppendIndented(json, value, 2);
+  }
+
+  void AppendCommands() {
+    BeginMember("commands");
+    json += '[';
+    std::size_t number = 0;
+    for (const RecordedCommand& command : recording.commands) {
+      json += number == 0 ? "\n    " : ",\n    ";
+      AppendIndented(json, MakeCommand(command, ++number), 4);
+    }
+    json += number == 0 ? "]" : "\n  ]";
+  }
+
+  OrderedJson MakeCommand(const RecordedCommand& command, std::size_t number) const {
     OrderedJson entry{{"tool", ByteText(command.tool)}};
     if (!command.arguments.empty()) entry["arguments"] = ByteText(command.arguments);
     const std::string name =
@@ -84,11 +110,11 @@ class RecordingWriter {
                     MakeNamePart(ToolName(command.tool) + " " + command.arguments));
     if (!command.standardOutput.empty()) {
       entry["stdout"] = name + ".txt";
-      WriteFile(name + ".txt", command.standardOutput);
+      sink(name + ".txt", command.standardOutput);
     }
     if (!command.standardError.empty()) {
       entry["stderr"] = name + ".err";
-      WriteFile(name + ".err", command.standardError);
+      sink(name + ".err", command.standardError);
     }
     for (const auto& [member, value] :
          {std::pair{"exitCode", command.exitCode}, std::pair{"startError", command.startError},
@@ -99,21 +125,47 @@ class RecordingWriter {
     return entry;
   }
 
-  /// `name` has a "/" after each folder.
-  void WriteFile(const std::string& name, const std::string& bytes) {
-    CreateWholeFile(folder / name, bytes);
-    manifest[name] = ComputeSha256(bytes);
+  // Text by text: to find a member of an ordered object takes as long as it has members.
+  void AppendFiles() {
+    BeginMember("files");
+    json += '{';
+    std::size_t number = 0;
+    for (const auto& [path, bytes] : recording.files) {
+      const std::string name =
+          fmt::format("files/{:03}_{}", ++number, MakeNamePart(FileNameOf(path)));
+      sink(name, bytes);
+      json += number == 1 ? "\n    " : ",\n    ";
+      AppendIndented(json, ByteText(path), 0);
+      json += ": ";
+      AppendIndented(json, name, 0);
+    }
+    json += number == 0 ? "}" : "\n  }";
   }
 
   const Recording& recording;
-  std::filesystem::path folder;
-  Manifest manifest;
+  FileSink sink;
+  std::string json;  ///< recording.json so far
 };
 
 }  // namespace
 
 void WriteRecording(const Recording& recording, const std::filesystem::path& folder) {
-  RecordingWriter(recording, folder).Write();
+  Manifest manifest;
+  RecordingFiles(recording, [&](const std::string& name, std::string_view bytes) {
+    CreateWholeFile(folder / name, bytes);
+    manifest[name] = ComputeSha256(bytes);
+  }).Make();
+  CreateWholeFile(folder / kManifestFileName, WriteManifest(manifest));
+  if (!recording.submission) return;
+  CreateWholeFile(folder / kSubmissionFileName, WriteSubmission(*recording.submission));
+}
+
+std::string ComputeContentKey(const Recording& recording) {
+  Manifest manifest;
+  RecordingFiles(recording, [&](const std::string& name, std::string_view bytes) {
+    manifest[name] = ComputeSha256(bytes);
+  }).Make();
+  return ComputeSha256(WriteManifest(manifest));
 }
 
 }  // namespace host

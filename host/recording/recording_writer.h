@@ -5,9 +5,11 @@
 //   commands/001_storcli_c0_show.err   what it wrote to standard error
 //   files/001_hosts                    a file of the machine
 //   manifest.sha256                    the digests of all of them
+//   submission.json                    which machine it is, and when; only when that is known
 #pragma once
 
 #include <filesystem>
+#include <string>
 
 #include "host/recorded/recording.h"
 
@@ -18,5 +20,8 @@ namespace host {
 /// a code page that is not in kRecordingCodePages. Throws std::runtime_error when a file cannot be
 /// written.
 void WriteRecording(const Recording& recording, const std::filesystem::path& folder);
+
+/// The content key (Recording::contentKey) that `recording` has once it is written.
+std::string ComputeContentKey(const Recording& recording);
 
 }  // namespace host

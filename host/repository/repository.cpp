@@ -52,20 +52,20 @@ struct InstanceState {
   /// Sets a value, in its old place when the key is there already. It is written over the one of
   /// the row before: to let go of that and take a new one for every row would leave a gap in the
   /// heap each time, which some heaps search through for every row that follows.
-  void Set(const std::string& key, const std::string& label, bool isInteger, bool flag,
+  void Set(const std::string& key, const std::string& label, host::CellKind kind, bool flag,
            std::string_view value) {
     const auto known = std::find_if(shape.columns.begin(), shape.columns.end(),
                                     [&](const host::Column& column) { return column.key == key; });
     const auto at = static_cast<std::size_t>(known - shape.columns.begin());
     if (known == shape.columns.end()) {
       keptShape = nullptr;
-      shape.columns.push_back({key, label, isInteger, flag});
+      shape.columns.push_back({key, label, kind, flag});
       values.emplace_back(value);
       return;
     }
-    if (known->label != label || known->isInteger != isInteger || known->flag != flag) {
+    if (known->label != label || known->kind != kind || known->flag != flag) {
       keptShape = nullptr;
-      *known = {key, label, isInteger, flag};
+      *known = {key, label, kind, flag};
     }
     values[at] = value;
   }
@@ -77,21 +77,26 @@ struct RepositoryState {
   std::shared_ptr<Shapes> shapes = std::make_shared<Shapes>();
   std::unordered_map<const host::RowShape*, host::Table*> tableOf;
 
-  static const RepositoryState& Of(const RRepository& repository) { return *repository.state; }
+  static RepositoryState& Of(const RRepository& repository) { return *repository.state; }
 
   void Add(const InstanceState& instance) {
-    if (instance.keptShape == nullptr || instance.keptIn != shapes) KeepShape(instance);
-    host::Table& table = *tableOf[instance.keptShape];
-    table.rows.emplace_back(*instance.keptShape, instance.values);
+    if (instance.keptShape == nullptr || instance.keptIn != shapes) {
+      instance.keptShape = &KeepShape(instance.shape);
+      instance.keptIn = shapes;
+    }
+    AddRow(*instance.keptShape, instance.values);
   }
 
-  void KeepShape(const InstanceState& instance) {
-    const auto [shape, isNew] = shapes->insert(instance.shape);
+  void AddRow(const host::RowShape& kept, const std::vector<std::string>& values) {
+    tableOf[&kept]->rows.emplace_back(kept, values);
+  }
+
+  const host::RowShape& KeepShape(const host::RowShape& wanted) {
+    const auto [shape, isNew] = shapes->insert(wanted);
     host::Table& table = tables[shape->className];
     if (isNew) AddColumns(table, *shape);
     tableOf[&*shape] = &table;
-    instance.keptShape = &*shape;
-    instance.keptIn = shapes;
+    return *shape;
   }
 
   void AddColumns(host::Table& table, const host::RowShape& shape) {
@@ -113,14 +118,14 @@ RInstance::~RInstance() { host::Tell(&host::RepositoryObserver::OnRelease, state
 
 void RInstance::AddProperty(const std::string& key, const std::string& label,
                             const std::string& value, bool flag) {
-  state->Set(key, label, /*isInteger=*/false, flag, value);
+  state->Set(key, label, host::CellKind::kText, flag, value);
   host::Tell<std::uint64_t, const std::string&, const std::string&, const std::string&, bool>(
       &host::RepositoryObserver::OnProperty, state->id, key, label, value, flag);
 }
 
 void RInstance::AddProperty(const std::string& key, const std::string& label, int value,
                             bool flag) {
-  state->Set(key, label, /*isInteger=*/true, flag, std::to_string(value));
+  state->Set(key, label, host::CellKind::kInteger, flag, std::to_string(value));
   host::Tell<std::uint64_t, const std::string&, const std::string&, int, bool>(
       &host::RepositoryObserver::OnProperty, state->id, key, label, value, flag);
 }
@@ -165,6 +170,12 @@ namespace host {
 
 const std::map<std::string, Table>& TablesOf(const halyard::repository::RRepository& repository) {
   return halyard::repository::RepositoryState::Of(repository).tables;
+}
+
+void AddRow(halyard::repository::RRepository& repository, const RowShape& shape,
+            const std::vector<std::string>& values) {
+  auto& state = halyard::repository::RepositoryState::Of(repository);
+  state.AddRow(state.KeepShape(shape), values);
 }
 
 }  // namespace host

@@ -15,11 +15,14 @@
 
 namespace host {
 
+/// What a value is. Properties are texts or integers; answers of a database can be anything.
+enum class CellKind : unsigned char { kText, kInteger, kReal, kNothing };
+
 /// One column of a row: a property without its value.
 struct Column {
   std::string key;
   std::string label;
-  bool isInteger = false;
+  CellKind kind = CellKind::kText;
   bool flag = false;
   auto operator<=>(const Column&) const = default;
 };
@@ -59,7 +62,7 @@ struct Row {
   }
 
   std::size_t ValueCount() const { return shape->columns.size(); }
-  /// Of a column of the shape; integers as decimal numbers.
+  /// Of a column of the shape; numbers as decimal ones, nothing as an empty text.
   std::string_view Value(std::size_t place) const {
     const std::size_t begin = place == 0 ? 0 : EndOf(place - 1);
     const auto* texts = reinterpret_cast<const char*>(memory.get()) + ValueCount() * sizeof(begin);
@@ -94,5 +97,9 @@ struct Table {
 /// AddToRepository leaves references to tables and rows valid.
 REPOSITORY_API const std::map<std::string, Table>& TablesOf(
     const halyard::repository::RRepository& repository);
+
+/// Adds a row as an instance would, with one text in `values` for each column of `shape`.
+REPOSITORY_API void AddRow(halyard::repository::RRepository& repository, const RowShape& shape,
+                           const std::vector<std::string>& values);
 
 }  // namespace host

@@ -28,15 +28,15 @@ constexpr char kSensorTitle[] = "Sensor Status";
 
 constexpr std::array<Column, 10> kSensorColumns{{
     {"item1", "Name", "name of the sensor"},
-    {"item2", "Reading", "present value"},
+    {"item2", "Reading", "present value", ValueKind::kNumber},
     {"item3", "Units", "unit of the values, such as C or RPM"},
     {"item4", "Status", "OK, or which threshold was passed"},
-    {"item5", "LNR", "lower non-recoverable threshold, in the sensor's unit"},
-    {"item6", "LC", "lower critical threshold, in the sensor's unit"},
-    {"item7", "LNC", "lower non-critical threshold, in the sensor's unit"},
-    {"item8", "UNC", "upper non-critical threshold, in the sensor's unit"},
-    {"item9", "UC", "upper critical threshold, in the sensor's unit"},
-    {"item10", "UNR", "upper non-recoverable threshold, in the sensor's unit"},
+    {"item5", "LNR", "lower non-recoverable threshold, in the sensor's unit", ValueKind::kNumber},
+    {"item6", "LC", "lower critical threshold, in the sensor's unit", ValueKind::kNumber},
+    {"item7", "LNC", "lower non-critical threshold, in the sensor's unit", ValueKind::kNumber},
+    {"item8", "UNC", "upper non-critical threshold, in the sensor's unit", ValueKind::kNumber},
+    {"item9", "UC", "upper critical threshold, in the sensor's unit", ValueKind::kNumber},
+    {"item10", "UNR", "upper non-recoverable threshold, in the sensor's unit", ValueKind::kNumber},
 }};
 
 constexpr std::string_view kEndOfListing = " ";

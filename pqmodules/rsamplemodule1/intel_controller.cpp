@@ -37,7 +37,7 @@ constexpr ControllerLine kLines[] = {
     {5, {"Type", "Type", "kind of drives that it serves, such as SATA"}},
     {15, {"SupportedRAID", "Supported RAID", "RAID levels that it can make"}},
     // Hosts know this column by its short key.
-    {16, {"Max", "Max Disks/Array", "how many drives an array can have"}},
+    {16, {"Max", "Max Disks/Array", "how many drives an array can have", ValueKind::kNumber}},
     {15, {"HWInformation", "HW Information", "headline of the three identifiers below it"}},
     {10, {"VendorID", "Vendor ID", "PCI vendor number"}},
     {10, {"DeviceID", "Device ID", "PCI device number"}},

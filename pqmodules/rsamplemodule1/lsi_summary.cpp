@@ -40,11 +40,14 @@ constexpr LabelledColumn kFacts[] = {
                        {"DriverName", "Driver Name", "name of the Windows driver"}),
     MakeLabelledColumn("Driver Version =",
                        {"DriverVersion", "Driver Version", "version of the Windows driver"}),
-    MakeLabelledColumn("Bus Number =", {"BusNumber", "Bus Number", "PCI bus of the controller"}),
-    MakeLabelledColumn("Device Number =",
-                       {"DeviceNumber", "Device Number", "PCI device number on that bus"}),
-    MakeLabelledColumn("Function Number =",
-                       {"FunctionNumber", "Function Number", "PCI function of the device"}, true),
+    MakeLabelledColumn("Bus Number =", {"BusNumber", "Bus Number", "PCI bus of the controller",
+                                        ValueKind::kNumber}),
+    MakeLabelledColumn("Device Number =", {"DeviceNumber", "Device Number",
+                                           "PCI device number on that bus", ValueKind::kNumber}),
+    MakeLabelledColumn(
+        "Function Number =",
+        {"FunctionNumber", "Function Number", "PCI function of the device", ValueKind::kNumber},
+        true),
 };
 
 }  // namespace

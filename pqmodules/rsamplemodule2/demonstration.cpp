@@ -9,12 +9,12 @@ namespace pq {
 namespace {
 
 constexpr Column kReadings[] = {
-    {"item1", "Name", "a fixed number: that of the row, from 0"},
-    {"item2", "Reading", "a fixed number, one more than the column before"},
-    {"item3", "Status", "a fixed number, one more than the column before"},
-    {"item4", "LCR", "a fixed number, one more than the column before"},
-    {"item5", "LNR", "a fixed number, one more than the column before"},
-    {"item6", "UCR", "a fixed number, one more than the column before"},
+    {"item1", "Name", "a fixed number: that of the row, from 0", ValueKind::kNumber},
+    {"item2", "Reading", "a fixed number, one more than the column before", ValueKind::kNumber},
+    {"item3", "Status", "a fixed number, one more than the column before", ValueKind::kNumber},
+    {"item4", "LCR", "a fixed number, one more than the column before", ValueKind::kNumber},
+    {"item5", "LNR", "a fixed number, one more than the column before", ValueKind::kNumber},
+    {"item6", "UCR", "a fixed number, one more than the column before", ValueKind::kNumber},
 };
 constexpr int kReadingRows = std::size(kReadings);  // As many as columns.
 

@@ -43,11 +43,11 @@ constexpr int kHeadLines = 6;
 constexpr std::size_t kSizeLength = 19;
 
 constexpr TokenColumn kTopology[] = {
-    {1, {"DG", "Disk Group Index", "number of the drive group, or a dash"}},
-    {2, {"Arr", "Array Index", "number of the array in the group"}},
-    {3, {"Row", "Row Index", "number of the drive in the array"}},
+    {1, {"DG", "Disk Group Index", "number of the drive group, or a dash", ValueKind::kNumber}},
+    {2, {"Arr", "Array Index", "number of the array in the group", ValueKind::kNumber}},
+    {3, {"Row", "Row Index", "number of the drive in the array", ValueKind::kNumber}},
     {4, {"EID", "EID Slot", "enclosure and slot of the drive, as in 134:1"}},
-    {5, {"DID", "Device ID", "the controller's number of the drive"}},
+    {5, {"DID", "Device ID", "the controller's number of the drive", ValueKind::kNumber}},
     {6, {"Type", "Type", "DRIVE, or the RAID level of a group or an array"}},
     {7, {"State", "State", "Onln: online, Optl: optimal, Dgrd: degraded, and so on"}},
     {8, {"BT", "Background Task Active", "whether a rebuild or the like is running (Y, N)"}},
@@ -74,9 +74,9 @@ constexpr TokenColumn kVirtualDrives[] = {
 
 constexpr TokenColumn kPhysicalDrives[] = {
     {1, {"EID", "EID Slt", "enclosure and slot of the drive, as in 134:1"}},
-    {2, {"DID", "Device ID", "the controller's number of the drive"}},
+    {2, {"DID", "Device ID", "the controller's number of the drive", ValueKind::kNumber}},
     {3, {"State", "State", "Onln: online, UGood: unconfigured, GHS: hot spare, Failed, and so on"}},
-    {4, {"DG", "DriveGroup", "number of its drive group, or a dash"}},
+    {4, {"DG", "DriveGroup", "number of its drive group, or a dash", ValueKind::kNumber}},
     {5, {"Size", "Size", "capacity with its unit"}, true},
     {7, {"Intf", "Intf", "interface, such as SAS, SATA or NVMe"}},
     {8, {"Med", "Med", "medium: HDD or SSD"}},

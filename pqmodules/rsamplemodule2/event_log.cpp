@@ -42,7 +42,8 @@ constexpr Column kTime{"Time", "Time",
 constexpr Column kCode{"Code", "Code", "what kind of event it is, in hexadecimal"};
 constexpr Column kClass{"Class", "Class",
                         "how grave it is: -1 progress, 0 information, 1 warning, 2 critical, "
-                        "3 fatal, 4 dead"};
+                        "3 fatal, 4 dead",
+                        ValueKind::kNumber};
 constexpr Column kLocale{"Locale", "Locale",
                          "what it concerns, such as drives or enclosures, as bits"};
 constexpr Column kDescription{"EventDescription", "Event Description", "the event in words"};

@@ -64,8 +64,8 @@ constexpr BlockColumn kArrayColumns[] = {
     {5, {"Name", "Name", "name of the array"}},
     {5, {"Size", "Size", "capacity of its drives together, with the unit"}},
     {5, {"Free", "Free", "capacity that no volume uses, with the unit"}},
-    {10, {"NumDisks", "Num Disks", "how many drives it has"}},
-    {9, {"NumVols", "Num Vols", "how many volumes are on it"}},
+    {10, {"NumDisks", "Num Disks", "how many drives it has", ValueKind::kNumber}},
+    {9, {"NumVols", "Num Vols", "how many volumes are on it", ValueKind::kNumber}},
     {12, {"WriteCache", "Write Cache", "whether the drives' write cache is on"}},
 };
 constexpr Block kArrayBlock{"ARRAY INFORMATION", kArrayColumns};
@@ -75,7 +75,7 @@ constexpr BlockColumn kVolumeColumns[] = {
     {11, {"RaidLevel", "Raid Level", "RAID level"}},
     {5, {"Size", "Size", "capacity with its unit"}},
     {11, {"StripeSize", "StripeSize", "data written to a drive at a time, with the unit"}},
-    {10, {"NumDisks", "Num Disks", "how many drives it is on"}},
+    {10, {"NumDisks", "Num Disks", "how many drives it is on", ValueKind::kNumber}},
     {6, {"State", "State", "state of the volume, such as Normal or Degraded"}},
     {7, {"System", "System", "whether Windows starts from it"}},
     {12, {"Initialized", "Initialized", "whether its redundant data have been written"}},

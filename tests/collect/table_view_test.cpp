@@ -150,10 +150,10 @@ TEST(TableView, TellsIntegersFromTexts) {
   instance.AddProperty("b", "B", std::string("-7"), false);
   instance.AddToRepository(made.Repository());
   const Viewed viewed(made);
-  EXPECT_TRUE(viewed.table.Columns()[0].isInteger);
-  EXPECT_FALSE(viewed.table.Columns()[1].isInteger);
-  EXPECT_TRUE(viewed.table.RowAt(0).CellAt(0).IsInteger());
-  EXPECT_FALSE(viewed.table.RowAt(0).CellAt(1).IsInteger());
+  EXPECT_EQ(viewed.table.Columns()[0].kind, CellKind::kInteger);
+  EXPECT_EQ(viewed.table.Columns()[1].kind, CellKind::kText);
+  EXPECT_EQ(viewed.table.RowAt(0).CellAt(0).Kind(), CellKind::kInteger);
+  EXPECT_EQ(viewed.table.RowAt(0).CellAt(1).Kind(), CellKind::kText);
   EXPECT_EQ(viewed.Cells(0), (Texts{"-7", "-7"}));
 }
 

@@ -42,7 +42,9 @@ std::vector<std::string> Ask(Database& database, const std::string& sql) {
       sql, [](const Database::Names&) {},
       [&](const Database::Values& values) {
         std::string line;
-        for (const auto& value : values) line += (line.empty() ? "" : "|") + value.value_or("NULL");
+        for (const auto& value : values)
+          line += (line.empty() ? "" : "|") +
+                  (value.kind == host::CellKind::kNothing ? "NULL" : value.text);
         answers.push_back(line);
       });
   return answers;
@@ -55,6 +57,21 @@ class FilledDatabase : public testing::Test {
 };
 
 using Texts = std::vector<std::string>;
+
+TEST_F(FilledDatabase, SaysWhichMachineItIsAndWhenItWasRecorded) {
+  Collection collection = MakeCollection();
+  collection.machine.recordedAt = host::ParseIsoTime("2026-02-03T04:05:06+01:00");
+  collection.machine.system = "Windows";
+  collection.machine.serials = {"4711"};
+  collection.machine.contentKey = "abc";
+  Database other;
+  other.Fill(collection);
+  EXPECT_EQ(Ask(other,
+                "SELECT name, value FROM machine WHERE name IN ('recordedAt', 'system', 'maker', "
+                "'serial', 'contentKey')"),
+            (Texts{"recordedAt|2026-02-03T04:05:06+01:00", "system|Windows", "maker|",
+                   "serial|4711", "contentKey|abc"}));
+}
 
 TEST_F(FilledDatabase, HasTheNotesOfTables) {
   EXPECT_EQ(Ask(database, "SELECT class, text FROM notes"), Texts{"CLASS|one is left out"});

@@ -36,8 +36,8 @@ TEST(HtmlFormat, SaysWhatWasCollectedWhereAndWhen) {
   Json data = ReadData(made);
   data["modules"] = nullptr;
   EXPECT_EQ(data.dump(),
-            R"({"title":"NODE31","facts":[["System","two sockets"],)"
-            R"(["Collected","2026-11-18 09:41:07 UTC"],["From","a recording"],)"
+            R"({"title":"NODE31","facts":[["Description","two sockets"],)"
+            R"(["Recorded","at an unknown time"],["From","a recording"],)"
             R"(["Language","1031"],["Code page","850"],["Host program","C:\\ö\\h.exe"]],)"
             R"("outcome":"1 of 2 tables with 2 rows","notes":["not collected: A: b"],)"
             R"("footer":"Made by pqhost 0.1.0.","modules":null})");
@@ -48,7 +48,27 @@ TEST(HtmlFormat, IsTitledByTheDescriptionOfANamelessMachine) {
   EXPECT_EQ(ReadData(made)["title"], "Server");
   made.Get().machine.description = "two sockets";
   EXPECT_EQ(ReadData(made)["title"], "two sockets");
-  EXPECT_EQ(ReadData(made)["facts"][0][0], "Collected");
+  EXPECT_EQ(ReadData(made)["facts"][0][0], "Recorded");
+}
+
+TEST(HtmlFormat, SaysWhichMachineItIsAndWhenItWasRecorded) {
+  MadeCollection made;
+  made.Get().machine.system = "Windows Server 2022 Standard, build 20348";
+  made.Get().machine.recordedAt = ParseIsoTime("2026-02-03T04:05:06+01:00");
+  made.Table("FRUINFO").Row({{"A", "[Baseboard,20,00] Product Manufacturer: Makers"},
+                             {"B", "[Baseboard,20,00] Product Name : P-1"},
+                             {"C", "[Baseboard,20,00] Product Serial Num : 4711"},
+                             {"D", "[Baseboard,20,00] Product Asset Tag : A-1"}});
+  Json facts = ReadData(made)["facts"];
+  facts.erase(facts.begin() + 6, facts.end());
+  EXPECT_EQ(facts.dump(),
+            R"([["System","Windows Server 2022 Standard, build 20348"],["Maker","Makers"],)"
+            R"(["Product","P-1"],["Serial number","4711"],["Asset tag","A-1"],)"
+            R"(["Recorded","2026-02-03 04:05:06 UTC+01:00"]])");
+  made.Get().machine.recorded = false;
+  EXPECT_EQ(ReadData(made)["facts"][5].dump(), R"(["Collected","2026-02-03 04:05:06 UTC+01:00"])");
+  made.Get().machine.recordedAt.reset();
+  EXPECT_EQ(ReadData(made)["facts"][5].dump(), R"(["Collected","2026-11-18 09:41:07 UTC"])");
 }
 
 TEST(HtmlFormat, NamesTheToolsVersions) {

@@ -37,8 +37,30 @@ TEST(JsonFormat, SaysFormatTimeMachineAndModules) {
   EXPECT_EQ(all["machine"],
             Json::parse(R"({"recorded": true, "name": "NODE31", "description": "two sockets",
                             "languageId": 1031, "codePage": 850, "hostExecutable": "C:\\H\\h.exe",
-                            "logFolder": "C:\\H\\logs\\"})"));
+                            "logFolder": "C:\\H\\logs\\", "serials": []})"));
   EXPECT_EQ(all["modules"], Json::parse(R"([{"name": "Example", "description": "For tests"}])"));
+}
+
+TEST(JsonFormat, SaysWhichMachineItIsAndWhenItWasRecorded) {
+  MadeCollection made;
+  MachineFacts& machine = made.Get().machine;
+  machine.recordedAt = ParseIsoTime("2026-02-03T04:05:06+01:00");
+  machine.system = "Windows";
+  machine.contentKey = "abc";
+  made.Table("FRUINFO").Row({{"A", "[Baseboard,20,00] Product Manufacturer: Makers"},
+                             {"B", "[Baseboard,20,00] Product Name : P-1"},
+                             {"C", "[Baseboard,20,00] Product Serial Num : 4711"},
+                             {"D", "[Baseboard,20,00] Product Asset Tag : A-1"},
+                             {"E", "[Baseboard,20,00] Board Serial Number : 4712"}});
+  Json found = Json::parse(made.As("json"))["machine"];
+  for (const char* known : {"recorded", "name", "description", "languageId", "codePage",
+                            "hostExecutable", "logFolder"}) {
+    EXPECT_EQ(found.erase(known), 1u) << known;
+  }
+  EXPECT_EQ(found, Json::parse(R"({"recordedAt": "2026-02-03T04:05:06+01:00", "system": "Windows",
+                                   "maker": "Makers", "product": "P-1", "serial": "4711",
+                                   "assetTag": "A-1", "serials": ["4711", "4712"],
+                                   "contentKey": "abc"})"));
 }
 
 TEST(JsonFormat, WritesATableWithColumnsAndRowsInOrder) {

@@ -28,7 +28,7 @@ class ReplaySourceTest : public testing::Test {
     const std::unique_ptr<CommandSource> source = OpenSource(options, console);
     const Collection collection = Collect(source->Get(), {}, listener, KeepLog::kNo);
     const std::vector<std::string> problems = source->KeepLogFiles(collection, console);
-    source->KeepRecording(console);
+    source->KeepRecording(collection, console);
     return problems;
   }
 

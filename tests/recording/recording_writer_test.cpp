@@ -83,6 +83,46 @@ TEST_F(WrittenRecording, HasAManifestOfItsFiles) {
                 ComputeSha256(folder.Read("recording.json")) + "  recording.json\n");
 }
 
+TEST_F(WrittenRecording, HasTheDigestOfItsManifestAsContentKey) {
+  Recording recording;
+  recording.description = "hall 2";
+  recording.commands = {{"net", "share", "shares", ""}, {"arp.exe", "-a", "", "", 0, 0, 8}};
+  recording.files["C:\\Windows\\hosts"] = "hosts";
+  recording.readOnly = {"C:\\Halyard\\logs\\route.txt"};
+  const std::string key = WriteAndLoad(recording).contentKey;
+  EXPECT_EQ(key, ComputeSha256(folder.Read("manifest.sha256")));
+  EXPECT_EQ(ComputeContentKey(recording), key);
+  std::filesystem::remove(folder.Path() / "manifest.sha256");
+  EXPECT_EQ(LoadRecording(folder.Path()).contentKey, key);
+}
+
+TEST_F(WrittenRecording, HasAnotherContentKeyWithOtherContent) {
+  Recording recording;
+  recording.commands = {{"net", "share", "shares", ""}};
+  const std::string key = WriteAndLoad(recording).contentKey;
+  folder.Write("commands/001_net_share.txt", "other shares");
+  const Recording changed = LoadRecording(folder.Path(), {{}, /*allowChanges=*/true});
+  EXPECT_NE(changed.contentKey, key);
+  recording.commands.front().standardOutput = "other shares";
+  EXPECT_EQ(changed.contentKey, ComputeContentKey(recording));
+}
+
+TEST_F(WrittenRecording, SaysWhichMachineItIsAndWhen) {
+  Recording recording;
+  recording.submission = Submission{.name = "NODE31",
+                                    .recordedAt = ParseIsoTime("2026-11-18T09:41:12+01:00"),
+                                    .system = "Windows Server 2022 Standard, build 20348",
+                                    .serials = {"NGR208-0031", "Gr\u00F6\u00DFe"},
+                                    .program = "pqhost 0.1.0",
+                                    .tools = {{"storcli", "007.2612"}},
+                                    .redacted = Redaction{"support", {{"user", 3}}}};
+  const Recording read = WriteAndLoad(recording);
+  EXPECT_EQ(read.submission, recording.submission);
+  EXPECT_THAT(read.doubts, testing::IsEmpty());
+  EXPECT_THAT(folder.Read("manifest.sha256"), testing::Not(HasSubstr("submission")));
+  EXPECT_EQ(read.contentKey, ComputeContentKey({}));
+}
+
 TEST_F(WrittenRecording, LeavesOutACodePageThatRecordingsDoNotKnow) {
   Recording recording;
   recording.codePage = 866;

@@ -252,8 +252,8 @@ TEST(Repository, TellsIntegersFromTexts) {
   instance.AddToRepository(repository);
   const Row& row = TableOf(repository, "T").rows[0];
   EXPECT_THAT(Cells(row), ElementsAre("n=-12", "t=-12"));
-  EXPECT_TRUE(row.shape->columns[0].isInteger);
-  EXPECT_FALSE(row.shape->columns[1].isInteger);
+  EXPECT_EQ(row.shape->columns[0].kind, host::CellKind::kInteger);
+  EXPECT_EQ(row.shape->columns[1].kind, host::CellKind::kText);
 }
 
 TEST(Repository, LetsATextReplaceAnInteger) {
@@ -264,7 +264,7 @@ TEST(Repository, LetsATextReplaceAnInteger) {
   instance.AddToRepository(repository);
   const Row& row = TableOf(repository, "T").rows[0];
   EXPECT_THAT(Cells(row), ElementsAre("n=one"));
-  EXPECT_FALSE(row.shape->columns[0].isInteger);
+  EXPECT_EQ(row.shape->columns[0].kind, host::CellKind::kText);
 }
 
 TEST(Repository, KeepsClassKeyAndNumberOfEachRow) {

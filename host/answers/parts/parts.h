@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace host {
@@ -24,7 +25,7 @@ struct Place {
 
 /// A column of a part that was read elsewhere than the part itself.
 struct ColumnPlace {
-  std::string_view column;  ///< as in part_tables.h
+  std::string_view column;  ///< as in part_tables.h; a constant
   Place place;
 };
 
@@ -40,6 +41,17 @@ inline const Place& FindPlace(const Part& part, std::string_view column) {
     if (other.column == column) return other.place;
   }
   return part.readAt;
+}
+
+/// Keeps where `column` of `part` was read.
+inline void NotePlace(Part& part, std::string_view column, Place place) {
+  for (ColumnPlace& other : part.columnPlaces) {
+    if (other.column == column) {
+      other.place = std::move(place);
+      return;
+    }
+  }
+  part.columnPlaces.push_back({column, std::move(place)});
 }
 
 using Integer = std::optional<std::int64_t>;

@@ -9,6 +9,7 @@
 #include "host/answers/parts/collected_rows.h"
 #include "host/answers/parts/condition_words.h"
 #include "host/answers/parts/intel.h"
+#include "host/answers/parts/lsi.h"
 #include "host/answers/parts/microchip.h"
 
 namespace host {
@@ -18,10 +19,12 @@ namespace {
 using Reader = void (*)(const CollectedRows& rows, Parts& parts);
 
 constexpr Reader kReaders[] = {
+    ReadLsi,
     ReadMicrochip,
     ReadIntel,
     ReadBmc,
     ReadAmt,
+    ReadSas2,
 };
 
 void FindConditions(Parts& parts) {

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <array>
+#include <chrono>
 #include <system_error>
 
 #include "frame/platform.h"
@@ -10,6 +11,7 @@
 #include "host/live/live.h"
 #include "host/live/windows/own_folder.h"
 #include "host/live/windows/system_text.h"
+#include "host/live/windows_name.h"
 #include "host/recorded/program_search.h"
 
 namespace host {
@@ -29,12 +31,14 @@ std::string ReadVersionValue(const wchar_t* name) {
   return status == ERROR_SUCCESS ? ToUtf8(value.data()) : std::string();
 }
 
-/// As "Windows Server 2022 Standard, build 20348".
-std::string DescribeSystem() {
-  std::string words = ReadVersionValue(L"ProductName");
-  if (words.empty()) words = "Windows";
-  const std::string build = ReadVersionValue(L"CurrentBuildNumber");
-  return build.empty() ? words : words + ", build " + build;
+/// Minutes from UTC of the clock that people on this machine see now.
+std::chrono::minutes ReadClockOffset() {
+  TIME_ZONE_INFORMATION zone{};
+  const DWORD season = GetTimeZoneInformation(&zone);
+  LONG bias = zone.Bias;
+  if (season == TIME_ZONE_ID_STANDARD) bias += zone.StandardBias;
+  if (season == TIME_ZONE_ID_DAYLIGHT) bias += zone.DaylightBias;
+  return std::chrono::minutes(-bias);
 }
 
 std::string ReadMachineName() {
@@ -146,7 +150,10 @@ MachineFacts DescribeThisMachine(const std::filesystem::path& logFolder) {
   NarrowLogFolder(path);
 
   MachineFacts facts;
-  facts.description = DescribeSystem();
+  facts.system =
+      NameWindows(ReadVersionValue(L"ProductName"), ReadVersionValue(L"CurrentBuildNumber"));
+  facts.description = facts.system;
+  facts.recordedAt = LocalTime{std::chrono::system_clock::now(), ReadClockOffset()};
   facts.name = ReadMachineName();
   facts.languageId = GetSystemDefaultLCID();
   facts.codePage = ReadToolCodePage();

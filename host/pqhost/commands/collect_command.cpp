@@ -149,7 +149,7 @@ int RunCollect(const CollectOptions& options, const Console& console) {
 
   // The results are shown even when the recording cannot be written.
   try {
-    source->KeepRecording(console);
+    source->KeepRecording(collection, console);
   } catch (const std::runtime_error& error) {
     collection.problems.emplace_back(error.what());
   }

@@ -14,6 +14,7 @@
 
 #include "host/formats/database.h"
 #include "host/formats/formats.h"
+#include "host/formats/shown_cell.h"
 #include "host/pqhost/commands/commands.h"
 #include "host/pqhost/commands/shared_options.h"
 #include "host/pqhost/gather.h"
@@ -26,7 +27,6 @@
 namespace host {
 namespace {
 
-using halyard::repository::RInstance;
 using halyard::repository::RRepository;
 
 constexpr char kFooter[] = R"(Examples:
@@ -57,33 +57,42 @@ std::vector<std::string> MakeKeys(const Database::Names& names) {
   return keys;
 }
 
+/// A row of the answer; each value is kept as what it is.
+void AddAnswer(RRepository& answers, std::vector<Column>& columns, const Database::Values& values) {
+  std::vector<std::string> texts;
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    const auto& [kind, text] = values[i];
+    // SQLite's word for a number without an end, which JSON has none for.
+    columns[i].kind = text.ends_with("Inf") ? CellKind::kText : kind;
+    texts.push_back(text);
+  }
+  AddRow(answers, {kAnswer, "query", kNoNumber, columns, {}}, texts);
+}
+
 /// The answer as a collection of one table.
 Collection Ask(Database& database, const std::string& sql) {
   Collection answer;
   answer.repository = std::make_unique<RRepository>();
   answer.machine.codePage = kUtf8CodePage;
+  answer.machineIsKnown = false;
   answer.collected = std::chrono::system_clock::now();
   answer.tablesNamed = true;  // One table, which formats show plainly.
   answer.modules.push_back({"query", sql});
-  Database::Names names;
-  std::vector<std::string> keys;
+  CollectedTable table{kAnswer, "query", {}, nullptr, {}};
+  std::vector<Column> columns;
   database.Query(
       sql,
-      [&](const Database::Names& columns) {
-        names = columns;
-        keys = MakeKeys(columns);
-      },
-      [&](const Database::Values& values) {
-        RInstance row(kAnswer, "query", kNoNumber);
-        for (std::size_t i = 0; i < values.size(); ++i) {
-          if (values[i]) row.AddProperty(keys[i], names[i], *values[i], false);
+      [&](const Database::Names& names) {
+        const std::vector<std::string> keys = MakeKeys(names);
+        for (std::size_t i = 0; i < names.size(); ++i) {
+          columns.push_back({.key = keys[i], .label = names[i]});
+          table.columns.push_back({.key = keys[i], .label = names[i], .text = {}});
         }
-        row.AddToRepository(*answer.repository);
-      });
-  CollectedTable table{kAnswer, "query", {}, nullptr, {}};
+      },
+      [&](const Database::Values& values) { AddAnswer(*answer.repository, columns, values); });
   const auto& tables = TablesOf(*answer.repository);
   if (const auto rows = tables.find(kAnswer); rows != tables.end()) table.rows = &rows->second;
-  table.status = {"rows", fmt::format("{} rows", table.RowCount())};
+  table.status = {"rows", FormatCount(table.RowCount(), "row")};
   answer.tables.push_back(std::move(table));
   return answer;
 }

@@ -50,7 +50,7 @@ TEST(RaidLogsDriver, GivesTheSampleReadingsIntegerProperties) {
   const Collected collected = RaidTools().Collect();
   const auto& columns = collected.Tables().at("S2TABLE1").columns;
   ASSERT_THAT(columns, SizeIs(6));
-  for (const auto& column : columns) EXPECT_TRUE(column.isInteger) << column.key;
+  for (const auto& column : columns) EXPECT_EQ(column.kind, host::CellKind::kInteger) << column.key;
 }
 
 TEST(RaidLogsDriver, GivesAllFourSampleTextsTheSameValue) {

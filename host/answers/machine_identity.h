@@ -1,0 +1,28 @@
+// Which machine it is, as the inventory of its parts (FRU) says.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "host/collect/collection.h"
+
+namespace host {
+
+/// UTF-8; what is not known is empty.
+struct MachineIdentity {
+  std::string maker;
+  std::string product;
+  std::string serial;  ///< what the inventory says or, without it, what the recording was given
+  std::string assetTag;
+
+  bool operator==(const MachineIdentity&) const = default;
+};
+
+/// From the lines of FRUINFO. What a maker left to be filled in counts as not known.
+MachineIdentity FindMachineIdentity(const Collection& collection);
+
+/// The serial numbers of product, chassis and main board in this order, each once; of a machine
+/// whose inventory names none, those that the recording was given. UTF-8.
+std::vector<std::string> ListMachineSerials(const Collection& collection);
+
+}  // namespace host

@@ -1,0 +1,65 @@
+#include "host/formats/sql_statement.h"
+
+#include <fmt/format.h>
+
+#include <charconv>
+
+#include "host/formats/query_guard.h"
+#include "host/formats/sql_names.h"
+
+namespace host {
+
+void Execute(sqlite3* handle, const std::string& sql) {
+  if (sqlite3_exec(handle, sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) {
+    FailAsSqlite(handle);
+  }
+}
+
+Insert::Insert(sqlite3* handle, std::string_view table, std::size_t columnCount) : handle(handle) {
+  std::string places = "?";
+  for (std::size_t i = 1; i < columnCount; ++i) places += ",?";
+  const std::string sql = fmt::format("INSERT INTO {} VALUES ({})", QuoteName(table), places);
+  sqlite3_stmt* raw = nullptr;
+  Check(sqlite3_prepare_v2(handle, sql.c_str(), -1, &raw, nullptr));
+  statement.reset(raw);
+}
+
+Insert& Insert::operator<<(std::string_view text) {
+  Check(sqlite3_bind_text64(statement.get(), ++bound, text.data(), text.size(), SQLITE_TRANSIENT,
+                            SQLITE_UTF8));
+  return *this;
+}
+
+Insert& Insert::operator<<(std::int64_t number) {
+  Check(sqlite3_bind_int64(statement.get(), ++bound, number));
+  return *this;
+}
+
+Insert& Insert::Add(CellKind kind, std::string_view text) {
+  if (kind == CellKind::kNothing) return *this << nullptr;
+  if (kind == CellKind::kInteger) {
+    std::int64_t number = 0;
+    std::from_chars(text.data(), text.data() + text.size(), number);
+    return *this << number;
+  }
+  if (kind == CellKind::kReal) {
+    double number = 0;
+    std::from_chars(text.data(), text.data() + text.size(), number);
+    Check(sqlite3_bind_double(statement.get(), ++bound, number));
+    return *this;
+  }
+  return *this << text;
+}
+
+void Insert::Run() {
+  if (sqlite3_step(statement.get()) != SQLITE_DONE) FailAsSqlite(handle);
+  sqlite3_reset(statement.get());
+  sqlite3_clear_bindings(statement.get());
+  bound = 0;
+}
+
+void Insert::Check(int result) const {
+  if (result != SQLITE_OK) FailAsSqlite(handle);
+}
+
+}  // namespace host
