@@ -20,6 +20,7 @@
 #include "host/answers/parts/arcconf_config.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <map>
 #include <optional>
@@ -45,6 +46,7 @@ struct Fact {
   std::string_view column;
   /// False when `value` tells nothing.
   bool (*set)(T& part, std::string_view value);
+  std::array<std::string_view, 2> alsoColumns = {};  ///< of the same value; may be empty
 };
 
 bool Set(std::string& member, std::string_view value) {
@@ -96,11 +98,17 @@ constexpr Fact<Controller> kControllerFacts[] = {
     {"controller serial number", "serial",
      [](auto& c, auto value) { return Set(c.serial, value); }},
     {"firmware", "firmware", [](auto& c, auto value) { return Set(c.firmware, value); }},
-    {"temperature", "temperature", SetTemperature},
+    {"temperature", "temperature", SetTemperature, {"temperature_word"}},
     {"defunct disk drive count", "drives_defunct",
      [](auto& c, auto value) { return Set(c.drivesDefunct, ReadInteger(value)); }},
-    {"logical devices/failed/degraded", "volumes_failed", SetVolumeCounts},
-    {"logical drives/offline/critical", "volumes_failed", SetVolumeCounts},
+    {"logical devices/failed/degraded",
+     "volumes_failed",
+     SetVolumeCounts,
+     {"volumes_degraded", "volumes_declared"}},
+    {"logical drives/offline/critical",
+     "volumes_failed",
+     SetVolumeCounts,
+     {"volumes_degraded", "volumes_declared"}},
 };
 
 constexpr Fact<CacheBackup> kCacheBackupFacts[] = {
@@ -213,9 +221,11 @@ constexpr Fact<Drive> kDriveFacts[] = {
      }},
 };
 
-/// Labels that are told in several places: the highest number counts.
-bool IsCounter(std::string_view column) {
-  return column == "predictive_failures" || column == "media_errors" || column == "other_errors";
+/// Of counters the highest counts, and an alert more than none.
+template <typename T>
+bool MayBeToldAgain(const Fact<T>& fact) {
+  return fact.column == "predictive_failures" || fact.column == "media_errors" ||
+         fact.column == "other_errors" || fact.label == "pfa";
 }
 
 template <typename T>
@@ -224,12 +234,14 @@ void Learn(T& part, std::span<const Fact<T>> facts, const LabelledValue& told, c
   const auto fact = std::find_if(facts.begin(), facts.end(),
                                  [&](const auto& known) { return known.label == label; });
   if (fact == facts.end()) return;
-  const auto isSame = [&](const ColumnPlace& known) { return known.column == fact->column; };
-  const auto known = std::find_if(part.columnPlaces.begin(), part.columnPlaces.end(), isSame);
-  if (known == part.columnPlaces.end()) {
-    if (fact->set(part, told.value)) part.columnPlaces.push_back({fact->column, at});
-  } else if (IsCounter(fact->column) || fact->label == "pfa") {
-    if (fact->set(part, told.value)) known->place = at;
+  const bool isKnown =
+      std::any_of(part.columnPlaces.begin(), part.columnPlaces.end(),
+                  [&](const ColumnPlace& known) { return known.column == fact->column; });
+  if (isKnown && !MayBeToldAgain(*fact)) return;
+  if (!fact->set(part, told.value)) return;
+  NotePlace(part, fact->column, at);
+  for (const std::string_view column : fact->alsoColumns) {
+    if (!column.empty()) NotePlace(part, column, at);
   }
 }
 
@@ -556,7 +568,7 @@ class ConfigReader {
     }
     if (enclosure.state.empty() || enclosure.state == kGoodEnclosure) {
       enclosure.state.clear();
-      enclosure.columnPlaces.push_back({"state", at});
+      NotePlace(enclosure, "state", at);
     } else {
       enclosure.state += "; ";
     }
@@ -665,7 +677,7 @@ class ConfigReader {
     member.member = 1;
     if (IsPresent(segment)) return;
     member.memberState = segment.state;
-    member.columnPlaces.push_back({"member_state", segment.readAt});
+    NotePlace(member, "member_state", segment.readAt);
   }
 
   void AddMissingDrive(const Segment& segment) {

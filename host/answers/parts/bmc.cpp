@@ -23,6 +23,9 @@ namespace {
 constexpr char kProgram[] = "ipmiutilnh.exe";
 constexpr char kReadingsArguments[] = "sensor -s -q";
 constexpr char kRecordsArguments[] = "sensor";
+// As a person would call them.
+constexpr char kReadingsTool[] = "ipmiutil sensor -s -q";
+constexpr char kRecordsTool[] = "ipmiutil sensor";
 
 /// What a listing of ipmiutil says of itself. It ends with
 ///   ipmiutil sensor, completed successfully
@@ -115,7 +118,7 @@ class DealtCells {
   Place PlaceOf(std::size_t cell, std::int64_t line) const {
     constexpr std::size_t kColumns = 10;
     const std::size_t dealt = dealtBefore + cell;
-    Place place{{}, 0, {}, line, "ipmiutil sensor -s -q"};
+    Place place{{}, 0, {}, line, kReadingsTool};
     if (dealt / kColumns >= rowCount) return place;
     place.className = "SENSORINFO";
     place.row = static_cast<std::int64_t>(dealt / kColumns) + 1;
@@ -138,7 +141,7 @@ class DealtCells {
   std::size_t dealtBefore = 0;  ///< cells
 };
 
-ListingEnd ReadReadings(const CollectedRows& rows, SensorReader& reader) {
+ListingEnd ReadReadings(const CollectedRows& rows, SensorReader& reader, Parts& parts) {
   ListingEnd end;
   const auto answers = rows.ListAnswers(kProgram, kReadingsArguments);
   if (answers.empty()) return end;
@@ -148,17 +151,18 @@ ListingEnd ReadReadings(const CollectedRows& rows, SensorReader& reader) {
   ReportLine line;
   for (ReportLines lines(text.View().substr(0, text.View().find('\0'))); lines.Next(line);) {
     end.Take(line.text);
-    reader.TakeReading(line.text, cells.PlaceOf(FindStatusCell(line.text), line.number));
+    if (!reader.TakeReading(line.text, cells.PlaceOf(FindStatusCell(line.text), line.number))) {
+      KeepUnread(parts, Trim(line.text), {{}, 0, {}, line.number, kReadingsTool});
+    }
     cells.Pass(line.text);
   }
   return end;
 }
 
-ListingEnd ReadRecords(const CollectedRows& rows, SensorReader& reader) {
-  constexpr char kTool[] = "ipmiutil sensor";
+ListingEnd ReadRecords(const CollectedRows& rows, SensorReader& reader, Parts& parts) {
   if (rows.FindTable("SDRINFO") != nullptr && rows.FindTable("SDRINFO")->RowCount() > 0) {
-    return ReadLineRows(rows, "SDRINFO", kTool, [&](std::string_view line, const Place& at) {
-      reader.TakeRecord(line, at);
+    return ReadLineRows(rows, "SDRINFO", kRecordsTool, [&](std::string_view line, const Place& at) {
+      if (!reader.TakeRecord(line, at)) KeepUnread(parts, line, at);
     });
   }
   // Some platforms are not asked for their records, but leave the same listing as a file.
@@ -172,7 +176,8 @@ ListingEnd ReadRecords(const CollectedRows& rows, SensorReader& reader) {
   ReportLine line;
   for (ReportLines lines(text.View()); lines.Next(line);) {
     end.Take(line.text);
-    reader.TakeRecord(line.text, {{}, 0, {}, line.number, kTool});
+    const Place at{{}, 0, {}, line.number, kRecordsTool};
+    if (!reader.TakeRecord(line.text, at)) KeepUnread(parts, Trim(line.text), at);
   }
   return end;
 }
@@ -180,8 +185,8 @@ ListingEnd ReadRecords(const CollectedRows& rows, SensorReader& reader) {
 void ReadSensors(const CollectedRows& rows, Parts& parts) {
   SensorReader reader(parts);
   std::vector<ListingEnd> ends;
-  ends.push_back(ReadReadings(rows, reader));
-  ends.push_back(ReadRecords(rows, reader));
+  ends.push_back(ReadReadings(rows, reader, parts));
+  ends.push_back(ReadRecords(rows, reader, parts));
   AddBmcSource(rows, parts, "sensors",
                rows.FindTable("SENSORINFO") != nullptr ? "SENSORINFO" : "SDRINFO",
                !parts.sensors.empty(), ends);
@@ -276,14 +281,14 @@ void ReadPowerSupplies(const CollectedRows& rows, Parts& parts) {
         const auto learn = [&](std::string_view column, Real& member, Real amount) {
           if (!amount || member) return;
           member = amount;
-          supply->columnPlaces.push_back({column, at});
+          NotePlace(*supply, column, at);
         };
         learn("ac_volts", supply->acVolts, FindAmount(line, "AC input", "V"));
         learn("output_watts", supply->outputWatts, FindAmount(line, "DC output", "W"));
         const std::size_t status = line.find(kStatus);
         if (status == std::string_view::npos || !supply->status.empty()) return;
         supply->status = Trim(line.substr(status + kStatus.size()));
-        supply->columnPlaces.push_back({"status", at});
+        NotePlace(*supply, "status", at);
       });
   AddOwnSource(rows, parts, "power supplies", "PSUINFO", supply != nullptr, end);
 }

@@ -235,7 +235,7 @@ class IntelReader {
       place = shown[part - 1].PlaceOf(fact->key, report.place.tool);
       if (fact == facts.begin()) known.readAt = place;
     }
-    known.columnPlaces.push_back({fact->column, place});
+    NotePlace(known, fact->column, place);
   }
 
   const Report& report;

@@ -125,13 +125,12 @@ std::size_t FindStatusCell(std::string_view line) {
   return IsStockReading(SplitCells(line)) ? kStatus : kBareStatus;
 }
 
-void SensorReader::TakeReading(std::string_view line, const Place& at) {
+bool SensorReader::TakeReading(std::string_view line, const Place& at) {
   const std::vector<std::string_view> cells = SplitCells(line);
-  if (cells.size() < 2 || (cells.size() > kSdrType && cells[kSdrType] == "SDRType")) return;
+  if (cells.size() < 2 || (cells.size() > kSdrType && cells[kSdrType] == "SDRType")) return true;
   const bool isStock = IsStockReading(cells);
   if (isStock ? cells.size() <= kReading : !IsBareReading(cells)) {
-    KeepUnread(line, at);
-    return;
+    return false;
   }
   if (!isStock) {
     Sensor& sensor = Add(std::string(cells[0]), at);
@@ -139,7 +138,7 @@ void SensorReader::TakeReading(std::string_view line, const Place& at) {
     SetReading(sensor, cells[1], cells[2]);
     SetThresholds(sensor, cells);
     unnumbered[sensor.name].push_back(parts.sensors.size() - 1);
-    return;
+    return true;
   }
   Sensor& sensor = Add(std::string(cells[kName]), at);
   sensor.type = FindSensorType(cells[kType]);
@@ -157,10 +156,11 @@ void SensorReader::TakeReading(std::string_view line, const Place& at) {
   } else {
     unnumbered[sensor.name].push_back(parts.sensors.size() - 1);
   }
+  return true;
 }
 
 // 0021 SDR Comp 02 6f 20 a 08 snum 43 PS2 Status       = 0009 AC_Lost
-void SensorReader::TakeRecord(std::string_view line, const Place& at) {
+bool SensorReader::TakeRecord(std::string_view line, const Place& at) {
   enum Word {
     kRecord,
     kSdr,
@@ -177,9 +177,9 @@ void SensorReader::TakeRecord(std::string_view line, const Place& at) {
   const auto get = [&](std::size_t place) {
     return place < words.size() ? words[place] : std::string_view();
   };
-  if (!ReadHexDigits(get(kRecord), 4, 4) || get(kSdr) != "SDR") return;
+  if (!ReadHexDigits(get(kRecord), 4, 4) || get(kSdr) != "SDR") return true;
   const bool isEventOnly = get(kKind) == "EvtO";
-  if (!isEventOnly && get(kKind) != "Full" && get(kKind) != "Comp") return;
+  if (!isEventOnly && get(kKind) != "Full" && get(kKind) != "Comp") return true;
   const Integer eventType = ReadHexDigits(get(kEventType), 2, 2);
   const Integer type = ReadHexDigits(get(kSensorType), 2, 2);
   const Integer number = ReadHexDigits(get(kSensorNumber), 2, 2);
@@ -192,8 +192,7 @@ void SensorReader::TakeRecord(std::string_view line, const Place& at) {
       ListWords(equals == std::string_view::npos ? "" : line.substr(equals + 1));
   const Integer raw = told.empty() ? std::nullopt : ReadHexDigits(told[0], 2, 4);
   if (!eventType || !type || !number || get(kLabel) != "snum" || !raw) {
-    KeepUnread(line, at);
-    return;
+    return false;
   }
   const std::string name(Trim(line.substr(nameAt, equals - nameAt)));
   Sensor& sensor = FindOrAdd(name, *number, at);
@@ -204,14 +203,15 @@ void SensorReader::TakeRecord(std::string_view line, const Place& at) {
   const bool isDiscrete = !isEventOnly && eventType != kThresholdEvent;
   if (isDiscrete) {
     sensor.states = raw;
-    sensor.columnPlaces.push_back({"states", at});
+    NotePlace(sensor, "states", at);
   }
-  if (!sensor.status.empty()) return;
+  if (!sensor.status.empty()) return true;
   sensor.readAt = at;
   sensor.status = LowerCase(isDiscrete ? JoinWords(told, 1) : told.size() > 1 ? told[1] : "");
   if (!isDiscrete && !isEventOnly && told.size() > 2) {
     SetReading(sensor, told[2], JoinWords(told, 3));
   }
+  return true;
 }
 
 Sensor& SensorReader::Add(std::string name, const Place& at) {
@@ -235,12 +235,6 @@ Sensor& SensorReader::FindOrAdd(const std::string& name, std::int64_t number, co
   Sensor& added = Add(name, at);
   numbered.emplace(std::pair(name, number), parts.sensors.size() - 1);
   return added;
-}
-
-void SensorReader::KeepUnread(std::string_view line, const Place& at) {
-  Unread& unread = parts.unread.emplace_back();
-  unread.readAt = at;
-  unread.text = Trim(line);
 }
 
 }  // namespace host

@@ -23,16 +23,16 @@ class SensorReader {
  public:
   explicit SensorReader(Parts& parts) : parts(parts) {}
 
-  /// A line of the readings; `at` is the place of its status.
-  void TakeReading(std::string_view line, const Place& at);
-  /// A line of the records. What it tells is added to the sensor of its name and number, or to a
-  /// new one.
-  void TakeRecord(std::string_view line, const Place& at);
+  /// A line of the readings; `at` is the place of its status. False for a line that looks like one
+  /// and is none.
+  bool TakeReading(std::string_view line, const Place& at);
+  /// The same for a line of the records. What it tells is added to the sensor of its name and
+  /// number, or to a new one.
+  bool TakeRecord(std::string_view line, const Place& at);
 
  private:
   Sensor& Add(std::string name, const Place& at);
   Sensor& FindOrAdd(const std::string& name, std::int64_t number, const Place& at);
-  void KeepUnread(std::string_view line, const Place& at);
 
   Parts& parts;
   // Places among the parts' sensors. Those without a number wait for their record, in their order.

@@ -19,12 +19,7 @@ namespace {
 using Reader = void (*)(const CollectedRows& rows, Parts& parts);
 
 constexpr Reader kReaders[] = {
-    ReadLsi,
-    ReadMicrochip,
-    ReadIntel,
-    ReadBmc,
-    ReadAmt,
-    ReadSas2,
+    ReadLsi, ReadMicrochip, ReadIntel, ReadBmc, ReadAmt, ReadSas2,
 };
 
 void FindConditions(Parts& parts) {

@@ -17,16 +17,26 @@ using host::Real;
 using host::Sensor;
 using testing::IsEmpty;
 
+void KeepUnread(Parts& parts, const std::string& line, const host::Place& at) {
+  host::Unread& unread = parts.unread.emplace_back();
+  unread.readAt = at;
+  unread.text = line;
+}
+
 /// The parts of two listings; the place of a line is its number.
 Parts Read(const std::vector<std::string>& readings, const std::vector<std::string>& records = {}) {
   Parts parts;
   host::SensorReader reader(parts);
   std::int64_t number = 0;
   for (const std::string& line : readings) {
-    reader.TakeReading(line, {"SENSORINFO", ++number, {}, 0, {}});
+    const host::Place at{"SENSORINFO", ++number, {}, 0, {}};
+    if (!reader.TakeReading(line, at)) KeepUnread(parts, line, at);
   }
   number = 0;
-  for (const std::string& line : records) reader.TakeRecord(line, {"SDRINFO", ++number, {}, 0, {}});
+  for (const std::string& line : records) {
+    const host::Place at{"SDRINFO", ++number, {}, 0, {}};
+    if (!reader.TakeRecord(line, at)) KeepUnread(parts, line, at);
+  }
   return parts;
 }
 
