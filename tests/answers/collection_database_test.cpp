@@ -63,7 +63,7 @@ TEST_F(CollectionDatabase, HasNumbersAsNumbersAndNothingAsNull) {
 
 TEST_F(CollectionDatabase, TellsTheMachineBySerialNumber) {
   EXPECT_EQ(Ask(database, "SELECT value FROM machine WHERE name IN ('maker', 'serial')"),
-            (Texts{"Northgate", "NGB22-00982"}));
+            (Texts{"Northgate", "NGR208-0031"}));
 }
 
 TEST(CollectionDatabaseOfAnAnswer, HasNoParts) {
