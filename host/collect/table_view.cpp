@@ -85,8 +85,7 @@ TableView::TableView(const TextDecoder& decoder, const CollectedTable& table)
   for (const Column& column : table.rows->columns) {
     columnsByKey.emplace(column.key, columns.size());
     labels.emplace(columns.size(), column.label);
-    columns.push_back(
-        {decoder.Decode(column.key), decoder.Decode(column.label), {}, column.kind});
+    columns.push_back({decoder.Decode(column.key), decoder.Decode(column.label), {}, column.kind});
   }
   for (const Row& row : table.rows->rows) {
     const RowShape& shape = *row.shape;

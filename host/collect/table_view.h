@@ -90,8 +90,8 @@ struct ColumnView {
 /// A column of a table, whether a row has its key or not.
 struct KnownColumn {
   std::string key;
-  std::string label;          ///< as rows have it, otherwise as described; may be empty
-  bool holdsNumbers = false;  ///< texts that are numbers, or words where there is none
+  std::string label;              ///< as rows have it, otherwise as described; may be empty
+  bool holdsNumbers = false;      ///< texts that are numbers, or words where there is none
   std::size_t place = kNotThere;  ///< among the columns of the table's view
   static constexpr std::size_t kNotThere = static_cast<std::size_t>(-1);
 };

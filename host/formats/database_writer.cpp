@@ -141,8 +141,8 @@ DatabaseWriter::Places DatabaseWriter::Provide(SqlTable& table,
   }
   // The number finds a row at once, and takes no room of its own.
   if (table.isOfClass && !isForSeveral) definitions.front() += " PRIMARY KEY";
-  Execute(handle, fmt::format("CREATE TABLE {} ({})", QuoteName(table.name),
-                              fmt::join(definitions, ", ")));
+  Execute(handle,
+          fmt::format("CREATE TABLE {} ({})", QuoteName(table.name), fmt::join(definitions, ", ")));
   return places;
 }
 

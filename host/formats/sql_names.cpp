@@ -50,7 +50,8 @@ std::string MakeSnakeCase(std::string_view label) {
 
 std::string UniqueNames::Take(std::string_view wanted) {
   std::string name(wanted);
-  for (int i = 2; !taken.insert(LowerCase(name)).second; ++i) name = fmt::format("{}_{}", wanted, i);
+  for (int i = 2; !taken.insert(LowerCase(name)).second; ++i)
+    name = fmt::format("{}_{}", wanted, i);
   return name;
 }
 

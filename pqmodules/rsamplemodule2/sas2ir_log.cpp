@@ -43,7 +43,8 @@ constexpr LabelledColumn kFactColumns[] = {
     {"LogClass:", 9, {"LogClass", "LogClass", "how grave it is", ValueKind::kNumber}},
     {"ArgumentType:",
      13,
-     {"ArgumentType", "ArgumentType", "what the entry is about, such as a drive", ValueKind::kNumber}},
+     {"ArgumentType", "ArgumentType", "what the entry is about, such as a drive",
+      ValueKind::kNumber}},
     {"Locale:", 7, {"Locale", "Locale", "part of the adapter concerned, as bits"}, true},
 };
 const LabelledColumns kFacts(kFactColumns);

@@ -42,7 +42,9 @@ std::vector<std::string> Ask(Database& database, const std::string& sql) {
       sql, [](const Database::Names&) {},
       [&](const Database::Values& values) {
         std::string line;
-        for (const auto& value : values) line += (line.empty() ? "" : "|") + (value.kind == host::CellKind::kNothing ? "NULL" : value.text);
+        for (const auto& value : values)
+          line += (line.empty() ? "" : "|") +
+                  (value.kind == host::CellKind::kNothing ? "NULL" : value.text);
         answers.push_back(line);
       });
   return answers;

@@ -31,7 +31,8 @@ Texts Ask(Database& database, const std::string& sql) {
   database.Query(
       sql, [](const Database::Names&) {},
       [&](const Database::Values& values) {
-        for (const auto& value : values) cells.push_back((value.kind == CellKind::kNothing ? "NULL" : value.text));
+        for (const auto& value : values)
+          cells.push_back((value.kind == CellKind::kNothing ? "NULL" : value.text));
       });
   return cells;
 }
