@@ -38,6 +38,17 @@ struct ColumnDescription {
   bool operator==(const ColumnDescription&) const = default;
 };
 
+/// A program of the steps, and where it comes from.
+struct ToolDescription {
+  std::string program;    ///< as in ToolCommand
+  std::string vendor;     ///< empty when not known
+  std::string product;    ///< of which it is a part; empty when not known
+  std::string area = {};  ///< as in TableDescription
+};
+
+/// The area of tables that only show a host how tables look. Hosts list them last.
+inline constexpr char kSampleArea[] = "Samples";
+
 /// How to see that a machine has what a table leaves out.
 enum class OmissionSign {
   kNone,      ///< nothing shows it
@@ -67,6 +78,8 @@ struct Omission {
 struct TableDescription {
   std::string className;
   std::string title;
+  /// The part of the machine that it is about, in words under which a host lists its tables.
+  std::string area = {};
   /// In the order in which they run; none for fixed rows.
   std::vector<ToolCommand> commands = {};
   /// Properties of a row in their order.
@@ -81,6 +94,8 @@ struct TableDescription {
   std::vector<std::string> neededCommands = {};
   /// The table is made on US English systems only.
   bool needsUsEnglish = false;
+  /// A row is an entry or a line of a log, the newest last.
+  bool isLog = false;
   std::vector<Omission> leavesOut = {};
 
   void AddColumn(const Column& column);
@@ -150,6 +165,7 @@ struct ModuleDescription {
   std::vector<AnswerExplanation> answers = {};
   std::vector<PresenceTest> presenceTests = {};
   std::vector<VersionLine> versionLines = {};
+  std::vector<ToolDescription> tools = {};
   /// Begins the error texts of tools that are read through a pipe; may be empty.
   std::string toolErrorText = {};
   /// The program, as in ToolCommand, of the steps whose command line can be too long to be started
@@ -159,6 +175,8 @@ struct ModuleDescription {
   /// `program`: as in FailureSentence.
   void AddFailures(StepFailure failure, std::initializer_list<const char*> sentences,
                    const std::string& program = {});
+  /// The tables and tools described so far are about `area`, unless they are about another.
+  void AssignArea(const std::string& area);
   /// The pipe for the tool of table `className` could not be created, which is `sentence`.
   void AddPipeFailure(const char* sentence, const char* className);
 };

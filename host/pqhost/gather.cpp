@@ -3,6 +3,7 @@
 #include <chrono>
 #include <optional>
 
+#include "host/answers/columns_fit.h"
 #include "host/pqhost/collection_progress.h"
 #include "host/program/deadline.h"
 
@@ -53,6 +54,7 @@ Gathered Gather(const SourceOptions& from, const Selection& selection, const Con
   listeners.Add(attendant);
   auto interruption = std::make_unique<InterruptionWatch>();
   Collection collection = Collect(source->Get(), selection, listeners, keepLog);
+  NoteUnfitColumns(collection);
   if (attendant.IsOverdue()) {
     collection.problems.push_back("the collection " + DescribeOverdue(*from.seconds));
   }

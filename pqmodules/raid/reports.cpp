@@ -4,6 +4,8 @@
 
 namespace pq {
 
+ToolDescription DescribeStorcli() { return {kStorcli, "Broadcom, formerly LSI", "StorCLI"}; }
+
 AnswerExplanation ExplainNoLsiController(std::vector<std::string> tables) {
   return {{kStorcli, kCountArguments, kCountReportName},
           std::string(kCountLabel) + " 0",

@@ -81,6 +81,7 @@ void DescribeLsiSummary(ModuleDescription& module) {
   table.EndRowsAt(std::rbegin(kFacts)->label);
   table.leavesOut = {LeaveOutOtherLsiControllers({})};
   module.tables.push_back(table);
+  module.tools.push_back(DescribeStorcli());
   module.answers.push_back(ExplainNoLsiController({kRaidInfo}));
 }
 

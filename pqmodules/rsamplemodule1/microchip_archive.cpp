@@ -246,6 +246,7 @@ void DescribeMicrochipArchive(ModuleDescription& module) {
     table->leavesOut = leavesOut;
     module.tables.push_back(*table);
   }
+  module.tools.push_back({kTool, "Microchip, formerly Adaptec", "ARCCONF"});
   module.AddFailures(StepFailure::kNothingToReport, {kNoConfig}, kTool);
 }
 

@@ -78,8 +78,10 @@ TEST(Collect, ShowsTheTablesOfARecording) {
   const HostRun run = ReplayServer({"--table", "NETSTATINFO"});
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_EQ(run.error, "NETSTATINFO  10 rows\n");
-  EXPECT_THAT(run.out, StartsWith("Windows related information · Windows_Related_Info\n\n"
-                                  "Network connections · NETSTATINFO · "));
+  EXPECT_THAT(run.out, StartsWith("NODE31\n"));
+  EXPECT_THAT(run.out, HasSubstr("\n\nNetwork\n"
+                                 "  NETSTATINFO  Network connections  10 rows\n"
+                                 "\nNetwork\n\nNetwork connections · NETSTATINFO · 10 rows\n"));
   EXPECT_THAT(run.out, HasSubstr("\nProtocol  Local Address"));
 }
 
@@ -274,7 +276,65 @@ TEST(Collect, SaysWhatCouldNotBeCollectedAndGoesOn) {
   EXPECT_THAT(run.error, EndsWith("ARPINFO      its pipe could not be created\n"
                                   "NETSTATINFO  netstat.exe is not on this machine\n"));
   EXPECT_EQ(std::count(run.error.begin(), run.error.end(), '\n'), 4);
-  EXPECT_THAT(run.out, HasSubstr("No rows: ARPINFO NETSTATINFO"));
+  EXPECT_THAT(
+      run.out,
+      HasSubstr("\n2 problems\n"
+                "  not collected: Windows_Related_Info, route: CreateProcess failed in "
+                "getting route(5)\n"
+                "  not collected: Windows_Related_Info: Failed to create pipe for arp info\n"
+                "\nNetwork\n"
+                "  ARPINFO      ARP table            its pipe could not be created\n"
+                "  NETSTATINFO  Network connections  netstat.exe is not on this machine\n"));
+}
+
+TEST(Collect, SaysNothingTwiceOnATerminal) {
+  const std::string broken = Sample("bmc-unreachable");
+  const HostRun run = Replay(broken, {"--module", "BMC_Info"}, {.out = true, .error = true});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.out, HasSubstr("\n3 problems\n  not collected: BMC_Info"));
+  EXPECT_THAT(run.error, AllOf(Not(HasSubstr("not collected")), Not(HasSubstr("SENSORINFO"))));
+}
+
+TEST(Collect, TellsStandardErrorWhatItsReaderDoesNotSee) {
+  const std::string broken = Sample("bmc-unreachable");
+  const TemporaryFolder folder;
+  const auto tells = AllOf(HasSubstr("not collected: BMC_Info"), HasSubstr("\nSENSORINFO "));
+  for (const test::HostTerminal& terminal :
+       {test::HostTerminal{.out = true}, {.error = true}, {}}) {
+    EXPECT_THAT(Replay(broken, {}, terminal).error, tells);
+  }
+  const test::HostTerminal both{.out = true, .error = true};
+  EXPECT_THAT(Replay(broken, {"--format", "csv"}, both).error, tells);
+  EXPECT_THAT(Replay(broken, {"--output", folder / "o"}, both).error, tells);
+}
+
+TEST(Collect, NamesWhatItWroteLast) {
+  const TemporaryFolder folder;
+  const HostRun run =
+      ReplayServer({"--table", "ARPINFO", "--format", "html", "--output", folder / "r.html",
+                    "--trace", folder / "t", "--log-folder", folder / "logs"});
+  EXPECT_THAT(run.error,
+              EndsWith("\nTrace: " + (folder / "t") + "\nReport: " + (folder / "r.html") + "\n"));
+  EXPECT_THAT(run.error, HasSubstr("ARPINFO  11 rows\nLog files: "));
+  EXPECT_THAT(ReplayServer({"--format", "sqlite", "--output", folder / "s.db"}).error,
+              EndsWith("\nDatabase: " + (folder / "s.db") + "\n"));
+  EXPECT_THAT(ReplayServer({"--format", "csv", "--output", folder / "s.csv"}).error,
+              EndsWith("\nResults: " + (folder / "s.csv") + "\n"));
+  EXPECT_EQ(RunHost({"query", folder / "s.db", "SELECT 1", "--output", folder / "a"}).error,
+            "Results: " + (folder / "a") + "\n");
+}
+
+TEST(Collect, ShowsOldLinesOfLogsWhenAsked) {
+  const std::string newest = ReplayServer({"--table", "FWTERMLOG"}).out;
+  EXPECT_THAT(newest, HasSubstr("146 before them are not shown (--all shows them)"));
+  EXPECT_THAT(newest, Not(HasSubstr("CLI Version")));
+  const std::string all = ReplayServer({"--table", "FWTERMLOG", "--all"}).out;
+  EXPECT_THAT(all, AllOf(HasSubstr("\nCLI Version"), Not(HasSubstr("--all"))));
+}
+
+TEST(Collect, TakesNamesInAnyCase) {
+  EXPECT_EQ(ReplayServer({"--table", "arpinfo", "--module", "windows_related_info"}).error,
+            "ARPINFO  11 rows\n");
 }
 
 TEST(Collect, IsDoneOnAMachineThatLacksVendorsTools) {
@@ -437,7 +497,9 @@ TEST(Collect, LeavesNothingSetBehindARun) {
 TEST(Modules, ListsModulesTablesAndColumns) {
   const HostRun run = RunHost({"modules"});
   EXPECT_EQ(run.exitCode, 0);
-  EXPECT_THAT(run.out, HasSubstr("Windows_Related_Info  Windows related information\n"));
+  EXPECT_THAT(run.out, StartsWith("LSI RAID  sampleModule1, sampleModule2\n  RAIDINFO "));
+  EXPECT_THAT(run.out, HasSubstr("\n\nNetwork  Windows_Related_Info\n  ARPINFO "));
+  EXPECT_THAT(run.out, HasSubstr("\n\nSamples  sampleModule1, sampleModule2\n  JUNADDTABLE "));
   EXPECT_THAT(run.out,
               testing::ContainsRegex("  ARPINFO  +ARP table  +3 columns \\(40, 40, 20 wide\\)\n"));
   EXPECT_THAT(run.out, testing::ContainsRegex("  MCINFO  +Management controller  +one property"));
@@ -449,7 +511,7 @@ TEST(Modules, ListsThemAsJson) {
   const Json& windows = all["modules"][4];
   EXPECT_EQ(windows["description"], "Windows related information");
   EXPECT_EQ(windows["tables"][0].dump(),
-            R"({"class":"ARPINFO","title":"ARP table",)"
+            R"({"class":"ARPINFO","title":"ARP table","area":"Network",)"
             R"("layout":{"by":"row","headers":[],"widths":[40,40,20]}})");
 }
 
@@ -479,7 +541,7 @@ TEST(Query, AsksADatabaseThatACollectionWasWrittenTo) {
   const HostRun run = RunHost(
       {"query", file, "SELECT rows FROM tables WHERE class = 'SENSORINFO'", "--format", "ndjson"});
   EXPECT_EQ(run.exitCode, 0) << run.error;
-  EXPECT_EQ(run.out, "{\"class\":\"ANSWER\",\"row\":{\"rows\":\"41\"}}\n");
+  EXPECT_EQ(run.out, "{\"class\":\"ANSWER\",\"row\":{\"rows\":41}}\n");
 }
 
 TEST(Query, WritesItsAnswerAsADatabase) {
@@ -512,8 +574,8 @@ TEST(Program, ComplainsInOneLineOnStandardError) {
   EXPECT_EQ(run.exitCode, 2);
   EXPECT_EQ(run.out, "");
   EXPECT_EQ(run.error,
-            "pqhost: nothing to do: give a command (collect, modules, query, check; see pqhost "
-            "--help)\n");
+            "pqhost: nothing to do: give a command (collect, modules, query, check, help; see "
+            "pqhost --help)\n");
 }
 
 }  // namespace
