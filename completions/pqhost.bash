@@ -27,7 +27,7 @@ _pqhost_complete() {
     'collect --amt-login') words='<file>' ;;
     'collect --time-limit') words='<any>' ;;
     'collect --trace') words='<file>' ;;
-    'collect '*) words='--module --table --replay --limit --unverified --record --log-folder --plugin --unsafe-folder --format --output --all --tool-limit --tool-memory --amt-login --no-input --time-limit --dry-run --trace --help' ;;
+    'collect '*) words='--module --table --replay --limit --unverified --record --log-folder --plugin --unsafe-folder --format --output --identify --no-attachments --all --tool-limit --tool-memory --amt-login --no-input --time-limit --dry-run --trace --help' ;;
     'modules --plugin') words='<file>' ;;
     'modules --format') words='table json markdown' ;;
     'modules --time-limit') words='<any>' ;;

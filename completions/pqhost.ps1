@@ -21,7 +21,7 @@ Register-ArgumentCompleter -Native -CommandName pqhost, pqhost.exe -ScriptBlock 
         'collect --amt-login' = '<file>'
         'collect --time-limit' = '<any>'
         'collect --trace' = '<file>'
-        'collect' = '--module', '--table', '--replay', '--limit', '--unverified', '--record', '--log-folder', '--plugin', '--unsafe-folder', '--format', '--output', '--all', '--tool-limit', '--tool-memory', '--amt-login', '--no-input', '--time-limit', '--dry-run', '--trace', '--help'
+        'collect' = '--module', '--table', '--replay', '--limit', '--unverified', '--record', '--log-folder', '--plugin', '--unsafe-folder', '--format', '--output', '--identify', '--no-attachments', '--all', '--tool-limit', '--tool-memory', '--amt-login', '--no-input', '--time-limit', '--dry-run', '--trace', '--help'
         'modules --plugin' = '<file>'
         'modules --format' = 'table', 'json', 'markdown'
         'modules --time-limit' = '<any>'

@@ -56,6 +56,32 @@ struct Area {
 /// Tables that only show a host how tables look. Hosts list them last.
 inline constexpr Area kSampleArea{"Samples"};
 
+/// How to see that a machine has what a table leaves out.
+enum class OmissionSign {
+  kNone,      ///< nothing shows it
+  kRows,      ///< the table has rows
+  kToolRuns,  ///< the command ran, and the machine has its tool
+  kFile,      ///< the command leaves the file `label`
+  /// In the command's text a number above `most` follows `label`; that number is found.
+  kCount,
+  /// In the command's text no `end` follows the last `label`; the rest of that one's line is found.
+  kOpenRecord,
+  /// In the command's text a line `end` ends a row, and no line with a column's label, followed by
+  /// `label`, came for it, though one came for a row before; the labels are found.
+  kLackingLine,
+};
+
+/// Something that a table leaves out although its tools tell it, or takes from elsewhere.
+struct Omission {
+  std::string text;       ///< a sentence that holds for every machine, for the documentation
+  std::string note = {};  ///< of a machine that has it, for people; "{}" is what the sign found
+  OmissionSign sign = OmissionSign::kNone;
+  ToolCommand command = {};
+  std::string label = {};
+  std::string end = {};
+  int most = 0;
+};
+
 struct TableDescription {
   std::string className;
   std::string title;
@@ -76,6 +102,7 @@ struct TableDescription {
   bool needsUsEnglish = false;
   /// A row is an entry or a line of a log, the newest last.
   bool isLog = false;
+  std::vector<Omission> leavesOut = {};
 
   void AddColumn(const Column& column);
   void AddColumns(std::span<const Column> more);

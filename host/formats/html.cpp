@@ -5,7 +5,6 @@
 
 #include <array>
 #include <cstdint>
-#include <random>
 #include <set>
 #include <sstream>
 
@@ -17,6 +16,7 @@
 #include "host/formats/machine_summary.h"
 #include "host/formats/report/report_page.h"
 #include "host/formats/report_size.h"
+#include "host/formats/row_identity.h"
 #include "host/text/json_text.h"
 #include "host/text/screen_text.h"
 #include "host/text/version.h"
@@ -56,14 +56,6 @@ void WriteScript(std::ostream& out) {
                        static_cast<std::uint32_t>(last));
   }
   out << kReportScript.substr(at + kPlace.size());
-}
-
-/// A number used once, which nobody who wrote the data can have known.
-std::string MakeNonce() {
-  std::random_device random;
-  std::string nonce;
-  for (int i = 0; i < 4; ++i) nonce += fmt::format("{:08x}", random());
-  return nonce;
 }
 
 class ReportData {
@@ -189,7 +181,7 @@ class ReportData {
       const RowView row = table.RowAt(i);
       for (std::size_t place = 0; place < row.CellCount(); ++place) {
         const CellView cell = row.CellAt(place);
-        if (!fileKeys.contains(cell.Key())) continue;
+        if (!fileKeys.contains(cell.Key()) || cell.Kind() == CellKind::kNothing) continue;
         json += separator;
         json.AppendText("{\"label\":", cell.Label());
         json.AppendText(",\"filename\":", cell.FileName().value_or(cell.Key()));
@@ -210,7 +202,7 @@ class ReportData {
 }  // namespace
 
 void WriteHtml(const Collection& collection, const Screen& screen, std::ostream& out) {
-  const std::string nonce = MakeNonce();
+  const std::string nonce = MakeRandomText();  // Used once, for this report's own script.
   std::string_view page = kReportPage;
   for (std::size_t at = 0; (at = page.find('@')) != std::string_view::npos;) {
     out << page.substr(0, at);

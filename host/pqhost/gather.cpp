@@ -3,6 +3,7 @@
 #include <chrono>
 #include <optional>
 
+#include "host/answers/columns_fit.h"
 #include "host/pqhost/collection_progress.h"
 #include "host/pqhost/tool_chatter.h"
 #include "host/program/deadline.h"
@@ -66,6 +67,7 @@ Gathered Gather(const SourceOptions& from, const Selection& selection, const Con
   auto interruption = std::make_unique<InterruptionWatch>();
   Collection collection = Collect(source->Get(), selection, listeners, keepLog);
   attendant.TellChatter(collection.machine.codePage);
+  NoteUnfitColumns(collection);
   if (attendant.IsOverdue()) {
     collection.problems.push_back("the collection " + DescribeOverdue(*from.seconds));
   }

@@ -8,6 +8,8 @@ struct Screen {
   bool colors = false;
   unsigned width = 120;   ///< in columns
   bool showsAll = false;  ///< also old lines of logs
+  /// Each row tells its machine, in formats where the head does not.
+  bool identifiesRows = false;
 };
 
 }  // namespace host

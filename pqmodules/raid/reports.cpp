@@ -14,4 +14,13 @@ AnswerExplanation ExplainNoLsiController(std::vector<std::string> tables) {
           std::move(tables)};
 }
 
+Omission LeaveOutOtherLsiControllers(const std::string& elsewhere) {
+  return {.text = "Only controller 0 is read.",
+          .note = "of controller 0 alone: storcli counts {} controllers" + elsewhere,
+          .sign = OmissionSign::kCount,
+          .command = {kStorcli, kCountArguments, kCountReportName},
+          .label = std::string(kCountLabel),
+          .most = 1};
+}
+
 }  // namespace pq

@@ -33,4 +33,8 @@ ToolDescription DescribeStorcli();
 /// How storcli says that it counts no controller, which leaves `tables` empty.
 AnswerExplanation ExplainNoLsiController(std::vector<std::string> tables);
 
+/// That a table has only controller 0. `elsewhere` follows the number of controllers and says where
+/// the others are, with a blank before it; empty when nowhere.
+Omission LeaveOutOtherLsiControllers(const std::string& elsewhere);
+
 }  // namespace pq

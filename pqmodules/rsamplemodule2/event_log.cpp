@@ -177,6 +177,13 @@ void DescribeEventLog(ModuleDescription& module) {
         .className = page.className, .title = page.title, .commands = {DescribeReport(kReport)}};
     table.isLog = true;
     table.AddColumns(kColumns);
+    table.leavesOut = {LeaveOutOtherControllers(),
+                       {.text = "The last event of the dump is on no page.",
+                        .note = "the last event of the dump, with the number {}, is on no page",
+                        .sign = OmissionSign::kOpenRecord,
+                        .command = DescribeReport(kReport),
+                        .label = std::string(kRecordStart),
+                        .end = std::string(kNextController)}};
     if (thousandsBefore > 0) {
       table.whyNoRow = "fewer than " + std::to_string(thousandsBefore) + ",000 events were read";
     }

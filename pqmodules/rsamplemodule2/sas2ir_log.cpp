@@ -90,6 +90,14 @@ void DescribeSas2IrLog(ModuleDescription& module) {
       .isLog = true};
   for (const LabelledColumn& fact : kFactColumns) table.AddColumn(fact.column);
   table.EndRowsAt(std::rbegin(kFactColumns)->label);
+  table.leavesOut = {
+      {.text = "Only controller 0 is read."},
+      {.text = std::string("`") + kUploadedLog +
+               "`, the log as the controller gave it, stays in the host's working folder.",
+       .note = std::string(kUploadedLog) +
+               ", the log as the controller gave it, stays in the host's working folder",
+       .sign = OmissionSign::kToolRuns,
+       .command = table.commands.front()}};
   module.tables.push_back(table);
   module.tools.push_back({kUploadTool, "Broadcom, formerly LSI", "SAS2IRCU"});
   module.tools.push_back({kDecoder, {}, {}});

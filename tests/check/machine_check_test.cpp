@@ -389,8 +389,7 @@ TEST(CheckCommand, TellsProgramsTheSame) {
             R"("program":"ipmiutilnh.exe","state":"found","text":"",)"
             R"("vendor":"the ipmiutil project"})");
   EXPECT_EQ(all["machine"][0].dump(),
-            R"({"state":"ok","subject":"language","text":"1033, English (United States)"
-})");
+            R"x({"state":"ok","subject":"language","text":"1033, English (United States)"})x");
 }
 
 TEST(CheckCommand, SaysWhatIsWrongWithARecording) {

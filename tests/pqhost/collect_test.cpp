@@ -101,6 +101,24 @@ TEST(Collect, DescribesTheRecordedMachine) {
   EXPECT_EQ(machine["logFolder"], "C:\\Halyard\\logs\\");
 }
 
+TEST(Collect, KnowsTheMachineByItsRecording) {
+  const Json machine = Json::parse(ReplayServer({"--format", "json"}).out)["machine"];
+  EXPECT_EQ(machine["name"], "NODE31");
+  EXPECT_EQ(machine["recordedAt"], "2026-11-18T09:41:12+01:00");
+  EXPECT_EQ(machine["maker"], "Northgate");
+  EXPECT_EQ(machine["serial"], "NGR208-0031");
+  EXPECT_EQ(machine["assetTag"], "DC2-R11-U18");
+}
+
+TEST(Collect, TellsASubmissionThatCannotBeReadAndGoesOn) {
+  MadeRecording recording("");
+  recording.AddFile("submission.json", R"({"format": 1, "recordedAt": "yesterday"})");
+  const HostRun run = Replay(recording.Path(), {"--table", "ARPINFO", "--format", "json"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.error, HasSubstr("pqhost: submission.json: recordedAt: has to be a time"));
+  EXPECT_EQ(Json::parse(run.out)["tables"].size(), 1u);
+}
+
 TEST(Collect, TracesModuleLayoutAndEnumerationInOrder) {
   const HostRun run = ReplayServer({"--module", "Windows_Related_Info", "--trace", "-"});
   EXPECT_EQ(run.exitCode, 0);
@@ -361,6 +379,39 @@ TEST(Collect, NamesTheToolWhoseCommandLineIsTooLong) {
   EXPECT_THAT(run.error, HasSubstr("FWTERMLOG      storcli.exe: CreateProcess failed (206)\n"));
 }
 
+TEST(Collect, SaysThatAMissingToolsArchiveIsFromBefore) {
+  MadeRecording recording(
+      R"(, "commands": [{"tool": "storcli.exe", "arguments": "show ctrlcount"}],)"
+      R"( "files": {"c:\\Support\\Firmware\\Controller_1_Config.txt": "config"})");
+  recording.AddFile("config", "   Controller Status : Optimal\n");
+  const HostRun run = Replay(recording.Path(), {"--table", "PMCINFO", "--format", "json"});
+  EXPECT_EQ(run.exitCode, 1);
+  const Json all = Json::parse(run.out);
+  EXPECT_EQ(all["tables"][0]["status"]["notes"],
+            Json({"from files of an unknown time; arcconf.exe is not on this machine"}));
+  EXPECT_THAT(run.error, HasSubstr("pqhost: not collected: sampleModule1, arcconf.exe: is not on "
+                                   "this machine; files of an unknown time are used instead "
+                                   "(concerns PMCINFO, PMCVER, PMCLINK)\n"));
+}
+
+TEST(Collect, SaysThatAReportThatCouldNotBeWrittenIsFromBefore) {
+  MadeRecording recording(
+      R"(, "commands": [{"tool": "storcli.exe", "arguments": "show ctrlcount"},)"
+      R"( {"tool": "storcli.exe", "arguments": "/c0 show", "stdout": "today"}],)"
+      R"( "files": {"C:\\Halyard\\logs\\c0_showall.txt": "yesterday"},)"
+      R"( "readOnly": ["C:\\Halyard\\logs\\c0_showall.txt"])");
+  recording.AddFile("today", "CLI Version = 2\n");
+  recording.AddFile("yesterday", "CLI Version = 1\n");
+  const HostRun run = Replay(recording.Path(), {"--table", "PINFO", "--format", "json"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_EQ(Json::parse(run.out)["tables"][0]["status"]["notes"],
+            Json({"from files of an unknown time; storcli.exe did not run, because c0_showall.txt "
+                  "could not be written"}));
+  EXPECT_THAT(run.error, HasSubstr("sampleModule2, storcli.exe: did not run, because "
+                                   "c0_showall.txt could not be written; files of an unknown time "
+                                   "are used instead (concerns TINFO, VINFO, PINFO, LSILINK)\n"));
+}
+
 TEST(Collect, SaysOnceThatNobodyKnowsWhetherThereIsAmt) {
   const MadeRecording recording("");
   const HostRun run = Replay(recording.Path(), {"--table", "AMTLOG", "--table", "AMTLOG"});
@@ -490,7 +541,7 @@ TEST(Query, AsksADatabaseThatACollectionWasWrittenTo) {
   const HostRun run = RunHost(
       {"query", file, "SELECT rows FROM tables WHERE class = 'SENSORINFO'", "--format", "ndjson"});
   EXPECT_EQ(run.exitCode, 0) << run.error;
-  EXPECT_EQ(run.out, "{\"class\":\"ANSWER\",\"row\":{\"rows\":\"41\"}}\n");
+  EXPECT_EQ(run.out, "{\"class\":\"ANSWER\",\"row\":{\"rows\":41}}\n");
 }
 
 TEST(Query, WritesItsAnswerAsADatabase) {

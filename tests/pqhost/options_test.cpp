@@ -286,9 +286,15 @@ TEST(Options, TakeAQueryWithOrWithoutADatabase) {
   EXPECT_THAT(Complaint({"query", "nowhere.db", "SELECT 2"}), HasSubstr("nowhere.db"));
 }
 
-TEST(Options, RefusesADatabaseBesideARecording) {
-  EXPECT_EQ(Complaint({"query", "server.db", "SELECT 1", "--replay", "x"}),
-            "a database and --replay are both there to be asked: give one of them");
+TEST(Options, RefusesALogFolderForTheFilesOfSeveralMachines) {
+  EXPECT_THAT(
+      Complaint({"query", "server.db", "SELECT 1", "--replay", kSample, "--log-folder", "l"}),
+      StartsWith("--log-folder is for the files of one machine"));
+}
+
+TEST(Options, RefuseToIdentifyRowsThatNeedNot) {
+  EXPECT_EQ(Complaint({"collect", "--replay", kSample, "--identify", "--format", "json"}),
+            "--identify is for csv: json tells the machine in its own place; leave it away");
 }
 
 TEST(Options, RefusesAQueryWithoutSql) {

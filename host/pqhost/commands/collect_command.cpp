@@ -10,7 +10,10 @@
 
 #include "host/check/dry_machine.h"
 #include "host/collect/recorded_source.h"
+#include "host/collect/table_view.h"
 #include "host/files/places.h"
+#include "host/files/whole_file.h"
+#include "host/formats/csv_folder.h"
 #include "host/formats/formats.h"
 #include "host/live/live.h"
 #include "host/pqhost/commands/commands.h"
@@ -43,11 +46,14 @@ constexpr unsigned kLongestToolLimit = 86400;
 /// A tebibyte, more than a machine has.
 constexpr unsigned kLargestToolMemory = 1U << 20;
 
+constexpr char kCsvFormat[] = "csv";
+
 struct CollectOptions {
   Selection selection;
   SourceOptions source;
   ResultOptions result;
   std::optional<Destination> trace;
+  bool leavesAttachmentsOut = false;
   bool showsAll = false;  ///< also old lines of logs on a screen
   bool dryRun = false;    ///< show the commands instead of running them
 };
@@ -103,8 +109,21 @@ void RefuseWithDryRun(const OptionSet& set) {
   }
 }
 
+/// Whether the results go into a folder, a file for each table.
+bool IsFolder(const Destination& output) {
+  if (output.IsStandardOutput()) return false;
+  std::error_code error;
+  return !output.path.has_filename() || std::filesystem::is_directory(output.path, error);
+}
+
 /// Throws UsageError for options that contradict each other.
 void SettleOptions(CollectOptions& options, const OptionSet& set) {
+  if (options.result.identifiesRows && options.result.format != kCsvFormat &&
+      options.result.format != "ndjson") {
+    throw UsageError(
+        fmt::format("--identify is for csv: {} tells the machine in its own place; leave it away",
+                    options.result.format));
+  }
   if (options.trace) SeparateTrace(options, set.IsGiven("--format"));
   if (options.source.replay) RefuseWithReplay(options.source);
   RefuseInRecording(options.source, "--output", options.result.output);
@@ -145,8 +164,13 @@ int RunCollect(const CollectOptions& options, const Console& console) {
   // Anything that can be refused is refused before a tool runs.
   std::optional<ResultOutput> output;
   std::optional<TraceOutput> trace;
+  const bool isFolder = options.result.format == kCsvFormat && IsFolder(options.result.output);
   const auto openOutputs = [&](CollectionListeners& listeners) {
-    output.emplace(options.result.output, console);
+    if (isFolder) {
+      CreateEmptyFolder(options.result.output.path, "--output");
+    } else {
+      output.emplace(options.result.output, console);
+    }
     if (!options.trace) return;
     trace.emplace(*options.trace, console);
     listeners.Add(trace->Writer());
@@ -169,10 +193,16 @@ int RunCollect(const CollectOptions& options, const Console& console) {
       collection.problems.push_back(std::move(cut));
     }
   }
-  output->Write([&, &results = collection](Screen screen, std::ostream& out) {
-    screen.showsAll = options.showsAll;
-    format.write(results, screen, out);
-  });
+  if (options.leavesAttachmentsOut) RemoveAttachments(collection);
+  if (isFolder) {
+    WriteCsvFolder(collection, options.result.identifiesRows, options.result.output.path);
+  } else {
+    output->Write([&, &results = collection](Screen screen, std::ostream& out) {
+      screen.showsAll = options.showsAll;
+      screen.identifiesRows = options.result.identifiesRows;
+      format.write(results, screen, out);
+    });
+  }
   if (trace) trace->Close();
   if (!IsOnScreen(format, options.result.output, console)) ReportStatus(collection, console);
   source->TellKept(console);
@@ -218,6 +248,9 @@ CommandRun Define(OptionSet& set) {
   AddUnsafeFolder(set, source);
   AddFormat(set, options->result, "results");
   AddOutput(set, options->result, "results");
+  AddIdentify(set, options->result);
+  set.AddFlag("--no-attachments", options->leavesAttachmentsOut,
+              "Leave the whole files out of the results, such as the tools' reports");
   set.AddFlag("--all", options->showsAll,
               "Show all of each log; without it, --format table shows its newest lines");
   set.AddSeconds("--tool-limit", source.toolLimits.seconds, kLongestToolLimit,

@@ -51,6 +51,9 @@ class OptionSet {
   /// kFolder or kFile.
   void AddPath(const char* name, OptionValue value, std::optional<std::filesystem::path>& path,
                const char* help);
+  /// The same; may be repeated.
+  void AddPaths(const char* name, OptionValue value, std::vector<std::filesystem::path>& paths,
+                const char* help);
   void AddDestination(const char* name, Destination& destination, const std::string& help);
   void AddDestination(const char* name, std::optional<Destination>& destination, const char* help);
   /// One of `choices`; `choice` keeps its value unless given.

@@ -27,6 +27,10 @@ void AddModules(OptionSet& set, std::vector<std::string>& modules, const char* h
 void AddReplay(OptionSet& set, SourceOptions& source) {
   set.AddPath("--replay", OptionValue::kFolder, source.replay,
               "Take this recording for the machine");
+  AddReadingRules(set, source);
+}
+
+void AddReadingRules(OptionSet& set, SourceOptions& source) {
   std::vector<std::string> names;
   for (const NamedLimit& limit : kNamedLimits) names.emplace_back(limit.name);
   set.AddNumbers(
@@ -89,6 +93,12 @@ void AddFormat(OptionSet& set, ResultOptions& result, const char* noun) {
   set.AddChoice("--format", names, result.format,
                 fmt::format("Format of the {}: {}; {} unless given", noun, fmt::join(names, ", "),
                             result.format));
+}
+
+void AddIdentify(OptionSet& set, ResultOptions& result) {
+  set.AddFlag("--identify", result.identifiesRows,
+              "Begin each row of csv with machine, serial number, time and collection, as ndjson "
+              "always does");
 }
 
 void AddOutput(OptionSet& set, ResultOptions& result, const char* noun) {

@@ -1,0 +1,95 @@
+#include "host/answers/columns_fit.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "host/answers/intel_columns.h"
+#include "host/answers/lsi_columns.h"
+#include "host/answers/microchip_columns.h"
+#include "host/catalogue/table_sources.h"
+#include "host/text/ascii.h"
+#include "host/text/decoder.h"
+
+namespace host {
+namespace {
+
+struct FoundReport {
+  DecodedText text;
+  std::string where;
+};
+
+/// Of a Windows path.
+std::string_view FindFileName(std::string_view path) {
+  return path.substr(path.find_last_of('\\') + 1);
+}
+
+/// The report that went to one of the files of `table`'s tools.
+std::optional<FoundReport> FindLeftReport(const Collection& collection,
+                                          const CollectedTable& table) {
+  const pq::TableDescription* description = FindTableDescription(table.className);
+  if (description == nullptr) return std::nullopt;
+  for (const CollectedAnswer& answer : collection.answers) {
+    if (answer.module != table.module || answer.fileText.empty()) continue;
+    const std::string name = LowerCase(FindFileName(answer.file));
+    const bool isItsOwn =
+        std::any_of(description->commands.begin(), description->commands.end(),
+                    [&](const pq::ToolCommand& command) {
+                      return !command.file.empty() && LowerCase(command.file) == name;
+                    });
+    if (!isItsOwn) continue;
+    const TextDecoder decoder(collection.machine.codePage);
+    return FoundReport{decoder.Decode(answer.fileText), name + " in the log folder"};
+  }
+  return std::nullopt;
+}
+
+/// The report that another table carries whole, in its first row.
+std::optional<FoundReport> FindAttachedReport(const CollectedRows& rows, const ColumnCheck& check) {
+  const std::vector<CollectedRow> carriers = rows.ListRows(check.attachmentClass);
+  if (carriers.empty()) return std::nullopt;
+  auto text = carriers.front().FindText(check.attachmentKey);
+  if (!text || text->View().empty()) return std::nullopt;
+  return FoundReport{std::move(*text),
+                     fmt::format("{}, row 1, {}", check.attachmentClass, check.attachmentKey)};
+}
+
+std::vector<ColumnCheck> ListChecks() {
+  std::vector<ColumnCheck> checks;
+  for (const auto& some :
+       {ListLsiColumnChecks(), ListMicrochipColumnChecks(), ListIntelColumnChecks()}) {
+    checks.insert(checks.end(), some.begin(), some.end());
+  }
+  return checks;
+}
+
+}  // namespace
+
+void NoteUnfitColumns(Collection& collection) {
+  const CollectedRows rows(collection);
+  const std::vector<ColumnCheck> checks = ListChecks();
+  for (CollectedTable& table : collection.tables) {
+    for (const ColumnCheck& check : checks) {
+      if (check.className != table.className) continue;
+      // What the table was made of, rather than what another step was told later.
+      const auto left = FindLeftReport(collection, table);
+      const auto attached = FindAttachedReport(rows, check);
+      if (!left && !attached) continue;
+      const std::string misfit = check.findMisfit(
+          {table.className, rows.ListRows(table.className), (left ? left : attached)->text.View()});
+      if (misfit.empty()) continue;
+      table.status.notes.push_back(
+          fmt::format("columns do not fit this report: {}; the report itself: {}", misfit,
+                      (attached ? attached : left)->where));
+    }
+  }
+}
+
+std::string TellOtherValue(std::string_view label, std::string_view shown,
+                           std::string_view printed) {
+  return fmt::format("{} is \"{}\", the report has \"{}\"", label, shown, printed);
+}
+
+}  // namespace host

@@ -1,0 +1,63 @@
+#include "host/answers/parts/collected_rows.h"
+
+#include <algorithm>
+
+#include "host/answers/parts/report_lines.h"
+#include "host/collect/command_text.h"
+#include "host/text/ascii.h"
+
+namespace host {
+
+std::string CollectedRow::Get(std::string_view key) const {
+  const std::optional<DecodedText> text = FindText(key);
+  return text ? std::string(Trim(text->View())) : std::string();
+}
+
+std::string CollectedRow::GetLabel(std::string_view key) const {
+  for (const Column& column : row->shape->columns) {
+    if (column.key == key) return std::string(Trim(decoder->Decode(column.label).View()));
+  }
+  return {};
+}
+
+std::optional<DecodedText> CollectedRow::FindText(std::string_view key) const {
+  const std::vector<Column>& columns = row->shape->columns;
+  const auto found = std::find_if(columns.begin(), columns.end(),
+                                  [&](const Column& column) { return column.key == key; });
+  if (found == columns.end()) return std::nullopt;
+  return decoder->Decode(row->Value(static_cast<std::size_t>(found - columns.begin())));
+}
+
+Place CollectedRow::PlaceOf(std::string_view key, std::string_view tool) const {
+  return {row->shape->className, number, std::string(key), 0, std::string(tool)};
+}
+
+const CollectedTable* CollectedRows::FindTable(std::string_view className) const {
+  const auto found =
+      std::find_if(collection.tables.begin(), collection.tables.end(),
+                   [&](const CollectedTable& table) { return table.className == className; });
+  return found == collection.tables.end() ? nullptr : &*found;
+}
+
+std::vector<const CollectedAnswer*> CollectedRows::ListAnswers(std::string_view program,
+                                                               std::string_view arguments) const {
+  std::vector<const CollectedAnswer*> found;
+  for (const CollectedAnswer& answer : collection.answers) {
+    if (LowerCase(FindTool(answer.commandLine)) != program) continue;
+    if (FindArguments(answer.commandLine) == arguments) found.push_back(&answer);
+  }
+  return found;
+}
+
+std::vector<CollectedRow> CollectedRows::ListRows(std::string_view className) const {
+  std::vector<CollectedRow> rows;
+  const CollectedTable* table = FindTable(className);
+  if (table == nullptr || table->rows == nullptr) return rows;
+  rows.reserve(table->rows->rows.size());
+  for (const Row& row : table->rows->rows) {
+    rows.emplace_back(decoder, row, static_cast<std::int64_t>(rows.size()) + 1);
+  }
+  return rows;
+}
+
+}  // namespace host

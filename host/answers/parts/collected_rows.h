@@ -1,0 +1,59 @@
+// The rows of a collection's classes for readers of parts: texts in UTF-8, found by class and key.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/answers/parts/parts.h"
+#include "host/collect/collection.h"
+#include "host/text/decoder.h"
+
+namespace host {
+
+/// One row of a class; refers to the collection and its CollectedRows.
+class CollectedRow {
+ public:
+  CollectedRow(const TextDecoder& decoder, const Row& row, std::int64_t number)
+      : decoder(&decoder), row(&row), number(number) {}
+
+  std::int64_t Number() const { return number; }  ///< from 1
+  /// The value below `key`, in UTF-8 and trimmed; empty without one.
+  std::string Get(std::string_view key) const;
+  /// The row's own label for `key`, trimmed; empty without one.
+  std::string GetLabel(std::string_view key) const;
+  /// The value as it was collected, such as a whole report, in UTF-8; none without the property.
+  std::optional<DecodedText> FindText(std::string_view key) const;
+  /// Of the property; `tool` as in Place.
+  Place PlaceOf(std::string_view key, std::string_view tool = {}) const;
+
+ private:
+  const TextDecoder* decoder;
+  const Row* row;
+  std::int64_t number;
+};
+
+class CollectedRows {
+ public:
+  explicit CollectedRows(const Collection& collection)
+      : collection(collection), decoder(collection.machine.codePage) {}
+
+  /// Null when the class was not collected.
+  const CollectedTable* FindTable(std::string_view className) const;
+  /// The answers of the command lines that run `program`, such as "arcconf.exe", in their order;
+  /// with these `arguments`.
+  std::vector<const CollectedAnswer*> ListAnswers(std::string_view program,
+                                                  std::string_view arguments) const;
+  DecodedText Decode(std::string_view bytes) const { return decoder.Decode(bytes); }
+  /// The rows of `className`; none without the class.
+  std::vector<CollectedRow> ListRows(std::string_view className) const;
+
+ private:
+  const Collection& collection;
+  TextDecoder decoder;
+};
+
+}  // namespace host

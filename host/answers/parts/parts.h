@@ -1,0 +1,258 @@
+// Parts: what is true of a machine, in tables with typed columns that are the same for every
+// vendor, read from what the tools printed. Texts are UTF-8, without white space around them; an
+// empty text and an absent number say that nothing was told.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace host {
+
+/// Where something was read.
+struct Place {
+  std::string className;
+  std::int64_t row = 0;   ///< of the class, from 1; 0: of none
+  std::string key;        ///< the row's property
+  std::int64_t line = 0;  ///< of the property's text, from 1; 0: the property as a whole
+  std::string tool;       ///< as a person would call it: "storcli /c0 show"
+
+  bool operator==(const Place&) const = default;
+};
+
+/// A column of a part that was read elsewhere than the part itself.
+struct ColumnPlace {
+  std::string_view column;  ///< as in part_tables.h; a constant
+  Place place;
+};
+
+struct Part {
+  std::string id;  ///< no other part of the same table has it
+  Place readAt;
+  std::vector<ColumnPlace> columnPlaces;
+};
+
+/// Where `column` of `part` was read.
+inline const Place& FindPlace(const Part& part, std::string_view column) {
+  for (const ColumnPlace& other : part.columnPlaces) {
+    if (other.column == column) return other.place;
+  }
+  return part.readAt;
+}
+
+/// Keeps where `column` of `part` was read.
+inline void NotePlace(Part& part, std::string_view column, Place place) {
+  for (ColumnPlace& other : part.columnPlaces) {
+    if (other.column == column) {
+      other.place = std::move(place);
+      return;
+    }
+  }
+  part.columnPlaces.push_back({column, std::move(place)});
+}
+
+using Integer = std::optional<std::int64_t>;
+using Real = std::optional<double>;
+
+/// "lsi0", "mchp1", "intel".
+struct Controller : Part {
+  std::string vendor;
+  std::string number;
+  std::string model;
+  std::string serial;
+  std::string firmware;
+  std::string status;
+  std::string systemTime;
+  Real temperature;
+  std::string temperatureWord;
+  Integer drivesDefunct;
+  Integer volumesFailed;
+  Integer volumesDegraded;
+  Integer volumesDeclared;
+  Integer drivesDeclared;
+};
+
+/// "lsi0 69:9", "mchp1 0,3", "intel 0-2-0-0".
+struct Drive : Part {
+  std::string vendor;
+  std::string controller;
+  std::string place;
+  std::string location;
+  Integer deviceId;
+  std::string serial;
+  std::string model;
+  std::string firmware;
+  std::string interfaceName;
+  std::string media;
+  Integer size;
+  std::string state;
+  std::string condition;
+  std::string memberState;
+  std::string group;
+  Integer member;
+  Integer mediaErrors;
+  Integer otherErrors;
+  Integer predictiveFailures;
+  std::string smartAlert;
+  Integer shield;
+  Real temperature;
+  Real temperatureLimit;
+  Real linkSpeed;
+  Real deviceSpeed;
+  Integer wearLeft;
+  std::string failureReason;
+  std::string answer;
+};
+
+/// "lsi0 v3", "mchp1 v0", "intel Tank".
+struct Volume : Part {
+  std::string vendor;
+  std::string controller;
+  std::string number;
+  std::string name;
+  std::string level;
+  Integer size;
+  std::string state;
+  std::string condition;
+  std::string access;
+  std::string consistent;
+  std::string cache;
+  std::string initialized;
+  std::string failedStripes;
+  std::string group;
+};
+
+/// "lsi0 g2".
+struct Group : Part {
+  std::string vendor;
+  std::string controller;
+  std::string number;
+  std::string level;
+  std::string state;
+  std::string condition;
+  std::string busy;
+};
+
+/// "lsi0 g2 row 1", "mchp1 v0 segment 1".
+struct MissingDrive : Part {
+  std::string controller;
+  std::string group;
+  std::string place;
+  std::string state;
+};
+
+/// "lsi0 CacheVault", "mchp1 BBU".
+struct CacheBackup : Part {
+  std::string vendor;
+  std::string controller;
+  std::string kind;
+  std::string model;
+  std::string state;
+  std::string condition;
+  Real temperature;
+};
+
+/// "lsi0 e69", "mchp1 e0,18".
+struct Enclosure : Part {
+  std::string controller;
+  std::string number;
+  std::string state;
+  Integer slots;
+  Integer drives;
+  Integer powerSupplies;
+  Integer fans;
+  std::string product;
+};
+
+/// The sensor's name.
+struct Sensor : Part {
+  std::string name;
+  Integer number;
+  Integer type;
+  Integer eventType;
+  Real reading;
+  std::string unit;
+  std::string status;
+  Integer states;
+  Real lnr;
+  Real lc;
+  Real lnc;
+  Real unc;
+  Real uc;
+  Real unr;
+};
+
+/// "lsi0 0000cf1a", "sel 0012", "amt 4", "sas2 7".
+struct Event : Part {
+  std::string source;
+  std::string controller;
+  Integer number;
+  std::string time;
+  Integer code;
+  Integer level;
+  std::string kind;
+  Integer sensor;
+  Integer eventType;
+  Integer offset;
+  Integer asserted;
+  std::string text;
+  std::string sense;
+  std::string part;
+  std::string partId;
+};
+
+/// "PSU 1".
+struct PowerSupply : Part {
+  std::string text;
+  std::string status;
+  Real acVolts;
+  Real outputWatts;
+};
+
+/// The light's name.
+struct Led : Part {
+  std::string colour;
+  std::string state;
+};
+
+/// "BMC self-test".
+struct SelfTest : Part {
+  std::string code;
+  std::string text;
+};
+
+/// One of the groups of tools that a collection asks: "lsi", "microchip", "intel", "sensors",
+/// "sel", "fru", "power supplies", "leds", "amt", "sas2".
+struct PartSource : Part {
+  std::string state;
+  std::string observed;
+  Integer records;
+  Integer capacity;
+};
+
+/// A line, or a row, that looks like a part and could not be read as one.
+struct Unread : Part {
+  std::string text;
+};
+
+struct Parts {
+  std::vector<Controller> controllers;
+  std::vector<Drive> drives;
+  std::vector<Volume> volumes;
+  std::vector<Group> groups;
+  std::vector<MissingDrive> missingDrives;
+  std::vector<CacheBackup> cacheBackups;
+  std::vector<Enclosure> enclosures;
+  std::vector<Sensor> sensors;
+  std::vector<Event> events;
+  std::vector<PowerSupply> powerSupplies;
+  std::vector<Led> leds;
+  std::vector<SelfTest> selfTests;
+  std::vector<PartSource> sources;
+  std::vector<Unread> unread;
+};
+
+}  // namespace host

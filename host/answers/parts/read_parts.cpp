@@ -1,0 +1,82 @@
+#include "host/answers/parts/read_parts.h"
+
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "host/answers/parts/amt.h"
+#include "host/answers/parts/bmc.h"
+#include "host/answers/parts/collected_rows.h"
+#include "host/answers/parts/condition_words.h"
+#include "host/answers/parts/intel.h"
+#include "host/answers/parts/lsi.h"
+#include "host/answers/parts/microchip.h"
+
+namespace host {
+namespace {
+
+/// Reads the parts of one vendor or one device; may refer to what those before it read.
+using Reader = void (*)(const CollectedRows& rows, Parts& parts);
+
+constexpr Reader kReaders[] = {
+    ReadLsi, ReadMicrochip, ReadIntel, ReadBmc, ReadAmt, ReadSas2,
+};
+
+void FindConditions(Parts& parts) {
+  for (Drive& drive : parts.drives) drive.condition = FindDriveCondition(drive.state);
+  for (Volume& volume : parts.volumes) volume.condition = FindVolumeCondition(volume.state);
+  for (Group& group : parts.groups) group.condition = FindVolumeCondition(group.state);
+  for (CacheBackup& backup : parts.cacheBackups) {
+    backup.condition = FindCacheBackupCondition(backup.state);
+  }
+}
+
+/// The second of two parts with one id becomes "ID #2". References mean the first.
+template <typename Table>
+void MakeIdsUnique(Table& table) {
+  std::unordered_set<std::string> known;
+  std::unordered_map<std::string, int> count;
+  for (auto& part : table) {
+    if (known.insert(part.id).second) continue;
+    const std::string id = part.id;
+    int& number = count.try_emplace(id, 1).first->second;
+    do part.id = id + " #" + std::to_string(++number);
+    while (!known.insert(part.id).second);
+  }
+}
+
+void MakeIdsUnique(Parts& parts) {
+  MakeIdsUnique(parts.controllers);
+  MakeIdsUnique(parts.drives);
+  MakeIdsUnique(parts.volumes);
+  MakeIdsUnique(parts.groups);
+  MakeIdsUnique(parts.missingDrives);
+  MakeIdsUnique(parts.cacheBackups);
+  MakeIdsUnique(parts.enclosures);
+  MakeIdsUnique(parts.sensors);
+  MakeIdsUnique(parts.events);
+  MakeIdsUnique(parts.powerSupplies);
+  MakeIdsUnique(parts.leds);
+  MakeIdsUnique(parts.selfTests);
+  MakeIdsUnique(parts.sources);
+}
+
+void NumberUnread(Parts& parts) {
+  for (std::size_t i = 0; i < parts.unread.size(); ++i) {
+    parts.unread[i].id = std::to_string(i + 1);
+  }
+}
+
+}  // namespace
+
+Parts ReadParts(const Collection& collection) {
+  const CollectedRows rows(collection);
+  Parts parts;
+  for (const Reader read : kReaders) read(rows, parts);
+  FindConditions(parts);
+  MakeIdsUnique(parts);
+  NumberUnread(parts);
+  return parts;
+}
+
+}  // namespace host

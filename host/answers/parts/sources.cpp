@@ -1,0 +1,52 @@
+#include "host/answers/parts/sources.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+namespace host {
+namespace {
+
+/// Outcomes of tables whose tool has nothing to tell here.
+constexpr std::string_view kNotHere[] = {
+    "tool missing", "no such device",    "not this platform family",
+    "declined",     "not this language", "always empty",
+};
+
+std::string_view GetWord(SourceState state) {
+  switch (state) {
+    case SourceState::kRead:
+      return "read";
+    case SourceState::kFailed:
+      return "failed";
+    case SourceState::kNone:
+      return "none";
+  }
+  return {};
+}
+
+}  // namespace
+
+void AddSource(Parts& parts, std::string id, std::string className, SourceState state,
+               std::string observed) {
+  PartSource source;
+  source.id = std::move(id);
+  source.readAt.className = std::move(className);
+  source.state = GetWord(state);
+  source.observed = std::move(observed);
+  parts.sources.push_back(std::move(source));
+}
+
+void AddSourceWithoutParts(Parts& parts, std::string id, std::string className,
+                           const CollectedTable* table) {
+  if (table == nullptr) {
+    AddSource(parts, std::move(id), std::move(className), SourceState::kNone, "not collected");
+    return;
+  }
+  const bool isHere = std::find(std::begin(kNotHere), std::end(kNotHere), table->status.outcome) ==
+                      std::end(kNotHere);
+  AddSource(parts, std::move(id), std::move(className),
+            isHere ? SourceState::kFailed : SourceState::kNone, table->status.text);
+}
+
+}  // namespace host

@@ -1,0 +1,298 @@
+//   seqNum: 0x0000cf1a
+//   Time: Tue Jun  2 18:02:08 2015
+//
+//   Code: 0x000000fb
+//   Class: 2
+//   Locale: 0x01
+//   Event Description: VD 00/0 is now DEGRADED
+//   Event Data:
+//   ===========
+//   Target Id: 0
+//
+// The second generation of the tool prints "Sequence Number: 3772", a decimal code of another
+// numbering, and the class in words. The term log has a line for each event:
+//
+//   12/30/19 10:13:10: C0:EVT#87008-12/30/19 10:13:10: 218=Foreign Configuration Detected
+
+#include "host/answers/parts/storcli_events.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <optional>
+#include <unordered_set>
+#include <utility>
+
+#include "host/answers/parts/lsi_drives.h"
+#include "host/answers/parts/report_values.h"
+
+namespace host {
+namespace {
+
+struct ClassWord {
+  std::string_view word;
+  std::int64_t level;
+};
+constexpr ClassWord kClassWords[] = {
+    {"Debug", -2},  {"Progress", -1}, {"Informational", 0}, {"Information", 0},
+    {"Warning", 1}, {"Critical", 2},  {"Fatal", 3},         {"Fault", 4},
+};
+
+Integer ReadClass(std::string_view text) {
+  for (const ClassWord& known : kClassWords) {
+    if (known.word == text) return known.level;
+  }
+  return ReadInteger(text);
+}
+
+/// Codes of batteries and capacitors, first and last of each run.
+constexpr std::pair<std::int64_t, std::int64_t> kCacheBackupCodes[] = {
+    {0x8d, 0xa3}, {0xc2, 0xc3}, {0xc8, 0xc8}, {0xf2, 0xf2}, {0x182, 0x182}, {0x18b, 0x18b},
+};
+
+bool IsOfCacheBackup(const Integer& code) {
+  return std::any_of(std::begin(kCacheBackupCodes), std::end(kCacheBackupCodes),
+                     [&](const auto& run) { return code >= run.first && code <= run.second; });
+}
+
+constexpr std::string_view kHexDigits = "0123456789abcdefABCDEF";
+
+/// Takes hexadecimal digits off `text`, after "0x" if it is there; none without a digit.
+std::optional<std::string_view> TakeHex(std::string_view& text) {
+  if (text.starts_with("0x")) text.remove_prefix(2);
+  const std::size_t length = std::min(text.find_first_not_of(kHexDigits), text.size());
+  if (length == 0) return std::nullopt;
+  const std::string_view digits = text.substr(0, length);
+  text.remove_prefix(length);
+  return digits;
+}
+
+bool TakeOff(std::string_view& text, std::string_view prefix) {
+  if (!text.starts_with(prefix)) return false;
+  text.remove_prefix(prefix.size());
+  return true;
+}
+
+struct NamedDrive {
+  std::int64_t deviceId = 0;
+  std::string place;  ///< empty when the event does not tell
+};
+
+/// "20(e0x45/s14)", "0x26(e0x34/s11)" or "04(e252/s4)": the device id in hexadecimal, then
+/// enclosure and slot. Enclosure 0xff is none.
+std::optional<NamedDrive> ReadNamedDrive(std::string_view text) {
+  const auto id = TakeHex(text);
+  const Integer deviceId = id ? ReadHex(*id) : std::nullopt;
+  if (!deviceId) return std::nullopt;
+  NamedDrive drive{*deviceId, {}};
+  if (!TakeOff(text, "(e")) return drive;
+  const bool isHex = text.starts_with("0x");
+  const auto digits = TakeHex(text);
+  if (!digits || !TakeOff(text, "/s")) return drive;
+  const Integer enclosure = isHex ? ReadHex(*digits) : ReadInteger(*digits);
+  const Integer slot = ReadLeadingInteger(text.substr(0, text.find(')')));
+  if (!enclosure || !slot || *slot < 0) return drive;
+  drive.place =
+      *enclosure == 0xff ? fmt::format(":{}", *slot) : fmt::format("{}:{}", *enclosure, *slot);
+  return drive;
+}
+
+/// The text after the first `word` that begins a word of `text`; none without.
+std::optional<std::string_view> FindAfter(std::string_view text, std::string_view word) {
+  for (std::size_t at = text.find(word); at != std::string_view::npos;
+       at = text.find(word, at + word.size())) {
+    if (at == 0 || text[at - 1] == ' ' || text[at - 1] == 'E') {  // "EPD" is a drive, too
+      return text.substr(at + word.size());
+    }
+  }
+  return std::nullopt;
+}
+
+/// Key, code and qualifier of a SCSI error: "3/11/00".
+std::string FindSense(std::string_view text) {
+  constexpr std::string_view kLabel = "Sense:";
+  const std::size_t at = text.find(kLabel);
+  if (at == std::string_view::npos) return {};
+  const std::string_view rest = Trim(text.substr(at + kLabel.size()));
+  std::string_view left = rest;
+  const bool isSense =
+      TakeHex(left) && TakeOff(left, "/") && TakeHex(left) && TakeOff(left, "/") && TakeHex(left);
+  return isSense ? std::string(rest.substr(0, rest.size() - left.size())) : std::string();
+}
+
+/// Finds what events are about, and appends them.
+class EventList {
+ public:
+  EventList(const Report& report, Parts& parts)
+      : report(report), parts(parts), drives(parts, report.controller) {
+    for (const Event& event : parts.events) {
+      if (event.controller == report.controller && event.number) known.insert(*event.number);
+    }
+    const auto backup =
+        std::find_if(parts.cacheBackups.begin(), parts.cacheBackups.end(),
+                     [&](const CacheBackup& made) { return made.controller == report.controller; });
+    if (backup != parts.cacheBackups.end()) cacheBackup = backup->id;
+  }
+
+  bool Knows(std::int64_t number) const { return known.contains(number); }
+
+  /// `target` is the volume that the data of the event name.
+  void Add(Event event, const ReportLine& line, const Integer& target) {
+    event.readAt = PlaceOfLine(report, line);
+    event.source = kLsi;
+    event.controller = report.controller;
+    event.sense = FindSense(event.text);
+    event.id = event.number ? fmt::format("{} {:08x}", report.controller, *event.number)
+                            : fmt::format("{} line {}", report.controller, line.number);
+    if (event.number) known.insert(*event.number);
+    FindPart(event, target);
+    parts.events.push_back(std::move(event));
+  }
+
+ private:
+  void FindPart(Event& event, const Integer& target) {
+    if (const auto name = FindAfter(event.text, "PD ")) {
+      if (const auto drive = ReadNamedDrive(*name)) {
+        event.part = "drives";
+        event.partId = FindDrive(*drive);
+        return;
+      }
+    }
+    if (const Integer number = FindVolume(event.text, target)) {
+      event.part = "volumes";
+      event.partId = fmt::format("{} v{}", report.controller, *number);
+      return;
+    }
+    const bool isOfBackup = IsOfCacheBackup(event.code) && !cacheBackup.empty();
+    event.part = isOfBackup ? "cache_backups" : "controllers";
+    event.partId = isOfBackup ? cacheBackup : report.controller;
+  }
+
+  /// Of "VD 02/3": its target, otherwise the number after the slash, in hexadecimal.
+  static Integer FindVolume(std::string_view text, const Integer& target) {
+    auto name = FindAfter(text, "VD ");
+    if (!name || !TakeHex(*name) || !TakeOff(*name, "/")) return std::nullopt;
+    const auto number = TakeHex(*name);
+    if (!number) return std::nullopt;
+    return target ? target : ReadHex(*number);
+  }
+
+  /// The id of a drive by its place, otherwise by its number.
+  std::string FindDrive(const NamedDrive& named) {
+    const Drive* drive = named.place.empty() ? nullptr : drives.FindByPlace(named.place);
+    if (drive == nullptr) drive = drives.FindByDeviceId(named.deviceId);
+    if (drive != nullptr) return drive->id;
+    return named.place.empty() ? fmt::format("{} device {}", report.controller, named.deviceId)
+                               : drives.MakeId(named.place);
+  }
+
+  const Report& report;
+  Parts& parts;
+  LsiDrives drives;
+  std::unordered_set<std::int64_t> known;
+  std::string cacheBackup;
+};
+
+class DumpReader {
+ public:
+  DumpReader(const Report& report, Parts& parts)
+      : report(report), parts(parts), events(report, parts) {}
+
+  void Read() {
+    ReportLines lines(report.text);
+    for (ReportLine line; lines.Next(line);) Take(line);
+    End();
+  }
+
+ private:
+  struct OpenEvent {
+    Event event;
+    ReportLine line;
+    Integer target;
+    bool inData = false;
+  };
+
+  void Take(const ReportLine& line) {
+    const auto split = SplitLabel(line.text, ':');
+    if (!split) return;
+    if (split->label == "seqNum" || split->label == "Sequence Number") {
+      End();
+      open.emplace();
+      open->line = line;
+      open->event.number =
+          split->value.starts_with("0x") ? ReadHex(split->value) : ReadInteger(split->value);
+      return;
+    }
+    if (!open) return;
+    if (open->inData) {
+      if (split->label == "Target Id") open->target = ReadInteger(split->value);
+      return;
+    }
+    TakeFact(*open, split->label, split->value);
+  }
+
+  static void TakeFact(OpenEvent& open, std::string_view label, std::string_view value) {
+    Event& event = open.event;
+    if (label == "Time") event.time = ReadTime(value);
+    if (label == "Code" && value.starts_with("0x")) event.code = ReadHex(value);
+    if (label == "Class") event.level = ReadClass(value);
+    if (label == "Event Description") event.text = value;
+    open.inData = label == "Event Data";
+  }
+
+  void End() {
+    if (!open) return;
+    if (open->event.text.empty() && !open->event.code) {
+      KeepUnread(parts, report, open->line);
+    } else {
+      events.Add(std::move(open->event), open->line, open->target);
+    }
+    open.reset();
+  }
+
+  const Report& report;
+  Parts& parts;
+  EventList events;
+  std::optional<OpenEvent> open;
+};
+
+/// The event of a line of the term log; none when the line does not fit.
+std::optional<Event> ReadTermLogEvent(std::string_view text) {
+  const std::size_t dash = text.find('-');
+  const std::size_t equals = text.find('=');
+  if (dash == std::string_view::npos || equals == std::string_view::npos || equals < dash) {
+    return std::nullopt;
+  }
+  const std::string_view timeAndCode = text.substr(dash + 1, equals - dash - 1);
+  const std::size_t colon = timeAndCode.rfind(':');
+  if (colon == std::string_view::npos) return std::nullopt;
+  Event event;
+  event.number = ReadInteger(text.substr(0, dash));
+  event.code = ReadInteger(timeAndCode.substr(colon + 1));
+  if (!event.number || !event.code) return std::nullopt;
+  event.time = ReadTime(timeAndCode.substr(0, colon));  // "T28", since the start, is no date
+  event.text = Trim(text.substr(equals + 1));
+  return event;
+}
+
+}  // namespace
+
+void ReadStorcliEvents(const Report& report, Parts& parts) { DumpReader(report, parts).Read(); }
+
+void ReadStorcliTermLog(const Report& report, Parts& parts) {
+  constexpr std::string_view kSign = "EVT#";
+  EventList events(report, parts);
+  ReportLines lines(report.text);
+  for (ReportLine line; lines.Next(line);) {
+    const std::size_t at = line.text.find(kSign);
+    if (at == std::string_view::npos) continue;
+    std::optional<Event> event = ReadTermLogEvent(line.text.substr(at + kSign.size()));
+    if (!event) {
+      KeepUnread(parts, report, line);
+    } else if (!events.Knows(*event->number)) {
+      events.Add(std::move(*event), line, std::nullopt);
+    }
+  }
+}
+
+}  // namespace host

@@ -1,0 +1,15 @@
+// The logs of an LSI controller: its events, and the term log of its firmware, which repeats some.
+#pragma once
+
+#include "host/answers/parts/report.h"
+
+namespace host {
+
+/// storcli /cN show events: appends its events. Read it after the controller's drives and volumes,
+/// which events are about.
+void ReadStorcliEvents(const Report& report, Parts& parts);
+
+/// storcli /cN show termlog: appends the events in it that are not known yet.
+void ReadStorcliTermLog(const Report& report, Parts& parts);
+
+}  // namespace host

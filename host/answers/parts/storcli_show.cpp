@@ -1,0 +1,294 @@
+// One "label = value" line per fact of the controller, and a table for each kind of part, whose
+// title and columns depend on the tool's version:
+//
+//   Product Name = KORVA MR-24i
+//   ...
+//   EID:Slt DID State DG       Size Intf Med SED PI SeSz Model        Sp Type
+
+#include "host/answers/parts/storcli_show.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "host/answers/parts/header_table.h"
+#include "host/answers/parts/lsi_drives.h"
+#include "host/answers/parts/report_values.h"
+
+namespace host {
+namespace {
+
+struct ControllerFact {
+  std::string_view column;
+  /// Each as a whole, or only how it begins, where it ends with "(".
+  std::array<std::string_view, 3> labels;
+  void (*set)(Controller& controller, std::string_view value);
+};
+
+// The first line with one of its labels gives a fact; further down they are about something else.
+constexpr ControllerFact kFacts[] = {
+    {"model",
+     {"Product Name", "Model"},
+     [](Controller& made, std::string_view value) { made.model = value; }},
+    {"serial",
+     {"Serial Number"},
+     [](Controller& made, std::string_view value) { made.serial = value; }},
+    {"firmware",
+     {"FW Package Build", "Firmware Package Build", "Package Version"},
+     [](Controller& made, std::string_view value) { made.firmware = value; }},
+    {"system_time",
+     {"System Time", "System Time(", "Current System Date/time"},
+     [](Controller& made, std::string_view value) { made.systemTime = ReadTime(value); }},
+    {"status",
+     {"Controller Status"},
+     [](Controller& made, std::string_view value) { made.status = value; }},
+    {"temperature",
+     {"ROC temperature("},
+     [](Controller& made, std::string_view value) { made.temperature = ReadLeadingReal(value); }},
+    {"volumes_declared",
+     {"Virtual Drives"},
+     [](Controller& made, std::string_view value) { made.volumesDeclared = ReadInteger(value); }},
+    {"drives_declared",
+     {"Physical Drives"},
+     [](Controller& made, std::string_view value) { made.drivesDeclared = ReadInteger(value); }},
+};
+
+bool IsLabelOf(const ControllerFact& fact, std::string_view label) {
+  return std::any_of(fact.labels.begin(), fact.labels.end(), [&](std::string_view known) {
+    return known.ends_with('(') ? label.starts_with(known) : label == known;
+  });
+}
+
+struct CacheBackupTable {
+  std::string_view title;
+  std::string_view kind;
+};
+constexpr CacheBackupTable kCacheBackupTables[] = {
+    {"BBU_Info", "BBU"},
+    {"Cachevault_Info", "CacheVault"},
+};
+
+class ShowReader {
+ public:
+  ShowReader(const Report& report, Parts& parts)
+      : report(report), parts(parts), drives(parts, report.controller) {}
+
+  void Read() {
+    ReportLines lines(report.text);
+    for (ReportLine line; lines.Next(line);) {
+      const TableScan::LineKind kind = scan.Take(line.text);
+      if (kind == TableScan::LineKind::kRow) {
+        TakeRow(line);
+      } else if (kind == TableScan::LineKind::kOther) {
+        TakeFact(line);
+      }
+    }
+    if (!hasParts && controller.columnPlaces.empty()) return;
+    controller.id = report.controller;
+    controller.number = report.controller.substr(kLsiIdPrefix.size());
+    controller.vendor = kLsi;
+    controller.readAt = controller.columnPlaces.empty() ? PlaceOfLine(report, {{}, 1})
+                                                        : controller.columnPlaces.front().place;
+    parts.controllers.push_back(std::move(controller));
+  }
+
+ private:
+  void TakeFact(const ReportLine& line) {
+    const auto split = SplitLabel(line.text, '=');
+    if (!split) return;
+    for (std::size_t i = 0; i < std::size(kFacts); ++i) {
+      if (known[i] || !IsLabelOf(kFacts[i], split->label)) continue;
+      known[i] = true;
+      kFacts[i].set(controller, split->value);
+      NotePlace(controller, kFacts[i].column, PlaceOfLine(report, line));
+    }
+  }
+
+  void TakeRow(const ReportLine& line) {
+    const TableHeads& heads = scan.Heads();
+    hasParts = hasParts || HasDriveHeads(heads) || heads.Has("DG/VD");
+    if (!TakeRowOf(heads, line)) KeepUnread(parts, report, line);
+  }
+
+  /// False when the row is one of a part's table and does not fit it.
+  bool TakeRowOf(const TableHeads& heads, const ReportLine& line) {
+    if (HasDriveHeads(heads)) return TakeDrive(line);
+    if (heads.Has("DG/VD") && heads.Has("State")) return TakeVolume(line);
+    if (heads.Has("DG") && heads.Has("Arr") && heads.Has("Row")) return TakeTopology(line);
+    if (heads.Has("EID") && heads.Has("Slots")) return TakeEnclosure(line);
+    return TakeCacheBackup(line);
+  }
+
+  bool TakeDrive(const ReportLine& line) {
+    std::optional<Drive> drive = ReadLsiDriveRow(scan.Heads(), line.text, report.controller);
+    if (!drive) return false;
+    if (drives.FindByPlace(drive->place) != nullptr) return true;  // of two lists
+    drive->readAt = PlaceOfLine(report, line);
+    drives.Add(std::move(*drive));
+    return true;
+  }
+
+  bool TakeVolume(const ReportLine& line) {
+    const TableHeads& heads = scan.Heads();
+    const std::optional<RowCells> cells = heads.DealWords(line.text, "Name");
+    if (!cells) return false;
+    const std::string_view numbers = (*cells)["DG/VD"];
+    const std::size_t slash = numbers.find('/');
+    if (slash == std::string_view::npos) return false;
+    const std::string_view group = numbers.substr(0, slash);
+    const std::string_view number = numbers.substr(slash + 1);
+    const std::string_view size = (*cells)["Size"];
+    Volume volume;
+    volume.size = ReadSize(size);
+    volume.state = (*cells)["State"];
+    if (!IsNumber(number) || volume.state.empty() || (!volume.size && size != "-")) return false;
+    volume.id = report.controller + " v" + std::string(number);
+    volume.readAt = PlaceOfLine(report, line);
+    volume.vendor = kLsi;
+    volume.controller = report.controller;
+    volume.number = number;
+    volume.name = (*cells)["Name"];
+    volume.level = (*cells)["TYPE"];
+    volume.access = (*cells)["Access"];
+    volume.consistent = (*cells)["Consist"];
+    volume.cache = (*cells)[heads.Has("Cache") ? "Cache" : "CurrentCache"];
+    if (IsNumber(group)) volume.group = MakeGroupId(group);
+    parts.volumes.push_back(std::move(volume));
+    return true;
+  }
+
+  /// A group, one of its arrays, or one of their drives.
+  bool TakeTopology(const ReportLine& line) {
+    const std::optional<RowCells> cells = scan.Heads().DealWords(line.text, {});
+    if (!cells) return false;
+    const std::string_view group = (*cells)["DG"];
+    const std::string_view array = (*cells)["Arr"];
+    const std::string_view type = (*cells)["Type"];
+    const std::string_view state = (*cells)["State"];
+    if (type.empty() || state.empty()) return false;
+    if (type == "DRIVE") {
+      if (state == "Msng" || (*cells)["EID:Slot"] == "-") {
+        AddMissingDrive(line, group, array, (*cells)["Row"], state);
+      }
+    } else if (array == "-" && IsNumber(group)) {
+      Group made;
+      made.id = MakeGroupId(group);
+      made.readAt = PlaceOfLine(report, line);
+      made.vendor = kLsi;
+      made.controller = report.controller;
+      made.number = group;
+      made.level = type;
+      made.state = state;
+      made.busy = (*cells)["BT"];
+      parts.groups.push_back(std::move(made));
+    }
+    return true;
+  }
+
+  void AddMissingDrive(const ReportLine& line, std::string_view group, std::string_view array,
+                       std::string_view row, std::string_view state) {
+    MissingDrive missing;
+    missing.group = MakeGroupId(group);
+    // Every array counts its rows from 0.
+    missing.place = array == "0" ? "row " : "array " + std::string(array) + " row ";
+    missing.place += row;
+    missing.id = missing.group + " " + missing.place;
+    missing.readAt = PlaceOfLine(report, line);
+    missing.controller = report.controller;
+    missing.state = state;
+    parts.missingDrives.push_back(std::move(missing));
+  }
+
+  bool TakeEnclosure(const ReportLine& line) {
+    const RowCells cells = scan.Heads().CutBelowHeads(line.text);
+    if (!IsNumber(cells["EID"]) || cells["State"].empty()) return false;
+    Enclosure enclosure;
+    enclosure.number = cells["EID"];
+    enclosure.id = report.controller + " e" + enclosure.number;
+    enclosure.readAt = PlaceOfLine(report, line);
+    enclosure.controller = report.controller;
+    enclosure.state = cells["State"];
+    enclosure.slots = ReadInteger(cells["Slots"]);
+    enclosure.drives = ReadInteger(cells["PD"]);
+    enclosure.powerSupplies = ReadInteger(cells["PS"]);
+    enclosure.fans = ReadInteger(cells["Fans"]);
+    enclosure.product = cells["ProdID"];
+    parts.enclosures.push_back(std::move(enclosure));
+    return true;
+  }
+
+  /// False only for a row of a cache backup that cannot be read: rows of other tables are no parts.
+  bool TakeCacheBackup(const ReportLine& line) {
+    const auto* const table =
+        std::find_if(std::begin(kCacheBackupTables), std::end(kCacheBackupTables),
+                     [&](const CacheBackupTable& known) { return known.title == scan.Title(); });
+    const TableHeads& heads = scan.Heads();
+    if (table == std::end(kCacheBackupTables) || !heads.Has("State") || !heads.Has("Temp")) {
+      return true;
+    }
+    RowCells cells = heads.CutBelowHeads(line.text);
+    const auto isTemperature = [](std::string_view cell) {
+      return ReadLeadingReal(cell) || !IsTold(cell);
+    };
+    // A value longer than its column moves the rest of the row out of place.
+    if (!isTemperature(cells["Temp"])) {
+      const std::optional<RowCells> inOrder = heads.DealWords(line.text, {});
+      if (!inOrder) return false;
+      cells = *inOrder;
+    }
+    if (cells["State"].empty() || !isTemperature(cells["Temp"])) return false;
+    CacheBackup backup;
+    backup.id = report.controller + " " + std::string(table->kind);
+    backup.readAt = PlaceOfLine(report, line);
+    backup.vendor = kLsi;
+    backup.controller = report.controller;
+    backup.kind = table->kind;
+    backup.model = cells["Model"];
+    backup.state = cells["State"];
+    backup.temperature = ReadLeadingReal(cells["Temp"]);
+    parts.cacheBackups.push_back(std::move(backup));
+    return true;
+  }
+
+  std::string MakeGroupId(std::string_view number) const {
+    return report.controller + " g" + std::string(number);
+  }
+
+  const Report& report;
+  Parts& parts;
+  LsiDrives drives;
+  TableScan scan;
+  Controller controller;
+  bool hasParts = false;
+  std::array<bool, std::size(kFacts)> known{};
+};
+
+/// The values below a label of the head of a report.
+template <typename Take>
+void FindFact(std::string_view text, std::string_view label, const Take& take) {
+  ReportLines lines(text);
+  for (ReportLine line; lines.Next(line);) {
+    const auto split = SplitLabel(line.text, '=');
+    if (split && split->label == label) take(split->value);
+  }
+}
+
+}  // namespace
+
+void ReadStorcliShow(const Report& report, Parts& parts) { ShowReader(report, parts).Read(); }
+
+std::optional<std::string> FindStorcliFailure(std::string_view text) {
+  bool failed = false;
+  std::string description;
+  FindFact(text, "Status", [&](std::string_view value) { failed = failed || value == "Failure"; });
+  if (!failed) return std::nullopt;
+  FindFact(text, "Description", [&](std::string_view value) { description = value; });
+  return description;
+}
+
+bool TellsNoController(std::string_view text) {
+  return text.find("No Controller found") != std::string_view::npos ||
+         text.find("Controller Count = 0") != std::string_view::npos;
+}
+
+}  // namespace host
