@@ -38,7 +38,9 @@ std::optional<FoundReport> FindLeftReport(const Collection& collection,
                     [&](const pq::ToolCommand& command) {
                       return !command.file.empty() && LowerCase(command.file) == name;
                     });
-    if (!isItsOwn) continue;
+    // The next of several tools overwrote what one that failed had left.
+    const bool isOverwritten = description->commandsAreAlternatives && answer.exitCode != 0U;
+    if (!isItsOwn || isOverwritten) continue;
     const TextDecoder decoder(collection.machine.codePage);
     return FoundReport{decoder.Decode(answer.fileText), name + " in the log folder"};
   }
