@@ -11,6 +11,7 @@
 #include "host/catalogue/table_sources.h"
 #include "host/text/ascii.h"
 #include "host/text/decoder.h"
+#include "host/text/screen_text.h"
 
 namespace host {
 namespace {
@@ -89,7 +90,9 @@ void NoteUnfitColumns(Collection& collection) {
 
 std::string TellOtherValue(std::string_view label, std::string_view shown,
                            std::string_view printed) {
-  return fmt::format("{} is \"{}\", the report has \"{}\"", label, shown, printed);
+  constexpr std::size_t kWidth = 60;  // of a value in a sentence
+  return fmt::format("{} is \"{}\", the report has \"{}\"", label, CutText(shown, kWidth),
+                     CutText(printed, kWidth));
 }
 
 }  // namespace host

@@ -138,6 +138,14 @@ TEST(ColumnsFit, OfWhatTheSecondToolLeftWhereTheFirstFailed) {
                   "folder"});
 }
 
+TEST(ColumnsFit, AreToldInShort) {
+  const std::string name(100, 'x');
+  const Recording recording =
+      MakeMachine("FW Version = " + name + "\nPSOC FW Version = 6\n" + "Function Number = 0\n");
+  EXPECT_EQ(ListNotes(recording, "RAIDINFO"),
+            Note("FW Version is \"6\", the report has \"" + name.substr(0, 59) + "…\""));
+}
+
 TEST(ColumnsFit, OfReportsThatAreNotAttachedToo) {
   const Recording recording =
       MakeMachine("FW Version = 36\nPSOC FW Version = 6\nFunction Number = 0\n");
