@@ -8,6 +8,7 @@
 
 #include "host/answers/intel_columns.h"
 #include "host/answers/lsi_columns.h"
+#include "host/answers/microchip_columns.h"
 #include "host/catalogue/table_sources.h"
 #include "host/text/ascii.h"
 #include "host/text/decoder.h"
@@ -60,7 +61,8 @@ std::optional<FoundReport> FindAttachedReport(const CollectedRows& rows, const C
 
 std::vector<ColumnCheck> ListChecks() {
   std::vector<ColumnCheck> checks;
-  for (const auto& some : {ListLsiColumnChecks(), ListIntelColumnChecks()}) {
+  for (const auto& some :
+       {ListLsiColumnChecks(), ListMicrochipColumnChecks(), ListIntelColumnChecks()}) {
     checks.insert(checks.end(), some.begin(), some.end());
   }
   return checks;

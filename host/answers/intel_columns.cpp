@@ -1,6 +1,7 @@
 #include "host/answers/intel_columns.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <string>
@@ -11,40 +12,54 @@
 namespace host {
 namespace {
 
-/// Compares the rows of the end devices with their records, which are in the same order:
+struct SectionTable {
+  std::string_view className;
+  std::string_view section;
+  std::string_view thing;  ///< of a row, in the plural
+};
+constexpr SectionTable kTables[] = {
+    {"CONTROLLER", "CONTROLLER INFORMATION", "controllers"},
+    {"ARRAY", "ARRAY INFORMATION", "arrays"},
+    {"VOLUME", "VOLUME INFORMATION", "volumes"},
+    {"ENDDEVICEINFO", "END DEVICE INFORMATION", "end devices"},
+};
+
+/// Compares the rows of a table with the records of its sections, which are in the same order:
+///
+///   --END DEVICE INFORMATION--
 ///
 ///   ID:                     0-0-0-0
 ///   Size:                   1863 GB
 ///   Free Size:              0 GB
-class DeviceComparison {
+class SectionComparison {
  public:
-  explicit DeviceComparison(const TableBesideReport& table)
-      : table(table), columns(FindTableDescription(table.className)->columns) {}
+  SectionComparison(const SectionTable& known, const TableBesideReport& table)
+      : known(known), table(table), columns(FindTableDescription(table.className)->columns) {}
 
   std::string FindMisfit() {
     bool inSection = false;
     ReportLines lines(table.report);
     for (ReportLine line; lines.Next(line);) {
-      inSection = inSection || line.text.find("END DEVICE") != std::string_view::npos;
-      const auto split = SplitLabel(line.text, ':');
+      const std::string_view text = Trim(line.text);
+      if (text.starts_with("--")) inSection = text.find(known.section) != std::string_view::npos;
+      const auto split = SplitLabel(text, ':');
       if (inSection && split) Take(*split);
     }
-    if (otherRows > 1) firstOther += fmt::format(" ({} rows like that)", otherRows);
-    return firstOther;
+    return Tell();
   }
 
  private:
   void Take(const LabelledValue& fact) {
     if (fact.label == columns.front().label) {
-      ++record;
+      ++records;
       rowIsTold = false;
     }
-    if (record == 0 || record > table.rows.size() || rowIsTold) return;
+    if (records == 0 || records > table.rows.size() || rowIsTold) return;
     const auto column =
         std::find_if(columns.begin(), columns.end(),
-                     [&](const pq::ColumnDescription& known) { return known.label == fact.label; });
+                     [&](const pq::ColumnDescription& one) { return one.label == fact.label; });
     if (column == columns.end()) return;
-    const CollectedRow& row = table.rows[record - 1];
+    const CollectedRow& row = table.rows[records - 1];
     const std::string shown = row.Get(column->key);
     if (shown == fact.value) return;
     rowIsTold = true;
@@ -54,22 +69,41 @@ class DeviceComparison {
     }
   }
 
+  std::string Tell() const {
+    std::vector<std::string> reasons;
+    if (otherRows > 0) reasons.push_back(firstOther);
+    if (otherRows > 1) reasons.back() += fmt::format(" ({} rows like that)", otherRows);
+    if (records > table.rows.size()) {
+      reasons.push_back(fmt::format("{} of {} {} are not in the table", records - table.rows.size(),
+                                    records, known.thing));
+    }
+    return fmt::format("{}", fmt::join(reasons, "; "));
+  }
+
+  const SectionTable& known;
   const TableBesideReport& table;
   const std::vector<pq::ColumnDescription>& columns;
-  std::size_t record = 0;  ///< from 1
+  std::size_t records = 0;
   bool rowIsTold = false;
   std::size_t otherRows = 0;
   std::string firstOther;
 };
 
-std::string FindDeviceMisfit(const TableBesideReport& table) {
-  return DeviceComparison(table).FindMisfit();
+std::string FindMisfit(const TableBesideReport& table) {
+  const auto* known = std::find_if(std::begin(kTables), std::end(kTables), [&](const auto& one) {
+    return one.className == table.className;
+  });
+  return SectionComparison(*known, table).FindMisfit();
 }
 
 }  // namespace
 
 std::vector<ColumnCheck> ListIntelColumnChecks() {
-  return {{"ENDDEVICEINFO", {}, {}, FindDeviceMisfit}};
+  std::vector<ColumnCheck> checks;
+  for (const SectionTable& known : kTables) {
+    checks.push_back({known.className, {}, {}, FindMisfit});
+  }
+  return checks;
 }
 
 }  // namespace host

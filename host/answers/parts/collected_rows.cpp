@@ -3,12 +3,21 @@
 #include <algorithm>
 
 #include "host/answers/parts/report_lines.h"
+#include "host/collect/command_text.h"
+#include "host/text/ascii.h"
 
 namespace host {
 
 std::string CollectedRow::Get(std::string_view key) const {
   const std::optional<DecodedText> text = FindText(key);
   return text ? std::string(Trim(text->View())) : std::string();
+}
+
+std::string CollectedRow::GetLabel(std::string_view key) const {
+  for (const Column& column : row->shape->columns) {
+    if (column.key == key) return std::string(Trim(decoder->Decode(column.label).View()));
+  }
+  return {};
 }
 
 std::optional<DecodedText> CollectedRow::FindText(std::string_view key) const {
@@ -28,6 +37,16 @@ const CollectedTable* CollectedRows::FindTable(std::string_view className) const
       std::find_if(collection.tables.begin(), collection.tables.end(),
                    [&](const CollectedTable& table) { return table.className == className; });
   return found == collection.tables.end() ? nullptr : &*found;
+}
+
+std::vector<const CollectedAnswer*> CollectedRows::ListAnswers(std::string_view program,
+                                                               std::string_view arguments) const {
+  std::vector<const CollectedAnswer*> found;
+  for (const CollectedAnswer& answer : collection.answers) {
+    if (LowerCase(FindTool(answer.commandLine)) != program) continue;
+    if (FindArguments(answer.commandLine) == arguments) found.push_back(&answer);
+  }
+  return found;
 }
 
 std::vector<CollectedRow> CollectedRows::ListRows(std::string_view className) const {

@@ -23,6 +23,8 @@ class CollectedRow {
   std::int64_t Number() const { return number; }  ///< from 1
   /// The value below `key`, in UTF-8 and trimmed; empty without one.
   std::string Get(std::string_view key) const;
+  /// The row's own label for `key`, trimmed; empty without one.
+  std::string GetLabel(std::string_view key) const;
   /// The value as it was collected, such as a whole report, in UTF-8; none without the property.
   std::optional<DecodedText> FindText(std::string_view key) const;
   /// Of the property; `tool` as in Place.
@@ -41,6 +43,11 @@ class CollectedRows {
 
   /// Null when the class was not collected.
   const CollectedTable* FindTable(std::string_view className) const;
+  /// The answers of the command lines that run `program`, such as "arcconf.exe", in their order;
+  /// with these `arguments`.
+  std::vector<const CollectedAnswer*> ListAnswers(std::string_view program,
+                                                  std::string_view arguments) const;
+  DecodedText Decode(std::string_view bytes) const { return decoder.Decode(bytes); }
   /// The rows of `className`; none without the class.
   std::vector<CollectedRow> ListRows(std::string_view className) const;
 

@@ -108,6 +108,7 @@ const std::vector<PartTable>& MakeTables() {
               Column<&Drive::controller>("controller", "id of its controller"),
               Column<&Drive::place>("place",
                                     "where it is: enclosure:slot, or channel,device, or port"),
+              Column<&Drive::location>("location", "the same for people, where the tool tells it"),
               Column<&Drive::deviceId>("device_id", "the controller's number of the drive"),
               Column<&Drive::serial>("serial", "serial number"),
               Column<&Drive::model>("model", "model"),
@@ -277,6 +278,8 @@ const std::vector<PartTable>& MakeTables() {
                   "read; failed: asked, and no answer that is understood; none: not on this "
                   "machine"),
               Column<&PartSource::observed>("observed", "why it is not read"),
+              Column<&PartSource::records>("records", "of a log: how many records it has"),
+              Column<&PartSource::capacity>("capacity", "of a log: how many it has room for"),
           }),
       Table<&Parts::unread>("unread", "what looks like a part and could not be read as one",
                             {

@@ -80,6 +80,7 @@ struct Drive : Part {
   std::string vendor;
   std::string controller;
   std::string place;
+  std::string location;
   Integer deviceId;
   std::string serial;
   std::string model;
@@ -228,6 +229,8 @@ struct SelfTest : Part {
 struct PartSource : Part {
   std::string state;
   std::string observed;
+  Integer records;
+  Integer capacity;
 };
 
 /// A line, or a row, that looks like a part and could not be read as one.

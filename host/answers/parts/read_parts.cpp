@@ -4,9 +4,13 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "host/answers/parts/amt.h"
+#include "host/answers/parts/bmc.h"
 #include "host/answers/parts/collected_rows.h"
 #include "host/answers/parts/condition_words.h"
+#include "host/answers/parts/intel.h"
 #include "host/answers/parts/lsi.h"
+#include "host/answers/parts/microchip.h"
 
 namespace host {
 namespace {
@@ -15,8 +19,7 @@ namespace {
 using Reader = void (*)(const CollectedRows& rows, Parts& parts);
 
 constexpr Reader kReaders[] = {
-    ReadLsi,
-    ReadSas2,
+    ReadLsi, ReadMicrochip, ReadIntel, ReadBmc, ReadAmt, ReadSas2,
 };
 
 void FindConditions(Parts& parts) {

@@ -47,6 +47,24 @@ std::optional<LabelledValue> SplitLabel(std::string_view line, char separator) {
   return split;
 }
 
+std::optional<LabelledValue> SplitPaddedLabel(std::string_view line) {
+  const auto isBlankAt = [&](std::size_t at) {
+    return at >= line.size() || line[at] == ' ' || line[at] == '\t';
+  };
+  std::size_t plain = std::string_view::npos;
+  for (std::size_t at = line.find(':'); at != std::string_view::npos; at = line.find(':', at + 1)) {
+    if (!isBlankAt(at + 1)) continue;
+    if (plain == std::string_view::npos) plain = at;
+    if (at == 0 || !isBlankAt(at - 1)) continue;
+    plain = at;
+    break;
+  }
+  if (plain == std::string_view::npos) return std::nullopt;
+  const LabelledValue split{Trim(line.substr(0, plain)), Trim(line.substr(plain + 1))};
+  if (split.label.empty()) return std::nullopt;
+  return split;
+}
+
 bool IsRule(std::string_view text, char c, std::size_t least) {
   const std::string_view rule = Trim(text);
   return rule.size() >= least && rule.find_first_not_of(c) == std::string_view::npos;

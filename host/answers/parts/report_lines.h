@@ -41,6 +41,10 @@ struct LabelledValue {
 /// none without a separator or a label.
 std::optional<LabelledValue> SplitLabel(std::string_view line, char separator);
 
+/// "LABEL   : VALUE", parted at the first colon between blanks, since labels and values may hold
+/// others; without such a one at the first before a blank or the line's end. As above otherwise.
+std::optional<LabelledValue> SplitPaddedLabel(std::string_view line);
+
 /// `text` consists of at least `least` characters `c`, blanks around them aside.
 bool IsRule(std::string_view text, char c, std::size_t least);
 

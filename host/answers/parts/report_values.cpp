@@ -172,6 +172,11 @@ Integer ReadHex(std::string_view text) {
   return ReadWhole(digits, 16);
 }
 
+Integer ReadHexDigits(std::string_view text, std::size_t least, std::size_t most) {
+  if (text.size() < least || text.size() > most || text.starts_with('-')) return std::nullopt;
+  return ReadWhole(text, 16);
+}
+
 Real ReadLeadingReal(std::string_view text) {
   const std::string_view trimmed = Trim(text);
   const std::size_t length = MeasureNumber(trimmed);

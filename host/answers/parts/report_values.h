@@ -16,6 +16,9 @@ Integer ReadInteger(std::string_view text);
 /// A hexadecimal number, with or without "0x", with blanks around it at most.
 Integer ReadHex(std::string_view text);
 
+/// A hexadecimal number of so many digits and nothing else.
+Integer ReadHexDigits(std::string_view text, std::size_t least, std::size_t most);
+
 /// The number that `text` begins with after blanks: 22 of "22C (71.60 F)".
 Real ReadLeadingReal(std::string_view text);
 Integer ReadLeadingInteger(std::string_view text);

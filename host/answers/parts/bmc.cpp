@@ -1,0 +1,361 @@
+#include "host/answers/parts/bmc.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "host/answers/parts/ipmiutil_sel.h"
+#include "host/answers/parts/ipmiutil_sensors.h"
+#include "host/answers/parts/report_lines.h"
+#include "host/answers/parts/report_values.h"
+#include "host/answers/parts/sources.h"
+#include "host/text/ascii.h"
+#include "host/text/decoder.h"
+
+namespace host {
+namespace {
+
+constexpr char kProgram[] = "ipmiutilnh.exe";
+constexpr char kReadingsArguments[] = "sensor -s -q";
+constexpr char kRecordsArguments[] = "sensor";
+// As a person would call them.
+constexpr char kReadingsTool[] = "ipmiutil sensor -s -q";
+constexpr char kRecordsTool[] = "ipmiutil sensor";
+
+/// What a listing of ipmiutil says of itself. It ends with
+///   ipmiutil sensor, completed successfully
+/// or with what went wrong in place of the last two words. Some builds end without either.
+class ListingEnd {
+ public:
+  void Take(std::string_view line) {
+    const std::string_view text = Trim(line);
+    if (first.empty()) first = CleanUtf8(text.substr(0, kLongestWords));
+    const std::vector<std::string_view> words = ListWords(text);
+    if (words.size() < 3 || words[0] != "ipmiutil" || !words[1].ends_with(',')) return;
+    closing = CleanUtf8(text.substr(0, kLongestWords));
+    endedWell = text.ends_with("completed successfully");
+  }
+
+  bool EndedWell() const { return endedWell; }
+  bool EndedBadly() const { return !closing.empty() && !endedWell; }
+  /// Why nothing could be read: the listing's own words.
+  const std::string& Words() const { return EndedBadly() ? closing : first; }
+
+ private:
+  static constexpr std::size_t kLongestWords = 200;  // bytes
+
+  std::string first;
+  std::string closing;
+  bool endedWell = false;
+};
+
+/// The interpreter names a program that it cannot find; ipmiutil does not call itself so.
+bool NamesProgram(std::string_view line) {
+  return LowerCase(line).find(kProgram) != std::string::npos;
+}
+
+/// Whether a line is ipmiutil's talk about itself, not about the machine.
+bool IsTalk(std::string_view line) {
+  return line.empty() || line.starts_with("ipmiutil ") || line.starts_with("Opening ") ||
+         line.starts_with("-- BMC version");
+}
+
+/// Appends the source `id` of the table `className`. `hasParts`: something was read.
+void AddBmcSource(const CollectedRows& rows, Parts& parts, const char* id, const char* className,
+                  bool hasParts, const std::vector<ListingEnd>& ends) {
+  const auto find = [&](auto test) { return std::find_if(ends.begin(), ends.end(), test); };
+  const auto bad = find([](const ListingEnd& end) { return end.EndedBadly(); });
+  const auto told = find([](const ListingEnd& end) { return !end.Words().empty(); });
+  if (bad != ends.end()) {
+    AddSource(parts, id, className, SourceState::kFailed,
+              (hasParts ? "cut short: " : "") + bad->Words());
+  } else if (hasParts ||
+             find([](const ListingEnd& end) { return end.EndedWell(); }) != ends.end()) {
+    AddSource(parts, id, className, SourceState::kRead);
+  } else if (told == ends.end()) {
+    AddSourceWithoutParts(parts, id, className, rows.FindTable(className));
+  } else {
+    // The interpreter tells in the system's language that there is no such program.
+    const bool isMissing = NamesProgram(told->Words());
+    AddSource(parts, id, className, isMissing ? SourceState::kNone : SourceState::kFailed,
+              told->Words());
+  }
+}
+
+/// Reads the lines of a class that carries one a row under its own name.
+template <typename TakeLine>
+ListingEnd ReadLineRows(const CollectedRows& rows, std::string_view className,
+                        std::string_view tool, const TakeLine& take) {
+  ListingEnd end;
+  for (const CollectedRow& row : rows.ListRows(className)) {
+    const std::string line = row.Get(className);
+    end.Take(line);
+    take(std::string_view(line), row.PlaceOf(className, tool));
+  }
+  return end;
+}
+
+void KeepUnread(Parts& parts, std::string_view line, const Place& at) {
+  Unread& unread = parts.unread.emplace_back();
+  unread.readAt = at;
+  unread.text = line;
+}
+
+// --- sensors ---
+
+/// Where the class SENSORINFO shows a line of the readings: it deals their cells to ten columns, by
+/// count alone.
+class DealtCells {
+ public:
+  explicit DealtCells(std::size_t rowCount) : rowCount(rowCount) {}
+
+  /// The place of the cell with the status, counted from 0 in the line at hand.
+  Place PlaceOf(std::size_t cell, std::int64_t line) const {
+    constexpr std::size_t kColumns = 10;
+    const std::size_t dealt = dealtBefore + cell;
+    Place place{{}, 0, {}, line, kReadingsTool};
+    if (dealt / kColumns >= rowCount) return place;
+    place.className = "SENSORINFO";
+    place.row = static_cast<std::int64_t>(dealt / kColumns) + 1;
+    place.key = "item" + std::to_string(dealt % kColumns + 1);
+    place.line = 0;
+    return place;
+  }
+
+  /// Goes on to the next line.
+  void Pass(std::string_view line) {
+    bool isInCell = false;
+    for (const char c : line) {
+      if (c != '|' && !isInCell) ++dealtBefore;
+      isInCell = c != '|';
+    }
+  }
+
+ private:
+  std::size_t rowCount;
+  std::size_t dealtBefore = 0;  ///< cells
+};
+
+ListingEnd ReadReadings(const CollectedRows& rows, SensorReader& reader, Parts& parts) {
+  ListingEnd end;
+  const auto answers = rows.ListAnswers(kProgram, kReadingsArguments);
+  if (answers.empty()) return end;
+  const DecodedText text = rows.Decode(answers.back()->output);
+  const CollectedTable* table = rows.FindTable("SENSORINFO");
+  DealtCells cells(table == nullptr ? 0 : table->RowCount());
+  ReportLine line;
+  for (ReportLines lines(text.View().substr(0, text.View().find('\0'))); lines.Next(line);) {
+    end.Take(line.text);
+    if (!reader.TakeReading(line.text, cells.PlaceOf(FindStatusCell(line.text), line.number))) {
+      KeepUnread(parts, Trim(line.text), {{}, 0, {}, line.number, kReadingsTool});
+    }
+    cells.Pass(line.text);
+  }
+  return end;
+}
+
+ListingEnd ReadRecords(const CollectedRows& rows, SensorReader& reader, Parts& parts) {
+  if (rows.FindTable("SDRINFO") != nullptr && rows.FindTable("SDRINFO")->RowCount() > 0) {
+    return ReadLineRows(rows, "SDRINFO", kRecordsTool, [&](std::string_view line, const Place& at) {
+      if (!reader.TakeRecord(line, at)) KeepUnread(parts, line, at);
+    });
+  }
+  // Some platforms are not asked for their records, but leave the same listing as a file.
+  ListingEnd end;
+  const auto answers = rows.ListAnswers(kProgram, kRecordsArguments);
+  const auto left = std::find_if(answers.begin(), answers.end(), [](const CollectedAnswer* answer) {
+    return !answer->file.empty();
+  });
+  if (left == answers.end()) return end;
+  const DecodedText text = rows.Decode((*left)->fileText);
+  ReportLine line;
+  for (ReportLines lines(text.View()); lines.Next(line);) {
+    end.Take(line.text);
+    const Place at{{}, 0, {}, line.number, kRecordsTool};
+    if (!reader.TakeRecord(line.text, at)) KeepUnread(parts, Trim(line.text), at);
+  }
+  return end;
+}
+
+void ReadSensors(const CollectedRows& rows, Parts& parts) {
+  SensorReader reader(parts);
+  std::vector<ListingEnd> ends;
+  ends.push_back(ReadReadings(rows, reader, parts));
+  ends.push_back(ReadRecords(rows, reader, parts));
+  AddBmcSource(rows, parts, "sensors",
+               rows.FindTable("SENSORINFO") != nullptr ? "SENSORINFO" : "SDRINFO",
+               !parts.sensors.empty(), ends);
+}
+
+// --- logs and inventory ---
+
+void ReadSel(const CollectedRows& rows, Parts& parts) {
+  std::unordered_map<std::int64_t, std::string> sensorIds;
+  for (const Sensor& sensor : parts.sensors) {
+    if (sensor.number) sensorIds.emplace(*sensor.number, sensor.id);
+  }
+  std::optional<SelSize> size;
+  bool hasEvents = false;
+  const ListingEnd end =
+      ReadLineRows(rows, "SELINFO", "ipmiutil sel", [&](std::string_view line, const Place& at) {
+        if (const auto told = ReadSelSize(line)) size = told;
+        if (!LooksLikeSelRecord(line)) return;
+        std::optional<Event> event = ReadSelRecord(line, at);
+        if (!event) {
+          KeepUnread(parts, line, at);
+          return;
+        }
+        hasEvents = true;
+        if (event->sensor) {
+          const auto sensor = sensorIds.find(*event->sensor);
+          event->part = "sensors";
+          event->partId = sensor != sensorIds.end()
+                              ? sensor->second
+                              : fmt::format("{} #{:02x}", event->kind, *event->sensor);
+        }
+        parts.events.push_back(std::move(*event));
+      });
+  AddBmcSource(rows, parts, "sel", "SELINFO", hasEvents || size.has_value(), {end});
+  if (!size) return;
+  parts.sources.back().records = size->used;
+  parts.sources.back().capacity = size->capacity;
+}
+
+void ReadFru(const CollectedRows& rows, Parts& parts) {
+  bool hasFacts = false;
+  const ListingEnd end = ReadLineRows(
+      rows, "FRUINFO", "ipmiutil fru", [&](std::string_view line, const Place& /*at*/) {
+        // "[Baseboard,20,00] Product Name        : R208"
+        hasFacts = hasFacts || (line.starts_with('[') && line.find("] ") != std::string_view::npos);
+      });
+  AddBmcSource(rows, parts, "fru", "FRUINFO", hasFacts, {end});
+}
+
+// --- the maker's own queries ---
+
+/// A controller of another maker has nothing to answer to them.
+void AddOwnSource(const CollectedRows& rows, Parts& parts, const char* id, const char* className,
+                  bool hasParts, const ListingEnd& end) {
+  const CollectedTable* table = rows.FindTable(className);
+  if (table != nullptr && table->status.outcome == "nothing printed") {
+    AddSource(parts, id, className, SourceState::kNone, table->status.text);
+  } else {
+    AddBmcSource(rows, parts, id, className, hasParts, {end});
+  }
+}
+
+/// The number right before `unit`, a word of `line`, after the first of `label`.
+Real FindAmount(std::string_view line, std::string_view label, std::string_view unit) {
+  const std::size_t at = line.find(label);
+  if (at == std::string_view::npos) return std::nullopt;
+  const std::vector<std::string_view> words = ListWords(line.substr(at + label.size()));
+  const auto found = std::find(words.begin(), words.end(), unit);
+  if (found == words.begin() || found == words.end()) return std::nullopt;
+  return ReadLeadingReal(*(found - 1));
+}
+
+//   PSU 1  present   NG-PS-1100T   serial PSN2204117   1100 W
+//          AC input  231.0 V  0.92 A  208 W
+//          DC output  12.08 V  15.6 A  188 W   fan 6240 RPM   temperature 34 C   status OK
+void ReadPowerSupplies(const CollectedRows& rows, Parts& parts) {
+  constexpr std::string_view kBegin = "PSU";
+  constexpr std::string_view kStatus = "status ";
+  PowerSupply* supply = nullptr;
+  const ListingEnd end = ReadLineRows(
+      rows, "PSUINFO", "ipmiutil korvaxoem psu", [&](std::string_view line, const Place& at) {
+        const Integer number = line.starts_with(kBegin)
+                                   ? ReadLeadingInteger(line.substr(kBegin.size()))
+                                   : std::nullopt;
+        if (number) {
+          supply = &parts.powerSupplies.emplace_back();
+          supply->id = "PSU " + std::to_string(*number);
+          supply->readAt = at;
+        }
+        if (IsTalk(line) || supply == nullptr) return;
+        supply->text.append(supply->text.empty() ? "" : " / ").append(line);
+        const auto learn = [&](std::string_view column, Real& member, Real amount) {
+          if (!amount || member) return;
+          member = amount;
+          NotePlace(*supply, column, at);
+        };
+        learn("ac_volts", supply->acVolts, FindAmount(line, "AC input", "V"));
+        learn("output_watts", supply->outputWatts, FindAmount(line, "DC output", "W"));
+        const std::size_t status = line.find(kStatus);
+        if (status == std::string_view::npos || !supply->status.empty()) return;
+        supply->status = Trim(line.substr(status + kStatus.size()));
+        NotePlace(*supply, "status", at);
+      });
+  AddOwnSource(rows, parts, "power supplies", "PSUINFO", supply != nullptr, end);
+}
+
+//   Fan fault LED      amber   off
+void ReadLeds(const CollectedRows& rows, Parts& parts) {
+  bool isMissing = false;
+  const ListingEnd end = ReadLineRows(
+      rows, "LEDINFO", "ipmiutil korvaxoem led", [&](std::string_view line, const Place& at) {
+        isMissing = isMissing || NamesProgram(line);
+        if (IsTalk(line) || isMissing) return;
+        const std::vector<std::string_view> words = ListWords(line);
+        const auto label = std::find(words.begin(), words.end(), "LED");
+        const std::ptrdiff_t after = words.end() - label - 1;
+        if (after != 1 && after != 2) {
+          KeepUnread(parts, line, at);
+          return;
+        }
+        Led& led = parts.leds.emplace_back();
+        led.id = line.substr(0, static_cast<std::size_t>(label->end() - line.begin()));
+        led.readAt = at;
+        if (after == 2) led.colour = LowerCase(label[1]);
+        led.state = LowerCase(label[after]);
+      });
+  AddOwnSource(rows, parts, "leds", "LEDINFO", !parts.leds.empty(), end);
+}
+
+//   Selftest result : 57h 02h,
+//   SDR repository empty
+void ReadSelfTest(const CollectedRows& rows, Parts& parts) {
+  constexpr std::string_view kCodes[] = {"55", "56", "57", "58", "ff"};
+  for (const CollectedRow& row : rows.ListRows("SELFINFO")) {
+    SelfTest test;
+    test.id = "BMC self-test";
+    test.readAt = row.PlaceOf("self1", "ipmiutil korvaxoem selftest");
+    for (const char* key : {"self1", "self2"}) {
+      const std::string label = row.GetLabel(key);
+      const std::string value = row.Get(key);
+      if (label.empty() && value.empty()) continue;
+      if (!test.text.empty()) test.text += ' ';
+      test.text.append(label).append(": ").append(value);
+    }
+    // "55h", "0x55"
+    for (std::string_view word : ListWords(test.text)) {
+      if (word.starts_with("0x")) word.remove_prefix(2);
+      const std::string code = LowerCase(word.substr(0, 2));
+      const bool isCode =
+          word.size() == 2 || (word.size() > 2 && (word[2] == 'h' || word[2] == ','));
+      if (!isCode || std::find(std::begin(kCodes), std::end(kCodes), code) == std::end(kCodes)) {
+        continue;
+      }
+      test.code = code;
+      break;
+    }
+    if (!test.text.empty() && !NamesProgram(test.text)) parts.selfTests.push_back(std::move(test));
+  }
+}
+
+}  // namespace
+
+void ReadBmc(const CollectedRows& rows, Parts& parts) {
+  ReadSensors(rows, parts);
+  ReadSel(rows, parts);
+  ReadFru(rows, parts);
+  ReadPowerSupplies(rows, parts);
+  ReadLeds(rows, parts);
+  ReadSelfTest(rows, parts);
+}
+
+}  // namespace host

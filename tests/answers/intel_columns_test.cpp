@@ -1,0 +1,74 @@
+#include "host/answers/intel_columns.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "host/collect/collect.h"
+
+namespace {
+
+constexpr char kReport[] =
+    "--CONTROLLER INFORMATION--\n\n"
+    "Name:                   Intel(R) VROC\nType:                   VMD\n"
+    "Supported RAID:         0, 1\nMax Disks/Array:        8\nHW Information:\n"
+    "Vendor ID:              0x8086\nDevice ID:              0x28C0\nHW Revision:            "
+    "7\n\n\n"
+    "--ARRAY INFORMATION--\n\n"
+    "Name:                   A0\nSize:                   6 GB\nFree:                   0 GB\n"
+    "Num Disks:              3\nNum Vols:               1\nWrite Cache:            False\n\n\n"
+    "--VOLUME INFORMATION--\n\n"
+    "Name:                   Tank\nRaid Level:             5\nSize:                   4 GB\n"
+    "StripeSize:             64 KB\nNum Disks:              3\nState:                  Normal\n"
+    "System:                 False\nInitialized:            True\nCache Policy:           Off\n\n\n"
+    "--END DEVICE INFORMATION--\n\n"
+    "ID:                     0-4-0-0\nType:                   Disk\nDisk Type:              PCIE "
+    "SSD\n"
+    "State:                  Normal\nSize:                   2 GB\nSystem Disk:            False\n"
+    "Usage:                  Array member\nSerial Number:          PV7\nModel:                  "
+    "PX2\n";
+
+std::string Replace(std::string text, const std::string& words, const std::string& by) {
+  return text.replace(text.find(words), words.size(), by);
+}
+
+std::vector<std::string> ListNotes(const std::string& report, const std::string& className) {
+  host::Recording machine;
+  machine.commands.push_back({"rstcli64_5.exe", "-I", report, ""});
+  host::Collection collection = host::Collect(machine, {});
+  host::NoteUnfitColumns(collection);
+  for (const host::CollectedTable& table : collection.tables) {
+    if (table.className == className) return table.status.notes;
+  }
+  return {"no such table"};
+}
+
+using Notes = std::vector<std::string>;
+
+Notes Note(const std::string& reason) {
+  return {"columns do not fit this report: " + reason +
+          "; the report itself: rstcli64.txt in the log folder"};
+}
+
+TEST(IntelColumns, FitTheirReport) {
+  for (const char* table : {"CONTROLLER", "ARRAY", "VOLUME", "ENDDEVICEINFO"}) {
+    EXPECT_EQ(ListNotes(kReport, table), Notes()) << table;
+  }
+}
+
+TEST(IntelColumns, AreShiftedByALineMore) {
+  EXPECT_EQ(ListNotes(Replace(kReport, "StripeSize:", "Encrypted:              No\nStripeSize:"),
+                      "VOLUME"),
+            Note("row 1: StripeSize is \"No\", the report has \"64 KB\""));
+  EXPECT_EQ(ListNotes(Replace(kReport, "Vendor ID:", "Driver:                 9\nVendor ID:"),
+                      "CONTROLLER"),
+            Note("row 1: Vendor ID is \"9\", the report has \"0x8086\""));
+}
+
+TEST(IntelColumns, HaveNoRowForARecordThatIsShorter) {
+  EXPECT_EQ(ListNotes(Replace(kReport, "Model:                  PX2\n", ""), "ENDDEVICEINFO"),
+            Note("1 of 1 end devices are not in the table"));
+}
+
+}  // namespace

@@ -1,0 +1,240 @@
+#include "host/answers/parts/bmc.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <string>
+
+#include "host/answers/parts/read_parts.h"
+#include "host/collect/collect.h"
+#include "tests/support/bmc_machine.h"
+
+namespace {
+
+using host::FindPlace;
+using host::Integer;
+using host::Parts;
+using host::Place;
+using host::Real;
+using testing::IsEmpty;
+
+Parts Read(const host::Recording& machine) {
+  return host::ReadParts(host::Collect(machine, host::Selection{{"BMC_Info"}, {}}));
+}
+
+Parts ReadWith(const std::string& arguments, const std::string& output,
+               std::uint32_t detection = 5) {
+  host::Recording machine = test::MakeBmcMachine(detection);
+  test::AnswerOf(machine, arguments).standardOutput = output;
+  return Read(machine);
+}
+
+/// "STATE: OBSERVED"
+std::string FindSource(const Parts& parts, const std::string& id) {
+  const auto source = std::find_if(parts.sources.begin(), parts.sources.end(),
+                                   [&](const auto& one) { return one.id == id; });
+  return source == parts.sources.end() ? "" : source->state + ": " + source->observed;
+}
+
+constexpr char kTail[] = "ipmiutil sensor, completed successfully\r\n";
+constexpr char kError[] =
+    "LANPLUS error in RAKP1\r\nipmi_open_lan2 error -1\r\nipmiutil sensor version 3.18\r\n"
+    "Opening lanplus connection to node 127.0.0.1 ...\r\nipmiutil sensor, error -1\r\n";
+
+TEST(BmcParts, HaveSensorsWhereTheTableShowsThem) {
+  const Parts parts = ReadWith("sensor -s -q",
+                               "P0 Temp | 41 | C | ok | na | na | na | 85 | 92 | 100\r\n"
+                               "Fan 1|5400|RPM|ok|600|900|1200|na|na|na\r\n");
+  ASSERT_EQ(parts.sensors.size(), 2U);
+  EXPECT_EQ(parts.sensors[1].readAt, (Place{"SENSORINFO", 2, "item4", 0, "ipmiutil sensor -s -q"}));
+}
+
+TEST(BmcParts, FindCellsThatTheTableDealtToOtherRows) {
+  // Nine cells a sensor, ten columns: the second status is the fourth cell of the second row.
+  const std::string begin = " | Full | Temperature | 0";
+  const Parts parts = ReadWith(
+      "sensor -s -q", "ipmiutil sensor version 3.18\r\n0001" + begin +
+                          "1 | A | OK | 1.00 C \t| Thresh 0:0:0:0:0:0 | Fri\r\n0002" + begin +
+                          "2 | B | OK | 2.00 C \t| Thresh 0:0:0:0:0:0 | Fri\r\n" + kTail);
+  ASSERT_EQ(parts.sensors.size(), 2U);
+  EXPECT_EQ(parts.sensors[0].readAt.row, 1);
+  EXPECT_EQ(parts.sensors[0].readAt.key, "item7");
+  EXPECT_EQ(parts.sensors[1].readAt.row, 2);
+  EXPECT_EQ(parts.sensors[1].readAt.key, "item6");
+  EXPECT_EQ(FindSource(parts, "sensors"), "read: ");
+}
+
+TEST(BmcParts, ReadAListingThatTheTableLeavesOutForAnErrorInIt) {
+  const Parts parts =
+      ReadWith("sensor -s -q",
+               "0001 | Full | Fan | 11 | F1 | OK | 40.00 RPM \t| Thresh 0 | Fri\r\n"
+               "0002 | Full | Fan | 12 | F2 Error in GetSensorReading, cc = 0xc3\r\n"
+               "ipmiutil sensor, error -1\r\n");
+  ASSERT_EQ(parts.sensors.size(), 1U);
+  EXPECT_EQ(parts.sensors[0].readAt, (Place{"", 0, "", 1, "ipmiutil sensor -s -q"}));
+  EXPECT_EQ(parts.unread.size(), 1U);
+  EXPECT_EQ(FindSource(parts, "sensors"), "failed: cut short: ipmiutil sensor, error -1");
+}
+
+TEST(BmcParts, HaveStatesOfPlatformsThatAreNotAskedForTheirRecords) {
+  const std::string record =
+      "0001 SDR Comp 02 6f 20 a 08 snum 43 PS2 Status       = 0009 AC_Lost\r\n";
+  Parts parts = ReadWith("sensor", record, 9);
+  ASSERT_FALSE(parts.sensors.empty());
+  EXPECT_EQ(parts.sensors.back().states, Integer(9));
+  EXPECT_EQ(FindPlace(parts.sensors.back(), "states"), (Place{"", 0, "", 1, "ipmiutil sensor"}));
+  parts = ReadWith("sensor", record, 5);
+  EXPECT_EQ(FindPlace(parts.sensors.back(), "states"),
+            (Place{"SDRINFO", 1, "SDRINFO", 0, "ipmiutil sensor"}));
+}
+
+TEST(BmcParts, KnowWhichSensorAnEventIsAbout) {
+  host::Recording machine = test::MakeBmcMachine();
+  test::AnswerOf(machine, "sensor").standardOutput =
+      "0001 SDR Comp 02 6f 20 a 08 snum 43 PS2 Status       = 0009 AC_Lost\r\n";
+  test::AnswerOf(machine, "sel").standardOutput =
+      "SEL Ver 51 Support 0a, Size = 512 records (Used=3, Free=509)\r\n"
+      "RecId Date/Time_______ SEV Src_ Evt_Type___ Sens# Evt_detail - Trig [Evt_data]\r\n"
+      "0001 08/21/26 11:20:45 INF Sms  Power Supply #43  AC Lost 6f [03 ff ff]\r\n"
+      "0002 08/21/26 11:20:45 INF Sms  Memory #0e  Correctable ECC 6f [00 ff ff]\r\n"
+      "0003 INF e0 OEM Event 42\r\n"
+      "0004 08/21/26 11\r\n"
+      "ipmiutil sel, completed successfully\r\n";
+  const Parts parts = Read(machine);
+  ASSERT_EQ(parts.events.size(), 3U);
+  EXPECT_EQ(parts.events[0].part, "sensors");
+  EXPECT_EQ(parts.events[0].partId, "PS2 Status");
+  EXPECT_EQ(parts.events[0].readAt, (Place{"SELINFO", 3, "SELINFO", 0, "ipmiutil sel"}));
+  EXPECT_EQ(parts.events[1].partId, "Memory #0e");
+  EXPECT_EQ(parts.events[2].part, "");
+  ASSERT_EQ(parts.unread.size(), 2U);
+  EXPECT_EQ(parts.unread[1].text, "0004 08/21/26 11");
+  EXPECT_EQ(FindSource(parts, "sel"), "read: ");
+  const auto sel = std::find_if(parts.sources.begin(), parts.sources.end(),
+                                [](const auto& one) { return one.id == "sel"; });
+  EXPECT_EQ(sel->records, Integer(3));
+  EXPECT_EQ(sel->capacity, Integer(512));
+}
+
+TEST(BmcParts, HavePowerSuppliesOfSeveralLines) {
+  const Parts parts =
+      ReadWith("korvaxoem psu",
+               "PSU 1  present   NG-PS   serial PSN1   1100 W\r\n"
+               "       AC input  231.5 V  0.92 A  208 W\r\n"
+               "       DC output  12.08 V  15.6 A  188 W   fan 6240 RPM   status OK\r\n\r\n"
+               "PSU 2  present   NG-PS   serial PSN2   1100 W\r\n"
+               "       AC input  0.0 V\r\n");
+  ASSERT_EQ(parts.powerSupplies.size(), 2U);
+  EXPECT_EQ(parts.powerSupplies[0].id, "PSU 1");
+  EXPECT_EQ(parts.powerSupplies[0].acVolts, Real(231.5));
+  EXPECT_EQ(parts.powerSupplies[0].outputWatts, Real(188));
+  EXPECT_EQ(parts.powerSupplies[0].status, "OK");
+  EXPECT_EQ(FindPlace(parts.powerSupplies[0], "status").row, 3);
+  EXPECT_EQ(parts.powerSupplies[1].readAt.row, 4);
+  EXPECT_EQ(parts.powerSupplies[1].text,
+            "PSU 2  present   NG-PS   serial PSN2   1100 W / AC input  0.0 V");
+  EXPECT_EQ(parts.powerSupplies[1].acVolts, Real(0));
+  EXPECT_EQ(parts.powerSupplies[1].status, "");
+}
+
+TEST(BmcParts, HaveLightsWithAndWithoutColour) {
+  const Parts parts = ReadWith(
+      "korvaxoem led", "System status LED  Amber   On\r\nFan LED off\r\nsomething else\r\n");
+  ASSERT_EQ(parts.leds.size(), 2U);
+  EXPECT_EQ(parts.leds[0].id, "System status LED");
+  EXPECT_EQ(parts.leds[0].colour, "amber");
+  EXPECT_EQ(parts.leds[0].state, "on");
+  EXPECT_EQ(parts.leds[1].id, "Fan LED");
+  EXPECT_EQ(parts.leds[1].colour, "");
+  EXPECT_EQ(parts.leds[1].state, "off");
+  EXPECT_EQ(parts.unread.back().text, "something else");
+}
+
+TEST(BmcParts, HaveTheCodeOfTheSelfTest) {
+  const auto code = [](const std::string& output) {
+    const Parts parts = ReadWith("korvaxoem selftest", output);
+    return parts.selfTests.size() == 1 ? parts.selfTests[0].code + " " + parts.selfTests[0].text
+                                       : "none";
+  };
+  EXPECT_EQ(code("Selftest result : 57h 02h,\r\nFRU corrupted\r\n"),
+            "57 Selftest result: 57h 02h,  FRU corrupted");
+  EXPECT_EQ(code("Result : 0xFF\r\n"), "ff Result: 0xFF");
+  EXPECT_EQ(code("Result : 5512\r\n"), " Result: 5512");
+}
+
+// --- sources ---
+
+TEST(BmcSources, AreReadOnlyWhenSomethingIsUnderstood) {
+  // A refused login is rows of text as well.
+  host::Recording machine = test::MakeBmcMachine();
+  for (const char* arguments : {"sensor", "sensor -s -q", "korvaxoem fru", "sel"}) {
+    test::AnswerOf(machine, arguments).standardOutput = kError;
+  }
+  const Parts parts = Read(machine);
+  for (const char* id : {"sensors", "fru", "sel"}) {
+    EXPECT_EQ(FindSource(parts, id), "failed: ipmiutil sensor, error -1") << id;
+  }
+  EXPECT_THAT(parts.sensors, IsEmpty());
+  EXPECT_THAT(parts.unread, IsEmpty());
+}
+
+TEST(BmcSources, AreReadWhenAListingIsWholeAndEmpty) {
+  EXPECT_EQ(FindSource(ReadWith("sel", "ipmiutil sel, completed successfully\r\n"), "sel"),
+            "read: ");
+  EXPECT_EQ(
+      FindSource(ReadWith("korvaxoem fru", "ipmiutil fru, completed successfully\r\n"), "fru"),
+      "read: ");
+}
+
+TEST(BmcSources, KnowTheFruByItsFields) {
+  EXPECT_EQ(
+      FindSource(ReadWith("korvaxoem fru", "[Baseboard,20,00] Product Name : R208\r\n"), "fru"),
+      "read: ");
+  EXPECT_EQ(FindSource(ReadWith("korvaxoem fru", "nonsense\r\n"), "fru"), "failed: nonsense");
+}
+
+TEST(BmcSources, AreCutShortWhenTheListingEndsWithAnError) {
+  EXPECT_EQ(
+      FindSource(ReadWith("sel", "0001 INF e0 OEM Event 42\r\nipmiutil sel, error -3\r\n"), "sel"),
+      "failed: cut short: ipmiutil sel, error -3");
+}
+
+TEST(BmcSources, AreNoneWithoutABmc) {
+  const Parts parts = Read(test::MakeBmcMachine(3));
+  for (const char* id : {"sensors", "sel", "fru", "power supplies", "leds"}) {
+    EXPECT_EQ(FindSource(parts, id), "none: this machine has no BMC") << id;
+  }
+}
+
+TEST(BmcSources, AreNoneWhereTheyAreNotAsked) {
+  const Parts parts = Read(test::MakeBmcMachine(9));
+  EXPECT_EQ(FindSource(parts, "leds"), "none: this platform family (9) is not asked for it");
+  EXPECT_EQ(FindSource(parts, "sensors"), "read: ");
+}
+
+TEST(BmcSources, AreNoneWhereTheToolIsMissing) {
+  host::Recording machine = test::MakeBmcMachine();
+  std::erase_if(machine.commands,
+                [](const auto& command) { return command.tool == "ipmiutilnh.exe"; });
+  const Parts parts = Read(machine);
+  for (const char* id : {"sensors", "sel", "fru", "power supplies", "leds"}) {
+    EXPECT_THAT(FindSource(parts, id), testing::StartsWith("none: ")) << id;
+  }
+  EXPECT_THAT(parts.selfTests, IsEmpty());
+  EXPECT_THAT(parts.unread, IsEmpty());
+}
+
+TEST(BmcSources, AreNoneWhereTheMakersQueryHasNoAnswer) {
+  EXPECT_EQ(FindSource(ReadWith("korvaxoem led", ""), "leds"),
+            "none: ipmiutilnh.exe printed nothing");
+  EXPECT_EQ(FindSource(ReadWith("korvaxoem psu", "Invalid command\r\n"), "power supplies"),
+            "failed: Invalid command");
+}
+
+TEST(BmcSources, AreNoneWhenNobodyAsked) {
+  const Parts parts = host::ReadParts(
+      host::Collect(test::MakeBmcMachine(), host::Selection{{"Windows_Related_Info"}, {}}));
+  EXPECT_EQ(FindSource(parts, "sensors"), "none: not collected");
+}
+
+}  // namespace
