@@ -209,6 +209,15 @@ TEST(ArcconfConfig, KnowsMembersBySerialNumberThenAddressThenSlot) {
   EXPECT_THAT(parts.missingDrives, IsEmpty());
 }
 
+TEST(ArcconfConfig, TakesNoSerialNumberThatTwoDrivesHave) {
+  const Parts parts =
+      Read(Volumes(Volume(0, "   Segment 0 : Present (Controller:1,Enclosure:1,Slot:1) xxxx\n")) +
+           Drives(DriveLines(0, "Online", "         Serial number : xxxx\n") +
+                  DriveLines(1, "Online", "         Serial number : xxxx\n")));
+  EXPECT_EQ(parts.drives.at(0).group, "");
+  EXPECT_EQ(parts.drives.at(1).group, "mchp1 v0");
+}
+
 TEST(ArcconfConfig, TakesNoSlotThatTwoDrivesClaim) {
   std::string drives = DriveLines(0, "Online") + DriveLines(1, "Online");
   drives.replace(drives.find("Slot 1"), 6, "Slot 0");
