@@ -80,7 +80,10 @@ TEST(ReadLsi, GivesIdsOnce) {
 }
 
 TEST(ReadLsi, ReadsTheListsWhereThereIsNoReport) {
-  const Parts parts = ReadParts(LoadSample("two-socket-server"), {"PINFO", "VINFO"});
+  const Parts parts = ReadParts(LoadSample("two-socket-server"), {"RAIDINFO", "PINFO", "VINFO"});
+  ASSERT_EQ(parts.controllers.size(), 1U);
+  EXPECT_EQ(parts.controllers[0].serial, "KV0341P7K2");
+  EXPECT_EQ(parts.controllers[0].systemTime, "2026-11-18T09:41:07");
   ASSERT_EQ(parts.drives.size(), 24U);
   EXPECT_EQ(parts.drives[14].id, "lsi0 69:14");
   EXPECT_EQ(parts.drives[14].state, "Rbld");
