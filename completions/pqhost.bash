@@ -8,7 +8,7 @@ _pqhost_complete() {
   COMPREPLY=()
   for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
     case $word in
-      collect | modules | query | check) command=$word; break ;;
+      collect | modules | query | check | help) command=$word; break ;;
     esac
   done
 
@@ -27,7 +27,7 @@ _pqhost_complete() {
     'collect --amt-login') words='<file>' ;;
     'collect --time-limit') words='<any>' ;;
     'collect --trace') words='<file>' ;;
-    'collect '*) words='--module --table --replay --limit --unverified --record --log-folder --plugin --unsafe-folder --format --output --tool-limit --tool-memory --amt-login --no-input --time-limit --dry-run --trace --help' ;;
+    'collect '*) words='--module --table --replay --limit --unverified --record --log-folder --plugin --unsafe-folder --format --output --identify --no-attachments --all --tool-limit --tool-memory --amt-login --no-input --time-limit --dry-run --trace --help' ;;
     'modules --plugin') words='<file>' ;;
     'modules --format') words='table json markdown' ;;
     'modules --time-limit') words='<any>' ;;
@@ -47,7 +47,9 @@ _pqhost_complete() {
     'check --plugin') words='<file>' ;;
     'check --time-limit') words='<any>' ;;
     'check '*) words='--module --replay --limit --unverified --log-folder --plugin --unsafe-folder --time-limit --help' ;;
-    *) words='collect modules query check --version --help' ;;
+    'help --time-limit') words='<any>' ;;
+    'help '*) words='collect modules query check help --time-limit --help' ;;
+    *) words='collect modules query check help --version --help' ;;
   esac
 
   case $words in

@@ -21,7 +21,7 @@ Register-ArgumentCompleter -Native -CommandName pqhost, pqhost.exe -ScriptBlock 
         'collect --amt-login' = '<file>'
         'collect --time-limit' = '<any>'
         'collect --trace' = '<file>'
-        'collect' = '--module', '--table', '--replay', '--limit', '--unverified', '--record', '--log-folder', '--plugin', '--unsafe-folder', '--format', '--output', '--tool-limit', '--tool-memory', '--amt-login', '--no-input', '--time-limit', '--dry-run', '--trace', '--help'
+        'collect' = '--module', '--table', '--replay', '--limit', '--unverified', '--record', '--log-folder', '--plugin', '--unsafe-folder', '--format', '--output', '--identify', '--no-attachments', '--all', '--tool-limit', '--tool-memory', '--amt-login', '--no-input', '--time-limit', '--dry-run', '--trace', '--help'
         'modules --plugin' = '<file>'
         'modules --format' = 'table', 'json', 'markdown'
         'modules --time-limit' = '<any>'
@@ -41,14 +41,16 @@ Register-ArgumentCompleter -Native -CommandName pqhost, pqhost.exe -ScriptBlock 
         'check --plugin' = '<file>'
         'check --time-limit' = '<any>'
         'check' = '--module', '--replay', '--limit', '--unverified', '--log-folder', '--plugin', '--unsafe-folder', '--time-limit', '--help'
-        '' = 'collect', 'modules', 'query', 'check', '--version', '--help'
+        'help --time-limit' = '<any>'
+        'help' = 'collect', 'modules', 'query', 'check', 'help', '--time-limit', '--help'
+        '' = 'collect', 'modules', 'query', 'check', 'help', '--version', '--help'
     }
 
     # The words before the one that is being typed.
     $words = @($commandAst.CommandElements |
         Where-Object { $_.Extent.EndOffset -lt $cursorPosition } |
         ForEach-Object { $_.ToString() })
-    $command = $words | Where-Object { $_ -in 'collect', 'modules', 'query', 'check' } | Select-Object -First 1
+    $command = $words | Where-Object { $_ -in 'collect', 'modules', 'query', 'check', 'help' } | Select-Object -First 1
 
     $candidates = $offers["$command $($words[-1])"]
     if (-not $candidates) { $candidates = $offers["$command"] }

@@ -35,6 +35,15 @@ void ModuleDescription::AddFailures(StepFailure failure,
   for (const char* sentence : sentences) failures.push_back({sentence, failure, program});
 }
 
+void ModuleDescription::AssignArea(const std::string& area) {
+  for (TableDescription& table : tables) {
+    if (table.area.empty()) table.area = area;
+  }
+  for (ToolDescription& tool : tools) {
+    if (tool.area.empty()) tool.area = area;
+  }
+}
+
 void ModuleDescription::AddPipeFailure(const char* sentence, const char* className) {
   failures.push_back({sentence, StepFailure::kBeforeTool});
   explanations.push_back(

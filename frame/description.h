@@ -38,9 +38,48 @@ struct ColumnDescription {
   bool operator==(const ColumnDescription&) const = default;
 };
 
+/// A program of the steps, and where it comes from.
+struct ToolDescription {
+  std::string program;    ///< as in ToolCommand
+  std::string vendor;     ///< empty when not known
+  std::string product;    ///< of which it is a part; empty when not known
+  std::string area = {};  ///< as in TableDescription
+};
+
+/// The area of tables that only show a host how tables look. Hosts list them last.
+inline constexpr char kSampleArea[] = "Samples";
+
+/// How to see that a machine has what a table leaves out.
+enum class OmissionSign {
+  kNone,      ///< nothing shows it
+  kRows,      ///< the table has rows
+  kToolRuns,  ///< the command ran, and the machine has its tool
+  kFile,      ///< the command leaves the file `label`
+  /// In the command's text a number above `most` follows `label`; that number is found.
+  kCount,
+  /// In the command's text no `end` follows the last `label`; the rest of that one's line is found.
+  kOpenRecord,
+  /// In the command's text a line `end` ends a row, and no line with a column's label, followed by
+  /// `label`, came for it, though one came for a row before; the labels are found.
+  kLackingLine,
+};
+
+/// Something that a table leaves out although its tools tell it, or takes from elsewhere.
+struct Omission {
+  std::string text;       ///< a sentence that holds for every machine, for the documentation
+  std::string note = {};  ///< of a machine that has it, for people; "{}" is what the sign found
+  OmissionSign sign = OmissionSign::kNone;
+  ToolCommand command = {};
+  std::string label = {};
+  std::string end = {};
+  int most = 0;
+};
+
 struct TableDescription {
   std::string className;
   std::string title;
+  /// The part of the machine that it is about, in words under which a host lists its tables.
+  std::string area = {};
   /// In the order in which they run; none for fixed rows.
   std::vector<ToolCommand> commands = {};
   /// Properties of a row in their order.
@@ -55,6 +94,9 @@ struct TableDescription {
   std::vector<std::string> neededCommands = {};
   /// The table is made on US English systems only.
   bool needsUsEnglish = false;
+  /// A row is an entry or a line of a log, the newest last.
+  bool isLog = false;
+  std::vector<Omission> leavesOut = {};
 
   void AddColumn(const Column& column);
   void AddColumns(std::span<const Column> more);
@@ -123,6 +165,7 @@ struct ModuleDescription {
   std::vector<AnswerExplanation> answers = {};
   std::vector<PresenceTest> presenceTests = {};
   std::vector<VersionLine> versionLines = {};
+  std::vector<ToolDescription> tools = {};
   /// Begins the error texts of tools that are read through a pipe; may be empty.
   std::string toolErrorText = {};
   /// The program, as in ToolCommand, of the steps whose command line can be too long to be started
@@ -132,6 +175,8 @@ struct ModuleDescription {
   /// `program`: as in FailureSentence.
   void AddFailures(StepFailure failure, std::initializer_list<const char*> sentences,
                    const std::string& program = {});
+  /// The tables and tools described so far are about `area`, unless they are about another.
+  void AssignArea(const std::string& area);
   /// The pipe for the tool of table `className` could not be created, which is `sentence`.
   void AddPipeFailure(const char* sentence, const char* className);
 };

@@ -299,7 +299,7 @@ class FormatsCheck {
     Require(data.find('<') == std::string::npos);
     const json read = json::parse(data, nullptr, /*allow_exceptions=*/false);
     Require(!read.is_discarded());
-    const json& tables = read["modules"][0]["tables"];
+    const json& tables = read["areas"][0]["tables"];
     Require(tables.size() == input.tables.size());
     for (std::size_t i = 0; i < tables.size(); ++i) CheckReported(input.tables[i], tables[i]);
   }
@@ -348,14 +348,18 @@ class FormatsCheck {
       std::vector<host::Database::Values> expected;
       for (const Row& row : table.rows) {
         host::Database::Values& values = expected.emplace_back();
-        values.emplace_back(std::to_string(expected.size()));
+        values.push_back({host::CellKind::kInteger, std::to_string(expected.size())});
         for (const auto& [key, label] : table.Columns()) {
           const Cell* cell = row.Find(key);
-          values.push_back(cell == nullptr ? std::nullopt : std::optional(decode(cell->value)));
+          if (cell == nullptr) {
+            values.emplace_back();
+          } else {
+            values.push_back({host::CellKind::kText, decode(cell->value)});
+          }
         }
       }
       if (expected.empty()) continue;
-      Require(ask("SELECT * FROM \"" + *names[i][0] + "\" ORDER BY 1") == expected);
+      Require(ask("SELECT * FROM \"" + names[i][0].text + "\" ORDER BY 1") == expected);
     }
   }
 

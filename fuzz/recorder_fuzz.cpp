@@ -92,6 +92,12 @@ class WatchedMachine final : public pq::Platform, public host::MachineView {
     }
     return std::nullopt;
   }
+  std::optional<host::FileState> FindState(const std::string& path) override {
+    const std::optional<std::string> bytes = ReadFile(path);
+    if (!bytes) return std::nullopt;
+    const std::chrono::seconds written(machine.HasFileFromBefore(path) ? 0 : 1);
+    return host::FileState{std::chrono::system_clock::time_point(written), bytes->size()};
+  }
   std::vector<std::string> ListFiles(const std::string& folder) override {
     const std::string wanted = host::LowerCase(files.FullPath(folder));
     std::vector<std::string> names;

@@ -29,6 +29,7 @@ ModuleDescription RAMTInfo::Describe() {
   module.AddFailures(StepFailure::kToolNotRun, {kStartFailure});
   DescribeAmtDetection(module);
   DescribeAmtLog(module);
+  module.AssignArea("Intel AMT");
   return module;
 }
 

@@ -131,10 +131,12 @@ ModuleDescription RBMCInfo::Describe() {
   DescribeOemQueries(module);
   // One utility answers all queries.
   module.unloggedProgram = module.tables.front().commands.front().program;
+  module.tools.push_back({module.unloggedProgram, "the ipmiutil project", "ipmiutil"});
   DescribeSensorReadings(module);
   DescribeSdr(module);
   DescribeFruAndSel(module);
   DescribeRawDumps(module);
+  module.AssignArea("BMC");
   return module;
 }
 

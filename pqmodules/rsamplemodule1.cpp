@@ -7,6 +7,7 @@
 #include "frame/report_file.h"
 #include "frame/sentences.h"
 #include "frame/tool_runner.h"
+#include "pqmodules/raid/intel_report.h"
 #include "pqmodules/raid/reports.h"
 #include "pqmodules/rsamplemodule1/collection.h"
 #include "pqmodules/rsamplemodule1/demonstration.h"
@@ -75,9 +76,13 @@ ModuleDescription RSampleModule1::Describe() {
   module.AddFailures(StepFailure::kOutputNotOpened, {kNoReport});
   module.AddFailures(StepFailure::kOutputNotRead, {kNoMemory});
   DescribeInventoryDemonstration(module);
+  module.AssignArea(kSampleArea);
   DescribeLsiSummary(module);
+  module.AssignArea(kLsiArea);
   DescribeIntelController(module);
+  module.AssignArea(kIntelArea);
   DescribeMicrochipArchive(module);
+  module.AssignArea("Microchip RAID");
   return module;
 }
 

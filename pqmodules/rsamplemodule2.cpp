@@ -8,6 +8,7 @@
 #include "frame/report_file.h"
 #include "frame/sentences.h"
 #include "frame/tool_runner.h"
+#include "pqmodules/raid/intel_report.h"
 #include "pqmodules/raid/reports.h"
 #include "pqmodules/rsamplemodule2/collection.h"
 #include "pqmodules/rsamplemodule2/demonstration.h"
@@ -101,13 +102,19 @@ ModuleDescription RSampleModule2::Describe() {
   module.AddFailures(StepFailure::kOutputNotOpened, {kNoReport});
   module.AddFailures(StepFailure::kOutputNotRead, {kNoMemory});
   DescribeLogsDemonstration(module);
+  module.AssignArea(kSampleArea);
   DescribeEventLog(module);
   DescribeTermLog(module);
   DescribeDriveDetails(module);
   DescribeDriveLists(module);
+  module.tools.push_back(DescribeStorcli());
+  module.AssignArea(kLsiArea);
   DescribeSas2IrLog(module);
+  module.AssignArea("LSI SAS2");
   DescribeIntelDevices(module);
+  module.AssignArea(kIntelArea);
   DescribeLogLinks(module);
+  module.AssignArea(kLsiArea);
   module.answers.push_back(
       ExplainNoLsiController({kLsiLink, kEventLog1, kEventLog2, kEventLog3, kEventLog4, kEventLog5,
                               kFwTermLog, kPdList, kTInfo, kVInfo, kPInfo}));

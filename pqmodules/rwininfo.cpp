@@ -64,7 +64,12 @@ ModuleDescription RWINInfo::Describe() {
        .tables = {kArpInfo, kNetstatInfo},
        .usualValue = std::to_string(kUsEnglish)});
   DescribeNetTables(module);
+  for (const char* program : {"route", "arp.exe", "netstat.exe", "net"}) {
+    module.tools.push_back({program, "Microsoft", "Windows"});
+  }
+  module.AssignArea("Network");
   DescribeRawFiles(module);
+  module.AssignArea("SMBIOS");
   return module;
 }
 

@@ -3,8 +3,10 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include "host/catalogue/table_sources.h"
 #include "host/collect/collection_run.h"
 #include "host/collect/failures.h"
+#include "host/collect/omissions.h"
 #include "host/collect/recorded_source.h"
 #include "host/collect/table_status.h"
 #include "host/secrets/amt_login.h"
@@ -73,8 +75,9 @@ Collection Collect(Source& source, const Selection& selection, CollectionListene
   failures.FindMissingPrograms(hasPrograms);
   listeners.Add(failures);
   StatusTracker statuses;
-  statuses.Ask(hasPrograms,
-               [&](const std::string& fileName) { return source.LogFileSize(fileName); });
+  statuses.Ask(
+      hasPrograms, [&](const std::string& fileName) { return source.LogFileSize(fileName); },
+      [&](const std::string& path) { return source.FindOldFile(path); });
   listeners.Add(statuses);
   AnswerKeeper answers;
   listeners.Add(answers);
@@ -94,14 +97,25 @@ Collection Collect(Source& source, const Selection& selection, CollectionListene
   if (wasInterrupted) statuses.Interrupted();
 
   collection.machine = source.Facts();
+  collection.answers = std::move(answers.answers);
+  const TextDecoder decode(collection.machine.codePage);
+  const OmissionEvidence evidence{
+      collection.answers, hasPrograms,
+      [&](const std::string& fileName) { return source.LogFileSize(fileName).has_value(); }};
   const std::map<std::string, Table>& stored = TablesOf(*collection.repository);
   for (CollectedTable& table : collection.tables) {
     const auto rows = stored.find(table.className);
     if (rows != stored.end()) table.rows = &rows->second;
     table.status = statuses.FindStatus(table.module, table.className, table.RowCount());
+    table.status.notes = statuses.FindNotes(table.module, table.className);
+    if (const pq::TableDescription* known = FindTableDescription(table.className)) {
+      for (const std::string& note :
+           FindOmissions(*known, table.module, table.RowCount(), evidence)) {
+        table.status.notes.push_back(decode(note));
+      }
+    }
   }
   collection.problems = source.Doubts();
-  const TextDecoder decode(collection.machine.codePage);
   const auto addProblems = [&](const std::vector<Failure>& found) {
     for (const Failure& failure : found) {
       collection.problems.push_back(DescribeFailure(failure, decode));
@@ -114,7 +128,6 @@ Collection Collect(Source& source, const Selection& selection, CollectionListene
   }));
   if (wasInterrupted) collection.problems.emplace_back(kInterrupted);
   collection.log = std::move(log.lines);
-  collection.answers = std::move(answers.answers);
   collection.files = source.Files();
   return collection;
 }

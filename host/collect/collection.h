@@ -12,6 +12,7 @@
 #include "frame/description.h"
 #include "frame/halyard/repository.h"
 #include "host/collect/machine_facts.h"
+#include "host/collect/omissions.h"
 #include "host/collect/selection.h"
 #include "host/collect/table_status.h"
 #include "host/logger/logger.h"
@@ -35,13 +36,6 @@ struct CollectedTable {
   /// Known before there are rows, of a table that no module describes.
   std::vector<pq::ColumnDescription> columns = {};
   std::size_t RowCount() const { return rows == nullptr ? 0 : rows->rows.size(); }
-};
-
-/// A command line that a module ran, and the tool's answer.
-struct CollectedAnswer : ToolAnswer {
-  std::string module;
-  std::string commandLine;
-  std::optional<std::uint32_t> exitCode;  ///< none: the tool was not awaited, or did not start
 };
 
 /// A finished collection. It owns all that it shows and may outlive whatever it came from. Texts

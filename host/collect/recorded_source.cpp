@@ -38,6 +38,11 @@ std::optional<std::uint64_t> RecordedSource::LogFileSize(const std::string& file
   return machine->FileSize(recording.logFolder + fileName);
 }
 
+std::optional<OldFile> RecordedSource::FindOldFile(const std::string& path) {
+  if (!machine->HasFileFromBefore(path)) return std::nullopt;
+  return OldFile{};
+}
+
 void PlatformSource::AddModules(ModuleList& modules) { ::AddModules(modules); }
 
 }  // namespace host

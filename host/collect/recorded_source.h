@@ -28,6 +28,7 @@ class RecordedSource final : public Source {
   std::string LogFolder() override { return recording.logFolder; }
   bool HasPrograms(const std::string& commandLine) override;
   std::optional<std::uint64_t> LogFileSize(const std::string& fileName) override;
+  std::optional<OldFile> FindOldFile(const std::string& path) override;
   std::vector<std::string> Doubts() override { return recording.doubts; }
   std::map<std::string, Bytes> Files() override { return machine->Files(); }
 

@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "frame/add_modules.h"
+#include "host/text/ascii.h"
 #include "host/text/nearest_name.h"
 #include "host/text/usage_error.h"
 
@@ -22,16 +23,37 @@ std::vector<std::string> ListTableNames(const LoadedModule& module) {
   return names;
 }
 
+/// The one of `names` that `typed` is meant to be; null when there is none.
+const std::string* FindName(const std::vector<std::string>& names, const std::string& typed) {
+  auto found = std::ranges::find(names, typed);
+  if (found == names.end()) {
+    found = std::ranges::find(names, LowerCase(typed),
+                              [](const std::string& name) { return LowerCase(name); });
+  }
+  return found == names.end() ? nullptr : &*found;
+}
+
 bool HasTable(const LoadedModule& module, const std::string& table) {
   return module.module->Tables().contains(table);
 }
 
-const LoadedModule& FindModule(const std::vector<LoadedModule>& modules, const std::string& name) {
+/// The names of tables as the modules spell them; those that are no table's stay as they are.
+std::vector<std::string> SpellTables(const std::vector<LoadedModule>& modules,
+                                     std::vector<std::string> typed) {
   std::vector<std::string> known;
   for (const LoadedModule& module : modules) {
-    if (module.name == name) return module;
-    known.push_back(module.name);
+    for (const std::string& name : ListTableNames(module)) known.push_back(name);
   }
+  for (std::string& name : typed) {
+    if (const std::string* spelt = FindName(known, name)) name = *spelt;
+  }
+  return typed;
+}
+
+const LoadedModule& FindModule(const std::vector<LoadedModule>& modules, const std::string& name) {
+  std::vector<std::string> known;
+  for (const LoadedModule& module : modules) known.push_back(module.name);
+  if (const std::string* spelt = FindName(known, name)) return modules[spelt - known.data()];
   throw UsageError(fmt::format("there is no module {}{} (modules: {})", name,
                                SuggestName(name, known), fmt::join(known, ", ")));
 }
@@ -83,16 +105,17 @@ std::vector<ModuleSelection> SelectTables(const std::vector<LoadedModule>& modul
   if (chosen.empty()) {
     for (const LoadedModule& module : modules) chosen.push_back(&module);
   }
-  CheckTables(modules, chosen, wanted.tables);
+  const std::vector<std::string> tables = SpellTables(modules, wanted.tables);
+  CheckTables(modules, chosen, tables);
 
   std::vector<ModuleSelection> selection;
   for (const LoadedModule* module : chosen) {
     ModuleSelection selected{module, {}};
-    for (const std::string& table : wanted.tables) {
+    for (const std::string& table : tables) {
       if (HasTable(*module, table)) selected.tables.push_back(table);
     }
-    if (wanted.tables.empty()) selected.tables = ListTableNames(*module);
-    if (!selected.tables.empty() || wanted.tables.empty()) selection.push_back(std::move(selected));
+    if (tables.empty()) selected.tables = ListTableNames(*module);
+    if (!selected.tables.empty() || tables.empty()) selection.push_back(std::move(selected));
   }
   return selection;
 }

@@ -37,9 +37,10 @@ struct ModuleSelection {
   std::vector<std::string> tables;
 };
 
-/// Modules as named, otherwise in the plug-in's order; without module names, only those that own
-/// one of the named tables. Tables as named, otherwise in the order of the module's registry. The
-/// result refers to `modules`. Throws UsageError for a name that does not fit.
+/// Names are compared without case where none is exactly the same. Modules as named, otherwise in
+/// the plug-in's order; without module names, only those that own one of the named tables. Tables
+/// as named, otherwise in the order of the module's registry. The result refers to `modules`.
+/// Throws UsageError for a name that does not fit.
 std::vector<ModuleSelection> SelectTables(const std::vector<LoadedModule>& modules,
                                           const Selection& wanted);
 

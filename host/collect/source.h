@@ -10,6 +10,7 @@
 #include "frame/platform.h"
 #include "host/collect/collection_listener.h"
 #include "host/collect/machine_facts.h"
+#include "host/collect/old_file.h"
 #include "host/collect/selection.h"
 #include "host/text/bytes.h"
 
@@ -33,6 +34,8 @@ class Source {
   virtual bool HasPrograms(const std::string& commandLine) = 0;
   /// Size in bytes of a file of the log folder, if it is there.
   virtual std::optional<std::uint64_t> LogFileSize(const std::string& fileName) = 0;
+  /// What is known of the file `path`, as a module opens it, if it is older than the collection.
+  virtual std::optional<OldFile> FindOldFile(const std::string& /*path*/) { return std::nullopt; }
   /// Why the machine may not be as it seems: a line of UTF-8 each.
   virtual std::vector<std::string> Doubts() { return {}; }
   /// The files of a recorded machine as they are now, by their path.

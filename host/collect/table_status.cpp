@@ -114,6 +114,26 @@ const ToolRun& ChooseRun(const std::vector<const ToolRun*>& runs,
   return failed != runs.end() ? **failed : *runs.back();
 }
 
+/// Why the program did not write the file that was read in its place, as words after its name.
+std::string DescribeOldFile(const ToolRun& run) {
+  if (!run.isThere) return "is not on this machine";
+  const std::string& file = run.file.empty() ? run.handedOn : run.file;
+  // The interpreter opens the file for the output first.
+  if (!file.empty()) return fmt::format("did not run, because {} could not be written", file);
+  const std::string error = DescribeError(run);
+  return error.empty() ? "left no newer ones" : error;
+}
+
+std::string FormatAge(const OldFile& file) {
+  return file.written ? FormatTimeForPeople(*file.written) : "an unknown time";
+}
+
+/// The last component of the folder that the file `path` is in.
+std::string GetFolderName(const std::string& path) {
+  const std::size_t end = path.find_last_not_of('\\', path.rfind('\\'));
+  return end == std::string::npos ? std::string() : GetFileName(path.substr(0, end + 1));
+}
+
 /// Whether the list of failures holds the run, or nothing failed.
 bool IsTold(const ToolRun& run) {
   return !run.isThere || HasEndedStep(run) || run.endedAfterSeconds > 0 || run.memoryLimit > 0;
@@ -197,9 +217,13 @@ ToolRun& StatusTracker::BeginRun(const std::string& commandLine, bool pipe) {
   run.program = FindProgram(commandLine);
   run.arguments = FindArguments(commandLine);
   const std::string target = FindTarget(commandLine);
-  if (target.find('\\') != std::string::npos) run.file = GetFileName(target);
+  (target.find('\\') != std::string::npos ? run.file : run.handedOn) = GetFileName(target);
   run.readThroughPipe = pipe;
   run.isFiltered = commandLine.find('|') != std::string::npos;
+  for (ToolRun& earlier : runs) {
+    const bool isHandedOn = !earlier.handedOn.empty() && earlier.handedOn == run.arguments;
+    if (isHandedOn && earlier.module == module) NoteRead(earlier, earlier.handedOn);
+  }
   runs.push_back(std::move(run));
   runIsOpen = true;
   return runs.back();
@@ -225,6 +249,35 @@ void StatusTracker::OnSystem(const std::string& command) {
   starts.Start();
   starts.End();
   runJustBegan = true;
+}
+
+void StatusTracker::OnOpen(const std::string& path, const std::string& /*mode*/) {
+  const std::string file = GetFileName(path);
+  const std::string folder = GetFolderName(path);
+  // A tool that leaves a folder of files is described by the folder's name.
+  const auto leavesFolder = [&](const ToolRun& run) {
+    return std::ranges::any_of(FindTables(run), [&](const pq::TableDescription* table) {
+      return std::ranges::any_of(table->commands, [&](const pq::ToolCommand& command) {
+        return command.file == folder && IsRunOf(run, command);
+      });
+    });
+  };
+  for (auto run = runs.rbegin(); run != runs.rend(); ++run) {
+    if (run->module != module) continue;
+    if (run->file.empty() ? !leavesFolder(*run) : LowerCase(run->file) != LowerCase(file)) continue;
+    NoteRead(*run, path);
+    return;
+  }
+}
+
+void StatusTracker::NoteRead(ToolRun& run, const std::string& path) {
+  const std::optional<OldFile> old = findOldFile ? findOldFile(path) : std::nullopt;
+  if (!old || interrupted) return;
+  const bool mayBeNew = !old->written && run.file.empty() && run.handedOn.empty();
+  if (mayBeNew && run.isThere && DescribeError(run).empty()) return;
+  const bool isOlder = run.oldFile && old->written && run.oldFile->written &&
+                       old->written->time < run.oldFile->written->time;
+  if (!run.oldFile || isOlder) run.oldFile = old;
 }
 
 void StatusTracker::OnProcessEnd(std::uint32_t exitCode) {
@@ -431,7 +484,8 @@ TableStatus StatusTracker::DescribeRows(const std::string& name, const pq::Table
                             GetFileName(run->program));
       }
       // Rows show that an error text, if there is one, was none.
-      if (!error.empty() || !run->isThere || run->reportedError || IsMadeUpFor(*run, *table)) {
+      if (!error.empty() || !run->isThere || run->oldFile || run->reportedError ||
+          IsMadeUpFor(*run, *table)) {
         continue;
       }
       error = DescribeError(*run);
@@ -458,6 +512,20 @@ TableStatus StatusTracker::FindStatus(const std::string& name, const std::string
   return found.empty() ? ExplainWithoutRun(name, *table) : ExplainRuns(found, *table);
 }
 
+std::vector<std::string> StatusTracker::FindNotes(const std::string& name,
+                                                  const std::string& className) const {
+  std::vector<std::string> notes;
+  const pq::TableDescription* table = FindTableDescription(className);
+  if (table == nullptr) return notes;
+  for (const ToolRun* run : FindRuns(name, *table)) {
+    if (!run->oldFile) continue;
+    std::string note = fmt::format("from files of {}; {} {}", FormatAge(*run->oldFile),
+                                   GetFileName(run->program), DescribeOldFile(*run));
+    if (std::ranges::find(notes, note) == notes.end()) notes.push_back(std::move(note));
+  }
+  return notes;
+}
+
 bool StatusTracker::IsMadeUpFor(const ToolRun& run, const pq::TableDescription& table) const {
   if (!table.commandsAreAlternatives) return ExplainByAnswers(run.module, table).has_value();
   return std::ranges::any_of(FindRuns(run.module, table), [](const ToolRun* other) {
@@ -469,15 +537,22 @@ std::vector<Failure> StatusTracker::FindFailedTools(
     const std::function<bool(const std::string& className)>& hasRows) const {
   std::vector<Failure> failures;
   for (const ToolRun& run : runs) {
-    const std::string error = DescribeError(run);
-    if (error.empty() || IsTold(run) || run.explanation != nullptr) continue;
-    if (!HasOrdinaryExitCode(run)) continue;
+    std::string error = DescribeError(run);
+    if (run.oldFile) {
+      error = fmt::format("{}; files of {} are used instead", DescribeOldFile(run),
+                          FormatAge(*run.oldFile));
+    } else if (error.empty() || IsTold(run) || run.explanation != nullptr ||
+               !HasOrdinaryExitCode(run)) {
+      continue;
+    }
     const std::vector<const pq::TableDescription*> tables = FindTables(run);
     const auto leavesNothingOut = [&](const pq::TableDescription* table) {
       return IsMadeUpFor(run, *table) ||
              (run.exitCode.value_or(0) == 0 && hasRows(table->className));
     };
-    if (!tables.empty() && std::ranges::all_of(tables, leavesNothingOut)) continue;
+    const bool needsNoWord =
+        !run.oldFile && !tables.empty() && std::ranges::all_of(tables, leavesNothingOut);
+    if (needsNoWord) continue;
     auto known = std::ranges::find_if(failures, [&](const Failure& failure) {
       return failure.module == run.module && failure.tool == GetFileName(run.program) &&
              failure.text == error;

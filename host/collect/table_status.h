@@ -12,6 +12,7 @@
 #include "frame/description.h"
 #include "host/collect/collection_listener.h"
 #include "host/collect/failures.h"
+#include "host/collect/old_file.h"
 #include "host/collect/start_watch.h"
 
 namespace host {
@@ -34,7 +35,9 @@ struct ToolRun {
   std::string program;    ///< as on the command line, without quotes
   std::string arguments;  ///< of the first program of a pipe
   std::string file;       ///< of the log folder, that it writes; empty without
-  bool isThere = true;    ///< the machine has the program
+  /// The file of the working folder that it writes, for another program; empty without.
+  std::string handedOn = {};
+  bool isThere = true;  ///< the machine has the program
   bool readThroughPipe = false;
   bool isFiltered = false;                ///< another program passes on what it prints
   std::optional<std::uint32_t> exitCode;  ///< its own; none of a program whose output is filtered
@@ -49,6 +52,8 @@ struct ToolRun {
   bool refused = false;            ///< never started, because the collection was interrupted
   unsigned endedAfterSeconds = 0;  ///< not 0: the host ended it
   unsigned memoryLimit = 0;        ///< MiB; not 0: it wanted more
+  /// A file from before was read in the place of what it should have written: the oldest one.
+  std::optional<OldFile> oldFile;
 };
 
 /// Follows a collection and answers for its tables.
@@ -59,14 +64,21 @@ class StatusTracker final : public CollectionListener {
   /// Size in bytes of a file of the log folder, if it is there.
   using FileSize = std::function<std::optional<std::uint64_t>(const std::string& fileName)>;
 
-  void Ask(ProgramTest programTest, FileSize fileSize) {
+  /// What is known of a file, by its path as a module opens it, if it is from before.
+  using OldFileTest = std::function<std::optional<OldFile>(const std::string& path)>;
+
+  void Ask(ProgramTest programTest, FileSize fileSize, OldFileTest oldFileTest = {}) {
     hasPrograms = std::move(programTest);
     logFileSize = std::move(fileSize);
+    findOldFile = std::move(oldFileTest);
   }
 
   /// The status of `className`, a table of `module` with `rowCount` rows.
   TableStatus FindStatus(const std::string& module, const std::string& className,
                          std::size_t rowCount) const;
+
+  /// What is to be said of the table beside its rows.
+  std::vector<std::string> FindNotes(const std::string& module, const std::string& className) const;
 
   /// The tools that failed although the log does not tell: each with each of its reasons once.
   /// `hasRows` answers for table classes.
@@ -87,11 +99,14 @@ class StatusTracker final : public CollectionListener {
   void OnToolOutOfMemory(unsigned mebibytes) override;
   void OnRefused() override;
   void OnSystem(const std::string& command) override;
+  void OnOpen(const std::string& path, const std::string& mode) override;
   void Log(const LogLine& line) override;
 
  private:
   ToolRun& BeginRun(const std::string& commandLine, bool pipe);
   void NoteLog(std::string_view text);
+  /// The module reads `path`, which `run` should have written.
+  void NoteRead(ToolRun& run, const std::string& path);
   std::vector<const ToolRun*> FindRuns(const std::string& module,
                                        const pq::TableDescription& table) const;
   /// The tables that `run` was for.
@@ -111,6 +126,7 @@ class StatusTracker final : public CollectionListener {
 
   ProgramTest hasPrograms;
   FileSize logFileSize;
+  OldFileTest findOldFile;
   std::string module;
   StartWatch starts;
   std::vector<ToolRun> runs;

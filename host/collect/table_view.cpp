@@ -38,6 +38,12 @@ std::optional<DecodedText> CellView::FileName() const {
   return decoder.Decode(*name);
 }
 
+void RemoveAttachments(Collection& collection) {
+  ClearCells(*collection.repository, [](const RowShape& shape, const Column& column) {
+    return HoldsFile(shape, column.key);
+  });
+}
+
 std::optional<CellView> RowView::FindCell(std::size_t column) const {
   if (places[column] == kMissing) return std::nullopt;
   return CellAt(places[column]);
@@ -45,7 +51,10 @@ std::optional<CellView> RowView::FindCell(std::size_t column) const {
 
 std::optional<std::size_t> RowView::FindByteSize(std::string_view key) const {
   for (std::size_t place = 0; place < CellCount(); ++place) {
-    if (CellAt(place).Key().View() == key) return CellAt(place).ByteSize();
+    const CellView cell = CellAt(place);
+    if (cell.Key().View() != key) continue;
+    if (cell.Kind() == CellKind::kNothing) return std::nullopt;
+    return cell.ByteSize();
   }
   return std::nullopt;
 }
@@ -79,7 +88,14 @@ std::vector<AttachmentView> RowView::ListAttachments() const {
 
 TableView::TableView(const TextDecoder& decoder, const CollectedTable& table)
     : decoder(decoder), table(table) {
-  if (table.rows == nullptr) return;
+  if (table.rows == nullptr) {
+    for (const pq::ColumnDescription& column : FindDescribedColumns(table)) {
+      columns.push_back({DecodedText(std::string_view(column.key)),
+                         DecodedText(std::string_view(column.label)),
+                         {}});
+    }
+    return;
+  }
   std::map<std::string_view, std::size_t> columnsByKey;
   std::set<std::pair<std::size_t, std::string_view>> labels;
   for (const Column& column : table.rows->columns) {
@@ -121,7 +137,7 @@ std::vector<KnownColumn> TableView::ListKnownColumns() const {
       at = places.insert_or_assign(key, known.size()).first;
       known.push_back({key, {}});
     }
-    known[at->second].place = place;
+    if (RowCount() > 0) known[at->second].place = place;
     if (!columns[place].label.View().empty()) known[at->second].label = columns[place].label.View();
   }
   return known;

@@ -47,8 +47,11 @@ struct AttachmentView {
   DecodedText key;
   /// Name and value; each name once, with the value that it was given last.
   std::vector<std::pair<DecodedText, DecodedText>> attributes;
-  std::optional<std::size_t> byteSize;  ///< of the property's value; none without such a property
+  std::optional<std::size_t> byteSize;  ///< of the property's value; none when that is not there
 };
+
+/// Lets go of the whole files in the collection's rows; their names stay.
+void RemoveAttachments(Collection& collection);
 
 class RowView {
  public:
@@ -111,7 +114,8 @@ class TableView {
   std::vector<DecodedText> ListHeaders() const;
   const std::vector<std::uint64_t>& LayoutNumbers() const { return table.layout.numbers; }
 
-  /// The keys of its rows, in the order in which they first came.
+  /// The keys of its rows, in the order in which they first came; without rows, those that are
+  /// known.
   const std::vector<ColumnView>& Columns() const { return columns; }
   /// The columns that the table is known to have, then others of its rows: the same for a class on
   /// every machine, but for these.

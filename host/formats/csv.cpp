@@ -4,19 +4,39 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <map>
+#include <optional>
 
 #include "host/collect/table_view.h"
+#include "host/files/output_file.h"
+#include "host/formats/csv_folder.h"
 #include "host/formats/formats.h"
+#include "host/formats/row_identity.h"
+#include "host/formats/sql_names.h"
+#include "host/text/ascii.h"
+#include "host/text/path_text.h"
 #include "host/text/screen_text.h"
 
 namespace host {
 namespace {
 
+/// A class as a file's name on every system.
+std::string MakeFileName(std::string_view className) {
+  std::string name(className);
+  std::ranges::replace_if(
+      name, [](char c) { return !IsAsciiLetterOrDigit(c) && c != '_' && c != '-'; }, '_');
+  return name;
+}
+
 class CsvWriter {
  public:
-  CsvWriter(bool withClass, const Screen& screen, std::ostream& out)
-      : escapes(screen.isTerminal), withClass(withClass), out(out) {}
+  CsvWriter(const Collection& collection, bool withClass, const Screen& screen, std::ostream& out)
+      : escapes(screen.isTerminal), withClass(withClass), out(out) {
+    if (screen.identifiesRows && collection.machineIsKnown) {
+      identity = MakeRowIdentity(collection);
+    }
+  }
 
   void Write(const TableView& table) {
     const std::vector<KnownColumn> columns = table.ListKnownColumns();
@@ -27,6 +47,7 @@ class CsvWriter {
     const DecodedText className = table.ClassName();
     for (std::size_t i = 0; i < table.RowCount(); ++i) {
       const RowView row = table.RowAt(i);
+      WriteIdentity();
       if (withClass) WriteField(className);
       for (const KnownColumn& column : columns) {
         const std::optional<CellView> cell =
@@ -41,6 +62,11 @@ class CsvWriter {
   void WriteHead(const std::vector<KnownColumn>& columns) {
     std::map<std::string_view, int> uses;
     for (const KnownColumn& column : columns) ++uses[column.label];
+    if (identity) {
+      for (const char* column : {"machine", "serial", "recordedAt", "collection"}) {
+        WriteField(column);
+      }
+    }
     if (withClass) WriteField("class");
     for (const KnownColumn& column : columns) {
       if (column.label.empty()) {
@@ -52,6 +78,14 @@ class CsvWriter {
       }
     }
     EndRecord();
+  }
+
+  void WriteIdentity() {
+    if (!identity) return;
+    WriteField(identity->machine);
+    WriteField(identity->serial);
+    WriteField(identity->recordedAt);
+    WriteField(identity->collection);
   }
 
   void WriteField(std::string_view text) {
@@ -85,6 +119,7 @@ class CsvWriter {
 
   bool escapes;
   bool withClass;
+  std::optional<RowIdentity> identity;
   std::ostream& out;
   bool first = true;
   bool inRecord = false;
@@ -95,8 +130,21 @@ class CsvWriter {
 void WriteCsv(const Collection& collection, const Screen& screen, std::ostream& out) {
   const CollectionView view(collection);
   const bool isPlain = collection.tablesNamed && collection.tables.size() == 1;
-  CsvWriter writer(!isPlain, screen, out);
+  CsvWriter writer(collection, !isPlain, screen, out);
   for (const CollectedTable& table : collection.tables) writer.Write(view.ViewTable(table));
+}
+
+void WriteCsvFolder(const Collection& collection, bool identifiesRows,
+                    const std::filesystem::path& folder) {
+  const CollectionView view(collection);
+  const Screen screen{.identifiesRows = identifiesRows};
+  UniqueNames names;
+  for (const CollectedTable& collected : collection.tables) {
+    const TableView table = view.ViewTable(collected);
+    OutputFile file(folder / PathFromText(names.Take(MakeFileName(table.ClassName())) + ".csv"));
+    CsvWriter(collection, /*withClass=*/false, screen, file.Stream()).Write(table);
+    file.Complete();
+  }
 }
 
 }  // namespace host

@@ -147,9 +147,9 @@ DatabaseWriter::Places DatabaseWriter::Provide(SqlTable& table,
 }
 
 DatabaseWriter::Rows::Rows(const DatabaseWriter& writer, const SqlTable& table)
-    : writer(writer), insert(writer.handle, table.name, table.columns.size()) {}
+    : writer(writer), insert(writer.handle, MakeInsert(table.name, table.columns.size())) {}
 
-Insert& DatabaseWriter::Rows::Begin() {
+Statement& DatabaseWriter::Rows::Begin() {
   if (writer.isForSeveral) insert << writer.machine;
   return insert;
 }
@@ -253,7 +253,7 @@ void DatabaseWriter::AddRows(const TableView& view, const std::vector<KnownColum
     const RowView row = view.RowAt(i);
     const auto number = static_cast<std::int64_t>(i + 1);
     const std::size_t most = FindMostValueBytes(view.StoredRow(i));
-    Insert& values = rows.Begin() << number;
+    Statement& values = rows.Begin() << number;
     for (std::size_t column = isForSeveral ? 2 : 1; column < sources.size(); ++column) {
       const std::optional<CellView> cell =
           sources[column] == kNoColumn ? std::nullopt : row.FindCell(sources[column]);
@@ -307,7 +307,7 @@ void DatabaseWriter::CopyTable(Database& from, const std::string& name) {
       [&](const Database::Values& values) {
         std::vector<const Database::Value*> sources(table->columns.size());
         for (std::size_t i = 0; i < places.size(); ++i) sources[places[i]] = &values[i];
-        Insert& insert = rows->Begin();
+        Statement& insert = rows->Begin();
         for (std::size_t column = 1; column < sources.size(); ++column) {
           const Database::Value* value = sources[column];
           if (value == nullptr) {
@@ -318,6 +318,16 @@ void DatabaseWriter::CopyTable(Database& from, const std::string& name) {
         }
         insert.Run();
       });
+}
+
+void DatabaseWriter::Remove(std::string_view name) {
+  for (const auto& [key, table] : tables) {
+    if (!table.isMade) continue;
+    Statement remove(handle, fmt::format("DELETE FROM {} WHERE {} = ?", QuoteName(table.name),
+                                         QuoteName(table.columns.front().name)));
+    remove << name;
+    remove.Run();
+  }
 }
 
 void DatabaseWriter::Complete() {

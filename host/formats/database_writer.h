@@ -30,6 +30,8 @@ class DatabaseWriter {
   void Add(const Collection& collection, std::string_view machine = {});
   /// Adds the tables of another database; for several machines.
   void Copy(Database& from, std::string_view machine);
+  /// Takes all rows of a machine out again.
+  void Remove(std::string_view machine);
   /// To be called last: adds the classes that no collection has, and the views.
   void Complete();
 
@@ -54,11 +56,11 @@ class DatabaseWriter {
   class Rows {
    public:
     Rows(const DatabaseWriter& writer, const SqlTable& table);
-    Insert& Begin();
+    Statement& Begin();
 
    private:
     const DatabaseWriter& writer;
-    Insert insert;
+    Statement insert;
   };
   Rows& AddTo(const char* ownTable);
 

@@ -16,6 +16,9 @@ struct Format {
   void (*write)(const Collection& collection, const Screen& screen, std::ostream& out);
   bool wantsLog = false;  ///< needs Collection::log
   bool isBinary = false;  ///< never written to a terminal
+  /// It shows the problems and the status of each table to people, who need not be told again.
+  bool tellsStatus = false;
+  const char* resultName = "Results";  ///< for people, of a file in this format
   /// What the format leaves out of a collection, a line of UTF-8 each; null: never anything.
   std::vector<std::string> (*describeCuts)(const Collection& collection) = nullptr;
 };
@@ -26,7 +29,8 @@ const std::vector<Format>& Formats();
 /// Null when no format has that name.
 const Format* FindFormat(const std::string& name);
 
-/// Tables for people: aligned, as wide as the screen, in the modules' order.
+/// A screen for people: machine, problems and a line for each table, then the tables: aligned, as
+/// wide as the screen, by area.
 void WriteTables(const Collection& collection, const Screen& screen, std::ostream& out);
 /// One JSON object (docs/json.md).
 void WriteJson(const Collection& collection, const Screen& screen, std::ostream& out);

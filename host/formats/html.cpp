@@ -5,17 +5,18 @@
 
 #include <array>
 #include <cstdint>
-#include <random>
 #include <set>
 #include <sstream>
 
 #include "host/answers/tool_versions.h"
 #include "host/collect/table_view.h"
+#include "host/formats/collection_summary.h"
 #include "host/formats/formats.h"
 #include "host/formats/json_buffer.h"
 #include "host/formats/machine_summary.h"
 #include "host/formats/report/report_page.h"
 #include "host/formats/report_size.h"
+#include "host/formats/row_identity.h"
 #include "host/text/json_text.h"
 #include "host/text/screen_text.h"
 #include "host/text/version.h"
@@ -57,14 +58,6 @@ void WriteScript(std::ostream& out) {
   out << kReportScript.substr(at + kPlace.size());
 }
 
-/// A number used once, which nobody who wrote the data can have known.
-std::string MakeNonce() {
-  std::random_device random;
-  std::string nonce;
-  for (int i = 0; i < 4; ++i) nonce += fmt::format("{:08x}", random());
-  return nonce;
-}
-
 class ReportData {
  public:
   ReportData(const Collection& collection, const Screen& screen, std::ostream& out)
@@ -79,15 +72,15 @@ class ReportData {
     json.AppendList(ListFacts(), [](std::string& text, const Fact& fact) {
       AppendJsonList(text, fact, &AppendJsonText);
     });
-    json.AppendText(",\"outcome\":", DescribeOutcome());
+    json.AppendText(",\"outcome\":", DescribeOutcome(collection));
     json += ",\"notes\":";
     json.AppendList(collection.problems, &AppendJsonText);
     json.AppendText(",\"footer\":", fmt::format("Made by pqhost {}.", kVersion));
-    json += ",\"modules\":[";
+    json += ",\"areas\":[";
     const char* separator = "";
-    for (const CollectedModule& module : collection.modules) {
+    for (const TableGroup& group : GroupTables(collection)) {
       json += separator;
-      WriteModule(module);
+      WriteArea(group);
       separator = ",\n";
     }
     json += "]}";
@@ -115,27 +108,17 @@ class ReportData {
     return facts;
   }
 
-  std::string DescribeOutcome() const {
-    std::size_t filled = 0;
-    std::size_t rows = 0;
-    for (const CollectedTable& table : collection.tables) {
-      if (table.RowCount() > 0) ++filled;
-      rows += table.RowCount();
-    }
-    return fmt::format("{} of {} tables with {} rows", filled, collection.tables.size(), rows);
-  }
-
-  void WriteModule(const CollectedModule& module) {
-    const auto [name, description] = view.ViewModule(module);
-    json.AppendText("{\"name\":", name);
-    json.AppendText(",\"description\":", description);
+  void WriteArea(const TableGroup& group) {
+    json.AppendText("{\"title\":", view.Excerpt(group.area));
+    json += ",\"modules\":";
+    json.AppendList(group.modules, [&](std::string& text, const std::string& module) {
+      AppendJsonText(text, view.Excerpt(module));
+    });
     json += ",\"tables\":[";
     const char* separator = "";
-    for (std::size_t i = 0; i < collection.tables.size(); ++i) {
-      const CollectedTable& table = collection.tables[i];
-      if (table.module != module.name) continue;
+    for (const std::size_t i : group.tables) {
       json += separator;
-      WriteTable(view.ViewTable(table), parts[i]);
+      WriteTable(view.ViewTable(collection.tables[i]), parts[i]);
       separator = ",\n";
     }
     json += "]}";
@@ -198,7 +181,7 @@ class ReportData {
       const RowView row = table.RowAt(i);
       for (std::size_t place = 0; place < row.CellCount(); ++place) {
         const CellView cell = row.CellAt(place);
-        if (!fileKeys.contains(cell.Key())) continue;
+        if (!fileKeys.contains(cell.Key()) || cell.Kind() == CellKind::kNothing) continue;
         json += separator;
         json.AppendText("{\"label\":", cell.Label());
         json.AppendText(",\"filename\":", cell.FileName().value_or(cell.Key()));
@@ -219,7 +202,7 @@ class ReportData {
 }  // namespace
 
 void WriteHtml(const Collection& collection, const Screen& screen, std::ostream& out) {
-  const std::string nonce = MakeNonce();
+  const std::string nonce = MakeRandomText();  // Used once, for this report's own script.
   std::string_view page = kReportPage;
   for (std::size_t at = 0; (at = page.find('@')) != std::string_view::npos;) {
     out << page.substr(0, at);

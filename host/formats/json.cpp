@@ -7,6 +7,7 @@
 #include "host/collect/table_view.h"
 #include "host/formats/formats.h"
 #include "host/formats/json_buffer.h"
+#include "host/formats/row_identity.h"
 #include "host/text/json_text.h"
 #include "host/text/time_text.h"
 #include "host/text/version.h"
@@ -69,11 +70,14 @@ class JsonWriter {
   }
 
   void WriteLines() {
+    const std::string identity = collection.machineIsKnown ? DescribeIdentity() : "";
     for (const CollectedTable& collected : collection.tables) {
       const TableView table = view.ViewTable(collected);
       const bool keysRepeat = HasRepeatedKeys(table);
       for (std::size_t i = 0; i < table.RowCount(); ++i) {
-        json.AppendText("{\"class\":", table.ClassName());
+        json += "{";
+        json += identity;
+        json.AppendText("\"class\":", table.ClassName());
         json += ",\"row\":";
         AppendRow(table.RowAt(i), keysRepeat);
         json += "}\n";
@@ -83,6 +87,19 @@ class JsonWriter {
   }
 
  private:
+  /// The members that begin each line.
+  std::string DescribeIdentity() const {
+    const RowIdentity identity = MakeRowIdentity(collection);
+    std::string object = JsonObject()
+                             .AddText("machine", identity.machine)
+                             .AddText("serial", identity.serial)
+                             .AddText("recordedAt", identity.recordedAt)
+                             .AddText("collection", identity.collection)
+                             .Take();
+    object.back() = ',';
+    return object.substr(1);
+  }
+
   void AppendMachine() {
     const MachineFacts& machine = collection.machine;
     const MachineIdentity identity = FindMachineIdentity(collection);

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "host/catalogue/areas.h"
 #include "host/catalogue/table_sources.h"
 #include "host/text/decoder.h"
 #include "host/text/screen_text.h"
@@ -42,21 +43,26 @@ void WriteModulesList(const std::vector<LoadedModule>& modules, const Screen& sc
   const char* const plain = screen.colors ? "\x1b[0m" : "";
   std::size_t nameWidth = 0;
   std::size_t titleWidth = 0;
+  std::vector<TableToGroup> tables;
+  std::vector<const LoadedModule*> owners;  // of the tables
   for (const LoadedModule& module : modules) {
     for (const auto& [name, handlers] : module.module->Tables()) {
+      tables.push_back({name, module.name, module.description});
+      owners.push_back(&module);
       nameWidth = std::max(nameWidth, MeasureWidth(Clean(name)));
       titleWidth = std::max(titleWidth, MeasureWidth(Clean(TitleOf(name))));
     }
   }
   const char* separator = "";
-  for (const LoadedModule& module : modules) {
-    out << separator << bold << Clean(module.name) << plain << "  " << Clean(module.description)
-        << '\n';
+  for (const TableGroup& group : GroupByArea(tables)) {
+    out << separator << bold << Clean(group.area) << plain << "  "
+        << Clean(fmt::format("{}", fmt::join(group.modules, ", "))) << '\n';
     separator = "\n";
-    for (const auto& [name, handlers] : module.module->Tables()) {
+    for (const std::size_t i : group.tables) {
+      const std::string& name = tables[i].className;
       const std::string line = fmt::format("  {}  {}  {}", PadText(Clean(name), nameWidth),
                                            PadText(Clean(TitleOf(name)), titleWidth),
-                                           DescribeLayout(AskLayout(module, name)));
+                                           DescribeLayout(AskLayout(*owners[i], name)));
       out << CutText(line, std::max(screen.width, 20U)) << '\n';
     }
   }
@@ -67,9 +73,11 @@ void WriteModulesJson(const std::vector<LoadedModule>& modules, std::ostream& ou
   for (const LoadedModule& module : modules) {
     Json tables = Json::array();
     for (const auto& [name, handlers] : module.module->Tables()) {
-      tables.push_back({{"class", Clean(name)},
-                        {"title", Clean(TitleOf(name))},
-                        {"layout", MakeLayout(AskLayout(module, name))}});
+      tables.push_back(
+          {{"class", Clean(name)},
+           {"title", Clean(TitleOf(name))},
+           {"area", Clean(GroupByArea({{name, module.name, module.description}}).front().area)},
+           {"layout", MakeLayout(AskLayout(module, name))}});
     }
     list.push_back({{"name", Clean(module.name)},
                     {"description", Clean(module.description)},

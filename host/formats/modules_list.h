@@ -9,7 +9,7 @@
 
 namespace host {
 
-/// A line for each table, grouped by module.
+/// A line for each table, by area.
 void WriteModulesList(const std::vector<LoadedModule>& modules, const Screen& screen,
                       std::ostream& out);
 /// One JSON object (docs/json.md).

@@ -38,7 +38,8 @@ std::string JoinLineEnds(std::string_view text) {
 }
 
 std::string DescribeFile(const CellView& cell) {
-  const std::string size = FormatSize(cell.ByteSize());
+  const std::string size =
+      cell.Kind() == CellKind::kNothing ? "left out" : FormatSize(cell.ByteSize());
   const std::optional<DecodedText> name = cell.FileName();
   if (!name) return fmt::format("[file, {}]", size);
   return fmt::format("[file {}, {}]", EscapeControls(*name), size);

@@ -15,27 +15,30 @@ void Execute(sqlite3* handle, const std::string& sql) {
   }
 }
 
-Insert::Insert(sqlite3* handle, std::string_view table, std::size_t columnCount) : handle(handle) {
+std::string MakeInsert(std::string_view table, std::size_t columnCount) {
   std::string places = "?";
   for (std::size_t i = 1; i < columnCount; ++i) places += ",?";
-  const std::string sql = fmt::format("INSERT INTO {} VALUES ({})", QuoteName(table), places);
+  return fmt::format("INSERT INTO {} VALUES ({})", QuoteName(table), places);
+}
+
+Statement::Statement(sqlite3* handle, const std::string& sql) : handle(handle) {
   sqlite3_stmt* raw = nullptr;
   Check(sqlite3_prepare_v2(handle, sql.c_str(), -1, &raw, nullptr));
   statement.reset(raw);
 }
 
-Insert& Insert::operator<<(std::string_view text) {
+Statement& Statement::operator<<(std::string_view text) {
   Check(sqlite3_bind_text64(statement.get(), ++bound, text.data(), text.size(), SQLITE_TRANSIENT,
                             SQLITE_UTF8));
   return *this;
 }
 
-Insert& Insert::operator<<(std::int64_t number) {
+Statement& Statement::operator<<(std::int64_t number) {
   Check(sqlite3_bind_int64(statement.get(), ++bound, number));
   return *this;
 }
 
-Insert& Insert::Add(CellKind kind, std::string_view text) {
+Statement& Statement::Add(CellKind kind, std::string_view text) {
   if (kind == CellKind::kNothing) return *this << nullptr;
   if (kind == CellKind::kInteger) {
     std::int64_t number = 0;
@@ -51,14 +54,14 @@ Insert& Insert::Add(CellKind kind, std::string_view text) {
   return *this << text;
 }
 
-void Insert::Run() {
+void Statement::Run() {
   if (sqlite3_step(statement.get()) != SQLITE_DONE) FailAsSqlite(handle);
   sqlite3_reset(statement.get());
   sqlite3_clear_bindings(statement.get());
   bound = 0;
 }
 
-void Insert::Check(int result) const {
+void Statement::Check(int result) const {
   if (result != SQLITE_OK) FailAsSqlite(handle);
 }
 

@@ -21,21 +21,22 @@ using StatementHandle = std::unique_ptr<sqlite3_stmt, CloseStatement>;
 /// Runs statements without rows.
 void Execute(sqlite3* handle, const std::string& sql);
 
-/// An INSERT statement that is run once per row.
-class Insert {
+/// A statement without rows that is run many times, each time with other values for its places.
+class Statement {
  public:
-  Insert(sqlite3* handle, std::string_view table, std::size_t columnCount);
+  Statement(sqlite3* handle, const std::string& sql);
 
-  Insert& operator<<(std::string_view text);
-  Insert& operator<<(std::int64_t number);
-  Insert& operator<<(std::nullptr_t) {
+  /// The value for the next place.
+  Statement& operator<<(std::string_view text);
+  Statement& operator<<(std::int64_t number);
+  Statement& operator<<(std::nullptr_t) {
     ++bound;
     return *this;
   }
   /// A cell's text, as what it is.
-  Insert& Add(CellKind kind, std::string_view text);
+  Statement& Add(CellKind kind, std::string_view text);
 
-  /// All columns must have been given a value. The next row can follow.
+  /// To be called when each place has its value.
   void Run();
 
  private:
@@ -45,5 +46,8 @@ class Insert {
   StatementHandle statement;
   int bound = 0;
 };
+
+/// INSERT of rows with so many columns.
+std::string MakeInsert(std::string_view table, std::size_t columnCount);
 
 }  // namespace host

@@ -1,6 +1,7 @@
-// Tables for people. A table that wants one instance per line is aligned in columns; when its
-// columns do not fit the screen, and when a table wants one property per line, each row becomes a
-// block of "label: value" lines.
+// A screen for people: the machine, its problems and a line for each table; then the tables. A
+// table that wants one instance per line is aligned in columns; when its columns do not fit the
+// screen, and when a table wants one property per line, each row becomes a block of "label: value"
+// lines.
 //
 //   ARP table · ARPINFO · 2 rows
 //   Internet Address  Physical Address   Type
@@ -11,9 +12,12 @@
 
 #include <algorithm>
 
+#include "host/catalogue/table_sources.h"
 #include "host/collect/table_view.h"
+#include "host/formats/collection_summary.h"
 #include "host/formats/column_widths.h"
 #include "host/formats/formats.h"
+#include "host/formats/machine_summary.h"
 #include "host/formats/shown_cell.h"
 #include "host/text/screen_text.h"
 
@@ -22,10 +26,17 @@ namespace {
 
 constexpr std::size_t kWidestLabel = 34;
 constexpr unsigned kNarrowestScreen = 20;
+/// Beside the names of a table there has to be room for so much of its status.
+constexpr std::size_t kLeastStatus = 24;
+
+/// How many rows of a log are shown: in columns, and as blocks.
+constexpr std::size_t kNewestRows = 20;
+constexpr std::size_t kNewestBlocks = 3;
 
 constexpr char kBold[] = "\x1b[1m";
 constexpr char kHeadStyle[] = "\x1b[1;36m";
 constexpr char kDim[] = "\x1b[2m";
+constexpr char kRed[] = "\x1b[31m";
 constexpr char kPlain[] = "\x1b[0m";
 
 class TablesWriter {
@@ -35,58 +46,153 @@ class TablesWriter {
         view(collection),
         width(std::max(screen.width, kNarrowestScreen)),
         colors(screen.colors),
+        showsAll(screen.showsAll),
         out(out) {}
 
   void Write() {
-    const char* separator = "";
-    for (const CollectedModule& module : collection.modules) {
+    const std::vector<TableGroup> groups = GroupTables(collection);
+    if (collection.machineIsKnown) WriteOverview(groups);
+    const char* separator = collection.machineIsKnown ? "\n" : "";
+    for (const TableGroup& group : groups) {
+      const auto isShown = [&](std::size_t i) {
+        return !collection.machineIsKnown || collection.tables[i].RowCount() > 0;
+      };
+      if (std::ranges::none_of(group.tables, isShown)) continue;
       out << separator;
       separator = "\n";
-      WriteModule(module);
+      WriteHead(view.Excerpt(group.area));
+      for (const std::size_t i : group.tables) {
+        if (!isShown(i)) continue;
+        out << '\n';
+        WriteTable(view.ViewTable(collection.tables[i]));
+      }
     }
   }
 
  private:
   using Lines = std::vector<std::string>;  ///< of a cell
 
-  void WriteModule(const CollectedModule& module) {
-    const auto [name, description] = view.ViewModule(module);
-    const std::string head = EscapeControls(description) + " · " + EscapeControls(name);
-    WriteStyled(kHeadStyle, CutText(head, width));
+  void WriteHead(std::string_view text) {
+    WriteStyled(kHeadStyle, CutText(EscapeControls(text), width));
     out << '\n';
-    std::string empty;
-    for (const CollectedTable& collected : collection.tables) {
-      if (collected.module != module.name) continue;
-      const TableView table = view.ViewTable(collected);
-      if (table.RowCount() == 0 && table.Status().notes.empty()) {
-        empty += " " + EscapeControls(table.ClassName());
-      } else {
-        out << '\n';
-        WriteTable(table);
-      }
-    }
-    if (empty.empty()) return;
-    out << '\n';
-    for (const std::string& line : WrapText("No rows:" + empty, width)) {
-      WriteStyled(kDim, line);
+  }
+
+  /// Lines of at most the screen's width; those after the first are `indent` columns in.
+  void WriteParagraph(const char* style, const std::string& text, std::size_t indent) {
+    std::string before;
+    for (const std::string& line : WrapText(text, width - indent)) {
+      WriteStyled(style, before + line);
       out << '\n';
+      before.assign(indent, ' ');
+    }
+  }
+
+  void WriteOverview(const std::vector<TableGroup>& groups) {
+    WriteHead(NameMachine(collection));
+    WriteFacts();
+    WriteParagraph(nullptr, DescribeOutcome(collection), 0);
+    WriteProblems();
+    out << '\n';
+    MeasureNames();
+    for (const TableGroup& group : groups) WriteStatusLines(group);
+  }
+
+  void WriteFacts() {
+    const std::vector<std::pair<std::string, std::string>> facts = ListMachineFacts(collection);
+    std::size_t widest = 0;
+    for (const auto& [name, value] : facts) widest = std::max(widest, MeasureWidth(name));
+    for (const auto& [name, value] : facts) {
+      const std::string start = PadText(name + ":", widest + kColumnGap);
+      out << start;
+      WriteParagraph(nullptr, EscapeControls(value), start.size());
+    }
+  }
+
+  void WriteProblems() {
+    if (collection.problems.empty()) return;
+    out << '\n';
+    WriteStyled(kRed, FormatCount(collection.problems.size(), "problem"));
+    out << '\n';
+    for (const std::string& problem : collection.problems) {
+      out << "  ";
+      WriteParagraph(nullptr, EscapeControls(problem), 4);
+    }
+  }
+
+  void WriteStatusLines(const TableGroup& group) {
+    WriteStyled(kBold, CutText(EscapeControls(view.Excerpt(group.area)), width));
+    out << '\n';
+    for (const std::size_t i : group.tables) {
+      const CollectedTable& table = collection.tables[i];
+      const bool hasRows = table.RowCount() > 0;
+      std::string line = PadText(CutText("  " + ShowClass(table), width), nameWidth);
+      if (nameWidth + titleWidth + kLeastStatus <= width) {
+        line = PadText(line + ShowTitle(table), nameWidth + titleWidth);
+      }
+      // Of a table with rows its notes are shown with these.
+      WriteStatus(line, EscapeControls(hasRows ? table.status.text : DescribeStatus(table.status)),
+                  hasRows ? nullptr : kDim);
+    }
+  }
+
+  /// The status after the names or, where these leave too little room, below them.
+  void WriteStatus(std::string line, const std::string& status, const char* style) {
+    std::size_t indent = MeasureWidth(line);
+    if (indent + kLeastStatus > width) {
+      WriteStyled(style, line.substr(0, line.find_last_not_of(' ') + 1));
+      out << '\n';
+      indent = 4;
+      line.assign(indent, ' ');
+    }
+    for (const std::string& part : WrapText(status, width - indent)) {
+      line += part;
+      WriteStyled(style, line.substr(0, line.find_last_not_of(' ') + 1));
+      out << '\n';
+      line.assign(indent, ' ');
+    }
+  }
+
+  std::string ShowClass(const CollectedTable& table) const {
+    return EscapeControls(view.Excerpt(table.className));
+  }
+  std::string ShowTitle(const CollectedTable& table) const {
+    return EscapeControls(view.Excerpt(TitleOf(table.className)));
+  }
+
+  void MeasureNames() {
+    for (const CollectedTable& table : collection.tables) {
+      nameWidth = std::max(nameWidth, 2 + MeasureWidth(ShowClass(table)) + kColumnGap);
+      titleWidth = std::max(titleWidth, MeasureWidth(ShowTitle(table)) + kColumnGap);
     }
   }
 
   void WriteTable(const TableView& table) {
     const std::string className = EscapeControls(table.ClassName());
     const std::string title = EscapeControls(table.Title());
+    std::size_t first = FindFirstShown(table, kNewestRows);
+    const std::vector<std::size_t> widths = ChooseWidths(table, first);
+    if (widths.empty()) first = FindFirstShown(table, kNewestBlocks);
     WriteStyled(kBold, title);
     if (title != className) out << " · " << className;
-    out << " · " << FormatCount(table.RowCount(), "row") << '\n';
-    WriteNotes(table);
-    if (table.RowCount() == 0) return;
-    const std::vector<std::size_t> widths = ChooseWidths(table);
-    if (widths.empty()) {
-      WriteBlocks(table);
-    } else {
-      WriteColumns(table, widths);
+    out << " · " << FormatCount(table.RowCount(), "row");
+    if (first > 0) {
+      out << fmt::format(" · the newest {}; {} before them are not shown (--all shows them)",
+                         table.RowCount() - first, first);
     }
+    out << '\n';
+    WriteNotes(table);
+    if (widths.empty()) {
+      WriteBlocks(table, first);
+    } else {
+      WriteColumns(table, widths, first);
+    }
+  }
+
+  /// Of a log only the newest rows are shown.
+  std::size_t FindFirstShown(const TableView& table, std::size_t most) const {
+    const pq::TableDescription* known = FindTableDescription(table.ClassName());
+    if (showsAll || known == nullptr || !known->isLog || table.RowCount() <= most) return 0;
+    return table.RowCount() - most;
   }
 
   void WriteNotes(const TableView& table) {
@@ -99,7 +205,7 @@ class TablesWriter {
   }
 
   /// None when the table has to be written in blocks.
-  std::vector<std::size_t> ChooseWidths(const TableView& table) const {
+  std::vector<std::size_t> ChooseWidths(const TableView& table, std::size_t first) const {
     const std::vector<ColumnView>& columns = table.Columns();
     const bool hasFiles = std::any_of(columns.begin(), columns.end(),
                                       [](const ColumnView& column) { return column.hasFiles; });
@@ -108,7 +214,7 @@ class TablesWriter {
     for (std::size_t column = 0; column < columns.size(); ++column) {
       needs[column].Add(ShowLabel(columns[column].label, columns[column].key));
     }
-    for (std::size_t i = 0; i < table.RowCount(); ++i) {
+    for (std::size_t i = first; i < table.RowCount(); ++i) {
       const RowView row = table.RowAt(i);
       for (std::size_t column = 0; column < columns.size(); ++column) {
         const std::optional<CellView> cell = row.FindCell(column);
@@ -118,7 +224,8 @@ class TablesWriter {
     return FitColumns(needs, width);
   }
 
-  void WriteColumns(const TableView& table, const std::vector<std::size_t>& widths) {
+  void WriteColumns(const TableView& table, const std::vector<std::size_t>& widths,
+                    std::size_t first) {
     std::vector<Lines> head;
     std::vector<Lines> rule;
     for (std::size_t i = 0; i < widths.size(); ++i) {
@@ -131,7 +238,7 @@ class TablesWriter {
     WriteCells(head, widths, kBold);
     WriteCells(rule, widths, kDim);
     std::vector<Lines> cells(widths.size());
-    for (std::size_t i = 0; i < table.RowCount(); ++i) {
+    for (std::size_t i = first; i < table.RowCount(); ++i) {
       const RowView row = table.RowAt(i);
       for (std::size_t column = 0; column < widths.size(); ++column) {
         const std::optional<CellView> cell = row.FindCell(column);
@@ -158,10 +265,10 @@ class TablesWriter {
     }
   }
 
-  void WriteBlocks(const TableView& table) {
-    for (std::size_t i = 0; i < table.RowCount(); ++i) {
+  void WriteBlocks(const TableView& table, std::size_t first) {
+    for (std::size_t i = first; i < table.RowCount(); ++i) {
       if (table.RowCount() > 1) {
-        if (i > 0) out << '\n';
+        if (i > first) out << '\n';
         WriteStyled(kDim, fmt::format("── {} of {}", i + 1, table.RowCount()));
         out << '\n';
       }
@@ -204,6 +311,10 @@ class TablesWriter {
   CollectionView view;
   unsigned width;
   bool colors;
+  bool showsAll;
+  // Columns that all tables' names and titles take in the overview, with the gaps around them.
+  std::size_t nameWidth = 0;
+  std::size_t titleWidth = 0;
   std::ostream& out;
 };
 

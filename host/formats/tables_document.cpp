@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "host/catalogue/areas.h"
 #include "host/catalogue/table_sources.h"
 #include "host/collect/selection.h"
 
@@ -37,6 +38,7 @@ std::string DescribeSource(const pq::TableDescription& table) {
   std::string text = fmt::format("Made from {}.", ListAsCode(tools));
   if (!files.empty()) text += fmt::format(" Left in the log folder: {}.", ListAsCode(files));
   if (table.needsUsEnglish) text += " On US English systems only.";
+  for (const pq::Omission& omission : table.leavesOut) text += " " + omission.text;
   return text;
 }
 
@@ -53,14 +55,15 @@ std::string DescribeColumns(const std::vector<pq::ColumnDescription>& columns) {
   return text;
 }
 
-/// The sections of a module's tables. Tables that have the columns of the one before say so.
-std::string DescribeTables(const LoadedModule& module) {
+/// The sections of an area's tables. Tables that have the columns of the one before say so.
+std::string DescribeTables(const TableGroup& group, const std::vector<TableToGroup>& tables) {
   std::string text;
   const pq::TableDescription* last = nullptr;
-  for (const auto& [name, handlers] : module.module->Tables()) {
-    const pq::TableDescription* table = FindTableDescription(name);
+  for (const std::size_t i : group.tables) {
+    const pq::TableDescription* table = FindTableDescription(tables[i].className);
     if (table == nullptr) continue;
-    text += fmt::format("\n### {}: {}\n\n{}\n", name, table->title, DescribeSource(*table));
+    text += fmt::format("\n### {}: {}\n\n{} Module `{}`.\n", table->className, table->title,
+                        DescribeSource(*table), tables[i].module);
     if (table->columns.empty()) continue;
     if (last != nullptr && last->columns == table->columns) {
       text += fmt::format("\nIts columns are those of {}.\n", last->className);
@@ -75,10 +78,16 @@ std::string DescribeTables(const LoadedModule& module) {
 }  // namespace
 
 std::string WriteTablesDocument() {
-  std::string text = kHead;
+  std::vector<TableToGroup> tables;
   for (const LoadedModule& module : LoadLinkedModules()) {
-    text += fmt::format("\n## {} ({})\n", module.description, module.name);
-    text += DescribeTables(module);
+    for (const auto& [name, handlers] : module.module->Tables()) {
+      tables.push_back({name, module.name, module.description});
+    }
+  }
+  std::string text = kHead;
+  for (const TableGroup& group : GroupByArea(tables)) {
+    text += fmt::format("\n## {}\n", group.area);
+    text += DescribeTables(group, tables);
   }
   return text;
 }

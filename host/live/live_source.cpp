@@ -1,6 +1,7 @@
 #include "host/live/live_source.h"
 
 #include <algorithm>
+#include <chrono>
 #include <system_error>
 
 #include "host/collect/unsafe_folders.h"
@@ -48,6 +49,7 @@ void LiveSource::Begin(CollectionListener& listener) {
   if (!settings.allowsUnsafeFolders) RefuseUnsafeFolders(DescribeThisMachine(settings.logFolder));
   machine = PrepareLiveMachine(settings.logFolder, settings.logFolderAccess);
   workingFolder.emplace(settings.logFolder);
+  filesBefore.emplace(*machineView, machine.logFolder);
   library = LoadLiveLibrary(settings.plugin,
                             {&listener, &recorder, settings.toolLimits, settings.prompt});
   if (!settings.recordingFolder) return;
@@ -72,6 +74,18 @@ std::optional<std::uint64_t> LiveSource::LogFileSize(const std::string& fileName
   const std::uintmax_t size = std::filesystem::file_size(settings.logFolder / fileName, failure);
   if (failure) return std::nullopt;
   return size;
+}
+
+std::optional<OldFile> LiveSource::FindOldFile(const std::string& path) {
+  // Some file systems keep times to two seconds.
+  constexpr std::chrono::seconds kCoarsestTime(2);
+  const std::optional<FileState> state = machineView->FindState(path);
+  const std::optional<LocalTime>& begun = machine.facts.recordedAt;
+  if (!state || !begun) return std::nullopt;
+  const bool isOld = filesBefore->IsLogFile(path) ? filesBefore->IsUnchanged(path)
+                                                  : state->written + kCoarsestTime < begun->time;
+  if (!isOld) return std::nullopt;
+  return OldFile{LocalTime{state->written, begun->offset}};
 }
 
 void LiveSource::WriteRecording(const Submission& submission) {

@@ -50,6 +50,7 @@ class LiveSource final : public Source {
   std::string LogFolder() override { return machine.logFolder; }
   bool HasPrograms(const std::string& commandLine) override;
   std::optional<std::uint64_t> LogFileSize(const std::string& fileName) override;
+  std::optional<OldFile> FindOldFile(const std::string& path) override;
 
   /// The folder of the tools' files, absolute.
   const std::filesystem::path& LogFolderPath() const { return settings.logFolder; }
@@ -60,6 +61,7 @@ class LiveSource final : public Source {
  private:
   LiveSettings settings;
   std::unique_ptr<MachineView> machineView = ViewLiveMachine();
+  std::optional<FilesBefore> filesBefore;
   std::optional<Recorder> recorder;  // outlives the library, which tells it
   std::unique_ptr<LiveLibrary> library;
   LiveMachine machine;

@@ -29,19 +29,24 @@ class ReplaySource final : public CommandSource {
 
   Source& Get() override { return source; }
 
-  std::vector<std::string> KeepLogFiles(const Collection& collection,
-                                        const Console& console) override {
+  std::vector<std::string> KeepLogFiles(const Collection& collection) override {
     if (!logFolder) return {};
     const LeftFiles left = WriteLeftFiles(collection.files, collection.machine.logFolder,
                                           TextDecoder(collection.machine.codePage), *logFolder);
-    console.error << fmt::format("Log files: {} in {}\n", left.written,
-                                 EscapeControls(PathText(*logFolder)));
+    keptCount = left.written;
     return left.problems;
+  }
+
+  void TellKept(const Console& console) const override {
+    if (!logFolder) return;
+    console.error << fmt::format("Log files: {} in {}\n", keptCount,
+                                 EscapeControls(PathText(*logFolder)));
   }
 
  private:
   RecordedSource source;
   std::optional<std::filesystem::path> logFolder;
+  std::size_t keptCount = 0;  ///< of files in it
 };
 
 ToolLimits LimitTools(const SourceOptions& options) {
@@ -68,16 +73,18 @@ class ThisMachine final : public CommandSource {
 
   Source& Get() override { return source; }
 
-  std::vector<std::string> KeepLogFiles(const Collection& /*collection*/,
-                                        const Console& console) override {
-    console.error << fmt::format("Log files: {}\n",
-                                 EscapeControls(PathText(source.LogFolderPath())));
-    return {};
-  }
+  std::vector<std::string> KeepLogFiles(const Collection& /*collection*/) override { return {}; }
 
-  void KeepRecording(const Collection& collection, const Console& console) override {
+  void KeepRecording(const Collection& collection) override {
     if (!recordingFolder) return;
     source.WriteRecording(DescribeSubmission(collection));
+    hasRecording = true;
+  }
+
+  void TellKept(const Console& console) const override {
+    console.error << fmt::format("Log files: {}\n",
+                                 EscapeControls(PathText(source.LogFolderPath())));
+    if (!hasRecording) return;
     console.error << fmt::format("Recording: {}\n", EscapeControls(PathText(*recordingFolder)));
   }
 
@@ -85,6 +92,7 @@ class ThisMachine final : public CommandSource {
   LoginPrompt prompt;
   LiveSource source;
   std::optional<std::filesystem::path> recordingFolder;
+  bool hasRecording = false;  ///< it was written
 };
 
 }  // namespace

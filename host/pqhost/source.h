@@ -42,13 +42,14 @@ class CommandSource {
  public:
   virtual ~CommandSource() = default;
   virtual Source& Get() = 0;
-  /// Sees to the files that the tools left in the log folder; says where they are. Returns a line
-  /// of UTF-8 for each that could not be kept.
-  virtual std::vector<std::string> KeepLogFiles(const Collection& collection,
-                                                const Console& console) = 0;
-  /// Writes the recording that was made beside `collection`, if one was asked for; says where it
-  /// is. Throws std::runtime_error when it could not be written.
-  virtual void KeepRecording(const Collection& /*collection*/, const Console& /*console*/) {}
+  /// Sees to the files that the tools left in the log folder. Returns a line of UTF-8 for each that
+  /// could not be kept.
+  virtual std::vector<std::string> KeepLogFiles(const Collection& collection) = 0;
+  /// Writes the recording that was made beside `collection`, if one was asked for. Throws
+  /// std::runtime_error when it could not be written.
+  virtual void KeepRecording(const Collection& /*collection*/) {}
+  /// Says what is kept, and where.
+  virtual void TellKept(const Console& console) const = 0;
 };
 
 /// The source that the options ask for. Throws UsageError or RecordingError.

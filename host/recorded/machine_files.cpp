@@ -22,6 +22,7 @@ MachineFiles::MachineFiles(const Recording& recording) : workingFolder(recording
   if (recording.hasLogFolder) AddFolder(MakeKey(recording.logFolder));
   for (const std::string& path : recording.readOnly) readOnly.insert(MakeKey(path));
   for (const auto& [path, bytes] : recording.files) Store(path, bytes);
+  for (auto& [key, file] : files) file.isFromBefore = true;
 }
 
 std::string MachineFiles::FullPath(std::string_view path) const {
@@ -71,6 +72,11 @@ std::optional<Bytes> MachineFiles::Find(std::string_view path) const {
   return file->second.bytes;
 }
 
+bool MachineFiles::IsFromBefore(std::string_view path) const {
+  const auto file = files.find(MakeKey(path));
+  return file != files.end() && file->second.isFromBefore;
+}
+
 FileResult MachineFiles::Create(std::string_view path) {
   const std::string key = MakeKey(path);
   if (IsReadOnly(key) || HasFolder(key)) return FileResult::kAccessDenied;
@@ -83,6 +89,7 @@ void MachineFiles::Store(std::string_view path, Bytes bytes) {
   StoredFile& file = files[MakeKey(path)];
   if (file.path.empty()) file.path = FullPath(path);
   file.bytes = std::move(bytes);
+  file.isFromBefore = false;
 }
 
 FileResult MachineFiles::MakeFolder(std::string_view path) {

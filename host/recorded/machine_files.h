@@ -25,6 +25,9 @@ class MachineFiles {
   /// The bytes of a file; nothing when there is no such file.
   std::optional<Bytes> Find(std::string_view path) const;
 
+  /// Whether `path` is a file of the recording that nothing has written since.
+  bool IsFromBefore(std::string_view path) const;
+
   /// Makes `path` an empty file, unless it cannot be written.
   FileResult Create(std::string_view path);
   /// Gives `path`, which was created, its bytes.
@@ -43,6 +46,7 @@ class MachineFiles {
   struct StoredFile {
     std::string path;
     Bytes bytes;
+    bool isFromBefore = false;
   };
 
   /// Equal for two paths of one file or folder.

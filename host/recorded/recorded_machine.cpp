@@ -435,6 +435,10 @@ std::optional<std::uint64_t> RecordedMachine::FileSize(const std::string& path) 
   return bytes->size();
 }
 
+bool RecordedMachine::HasFileFromBefore(const std::string& path) const {
+  return state->files.IsFromBefore(path);
+}
+
 int RecordedMachine::OpenHandles() const { return *state->openHandles; }
 
 }  // namespace host

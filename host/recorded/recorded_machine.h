@@ -44,6 +44,8 @@ class RecordedMachine final : public pq::Platform {
   std::map<std::string, Bytes> Files() const;
   /// Size in bytes of the file `path`, if it is there.
   std::optional<std::uint64_t> FileSize(const std::string& path) const;
+  /// Whether the file `path` was recorded, and no command has written it since.
+  bool HasFileFromBefore(const std::string& path) const;
   /// Processes, pipes and files that are open at this moment.
   int OpenHandles() const;
 

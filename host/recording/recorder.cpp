@@ -42,7 +42,7 @@ std::vector<std::string_view> SplitLines(std::string_view text) {
 }  // namespace
 
 Recorder::Recorder(Recording facts, MachineView& machine)
-    : recording(std::move(facts)), machine(machine) {}
+    : recording(std::move(facts)), machine(machine), filesBefore(machine, recording.logFolder) {}
 
 void Recorder::BeginRun(std::string_view commandLine, bool isPiped) {
   CloseRun();
@@ -123,6 +123,11 @@ void Recorder::TakeOutput() {
   if (const std::string target = FindOutputFile(run->stage); !target.empty()) {
     const bool isOwn = IsOwnCommand(run->stage.program);
     std::optional<std::string> written = isOwn ? std::string() : machine.ReadFile(target);
+    if (written && filesBefore.IsUnchanged(target)) {
+      // The interpreter could not write it, so the tool did not run.
+      KeepFile(target);
+      written.reset();
+    }
     knownFiles.insert(MakeKey(target));
     if (written) {
       output = std::move(*written);

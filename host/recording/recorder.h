@@ -10,20 +10,11 @@
 
 #include "host/recorded/interpreter.h"
 #include "host/recorded/recording.h"
+#include "host/recording/files_before.h"
+#include "host/recording/machine_view.h"
 #include "host/secrets/amt_login.h"
 
 namespace host {
-
-/// The machine as the recorder itself looks at it. Paths are as the modules give them.
-class MachineView {
- public:
-  virtual ~MachineView() = default;
-  /// The bytes of a file; none when there is no such file, or it is a folder.
-  virtual std::optional<std::string> ReadFile(const std::string& path) = 0;
-  /// The paths of the files right in `folder`.
-  virtual std::vector<std::string> ListFiles(const std::string& folder) = 0;
-  virtual bool HasProgram(const std::string& program) = 0;
-};
 
 /// A run of the interpreter, until its process was awaited or the next one starts.
 struct RecordedRun {
@@ -39,6 +30,7 @@ struct RecordedRun {
 class Recorder {
  public:
   /// `facts` describes the machine, without commands and files; `machine` must outlive this object.
+  /// No tool has run yet.
   Recorder(Recording facts, MachineView& machine);
 
   /// The interpreter is about to be started for `commandLine`, which begins with "/c ". `isPiped`:
@@ -73,6 +65,7 @@ class Recorder {
 
   Recording recording;
   MachineView& machine;
+  FilesBefore filesBefore;
   std::optional<RecordedRun> run;
   Secret typed;
   std::set<std::size_t> loginLines;  ///< lines of `typed` with a password that was used

@@ -15,6 +15,10 @@ constexpr char LowerCase(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
+constexpr bool IsAsciiLetterOrDigit(char c) {
+  return (c >= '0' && c <= '9') || (LowerCase(c) >= 'a' && LowerCase(c) <= 'z');
+}
+
 inline std::string LowerCase(std::string_view text) {
   std::string lower(text);
   for (char& c : lower) c = LowerCase(c);

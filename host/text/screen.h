@@ -6,7 +6,10 @@ namespace host {
 struct Screen {
   bool isTerminal = false;
   bool colors = false;
-  unsigned width = 120;  ///< in columns
+  unsigned width = 120;   ///< in columns
+  bool showsAll = false;  ///< also old lines of logs
+  /// Each row tells its machine, in formats where the head does not.
+  bool identifiesRows = false;
 };
 
 }  // namespace host

@@ -14,13 +14,14 @@ struct IntelTool {
   const char* program;
   const char* noController;  ///< the tool's own words
   const char* explanation;   ///< the same for people
+  const char* product;
 };
 /// In the order in which they are tried.
 constexpr IntelTool kTools[] = {
     {"\\pq_tools\\rstcli64_5.exe", "No Intel(R) RST controller was found",
-     "rstcli64_5.exe finds no Intel RST controller"},
+     "rstcli64_5.exe finds no Intel RST controller", "Intel Rapid Storage Technology (RST)"},
     {"\\utilities\\vroc\\IntelVROCCli.exe", "No Intel(R) VROC controller was found",
-     "IntelVROCCli.exe finds no Intel VROC controller"},
+     "IntelVROCCli.exe finds no Intel VROC controller", "Intel Virtual RAID on CPU (VROC)"},
 };
 
 constexpr char kArguments[] = "-I";
@@ -62,6 +63,12 @@ std::unique_ptr<TextFile> RunIntelReport(CallerLog log, const std::string& hostF
   if (!WriteReport(log, hostFolder, path, style)) return nullptr;
   if (style.reportPath) log(kDetail, "rstcli log path:", DoubleBackslashes(path));
   return OpenReport(log, path, kNoReport);
+}
+
+std::vector<ToolDescription> DescribeIntelTools() {
+  std::vector<ToolDescription> tools;
+  for (const IntelTool& tool : kTools) tools.push_back({tool.program, "Intel", tool.product});
+  return tools;
 }
 
 std::vector<ToolCommand> ListIntelCommands() {

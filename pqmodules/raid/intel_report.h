@@ -24,6 +24,12 @@ struct IntelReportLog {
 std::unique_ptr<TextFile> RunIntelReport(CallerLog log, const std::string& hostFolder,
                                          const IntelReportLog& style);
 
+/// The report is about RAID that Intel's chipset and processors make.
+inline constexpr char kIntelArea[] = "Intel RAID";
+
+/// Where the two tools come from.
+std::vector<ToolDescription> DescribeIntelTools();
+
 /// The commands that write the report, for the description of tables.
 std::vector<ToolCommand> ListIntelCommands();
 

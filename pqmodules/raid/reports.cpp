@@ -4,12 +4,23 @@
 
 namespace pq {
 
+ToolDescription DescribeStorcli() { return {kStorcli, "Broadcom, formerly LSI", "StorCLI"}; }
+
 AnswerExplanation ExplainNoLsiController(std::vector<std::string> tables) {
   return {{kStorcli, kCountArguments, kCountReportName},
           std::string(kCountLabel) + " 0",
           "no such device",
           "storcli counts no controller",
           std::move(tables)};
+}
+
+Omission LeaveOutOtherLsiControllers(const std::string& elsewhere) {
+  return {.text = "Only controller 0 is read.",
+          .note = "of controller 0 alone: storcli counts {} controllers" + elsewhere,
+          .sign = OmissionSign::kCount,
+          .command = {kStorcli, kCountArguments, kCountReportName},
+          .label = std::string(kCountLabel),
+          .most = 1};
 }
 
 }  // namespace pq

@@ -24,7 +24,17 @@ inline constexpr std::string_view kCountLabel = "Controller Count =";
 /// Logged when a report cannot be opened, unless a step has its own words.
 inline constexpr char kNoReport[] = "Failed to open raid log file";
 
+/// storcli is about LSI's controllers.
+inline constexpr char kLsiArea[] = "LSI RAID";
+
+/// Where storcli comes from.
+ToolDescription DescribeStorcli();
+
 /// How storcli says that it counts no controller, which leaves `tables` empty.
 AnswerExplanation ExplainNoLsiController(std::vector<std::string> tables);
+
+/// That a table has only controller 0. `elsewhere` follows the number of controllers and says where
+/// the others are, with a blank before it; empty when nowhere.
+Omission LeaveOutOtherLsiControllers(const std::string& elsewhere);
 
 }  // namespace pq

@@ -119,9 +119,11 @@ int CollectAmtLog(const AmtCollection& collection) {
 void DescribeAmtLog(ModuleDescription& module) {
   TableDescription table{.className = kAmtLog,
                          .title = "AMT event log",
-                         .commands = {{kLogTool, "ADDRESS USER PASSWORD", kReportName, true}}};
+                         .commands = {{kLogTool, "ADDRESS USER PASSWORD", kReportName, true}},
+                         .isLog = true};
   table.AddColumn(kLine);
   module.tables.push_back(table);
+  module.tools.push_back({kLogTool, {}, {}});
   module.unloggedProgram = kLogTool;
   module.AddFailures(StepFailure::kOutputNotOpened, {kNoLog});
   module.AddFailures(StepFailure::kBeforeTool, {kNoAddress});

@@ -39,6 +39,7 @@ bool DetectAmt(const ModuleLog& log, const std::string& hostFolder) {
 
 void DescribeAmtDetection(ModuleDescription& module) {
   module.explanations.push_back({kNoAmt, "no such device", "this machine has no AMT"});
+  module.tools.push_back({ParseToolCommand(kCommandEnd).program, {}, {}});
   module.presenceTests.push_back({kCommandEnd, "AMT"});
 }
 

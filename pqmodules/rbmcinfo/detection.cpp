@@ -57,6 +57,7 @@ void DescribeDetection(ModuleDescription& module) {
   module.explanations.push_back(
       {GetDetectionMessage(BmcFamily::kDetectionFailed), "tool reported an error",
        "the BMC could not be looked for: check_amt_bmc reported an error"});
+  module.tools.push_back({ParseToolCommand(kCommandEnd).program, {}, {}});
   module.presenceTests.push_back({kCommandEnd, "a BMC"});
 }
 

@@ -112,6 +112,7 @@ void DescribeFruAndSel(ModuleDescription& module) {
     TableDescription table{.className = query->className,
                            .title = query->title,
                            .commands = {ParseToolCommand(query->command, query->fileName)}};
+    table.isLog = query == &kSelQuery;
     table.AddColumn(query->column);
     module.tables.push_back(table);
     module.AddFailures(StepFailure::kOutputNotOpened, {query->openFailure});

@@ -82,6 +82,7 @@ void DescribeIntelController(ModuleDescription& module) {
     table.AddColumn(kLines[place].column);
   }
   module.tables.push_back(table);
+  for (const ToolDescription& tool : DescribeIntelTools()) module.tools.push_back(tool);
   ExplainNoIntelController(module, {kController});
 }
 

@@ -83,6 +83,9 @@ constexpr LabelledColumn kModel =
 
 constexpr char kConfigName[] = "Controller_1_Config.txt";
 
+/// There only where there is another controller.
+constexpr char kNextConfig[] = "Controller_2_Config.txt";
+
 /// A file of the archive that is attached whole.
 struct AttachedReport {
   const char* file;
@@ -228,10 +231,22 @@ void DescribeMicrochipArchive(ModuleDescription& module) {
     links.AddColumn(report.column);
     module.AddFailures(StepFailure::kOutputNotOpened, {report.openFailure}, kTool);
   }
+  const std::vector<Omission> leavesOut = {
+      {.text = "Only controller 1 is read.",
+       .note = "of controller 1 alone: the archive has files of controller 2, too",
+       .sign = OmissionSign::kFile,
+       .command = archive,
+       .label = kNextConfig},
+      {.text = std::string("The archive stays in `") + kArchiveFolder + "`; it is copied into `" +
+               kCopyName + "` of the log folder.",
+       .note = std::string("the archive, with more than is shown here, stays in ") + kArchiveFolder,
+       .sign = OmissionSign::kRows}};
   for (TableDescription* table : {&controller, &versions, &links}) {
     table->neededCommands = {"md", "copy"};
+    table->leavesOut = leavesOut;
     module.tables.push_back(*table);
   }
+  module.tools.push_back({kTool, "Microchip, formerly Adaptec", "ARCCONF"});
   module.AddFailures(StepFailure::kNothingToReport, {kNoConfig}, kTool);
 }
 

@@ -3,6 +3,7 @@
 #include "frame/report_file.h"
 #include "frame/tool_runner.h"
 #include "pqmodules/raid/reports.h"
+#include "pqmodules/rsamplemodule2/tables.h"
 
 namespace pq {
 
@@ -18,6 +19,10 @@ std::unique_ptr<TextFile> RunStorcli(const RaidLogsCollection& collection,
 
 ToolCommand DescribeReport(const StorcliReport& report) {
   return {kStorcli, report.arguments, report.fileName};
+}
+
+Omission LeaveOutOtherControllers() {
+  return LeaveOutOtherLsiControllers(std::string(" (see ") + kLsiLink + ")");
 }
 
 }  // namespace pq

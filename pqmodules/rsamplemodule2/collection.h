@@ -29,6 +29,9 @@ struct StorcliReport {
 /// The report's command, for the description of tables.
 ToolCommand DescribeReport(const StorcliReport& report);
 
+/// That a table has only controller 0; the log links have the reports of the others.
+Omission LeaveOutOtherControllers();
+
 /// Has storcli write the report and opens it. Null after a failure, which is logged.
 std::unique_ptr<TextFile> RunStorcli(const RaidLogsCollection& collection,
                                      const StorcliReport& report);

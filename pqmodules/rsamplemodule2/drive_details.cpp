@@ -99,7 +99,23 @@ void DescribeDriveDetails(ModuleDescription& module) {
     table.AddColumn(fact.column);
     if (fact.label == kCoercedSize) table.AddColumn(kNonCoercedSize.column);
   }
-  table.EndRowsAt(std::rbegin(kFactColumns)->label);
+  const std::string rowEnd(std::rbegin(kFactColumns)->label);
+  table.EndRowsAt(rowEnd);
+  table.leavesOut = {
+      LeaveOutOtherControllers(),
+      {.text = "No column has the drive's enclosure and slot; the drives are in the order of the "
+               "report.",
+       .note = std::string("the drives are in the order of their report, without enclosure and "
+                           "slot: the report itself, in ") +
+               kLsiLink + ", has them",
+       .sign = OmissionSign::kRows},
+      {.text = "What the report does not say of a drive, such as its temperature, is left as the "
+               "drive before had it.",
+       .note = "what the report does not say of a drive is left as the drive before had it: {}",
+       .sign = OmissionSign::kLackingLine,
+       .command = DescribeReport(kReport),
+       .label = " =",
+       .end = rowEnd}};
   module.tables.push_back(table);
 }
 

@@ -158,6 +158,9 @@ void DescribeDriveLists(ModuleDescription& module) {
     TableDescription table{
         .className = className, .title = title, .commands = {DescribeReport(kReport)}};
     for (const TokenColumn& token : tokens) table.AddColumn(token.column);
+    table.leavesOut = {LeaveOutOtherControllers(),
+                       {.text = "A line with fewer words than the table has columns, such as that "
+                                "of a volume without a name, is no row."}};
     module.tables.push_back(table);
   };
   describe(kTInfo, "LSI topology", kTopology);

@@ -29,6 +29,8 @@ namespace {
 
 constexpr StorcliReport kReport{"/c0 show events", "raidevents.txt", "raidevent raw path:"};
 
+constexpr char kConverter[] = "\\pq_tools\\eventslog_convert.exe";
+
 constexpr std::int32_t kThousandsPerPage = 3;
 constexpr std::int32_t kRecordsPerPage = kThousandsPerPage * 1000;
 /// Lines at the top of a dump among which the first record begins, after the tool's head.
@@ -110,9 +112,9 @@ class PageRows : public EventPages {
 /// Leaves eventslog_convert.txt in the log folder for the host.
 void ConvertDump(const RaidLogsCollection& collection) {
   const std::string logFolder = GetLogFolder();
-  const std::string command = BuildReportCommand(
-      collection.hostFolder + "\\pq_tools\\eventslog_convert.exe",
-      "\"" + logFolder + kReport.fileName + "\"", logFolder + "eventslog_convert.txt");
+  const std::string command = BuildReportCommand(collection.hostFolder + kConverter,
+                                                 "\"" + logFolder + kReport.fileName + "\"",
+                                                 logFolder + "eventslog_convert.txt");
   collection.log(kDetail, "eventslog_convert raw path:", command);
   RunLogged(collection.log, command);
 }
@@ -173,13 +175,22 @@ void DescribeEventLog(ModuleDescription& module) {
   for (const EventPage& page : kPages) {
     TableDescription table{
         .className = page.className, .title = page.title, .commands = {DescribeReport(kReport)}};
+    table.isLog = true;
     table.AddColumns(kColumns);
+    table.leavesOut = {LeaveOutOtherControllers(),
+                       {.text = "The last event of the dump is on no page.",
+                        .note = "the last event of the dump, with the number {}, is on no page",
+                        .sign = OmissionSign::kOpenRecord,
+                        .command = DescribeReport(kReport),
+                        .label = std::string(kRecordStart),
+                        .end = std::string(kNextController)}};
     if (thousandsBefore > 0) {
       table.whyNoRow = "fewer than " + std::to_string(thousandsBefore) + ",000 events were read";
     }
     thousandsBefore += kThousandsPerPage;
     module.tables.push_back(table);
   }
+  module.tools.push_back({kConverter, {}, {}});
 }
 
 }  // namespace pq

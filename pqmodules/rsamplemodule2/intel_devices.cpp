@@ -157,6 +157,7 @@ void DescribeIntelDevices(ModuleDescription& module) {
   };
   describe(kArray, "Intel RST arrays", kArrayBlock);
   describe(kVolume, "Intel RST volumes", kVolumeBlock);
+  for (const ToolDescription& tool : DescribeIntelTools()) module.tools.push_back(tool);
   ExplainNoIntelController(module, {kEndDeviceInfo, kArray, kVolume});
 }
 

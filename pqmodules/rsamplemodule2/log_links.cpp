@@ -106,6 +106,14 @@ void DescribeLogLinks(ModuleDescription& module) {
     table.AddColumn(report.column);
     module.AddFailures(StepFailure::kOutputNotOpened, {report.openFailure});
   }
+  table.leavesOut = {{.text = "Of the number of controllers only the first digit is read, so that "
+                              "of ten or more most are missing.",
+                      .note = "storcli counts {} controllers, of which only the first digit is "
+                              "read: reports are missing",
+                      .sign = OmissionSign::kCount,
+                      .command = {kStorcli, kCountArguments, kCountReportName},
+                      .label = std::string(kCountLabel),
+                      .most = 9}};
   module.tables.push_back(table);
   module.versionLines.push_back({"storcli", kLsiLink, kStorcliVersion});
 }

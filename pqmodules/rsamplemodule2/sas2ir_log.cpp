@@ -86,10 +86,21 @@ void DescribeSas2IrLog(ModuleDescription& module) {
   TableDescription table{
       .className = kSas2IrLog,
       .title = "LSI SAS2 controller log",
-      .commands = {{kUploadTool, kUploadArguments, {}}, {kDecoder, kUploadedLog, kDecodedName}}};
+      .commands = {{kUploadTool, kUploadArguments, {}}, {kDecoder, kUploadedLog, kDecodedName}},
+      .isLog = true};
   for (const LabelledColumn& fact : kFactColumns) table.AddColumn(fact.column);
   table.EndRowsAt(std::rbegin(kFactColumns)->label);
+  table.leavesOut = {
+      {.text = "Only controller 0 is read."},
+      {.text = std::string("`") + kUploadedLog +
+               "`, the log as the controller gave it, stays in the host's working folder.",
+       .note = std::string(kUploadedLog) +
+               ", the log as the controller gave it, stays in the host's working folder",
+       .sign = OmissionSign::kToolRuns,
+       .command = table.commands.front()}};
   module.tables.push_back(table);
+  module.tools.push_back({kUploadTool, "Broadcom, formerly LSI", "SAS2IRCU"});
+  module.tools.push_back({kDecoder, {}, {}});
   module.AddFailures(StepFailure::kOutputNotOpened, {kNoLog});
 }
 

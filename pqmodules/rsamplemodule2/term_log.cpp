@@ -55,8 +55,10 @@ void CollectTermLog(const RaidLogsCollection& collection) {
 void DescribeTermLog(ModuleDescription& module) {
   TableDescription table{.className = kFwTermLog,
                          .title = "LSI firmware term log",
-                         .commands = {DescribeReport(kReport)}};
+                         .commands = {DescribeReport(kReport)},
+                         .isLog = true};
   table.AddColumn(kLine);
+  table.leavesOut = {LeaveOutOtherControllers()};
   module.tables.push_back(table);
   module.versionLines.push_back({"storcli", kFwTermLog, kStorcliVersion});
 }

@@ -50,6 +50,7 @@ void DescribeRawFiles(ModuleDescription& module) {
   }
   module.AddFailures(StepFailure::kToolNotRun, {kSmbiosFailure});
   module.unloggedProgram = ParseToolCommand(kSmbiosTool).program;
+  module.tools.push_back({module.unloggedProgram, {}, {}});
 }
 
 }  // namespace pq

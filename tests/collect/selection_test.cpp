@@ -140,6 +140,17 @@ TEST_F(SelectedTables, UsesOnlyTheModulesThatOwnANamedTable) {
   EXPECT_THAT(Select({"First", "Second"}, {"C"}), ElementsAre("Second.C"));
 }
 
+TEST_F(SelectedTables, TakesNamesInAnyCase) {
+  EXPECT_THAT(Select({"SECOND", "first"}, {"c", "b"}), ElementsAre("Second.C", "First.B"));
+}
+
+TEST_F(SelectedTables, PreferANameInTheCaseThatWasTyped) {
+  first = boost::make_shared<ListedModule>("First", Names{"Aa", "aA", "aa"}, calls);
+  modules = RegisterModules({first});
+  EXPECT_THAT(Select({}, {"aA"}), ElementsAre("First.aA"));
+  EXPECT_THAT(Select({}, {"AA"}), ElementsAre("First.Aa"));
+}
+
 TEST_F(SelectedTables, RefusesAnUnknownModuleAndNamesThoseThereAre) {
   EXPECT_EQ(Complaint({"Frist"}, {}),
             "there is no module Frist; did you mean First? (modules: First, Second)");

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <set>
 
 #include "frame/add_modules.h"
@@ -25,7 +26,11 @@ class Watched {
  public:
   explicit Watched(const std::string& module) {
     tracker.Ask([this](const std::string&) { return programsAreThere; },
-                [this](const std::string&) { return leftSize; });
+                [this](const std::string&) { return leftSize; },
+                [this](const std::string& path) {
+                  const auto old = oldFiles.find(path);
+                  return old == oldFiles.end() ? std::nullopt : std::optional(old->second);
+                });
     tracker.Module(module, "");
   }
   Watched& Runs(const std::string& command, std::uint32_t exitCode, bool pipe = false) {
@@ -38,7 +43,13 @@ class Watched {
     return *this;
   }
 
+  Watched& Reads(const std::string& path) {
+    tracker.OnOpen(path, "r");
+    return *this;
+  }
+
   StatusTracker tracker;
+  std::map<std::string, host::OldFile> oldFiles;  ///< by the path that is read
   bool programsAreThere = true;
   std::optional<std::uint64_t> leftSize;
 };
@@ -369,6 +380,99 @@ std::vector<std::string> FailedTools(const StatusTracker& tracker,
 }
 
 using Lines = std::vector<std::string>;
+
+constexpr char kDrives[] = R"(C:\\Halyard\\logs\\c0_showall.txt)";
+constexpr char kArchive[] =
+    R"(/c "C:\Halyard\utilities\arcconf\arcconf.exe savesupportarchive c:\")";
+constexpr char kConfig[] = R"(c:\\Support\\Firmware\\Controller_1_Config.txt)";
+constexpr char kMicrochipLog[] = R"(c:\\Support\\Firmware\\Controller_1_Log.txt)";
+
+host::OldFile WrittenAt(const char* time) { return {host::ParseIsoTime(time)}; }
+
+/// The only note of a table.
+std::string NoteOf(const Watched& watched, const std::string& module, const std::string& table) {
+  const std::vector<std::string> notes = watched.tracker.FindNotes(module, table);
+  EXPECT_LE(notes.size(), 1u);
+  return notes.empty() ? "" : notes.front();
+}
+
+/// The only failed tool, as "tool text tables".
+std::string FailureOf(const Watched& watched) {
+  const auto failures = watched.tracker.FindFailedTools([](const std::string&) { return true; });
+  EXPECT_LE(failures.size(), 1u);
+  if (failures.empty()) return {};
+  std::string text = failures.front().tool + " " + failures.front().text;
+  for (const std::string& table : failures.front().tables) text += " " + table;
+  return text;
+}
+
+TEST(OldFiles, AreToldOfAReportThatCouldNotBeWritten) {
+  Watched watched("sampleModule2");
+  watched.oldFiles[kDrives] = WrittenAt("2026-11-21T17:03:12+01:00");
+  watched.Runs(StorcliCommand("/c0 show", "c0_showall.txt"), 1).Reads(kDrives);
+  EXPECT_EQ(NoteOf(watched, "sampleModule2", "PINFO"),
+            "from files of 2026-11-21 17:03:12 UTC+01:00; storcli.exe did not run, because "
+            "c0_showall.txt could not be written");
+  EXPECT_EQ(watched.tracker.FindStatus("sampleModule2", "PINFO", 8).text, "8 rows");
+  EXPECT_EQ(FailureOf(watched),
+            "storcli.exe did not run, because c0_showall.txt could not be written; files of "
+            "2026-11-21 17:03:12 UTC+01:00 are used instead TINFO VINFO PINFO LSILINK");
+}
+
+TEST(OldFiles, AreToldOfAnArchiveWhoseToolIsMissing) {
+  Watched watched("sampleModule1");
+  watched.programsAreThere = false;
+  watched.oldFiles[kConfig] = WrittenAt("2026-11-21T17:03:12+01:00");
+  watched.oldFiles[kMicrochipLog] = WrittenAt("2026-11-20T08:00:00+01:00");
+  watched.Runs(kArchive, 1).Reads(kConfig).Reads(kMicrochipLog);
+  for (const char* table : {"PMCINFO", "PMCVER", "PMCLINK"}) {
+    EXPECT_EQ(NoteOf(watched, "sampleModule1", table),
+              "from files of 2026-11-20 08:00:00 UTC+01:00; arcconf.exe is not on this machine");
+  }
+  EXPECT_EQ(FailureOf(watched),
+            "arcconf.exe is not on this machine; files of 2026-11-20 08:00:00 UTC+01:00 are used "
+            "instead PMCINFO PMCVER PMCLINK");
+}
+
+TEST(OldFiles, AreToldOfAnArchiveWhoseToolFailedOrLeftNothing) {
+  Watched failed("sampleModule1");
+  failed.oldFiles[kConfig] = {};
+  failed.Runs(kArchive, 5).Reads(kConfig);
+  EXPECT_EQ(NoteOf(failed, "sampleModule1", "PMCINFO"),
+            "from files of an unknown time; arcconf.exe ended with code 5");
+  Watched idle("sampleModule1");
+  idle.oldFiles[kConfig] = WrittenAt("2026-11-21T17:03:12+01:00");
+  idle.Runs(kArchive, 0).Reads(kConfig);
+  EXPECT_EQ(NoteOf(idle, "sampleModule1", "PMCINFO"),
+            "from files of 2026-11-21 17:03:12 UTC+01:00; arcconf.exe left no newer ones");
+}
+
+TEST(OldFiles, AreNotWhatARecordingHasOfAToolThatEndedWell) {
+  Watched watched("sampleModule1");
+  watched.oldFiles[kConfig] = {};
+  watched.Runs(kArchive, 0).Reads(kConfig);
+  EXPECT_EQ(NoteOf(watched, "sampleModule1", "PMCINFO"), "");
+  EXPECT_EQ(FailureOf(watched), "");
+}
+
+TEST(OldFiles, AreNotWhatAToolWrote) {
+  Watched watched("sampleModule2");
+  watched.Runs(StorcliCommand("/c0 show", "c0_showall.txt"), 0).Reads(kDrives);
+  EXPECT_EQ(NoteOf(watched, "sampleModule2", "PINFO"), "");
+  EXPECT_EQ(FailureOf(watched), "");
+}
+
+TEST(OldFiles, AreToldOfALogThatAnotherToolDecodes) {
+  Watched watched("sampleModule2");
+  watched.oldFiles["logir.log"] = WrittenAt("2026-11-21T17:03:12+01:00");
+  watched.tracker.OnSystem(R"("C:\Halyard\utilities\lsi\sas2ircu.exe" 0 logir upload > logir.log)");
+  watched.Runs(
+      R"(/c ""C:\Halyard\pq_tools\SAS2IR_windows_x64.exe" logir.log > "C:\Halyard\logs\ir.txt"")",
+      0);
+  EXPECT_EQ(NoteOf(watched, "sampleModule2", "SAS2IRLOG"),
+            "from files of 2026-11-21 17:03:12 UTC+01:00; sas2ircu.exe did not run, because "
+            "logir.log could not be written");
+}
 
 TEST(FailedTools, AreToldOnceForAllTheirTables) {
   Watched watched("sampleModule2");

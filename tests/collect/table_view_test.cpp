@@ -70,12 +70,12 @@ TEST(TableView, MissesACellWhereARowHasNoSuchProperty) {
   EXPECT_EQ(viewed.table.RowAt(1).CellCount(), 1U);
 }
 
-TEST(TableView, IsEmptyWithoutRows) {
+TEST(TableView, HasNoCellsWithoutRows) {
   MadeCollection made;
   made.Table("VOLUME", /*byRow=*/false);
   const Viewed viewed(made);
   EXPECT_EQ(viewed.table.RowCount(), 0U);
-  EXPECT_TRUE(viewed.table.Columns().empty());
+  EXPECT_EQ(viewed.table.Columns().front().key.View(), "Name") << "as it is described";
   EXPECT_TRUE(viewed.table.ListInstanceKeys().empty());
   EXPECT_EQ(viewed.table.ClassName().View(), "VOLUME");
   EXPECT_FALSE(viewed.table.IsByRow());
@@ -155,6 +155,19 @@ TEST(TableView, TellsIntegersFromTexts) {
   EXPECT_EQ(viewed.table.RowAt(0).CellAt(0).Kind(), CellKind::kInteger);
   EXPECT_EQ(viewed.table.RowAt(0).CellAt(1).Kind(), CellKind::kText);
   EXPECT_EQ(viewed.Cells(0), (Texts{"-7", "-7"}));
+}
+
+TEST(TableView, LetsGoOfWholeFilesButNotOfTheirNames) {
+  MadeCollection made;
+  made.Table("T").Row({{"A", "1"}}).FileRow("content", "x.txt");
+  RemoveAttachments(made.Get());
+  const Viewed viewed(made);
+  EXPECT_EQ(viewed.table.RowAt(0).CellAt(0).Text().View(), "1");
+  const CellView file = viewed.table.RowAt(1).CellAt(0);
+  EXPECT_EQ(file.Kind(), CellKind::kNothing);
+  EXPECT_EQ(file.Text().View(), "");
+  EXPECT_EQ(file.FileName()->View(), "x.txt");
+  EXPECT_EQ(viewed.table.RowAt(1).ListAttachments()[0].byteSize, std::nullopt);
 }
 
 TEST(TableView, KnowsWholeFilesBySizeAndName) {

@@ -1,8 +1,10 @@
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <string>
 
+#include "host/formats/csv_folder.h"
 #include "tests/support/program/made_collection.h"
+#include "tests/support/temporary_folder.h"
 
 namespace host {
 namespace {
@@ -11,7 +13,7 @@ using test::MadeCollection;
 
 TEST(CsvFormat, WritesASingleNamedTablePlainly) {
   MadeCollection made;
-  made.Table("ARPINFO").Row({{"Address", "10.0.0.1"}, {"Type", "static"}});
+  made.Table("T").Row({{"Address", "10.0.0.1"}, {"Type", "static"}});
   made.Get().tablesNamed = true;
   EXPECT_EQ(made.As("csv"), "Address,Type\r\n10.0.0.1,static\r\n");
 }
@@ -59,6 +61,46 @@ TEST(CsvFormat, WritesNothingForANamedTableWithoutRows) {
   made.Table("T");
   made.Get().tablesNamed = true;
   EXPECT_EQ(made.As("csv"), "");
+}
+
+TEST(CsvFormat, WritesTheHeadOfATableWithoutRowsWhoseColumnsAreKnown) {
+  MadeCollection made;
+  made.Table("ARPINFO");
+  EXPECT_EQ(made.As("csv"), "class,Internet Address,Physical Address,Type\r\n");
+  made.Get().tablesNamed = true;
+  EXPECT_EQ(made.As("csv"), "Internet Address,Physical Address,Type\r\n");
+}
+
+TEST(CsvFormat, HasTheSameHeadForAClassWhateverItsRowsHave) {
+  MadeCollection made;
+  made.Table("ARPINFO");
+  halyard::repository::RInstance row("ARPINFO", "made", -1);
+  row.AddProperty("more", "More", std::string("m"), false);
+  row.AddProperty("item3", "Type", std::string("static"), false);
+  row.AddToRepository(made.Repository());
+  made.Get().tablesNamed = true;
+  EXPECT_EQ(made.As("csv"), "Internet Address,Physical Address,Type,More\r\n,,static,m\r\n");
+}
+
+TEST(CsvFormat, BeginsRowsWithTheirMachineIfAsked) {
+  MadeCollection made;
+  made.Table("T").Row({{"A", "1"}});
+  MachineFacts& machine = made.Get().machine;
+  machine.recorded = true;
+  machine.name = "NODE31";
+  machine.serials = {"S1"};
+  machine.contentKey = "c0";
+  EXPECT_EQ(made.As("csv", {.identifiesRows = true}),
+            "machine,serial,recordedAt,collection,class,A\r\nNODE31,S1,,c0,T,1\r\n");
+}
+
+TEST(CsvFolder, HasAFileForEachTableWhoseNameIsOneOnEverySystem) {
+  MadeCollection made;
+  made.Table("T").Row({{"A", "1"}}).Table("t").Row({{"B", "2"}}).Table("../x?").Row({{"C", "3"}});
+  const test::TemporaryFolder folder;
+  WriteCsvFolder(made.Get(), /*identifiesRows=*/false, folder.Path());
+  EXPECT_THAT(folder.Files(), testing::UnorderedElementsAre("T.csv", "t_2.csv", "___x_.csv"));
+  EXPECT_EQ(folder.Read("t_2.csv"), "B\r\n2\r\n");
 }
 
 TEST(CsvFormat, IsUtf8) {

@@ -26,7 +26,7 @@ std::string FindDataBlock(const std::string& page) {
 
 Json ReadData(MadeCollection& made) { return Json::parse(FindDataBlock(made.As("html"))); }
 
-Json ReadTable(MadeCollection& made) { return ReadData(made)["modules"][0]["tables"][0]; }
+Json ReadTable(MadeCollection& made) { return ReadData(made)["areas"][0]["tables"][0]; }
 
 TEST(HtmlFormat, SaysWhatWasCollectedWhereAndWhen) {
   MadeCollection made;
@@ -34,13 +34,13 @@ TEST(HtmlFormat, SaysWhatWasCollectedWhereAndWhen) {
   made.Get().problems = {"not collected: A: b"};
   made.Table("T").Row({{"A", "1"}}).Row({{"A", "2"}}).Table("EMPTY");
   Json data = ReadData(made);
-  data["modules"] = nullptr;
+  data["areas"] = nullptr;
   EXPECT_EQ(data.dump(),
             R"({"title":"NODE31","facts":[["Description","two sockets"],)"
             R"(["Recorded","at an unknown time"],["From","a recording"],)"
             R"(["Language","1031"],["Code page","850"],["Host program","C:\\ö\\h.exe"]],)"
             R"("outcome":"1 of 2 tables with 2 rows","notes":["not collected: A: b"],)"
-            R"("footer":"Made by pqhost 0.1.0.","modules":null})");
+            R"("footer":"Made by pqhost 0.1.0.","areas":null})");
 }
 
 TEST(HtmlFormat, IsTitledByTheDescriptionOfANamelessMachine) {
@@ -96,21 +96,23 @@ TEST(HtmlFormat, WritesATableWithoutRows) {
   const Json table = ReadTable(made);
   EXPECT_EQ(table["status"], "the program is not there");
   EXPECT_EQ(table["rowCount"], 0);
-  EXPECT_EQ(table["columns"], Json::array());
   EXPECT_EQ(table["rows"], Json::array());
 }
 
-TEST(HtmlFormat, PutsTablesUnderTheirModules) {
+TEST(HtmlFormat, PutsTablesUnderWhatTheyAreAbout) {
   MadeCollection made;
-  made.Table("FIRST").Table("SECOND");
+  made.Table("S1TABLE1").Table("FIRST").Table("SECOND").Table("RAIDINFO");
   made.Get().modules.push_back({"Other", "Another"});
-  made.Get().tables.back().module = "Other";
-  const Json modules = ReadData(made)["modules"];
-  ASSERT_EQ(modules.size(), 2U);
-  EXPECT_EQ(modules[0]["name"], "Example");
-  EXPECT_EQ(modules[0]["tables"].size(), 1U);
-  EXPECT_EQ(modules[1]["description"], "Another");
-  EXPECT_EQ(modules[1]["tables"][0]["class"], "SECOND");
+  made.Get().tables[2].module = "Other";
+  const Json areas = ReadData(made)["areas"];
+  ASSERT_EQ(areas.size(), 4U);
+  EXPECT_EQ(areas[0]["title"], "LSI RAID");
+  EXPECT_EQ(areas[1]["title"], "For tests");
+  EXPECT_EQ(areas[1]["modules"], Json{"Example"});
+  EXPECT_EQ(areas[1]["tables"].size(), 1U);
+  EXPECT_EQ(areas[2]["title"], "Another");
+  EXPECT_EQ(areas[2]["tables"][0]["class"], "SECOND");
+  EXPECT_EQ(areas[3]["title"], "Samples");
 }
 
 TEST(HtmlFormat, ChoosesHowATableIsShown) {
@@ -143,7 +145,7 @@ TEST(HtmlFormat, LetsNoTextEndItsDataBlock) {
   const Json data = Json::parse(block);
   EXPECT_EQ(data["title"], hostile);
   EXPECT_EQ(data["notes"][0], hostile);
-  const Json table = data["modules"][0]["tables"][0];
+  const Json table = data["areas"][0]["tables"][0];
   EXPECT_EQ(table["status"], hostile);
   EXPECT_EQ(table["columns"][0]["label"], hostile);
   EXPECT_EQ(table["rows"][0][0], hostile);
@@ -167,7 +169,7 @@ TEST(HtmlFormat, ReadsTextsInTheMachinesCodePage) {
   made.Get().machine.codePage = 437;
   made.Get().modules.front() = {"Example", "\x84"};
   made.Table("T").Row({{"\x81", "\x9b"}});
-  EXPECT_EQ(ReadData(made)["modules"][0]["description"], "ä");
+  EXPECT_EQ(ReadData(made)["areas"][0]["title"], "ä");
   EXPECT_EQ(ReadTable(made)["columns"][0]["label"], "ü");
   EXPECT_EQ(ReadTable(made)["rows"][0][0], "¢");
 }
@@ -229,7 +231,7 @@ TEST(HtmlFormat, EscapesOnATerminalWhatThatObeys) {
   const std::string page = made.As("html", {true, true, 80});
   const Json data = Json::parse(FindDataBlock(page));
   EXPECT_EQ(data["title"], turning);
-  EXPECT_EQ(data["modules"][0]["tables"][0]["rows"][0][0], turning);
+  EXPECT_EQ(data["areas"][0]["tables"][0]["rows"][0][0], turning);
   std::string_view rest = page;
   while (!rest.empty()) {
     const char32_t c = TakeUtf8(rest);

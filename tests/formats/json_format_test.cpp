@@ -80,7 +80,6 @@ TEST(JsonFormat, WritesATableWithoutRows) {
   MadeCollection made;
   made.Table("VOLUME", /*byRow=*/false);
   const Json table = Json::parse(made.As("json"))["tables"][0];
-  EXPECT_EQ(table["columns"], Json::array());
   EXPECT_EQ(table["instances"], Json::array());
   EXPECT_EQ(table["rows"], Json::array());
   EXPECT_EQ(table["layout"].dump(), R"({"by":"property","headers":[],"numbers":[]})");
@@ -91,6 +90,13 @@ TEST(JsonFormat, WritesNotesOfATable) {
   made.Table("VOLUME").Get().tables[0].status = {"rows", "2 rows", {"one is \"left\" out", "so"}};
   EXPECT_EQ(Json::parse(made.As("json"))["tables"][0]["status"].dump(),
             R"({"outcome":"rows","text":"2 rows","notes":["one is \"left\" out","so"]})");
+}
+
+TEST(JsonFormat, ListsTheKnownColumnsOfATableWithoutRows) {
+  MadeCollection made;
+  made.Table("ARPINFO");
+  EXPECT_EQ(Json::parse(made.As("json"))["tables"][0]["columns"][0].dump(),
+            R"({"key":"item1","label":"Internet Address"})");
 }
 
 TEST(JsonFormat, SaysWhatCouldNotBeCollected) {
@@ -150,6 +156,21 @@ TEST(JsonFormat, HasOneMemberForKeysThatReadTheSame) {
   instance.AddToRepository(made.Repository());
   EXPECT_THAT(made.As("json"), HasSubstr("\n  {\"a\uFFFD\":\"3\",\"b\":\"2\"}]"));
   EXPECT_THAT(made.As("ndjson"), HasSubstr("{\"a\uFFFD\":\"3\",\"b\":\"2\"}}\n"));
+}
+
+TEST(JsonFormat, BeginsLinesWithTheirMachine) {
+  MadeCollection made;
+  made.Table("T").Row({{"A", "1"}});
+  MachineFacts& machine = made.Get().machine;
+  machine.recorded = false;
+  machine.name = "NODE31";
+  machine.serials = {"S1"};
+  machine.contentKey = "c0";
+  EXPECT_EQ(made.As("ndjson"),
+            "{\"machine\":\"NODE31\",\"serial\":\"S1\",\"recordedAt\":\"2026-11-18T09:41:07Z\","
+            "\"collection\":\"c0\",\"class\":\"T\",\"row\":{\"k1\":\"1\"}}\n");
+  machine.contentKey.clear();
+  EXPECT_NE(made.As("ndjson"), made.As("ndjson")) << "live collections are told apart";
 }
 
 TEST(JsonFormat, TellsOfAttachments) {
@@ -230,6 +251,7 @@ TEST(JsonFormat, KeepsControlCharactersInsideTexts) {
 TEST(JsonLinesFormat, WritesOneObjectPerRow) {
   MadeCollection made;
   made.Table("B").Row({{"X", "1\n2"}}).Table("A").Row({{"X", "3"}, {"Y", "4"}}).Table("EMPTY");
+  made.Get().machineIsKnown = false;
   EXPECT_EQ(made.As("ndjson"),
             "{\"class\":\"B\",\"row\":{\"k1\":\"1\\n2\"}}\n"
             "{\"class\":\"A\",\"row\":{\"k1\":\"3\",\"k2\":\"4\"}}\n");

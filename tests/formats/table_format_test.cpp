@@ -10,8 +10,10 @@ namespace host {
 namespace {
 
 using test::MadeCollection;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
+using testing::StartsWith;
 
 Screen Wide(unsigned width) { return {false, false, width}; }
 
@@ -21,7 +23,14 @@ TEST(TableFormat, AlignsColumnsUnderTheirLabels) {
       .Row({{"Internet Address", "10.0.0.1"}, {"Type", "dynamic"}})
       .Row({{"Internet Address", "10.0.0.254"}, {"Type", "static"}});
   EXPECT_EQ(made.As("table"),
-            "For tests · Example\n"
+            "Server\n"
+            "Recorded: at an unknown time\n"
+            "1 of 1 tables with 2 rows\n"
+            "\n"
+            "Network\n"
+            "  ARPINFO  ARP table\n"
+            "\n"
+            "Network\n"
             "\n"
             "ARP table · ARPINFO · 2 rows\n"
             "Internet Address  Type\n"
@@ -30,21 +39,20 @@ TEST(TableFormat, AlignsColumnsUnderTheirLabels) {
             "10.0.0.254        static\n");
 }
 
-TEST(TableFormat, ShowsNotesBelowTheTitleAlsoOfAnEmptyTable) {
+TEST(TableFormat, ShowsNotesBelowTheTitleAndOfAnEmptyTableInTheOverview) {
   MadeCollection made;
   made.Table("ARPINFO").Row({{"Type", "dynamic"}}).Table("T");
-  for (CollectedTable& table : made.Get().tables) table.status.notes = {"one is left out"};
-  EXPECT_EQ(made.As("table"),
-            "For tests · Example\n"
-            "\n"
-            "ARP table · ARPINFO · 1 row\n"
-            "Note: one is left out\n"
-            "Type\n"
-            "───────\n"
-            "dynamic\n"
-            "\n"
-            "T · 0 rows\n"
-            "Note: one is left out\n");
+  for (CollectedTable& table : made.Get().tables) {
+    table.status = {"", table.RowCount() > 0 ? "1 row" : "none", {"one is left out"}};
+  }
+  const std::string text = made.As("table");
+  EXPECT_THAT(text, HasSubstr("  ARPINFO  ARP table  1 row\n"));
+  EXPECT_THAT(text, HasSubstr("  T        T          none; one is left out\n"));
+  EXPECT_THAT(text, EndsWith("ARP table · ARPINFO · 1 row\n"
+                             "Note: one is left out\n"
+                             "Type\n"
+                             "───────\n"
+                             "dynamic\n"));
 }
 
 TEST(TableFormat, AlignsWideCharacters) {
@@ -60,12 +68,9 @@ TEST(TableFormat, AlignsWideCharacters) {
 TEST(TableFormat, ShowsAPropertyTableAsAList) {
   MadeCollection made;
   made.Table("LANINFO", /*byRow=*/false).Row({{"IP address", "10.0.0.9"}, {"MAC", "3c:ec"}});
-  EXPECT_EQ(made.As("table"),
-            "For tests · Example\n"
-            "\n"
-            "BMC LAN settings · LANINFO · 1 row\n"
-            "IP address: 10.0.0.9\n"
-            "MAC:        3c:ec\n");
+  EXPECT_THAT(made.As("table"), EndsWith("BMC LAN settings · LANINFO · 1 row\n"
+                                         "IP address: 10.0.0.9\n"
+                                         "MAC:        3c:ec\n"));
 }
 
 TEST(TableFormat, NumbersTheRowsOfAList) {
@@ -146,10 +151,96 @@ TEST(TableFormat, ShowsAnAttachmentAsANote) {
   EXPECT_THAT(made.As("table"), HasSubstr("\nFile: [file Controller_1_Config, 6.9 KiB]\n"));
 }
 
-TEST(TableFormat, NamesTheTablesWithoutRows) {
+TEST(TableFormat, BeginsWithMachineProblemsAndALineForEachTable) {
   MadeCollection made;
-  made.Table("AAA").Table("BBB");
-  EXPECT_EQ(made.As("table"), "For tests · Example\n\nNo rows: AAA BBB\n");
+  made.Table("S1TABLE1").Table("AAA").Table("ARPINFO").Row({{"Type", "dynamic"}}).Table("RAIDINFO");
+  made.Get().machine.name = "SRV7";
+  made.Get().machine.system = "Windows Server, build 20348";
+  made.Get().machine.recorded = false;
+  made.Get().problems = {"not collected: one thing after another, for reasons of many words",
+                         "two"};
+  const char* statuses[] = {"2 rows\t", "nothing printed", "1 row", "storcli.exe is not there"};
+  for (std::size_t i = 0; i < 4; ++i) made.Get().tables[i].status.text = statuses[i];
+  EXPECT_THAT(made.As("table", Wide(62)),
+              StartsWith("SRV7\n"
+                         "System:    Windows Server, build 20348\n"
+                         "Collected: 2026-11-18 09:41:07 UTC\n"
+                         "1 of 4 tables with 1 rows\n"
+                         "\n"
+                         "2 problems\n"
+                         "  not collected: one thing after another, for reasons of\n"
+                         "    many words\n"
+                         "  two\n"
+                         "\n"
+                         "LSI RAID\n"
+                         "  RAIDINFO  LSI controller summary  storcli.exe is not there\n"
+                         "Network\n"
+                         "  ARPINFO   ARP table               1 row\n"
+                         "For tests\n"
+                         "  AAA       AAA                     nothing printed\n"
+                         "Samples\n"
+                         "  S1TABLE1  Sample 1, table 1       2 rows\\t\n"
+                         "\n"
+                         "Network\n"
+                         "\n"
+                         "ARP table · ARPINFO · 1 row\n"));
+}
+
+TEST(TableFormat, LeavesTitlesOutOfTheOverviewOfANarrowScreen) {
+  MadeCollection made;
+  made.Table("RAIDINFO");
+  made.Get().tables[0].status.text = "storcli.exe is not on this machine";
+  EXPECT_THAT(made.As("table", Wide(40)), HasSubstr("\n  RAIDINFO  storcli.exe is not on this\n"
+                                                    "            machine\n"));
+  EXPECT_THAT(made.As("table", Wide(30)), HasSubstr("\n  RAIDINFO\n"
+                                                    "    storcli.exe is not on this\n"
+                                                    "    machine\n"));
+}
+
+/// A log of as many lines as `count`.
+MadeCollection MakeLog(int count, const std::string& className, std::size_t columns = 1) {
+  MadeCollection made;
+  made.Table(className);
+  for (int i = 1; i <= count; ++i) {
+    const std::string value = "line " + std::to_string(i) + ".";
+    made.Row(MadeCollection::Pairs(columns, {"Log", value}));
+  }
+  return made;
+}
+
+TEST(TableFormat, ShowsTheNewestLinesOfALog) {
+  MadeCollection made = MakeLog(25, "FWTERMLOG");
+  const std::string text = made.As("table");
+  EXPECT_THAT(text,
+              HasSubstr("LSI firmware term log · FWTERMLOG · 25 rows · the newest 20; 5 before "
+                        "them are not shown (--all shows them)\nLog\n────────\nline 6.\n"));
+  EXPECT_THAT(text, EndsWith("line 25.\n"));
+  const std::string all = made.As("table", {.showsAll = true});
+  EXPECT_THAT(all, HasSubstr("FWTERMLOG · 25 rows\nLog\n────────\nline 1.\n"));
+}
+
+TEST(TableFormat, ShowsFewerEntriesOfALogThatTakeManyLinesEach) {
+  MadeCollection made = MakeLog(6, "SAS2IRLOG", 10);
+  EXPECT_THAT(made.As("table", Wide(40)),
+              HasSubstr("· 6 rows · the newest 3; 3 before them are not shown (--all shows them)\n"
+                        "── 4 of 6\nLog: line 4.\n"));
+}
+
+TEST(TableFormat, ShowsAllOfALogThatIsShort) {
+  EXPECT_THAT(MakeLog(20, "SELINFO").As("table"), HasSubstr("SELINFO · 20 rows\n"));
+}
+
+TEST(TableFormat, ShowsAllRowsOfOtherTables) {
+  EXPECT_THAT(MakeLog(100, "SENSORINFO").As("table"), HasSubstr("SENSORINFO · 100 rows\n"));
+}
+
+TEST(TableFormat, ShowsAnAnswerWithoutAMachine) {
+  MadeCollection made;
+  made.Table("ANSWER");
+  made.Get().machineIsKnown = false;
+  EXPECT_EQ(made.As("table"), "For tests\n\nANSWER · 0 rows\n");
+  made.Row({{"n", "1"}});
+  EXPECT_EQ(made.As("table"), "For tests\n\nANSWER · 1 row\nn\n─\n1\n");
 }
 
 TEST(TableFormat, LeavesACellEmptyWhereARowHasNoSuchProperty) {

@@ -78,8 +78,10 @@ TEST(Collect, ShowsTheTablesOfARecording) {
   const HostRun run = ReplayServer({"--table", "NETSTATINFO"});
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_EQ(run.error, "NETSTATINFO  10 rows\n");
-  EXPECT_THAT(run.out, StartsWith("Windows related information · Windows_Related_Info\n\n"
-                                  "Network connections · NETSTATINFO · "));
+  EXPECT_THAT(run.out, StartsWith("NODE31\n"));
+  EXPECT_THAT(run.out, HasSubstr("\n\nNetwork\n"
+                                 "  NETSTATINFO  Network connections  10 rows\n"
+                                 "\nNetwork\n\nNetwork connections · NETSTATINFO · 10 rows\n"));
   EXPECT_THAT(run.out, HasSubstr("\nProtocol  Local Address"));
 }
 
@@ -97,6 +99,24 @@ TEST(Collect, DescribesTheRecordedMachine) {
   EXPECT_EQ(machine["recorded"], true);
   EXPECT_EQ(machine["languageId"], 1033);
   EXPECT_EQ(machine["logFolder"], "C:\\Halyard\\logs\\");
+}
+
+TEST(Collect, KnowsTheMachineByItsRecording) {
+  const Json machine = Json::parse(ReplayServer({"--format", "json"}).out)["machine"];
+  EXPECT_EQ(machine["name"], "NODE31");
+  EXPECT_EQ(machine["recordedAt"], "2026-11-18T09:41:12+01:00");
+  EXPECT_EQ(machine["maker"], "Northgate");
+  EXPECT_EQ(machine["serial"], "NGR208-0031");
+  EXPECT_EQ(machine["assetTag"], "DC2-R11-U18");
+}
+
+TEST(Collect, TellsASubmissionThatCannotBeReadAndGoesOn) {
+  MadeRecording recording("");
+  recording.AddFile("submission.json", R"({"format": 1, "recordedAt": "yesterday"})");
+  const HostRun run = Replay(recording.Path(), {"--table", "ARPINFO", "--format", "json"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.error, HasSubstr("pqhost: submission.json: recordedAt: has to be a time"));
+  EXPECT_EQ(Json::parse(run.out)["tables"].size(), 1u);
 }
 
 TEST(Collect, TracesModuleLayoutAndEnumerationInOrder) {
@@ -256,7 +276,65 @@ TEST(Collect, SaysWhatCouldNotBeCollectedAndGoesOn) {
   EXPECT_THAT(run.error, EndsWith("ARPINFO      its pipe could not be created\n"
                                   "NETSTATINFO  netstat.exe is not on this machine\n"));
   EXPECT_EQ(std::count(run.error.begin(), run.error.end(), '\n'), 4);
-  EXPECT_THAT(run.out, HasSubstr("No rows: ARPINFO NETSTATINFO"));
+  EXPECT_THAT(
+      run.out,
+      HasSubstr("\n2 problems\n"
+                "  not collected: Windows_Related_Info, route: CreateProcess failed in "
+                "getting route(5)\n"
+                "  not collected: Windows_Related_Info: Failed to create pipe for arp info\n"
+                "\nNetwork\n"
+                "  ARPINFO      ARP table            its pipe could not be created\n"
+                "  NETSTATINFO  Network connections  netstat.exe is not on this machine\n"));
+}
+
+TEST(Collect, SaysNothingTwiceOnATerminal) {
+  const std::string broken = Sample("bmc-unreachable");
+  const HostRun run = Replay(broken, {"--module", "BMC_Info"}, {.out = true, .error = true});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.out, HasSubstr("\n3 problems\n  not collected: BMC_Info"));
+  EXPECT_THAT(run.error, AllOf(Not(HasSubstr("not collected")), Not(HasSubstr("SENSORINFO"))));
+}
+
+TEST(Collect, TellsStandardErrorWhatItsReaderDoesNotSee) {
+  const std::string broken = Sample("bmc-unreachable");
+  const TemporaryFolder folder;
+  const auto tells = AllOf(HasSubstr("not collected: BMC_Info"), HasSubstr("\nSENSORINFO "));
+  for (const test::HostTerminal& terminal :
+       {test::HostTerminal{.out = true}, {.error = true}, {}}) {
+    EXPECT_THAT(Replay(broken, {}, terminal).error, tells);
+  }
+  const test::HostTerminal both{.out = true, .error = true};
+  EXPECT_THAT(Replay(broken, {"--format", "csv"}, both).error, tells);
+  EXPECT_THAT(Replay(broken, {"--output", folder / "o"}, both).error, tells);
+}
+
+TEST(Collect, NamesWhatItWroteLast) {
+  const TemporaryFolder folder;
+  const HostRun run =
+      ReplayServer({"--table", "ARPINFO", "--format", "html", "--output", folder / "r.html",
+                    "--trace", folder / "t", "--log-folder", folder / "logs"});
+  EXPECT_THAT(run.error,
+              EndsWith("\nTrace: " + (folder / "t") + "\nReport: " + (folder / "r.html") + "\n"));
+  EXPECT_THAT(run.error, HasSubstr("ARPINFO  11 rows\nLog files: "));
+  EXPECT_THAT(ReplayServer({"--format", "sqlite", "--output", folder / "s.db"}).error,
+              EndsWith("\nDatabase: " + (folder / "s.db") + "\n"));
+  EXPECT_THAT(ReplayServer({"--format", "csv", "--output", folder / "s.csv"}).error,
+              EndsWith("\nResults: " + (folder / "s.csv") + "\n"));
+  EXPECT_EQ(RunHost({"query", folder / "s.db", "SELECT 1", "--output", folder / "a"}).error,
+            "Results: " + (folder / "a") + "\n");
+}
+
+TEST(Collect, ShowsOldLinesOfLogsWhenAsked) {
+  const std::string newest = ReplayServer({"--table", "FWTERMLOG"}).out;
+  EXPECT_THAT(newest, HasSubstr("146 before them are not shown (--all shows them)"));
+  EXPECT_THAT(newest, Not(HasSubstr("CLI Version")));
+  const std::string all = ReplayServer({"--table", "FWTERMLOG", "--all"}).out;
+  EXPECT_THAT(all, AllOf(HasSubstr("\nCLI Version"), Not(HasSubstr("--all"))));
+}
+
+TEST(Collect, TakesNamesInAnyCase) {
+  EXPECT_EQ(ReplayServer({"--table", "arpinfo", "--module", "windows_related_info"}).error,
+            "ARPINFO  11 rows\n");
 }
 
 TEST(Collect, IsDoneOnAMachineThatLacksVendorsTools) {
@@ -299,6 +377,39 @@ TEST(Collect, NamesTheToolWhoseCommandLineIsTooLong) {
   EXPECT_THAT(run.error, StartsWith("pqhost: not collected: sampleModule2, storcli.exe: "
                                     "CreateProcess failed (206)\n"));
   EXPECT_THAT(run.error, HasSubstr("FWTERMLOG      storcli.exe: CreateProcess failed (206)\n"));
+}
+
+TEST(Collect, SaysThatAMissingToolsArchiveIsFromBefore) {
+  MadeRecording recording(
+      R"(, "commands": [{"tool": "storcli.exe", "arguments": "show ctrlcount"}],)"
+      R"( "files": {"c:\\Support\\Firmware\\Controller_1_Config.txt": "config"})");
+  recording.AddFile("config", "   Controller Status : Optimal\n");
+  const HostRun run = Replay(recording.Path(), {"--table", "PMCINFO", "--format", "json"});
+  EXPECT_EQ(run.exitCode, 1);
+  const Json all = Json::parse(run.out);
+  EXPECT_EQ(all["tables"][0]["status"]["notes"],
+            Json({"from files of an unknown time; arcconf.exe is not on this machine"}));
+  EXPECT_THAT(run.error, HasSubstr("pqhost: not collected: sampleModule1, arcconf.exe: is not on "
+                                   "this machine; files of an unknown time are used instead "
+                                   "(concerns PMCINFO, PMCVER, PMCLINK)\n"));
+}
+
+TEST(Collect, SaysThatAReportThatCouldNotBeWrittenIsFromBefore) {
+  MadeRecording recording(
+      R"(, "commands": [{"tool": "storcli.exe", "arguments": "show ctrlcount"},)"
+      R"( {"tool": "storcli.exe", "arguments": "/c0 show", "stdout": "today"}],)"
+      R"( "files": {"C:\\Halyard\\logs\\c0_showall.txt": "yesterday"},)"
+      R"( "readOnly": ["C:\\Halyard\\logs\\c0_showall.txt"])");
+  recording.AddFile("today", "CLI Version = 2\n");
+  recording.AddFile("yesterday", "CLI Version = 1\n");
+  const HostRun run = Replay(recording.Path(), {"--table", "PINFO", "--format", "json"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_EQ(Json::parse(run.out)["tables"][0]["status"]["notes"],
+            Json({"from files of an unknown time; storcli.exe did not run, because c0_showall.txt "
+                  "could not be written"}));
+  EXPECT_THAT(run.error, HasSubstr("sampleModule2, storcli.exe: did not run, because "
+                                   "c0_showall.txt could not be written; files of an unknown time "
+                                   "are used instead (concerns TINFO, VINFO, PINFO, LSILINK)\n"));
 }
 
 TEST(Collect, SaysOnceThatNobodyKnowsWhetherThereIsAmt) {
@@ -386,7 +497,9 @@ TEST(Collect, LeavesNothingSetBehindARun) {
 TEST(Modules, ListsModulesTablesAndColumns) {
   const HostRun run = RunHost({"modules"});
   EXPECT_EQ(run.exitCode, 0);
-  EXPECT_THAT(run.out, HasSubstr("Windows_Related_Info  Windows related information\n"));
+  EXPECT_THAT(run.out, StartsWith("LSI RAID  sampleModule1, sampleModule2\n  RAIDINFO "));
+  EXPECT_THAT(run.out, HasSubstr("\n\nNetwork  Windows_Related_Info\n  ARPINFO "));
+  EXPECT_THAT(run.out, HasSubstr("\n\nSamples  sampleModule1, sampleModule2\n  JUNADDTABLE "));
   EXPECT_THAT(run.out,
               testing::ContainsRegex("  ARPINFO  +ARP table  +3 columns \\(40, 40, 20 wide\\)\n"));
   EXPECT_THAT(run.out, testing::ContainsRegex("  MCINFO  +Management controller  +one property"));
@@ -398,7 +511,7 @@ TEST(Modules, ListsThemAsJson) {
   const Json& windows = all["modules"][4];
   EXPECT_EQ(windows["description"], "Windows related information");
   EXPECT_EQ(windows["tables"][0].dump(),
-            R"({"class":"ARPINFO","title":"ARP table",)"
+            R"({"class":"ARPINFO","title":"ARP table","area":"Network",)"
             R"("layout":{"by":"row","headers":[],"widths":[40,40,20]}})");
 }
 
@@ -428,7 +541,7 @@ TEST(Query, AsksADatabaseThatACollectionWasWrittenTo) {
   const HostRun run = RunHost(
       {"query", file, "SELECT rows FROM tables WHERE class = 'SENSORINFO'", "--format", "ndjson"});
   EXPECT_EQ(run.exitCode, 0) << run.error;
-  EXPECT_EQ(run.out, "{\"class\":\"ANSWER\",\"row\":{\"rows\":\"41\"}}\n");
+  EXPECT_EQ(run.out, "{\"class\":\"ANSWER\",\"row\":{\"rows\":41}}\n");
 }
 
 TEST(Query, WritesItsAnswerAsADatabase) {
@@ -461,8 +574,8 @@ TEST(Program, ComplainsInOneLineOnStandardError) {
   EXPECT_EQ(run.exitCode, 2);
   EXPECT_EQ(run.out, "");
   EXPECT_EQ(run.error,
-            "pqhost: nothing to do: give a command (collect, modules, query, check; see pqhost "
-            "--help)\n");
+            "pqhost: nothing to do: give a command (collect, modules, query, check, help; see "
+            "pqhost --help)\n");
 }
 
 }  // namespace

@@ -89,25 +89,25 @@ TEST(Options, RefusesTraceAndResultsInOnePlace) {
 }
 
 TEST(Options, ReadAllOfModules) {
-  EXPECT_THAT(Answer({"modules"}), StartsWith("sampleModule1  "));
+  EXPECT_THAT(Answer({"modules"}), StartsWith("LSI RAID  "));
   EXPECT_THAT(Answer({"modules", "--format", "json"}), StartsWith("{"));
   EXPECT_THAT(Answer({"modules", "--format", "markdown"}), StartsWith("#"));
   EXPECT_THROW(Answer({"modules", "--plugin", "nowhere.dll"}), LiveError);
 }
 
 TEST(Options, WantsACommand) {
-  EXPECT_EQ(Complaint({}),
-            "nothing to do: give a command (collect, modules, query, check; see pqhost --help)");
+  EXPECT_EQ(
+      Complaint({}),
+      "nothing to do: give a command (collect, modules, query, check, help; see pqhost --help)");
 }
 
 TEST(Options, SuggestsTheCommandThatWasMeant) {
   EXPECT_EQ(Complaint({"colect"}),
             "there is no command colect; did you mean collect? (commands: collect, modules, query, "
-            "check; see "
-            "pqhost --help)");
-  EXPECT_EQ(
-      Complaint({"zzz"}),
-      "there is no command zzz (commands: collect, modules, query, check; see pqhost --help)");
+            "check, help; see pqhost --help)");
+  EXPECT_EQ(Complaint({"zzz"}),
+            "there is no command zzz (commands: collect, modules, query, check, help; see pqhost "
+            "--help)");
 }
 
 TEST(Options, SuggestsTheOptionThatWasMeant) {
@@ -261,6 +261,21 @@ TEST(Options, HelpNamesEveryOptionAndHasExamples) {
   EXPECT_THAT(Answer({"modules", "--help"}), Not(HasSubstr("--replay")));
 }
 
+TEST(Options, HelpIsAWordAsWell) {
+  EXPECT_EQ(Answer({"help"}), Answer({"--help"}));
+  EXPECT_EQ(Answer({"help", "collect"}), Answer({"collect", "--help"}));
+  EXPECT_EQ(Complaint({"help", "colect"}), Complaint({"colect"}));
+  EXPECT_THAT(Complaint({"help", "collect", "query"}), HasSubstr("At Most 1"));
+}
+
+TEST(Options, HelpIsGivenAsProgramsOfWindowsGiveIt) {
+  for (const char* word : {"/?", "-?", "/h", "/H", "/help"}) {
+    EXPECT_EQ(Answer({word}), Answer({"--help"})) << word;
+    EXPECT_EQ(Answer({"check", word}), Answer({"check", "--help"})) << word;
+  }
+  EXPECT_THAT(test::RunHost({"collect", "--replay", "/?"}).error, HasSubstr("/?"));
+}
+
 TEST(Options, SaysItsVersion) {
   EXPECT_EQ(Answer({"--version"}), std::string("pqhost ") + kVersion + "\n");
 }
@@ -271,9 +286,15 @@ TEST(Options, TakeAQueryWithOrWithoutADatabase) {
   EXPECT_THAT(Complaint({"query", "nowhere.db", "SELECT 2"}), HasSubstr("nowhere.db"));
 }
 
-TEST(Options, RefusesADatabaseBesideARecording) {
-  EXPECT_EQ(Complaint({"query", "server.db", "SELECT 1", "--replay", "x"}),
-            "a database and --replay are both there to be asked: give one of them");
+TEST(Options, RefusesALogFolderForTheFilesOfSeveralMachines) {
+  EXPECT_THAT(
+      Complaint({"query", "server.db", "SELECT 1", "--replay", kSample, "--log-folder", "l"}),
+      StartsWith("--log-folder is for the files of one machine"));
+}
+
+TEST(Options, RefuseToIdentifyRowsThatNeedNot) {
+  EXPECT_EQ(Complaint({"collect", "--replay", kSample, "--identify", "--format", "json"}),
+            "--identify is for csv: json tells the machine in its own place; leave it away");
 }
 
 TEST(Options, RefusesAQueryWithoutSql) {

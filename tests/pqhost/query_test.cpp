@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <nlohmann/json.hpp>
 #include <string>
 
 #include "tests/support/program/host_run.h"
@@ -13,6 +14,7 @@ namespace {
 
 using test::HostRun;
 using test::RunHost;
+using test::Sample;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
@@ -72,6 +74,60 @@ TEST_F(HostileDatabase, LeavesNoResultOfAQueryThatFails) {
       RunHost({"query", folder / "x.db", "SELECT * FROM large", "--output", folder / "answer"});
   EXPECT_EQ(run.exitCode, 2);
   EXPECT_THAT(folder.Files(), ElementsAre("x.db"));
+}
+
+TEST(Query, KeepsTypesAndNullsInJson) {
+  const test::TemporaryFolder folder;
+  test::MakeDatabase(folder / "x.db", "CREATE TABLE t (a)");
+  const HostRun run = RunHost({"query", folder / "x.db", "--format", "json",
+                               "SELECT 9007199254740993 AS i, 1.5 AS r, 't' AS t, NULL AS n, "
+                               "9e999 AS e UNION ALL SELECT 'x', NULL, 1, 2.0, -1"});
+  const auto answer = nlohmann::json::parse(run.out);
+  EXPECT_EQ(answer["machine"], nullptr);
+  EXPECT_EQ(answer["tables"][0]["rows"].dump(),
+            R"([{"e":"Inf","i":9007199254740993,"n":null,"r":1.5,"t":"t"},)"
+            R"({"e":-1,"i":"x","n":2.0,"r":null,"t":1}])");
+}
+
+TEST(Query, HasTheHeadOfAnAnswerWithoutRows) {
+  const test::TemporaryFolder folder;
+  test::MakeDatabase(folder / "x.db", "CREATE TABLE t (a, b)");
+  EXPECT_EQ(RunHost({"query", folder / "x.db", "SELECT a, b FROM t", "--format", "csv"}).out,
+            "a,b\r\n");
+  const HostRun run = RunHost({"query", folder / "x.db", "SELECT a, b FROM t", "--format", "json"});
+  EXPECT_EQ(nlohmann::json::parse(run.out)["tables"][0]["columns"][1]["key"], "b");
+}
+
+TEST(Query, AsksSeveralRecordingsAndDatabasesAsOne) {
+  const test::TemporaryFolder folder;
+  RunHost({"collect", "--replay", Sample("hba-only"), "--format", "sqlite", "--output",
+           folder / "night.db"});
+  const HostRun run = RunHost({"query", folder / "night.db", "--replay", Sample("hba-only"),
+                               "--replay", Sample("two-socket-server"), "--format", "csv",
+                               "SELECT machine, count(*), max(row) FROM v_pinfo GROUP BY machine"});
+  EXPECT_EQ(run.out,
+            "machine,count(*),max(row)\r\n"
+            "hba-only,3,3\r\nnight,3,3\r\ntwo-socket-server,24,24\r\n");
+}
+
+TEST(Query, AsksAllRecordingsOfAFolder) {
+  const HostRun run = RunHost({"query", "--replay", Sample(""), "--format", "csv",
+                               "SELECT machine FROM machine WHERE name = 'description'"});
+  EXPECT_THAT(run.out, HasSubstr("hba-only\r\n"));
+  EXPECT_THAT(run.out, HasSubstr("two-socket-server\r\n"));
+}
+
+TEST(Query, TellsAndLeavesOutWhatCannotBeRead) {
+  const test::TemporaryFolder folder;
+  folder.Write("broken.db", "no database");
+  const HostRun run = RunHost({"query", folder / "broken.db", "--replay", Sample("hba-only"),
+                               "SELECT DISTINCT machine FROM tables", "--format", "csv"});
+  EXPECT_EQ(run.out, "machine\r\nhba-only\r\n");
+  EXPECT_THAT(run.error, HasSubstr("broken.db: "));
+  EXPECT_EQ(run.exitCode, 1);
+  const HostRun none = RunHost({"query", folder / "broken.db", folder / "none.db", "SELECT 1"});
+  EXPECT_THAT(none.error, HasSubstr("none of what there is to be asked could be read"));
+  EXPECT_EQ(none.exitCode, 2);
 }
 
 TEST(QueryOptions, BoundTheTimeFromOneSecondToADay) {

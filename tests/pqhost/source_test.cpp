@@ -27,8 +27,9 @@ class ReplaySourceTest : public testing::Test {
     options.replay = test::SamplesFolder() + "/" + sample;
     const std::unique_ptr<CommandSource> source = OpenSource(options, console);
     const Collection collection = Collect(source->Get(), {}, listener, KeepLog::kNo);
-    const std::vector<std::string> problems = source->KeepLogFiles(collection, console);
-    source->KeepRecording(collection, console);
+    const std::vector<std::string> problems = source->KeepLogFiles(collection);
+    source->KeepRecording(collection);
+    source->TellKept(console);
     return problems;
   }
 

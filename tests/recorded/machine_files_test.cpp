@@ -41,6 +41,14 @@ TEST(MachineFiles, SharesTheBytesOfACopy) {
   EXPECT_TRUE(files.Find("C:\\a")->SharesWith(*files.Find("C:\\Halyard\\logs\\b")));
 }
 
+TEST(MachineFiles, AreFromBeforeUntilTheyAreWritten) {
+  MachineFiles files = FilesOf({{"C:\\F\\a.txt", "a"}});
+  EXPECT_TRUE(files.IsFromBefore("c:\\\\f\\\\A.txt"));
+  EXPECT_FALSE(files.IsFromBefore("C:\\F\\b.txt"));
+  files.Create("C:\\F\\a.txt");
+  EXPECT_FALSE(files.IsFromBefore("C:\\F\\a.txt"));
+}
+
 TEST(MachineFiles, ListsOnlyTheFilesRightInAFolder) {
   const MachineFiles files = FilesOf({{"C:\\f\\a", ""}, {"C:\\f\\g\\b", ""}, {"C:\\fa", ""}});
   const auto inside = files.ListFiles("c:\\F\\");

@@ -18,6 +18,7 @@ constexpr char kStorcliShow[] =
 /// A machine with the files and the programs that a test gives it.
 struct MadeMachine final : MachineView {
   std::map<std::string, std::string> files;
+  std::map<std::string, int> written;  ///< when, in seconds
   std::map<std::string, std::vector<std::string>> folders;
   std::set<std::string> missing;
 
@@ -25,6 +26,12 @@ struct MadeMachine final : MachineView {
     const auto file = files.find(path);
     if (file == files.end()) return std::nullopt;
     return file->second;
+  }
+  std::optional<FileState> FindState(const std::string& path) override {
+    const auto file = files.find(path);
+    if (file == files.end()) return std::nullopt;
+    const std::chrono::system_clock::time_point time{std::chrono::seconds(written[path])};
+    return FileState{time, file->second.size()};
   }
   std::vector<std::string> ListFiles(const std::string& folder) override { return folders[folder]; }
   bool HasProgram(const std::string& program) override { return !missing.contains(program); }
@@ -55,6 +62,43 @@ TEST_F(MachineRecorder, JoinsWhatIsReadFromAPipe) {
   EXPECT_THAT(recorder.Take().commands,
               ElementsAre(RecordedCommand{"arp.exe", "-a",
                                           std::string("In\0terface: 192.0.2.1\r\n", 23), "", 3}));
+}
+
+/// A recorder on a machine whose log folder has a report of an earlier collection.
+class RecorderAfterAnother : public testing::Test {
+ protected:
+  static constexpr char kReport[] = "C:\\Halyard\\logs\\c0.txt";
+
+  static MadeMachine MakeMachine() {
+    MadeMachine machine;
+    machine.files[kReport] = "yesterday";
+    machine.folders["C:\\Halyard\\logs\\"] = {kReport};
+    return machine;
+  }
+
+  MadeMachine machine = MakeMachine();
+  Recorder recorder{Recording(), machine};
+};
+
+TEST_F(RecorderAfterAnother, KeepsAReportThatCouldNotBeWrittenAsItWas) {
+  recorder.BeginRun(kStorcliShow, false);
+  recorder.EndRun(1);
+  const Recording recording = recorder.Take();
+  EXPECT_THAT(recording.commands,
+              ElementsAre(RecordedCommand{"storcli.exe", "/c0 show", "", "", 1}));
+  EXPECT_THAT(recording.files, ElementsAre(Pair(kReport, "yesterday")));
+  EXPECT_THAT(recording.readOnly, ElementsAre(kReport));
+}
+
+TEST_F(RecorderAfterAnother, TakesAReportThatWasWrittenAgainForTheToolsAnswer) {
+  recorder.BeginRun(kStorcliShow, false);
+  machine.written[kReport] = 1;
+  recorder.EndRun(0);
+  const Recording recording = recorder.Take();
+  EXPECT_THAT(recording.commands,
+              ElementsAre(RecordedCommand{"storcli.exe", "/c0 show", "yesterday", ""}));
+  EXPECT_THAT(recording.files, IsEmpty());
+  EXPECT_THAT(recording.readOnly, IsEmpty());
 }
 
 TEST_F(MachineRecorder, ReadsTheFileThatAToolWroteTo) {

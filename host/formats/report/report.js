@@ -270,15 +270,15 @@
 
   const linkTo = (table) => make("a", { href: `#table-${table.class}` }, table.title);
   const summary = () => {
-    const collected = data.modules.map((module) => {
-      const filled = module.tables.filter((table) => table.rowCount);
-      return filled.length ? make("div", { class: "group" }, make("h4", {}, module.description),
+    const collected = data.areas.map((area) => {
+      const filled = area.tables.filter((table) => table.rowCount);
+      return filled.length ? make("div", { class: "group" }, make("h4", {}, area.title),
         make("ul", {}, ...filled.map((table) =>
           make("li", {}, linkTo(table), " ", make("span", { class: "count" }, plural(table.rowCount, "row")))))) : null;
     });
     const reasons = new Map(); // why there are no rows: the tables of which this is so
-    for (const module of data.modules) {
-      for (const table of module.tables) {
+    for (const area of data.areas) {
+      for (const table of area.tables) {
         if (!table.rowCount) reasons.set(table.status, [...(reasons.get(table.status) ?? []), table]);
       }
     }
@@ -303,9 +303,9 @@
   const facts = make("dl", { class: "facts" }, ...data.facts.map(([name, value]) =>
     make("div", {}, make("dt", {}, name), make("dd", {}, value))));
   const main = make("main", {}, summary());
-  for (const module of data.modules) {
-    main.append(make("h2", { id: `module-${module.name}` }, module.description, " ", make("span", { class: "class faint" }, module.name)));
-    for (const table of module.tables) main.append(tableSection(table));
+  for (const area of data.areas) {
+    main.append(make("h2", {}, area.title, " ", make("span", { class: "class faint" }, area.modules.join(", "))));
+    for (const table of area.tables) main.append(tableSection(table));
   }
   document.body.append(
     make("header", { class: "page" }, make("div", {}, make("h1", {}, data.title), facts),

@@ -10,7 +10,10 @@
 
 #include "host/check/dry_machine.h"
 #include "host/collect/recorded_source.h"
+#include "host/collect/table_view.h"
 #include "host/files/places.h"
+#include "host/files/whole_file.h"
+#include "host/formats/csv_folder.h"
 #include "host/formats/formats.h"
 #include "host/live/live.h"
 #include "host/pqhost/commands/commands.h"
@@ -43,12 +46,16 @@ constexpr unsigned kLongestToolLimit = 86400;
 /// A tebibyte, more than a machine has.
 constexpr unsigned kLargestToolMemory = 1U << 20;
 
+constexpr char kCsvFormat[] = "csv";
+
 struct CollectOptions {
   Selection selection;
   SourceOptions source;
   ResultOptions result;
   std::optional<Destination> trace;
-  bool dryRun = false;  ///< show the commands instead of running them
+  bool leavesAttachmentsOut = false;
+  bool showsAll = false;  ///< also old lines of logs on a screen
+  bool dryRun = false;    ///< show the commands instead of running them
 };
 
 /// Keeps the trace and the results from going to one place.
@@ -94,16 +101,29 @@ void RefuseWithReplay(const SourceOptions& source) {
 
 void RefuseWithDryRun(const OptionSet& set) {
   for (const char* option :
-       {"--record", "--format", "--output", "--tool-limit", "--tool-memory", "--trace", "--plugin",
-        "--unsafe-folder", "--amt-login", "--no-input"}) {
+       {"--record", "--format", "--output", "--all", "--tool-limit", "--tool-memory", "--trace",
+        "--plugin", "--unsafe-folder", "--amt-login", "--no-input"}) {
     if (!set.IsGiven(option)) continue;
     throw UsageError(fmt::format(
         "{} has no use with --dry-run, which collects nothing: leave one of them away", option));
   }
 }
 
+/// Whether the results go into a folder, a file for each table.
+bool IsFolder(const Destination& output) {
+  if (output.IsStandardOutput()) return false;
+  std::error_code error;
+  return !output.path.has_filename() || std::filesystem::is_directory(output.path, error);
+}
+
 /// Throws UsageError for options that contradict each other.
 void SettleOptions(CollectOptions& options, const OptionSet& set) {
+  if (options.result.identifiesRows && options.result.format != kCsvFormat &&
+      options.result.format != "ndjson") {
+    throw UsageError(
+        fmt::format("--identify is for csv: {} tells the machine in its own place; leave it away",
+                    options.result.format));
+  }
   if (options.trace) SeparateTrace(options, set.IsGiven("--format"));
   if (options.source.replay) RefuseWithReplay(options.source);
   RefuseInRecording(options.source, "--output", options.result.output);
@@ -120,8 +140,15 @@ void SettleOptions(CollectOptions& options, const OptionSet& set) {
   if (options.trace) options.trace->MakeAbsolute();
 }
 
-/// A line on standard error for every table: its rows, or why there are none.
+/// Whether problems and statuses are on the terminal already that standard error leads to.
+bool IsOnScreen(const Format& format, const Destination& output, const Console& console) {
+  return format.tellsStatus && output.IsStandardOutput() && console.outIsTerminal &&
+         console.errorIsTerminal;
+}
+
+/// A line on standard error for every problem and for every table: its rows, or why there are none.
 void ReportStatus(const Collection& collection, const Console& console) {
+  for (const std::string& problem : collection.problems) Complain(console, problem);
   std::size_t width = 0;
   for (const CollectedTable& table : collection.tables) {
     width = std::max(width, table.className.size());
@@ -137,8 +164,13 @@ int RunCollect(const CollectOptions& options, const Console& console) {
   // Anything that can be refused is refused before a tool runs.
   std::optional<ResultOutput> output;
   std::optional<TraceOutput> trace;
+  const bool isFolder = options.result.format == kCsvFormat && IsFolder(options.result.output);
   const auto openOutputs = [&](CollectionListeners& listeners) {
-    output.emplace(options.result.output, console);
+    if (isFolder) {
+      CreateEmptyFolder(options.result.output.path, "--output");
+    } else {
+      output.emplace(options.result.output, console);
+    }
     if (!options.trace) return;
     trace.emplace(*options.trace, console);
     listeners.Add(trace->Writer());
@@ -149,24 +181,35 @@ int RunCollect(const CollectOptions& options, const Console& console) {
 
   // The results are shown even when the recording cannot be written.
   try {
-    source->KeepRecording(collection, console);
+    source->KeepRecording(collection);
   } catch (const std::runtime_error& error) {
     collection.problems.emplace_back(error.what());
+  }
+  for (std::string& problem : source->KeepLogFiles(collection)) {
+    collection.problems.push_back(std::move(problem));
   }
   if (format.describeCuts != nullptr) {
     for (std::string& cut : format.describeCuts(collection)) {
       collection.problems.push_back(std::move(cut));
     }
   }
-  output->Write([&, &results = collection](const Screen& screen, std::ostream& out) {
-    format.write(results, screen, out);
-  });
-  if (trace) trace->Close();
-  for (const std::string& problem : source->KeepLogFiles(collection, console)) {
-    collection.problems.push_back(problem);
+  if (options.leavesAttachmentsOut) RemoveAttachments(collection);
+  if (isFolder) {
+    WriteCsvFolder(collection, options.result.identifiesRows, options.result.output.path);
+  } else {
+    output->Write([&, &results = collection](Screen screen, std::ostream& out) {
+      screen.showsAll = options.showsAll;
+      screen.identifiesRows = options.result.identifiesRows;
+      format.write(results, screen, out);
+    });
   }
-  for (const std::string& problem : collection.problems) Complain(console, problem);
-  ReportStatus(collection, console);
+  if (trace) trace->Close();
+  if (!IsOnScreen(format, options.result.output, console)) ReportStatus(collection, console);
+  source->TellKept(console);
+  if (options.trace) TellWritten("Trace", *options.trace, console);
+  if (options.result.format != "none") {
+    TellWritten(format.resultName, options.result.output, console);
+  }
   const bool isWhole = collection.problems.empty() && !IsInterruptionRequested();
   return isWhole ? kExitDone : kExitIncomplete;
 }
@@ -205,6 +248,11 @@ CommandRun Define(OptionSet& set) {
   AddUnsafeFolder(set, source);
   AddFormat(set, options->result, "results");
   AddOutput(set, options->result, "results");
+  AddIdentify(set, options->result);
+  set.AddFlag("--no-attachments", options->leavesAttachmentsOut,
+              "Leave the whole files out of the results, such as the tools' reports");
+  set.AddFlag("--all", options->showsAll,
+              "Show all of each log; without it, --format table shows its newest lines");
   set.AddSeconds("--tool-limit", source.toolLimits.seconds, kLongestToolLimit,
                  "End a tool that runs for more than so many seconds (Windows)");
   set.AddMebibytes("--tool-memory", source.toolLimits.mebibytes, kLargestToolMemory,

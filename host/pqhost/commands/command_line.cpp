@@ -13,6 +13,7 @@
 #include "host/pqhost/commands/commands.h"
 #include "host/pqhost/commands/shared_options.h"
 #include "host/program/deadline.h"
+#include "host/text/ascii.h"
 #include "host/text/nearest_name.h"
 #include "host/text/usage_error.h"
 #include "host/text/version.h"
@@ -94,10 +95,21 @@ std::string JoinLines(std::string text) {
   return text;
 }
 
+/// Asks for help as programs of Windows are asked for it: the only word, or the only one
+/// after the command's name. Elsewhere such a word may be a path.
+void TranslateHelp(std::vector<std::string>& arguments) {
+  if (arguments.empty() || arguments.size() > 2) return;
+  const std::string word = LowerCase(arguments.back());
+  for (const char* asked : {"/?", "-?", "/h", "/help"}) {
+    if (word == asked) arguments.back() = "--help";
+  }
+}
+
 /// Reads the arguments into the options. Returns the text to show instead of doing anything, if
 /// they ask for one.
 std::optional<std::string> ParseArguments(DefinedProgram& program,
                                           std::vector<std::string> arguments) {
+  TranslateHelp(arguments);
   std::reverse(arguments.begin(), arguments.end());
   try {
     program.app.parse(std::move(arguments));

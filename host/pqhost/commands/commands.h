@@ -30,6 +30,7 @@ extern const Command kCollectCommand;
 extern const Command kModulesCommand;
 extern const Command kQueryCommand;
 extern const Command kCheckCommand;
+extern const Command kHelpCommand;
 extern const Command kCompletionCommand;
 
 /// All commands, in the order of the help.

@@ -125,6 +125,7 @@ Words OfferValue(const OptionDescription& option) {
       return {"<file>"};
     case OptionValue::kNone:
     case OptionValue::kAny:
+    case OptionValue::kCommand:
       break;
   }
   return {"<any>"};
@@ -143,6 +144,9 @@ std::vector<Offer> ListOffers(const std::vector<CommandDescription>& commands) {
     Offer next{command.name, "", {}};
     if (command.name.empty()) next.words = ListNames(commands);
     for (const OptionDescription& option : command.options) {
+      if (option.value == OptionValue::kCommand) {
+        for (const std::string& name : ListNames(commands)) next.words.push_back(name);
+      }
       if (option.name.empty()) continue;
       next.words.push_back(option.name);
       if (option.value == OptionValue::kNone) continue;
@@ -170,7 +174,7 @@ std::string WriteBashArguments(const std::vector<CommandDescription>& commands) 
   std::string cases;
   for (const CommandDescription& command : commands) {
     for (const OptionDescription& option : command.options) {
-      if (!option.name.empty()) continue;
+      if (!option.name.empty() || option.value == OptionValue::kCommand) continue;
       cases += fmt::format("    {}) mapfile -t COMPREPLY < <(compgen {} -- \"$current\") ;;\n",
                            command.name, ChooseCompgenOptions(option.value));
     }

@@ -61,6 +61,14 @@ void OptionSet::AddPath(const char* name, OptionValue value,
       name, value, [&](auto given) { path = std::move(given); }, help, "give a path");
 }
 
+void OptionSet::AddPaths(const char* name, OptionValue value,
+                         std::vector<std::filesystem::path>& paths, const char* help) {
+  AddPathOption(
+      name, value, [&](auto given) { paths.push_back(std::move(given)); }, help, "give a path");
+  rows.back().option->trigger_on_parse()->expected(1)->multi_option_policy(
+      CLI::MultiOptionPolicy::TakeAll);
+}
+
 void OptionSet::AddDestination(const char* name, Destination& destination,
                                const std::string& help) {
   AddPathOption(

@@ -17,7 +17,17 @@ class Option;
 namespace host {
 
 /// The kind of value that an option takes, as far as a shell can complete it.
-enum class OptionValue { kNone, kAny, kFolder, kFile, kDatabase, kModule, kTable, kChoice };
+enum class OptionValue {
+  kNone,
+  kAny,
+  kFolder,
+  kFile,
+  kDatabase,
+  kModule,
+  kTable,
+  kCommand,
+  kChoice
+};
 
 struct OptionDescription {
   std::string name;  ///< "--format"; empty: the words that belong to no option
@@ -41,6 +51,9 @@ class OptionSet {
   /// kFolder or kFile.
   void AddPath(const char* name, OptionValue value, std::optional<std::filesystem::path>& path,
                const char* help);
+  /// The same; may be repeated.
+  void AddPaths(const char* name, OptionValue value, std::vector<std::filesystem::path>& paths,
+                const char* help);
   void AddDestination(const char* name, Destination& destination, const std::string& help);
   void AddDestination(const char* name, std::optional<Destination>& destination, const char* help);
   /// One of `choices`; `choice` keeps its value unless given.

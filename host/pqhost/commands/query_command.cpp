@@ -17,7 +17,7 @@
 #include "host/formats/shown_cell.h"
 #include "host/pqhost/commands/commands.h"
 #include "host/pqhost/commands/shared_options.h"
-#include "host/pqhost/gather.h"
+#include "host/pqhost/query_sources.h"
 #include "host/program/deadline.h"
 #include "host/program/result_output.h"
 #include "host/text/decoder.h"
@@ -30,18 +30,22 @@ namespace {
 using halyard::repository::RRepository;
 
 constexpr char kFooter[] = R"(Examples:
-  pqhost query --replay RECORDING "SELECT item1, item2 FROM SENSORINFO WHERE trim(item4) <> 'ok'"
+  pqhost query --replay RECORDING "SELECT name, reading FROM v_sensorinfo WHERE status <> 'ok'"
   pqhost collect --format sqlite --output server.db
   pqhost query server.db "SELECT class, rows, status FROM tables" --format csv
+  pqhost query --replay FOLDER_OF_RECORDINGS "SELECT machine, sn FROM v_pdlist"
 )";
 
 struct QueryOptions {
-  std::vector<std::string> words;  ///< the database, if any, then the statement
+  std::vector<std::string> words;              ///< databases, if any, then the statement
+  std::vector<std::filesystem::path> replays;  ///< recordings, or folders of recordings
   SourceOptions source;
   ResultOptions result;
   std::optional<unsigned> timeLimit;  ///< seconds
 };
 
+/// More databases than anybody names one by one.
+constexpr int kMostWords = 10'000;
 constexpr char kAnswer[] = "ANSWER";
 constexpr int kNoNumber = -1;
 
@@ -97,52 +101,50 @@ Collection Ask(Database& database, const std::string& sql) {
   return answer;
 }
 
-/// Nothing: a new collection is queried.
-std::optional<std::filesystem::path> FindDatabase(const QueryOptions& options) {
-  if (options.words.size() < 2) return std::nullopt;
-  return PathFromText(options.words.front());
+QuerySources FindSources(const QueryOptions& options) {
+  QuerySources sources{FindRecordings(options.replays), {}};
+  for (std::size_t i = 0; i + 1 < options.words.size(); ++i) {
+    sources.databases.push_back(PathFromText(options.words[i]));
+  }
+  return sources;
 }
 
-void RefuseContradictions(const QueryOptions& options) {
-  if (options.words.empty()) {
+/// Also takes a single recording for the machine.
+void SettleOptions(QueryOptions& options, const QuerySources& sources) {
+  const bool isLive = sources.recordings.empty() && sources.databases.empty();
+  // The tools of this machine run in the log folder.
+  if (isLive) options.result.output.MakeAbsolute();
+  for (const std::filesystem::path& recording : sources.recordings) {
+    options.source.replay = recording;
+    RefuseMisuseOfReplay(options.source);
+    RefuseInRecording(options.source, "--output", options.result.output);
+  }
+  if (options.source.logFolder && sources.recordings.size() + sources.databases.size() > 1) {
     throw UsageError(
-        "there is no query: give one, as in pqhost query --replay FOLDER \"SELECT * "
-        "FROM SENSORINFO\"");
+        "--log-folder is for the files of one machine: leave it away, or ask one recording");
   }
-  RefuseMisuseOfReplay(options.source);
-  RefuseInRecording(options.source, "--output", options.result.output);
-  if (FindDatabase(options) && options.source.replay) {
-    throw UsageError("a database and --replay are both there to be asked: give one of them");
-  }
-}
-
-/// Collects into `database`, which is empty; the exit code says whether all of it came.
-int CollectInto(Database& database, const QueryOptions& options, const Console& console,
-                std::optional<ResultOutput>& output) {
-  // The recording is let go of at once: the database holds all of it again.
-  const Collection collection = Gather(options.source, {}, console, KeepLog::kYes, [&](auto&) {
-                                  output.emplace(options.result.output, console);
-                                }).collection;
-  database.Fill(collection);
-  for (const std::string& problem : collection.problems) Complain(console, problem);
-  return collection.problems.empty() ? kExitDone : kExitIncomplete;
 }
 
 /// Throws DatabaseError as well.
-int AnswerQuery(const QueryOptions& options, const Console& console) {
+int AnswerQuery(const QueryOptions& options, const QuerySources& sources, const Console& console) {
   // SQLite looks at the time between the steps of a statement, and one step can take for ever: to
   // find a megabyte in a megabyte is one.
   constexpr std::chrono::seconds kTimeToNotice{2};
   const Format& format = ChooseFormat(options.result, console);
   const std::chrono::seconds time(options.timeLimit.value_or(kUsualQueryTime.count()));
-  const std::optional<std::filesystem::path> file = FindDatabase(options);
+  const auto& [recordings, files] = sources;
+  const bool isOneFile = recordings.empty() && files.size() == 1;
   std::optional<ResultOutput> output;
+  const auto openOutput = [&] { output.emplace(options.result.output, console); };
   std::optional<Database> database;
   int exitCode = kExitDone;
-  if (file) {
-    output.emplace(options.result.output, console);
+  if (isOneFile) {
+    openOutput();
+  } else if (recordings.size() + files.size() <= 1) {
+    exitCode = FillFromOne(database.emplace(time), options.source, console, openOutput);
   } else {
-    exitCode = CollectInto(database.emplace(time), options, console, output);
+    openOutput();
+    exitCode = FillFromSeveral(database.emplace(time), sources, options.source, console);
   }
   Collection answer;
   {
@@ -151,21 +153,26 @@ int AnswerQuery(const QueryOptions& options, const Console& console) {
       Complain(console, DescribeTimeout(time));
       std::_Exit(kExitMisused);
     });
-    if (file) database.emplace(*file, time);
+    if (isOneFile) database.emplace(files.front(), time);
     answer = Ask(*database, options.words.back());
   }
   database.reset();  // Its memory is for the result now.
   output->Write(
       [&](const Screen& screen, std::ostream& out) { format.write(answer, screen, out); });
+  TellWritten(format.resultName, options.result.output, console);
   return exitCode;
 }
 
 int RunQuery(QueryOptions& options, const Console& console) {
-  RefuseContradictions(options);
-  // The tools of this machine run in the log folder.
-  if (!options.source.replay && !FindDatabase(options)) options.result.output.MakeAbsolute();
+  if (options.words.empty()) {
+    throw UsageError(
+        "there is no query: give one, as in pqhost query --replay FOLDER \"SELECT * "
+        "FROM v_sensorinfo\"");
+  }
+  const QuerySources sources = FindSources(options);
+  SettleOptions(options, sources);
   try {
-    return AnswerQuery(options, console);
+    return AnswerQuery(options, sources, console);
   } catch (const DatabaseError& error) {
     throw UsageError(error.what());
   }
@@ -173,9 +180,11 @@ int RunQuery(QueryOptions& options, const Console& console) {
 
 CommandRun Define(OptionSet& set) {
   const auto options = std::make_shared<QueryOptions>();
-  set.AddArguments("QUERY", "[FILE.db] SQL", OptionValue::kDatabase, 2, options->words,
-                   "The database, if any, then one SELECT statement");
-  AddReplay(set, options->source);
+  set.AddArguments("QUERY", "[FILE.db]... SQL", OptionValue::kDatabase, kMostWords, options->words,
+                   "The databases, if any, then one SELECT statement");
+  set.AddPaths("--replay", OptionValue::kFolder, options->replays,
+               "Ask this recording, or all in this folder; may be repeated");
+  AddReadingRules(set, options->source);
   AddPlugin(set, options->source);
   AddUnsafeFolder(set, options->source);
   AddLogFolder(set, options->source);

@@ -6,6 +6,7 @@
 #include "host/files/places.h"
 #include "host/program/result_output.h"
 #include "host/text/path_text.h"
+#include "host/text/screen_text.h"
 #include "host/text/usage_error.h"
 
 namespace host {
@@ -26,6 +27,10 @@ void AddModules(OptionSet& set, std::vector<std::string>& modules, const char* h
 void AddReplay(OptionSet& set, SourceOptions& source) {
   set.AddPath("--replay", OptionValue::kFolder, source.replay,
               "Take this recording for the machine");
+  AddReadingRules(set, source);
+}
+
+void AddReadingRules(OptionSet& set, SourceOptions& source) {
   std::vector<std::string> names;
   for (const NamedLimit& limit : kNamedLimits) names.emplace_back(limit.name);
   set.AddNumbers(
@@ -90,8 +95,19 @@ void AddFormat(OptionSet& set, ResultOptions& result, const char* noun) {
                             result.format));
 }
 
+void AddIdentify(OptionSet& set, ResultOptions& result) {
+  set.AddFlag("--identify", result.identifiesRows,
+              "Begin each row of csv with machine, serial number, time and collection, as ndjson "
+              "always does");
+}
+
 void AddOutput(OptionSet& set, ResultOptions& result, const char* noun) {
   set.AddDestination("--output", result.output, fmt::format("Write the {} to this file", noun));
+}
+
+void TellWritten(const char* what, const Destination& destination, const Console& console) {
+  if (destination.IsStandardOutput()) return;
+  console.error << what << ": " << EscapeControls(PathText(destination.path)) << '\n';
 }
 
 const Format& ChooseFormat(const ResultOptions& result, const Console& console) {

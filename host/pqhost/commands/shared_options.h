@@ -18,6 +18,8 @@ void AddModules(OptionSet& set, std::vector<std::string>& modules, const char* h
 
 /// --replay, and how it is read: --limit, --unverified
 void AddReplay(OptionSet& set, SourceOptions& source);
+/// --limit, --unverified
+void AddReadingRules(OptionSet& set, SourceOptions& source);
 /// --log-folder
 void AddLogFolder(OptionSet& set, SourceOptions& source);
 /// --plugin
@@ -39,12 +41,18 @@ void AddTimeLimit(OptionSet& set, std::optional<unsigned>& seconds, const char* 
 struct ResultOptions {
   std::string format = Formats().front().name;
   Destination output;
+  bool identifiesRows = false;
 };
 
 /// --format; the help calls the result `noun`, as in "answer".
 void AddFormat(OptionSet& set, ResultOptions& result, const char* noun);
+/// --identify
+void AddIdentify(OptionSet& set, ResultOptions& result);
 /// --output
 void AddOutput(OptionSet& set, ResultOptions& result, const char* noun);
+
+/// Tells on standard error where a result is, unless that is standard output.
+void TellWritten(const char* what, const Destination& destination, const Console& console);
 
 /// The format asked for. Throws UsageError when it is nothing for a terminal and would go to one.
 const Format& ChooseFormat(const ResultOptions& result, const Console& console);

@@ -151,7 +151,12 @@ TEST(BashCompletion, OffersTheFormatsOfEveryCommand) {
 
 TEST(BashCompletion, OffersTheModules) {
   const std::set<std::string> modules = CompleteInBash({"check", "--module", ""});
-  EXPECT_EQ(modules, FindAll("\n" + test::RunHost({"modules"}).out, "\n([A-Za-z0-9_]+)  "));
+  EXPECT_EQ(modules, FindAll(test::RunHost({"modules", "--format", "json"}).out,
+                             "\"name\": \"([A-Za-z0-9_]+)\""));
+}
+
+TEST(BashCompletion, OffersTheCommandsThatHelpKnows) {
+  EXPECT_THAT(CompleteInBash({"help", ""}), IsSupersetOf(NamesOf(ListCommands())));
 }
 
 TEST(BashCompletion, OffersFoldersForARecording) {

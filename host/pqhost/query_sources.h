@@ -1,0 +1,36 @@
+// What a query asks: recordings, databases or this machine, as one database.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "host/formats/database.h"
+#include "host/pqhost/source.h"
+#include "host/program/console.h"
+
+namespace host {
+
+/// The recordings that `paths` name: each is one, or a folder of recordings, which come in the
+/// order of their names. Throws UsageError for a folder of nothing.
+std::vector<std::filesystem::path> FindRecordings(const std::vector<std::filesystem::path>& paths);
+
+/// Several machines for one database.
+struct QuerySources {
+  std::vector<std::filesystem::path> recordings;
+  std::vector<std::filesystem::path> databases;
+};
+
+/// Collects from what `options` say into `database`, which is empty. `beforeRun` is called once
+/// before any tool runs. Returns the exit code, which says whether all of it came. Throws as Gather
+/// and Database do.
+int FillFromOne(Database& database, const SourceOptions& options, const Console& console,
+                const std::function<void()>& beforeRun);
+
+/// The same with all of `sources`, each called by its file's name. What cannot be read is told, and
+/// left out; throws UsageError when that is all of it.
+int FillFromSeveral(Database& database, const QuerySources& sources, const SourceOptions& options,
+                    const Console& console);
+
+}  // namespace host
