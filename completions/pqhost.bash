@@ -8,7 +8,7 @@ _pqhost_complete() {
   COMPREPLY=()
   for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
     case $word in
-      collect | modules | query | check | help) command=$word; break ;;
+      collect | health | modules | query | check | help) command=$word; break ;;
     esac
   done
 
@@ -28,6 +28,20 @@ _pqhost_complete() {
     'collect --time-limit') words='<any>' ;;
     'collect --trace') words='<file>' ;;
     'collect '*) words='--module --table --replay --limit --unverified --record --log-folder --plugin --unsafe-folder --format --output --identify --no-attachments --all --tool-limit --tool-memory --amt-login --no-input --time-limit --dry-run --trace --help' ;;
+    'health --replay') words='<folder>' ;;
+    'health --limit') words='<any>' ;;
+    'health --format') words='table json nagios' ;;
+    'health --output') words='<file>' ;;
+    'health --rules') words='<file>' ;;
+    'health --set') words='<any>' ;;
+    'health --settings') words='<file>' ;;
+    'health --suppress') words='<file>' ;;
+    'health --require') words='<any>' ;;
+    'health --as-of') words='<any>' ;;
+    'health --log-folder') words='<folder>' ;;
+    'health --plugin') words='<file>' ;;
+    'health --time-limit') words='<any>' ;;
+    'health '*) words='--replay --limit --unverified --format --output --brief --rules --set --settings --suppress --require --as-of --list-rules --log-folder --plugin --unsafe-folder --time-limit --help' ;;
     'modules --plugin') words='<file>' ;;
     'modules --format') words='table json markdown' ;;
     'modules --time-limit') words='<any>' ;;
@@ -49,8 +63,8 @@ _pqhost_complete() {
     'check --time-limit') words='<any>' ;;
     'check '*) words='--module --replay --limit --unverified --log-folder --plugin --unsafe-folder --format --time-limit --help' ;;
     'help --time-limit') words='<any>' ;;
-    'help '*) words='collect modules query check help --time-limit --help' ;;
-    *) words='collect modules query check help --version --help' ;;
+    'help '*) words='collect health modules query check help --time-limit --help' ;;
+    *) words='collect health modules query check help --version --help' ;;
   esac
 
   case $words in

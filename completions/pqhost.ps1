@@ -22,6 +22,20 @@ Register-ArgumentCompleter -Native -CommandName pqhost, pqhost.exe -ScriptBlock 
         'collect --time-limit' = '<any>'
         'collect --trace' = '<file>'
         'collect' = '--module', '--table', '--replay', '--limit', '--unverified', '--record', '--log-folder', '--plugin', '--unsafe-folder', '--format', '--output', '--identify', '--no-attachments', '--all', '--tool-limit', '--tool-memory', '--amt-login', '--no-input', '--time-limit', '--dry-run', '--trace', '--help'
+        'health --replay' = '<folder>'
+        'health --limit' = '<any>'
+        'health --format' = 'table', 'json', 'nagios'
+        'health --output' = '<file>'
+        'health --rules' = '<file>'
+        'health --set' = '<any>'
+        'health --settings' = '<file>'
+        'health --suppress' = '<file>'
+        'health --require' = '<any>'
+        'health --as-of' = '<any>'
+        'health --log-folder' = '<folder>'
+        'health --plugin' = '<file>'
+        'health --time-limit' = '<any>'
+        'health' = '--replay', '--limit', '--unverified', '--format', '--output', '--brief', '--rules', '--set', '--settings', '--suppress', '--require', '--as-of', '--list-rules', '--log-folder', '--plugin', '--unsafe-folder', '--time-limit', '--help'
         'modules --plugin' = '<file>'
         'modules --format' = 'table', 'json', 'markdown'
         'modules --time-limit' = '<any>'
@@ -43,15 +57,15 @@ Register-ArgumentCompleter -Native -CommandName pqhost, pqhost.exe -ScriptBlock 
         'check --time-limit' = '<any>'
         'check' = '--module', '--replay', '--limit', '--unverified', '--log-folder', '--plugin', '--unsafe-folder', '--format', '--time-limit', '--help'
         'help --time-limit' = '<any>'
-        'help' = 'collect', 'modules', 'query', 'check', 'help', '--time-limit', '--help'
-        '' = 'collect', 'modules', 'query', 'check', 'help', '--version', '--help'
+        'help' = 'collect', 'health', 'modules', 'query', 'check', 'help', '--time-limit', '--help'
+        '' = 'collect', 'health', 'modules', 'query', 'check', 'help', '--version', '--help'
     }
 
     # The words before the one that is being typed.
     $words = @($commandAst.CommandElements |
         Where-Object { $_.Extent.EndOffset -lt $cursorPosition } |
         ForEach-Object { $_.ToString() })
-    $command = $words | Where-Object { $_ -in 'collect', 'modules', 'query', 'check', 'help' } | Select-Object -First 1
+    $command = $words | Where-Object { $_ -in 'collect', 'health', 'modules', 'query', 'check', 'help' } | Select-Object -First 1
 
     $candidates = $offers["$command $($words[-1])"]
     if (-not $candidates) { $candidates = $offers["$command"] }

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <sqlite3.h>
 
+#include <cstdlib>
 #include <memory>
 #include <set>
 #include <string_view>
@@ -65,8 +66,8 @@ void CheckDatabaseFile(const std::filesystem::path& file) {
 /// Runs one statement and reads its rows.
 class Reader {
  public:
-  Reader(sqlite3* handle, std::chrono::seconds timeLimit)
-      : handle(handle), guard(handle, timeLimit) {}
+  Reader(sqlite3* handle, std::chrono::seconds timeLimit, std::set<std::string> functions)
+      : handle(handle), guard(handle, timeLimit, std::move(functions)) {}
 
   /// Throws DatabaseError unless `sql` is one statement that only reads.
   void Prepare(const std::string& sql) {
@@ -136,6 +137,36 @@ class Reader {
   std::set<std::vector<CellKind>> kindsSeen;  ///< of rows
 };
 
+/// What SQLite calls for a function of AddFunction.
+void CallFunction(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
+  const auto& function = *static_cast<Database::Function*>(sqlite3_user_data(context));
+  Database::Value given;
+  const int type = sqlite3_value_type(values[0]);
+  if (type != SQLITE_NULL) {
+    given.kind = type == SQLITE_INTEGER ? CellKind::kInteger
+                 : type == SQLITE_FLOAT ? CellKind::kReal
+                                        : CellKind::kText;
+    const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(values[0]));
+    const auto size = static_cast<std::size_t>(sqlite3_value_bytes(values[0]));
+    if (text != nullptr) given.text.assign(text, size);
+  }
+  try {
+    const Database::Value answer = function(given);
+    if (answer.kind == CellKind::kNothing) {
+      sqlite3_result_null(context);
+    } else if (answer.kind == CellKind::kInteger) {
+      sqlite3_result_int64(context, std::strtoll(answer.text.c_str(), nullptr, 10));
+    } else if (answer.kind == CellKind::kReal) {
+      sqlite3_result_double(context, std::strtod(answer.text.c_str(), nullptr));
+    } else {
+      sqlite3_result_text64(context, answer.text.data(), answer.text.size(), SQLITE_TRANSIENT,
+                            SQLITE_UTF8);
+    }
+  } catch (const std::exception& error) {
+    sqlite3_result_error(context, error.what(), -1);
+  }
+}
+
 }  // namespace
 
 std::string DescribeTimeout(std::chrono::seconds timeLimit) {
@@ -180,9 +211,21 @@ Database::Database(const std::filesystem::path& file, std::chrono::seconds query
 
 Database::~Database() { sqlite3_close(handle); }
 
+void Database::Run(const std::string& sql) { Execute(handle, sql); }
+
+void Database::AddFunction(const std::string& name, Function function) {
+  Function& kept = functions[name] = std::move(function);
+  const int result =
+      sqlite3_create_function(handle, name.c_str(), 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, &kept,
+                              &CallFunction, nullptr, nullptr);
+  if (result != SQLITE_OK) FailAsSqlite(handle);
+}
+
 void Database::Query(const std::string& sql, const std::function<void(const Names&)>& onColumns,
                      const std::function<void(const Values&)>& onRow) {
-  Reader reader(handle, queryTime);
+  std::set<std::string> known;
+  for (const auto& function : functions) known.insert(function.first);
+  Reader reader(handle, queryTime, std::move(known));
   reader.Prepare(sql);
   const Names names = reader.ListColumns();
   onColumns(names);

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -61,11 +62,19 @@ class Database {
   void Query(const std::string& sql, const std::function<void(const Names&)>& onColumns,
              const std::function<void(const Values&)>& onRow);
 
+  /// Runs statements of the program's own, which may make tables. To be called before any query.
+  void Run(const std::string& sql);
+  /// Of one value. What it throws is the query's error.
+  using Function = std::function<Value(const Value&)>;
+  /// Gives queries a function that has no other effect than its value. `name` is in lower case.
+  void AddFunction(const std::string& name, Function function);
+
  private:
   friend class DatabaseWriter;
 
   sqlite3* handle = nullptr;
   std::chrono::seconds queryTime;
+  std::map<std::string, Function> functions;  ///< by name
 };
 
 }  // namespace host

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <set>
 #include <string>
 
 struct sqlite3;
@@ -27,8 +28,9 @@ inline constexpr char kOnlyReading[] =
 /// guard at a time.
 class QueryGuard {
  public:
-  /// `handle` has to outlive this. Throws DatabaseError.
-  QueryGuard(sqlite3* handle, std::chrono::seconds timeLimit);
+  /// `handle` has to outlive this. `functions` are those of our own that a query may use, in lower
+  /// case. Throws DatabaseError.
+  QueryGuard(sqlite3* handle, std::chrono::seconds timeLimit, std::set<std::string> functions = {});
   QueryGuard(const QueryGuard&) = delete;
   QueryGuard& operator=(const QueryGuard&) = delete;
   ~QueryGuard();
@@ -49,6 +51,7 @@ class QueryGuard {
 
   sqlite3* handle;
   std::chrono::seconds timeLimit;
+  std::set<std::string> functions;
   std::chrono::steady_clock::time_point deadline;
   std::int64_t memoryLimit = 0;  ///< bytes, for SQLite and for the answer each
   std::int64_t answerBytes = 0;

@@ -16,16 +16,17 @@ int Fail(const Console& console, const std::exception& error, int exitCode) {
 }
 
 int RunAndExplain(const std::vector<std::string>& arguments, const Console& console) {
+  const auto choose = [&](int usual) { return ChooseFailureExit(arguments, usual); };
   try {
     return RunCommandLine(arguments, console);
   } catch (const UsageError& error) {
-    return Fail(console, error, kExitMisused);
+    return Fail(console, error, choose(kExitMisused));
   } catch (const RecordingError& error) {
-    return Fail(console, error, kExitMisused);
+    return Fail(console, error, choose(kExitMisused));
   } catch (const LiveError& error) {
-    return Fail(console, error, kExitMisused);
+    return Fail(console, error, choose(kExitMisused));
   } catch (const std::exception& error) {
-    return Fail(console, error, kExitIncomplete);
+    return Fail(console, error, choose(kExitIncomplete));
   }
 }
 
@@ -36,7 +37,7 @@ int RunPqhost(const std::vector<std::string>& arguments, const Console& console)
   console.out.flush();
   if (console.out || exitCode != kExitDone) return exitCode;
   Complain(console, "standard output could not be written");
-  return kExitIncomplete;
+  return ChooseFailureExit(arguments, kExitIncomplete);
 }
 
 }  // namespace host

@@ -26,6 +26,8 @@ struct Console {
 inline constexpr int kExitDone = 0;
 inline constexpr int kExitIncomplete = 1;  ///< something could not be collected or written
 inline constexpr int kExitMisused = 2;     ///< wrong use or unreadable input; nothing was collected
+/// Of commands with the exit codes of Nagios' plug-ins, whose 1 and 2 are a warning and an alarm.
+inline constexpr int kExitUnknown = 3;
 
 /// Standard output as the screen for a result.
 Screen DescribeScreen(const Console& console);

@@ -29,13 +29,15 @@ Deadline::~Deadline() {
   watcher.join();
 }
 
-std::unique_ptr<Deadline> EndProgramAfter(std::optional<unsigned> seconds, const Console& console) {
+std::unique_ptr<Deadline> EndProgramAfter(std::optional<unsigned> seconds, const Console& console,
+                                          int exitCode) {
   if (!seconds) return nullptr;
-  return std::make_unique<Deadline>(std::chrono::seconds(*seconds), [&console, time = *seconds] {
-    Complain(console, DescribeOverdue(time));
-    RemovePartialFiles();
-    std::_Exit(kExitIncomplete);
-  });
+  return std::make_unique<Deadline>(std::chrono::seconds(*seconds),
+                                    [&console, exitCode, time = *seconds] {
+                                      Complain(console, DescribeOverdue(time));
+                                      RemovePartialFiles();
+                                      std::_Exit(exitCode);
+                                    });
 }
 
 }  // namespace host

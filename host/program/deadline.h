@@ -34,8 +34,9 @@ class Deadline {
   std::thread watcher;
 };
 
-/// Ends the program after so many seconds with one line, exit code 1 and no half file, unless the
+/// Ends the program after so many seconds with one line, `exitCode` and no half file, unless the
 /// result is gone by then. Null when there is no limit. `console` has to outlive it.
-std::unique_ptr<Deadline> EndProgramAfter(std::optional<unsigned> seconds, const Console& console);
+std::unique_ptr<Deadline> EndProgramAfter(std::optional<unsigned> seconds, const Console& console,
+                                          int exitCode = kExitIncomplete);
 
 }  // namespace host

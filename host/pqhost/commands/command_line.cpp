@@ -180,7 +180,8 @@ int RunCommandLine(const std::vector<std::string>& arguments, const Console& con
                                  fmt::join(ListCommandNames(), ", ")));
   }
   command->options.CheckValues();
-  const std::unique_ptr<Deadline> deadline = EndProgramAfter(command->timeLimit, console);
+  const std::unique_ptr<Deadline> deadline =
+      EndProgramAfter(command->timeLimit, console, ChooseFailureExit(arguments, kExitIncomplete));
   return command->run(console);
 }
 
@@ -196,6 +197,16 @@ std::vector<CommandDescription> DescribeCommandLine() {
   }
   descriptions.push_back({"", {{"--version", OptionValue::kNone, {}}, help}});
   return descriptions;
+}
+
+int ChooseFailureExit(const std::vector<std::string>& arguments, int usual) {
+  const std::vector<const Command*>& commands = GetCommands();
+  const bool isOfNagios =
+      std::any_of(commands.begin(), commands.end(), [&](const Command* command) {
+        return !arguments.empty() && arguments.front() == command->name &&
+               command->exitCodes == Command::ExitCodes::kOfNagios;
+      });
+  return isOfNagios ? kExitUnknown : usual;
 }
 
 }  // namespace host

@@ -22,4 +22,8 @@ struct CommandDescription {
 /// in the order of the help, but --help last.
 std::vector<CommandDescription> DescribeCommandLine();
 
+/// The exit code of the command that `arguments` name when it fails, of other commands with
+/// `usual`.
+int ChooseFailureExit(const std::vector<std::string>& arguments, int usual);
+
 }  // namespace host

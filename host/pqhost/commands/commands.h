@@ -23,12 +23,15 @@ struct Command {
   CommandRun (*define)(OptionSet& set);
   /// Of --time-limit, which every command has: whether the command ends by itself.
   enum class TimeLimit { kOfProgram, kItsOwn } timeLimit = TimeLimit::kOfProgram;
+  /// kOfNagios: whatever goes wrong ends with kExitUnknown.
+  enum class ExitCodes { kOfProgram, kOfNagios } exitCodes = ExitCodes::kOfProgram;
   bool isHidden = false;  ///< for developers: not in help, messages and completions
 };
 
 extern const Command kCollectCommand;
 extern const Command kModulesCommand;
 extern const Command kQueryCommand;
+extern const Command kHealthCommand;
 extern const Command kCheckCommand;
 extern const Command kHelpCommand;
 extern const Command kCompletionCommand;

@@ -32,6 +32,7 @@ const Command kCompletionCommand = {"completion",
                                     kFooter,
                                     &Define,
                                     Command::TimeLimit::kOfProgram,
+                                    Command::ExitCodes::kOfProgram,
                                     /*isHidden=*/true};
 
 }  // namespace host

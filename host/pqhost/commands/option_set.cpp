@@ -99,6 +99,13 @@ void OptionSet::AddChoice(const char* name, std::vector<std::string> choices, st
   rows.push_back({option, {name, OptionValue::kChoice, std::move(choices)}, nullptr});
 }
 
+void OptionSet::AddTexts(const char* name, const char* form, std::vector<std::string>& texts,
+                         const char* help) {
+  CLI::Option* option = app.add_option(name, texts, help);
+  option->type_name(form)->allow_extra_args(false);
+  rows.push_back({option, {name, OptionValue::kAny, {}}, "give a value"});
+}
+
 void OptionSet::AddSeconds(const char* name, std::optional<unsigned>& seconds, unsigned most,
                            const char* help) {
   AddCount(name, "SECONDS", seconds, most, help);

@@ -59,6 +59,9 @@ class OptionSet {
   /// One of `choices`; `choice` keeps its value unless given.
   void AddChoice(const char* name, std::vector<std::string> choices, std::string& choice,
                  const std::string& help);
+  /// Any text, called `form` in the help; may be repeated.
+  void AddTexts(const char* name, const char* form, std::vector<std::string>& texts,
+                const char* help);
   /// From one to `most`.
   void AddSeconds(const char* name, std::optional<unsigned>& seconds, unsigned most,
                   const char* help);

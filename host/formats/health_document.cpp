@@ -1,0 +1,135 @@
+// docs/health.md, from the rules.
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "host/formats/health_formats.h"
+
+namespace host {
+namespace {
+
+constexpr char kHead[] = R"(# Health
+
+Made by `pqhost health --list-rules`.
+
+`pqhost health` tells whether a machine is well, how that is known, and what to do next. It reads the machine's parts
+out of the tools' reports and asks rules of them. A rule's answer is a hit; hits on one part, or with one cause, are one
+finding, which is called after what a person acts on: the failed drive, not the array that it degraded.
+
+| severity | means | verdict | exit code |
+|---|---|---|---|
+| notice | worth knowing; never an alarm | OK | 0 |
+| warning | redundancy or reserve is going: act this week | WARNING | 1 |
+| critical | failed, or data at risk: act now | CRITICAL | 2 |
+| unknown | could not be looked at, or is not understood; also wrong use, unreadable input, Ctrl-C | UNKNOWN | 3 |
+
+The verdict is that of the worst finding: critical, then warning, then unknown. What is comes before what was: an entry
+of a log alarms only when it is recent, when nothing later ended it, and when the part itself does not say that it is
+well. What is not understood is never OK. A tool that is not there is no alarm, unless `--require` names its source.
+
+Recent is what the logs have of the last `recent_days` before the collection: of a recording the time that it was made
+at, else the clock that a controller tells, else the newest entry of the logs; `--as-of DATE` overrides. The verdict tells
+which. Times of logs are taken as the machine's own.
+
+`--format json` is one object: `verdict`, `exit`, `asOf`, `asOfFrom`, `counts` by severity, `checked` (how many parts
+of each kind), `sources`, and `findings`. A finding has `key` (the same in the next collection), `severity`, `area`,
+`part` and `id`, `serial`, `rule`, `observed`, `text` (a sentence for whoever has to act), `why`, `next` and `evidence`:
+its hits, each with the `place` where it was read. `--format nagios` is a plug-in's output.
+
+## Settings
+
+`--set NAME=VALUE`, or lines of that form in a file for `--settings`; # begins a comment.
+
+| setting | usual | is |
+|---|---|---|
+)";
+
+constexpr char kOwnRules[] = R"(
+## Rules of your own
+
+`--rules FILE` adds rules; one with the id of another takes its place. Rules only read: parts, the class tables and all
+that [sql.md](sql.md) tells. `setting('NAME')` is a setting; `recent(TIME)` is 1 for a recent time.
+
+```
+-- @rule volume.write-through
+-- @part volumes
+-- @why Databases are to run with write-back.
+-- @next storcli /cX/vY set wrcache=wb
+-- @source a ticket, or who decided so
+SELECT 'warning', id, 'cache ' || cache FROM volumes WHERE cache LIKE '%WT%';
+```
+
+A rule answers `severity`, `id` (of a row of its `@part`), `observed` and, if it likes, `because` (ids of the parts that
+are the cause, with ; between them) and `text`; further columns may be called `part`, `area` and `event`. `@area` and
+`@column`, the part's column that shows it, may be left away; `@log` marks a rule about what was. An error names file and
+line, and nothing is judged.
+
+## What is known already
+
+`--suppress FILE` has lines `RULE ID [until=DATE] # REASON`; * is any text, an id with blanks is in quotation marks, and
+the reason has to be there. ID is the part's id or its serial number, which a new drive does not have. What is suppressed
+is a notice; after the date it alarms again.
+
+```
+drive.media-errors "lsi0 69:9" until=2026-12-31 # spare is ordered
+```
+
+## Rules
+)";
+
+/// What is between the cells of a table, and a line's end, would end the cell.
+std::string MakeCell(std::string_view text) {
+  std::string cell(text);
+  for (std::size_t bar = cell.find('|'); bar != std::string::npos; bar = cell.find('|', bar + 2)) {
+    cell.insert(bar, 1, '\\');
+  }
+  return cell;
+}
+
+/// Areas in the order in which rules name them first.
+std::vector<std::string> ListAreas(const std::vector<Rule>& rules) {
+  std::vector<std::string> areas;
+  for (const Rule& rule : rules) {
+    if (std::find(areas.begin(), areas.end(), rule.area) == areas.end()) {
+      areas.push_back(rule.area);
+    }
+  }
+  return areas;
+}
+
+/// The severities that a SELECT names.
+std::string ListSeverities(const Rule& rule) {
+  std::string list;
+  for (const Severity severity :
+       {Severity::kCritical, Severity::kWarning, Severity::kUnknown, Severity::kNotice}) {
+    if (rule.sql.find(fmt::format("'{}'", GetWord(severity))) == std::string::npos) continue;
+    if (!list.empty()) list += ", ";
+    list += GetWord(severity);
+  }
+  return list.empty() ? "as the state is" : list;
+}
+
+}  // namespace
+
+std::string WriteHealthDocument() {
+  const std::vector<Rule>& rules = GetBuiltInRules().rules;
+  std::string text = kHead;
+  for (const HealthSetting& setting : ListHealthSettings()) {
+    text += fmt::format("| `{}` | {} | {} |\n", setting.name, setting.value, setting.description);
+  }
+  text += kOwnRules;
+  for (const std::string& area : ListAreas(rules)) {
+    text += fmt::format(
+        "\n### {}\n\n| rule | severity | why | next | source |\n|---|---|---|---|---|\n", area);
+    for (const Rule& rule : rules) {
+      if (rule.area != area) continue;
+      text += fmt::format("| `{}` | {} | {} | {} | {} |\n", rule.id, ListSeverities(rule),
+                          MakeCell(rule.why), MakeCell(rule.next), MakeCell(rule.source));
+    }
+  }
+  return text;
+}
+
+}  // namespace host

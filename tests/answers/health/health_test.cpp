@@ -1,0 +1,381 @@
+#include "host/answers/health/health.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "host/answers/parts/part_tables.h"
+#include "host/answers/parts/read_parts.h"
+#include "host/text/usage_error.h"
+#include "tests/answers/health/judged.h"
+#include "tests/support/collected.h"
+#include "tests/support/samples.h"
+
+namespace {
+
+using namespace test;
+using host::HealthOptions;
+using host::Parts;
+
+/// Severity and key of each finding.
+std::vector<std::string> ListFindings(const host::Health& health) {
+  std::vector<std::string> list;
+  for (const host::HealthFinding& finding : health.findings) {
+    list.push_back(std::string(host::GetWord(finding.severity)) + " " + finding.key);
+  }
+  return list;
+}
+
+/// A machine with a trouble of each kind.
+Parts MakeTroubledParts() {
+  Parts parts;
+  AddSource(parts, "lsi", "read");
+  AddSource(parts, "sel", "read");
+  AddController(parts).status = "Needs Attention";
+  AddVolume(parts, "lsi0 v0", "Dgrd");
+  for (const char* id : {"lsi0 69:1", "lsi0 69:2", "lsi0 69:3"}) {
+    AddDrive(parts, id, "Onln").group = "lsi0 g0";
+  }
+  parts.drives[1].state = "Offln";
+  parts.drives[1].condition = "failed";
+  parts.drives[2].mediaErrors = 4;
+  parts.drives[2].serial = "SN3";
+  AddSensor(parts, "FAN1", 4, "nc");
+  AddLsiEvent(parts, 0x60, "drives", "lsi0 69:3");
+  AddSelEvent(parts, "CPU1 Status", 7, 0x6f, 1);
+  return parts;
+}
+
+HealthOptions WithRules(const std::string& text) {
+  HealthOptions options;
+  host::AddRules(options.rules, host::ReadOwnRules(text, "house.sql"));
+  return options;
+}
+
+/// The words of the error that judging `rules` ends with.
+std::string Refuse(const std::string& rules) {
+  try {
+    Judge(MakeTroubledParts(), WithRules(rules));
+  } catch (const host::HealthFileError& error) {
+    return error.what();
+  }
+  return "judged";
+}
+
+TEST(Health, IsUnknownWhenNothingWasLookedAt) {
+  const host::Health health = Judge({});
+  EXPECT_STREQ(host::GetVerdict(health), "UNKNOWN");
+  EXPECT_EQ(host::GetExitCode(health), 3);
+}
+
+TEST(Health, IsOkWhenNothingIsWrong) {
+  Parts parts;
+  AddDrive(parts, "lsi0 69:9", "Onln");
+  const host::Health health = Judge(parts);
+  EXPECT_STREQ(host::GetVerdict(health), "OK");
+  EXPECT_EQ(host::GetExitCode(health), 0);
+  EXPECT_TRUE(health.findings.empty());
+}
+
+TEST(Health, JoinsHitsOfOneCause) {
+  EXPECT_EQ(ListFindings(Judge(MakeTroubledParts())),
+            (std::vector<std::string>{
+                // Nothing protects the other drives of the volume any more.
+                "critical drive.failed lsi0 69:2", "critical drive.media-errors lsi0 69:3",
+                "critical sel.event CPU1 Status", "warning sensor.threshold FAN1"}));
+}
+
+TEST(Health, TellsWhereItsEvidenceIs) {
+  Parts parts = MakeTroubledParts();
+  NotePlace(parts.drives[2], "media_errors",
+            {"LSILINK", 1, "pdlist", 77, "storcli /c0/eall/sall show all"});
+  const host::Health health = Judge(parts);
+  EXPECT_EQ(FindHit(health, "drive.media-errors")->place.line, 77);
+  EXPECT_EQ(FindHit(health, "drive.failed")->place, parts.drives[1].readAt);
+  EXPECT_EQ(FindHit(health, "lsi.event")->place, parts.events[0].readAt);
+}
+
+TEST(Health, DoesNotDependOnTheOrderOfParts) {
+  const Parts parts = MakeTroubledParts();
+  const std::vector<std::string> expected = ListFindings(Judge(parts));
+  std::mt19937 random(7);
+  for (int i = 0; i < 10; ++i) {
+    Parts shuffled = parts;
+    std::shuffle(shuffled.drives.begin(), shuffled.drives.end(), random);
+    std::shuffle(shuffled.events.begin(), shuffled.events.end(), random);
+    std::shuffle(shuffled.sources.begin(), shuffled.sources.end(), random);
+    EXPECT_EQ(ListFindings(Judge(shuffled)), expected);
+  }
+}
+
+TEST(Health, IsNotChangedByWhatIsOld) {
+  Parts parts;
+  AddDrive(parts, "lsi0 69:9", "Onln");
+  AddController(parts).status = "Optimal";
+  ASSERT_STREQ(host::GetVerdict(Judge(parts)), "OK");
+  for (int code = 0; code < 0x200; ++code) {
+    AddLsiEvent(parts, code, "controllers", "lsi0", kLongAgo).level = 4;
+    AddLsiEvent(parts, code, "drives", "lsi0 69:9", kLongAgo).sense = "3/11/00";
+  }
+  for (int type = 0; type < 0x30; ++type) {
+    for (int bit = 0; bit < 16; ++bit) AddSelEvent(parts, "old", type, 0x6f, bit, true, kLongAgo);
+  }
+  for (const char* source : {"AMT", "Microchip"}) AddOtherEvent(parts, source, 3, "old", kLongAgo);
+  EXPECT_STREQ(host::GetVerdict(Judge(parts)), "OK");
+}
+
+TEST(Health, NeverBecomesOkWhenASourceFails) {
+  for (const char* id :
+       {"lsi", "microchip", "intel", "sensors", "sel", "power supplies", "leds", "amt", "sas2"}) {
+    Parts parts;
+    AddDrive(parts, "lsi0 69:9", "Onln");
+    AddSource(parts, id, "failed").observed = "no answer";
+    EXPECT_STREQ(host::GetVerdict(Judge(parts)), "UNKNOWN") << id;
+  }
+}
+
+TEST(Health, KnowsEveryStateOfEverySensorOnce) {
+  // Event type, sensor type and offset; every one of them fires as a state or as an event.
+  int count = 0;
+  for (int eventType = 0; eventType <= 0x7f; ++eventType) {
+    for (int type : {0x05, 0x07, 0x08, 0x09, 0x0c, 0x0d, 0x0f, 0x10, 0x12, 0x13, 0x1b, 0x20, 0x21,
+                     0x23, 0x28, 0x29, 0x2a}) {
+      if (eventType != 0x6f && type != 0x2a) continue;
+      Parts parts;
+      AddDiscrete(parts, "sensor", type, eventType, 0xffff);
+      for (const host::HealthFinding& finding : Judge(parts).findings) {
+        for (const host::HealthHit& hit : finding.hits) count += hit.rule == "sensor.state" ? 1 : 0;
+      }
+    }
+  }
+  EXPECT_EQ(count, 97);
+}
+
+TEST(Health, TakesSettings) {
+  Parts parts;
+  AddDrive(parts, "lsi0 69:9", "Onln").mediaErrors = 3;
+  HealthOptions options;
+  host::TakeSetting("media_errors = 3", options.settings);
+  EXPECT_STREQ(host::GetVerdict(Judge(parts, options)), "OK");
+  EXPECT_THROW(host::TakeSetting("media_error=3", options.settings), host::UsageError);
+  EXPECT_THROW(host::TakeSetting("media_errors=three", options.settings), host::UsageError);
+  EXPECT_THROW(host::TakeSetting("media_errors=-1", options.settings), host::UsageError);
+  host::TakeSettings("# ours\n\nresets=9 # many\n", "f", options.settings);
+  EXPECT_EQ(options.settings["resets"], 9);
+  try {
+    host::TakeSettings("resets=9\nrests=9\n", "our.settings", options.settings);
+    ADD_FAILURE();
+  } catch (const host::HealthFileError& error) {
+    EXPECT_TRUE(std::string(error.what()).starts_with("our.settings:2: there is no setting rests"))
+        << error.what();
+  }
+}
+
+TEST(Health, CountsTheDaysOfTheWindow) {
+  Parts parts;
+  AddController(parts).status = "Optimal";
+  AddLsiEvent(parts, 0xda, "controllers", "lsi0", "2026-11-10T12:00:01");
+  HealthOptions options;
+  options.settings["recent_days"] = 10;
+  EXPECT_STREQ(host::GetVerdict(Judge(parts, options)), "WARNING");
+  parts.events[0].time = "2026-11-10T11:59:59";
+  EXPECT_STREQ(host::GetVerdict(Judge(parts, options)), "OK");
+  options.asOf = "2026-11-19";
+  EXPECT_STREQ(host::GetVerdict(Judge(parts, options)), "WARNING");
+}
+
+TEST(Health, TakesItsTimeFromTheMachine) {
+  Parts parts;
+  AddController(parts);
+  EXPECT_EQ(host::JudgeParts(parts, kNow, {}).asOf, kNow);
+  AddLsiEvent(parts, 1, "controllers", "lsi0", "2026-03-01T00:00:00");
+  AddLsiEvent(parts, 1, "controllers", "lsi0", "2026-02-01T00:00:00");
+  EXPECT_EQ(host::JudgeParts(parts, kNow, {}).asOf, "2026-03-01T00:00:00");
+  parts.controllers[0].systemTime = "2026-02-02T00:00:00";
+  EXPECT_EQ(host::JudgeParts(parts, kNow, {}).asOf, "2026-02-02T00:00:00");
+}
+
+TEST(Health, AsksRulesOfAUser) {
+  const std::string rule =
+      "-- a house rule\n-- @rule volume.mine\n-- @part volumes\n-- @why Ours.\n"
+      "SELECT 'warning', id, 'state ' || state FROM volumes;\n";
+  const host::Health health = Judge(MakeTroubledParts(), WithRules(rule));
+  const host::HealthHit* hit = FindHit(health, "volume.mine", "lsi0 v0");
+  ASSERT_NE(hit, nullptr);
+  EXPECT_EQ(hit->text, "lsi0 v0: state Dgrd");
+  EXPECT_EQ(hit->area, "arrays");
+  EXPECT_EQ(hit->why, "Ours.");
+}
+
+TEST(Health, LetsARuleOfAUserReplaceAnother) {
+  const std::string rule =
+      "-- @rule drive.media-errors\n-- @part drives\n"
+      "SELECT 'notice', id, media_errors FROM drives WHERE media_errors > setting('media_errors')";
+  const host::Health health = Judge(MakeTroubledParts(), WithRules(rule));
+  EXPECT_EQ(FindHit(health, "drive.media-errors")->severity, host::Severity::kNotice);
+}
+
+TEST(Health, RefusesRulesByFileAndLine) {
+  const std::string head = "-- @rule mine\n-- @part drives\n\n";
+  EXPECT_EQ(Refuse(head + "SELECT 'warning', id FROM drives"),
+            "house.sql:4: mine: the answer needs three columns: severity, id, observed");
+  EXPECT_EQ(Refuse(head + "SELECT 'bad', id, state FROM drives"),
+            "house.sql:4: mine: \"bad\" is no severity: critical, warning, notice or unknown");
+  EXPECT_EQ(Refuse(head + "SELECT 'warning', id, wrong FROM drives"),
+            "house.sql:4: mine: no such column: wrong");
+  EXPECT_EQ(Refuse(head + "SELECT 'warning', id, setting('wrong') FROM drives"),
+            "house.sql:4: mine: there is no setting wrong");
+  EXPECT_EQ(Refuse(head + "SELECT 'warning', id, state, '', '', 1 AS other FROM drives"),
+            "house.sql:4: mine: column 6 of the answer has to be part, area or event");
+  EXPECT_EQ(Refuse(head), "house.sql:1: mine has no SELECT");
+  EXPECT_EQ(Refuse("-- @rule mine\nSELECT 1"),
+            "house.sql:1: mine does not say which parts it judges: add -- @part TABLE");
+  EXPECT_EQ(Refuse("-- @rule mine\n-- @part wheels\nSELECT 1"),
+            "house.sql:2: there is no table of parts wheels");
+  EXPECT_EQ(Refuse("-- @rule mine\n-- @part drives\n-- @reason x\nSELECT 1"),
+            "house.sql:3: there is no @reason");
+  EXPECT_EQ(Refuse("SELECT 1"), "house.sql:1: a statement begins with a line \"-- @rule ID\"");
+  EXPECT_EQ(Refuse("-- nothing\n"), "house.sql:1: there is no rule in it");
+}
+
+TEST(Health, LetsRulesOnlyRead) {
+  const std::string head = "-- @rule mine\n-- @part drives\n";
+  EXPECT_EQ(Refuse(head + "DELETE FROM drives"),
+            "house.sql:3: mine: the query would change the database; only reading is possible");
+  EXPECT_EQ(Refuse(head + "SELECT 'warning', id, load_extension('x') FROM drives"),
+            "house.sql:3: mine: a query cannot use the function load_extension");
+  EXPECT_EQ(Refuse(head + "SELECT 'warning', id, 1 FROM drives; DELETE FROM drives"),
+            "house.sql:3: mine: the query has more than one statement");
+}
+
+TEST(Health, SuppressesWhatIsKnown) {
+  HealthOptions options;
+  options.suppressions = host::ReadSuppressions(
+      "drive.* SN3 # spare is ordered\n"
+      "drive.failed \"lsi0 69:2\" until=2026-11-19 # until yesterday\n",
+      "known.txt");
+  const host::Health health = Judge(MakeTroubledParts(), options);
+  const host::HealthHit* known = FindHit(health, "drive.media-errors");
+  EXPECT_EQ(known->severity, host::Severity::kNotice);
+  EXPECT_EQ(known->suppressed, host::Severity::kCritical);
+  EXPECT_EQ(known->reason, "spare is ordered");
+  const host::HealthHit* over = FindHit(health, "drive.failed");
+  EXPECT_EQ(over->severity, host::Severity::kCritical);
+  EXPECT_EQ(over->observed, "Offln (suppressed until 2026-11-19: until yesterday)");
+}
+
+TEST(Health, RefusesSuppressionsByLine) {
+  const auto refuse = [](const char* text) -> std::string {
+    try {
+      host::ReadSuppressions(text, "known.txt");
+    } catch (const host::HealthFileError& error) {
+      return error.what();
+    }
+    return "read";
+  };
+  EXPECT_EQ(refuse("\n# all\ndrive.failed *\n"),
+            "known.txt:3: there is no reason: end the line with # and why");
+  EXPECT_EQ(refuse("drive.failed lsi0 69:2 # blank\n"),
+            "known.txt:1: a line is RULE ID [until=DATE] # REASON; an id with blanks is in "
+            "quotation marks");
+  EXPECT_EQ(refuse("drive.failed * until=soon # ?\n"),
+            "known.txt:1: until needs a day, as in until=2026-12-31");
+}
+
+TEST(Health, FitsPatterns) {
+  EXPECT_TRUE(host::FitsPattern("drive.failed", "drive.*"));
+  EXPECT_TRUE(host::FitsPattern("drive.failed", "*"));
+  EXPECT_TRUE(host::FitsPattern("a.b.c", "*.b*c"));
+  EXPECT_TRUE(host::FitsPattern("", "*"));
+  EXPECT_FALSE(host::FitsPattern("drive.failed", "drive"));
+  EXPECT_FALSE(host::FitsPattern("a.b", "*.c"));
+}
+
+TEST(Health, AsksForWhatIsRequired) {
+  Parts parts;
+  AddDrive(parts, "lsi0 69:9", "Onln");
+  AddSource(parts, "lsi", "read");
+  AddSource(parts, "sensors", "none").observed = "tool missing";
+  HealthOptions options;
+  host::TakeRequired("lsi", options.required);
+  EXPECT_STREQ(host::GetVerdict(Judge(parts, options)), "OK");
+  host::TakeRequired("lsi, sensors", options.required);
+  EXPECT_STREQ(host::GetVerdict(Judge(parts, options)), "UNKNOWN");
+  EXPECT_THROW(host::TakeRequired("sensor", options.required), host::UsageError);
+}
+
+// The words that anybody may have added to a part must not become columns or reasons.
+TEST(Health, TakesTextsOfToolsAsTexts) {
+  Parts parts;
+  AddDrive(parts, "lsi0 69:9'; DROP TABLE drives; --", "Offln");
+  AddSensor(parts, "FAN;lsi0 69:9", 4, "cr");
+  EXPECT_EQ(Judge(parts).findings.size(), 2U);
+}
+
+// The bar is 0.3 s for optimised code; rules that look at each event for each event take minutes.
+TEST(Health, TakesTimeThatGrowsWithTheLog) {
+  Parts parts;
+  AddController(parts);
+  for (int i = 0; i < 50'000; ++i) {
+    AddLsiEvent(parts, i % 0x200, "drives", "lsi0 69:" + std::to_string(i % 24));
+    AddSelEvent(parts, "S" + std::to_string(i % 50), i % 0x2a, 0x6f, i % 16, i % 3 != 0);
+  }
+  const auto begin = std::chrono::steady_clock::now();
+  EXPECT_FALSE(Judge(parts).findings.empty());
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
+}
+
+struct SampleVerdict {
+  const char* sample;
+  const char* verdict;
+  std::vector<std::string> findings;  ///< that alarm
+};
+
+// What a person finds in the samples' reports.
+TEST(Health, JudgesTheSamplesAsPeopleDo) {
+  const SampleVerdict kVerdicts[] = {
+      {"amt-desktop", "CRITICAL", {"critical amt.event amt"}},
+      {"bare-machine", "UNKNOWN", {"unknown collection.nothing all"}},
+      {"blade",
+       "WARNING",
+       {"warning sensor.threshold P1 Temp", "warning sensor.state Watchdog",
+        "warning bmc.self-test BMC self-test", "unknown sensor.state P0 Status",
+        "unknown sensor.state P1 Status"}},
+      {"bmc-unreachable",
+       "UNKNOWN",
+       {"unknown collection.nothing all", "unknown collection.failed leds",
+        "unknown collection.failed power supplies", "unknown collection.failed sel",
+        "unknown collection.failed sensors", "unknown collection.unread 1"}},
+      {"hba-only", "OK", {}},
+      {"hostile",
+       "UNKNOWN",
+       {"unknown collection.failed sensors", "unknown collection.no-state lsi",
+        "unknown collection.unread 1", "unknown collection.unread 5"}},
+      {"no-bmc", "UNKNOWN", {"unknown collection.nothing all"}},
+      {"no-controller", "UNKNOWN", {"unknown collection.nothing all"}},
+      {"two-socket-server",
+       "WARNING",
+       {"warning drive.predicted intel 0-2-0-0", "warning drive.predicted lsi0 69:9",
+        "warning volume.degraded lsi0 v3", "warning sensor.threshold Fan 5"}},
+      {"vroc", "CRITICAL", {"critical drive.failed intel 2-4-0-0"}},
+  };
+  const auto samples = test::LoadSamples();
+  EXPECT_EQ(samples.size(), std::size(kVerdicts));
+  for (const SampleVerdict& expected : kVerdicts) {
+    const host::Collection collection = host::Collect(samples.at(expected.sample));
+    const host::Health health =
+        host::JudgeCollection(collection, host::ReadParts(collection), HealthOptions());
+    EXPECT_STREQ(host::GetVerdict(health), expected.verdict) << expected.sample;
+    std::vector<std::string> alarms;
+    for (const std::string& finding : ListFindings(health)) {
+      if (!finding.starts_with("notice")) alarms.push_back(finding);
+    }
+    EXPECT_EQ(alarms, expected.findings) << expected.sample;
+  }
+}
+
+}  // namespace

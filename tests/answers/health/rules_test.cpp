@@ -1,0 +1,453 @@
+// Every rule of the program's own: a machine that it fires on, and one that it does not.
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+
+#include "tests/answers/health/judged.h"
+
+namespace {
+
+using namespace test;
+using host::Parts;
+using host::Severity;
+
+struct RuleCase {
+  const char* rule;
+  const char* id;  ///< of the part that the first machine's hit names
+  Severity severity;
+  void (*fires)(Parts& parts);
+  void (*isSilent)(Parts& parts);
+};
+
+constexpr Severity kCritical = Severity::kCritical;
+constexpr Severity kWarning = Severity::kWarning;
+constexpr Severity kUnknown = Severity::kUnknown;
+constexpr Severity kNotice = Severity::kNotice;
+
+constexpr int kDiscrete = 0x6f;
+constexpr int kRedundancy = 0x0b;
+constexpr int kProcessor = 0x07;
+constexpr int kPowerSupply = 0x08;
+constexpr int kMemory = 0x0c;
+constexpr int kDriveSlot = 0x0d;
+
+void AddMember(Parts& parts, const std::string& id, const std::string& state) {
+  host::Drive& drive = AddDrive(parts, id, state);
+  drive.group = drive.controller + " g0";
+  drive.member = 1;
+}
+
+const RuleCase kCases[] = {
+    {"drive.failed", "lsi0 69:9", kCritical, [](Parts& p) { AddDrive(p, "lsi0 69:9", "Offln"); },
+     [](Parts& p) { AddDrive(p, "lsi0 69:9", "Onln"); }},
+    {"drive.bad", "lsi0 69:9", kWarning, [](Parts& p) { AddDrive(p, "lsi0 69:9", "UBad"); },
+     [](Parts& p) { AddDrive(p, "lsi0 69:9", "UGood"); }},
+    {"drive.rebuilding", "mchp1 0,3", kWarning,
+     [](Parts& p) { AddDrive(p, "mchp1 0,3", "Online").memberState = "Rebuilding"; },
+     [](Parts& p) { AddDrive(p, "mchp1 0,3", "Online"); }},
+    {"drive.predicted", "lsi0 69:9", kWarning,
+     [](Parts& p) { AddDrive(p, "lsi0 69:9", "Onln").smartAlert = "Yes"; },
+     [](Parts& p) {
+       host::Drive& drive = AddDrive(p, "lsi0 69:9", "Onln");
+       drive.smartAlert = "No";
+       drive.predictiveFailures = 0;
+     }},
+    {"drive.media-errors", "lsi0 69:9", kWarning,
+     [](Parts& p) { AddDrive(p, "lsi0 69:9", "Onln").mediaErrors = 3; },
+     [](Parts& p) { AddDrive(p, "lsi0 69:9", "Onln").mediaErrors = 0; }},
+    {"drive.other-errors", "lsi0 69:9", kNotice,
+     [](Parts& p) { AddDrive(p, "lsi0 69:9", "Onln").otherErrors = 2; },
+     [](Parts& p) { AddDrive(p, "lsi0 69:9", "Onln").otherErrors = 0; }},
+    {"drive.unreadable-sectors", "lsi0 69:9", kWarning,
+     [](Parts& p) { AddLsiEvent(p, 0x71, "drives", "lsi0 69:9").sense = "3/11/00"; },
+     [](Parts& p) { AddLsiEvent(p, 0x71, "drives", "lsi0 69:9").sense = "b/4b/04"; }},
+    {"drive.resets", "lsi0 69:9", kWarning,
+     [](Parts& p) {
+       for (int i = 0; i < 3; ++i) AddLsiEvent(p, 0x10c, "drives", "lsi0 69:9");
+     },
+     [](Parts& p) {
+       for (int i = 0; i < 2; ++i) AddLsiEvent(p, 0x10c, "drives", "lsi0 69:9");
+     }},
+    {"drive.no-answer", "lsi0 8:1", kWarning,
+     [](Parts& p) { AddDrive(p, "lsi0 8:1", "UBad").answer = "Failure 46 -"; },
+     [](Parts& p) { AddDrive(p, "lsi0 8:1", "UBad"); }},
+    {"drive.foreign", "lsi0 69:9", kWarning,
+     [](Parts& p) { AddDrive(p, "lsi0 69:9", "UGood").group = "F"; },
+     [](Parts& p) { AddDrive(p, "lsi0 69:9", "UGood").group = "-"; }},
+    {"drive.hot", "lsi0 69:9", kCritical,
+     [](Parts& p) { AddDrive(p, "lsi0 69:9", "Onln").temperature = 60; },
+     [](Parts& p) {
+       host::Drive& drive = AddDrive(p, "lsi0 69:9", "Onln");
+       drive.temperature = 60;
+       drive.media = "SSD";
+       AddDrive(p, "lsi0 69:10", "Onln").temperature = 0;  // no sensor
+     }},
+    {"drive.worn", "mchp1 0,0", kWarning,
+     [](Parts& p) { AddDrive(p, "mchp1 0,0", "Online").wearLeft = 7; },
+     [](Parts& p) { AddDrive(p, "mchp1 0,0", "Online").wearLeft = 11; }},
+    {"drive.slow-link", "lsi0 69:9", kNotice,
+     [](Parts& p) {
+       for (const char* id : {"lsi0 69:9", "lsi0 69:10"}) {
+         host::Drive& drive = AddDrive(p, id, "Onln");
+         drive.deviceSpeed = 12;
+         drive.linkSpeed = id == std::string("lsi0 69:9") ? 6 : 12;
+       }
+     },
+     [](Parts& p) {  // The controller does no more.
+       for (const char* id : {"lsi0 69:9", "lsi0 69:10"}) {
+         host::Drive& drive = AddDrive(p, id, "Onln");
+         drive.deviceSpeed = 12;
+         drive.linkSpeed = 6;
+       }
+     }},
+    {"drive.failed-before", "mchp1 0,4", kNotice,
+     [](Parts& p) { AddDrive(p, "mchp1 0,4", "Online").failureReason = "Fail Drive Command"; },
+     [](Parts& p) { AddDrive(p, "mchp1 0,4", "Online").failureReason = "No Failure"; }},
+    {"drive.state-not-known", "lsi0 69:9", kUnknown,
+     [](Parts& p) { AddDrive(p, "lsi0 69:9", "Wxyz"); },
+     [](Parts& p) { AddDrive(p, "lsi0 69:9", "JBOD"); }},
+    {"volume.offline", "lsi0 v0", kCritical, [](Parts& p) { AddVolume(p, "lsi0 v0", "OfLn"); },
+     [](Parts& p) { AddVolume(p, "lsi0 v0", "Dgrd"); }},
+    {"volume.degraded", "lsi0 v0", kCritical, [](Parts& p) { AddVolume(p, "lsi0 v0", "Dgrd"); },
+     [](Parts& p) { AddVolume(p, "lsi0 v0", "Optl"); }},
+    {"volume.partly-degraded", "lsi0 v0", kWarning,
+     [](Parts& p) { AddVolume(p, "lsi0 v0", "Pdgd", "RAID6"); },
+     [](Parts& p) { AddVolume(p, "lsi0 v0", "Optl", "RAID6"); }},
+    {"volume.recovering", "mchp1 v0", kWarning,
+     [](Parts& p) { AddVolume(p, "mchp1 v0", "Impacted ( Build/Verify with fix : 90 % )", "6"); },
+     [](Parts& p) { AddVolume(p, "mchp1 v0", "Optimal", "6"); }},
+    {"volume.blocked", "lsi0 v0", kCritical,
+     [](Parts& p) { AddVolume(p, "lsi0 v0", "Optl").access = "B"; },
+     [](Parts& p) { AddVolume(p, "lsi0 v0", "Optl").access = "RW"; }},
+    {"volume.stripes-lost", "mchp1 v0", kCritical,
+     [](Parts& p) { AddVolume(p, "mchp1 v0", "Optimal", "5").failedStripes = "Yes"; },
+     [](Parts& p) { AddVolume(p, "mchp1 v0", "Optimal", "5").failedStripes = "No"; }},
+    {"volume.never-checked", "lsi0 v0", kNotice,
+     [](Parts& p) { AddVolume(p, "lsi0 v0", "Optl").consistent = "No"; },
+     [](Parts& p) { AddVolume(p, "lsi0 v0", "Optl", "RAID0").consistent = "No"; }},
+    {"volume.state-not-known", "lsi0 v0", kUnknown,
+     [](Parts& p) { AddVolume(p, "lsi0 v0", "Wxyz"); },
+     [](Parts& p) { AddVolume(p, "lsi0 v0", "Cac1", "Cac1"); }},
+    {"group.degraded", "lsi0 g0", kCritical,
+     [](Parts& p) {
+       AddGroup(p, "lsi0 g0", "Dgrd");
+       AddVolume(p, "lsi0 v0", "Optl");
+     },
+     [](Parts& p) {  // The volume tells it.
+       AddGroup(p, "lsi0 g0", "Dgrd");
+       AddVolume(p, "lsi0 v0", "Dgrd");
+     }},
+    {"group.drive-missing", "mchp1 v0 segment 1", kCritical,
+     [](Parts& p) {
+       host::MissingDrive& drive = p.missingDrives.emplace_back();
+       drive.id = "mchp1 v0 segment 1";
+       drive.state = "Missing";
+     },
+     [](Parts& p) {
+       host::MissingDrive& drive = p.missingDrives.emplace_back();
+       drive.id = "mchp1 v0 segment 1";
+       drive.state = "Inconsistent";
+     }},
+    {"group.no-spare", "lsi0 v0", kNotice, [](Parts& p) { AddVolume(p, "lsi0 v0", "Dgrd"); },
+     [](Parts& p) {
+       AddVolume(p, "lsi0 v0", "Dgrd");
+       AddMember(p, "lsi0 69:1", "Rbld");
+     }},
+    {"cache.backup", "lsi0 BBU", kCritical, [](Parts& p) { AddCacheBackup(p, "BBU", "Failed"); },
+     [](Parts& p) { AddCacheBackup(p, "BBU", "Optimal"); }},
+    {"cache.hot", "lsi0 CacheVault", kWarning,
+     [](Parts& p) { AddCacheBackup(p, "CacheVault", "Optimal").temperature = 72; },
+     [](Parts& p) { AddCacheBackup(p, "CacheVault", "Optimal").temperature = 69; }},
+    {"controller.status", "lsi0", kWarning,
+     [](Parts& p) { AddController(p).status = "Needs Attention"; },
+     [](Parts& p) { AddController(p).status = "Optimal"; }},
+    {"controller.volumes", "mchp1", kCritical,
+     [](Parts& p) { AddController(p, "mchp1").volumesDegraded = 1; },
+     [](Parts& p) {
+       AddController(p, "mchp1").volumesDegraded = 1;
+       AddVolume(p, "mchp1 v0", "Degraded", "5");
+     }},
+    {"controller.defunct", "mchp1", kWarning,
+     [](Parts& p) { AddController(p, "mchp1").drivesDefunct = 1; },
+     [](Parts& p) { AddController(p, "mchp1").drivesDefunct = 0; }},
+    {"controller.hot", "mchp1", kWarning,
+     [](Parts& p) { AddController(p, "mchp1").temperatureWord = "Abnormal"; },
+     [](Parts& p) { AddController(p, "mchp1").temperatureWord = "Normal"; }},
+    {"enclosure.state", "mchp1 e0,18", kWarning,
+     [](Parts& p) {
+       host::Enclosure& one = p.enclosures.emplace_back();
+       one.id = "mchp1 e0,18";
+       one.state = "Temperature Sensor Status 1: 46 C/ 114 F (Abnormal)";
+     },
+     [](Parts& p) {
+       host::Enclosure& one = p.enclosures.emplace_back();
+       one.id = "mchp1 e0,18";
+       one.state = "OK";
+     }},
+    {"lsi.event", "lsi0", kWarning, [](Parts& p) { AddLsiEvent(p, 0xda, "controllers", "lsi0"); },
+     [](Parts& p) {
+       AddLsiEvent(p, 0xda, "controllers", "lsi0", kLongAgo);
+       AddLsiEvent(p, 0x188, "controllers", "lsi0");
+       AddLsiEvent(p, 0x189, "controllers", "lsi0");  // ends the one before
+       AddLsiEvent(p, 0x12f, "controllers", "lsi0");
+     }},
+    {"lsi.event-class", "lsi0", kWarning,
+     [](Parts& p) { AddLsiEvent(p, 0xfff, "controllers", "lsi0").level = 2; },
+     [](Parts& p) { AddLsiEvent(p, 0xfff, "controllers", "lsi0").level = 1; }},
+    {"lsi.recovered", "lsi0 v0", kNotice,
+     [](Parts& p) {
+       AddVolume(p, "lsi0 v0", "Optl");
+       AddLsiEvent(p, 0xfb, "volumes", "lsi0 v0");
+     },
+     [](Parts& p) {
+       AddVolume(p, "lsi0 v0", "Dgrd");
+       AddLsiEvent(p, 0xfb, "volumes", "lsi0 v0");
+     }},
+    {"microchip.event", "mchp1", kWarning,
+     [](Parts& p) { AddOtherEvent(p, "Microchip", 2, "cable lost"); },
+     [](Parts& p) { AddOtherEvent(p, "Microchip", 2, "cable lost", kLongAgo); }},
+    {"sas2.event", "sas2", kWarning,
+     [](Parts& p) { AddOtherEvent(p, "SAS2", 2, "volume degraded", ""); },
+     [](Parts& p) { AddOtherEvent(p, "SAS2", 0, "started", ""); }},
+    {"sensor.threshold", "FAN1", kCritical, [](Parts& p) { AddSensor(p, "FAN1", 4, "crit-lo"); },
+     [](Parts& p) { AddSensor(p, "FAN1", 4, "ok"); }},
+    {"sensor.state", "CPU1 Status", kCritical,
+     [](Parts& p) { AddDiscrete(p, "CPU1 Status", kProcessor, kDiscrete, 1 << 8); },
+     [](Parts& p) { AddDiscrete(p, "CPU1 Status", kProcessor, kDiscrete, 1 << 7); }},
+    {"sensor.word", "CPU1 Status", kCritical,
+     [](Parts& p) { AddSensor(p, "CPU1 Status", kProcessor, "procdisabled"); },
+     [](Parts& p) {  // its bits are known
+       AddDiscrete(p, "CPU1 Status", kProcessor, kDiscrete, 1 << 7).status = "procdisabled";
+     }},
+    {"psu.status", "PSU 2", kCritical,
+     [](Parts& p) {
+       host::PowerSupply& one = p.powerSupplies.emplace_back();
+       one.id = "PSU 2";
+       one.status = "OK";
+       one.acVolts = 0;
+     },
+     [](Parts& p) {
+       host::PowerSupply& one = p.powerSupplies.emplace_back();
+       one.id = "PSU 2";
+       one.status = "OK";
+       one.acVolts = 231;
+     }},
+    {"led.fault", "PSU fault LED", kWarning,
+     [](Parts& p) {
+       host::Led& one = p.leds.emplace_back();
+       one.id = "PSU fault LED";
+       one.colour = "amber";
+       one.state = "on";
+     },
+     [](Parts& p) {
+       host::Led& fault = p.leds.emplace_back();
+       fault.id = "PSU fault LED";
+       fault.colour = "amber";
+       fault.state = "off";
+       host::Led& status = p.leds.emplace_back();
+       status.id = "System status LED";
+       status.colour = "green";
+       status.state = "on";
+     }},
+    {"bmc.self-test", "BMC self-test", kWarning,
+     [](Parts& p) {
+       host::SelfTest& one = p.selfTests.emplace_back();
+       one.id = "BMC self-test";
+       one.code = "57";
+     },
+     [](Parts& p) {
+       host::SelfTest& one = p.selfTests.emplace_back();
+       one.id = "BMC self-test";
+       one.code = "55";
+     }},
+    {"sel.state", "Drive 1", kCritical,
+     [](Parts& p) { AddSelEvent(p, "Drive 1", kDriveSlot, kDiscrete, 1); },
+     [](Parts& p) {
+       AddSelEvent(p, "Drive 1", kDriveSlot, kDiscrete, 1);
+       AddSelEvent(p, "Drive 1", kDriveSlot, kDiscrete, 1, /*asserted=*/false);
+       AddDiscrete(p, "PS Redundancy", kPowerSupply, kRedundancy, 1);
+       AddSelEvent(p, "PS Redundancy", kPowerSupply, kRedundancy, 1);
+     }},
+    {"sel.event", "CPU1 Status", kCritical,
+     [](Parts& p) { AddSelEvent(p, "CPU1 Status", kProcessor, kDiscrete, 1); },
+     [](Parts& p) {
+       AddSelEvent(p, "CPU1 Status", kProcessor, kDiscrete, 1, true, kLongAgo);
+       AddSelEvent(p, "CPU2 Status", kProcessor, kDiscrete, 0, /*asserted=*/false);
+     }},
+    {"sel.severity", "Odd", kCritical,
+     [](Parts& p) { AddSelEvent(p, "Odd", 0xc5, 0x70, 9).level = 3; },
+     [](Parts& p) { AddSelEvent(p, "Odd", 0xc5, 0x70, 9).level = 1; }},
+    {"sel.ecc-flood", "Memory #60", kWarning,
+     [](Parts& p) {
+       for (int i = 0; i < 10; ++i) AddSelEvent(p, "Memory #60", kMemory, kDiscrete, 0);
+     },
+     [](Parts& p) {
+       for (int i = 0; i < 9; ++i) AddSelEvent(p, "Memory #60", kMemory, kDiscrete, 0);
+     }},
+    {"sel.full", "sel", kWarning,
+     [](Parts& p) {
+       host::PartSource& source = AddSource(p, "sel", "read");
+       source.records = 500;
+       source.capacity = 512;
+     },
+     [](Parts& p) {
+       host::PartSource& source = AddSource(p, "sel", "read");
+       source.records = 26;
+       source.capacity = 512;
+     }},
+    {"amt.event", "amt", kCritical,
+     [](Parts& p) { AddOtherEvent(p, "AMT", 2, "Temperature limit reached"); },
+     [](Parts& p) { AddOtherEvent(p, "AMT", 2, "Temperature limit reached", kLongAgo); }},
+    {"collection.failed", "sensors", kUnknown,
+     [](Parts& p) { AddSource(p, "sensors", "failed").observed = "error -1"; },
+     [](Parts& p) { AddSource(p, "sensors", "none").observed = "tool missing"; }},
+    {"collection.no-state", "lsi", kUnknown,
+     [](Parts& p) {
+       AddSource(p, "lsi", "read");
+       AddController(p);
+       AddDrive(p, "lsi0 69:9", "");
+     },
+     [](Parts& p) {
+       AddSource(p, "lsi", "read");
+       AddController(p);
+       AddDrive(p, "lsi0 69:9", "Onln");
+     }},
+    {"collection.incomplete", "lsi0", kUnknown,
+     [](Parts& p) {
+       AddController(p).drivesDeclared = 2;
+       AddDrive(p, "lsi0 69:9", "Onln");
+     },
+     [](Parts& p) {
+       AddController(p).drivesDeclared = 1;
+       AddDrive(p, "lsi0 69:9", "Onln");
+     }},
+    {"collection.unread", "1", kUnknown,
+     [](Parts& p) {
+       host::Unread& line = p.unread.emplace_back();
+       line.id = "1";
+       line.text = "252:4 19 Onln ??";
+     },
+     [](Parts&) {}},
+};
+
+TEST(HealthRules, FireOnWhatTheyAreFor) {
+  for (const RuleCase& one : kCases) {
+    Parts parts;
+    one.fires(parts);
+    const host::Health health = Judge(parts);
+    const host::HealthHit* hit = FindHit(health, one.rule, one.id);
+    ASSERT_NE(hit, nullptr) << one.rule;
+    EXPECT_EQ(hit->severity, one.severity) << one.rule;
+    EXPECT_FALSE(hit->observed.empty()) << one.rule;
+    EXPECT_FALSE(hit->text.empty()) << one.rule;
+    EXPECT_NE(hit->text, hit->id + ": " + hit->observed) << one.rule << " has no sentence";
+  }
+}
+
+TEST(HealthRules, AreSilentOtherwise) {
+  for (const RuleCase& one : kCases) {
+    Parts parts;
+    one.isSilent(parts);
+    EXPECT_EQ(FindHit(Judge(parts), one.rule), nullptr) << one.rule;
+  }
+}
+
+TEST(HealthRules, HaveAPairOfMachinesEach) {
+  std::set<std::string> tried;
+  for (const RuleCase& one : kCases) EXPECT_TRUE(tried.insert(one.rule).second) << one.rule;
+  std::set<std::string> rules;
+  for (const host::Rule& rule : host::GetBuiltInRules().rules) rules.insert(rule.id);
+  EXPECT_EQ(tried, rules);
+}
+
+TEST(HealthRules, TellWhyAndWhatToDo) {
+  for (const host::Rule& rule : host::GetBuiltInRules().rules) {
+    EXPECT_FALSE(rule.why.empty()) << rule.id;
+    EXPECT_FALSE(rule.next.empty()) << rule.id;
+    EXPECT_FALSE(rule.area.empty()) << rule.id;
+  }
+}
+
+// A volume that is degraded while its drive is rebuilt is one matter, and it is the volume's.
+TEST(HealthRules, WarnOfARebuildUnderTheVolumesName) {
+  Parts parts;
+  AddVolume(parts, "lsi0 v0", "Dgrd");
+  AddMember(parts, "lsi0 69:1", "Onln");
+  AddMember(parts, "lsi0 69:2", "Rbld");
+  const host::Health health = Judge(parts);
+  ASSERT_EQ(health.findings.size(), 1U);
+  EXPECT_EQ(health.findings[0].key, "volume.degraded lsi0 v0");
+  EXPECT_STREQ(host::GetVerdict(health), "WARNING");
+}
+
+TEST(HealthRules, NameTheFailedDriveOfADegradedVolume) {
+  Parts parts;
+  AddController(parts).status = "Needs Attention";
+  AddVolume(parts, "lsi0 v0", "Dgrd");
+  AddMember(parts, "lsi0 69:1", "Onln");
+  AddMember(parts, "lsi0 69:2", "Offln");
+  const host::Health health = Judge(parts);
+  ASSERT_EQ(health.findings.size(), 1U);
+  EXPECT_EQ(health.findings[0].key, "drive.failed lsi0 69:2");
+  EXPECT_EQ(host::GetExitCode(health), 2);
+}
+
+TEST(HealthRules, CallAFailureCriticalThatNothingProtectsFrom) {
+  Parts parts;
+  AddVolume(parts, "lsi0 v0", "Optl", "RAID0");
+  AddMember(parts, "lsi0 69:1", "Onln");
+  parts.drives[0].predictiveFailures = 1;
+  const host::Health health = Judge(parts);
+  EXPECT_EQ(FindHit(health, "drive.predicted", "lsi0 69:1")->severity, kCritical);
+}
+
+TEST(HealthRules, WarnOfACacheThatNothingKeeps) {
+  Parts parts;
+  AddCacheBackup(parts, "ZMM", "Temporarily Disabled");
+  EXPECT_STREQ(host::GetVerdict(Judge(parts)), "WARNING");
+  AddVolume(parts, "lsi0 v0", "Optl").cache = "RWBD";
+  EXPECT_STREQ(host::GetVerdict(Judge(parts)), "WARNING");
+  parts.volumes[0].cache = "RAWBD";  // always write-back
+  EXPECT_STREQ(host::GetVerdict(Judge(parts)), "CRITICAL");
+}
+
+// What a drive did that was taken out says nothing of the one in its place.
+TEST(HealthRules, ForgetADriveThatWasTakenOut) {
+  Parts parts;
+  AddDrive(parts, "lsi0 69:9", "Onln");
+  AddLsiEvent(parts, 0x60, "drives", "lsi0 69:9");
+  EXPECT_NE(FindHit(Judge(parts), "lsi.event", "lsi0 69:9"), nullptr);
+  AddLsiEvent(parts, 0x70, "drives", "lsi0 69:9");
+  EXPECT_EQ(FindHit(Judge(parts), "lsi.event"), nullptr);
+}
+
+// A log entry about a sensor raises nothing above what the sensor says of itself now.
+TEST(HealthRules, PutWhatIsBeforeWhatWas) {
+  constexpr int kThreshold = 0x01;
+  constexpr int kBelowCritical = 2;
+  Parts parts;
+  AddSensor(parts, "FAN1", 4, "nc");
+  AddSelEvent(parts, "FAN1", 4, kThreshold, kBelowCritical);
+  EXPECT_STREQ(host::GetVerdict(Judge(parts)), "WARNING");
+  parts.sensors[0].status = "ok";
+  EXPECT_STREQ(host::GetVerdict(Judge(parts)), "OK");
+}
+
+TEST(HealthRules, DoNotTakeAWordOfALimitForGood) {
+  Parts parts;
+  AddSensor(parts, "CPU1 Temp", 1, "wxyz").eventType = 1;
+  EXPECT_STREQ(host::GetVerdict(Judge(parts)), "UNKNOWN");
+}
+
+TEST(HealthRules, JudgeASensorsLostRedundancyUnderItsFailingSupply) {
+  Parts parts;
+  AddDiscrete(parts, "PS2 Status", kPowerSupply, kDiscrete, 1 << 3);
+  AddDiscrete(parts, "PS Redundancy", kPowerSupply, kRedundancy, 1 << 1);
+  const host::Health health = Judge(parts);
+  ASSERT_EQ(health.findings.size(), 1U);
+  EXPECT_EQ(health.findings[0].key, "sensor.state PS2 Status");
+  EXPECT_EQ(health.findings[0].hits[0].area, "power");
+}
+
+}  // namespace
