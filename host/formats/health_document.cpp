@@ -99,16 +99,37 @@ std::vector<std::string> ListAreas(const std::vector<Rule>& rules) {
   return areas;
 }
 
-/// The severities that a SELECT names.
+/// The first column of a SELECT.
+std::string_view GetFirstColumn(std::string_view sql) {
+  int depth = 0;
+  for (std::size_t i = 0; i < sql.size(); ++i) {
+    if (sql[i] == '(') ++depth;
+    if (sql[i] == ')') --depth;
+    if (sql[i] == ',' && depth == 0) return sql.substr(0, i);
+  }
+  return sql;
+}
+
+/// The severities that a rule's SELECT gives; some it takes from a table of words.
 std::string ListSeverities(const Rule& rule) {
+  const std::string_view column = GetFirstColumn(rule.sql);
   std::string list;
+  const auto add = [&](std::string_view word) {
+    if (!list.empty()) list += ", ";
+    list += word;
+  };
   for (const Severity severity :
        {Severity::kCritical, Severity::kWarning, Severity::kUnknown, Severity::kNotice}) {
-    if (rule.sql.find(fmt::format("'{}'", GetWord(severity))) == std::string::npos) continue;
-    if (!list.empty()) list += ", ";
-    list += GetWord(severity);
+    const auto gives = [&](const char* before) {
+      return column.find(fmt::format("{} '{}'", before, GetWord(severity))) !=
+             std::string_view::npos;
+    };
+    if (gives("SELECT") || gives("THEN") || gives("ELSE")) add(GetWord(severity));
   }
-  return list.empty() ? "as the state is" : list;
+  const bool takesWord =
+      column.find("severity") != std::string_view::npos || column == "SELECT condition";
+  if (takesWord) add(list.empty() ? "as the state is" : "or as the state is");
+  return list;
 }
 
 }  // namespace

@@ -104,8 +104,7 @@ TEST(Options, WantsACommand) {
 TEST(Options, SuggestsTheCommandThatWasMeant) {
   EXPECT_EQ(Complaint({"colect"}),
             "there is no command colect; did you mean collect? (commands: collect, health, "
-            "modules, query, "
-            "check, help; see pqhost --help)");
+            "modules, query, check, help; see pqhost --help)");
   EXPECT_EQ(
       Complaint({"zzz"}),
       "there is no command zzz (commands: collect, health, modules, query, check, help; see pqhost "

@@ -205,9 +205,22 @@ class RuleAsker {
     if (event != nullptr) {
       hit.place = event->readAt;
     } else if (part != nullptr) {
-      hit.place = FindPlace(*part, rule.column);
+      hit.place = FindEvidence(*part, rule.column);
     }
     hits.push_back(std::move(hit));
+  }
+
+  /// The place of the first of `columns` that has one of its own, otherwise the part's.
+  static Place FindEvidence(const Part& part, std::string_view columns) {
+    while (!columns.empty()) {
+      const std::size_t end = std::min(columns.find(','), columns.size());
+      const std::string_view column = Trim(columns.substr(0, end));
+      for (const ColumnPlace& other : part.columnPlaces) {
+        if (other.column == column) return other.place;
+      }
+      columns.remove_prefix(std::min(end + 1, columns.size()));
+    }
+    return part.readAt;
   }
 
   /// Without `self`: nothing is its own cause.

@@ -27,7 +27,7 @@ struct Rule {
   std::string id;      ///< "drive.failed"
   std::string part;    ///< the table of the parts that it judges
   std::string area;    ///< of the machine, as findings are shown
-  std::string column;  ///< of the part, where people see the evidence; may be empty
+  std::string column;  ///< of the part, where people see the evidence; several have commas
   std::string why;
   std::string next;
   std::string source;    ///< who judges so; may be empty

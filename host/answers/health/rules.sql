@@ -11,7 +11,8 @@
 --
 -- Columns after these are called part, area or event. The first two are for hits whose part is in
 -- another table than @part, or that belong to another area than @area; event is the id of the log
--- entry that tells of it. A line "-- @column NAME" names the part's column where people see it, and
+-- entry that tells of it. A line "-- @column NAME" names the part's column where people see it (of
+-- several the first that was read at a place of its own), and
 -- "-- @log" marks rules about what was, which weigh less than what is.
 --
 -- setting('NAME') is a setting, recent(TIME) is 1 for a time within recent_days before the
@@ -364,7 +365,7 @@ FROM drive_states d WHERE rebuilds;
 -- @rule drive.predicted
 -- @part drives
 -- @area drives
--- @column predictive_failures
+-- @column predictive_failures, smart_alert, state
 -- @why The drive's own monitoring expects it to fail.
 -- @next Replace it while the array is whole. Where nothing else holds its data, copy them first.
 -- @source check_raid #49; check_lsi_raid
@@ -836,7 +837,8 @@ WHERE e.code IN (0xfb, 0xfc) AND e.part = 'volumes' AND recent(e.time) GROUP BY 
 -- @why The controller's log has warnings or errors of late.
 -- @next Look at the entries.
 SELECT CASE WHEN worst >= 2 THEN 'warning' ELSE 'notice' END, part_id,
-       printf('%d entries, last %s %s', times, time, text), NULL,
+       printf('%d %s, last %s %s', times, CASE times WHEN 1 THEN 'entry' ELSE 'entries' END, time,
+              text), NULL,
        'Look at the log of controller ' || part_id || ': "' || text || '" on ' || time, event AS event
 FROM (SELECT part_id, count(*) AS times, text, max(time) AS time, id AS event,
              (SELECT max(o.level) FROM events o WHERE o.source = 'Microchip'
@@ -853,9 +855,13 @@ SELECT CASE WHEN worst >= 2 AND NOT EXISTS
                  (SELECT 1 FROM events o WHERE o.source = 'SAS2' AND o.number > last
                   AND (o.text LIKE '%optimal%' OR o.text LIKE '%resync complete%'))
             THEN 'warning' ELSE 'notice' END, 'sas2',
-       times || ' entries, highest class ' || worst || ': ' || texts, NULL,
+       printf('%d %s, highest class %d: %s', times,
+              CASE times WHEN 1 THEN 'entry' ELSE 'entries' END, worst, texts), NULL,
        'Look at the log of the SAS2 controller: ' || texts, event AS event
-FROM (SELECT count(*) AS times, max(level) AS worst, group_concat(DISTINCT text) AS texts,
+FROM (SELECT count(*) AS times, max(level) AS worst, 
+             (SELECT group_concat(text, '; ')
+              FROM (SELECT text FROM events WHERE source = 'SAS2' AND level >= 1
+                    GROUP BY text ORDER BY min(number))) AS texts,
              (SELECT max(number) FROM events WHERE source = 'SAS2' AND level >= 1) AS last,
              (SELECT id FROM events WHERE source = 'SAS2' AND level >= 1 ORDER BY number DESC LIMIT 1)
              AS event
