@@ -14,11 +14,16 @@ namespace {
 using host::Parts;
 using host::Recording;
 
-/// Of all tables, or of those named.
+/// Of all tables, or of those named, without parts of other vendors.
 Parts ReadParts(const Recording& recording, const std::vector<std::string>& tables = {}) {
   host::Selection selection;
   selection.tables = tables;
-  return host::ReadParts(host::Collect(recording, selection));
+  Parts parts = host::ReadParts(host::Collect(recording, selection));
+  const auto isOther = [](const auto& part) { return part.vendor != "LSI"; };
+  std::erase_if(parts.controllers, isOther);
+  std::erase_if(parts.drives, isOther);
+  std::erase_if(parts.volumes, isOther);
+  return parts;
 }
 
 Recording LoadSample(const std::string& name) { return test::LoadSamples().at(name); }
