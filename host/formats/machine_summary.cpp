@@ -46,8 +46,4 @@ std::vector<std::pair<std::string, std::string>> ListMachineFacts(const Collecti
   return facts;
 }
 
-std::string DescribeWhen(const Collection& collection) {
-  return (collection.machine.recorded ? "recorded " : "collected ") + FormatTime(collection);
-}
-
 }  // namespace host

@@ -15,7 +15,4 @@ std::string NameMachine(const Collection& collection);
 /// Name and value of what tells the machine from others, and how old its values are. UTF-8.
 std::vector<std::pair<std::string, std::string>> ListMachineFacts(const Collection& collection);
 
-/// As in "recorded 2026-11-18 10:41:07 UTC+01:00": when the machine's tools gave their answers.
-std::string DescribeWhen(const Collection& collection);
-
 }  // namespace host

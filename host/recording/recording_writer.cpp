@@ -78,7 +78,8 @@ class RecordingFiles {
     OrderedJson readOnly;
     for (const std::string& path : recording.readOnly) readOnly.push_back(ByteText(path));
     if (!readOnly.empty()) AppendMember("readOnly", readOnly);
-    sink(kRecordingFileName, json + "\n}\n");
+    json += "\n}\n";
+    sink(kRecordingFileName, json);
   }
 
  private:

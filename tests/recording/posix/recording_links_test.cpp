@@ -9,6 +9,7 @@
 namespace host {
 namespace {
 
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::ThrowsMessage;
 
@@ -75,6 +76,20 @@ TEST_F(RecordingLinks, DoNotLeadRecordingJsonOut) {
   EXPECT_THAT([&] { LoadRecording(recording.Path()); },
               ThrowsMessage<RecordingError>(
                   HasSubstr("recording.json: leads out of the recording's folder")));
+}
+
+TEST_F(RecordingLinks, DoNotLeadSubmissionJsonOutNorLetItWait) {
+  recording.Write("recording.json", R"({"format": 1})");
+  outside.Write("submission.json", R"({"format": 1, "name": "outside"})");
+  std::filesystem::create_symlink(outside.Path() / "submission.json",
+                                  recording.Path() / "submission.json");
+  const Recording led = LoadRecording(recording.Path());
+  EXPECT_FALSE(led.submission);
+  EXPECT_THAT(led.doubts, ElementsAre(HasSubstr("submission.json: leads out of the recording's")));
+  std::filesystem::remove(recording.Path() / "submission.json");
+  ASSERT_EQ(mkfifo((recording.Path() / "submission.json").c_str(), 0600), 0);
+  EXPECT_THAT(LoadRecording(recording.Path()).doubts,
+              ElementsAre(HasSubstr("submission.json: is no plain file")));
 }
 
 }  // namespace
