@@ -45,8 +45,9 @@ _pqhost_complete() {
     'check --limit') words='<any>' ;;
     'check --log-folder') words='<folder>' ;;
     'check --plugin') words='<file>' ;;
+    'check --format') words='table json' ;;
     'check --time-limit') words='<any>' ;;
-    'check '*) words='--module --replay --limit --unverified --log-folder --plugin --unsafe-folder --time-limit --help' ;;
+    'check '*) words='--module --replay --limit --unverified --log-folder --plugin --unsafe-folder --format --time-limit --help' ;;
     'help --time-limit') words='<any>' ;;
     'help '*) words='collect modules query check help --time-limit --help' ;;
     *) words='collect modules query check help --version --help' ;;

@@ -35,12 +35,13 @@ void ModuleDescription::AddFailures(StepFailure failure,
   for (const char* sentence : sentences) failures.push_back({sentence, failure, program});
 }
 
-void ModuleDescription::AssignArea(const std::string& area) {
+void ModuleDescription::AssignArea(const Area& area) {
+  areas.push_back(area);
   for (TableDescription& table : tables) {
-    if (table.area.empty()) table.area = area;
+    if (table.area.empty()) table.area = area.name;
   }
   for (ToolDescription& tool : tools) {
-    if (tool.area.empty()) tool.area = area;
+    if (tool.area.empty()) tool.area = area.name;
   }
 }
 

@@ -46,8 +46,15 @@ struct ToolDescription {
   std::string area = {};  ///< as in TableDescription
 };
 
-/// The area of tables that only show a host how tables look. Hosts list them last.
-inline constexpr char kSampleArea[] = "Samples";
+/// A part of the machine that tables are about.
+struct Area {
+  const char* name;  ///< a host lists the tables under it
+  /// That a machine may lack, for people, such as "a BMC"; null: every machine has it.
+  const char* device = nullptr;
+};
+
+/// Tables that only show a host how tables look. Hosts list them last.
+inline constexpr Area kSampleArea{"Samples"};
 
 /// How to see that a machine has what a table leaves out.
 enum class OmissionSign {
@@ -78,8 +85,7 @@ struct Omission {
 struct TableDescription {
   std::string className;
   std::string title;
-  /// The part of the machine that it is about, in words under which a host lists its tables.
-  std::string area = {};
+  std::string area = {};  ///< the name of its area
   /// In the order in which they run; none for fixed rows.
   std::vector<ToolCommand> commands = {};
   /// Properties of a row in their order.
@@ -166,6 +172,7 @@ struct ModuleDescription {
   std::vector<PresenceTest> presenceTests = {};
   std::vector<VersionLine> versionLines = {};
   std::vector<ToolDescription> tools = {};
+  std::vector<Area> areas = {};  ///< of its tables and tools
   /// Begins the error texts of tools that are read through a pipe; may be empty.
   std::string toolErrorText = {};
   /// The program, as in ToolCommand, of the steps whose command line can be too long to be started
@@ -176,7 +183,7 @@ struct ModuleDescription {
   void AddFailures(StepFailure failure, std::initializer_list<const char*> sentences,
                    const std::string& program = {});
   /// The tables and tools described so far are about `area`, unless they are about another.
-  void AssignArea(const std::string& area);
+  void AssignArea(const Area& area);
   /// The pipe for the tool of table `className` could not be created, which is `sentence`.
   void AddPipeFailure(const char* sentence, const char* className);
 };

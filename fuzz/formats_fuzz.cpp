@@ -18,7 +18,7 @@
 #include <vector>
 
 #include "fuzz/checks.h"
-#include "host/formats/database.h"
+#include "host/database/database.h"
 #include "host/text/decoder.h"
 #include "tests/support/program/made_collection.h"
 #include "tests/support/temporary_folder.h"

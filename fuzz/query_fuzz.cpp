@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "fuzz/checks.h"
-#include "host/formats/database.h"
+#include "host/database/database.h"
 #include "tests/support/program/made_collection.h"
 #include "tests/support/temporary_folder.h"
 

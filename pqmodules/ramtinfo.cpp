@@ -29,7 +29,7 @@ ModuleDescription RAMTInfo::Describe() {
   module.AddFailures(StepFailure::kToolNotRun, {kStartFailure});
   DescribeAmtDetection(module);
   DescribeAmtLog(module);
-  module.AssignArea("Intel AMT");
+  module.AssignArea({"Intel AMT", "AMT"});
   return module;
 }
 

@@ -136,7 +136,7 @@ ModuleDescription RBMCInfo::Describe() {
   DescribeSdr(module);
   DescribeFruAndSel(module);
   DescribeRawDumps(module);
-  module.AssignArea("BMC");
+  module.AssignArea({"BMC", "a BMC"});
   return module;
 }
 

@@ -82,7 +82,7 @@ ModuleDescription RSampleModule1::Describe() {
   DescribeIntelController(module);
   module.AssignArea(kIntelArea);
   DescribeMicrochipArchive(module);
-  module.AssignArea("Microchip RAID");
+  module.AssignArea({"Microchip RAID", "a Microchip controller"});
   return module;
 }
 

@@ -110,7 +110,7 @@ ModuleDescription RSampleModule2::Describe() {
   module.tools.push_back(DescribeStorcli());
   module.AssignArea(kLsiArea);
   DescribeSas2IrLog(module);
-  module.AssignArea("LSI SAS2");
+  module.AssignArea({"LSI SAS2", "an LSI SAS2 adapter"});
   DescribeIntelDevices(module);
   module.AssignArea(kIntelArea);
   DescribeLogLinks(module);

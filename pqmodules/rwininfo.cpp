@@ -67,9 +67,9 @@ ModuleDescription RWINInfo::Describe() {
   for (const char* program : {"route", "arp.exe", "netstat.exe", "net"}) {
     module.tools.push_back({program, "Microsoft", "Windows"});
   }
-  module.AssignArea("Network");
+  module.AssignArea({"Network"});
   DescribeRawFiles(module);
-  module.AssignArea("SMBIOS");
+  module.AssignArea({"SMBIOS"});
   return module;
 }
 

@@ -1,4 +1,4 @@
-"""Validates what pqhost writes as JSON against its schema."""
+"""Validates what pqhost writes as JSON against its schemas."""
 
 import copy
 import json
@@ -11,10 +11,10 @@ import jsonschema
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 
 
-def collect(pqhost, recording, *options):
-    """The JSON of one recording; exit code 1 only says that something could not be collected."""
+def ask(pqhost, command, recording):
+    """The JSON of one recording; exit code 1 only says that something is missing."""
     run = subprocess.run(
-        [pqhost, "collect", "--replay", recording, "--format", "json", *options],
+        [pqhost, command, "--replay", recording, "--format", "json"],
         capture_output=True, timeout=300)
     if run.returncode not in (0, 1):
         sys.exit(f"{recording.name}: pqhost ended with {run.returncode}: {run.stderr.decode()}")
@@ -37,11 +37,35 @@ def damaged(good):
     yield change("a table without class", lambda c: c["tables"][0].pop("class"))
 
 
+def damaged_check(good):
+    """The same of a machine's check."""
+    def change(what, edit):
+        bad = copy.deepcopy(good)
+        edit(bad)
+        return what, bad
+
+    yield change("a check of another format", lambda c: c.update(format=2))
+    yield change("no areas", lambda c: c.pop("areas"))
+    yield change("another rating", lambda c: c["areas"][0].update(rating="good"))
+    yield change("a tool without a path", lambda c: c["areas"][0]["tools"][0].pop("path"))
+    yield change("another state", lambda c: c["machine"][0].update(state="full"))
+
+
+def make_validator(name):
+    schema = json.loads((ROOT / "docs" / name).read_text())
+    jsonschema.Draft7Validator.check_schema(schema)
+    return jsonschema.Draft7Validator(schema)
+
+
+def list_errors(validator, value):
+    return [f"{'/'.join(map(str, e.absolute_path))}: {e.message[:200]}"
+            for e in validator.iter_errors(value)]
+
+
 def main():
     pqhost = sys.argv[1]
-    schema = json.loads((ROOT / "docs" / "collection.schema.json").read_text())
-    jsonschema.Draft7Validator.check_schema(schema)
-    validator = jsonschema.Draft7Validator(schema)
+    validator = make_validator("collection.schema.json")
+    check_validator = make_validator("check.schema.json")
     passed = failed = 0
 
     def report(ok, text):
@@ -55,9 +79,11 @@ def main():
     if not recordings:
         sys.exit("no sample recordings")
     for recording in recordings:
-        collection = collect(pqhost, recording)
-        errors = [f"{'/'.join(map(str, e.absolute_path))}: {e.message[:200]}"
-                  for e in validator.iter_errors(collection)]
+        check = ask(pqhost, "check", recording)
+        errors = list_errors(check_validator, check)
+        report(not errors, f"the check of {recording.name}: {errors[:3]}")
+        collection = ask(pqhost, "collect", recording)
+        errors = list_errors(validator, collection)
         report(not errors, f"{recording.name}: {errors[:3]}")
         for table in collection["tables"]:
             keys = {column["key"] for column in table["columns"]}
@@ -65,6 +91,8 @@ def main():
             report(not strays, f"{recording.name}, {table['class']}: no column for {strays}")
     for what, bad in damaged(collection):
         report(not validator.is_valid(bad), f"the schema lets {what} pass")
+    for what, bad in damaged_check(check):
+        report(not check_validator.is_valid(bad), f"the schema lets {what} pass")
     print(f"schema: {passed} passed, {failed} failed")
     return 1 if failed else 0
 

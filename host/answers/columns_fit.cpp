@@ -12,6 +12,7 @@
 #include "host/catalogue/table_sources.h"
 #include "host/text/ascii.h"
 #include "host/text/decoder.h"
+#include "host/text/screen_text.h"
 
 namespace host {
 namespace {
@@ -39,7 +40,9 @@ std::optional<FoundReport> FindLeftReport(const Collection& collection,
                     [&](const pq::ToolCommand& command) {
                       return !command.file.empty() && LowerCase(command.file) == name;
                     });
-    if (!isItsOwn) continue;
+    // The next of several tools overwrote what one that failed had left.
+    const bool isOverwritten = description->commandsAreAlternatives && answer.exitCode != 0U;
+    if (!isItsOwn || isOverwritten) continue;
     const TextDecoder decoder(collection.machine.codePage);
     return FoundReport{decoder.Decode(answer.fileText), name + " in the log folder"};
   }
@@ -89,7 +92,9 @@ void NoteUnfitColumns(Collection& collection) {
 
 std::string TellOtherValue(std::string_view label, std::string_view shown,
                            std::string_view printed) {
-  return fmt::format("{} is \"{}\", the report has \"{}\"", label, shown, printed);
+  constexpr std::size_t kWidth = 60;  // of a value in a sentence
+  return fmt::format("{} is \"{}\", the report has \"{}\"", label, CutText(shown, kWidth),
+                     CutText(printed, kWidth));
 }
 
 }  // namespace host

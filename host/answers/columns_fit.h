@@ -31,7 +31,7 @@ struct ColumnCheck {
   std::string (*findMisfit)(const TableBesideReport& table);
 };
 
-/// How a value that differs from the report's is told.
+/// How a value that differs from the report's is told; long ones are cut.
 std::string TellOtherValue(std::string_view label, std::string_view shown,
                            std::string_view printed);
 

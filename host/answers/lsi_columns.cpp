@@ -12,6 +12,7 @@
 #include "host/answers/parts/lsi_drives.h"
 #include "host/answers/parts/report_lines.h"
 #include "host/catalogue/table_sources.h"
+#include "host/text/screen_text.h"
 
 namespace host {
 namespace {
@@ -78,7 +79,7 @@ class ListComparison {
   void CompareRow(const TableHeads& heads, std::string_view line) {
     const std::string_view name = ListWords(line).front();
     if (next == table.rows.size() || table.rows[next].Get(columns.front().key) != name) {
-      if (rowsLeftOut++ == 0) firstLeftOut = name;
+      if (rowsLeftOut++ == 0) firstLeftOut = CutText(name, 20);
       return;
     }
     const CollectedRow& row = table.rows[next++];

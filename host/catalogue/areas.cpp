@@ -17,8 +17,8 @@ std::vector<std::string> CollectAreas() {
     for (const pq::TableDescription& table : module.tables) AddOnce(areas, table.area);
     for (const pq::ToolDescription& tool : module.tools) AddOnce(areas, tool.area);
   }
-  std::erase(areas, pq::kSampleArea);
-  areas.emplace_back(pq::kSampleArea);
+  std::erase(areas, pq::kSampleArea.name);
+  areas.emplace_back(pq::kSampleArea.name);
   return areas;
 }
 
@@ -36,6 +36,15 @@ std::size_t RankArea(const std::string& area) {
 const std::vector<std::string>& ListAreas() {
   static const std::vector<std::string> kAreas = CollectAreas();
   return kAreas;
+}
+
+std::string FindDevice(std::string_view area) {
+  for (const pq::ModuleDescription& module : GetModuleDescriptions()) {
+    for (const pq::Area& known : module.areas) {
+      if (area == known.name && known.device != nullptr) return known.device;
+    }
+  }
+  return {};
 }
 
 std::vector<TableGroup> GroupByArea(const std::vector<TableToGroup>& tables) {

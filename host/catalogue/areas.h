@@ -11,6 +11,9 @@ namespace host {
 /// All areas that modules describe, in the order of the modules; the samples last.
 const std::vector<std::string>& ListAreas();
 
+/// The device that the area is about, such as "a BMC"; empty: every machine has it.
+std::string FindDevice(std::string_view area);
+
 /// A table as it is to be grouped.
 struct TableToGroup {
   std::string className;

@@ -61,6 +61,10 @@ void CollectionListeners::OnToolEnded(unsigned seconds) {
   for (CollectionListener* listener : listeners) listener->OnToolEnded(seconds);
 }
 
+void CollectionListeners::OnToolRefused(unsigned seconds) {
+  for (CollectionListener* listener : listeners) listener->OnToolRefused(seconds);
+}
+
 void CollectionListeners::OnToolOutOfMemory(unsigned mebibytes) {
   for (CollectionListener* listener : listeners) listener->OnToolOutOfMemory(mebibytes);
 }

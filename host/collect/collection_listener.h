@@ -52,6 +52,7 @@ class CollectionListeners final : public CollectionListener {
   void OnAnswer(const ToolAnswer& answer) override;
   void OnProcessEnd(std::uint32_t exitCode) override;
   void OnToolEnded(unsigned seconds) override;
+  void OnToolRefused(unsigned seconds) override;
   void OnToolOutOfMemory(unsigned mebibytes) override;
   void OnNoLogin(const std::string& why) override;
   void OnRefused() override;

@@ -23,6 +23,12 @@ std::string FindToolOf(std::string_view text, const std::string& last) {
   return known->program.empty() ? last : FindTool("/c \"" + known->program + "\"");
 }
 
+/// Whether `text`, a log line, tells of a step that ended before it started its tool.
+bool IsBeforeTool(std::string_view text) {
+  const pq::FailureSentence* known = FindFailureSentence(text);
+  return known != nullptr && known->failure == pq::StepFailure::kBeforeTool;
+}
+
 /// The failure sentences by their first byte: every log line is held against them.
 using SentenceIndex = std::array<std::vector<const pq::FailureSentence*>, 256>;
 
@@ -70,12 +76,14 @@ bool ReportsFailure(const LogLine& line) {
 void FailureList::Module(const std::string& name, const std::string& /*description*/) {
   module = name;
   tool.clear();
+  toolRefused = false;
   starts.Module(name);
 }
 
 void FailureList::OnProcess(const std::string& /*application*/, const std::string& commandLine,
                             bool /*inheritHandles*/, bool pipe) {
   tool = FindTool(commandLine);
+  toolRefused = false;
   readThroughPipe = pipe;
   starts.Start();
   const pq::PresenceTest* presence = FindPresenceTest(commandLine);
@@ -87,6 +95,7 @@ void FailureList::OnProcessEnd(std::uint32_t /*exitCode*/) { starts.End(); }
 
 void FailureList::OnSystem(const std::string& command) {
   tool = FindTool("/c " + command);
+  toolRefused = false;
   readThroughPipe = false;
   starts.Start();
   starts.End();
@@ -105,6 +114,13 @@ void FailureList::OnToolEnded(unsigned seconds) {
   failures.push_back(
       {module, tool,
        "did not end by itself and was ended after " + std::to_string(seconds) + " s"});
+}
+
+void FailureList::OnToolRefused(unsigned seconds) {
+  toolRefused = true;
+  AddOnce(
+      {module, tool,
+       "was not started again, because it had been ended after " + std::to_string(seconds) + " s"});
 }
 
 void FailureList::OnToolOutOfMemory(unsigned mebibytes) {
@@ -143,6 +159,7 @@ void FailureList::Log(const LogLine& line) {
   const std::string_view text = RemoveLogPrefix(line.text);
   if (const auto commandLine = starts.Log(text)) tool = FindTool(*commandLine);
   if (interrupted || !ReportsFailure(line)) return;
+  if (toolRefused && !IsBeforeTool(text)) return;
   AddOnce({module, FindToolOf(text, tool), std::string(text)});
 }
 

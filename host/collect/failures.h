@@ -57,6 +57,7 @@ class FailureList final : public CollectionListener {
   void OnProcessEnd(std::uint32_t exitCode) override;
   void OnSystem(const std::string& command) override;
   void OnToolEnded(unsigned seconds) override;
+  void OnToolRefused(unsigned seconds) override;
   void OnToolOutOfMemory(unsigned mebibytes) override;
   void OnNoLogin(const std::string& why) override;
   void OnRefused() override { interrupted = true; }
@@ -72,7 +73,9 @@ class FailureList final : public CollectionListener {
   StartWatch starts;
   bool readThroughPipe = false;
   std::vector<Failure> failures;
-  bool interrupted = false;  ///< modules complain of the host's refusals
+  // Modules complain of the host's refusals: of all from now on, of the last start.
+  bool interrupted = false;
+  bool toolRefused = false;
 };
 
 }  // namespace host

@@ -30,6 +30,22 @@ struct MachineFacts {
   std::string contentKey = {};
 };
 
+/// A device on the PCI bus, by the numbers that name it there.
+struct PciDevice {
+  std::uint16_t vendor = 0;
+  std::uint16_t device = 0;
+  std::uint16_t classCode = 0;  ///< base class and subclass, such as 0x0104 for RAID
+
+  bool operator==(const PciDevice&) const = default;
+};
+
+/// Devices that the system knows of without any tool.
+struct Hardware {
+  std::optional<std::vector<PciDevice>> pci;  ///< none: not known
+  std::optional<bool> hasBmc;
+  std::optional<bool> hasAmt;
+};
+
 /// Facts that only the machine itself tells; no recording holds them.
 struct Surroundings {
   bool hasInterpreter = false;
@@ -37,6 +53,7 @@ struct Surroundings {
   bool isElevated = false;
   std::uint64_t freeBytes = 0;  ///< on the log folder's disk
   std::string libraryProblem;   ///< UTF-8: why the library cannot be used; empty when it can
+  Hardware hardware = {};
 };
 
 }  // namespace host

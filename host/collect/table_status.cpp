@@ -17,6 +17,7 @@ namespace {
 
 const TableStatus kInterrupted{"interrupted", "the collection was interrupted before"};
 constexpr char kNoSuchDevice[] = "no such device";
+constexpr char kToolError[] = "tool reported an error";
 
 /// Whether a log line, without its prefix, is the explanation's sentence and explains something.
 bool Explains(const pq::Explanation& explanation, std::string_view text) {
@@ -78,6 +79,10 @@ bool HasEndedStep(const ToolRun& run) {
 
 /// Why the program's answer is not to be trusted; empty when there is no reason.
 std::string DescribeError(const ToolRun& run) {
+  if (run.endedBefore) {
+    return fmt::format("had been ended after {} s and was not started again",
+                       run.endedAfterSeconds);
+  }
   if (run.endedAfterSeconds > 0) {
     return fmt::format("was ended after {} s", run.endedAfterSeconds);
   }
@@ -92,7 +97,7 @@ std::string DescribeError(const ToolRun& run) {
 /// The outcome of a program with such an error.
 const char* FindErrorOutcome(const ToolRun& run) {
   if (run.endedAfterSeconds > 0) return "ended";
-  return run.memoryLimit > 0 ? "out of memory" : "tool reported an error";
+  return run.memoryLimit > 0 ? "out of memory" : kToolError;
 }
 
 /// The run that decides what there is for the table. At least one of `runs` is there.
@@ -117,6 +122,7 @@ const ToolRun& ChooseRun(const std::vector<const ToolRun*>& runs,
 /// Why the program did not write the file that was read in its place, as words after its name.
 std::string DescribeOldFile(const ToolRun& run) {
   if (!run.isThere) return "is not on this machine";
+  if (run.endedBefore) return DescribeError(run);
   const std::string& file = run.file.empty() ? run.handedOn : run.file;
   // The interpreter opens the file for the output first.
   if (!file.empty()) return fmt::format("did not run, because {} could not be written", file);
@@ -290,6 +296,12 @@ void StatusTracker::OnToolEnded(unsigned seconds) {
   if (!runs.empty()) runs.back().endedAfterSeconds = seconds;
 }
 
+void StatusTracker::OnToolRefused(unsigned seconds) {
+  if (runs.empty()) return;
+  runs.back().endedAfterSeconds = seconds;
+  runs.back().endedBefore = true;
+}
+
 void StatusTracker::OnToolOutOfMemory(unsigned mebibytes) {
   if (!runs.empty()) runs.back().memoryLimit = mebibytes;
 }
@@ -436,7 +448,7 @@ std::optional<TableStatus> StatusTracker::ExplainByAnswers(
 TableStatus StatusTracker::ExplainWithoutRun(const std::string& name,
                                              const pq::TableDescription& table) const {
   if (const auto explained = ExplainByLog(name, table)) {
-    if (explained->outcome != kNoSuchDevice) return *explained;
+    if (explained->outcome != kNoSuchDevice && explained->outcome != kToolError) return *explained;
     for (const ToolRun& run : runs) {
       if (run.module != name) continue;
       if (const auto unknown = ExplainPresenceTest(run)) return *unknown;
@@ -456,6 +468,10 @@ TableStatus StatusTracker::ExplainWithoutRun(const std::string& name,
     const ToolRun& run = *decided;
     if (!HasFailed(run)) continue;
     if (!run.isThere) return ExplainMissing({&run});
+    if (run.endedBefore) {
+      return {FindErrorOutcome(run),
+              fmt::format("{} {}", GetFileName(run.program), DescribeError(run))};
+    }
     if (run.startFailure.empty()) continue;
     return {"could not start", fmt::format("{}: {}", GetFileName(run.program), run.startFailure)};
   }

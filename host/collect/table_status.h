@@ -54,6 +54,7 @@ struct ToolRun {
   bool wasCut = false;             ///< it printed more than the module keeps
   bool refused = false;            ///< never started, because the collection was interrupted
   unsigned endedAfterSeconds = 0;  ///< not 0: the host ended it
+  bool endedBefore = false;        ///< that was an earlier run, so this one was never started
   unsigned memoryLimit = 0;        ///< MiB; not 0: it wanted more
   /// A file from before was read in the place of what it should have written: the oldest one.
   std::optional<OldFile> oldFile;
@@ -99,6 +100,7 @@ class StatusTracker final : public CollectionListener {
   void OnProcessEnd(std::uint32_t exitCode) override;
   void OnAnswer(const ToolAnswer& answer) override;
   void OnToolEnded(unsigned seconds) override;
+  void OnToolRefused(unsigned seconds) override;
   void OnToolOutOfMemory(unsigned mebibytes) override;
   void OnRefused() override;
   void OnSystem(const std::string& command) override;

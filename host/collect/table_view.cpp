@@ -35,13 +35,7 @@ bool CellView::IsFile() const { return HoldsFile(*row.shape, GetColumn().key); }
 std::optional<DecodedText> CellView::FileName() const {
   const std::string* name = FindAttribute(*row.shape, GetColumn().key, "filename");
   if (name == nullptr) return std::nullopt;
-  return decoder.Decode(*name);
-}
-
-void RemoveAttachments(Collection& collection) {
-  ClearCells(*collection.repository, [](const RowShape& shape, const Column& column) {
-    return HoldsFile(shape, column.key);
-  });
+  return settings.decoder.Decode(*name);
 }
 
 std::optional<CellView> RowView::FindCell(std::size_t column) const {
@@ -62,7 +56,7 @@ std::optional<std::size_t> RowView::FindByteSize(std::string_view key) const {
 std::vector<AttachmentView> RowView::ListAttachments() const {
   std::vector<AttachmentView> attachments;
   for (const Attribute& attribute : row.shape->attributes) {
-    DecodedText key = decoder.Decode(attribute.propertyKey);
+    DecodedText key = settings.decoder.Decode(attribute.propertyKey);
     auto attachment =
         std::find_if(attachments.begin(), attachments.end(),
                      [&](const AttachmentView& a) { return a.key.View() == key.View(); });
@@ -72,8 +66,8 @@ std::vector<AttachmentView> RowView::ListAttachments() const {
       attachment = attachments.end() - 1;
     }
     auto& attributes = attachment->attributes;
-    DecodedText name = decoder.Decode(attribute.name);
-    DecodedText value = decoder.Decode(attribute.value);
+    DecodedText name = settings.decoder.Decode(attribute.name);
+    DecodedText value = settings.decoder.Decode(attribute.value);
     const auto known = std::find_if(attributes.begin(), attributes.end(), [&](const auto& entry) {
       return entry.first.View() == name.View();
     });
@@ -86,8 +80,8 @@ std::vector<AttachmentView> RowView::ListAttachments() const {
   return attachments;
 }
 
-TableView::TableView(const TextDecoder& decoder, const CollectedTable& table)
-    : decoder(decoder), table(table) {
+TableView::TableView(const ViewSettings& settings, const CollectedTable& table)
+    : settings(settings), table(table) {
   if (table.rows == nullptr) {
     for (const pq::ColumnDescription& column : FindDescribedColumns(table)) {
       columns.push_back({DecodedText(std::string_view(column.key)),
@@ -101,7 +95,10 @@ TableView::TableView(const TextDecoder& decoder, const CollectedTable& table)
   for (const Column& column : table.rows->columns) {
     columnsByKey.emplace(column.key, columns.size());
     labels.emplace(columns.size(), column.label);
-    columns.push_back({decoder.Decode(column.key), decoder.Decode(column.label), {}, column.kind});
+    columns.push_back({settings.decoder.Decode(column.key),
+                       settings.decoder.Decode(column.label),
+                       {},
+                       column.kind});
   }
   for (const Row& row : table.rows->rows) {
     const RowShape& shape = *row.shape;
@@ -116,7 +113,7 @@ TableView::TableView(const TextDecoder& decoder, const CollectedTable& table)
       if (column.kind != property.kind) column.kind.reset();
       column.hasFiles = column.hasFiles || HoldsFile(shape, property.key);
       if (labels.emplace(at, property.label).second) {
-        column.otherLabels.push_back(decoder.Decode(property.label));
+        column.otherLabels.push_back(settings.decoder.Decode(property.label));
       }
     }
   }
@@ -145,18 +142,19 @@ std::vector<KnownColumn> TableView::ListKnownColumns() const {
 
 DecodedText TableView::Title() const {
   const std::string title = TitleOf(table.className);  // The class name itself, if not known.
-  return DecodedText(decoder(title));
+  return DecodedText(settings.decoder(title));
 }
 
 std::vector<DecodedText> TableView::ListHeaders() const {
   std::vector<DecodedText> headers;
-  for (const std::string& header : table.layout.headers) headers.push_back(decoder.Decode(header));
+  for (const std::string& header : table.layout.headers)
+    headers.push_back(settings.decoder.Decode(header));
   return headers;
 }
 
 RowView TableView::RowAt(std::size_t number) const {
   const Row& row = table.rows->rows[number];
-  return {decoder, row, placesByShape.at(row.shape)};
+  return {settings, row, placesByShape.at(row.shape)};
 }
 
 std::vector<DecodedText> TableView::ListInstanceKeys() const {
@@ -170,7 +168,7 @@ std::vector<DecodedText> TableView::ListInstanceKeys() const {
   const std::size_t count = areSame ? 1 : rows.size();
   keys.reserve(count);
   for (std::size_t i = 0; i < count; ++i) {
-    keys.push_back(decoder.Decode(rows[i].shape->instanceKey));
+    keys.push_back(settings.decoder.Decode(rows[i].shape->instanceKey));
   }
   return keys;
 }

@@ -16,17 +16,26 @@
 
 namespace host {
 
+enum class Attachments { kShown, kLeftOut };
+
+/// How all views of a collection read it.
+struct ViewSettings {
+  TextDecoder decoder;
+  Attachments attachments = Attachments::kShown;
+};
+
 /// One property of a row, with its value.
 class CellView {
  public:
-  CellView(const TextDecoder& decoder, const Row& row, std::size_t place)
-      : decoder(decoder), row(row), place(place) {}
+  CellView(const ViewSettings& settings, const Row& row, std::size_t place)
+      : settings(settings), row(row), place(place) {}
 
-  DecodedText Key() const { return decoder.Decode(GetColumn().key); }
+  DecodedText Key() const { return settings.decoder.Decode(GetColumn().key); }
   /// The row's own label; other rows may label the key otherwise.
-  DecodedText Label() const { return decoder.Decode(GetColumn().label); }
-  DecodedText Text() const { return decoder.Decode(GetBytes()); }
-  CellKind Kind() const { return GetColumn().kind; }
+  DecodedText Label() const { return settings.decoder.Decode(GetColumn().label); }
+  DecodedText Text() const { return settings.decoder.Decode(GetBytes()); }
+  /// kNothing also for a whole file that is left out.
+  CellKind Kind() const { return IsLeftOut() ? CellKind::kNothing : GetColumn().kind; }
   /// Bytes of the value as it was collected.
   std::size_t ByteSize() const { return GetBytes().size(); }
   /// The value is a whole file.
@@ -35,9 +44,10 @@ class CellView {
 
  private:
   const Column& GetColumn() const { return row.shape->columns[place]; }
-  std::string_view GetBytes() const { return row.Value(place); }
+  bool IsLeftOut() const { return settings.attachments == Attachments::kLeftOut && IsFile(); }
+  std::string_view GetBytes() const { return IsLeftOut() ? std::string_view() : row.Value(place); }
 
-  const TextDecoder& decoder;
+  const ViewSettings& settings;
   const Row& row;
   std::size_t place;
 };
@@ -50,21 +60,18 @@ struct AttachmentView {
   std::optional<std::size_t> byteSize;  ///< of the property's value; none when that is not there
 };
 
-/// Lets go of the whole files in the collection's rows; their names stay.
-void RemoveAttachments(Collection& collection);
-
 class RowView {
  public:
   /// For each column of the table its place among the row's properties, or kMissing.
   using Places = std::vector<std::size_t>;
   static constexpr std::size_t kMissing = static_cast<std::size_t>(-1);
 
-  RowView(const TextDecoder& decoder, const Row& row, const Places& places)
-      : decoder(decoder), row(row), places(places) {}
+  RowView(const ViewSettings& settings, const Row& row, const Places& places)
+      : settings(settings), row(row), places(places) {}
 
   /// The row's properties, in its own order.
   std::size_t CellCount() const { return row.ValueCount(); }
-  CellView CellAt(std::size_t place) const { return {decoder, row, place}; }
+  CellView CellAt(std::size_t place) const { return {settings, row, place}; }
 
   /// The property of a column of the table; none when the row has no such property.
   std::optional<CellView> FindCell(std::size_t column) const;
@@ -75,7 +82,7 @@ class RowView {
  private:
   std::optional<std::size_t> FindByteSize(std::string_view key) const;
 
-  const TextDecoder& decoder;
+  const ViewSettings& settings;
   const Row& row;
   const Places& places;
 };
@@ -103,11 +110,11 @@ struct KnownColumn {
 class TableView {
  public:
   /// Reads the rows' keys and labels, but none of their values.
-  TableView(const TextDecoder& decoder, const CollectedTable& table);
+  TableView(const ViewSettings& settings, const CollectedTable& table);
 
-  DecodedText ClassName() const { return decoder.Decode(table.className); }
+  DecodedText ClassName() const { return settings.decoder.Decode(table.className); }
   DecodedText Title() const;
-  DecodedText Module() const { return decoder.Decode(table.module); }
+  DecodedText Module() const { return settings.decoder.Decode(table.module); }
   const TableStatus& Status() const { return table.status; }
 
   bool IsByRow() const { return table.layout.byRow; }
@@ -128,7 +135,7 @@ class TableView {
   std::vector<DecodedText> ListInstanceKeys() const;
 
  private:
-  const TextDecoder& decoder;
+  const ViewSettings& settings;
   const CollectedTable& table;
   std::vector<ColumnView> columns;
   std::map<const RowShape*, RowView::Places> placesByShape;
@@ -142,22 +149,27 @@ struct ModuleView {
 /// The texts of a collection, with the one decoder for all of them, which views of tables refer to.
 class CollectionView {
  public:
-  explicit CollectionView(const Collection& collection)
-      : collection(collection), decoder(collection.machine.codePage) {}
+  explicit CollectionView(const Collection& collection,
+                          Attachments attachments = Attachments::kShown)
+      : collection(collection), settings{TextDecoder(collection.machine.codePage), attachments} {}
 
-  DecodedText HostExecutable() const { return decoder.Decode(collection.machine.hostExecutable); }
-  DecodedText LogFolder() const { return decoder.Decode(collection.machine.logFolder); }
-  ModuleView ViewModule(const CollectedModule& module) const {
-    return {decoder.Decode(module.name), decoder.Decode(module.description)};
+  const Collection& GetCollection() const { return collection; }
+
+  DecodedText HostExecutable() const {
+    return settings.decoder.Decode(collection.machine.hostExecutable);
   }
-  TableView ViewTable(const CollectedTable& table) const { return {decoder, table}; }
-  DecodedText LogText(const LogLine& line) const { return decoder.Decode(line.text); }
+  DecodedText LogFolder() const { return settings.decoder.Decode(collection.machine.logFolder); }
+  ModuleView ViewModule(const CollectedModule& module) const {
+    return {settings.decoder.Decode(module.name), settings.decoder.Decode(module.description)};
+  }
+  TableView ViewTable(const CollectedTable& table) const { return {settings, table}; }
+  DecodedText LogText(const LogLine& line) const { return settings.decoder.Decode(line.text); }
   /// Something that was found in one of the values, such as a tool's version.
-  DecodedText Excerpt(std::string_view bytes) const { return decoder.Decode(bytes); }
+  DecodedText Excerpt(std::string_view bytes) const { return settings.decoder.Decode(bytes); }
 
  private:
   const Collection& collection;
-  TextDecoder decoder;
+  ViewSettings settings;
 };
 
 }  // namespace host

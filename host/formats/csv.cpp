@@ -9,11 +9,11 @@
 #include <optional>
 
 #include "host/collect/table_view.h"
+#include "host/database/sql_names.h"
 #include "host/files/output_file.h"
 #include "host/formats/csv_folder.h"
 #include "host/formats/formats.h"
 #include "host/formats/row_identity.h"
-#include "host/formats/sql_names.h"
 #include "host/text/ascii.h"
 #include "host/text/path_text.h"
 #include "host/text/screen_text.h"
@@ -128,16 +128,15 @@ class CsvWriter {
 }  // namespace
 
 void WriteCsv(const Collection& collection, const Screen& screen, std::ostream& out) {
-  const CollectionView view(collection);
+  const CollectionView view(collection, ChooseAttachments(screen));
   const bool isPlain = collection.tablesNamed && collection.tables.size() == 1;
   CsvWriter writer(collection, !isPlain, screen, out);
   for (const CollectedTable& table : collection.tables) writer.Write(view.ViewTable(table));
 }
 
-void WriteCsvFolder(const Collection& collection, bool identifiesRows,
+void WriteCsvFolder(const Collection& collection, const Screen& screen,
                     const std::filesystem::path& folder) {
-  const CollectionView view(collection);
-  const Screen screen{.identifiesRows = identifiesRows};
+  const CollectionView view(collection, ChooseAttachments(screen));
   UniqueNames names;
   for (const CollectedTable& collected : collection.tables) {
     const TableView table = view.ViewTable(collected);

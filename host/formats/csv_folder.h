@@ -4,12 +4,13 @@
 #include <filesystem>
 
 #include "host/collect/collection.h"
+#include "host/text/screen.h"
 
 namespace host {
 
 /// Writes CLASS.csv for each table into `folder`, which is there and empty. Throws
 /// std::runtime_error or UsageError for a file that cannot be written.
-void WriteCsvFolder(const Collection& collection, bool identifiesRows,
+void WriteCsvFolder(const Collection& collection, const Screen& screen,
                     const std::filesystem::path& folder);
 
 }  // namespace host

@@ -1,6 +1,6 @@
 #include "host/formats/formats.h"
 
-#include "host/formats/database.h"
+#include "host/database/database_writer.h"
 #include "host/formats/report_size.h"
 
 namespace host {
@@ -35,6 +35,10 @@ const std::vector<Format>& Formats() {
        .write = WriteNothing},
   };
   return kFormats;
+}
+
+Attachments ChooseAttachments(const Screen& screen) {
+  return screen.leavesAttachmentsOut ? Attachments::kLeftOut : Attachments::kShown;
 }
 
 const Format* FindFormat(const std::string& name) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/collect/collection.h"
+#include "host/collect/table_view.h"
 #include "host/text/screen.h"
 
 namespace host {
@@ -25,6 +26,8 @@ struct Format {
 
 /// All formats; the first is the default.
 const std::vector<Format>& Formats();
+
+Attachments ChooseAttachments(const Screen& screen);
 
 /// Null when no format has that name.
 const Format* FindFormat(const std::string& name);

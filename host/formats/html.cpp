@@ -62,7 +62,7 @@ class ReportData {
  public:
   ReportData(const Collection& collection, const Screen& screen, std::ostream& out)
       : collection(collection),
-        view(collection),
+        view(collection, ChooseAttachments(screen)),
         parts(FitIntoReport(collection)),
         json(screen.isTerminal ? &WriteJsonForScriptOnTerminal : &WriteJsonForScript, out) {}
 

@@ -4,6 +4,8 @@
 #include <set>
 
 #include "host/answers/machine_identity.h"
+#include "host/answers/parts/part_tables.h"
+#include "host/answers/parts/read_parts.h"
 #include "host/collect/table_view.h"
 #include "host/formats/formats.h"
 #include "host/formats/json_buffer.h"
@@ -35,8 +37,10 @@ std::pair<std::size_t, std::size_t> FindPlaces(const RowView& row, std::string_v
 
 class JsonWriter {
  public:
-  JsonWriter(const Collection& collection, std::ostream& out)
-      : collection(collection), view(collection), json(&WriteJsonForTerminal, out) {}
+  JsonWriter(const Collection& collection, const Screen& screen, std::ostream& out)
+      : collection(collection),
+        view(collection, ChooseAttachments(screen)),
+        json(&WriteJsonForTerminal, out) {}
 
   void WriteObject() {
     json += "{\n\"format\": 1,\n\"program\": ";
@@ -63,7 +67,9 @@ class JsonWriter {
       WriteTable(view.ViewTable(table));
       separator = ",\n";
     }
-    json += "\n],\n\"problems\": ";
+    json += "\n],\n\"parts\": {";
+    if (collection.machineIsKnown) WriteParts();
+    json += "},\n\"problems\": ";
     json.AppendList(collection.problems, &AppendJsonText);
     json += "\n}\n";
     json.Flush();
@@ -159,6 +165,40 @@ class JsonWriter {
     json += "]}";
   }
 
+  void WriteParts() {
+    const Parts parts = ReadParts(collection);
+    const char* separator = "\n";
+    for (const PartTable& table : GetPartTables()) {
+      json += separator;
+      json.AppendText("", table.name);
+      json += ": [";
+      for (std::size_t row = 0; row < table.count(parts); ++row) {
+        json += row == 0 ? "\n  " : ",\n  ";
+        AppendPart(table, table.at(parts, row));
+        json.Flush();
+      }
+      json += "]";
+      separator = ",\n";
+    }
+    json += "\n";
+  }
+
+  void AppendPart(const PartTable& table, const Part& part) {
+    char separator = '{';
+    for (const PartColumn& column : table.columns) {
+      json.AppendText({&separator, 1}, column.name);
+      separator = ',';
+      json += ":";
+      const PartValue value = column.get(part);
+      if (const auto* text = std::get_if<std::string_view>(&value)) {
+        json.AppendText("", *text);
+      } else {
+        json += FormatPartValue(value, "null");
+      }
+    }
+    json += "}";
+  }
+
   void AppendLayout(const TableView& table) {
     const auto appendHeaders = [&](std::string& text) {
       AppendJsonList(text, table.ListHeaders(), &AppendJsonText);
@@ -246,12 +286,12 @@ class JsonWriter {
 
 }  // namespace
 
-void WriteJson(const Collection& collection, const Screen& /*screen*/, std::ostream& out) {
-  JsonWriter(collection, out).WriteObject();
+void WriteJson(const Collection& collection, const Screen& screen, std::ostream& out) {
+  JsonWriter(collection, screen, out).WriteObject();
 }
 
-void WriteJsonLines(const Collection& collection, const Screen& /*screen*/, std::ostream& out) {
-  JsonWriter(collection, out).WriteLines();
+void WriteJsonLines(const Collection& collection, const Screen& screen, std::ostream& out) {
+  JsonWriter(collection, screen, out).WriteLines();
 }
 
 }  // namespace host

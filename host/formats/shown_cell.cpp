@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "host/text/count_text.h"
 #include "host/text/screen_text.h"
 
 namespace host {
@@ -46,10 +47,6 @@ std::string DescribeFile(const CellView& cell) {
 }
 
 }  // namespace
-
-std::string FormatCount(std::size_t count, const char* noun) {
-  return fmt::format("{} {}{}", count, noun, count == 1 ? "" : "s");
-}
 
 std::string ShowLabel(std::string_view label, std::string_view key) {
   return EscapeControls(TrimForDisplay(label.empty() ? key : label));

@@ -11,9 +11,6 @@
 
 namespace host {
 
-/// As in "1 row" and "2 rows".
-std::string FormatCount(std::size_t count, const char* noun);
-
 /// The label, or the key of a property without one.
 std::string ShowLabel(std::string_view label, std::string_view key);
 

@@ -4,8 +4,9 @@
 #include <stdexcept>
 #include <vector>
 
+#include "host/answers/collection_database.h"
+#include "host/database/database.h"
 #include "host/files/partial_file.h"
-#include "host/formats/database.h"
 #include "host/formats/formats.h"
 #include "host/text/path_text.h"
 
@@ -24,12 +25,15 @@ void CopyFile(const std::filesystem::path& path, std::ostream& out) {
 }  // namespace
 
 // A database can be many times the size of the collection, so it is never in memory as a whole.
-void WriteSqlite(const Collection& collection, const Screen& /*screen*/, std::ostream& out) {
+void WriteSqlite(const Collection& collection, const Screen& screen, std::ostream& out) {
   const std::filesystem::path folder = std::filesystem::temp_directory_path();
   try {
     PartialFile file(folder / "pqhost.db", Readers::kOwner);
     file.TakeHandle().Close();
-    Database(Database::NewFile{file.Path()}).Fill(collection);
+    {
+      Database database(Database::NewFile{file.Path()});
+      FillDatabase(database, CollectionView(collection, ChooseAttachments(screen)));
+    }
     CopyFile(file.Path(), out);
   } catch (const DatabaseError& error) {
     throw std::runtime_error("the database, which is first made in " + PathText(folder) +

@@ -19,6 +19,7 @@
 #include "host/formats/formats.h"
 #include "host/formats/machine_summary.h"
 #include "host/formats/shown_cell.h"
+#include "host/text/count_text.h"
 #include "host/text/screen_text.h"
 
 namespace host {
@@ -43,7 +44,7 @@ class TablesWriter {
  public:
   TablesWriter(const Collection& collection, const Screen& screen, std::ostream& out)
       : collection(collection),
-        view(collection),
+        view(collection, ChooseAttachments(screen)),
         width(std::max(screen.width, kNarrowestScreen)),
         colors(screen.colors),
         showsAll(screen.showsAll),

@@ -5,6 +5,7 @@
 
 #include "host/answers/columns_fit.h"
 #include "host/pqhost/collection_progress.h"
+#include "host/pqhost/tool_chatter.h"
 #include "host/program/deadline.h"
 
 namespace host {
@@ -14,14 +15,16 @@ namespace {
 class Attendant final : public CollectionListener {
  public:
   Attendant(const Console& console, CollectionListeners& listeners,
-            const std::function<void(CollectionListeners&)>& beforeRun,
-            std::optional<unsigned> seconds)
-      : console(console), listeners(listeners), beforeRun(beforeRun) {
-    if (seconds) end = std::chrono::steady_clock::now() + std::chrono::seconds(*seconds);
+            const std::function<void(CollectionListeners&)>& beforeRun, const SourceOptions& from)
+      : console(console), listeners(listeners), beforeRun(beforeRun), isLive(!from.replay) {
+    if (!from.seconds) return;
+    end = std::chrono::steady_clock::now() + std::chrono::seconds(*from.seconds);
   }
 
   void Begin() override {
     beforeRun(listeners);
+    // A recording has it beside the answers.
+    if (isLive) listeners.Add(chatter);
     if (!console.errorIsTerminal) return;
     progress.emplace(console.error, console.width);
     listeners.Add(*progress);
@@ -32,6 +35,13 @@ class Attendant final : public CollectionListener {
     return isOverdue || IsInterruptionRequested();
   }
 
+  /// After the collection: what the tools of this machine said beside their output, on a terminal
+  /// that is no longer in use.
+  void TellChatter(std::uint32_t codePage) {
+    progress.reset();
+    chatter.Tell(codePage, console.error);
+  }
+
   /// Whether the time was over before the collection.
   bool IsOverdue() const { return isOverdue; }
 
@@ -39,6 +49,8 @@ class Attendant final : public CollectionListener {
   const Console& console;
   CollectionListeners& listeners;
   const std::function<void(CollectionListeners&)>& beforeRun;
+  bool isLive;
+  ToolChatter chatter;
   std::optional<CollectionProgress> progress;
   std::optional<std::chrono::steady_clock::time_point> end;
   bool isOverdue = false;
@@ -50,10 +62,11 @@ Gathered Gather(const SourceOptions& from, const Selection& selection, const Con
                 KeepLog keepLog, const std::function<void(CollectionListeners&)>& beforeRun) {
   std::unique_ptr<CommandSource> source = OpenSource(from, console);
   CollectionListeners listeners;
-  Attendant attendant(console, listeners, beforeRun, from.seconds);
+  Attendant attendant(console, listeners, beforeRun, from);
   listeners.Add(attendant);
   auto interruption = std::make_unique<InterruptionWatch>();
   Collection collection = Collect(source->Get(), selection, listeners, keepLog);
+  attendant.TellChatter(collection.machine.codePage);
   NoteUnfitColumns(collection);
   if (attendant.IsOverdue()) {
     collection.problems.push_back("the collection " + DescribeOverdue(*from.seconds));

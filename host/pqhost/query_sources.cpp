@@ -7,8 +7,9 @@
 #include <system_error>
 #include <utility>
 
-#include "host/formats/database_writer.h"
-#include "host/formats/sql_names.h"
+#include "host/answers/collection_database.h"
+#include "host/database/database_writer.h"
+#include "host/database/sql_names.h"
 #include "host/pqhost/gather.h"
 #include "host/program/interruption.h"
 #include "host/recording/recording_format.h"
@@ -51,13 +52,13 @@ class SourceAdder {
     }
   }
 
-  void AddCollection(const SourceOptions& options, const std::string& machine) {
+  void AddRecording(const SourceOptions& options, const std::string& machine) {
     const Collection collection =
         Gather(options, {}, console, KeepLog::kYes, [](auto&) {}).collection;
     for (const std::string& problem : collection.problems) {
       Fail(fmt::format("{}: {}", machine, problem));
     }
-    writer.Add(collection, machine);
+    AddCollection(writer, CollectionView(collection), machine);
   }
 
   std::size_t Count() const { return count; }
@@ -105,7 +106,7 @@ int FillFromOne(Database& database, const SourceOptions& options, const Console&
   // The recording is let go of at once: the database holds all of it again.
   const Collection collection =
       Gather(options, {}, console, KeepLog::kYes, [&](auto&) { beforeRun(); }).collection;
-  database.Fill(collection);
+  FillDatabase(database, CollectionView(collection));
   for (const std::string& problem : collection.problems) Complain(console, problem);
   return collection.problems.empty() ? kExitDone : kExitIncomplete;
 }
@@ -124,7 +125,7 @@ int FillFromSeveral(Database& database, const QuerySources& sources, const Sourc
     adder.Add(recording, [&](const std::string& machine) {
       SourceOptions one = options;
       one.replay = recording;
-      adder.AddCollection(one, machine);
+      adder.AddRecording(one, machine);
     });
   }
   if (adder.Count() == 0) throw UsageError("none of what there is to be asked could be read");

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "host/formats/database.h"
+#include "host/database/database.h"
 #include "host/pqhost/source.h"
 #include "host/program/console.h"
 

@@ -33,6 +33,8 @@ class MachineObserver {
   virtual void OnProcessEnd(std::uint32_t /*exitCode*/) {}
   /// The host ended the process started last, or children that it left, after so many seconds.
   virtual void OnToolEnded(unsigned /*seconds*/) {}
+  /// The start that was seen last is refused: its tool was ended after so many seconds before.
+  virtual void OnToolRefused(unsigned /*seconds*/) {}
   /// The process started last, with its children, was given no more than so much memory and wanted
   /// more.
   virtual void OnToolOutOfMemory(unsigned /*mebibytes*/) {}

@@ -172,31 +172,6 @@ const std::map<std::string, Table>& TablesOf(const halyard::repository::RReposit
   return halyard::repository::RepositoryState::Of(repository).tables;
 }
 
-void ClearCells(halyard::repository::RRepository& repository,
-                const std::function<bool(const RowShape&, const Column&)>& test) {
-  auto& state = halyard::repository::RepositoryState::Of(repository);
-  std::map<const RowShape*, const RowShape*> cleared;  // shapes, and those that replace them
-  for (auto& [name, table] : state.tables) {
-    for (Row& row : table.rows) {
-      const auto [known, isNew] = cleared.try_emplace(row.shape, row.shape);
-      if (isNew) {
-        RowShape shape = *row.shape;
-        for (Column& column : shape.columns) {
-          if (test(shape, column)) column.kind = CellKind::kNothing;
-        }
-        if (shape != *row.shape) known->second = &state.KeepShape(shape);
-      }
-      if (known->second == row.shape) continue;
-      std::vector<std::string> values;
-      for (std::size_t i = 0; i < row.ValueCount(); ++i) {
-        const bool isCleared = known->second->columns[i].kind == CellKind::kNothing;
-        values.emplace_back(isCleared ? std::string_view() : row.Value(i));
-      }
-      row = Row(*known->second, values);
-    }
-  }
-}
-
 void AddRow(halyard::repository::RRepository& repository, const RowShape& shape,
             const std::vector<std::string>& values) {
   auto& state = halyard::repository::RepositoryState::Of(repository);

@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstring>
 #include <deque>
-#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -98,11 +97,6 @@ struct Table {
 /// AddToRepository leaves references to tables and rows valid.
 REPOSITORY_API const std::map<std::string, Table>& TablesOf(
     const halyard::repository::RRepository& repository);
-
-/// Empties the cells for which `test` holds: they are of kind kNothing then.
-REPOSITORY_API void ClearCells(
-    halyard::repository::RRepository& repository,
-    const std::function<bool(const RowShape& shape, const Column& column)>& test);
 
 /// Adds a row as an instance would, with one text in `values` for each column of `shape`.
 REPOSITORY_API void AddRow(halyard::repository::RRepository& repository, const RowShape& shape,

@@ -10,6 +10,7 @@ struct Screen {
   bool showsAll = false;  ///< also old lines of logs
   /// Each row tells its machine, in formats where the head does not.
   bool identifiesRows = false;
+  bool leavesAttachmentsOut = false;  ///< whole files, such as the tools' reports
 };
 
 }  // namespace host

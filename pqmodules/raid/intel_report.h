@@ -25,7 +25,7 @@ std::unique_ptr<TextFile> RunIntelReport(CallerLog log, const std::string& hostF
                                          const IntelReportLog& style);
 
 /// The report is about RAID that Intel's chipset and processors make.
-inline constexpr char kIntelArea[] = "Intel RAID";
+inline constexpr Area kIntelArea{"Intel RAID", "an Intel RST or VROC controller"};
 
 /// Where the two tools come from.
 std::vector<ToolDescription> DescribeIntelTools();

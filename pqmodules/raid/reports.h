@@ -25,7 +25,7 @@ inline constexpr std::string_view kCountLabel = "Controller Count =";
 inline constexpr char kNoReport[] = "Failed to open raid log file";
 
 /// storcli is about LSI's controllers.
-inline constexpr char kLsiArea[] = "LSI RAID";
+inline constexpr Area kLsiArea{"LSI RAID", "an LSI controller"};
 
 /// Where storcli comes from.
 ToolDescription DescribeStorcli();

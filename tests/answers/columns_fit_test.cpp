@@ -131,6 +131,21 @@ TEST(ColumnsFit, NotWhereAFreeSizeFollowsTheSize) {
                   "folder"});
 }
 
+TEST(ColumnsFit, OfWhatTheSecondToolLeftWhereTheFirstFailed) {
+  EXPECT_EQ(ListNotes(test::LoadSamples().at("vroc"), "ENDDEVICEINFO"),
+            Notes{"columns do not fit this report: row 1: Size is \"621 GB\", the report has "
+                  "\"1863 GB\" (3 rows like that); the report itself: rstcli64.txt in the log "
+                  "folder"});
+}
+
+TEST(ColumnsFit, AreToldInShort) {
+  const std::string name(100, 'x');
+  const Recording recording =
+      MakeMachine("FW Version = " + name + "\nPSOC FW Version = 6\n" + "Function Number = 0\n");
+  EXPECT_EQ(ListNotes(recording, "RAIDINFO"),
+            Note("FW Version is \"6\", the report has \"" + name.substr(0, 59) + "…\""));
+}
+
 TEST(ColumnsFit, OfReportsThatAreNotAttachedToo) {
   const Recording recording =
       MakeMachine("FW Version = 36\nPSOC FW Version = 6\nFunction Number = 0\n");

@@ -37,6 +37,7 @@ std::vector<std::string> ListNotes(const std::string& report, const std::string&
   host::Recording machine;
   machine.commands.push_back({"rstcli64_5.exe", "-I", report, ""});
   host::Collection collection = host::Collect(machine, {});
+  for (host::CollectedTable& table : collection.tables) table.status.notes.clear();
   host::NoteUnfitColumns(collection);
   for (const host::CollectedTable& table : collection.tables) {
     if (table.className == className) return table.status.notes;

@@ -29,6 +29,7 @@ std::vector<std::string> ListNotes(const std::string& config, const std::string&
   machine.commands.push_back({"arcconf.exe", "savesupportarchive c:\\", "", ""});
   machine.files["c:\\Support\\Firmware\\Controller_1_Config.txt"] = config;
   host::Collection collection = host::Collect(machine, host::Selection{{"sampleModule1"}, {}});
+  for (host::CollectedTable& table : collection.tables) table.status.notes.clear();
   host::NoteUnfitColumns(collection);
   for (const host::CollectedTable& table : collection.tables) {
     if (table.className == className) return table.status.notes;

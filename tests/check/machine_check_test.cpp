@@ -1,18 +1,33 @@
 #include "host/check/machine_check.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
+#include <set>
+#include <utility>
 
+#include "host/check/dry_machine.h"
+#include "host/collect/command_text.h"
+#include "host/recorded/interpreter.h"
+#include "host/recorded/own_commands.h"
 #include "host/text/usage_error.h"
 #include "tests/support/program/host_run.h"
 
 namespace {
 
+using host::CheckedArea;
 using host::CheckedMachine;
+using host::CheckedTool;
 using host::CheckMachine;
 using host::Finding;
+using host::MachineCheck;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::StartsWith;
 using Kind = host::Finding::Kind;
+using Rating = host::CheckedArea::Rating;
+using State = host::CheckedTool::State;
 
 /// A machine that has everything.
 CheckedMachine WholeMachine() {
@@ -26,9 +41,38 @@ CheckedMachine WholeMachine() {
   return machine;
 }
 
+/// The same without some programs.
+CheckedMachine MachineWithout(std::vector<std::string> programs) {
+  CheckedMachine machine = WholeMachine();
+  machine.locate = [programs = std::move(programs), locate = machine.locate](
+                       const std::string& path) -> std::optional<std::string> {
+    const bool isMissing = std::any_of(programs.begin(), programs.end(), [&](const auto& program) {
+      return path.ends_with(program);
+    });
+    return isMissing ? std::nullopt : locate(path);
+  };
+  return machine;
+}
+
+CheckedArea FindArea(const MachineCheck& check, const std::string& name) {
+  for (const CheckedArea& area : check.areas) {
+    if (area.area == name) return area;
+  }
+  ADD_FAILURE() << "no area " << name;
+  return {};
+}
+
+CheckedTool FindTool(const CheckedArea& area, const std::string& program) {
+  for (const CheckedTool& tool : area.tools) {
+    if (tool.program == program) return tool;
+  }
+  ADD_FAILURE() << "no tool " << program;
+  return {};
+}
+
 std::vector<Finding> FindAbout(const CheckedMachine& machine, const std::string& subject,
                                const std::vector<std::string>& modules = {}) {
-  std::vector<Finding> found = CheckMachine(machine, modules);
+  std::vector<Finding> found = CheckMachine(machine, modules).findings;
   std::erase_if(found, [&](const Finding& finding) { return finding.subject != subject; });
   return found;
 }
@@ -39,34 +83,58 @@ Finding FindOne(const CheckedMachine& machine, const std::string& subject) {
 }
 
 TEST(MachineCheck, FindsAllOfAWholeMachineGood) {
-  for (const Finding& finding : CheckMachine(WholeMachine(), {})) {
+  const MachineCheck check = CheckMachine(WholeMachine(), {});
+  EXPECT_TRUE(check.isComplete);
+  for (const Finding& finding : check.findings) {
     EXPECT_EQ(finding.kind, Kind::kGood) << finding.subject << ": " << finding.text;
   }
+  std::vector<std::string> areas;
+  for (const CheckedArea& area : check.areas) {
+    areas.push_back(area.area);
+    EXPECT_EQ(area.rating, Rating::kFull) << area.area;
+    EXPECT_EQ(area.text, "");
+    for (const CheckedTool& tool : area.tools) EXPECT_EQ(tool.state, State::kFound) << tool.text;
+  }
+  EXPECT_THAT(areas, ElementsAre("LSI RAID", "Intel RAID", "Microchip RAID", "LSI SAS2", "BMC",
+                                 "Intel AMT", "Network", "SMBIOS"));
 }
 
-TEST(MachineCheck, NamesEachToolOfAModuleOnceWithItsFullPath) {
+TEST(MachineCheck, NamesEachToolOfAnAreaOnceWithItsFullPath) {
   std::vector<std::string> paths;
-  for (const Finding& finding : FindAbout(WholeMachine(), "Windows_Related_Info")) {
-    paths.push_back(finding.text);
+  for (const CheckedTool& tool : FindArea(CheckMachine(WholeMachine(), {}), "Network").tools) {
+    paths.push_back(tool.path);
   }
-  const std::vector<std::string> known = {"C:\\Windows\\System32\\route",
-                                          "C:\\Windows\\System32\\arp.exe",
-                                          "C:\\Windows\\System32\\netstat.exe"};
-  for (const std::string& path : known) {
-    EXPECT_EQ(std::count(paths.begin(), paths.end(), path), 1) << path;
-  }
+  EXPECT_THAT(paths,
+              ElementsAre("C:\\Windows\\System32\\route", "C:\\Windows\\System32\\arp.exe",
+                          "C:\\Windows\\System32\\netstat.exe", "C:\\Windows\\System32\\net"));
 }
 
-TEST(MachineCheck, LooksAtTheToolsOfEveryModule) {
-  for (const char* module :
-       {"sampleModule1", "sampleModule2", "BMC_Info", "AMT_Info", "Windows_Related_Info"}) {
-    EXPECT_FALSE(FindAbout(WholeMachine(), module).empty()) << module;
+TEST(MachineCheck, SaysWhereAToolComesFrom) {
+  const CheckedArea lsi = FindArea(CheckMachine(WholeMachine(), {}), "LSI RAID");
+  EXPECT_THAT(lsi.modules, ElementsAre("sampleModule1", "sampleModule2"));
+  const CheckedTool storcli = FindTool(lsi, "storcli.exe");
+  EXPECT_EQ(storcli.vendor, "Broadcom, formerly LSI");
+  EXPECT_EQ(storcli.product, "StorCLI");
+  EXPECT_EQ(FindTool(lsi, "eventslog_convert.exe").vendor, "");
+}
+
+TEST(MachineCheck, KnowsEveryProgramThatModulesRun) {
+  std::set<std::string> known;
+  for (const CheckedArea& area : CheckMachine(WholeMachine(), {}).areas) {
+    for (const CheckedTool& tool : area.tools) known.insert(host::ToolName(tool.program));
+  }
+  const host::DryFacts facts{"C:\\H\\h.exe", "C:\\l\\", pq::kUsEnglish};
+  for (const host::DryCommand& command : host::ListCommands(facts, {}, {})) {
+    const std::string program = host::FindProgram(command.commandLine);
+    if (host::IsOwnCommand(program)) continue;
+    EXPECT_EQ(known.count(host::ToolName(program)), 1U) << program;
   }
 }
 
 TEST(MachineCheck, LooksAtNamedModulesAlone) {
-  EXPECT_TRUE(FindAbout(WholeMachine(), "BMC_Info", {"AMT_Info"}).empty());
-  EXPECT_FALSE(FindAbout(WholeMachine(), "AMT_Info", {"AMT_Info"}).empty());
+  const MachineCheck check = CheckMachine(WholeMachine(), {"amt_info"});
+  ASSERT_EQ(check.areas.size(), 1U);
+  EXPECT_EQ(check.areas[0].area, "Intel AMT");
 }
 
 TEST(MachineCheck, RefusesAModuleThatIsNotThere) {
@@ -74,17 +142,93 @@ TEST(MachineCheck, RefusesAModuleThatIsNotThere) {
 }
 
 TEST(MachineCheck, TellsWhichTablesAMissingToolLeavesEmpty) {
+  CheckedMachine machine = MachineWithout({"amt_log.exe"});
+  machine.devices["Intel AMT"] = true;
+  const MachineCheck check = CheckMachine(machine, {});
+  const CheckedArea area = FindArea(check, "Intel AMT");
+  EXPECT_FALSE(check.isComplete);
+  EXPECT_EQ(area.rating, Rating::kNothing);
+  EXPECT_EQ(area.text, "amt_log.exe is not there");
+  EXPECT_THAT(area.emptyTables, ElementsAre("AMTLOG"));
+  EXPECT_EQ(FindTool(area, "check_amt_bmc.exe").state, State::kFound);
+  const CheckedTool tool = FindTool(area, "amt_log.exe");
+  EXPECT_EQ(tool.state, State::kMissing);
+  EXPECT_EQ(tool.text,
+            "C:\\Halyard\\pq_tools\\amt_log.exe is not there; put it in its place (from the "
+            "production host), or AMTLOG stays empty");
+}
+
+TEST(MachineCheck, NeedsNoToolForADeviceThatIsNotThere) {
+  CheckedMachine machine = MachineWithout({"amt_log.exe"});
+  machine.devices["Intel AMT"] = false;
+  const MachineCheck check = CheckMachine(machine, {});
+  const CheckedArea area = FindArea(check, "Intel AMT");
+  EXPECT_TRUE(check.isComplete);
+  EXPECT_EQ(area.rating, Rating::kNotNeeded);
+  EXPECT_EQ(area.text, "this machine does not have AMT");
+  EXPECT_EQ(FindTool(area, "amt_log.exe").state, State::kNotNeeded);
+}
+
+TEST(MachineCheck, MissesAToolForADeviceThatNobodyKnowsOf) {
+  const MachineCheck check = CheckMachine(MachineWithout({"arcconf.exe"}), {});
+  const CheckedArea area = FindArea(check, "Microchip RAID");
+  EXPECT_FALSE(check.isComplete);
+  EXPECT_EQ(area.text,
+            "arcconf.exe is not there; it is not known whether this machine has a Microchip "
+            "controller");
+  EXPECT_THAT(FindTool(area, "arcconf.exe").text,
+              HasSubstr("; if this machine has a Microchip controller, put it in its place "
+                        "(ARCCONF, from Microchip, formerly Adaptec), or these stay empty: "));
+}
+
+TEST(MachineCheck, NeedsOneOfTwoToolsThatDoTheSame) {
+  for (const auto& [missing, other] : {std::pair("rstcli64_5.exe", "IntelVROCCli.exe"),
+                                       std::pair("IntelVROCCli.exe", "rstcli64_5.exe")}) {
+    const MachineCheck check = CheckMachine(MachineWithout({missing}), {});
+    const CheckedArea area = FindArea(check, "Intel RAID");
+    EXPECT_TRUE(check.isComplete);
+    EXPECT_EQ(area.rating, Rating::kFull);
+    const CheckedTool tool = FindTool(area, missing);
+    EXPECT_EQ(tool.state, State::kNotNeeded);
+    EXPECT_THAT(tool.text, HasSubstr(std::string("not needed: ") + other));
+  }
+  const MachineCheck check =
+      CheckMachine(MachineWithout({"IntelVROCCli.exe", "rstcli64_5.exe"}), {});
+  EXPECT_FALSE(check.isComplete);
+  EXPECT_EQ(FindArea(check, "Intel RAID").rating, Rating::kNothing);
+}
+
+TEST(MachineCheck, RatesAnAreaOfWhichSomeCanBeFoundOut) {
+  const MachineCheck check = CheckMachine(MachineWithout({"\\arp.exe", "arp.exe"}), {});
+  const CheckedArea area = FindArea(check, "Network");
+  EXPECT_EQ(area.rating, Rating::kPartly);
+  EXPECT_EQ(area.text, "ARPINFO stays empty: arp.exe is not there");
+}
+
+TEST(MachineCheck, MissesAToolThatOnlyLeavesAFile) {
+  CheckedMachine machine = MachineWithout({"eventslog_convert.exe", "getsmbios.exe"});
+  machine.devices["LSI RAID"] = true;
+  const MachineCheck check = CheckMachine(machine, {});
+  EXPECT_EQ(FindArea(check, "LSI RAID").rating, Rating::kPartly);
+  EXPECT_EQ(FindArea(check, "LSI RAID").text,
+            "all tables, but not all files of the log folder: eventslog_convert.exe is not there");
+  EXPECT_EQ(FindArea(check, "SMBIOS").rating, Rating::kNothing);
+  EXPECT_FALSE(check.isComplete);
+}
+
+TEST(MachineCheck, FindsNothingOutWhereNobodyCanLookForTheDevice) {
+  const MachineCheck check = CheckMachine(MachineWithout({"check_amt_bmc.exe"}), {});
+  EXPECT_EQ(FindArea(check, "BMC").rating, Rating::kNothing);
+  EXPECT_THAT(FindArea(check, "BMC").text, StartsWith("check_amt_bmc.exe is not there"));
+}
+
+TEST(MachineCheck, SaysWhatAnotherLanguageLeavesEmpty) {
   CheckedMachine machine = WholeMachine();
-  machine.locate = [](const std::string& program) {
-    return program.ends_with("amt_log.exe") ? std::nullopt : std::optional(program);
-  };
-  const std::vector<Finding> found = FindAbout(machine, "AMT_Info");
-  ASSERT_EQ(found.size(), 2U);
-  EXPECT_EQ(found[0].kind, Kind::kGood);
-  EXPECT_EQ(found[1].kind, Kind::kMissing);
-  EXPECT_EQ(found[1].text,
-            "C:\\Halyard\\pq_tools\\amt_log.exe is not there; put it in its place, or AMTLOG "
-            "stays empty");
+  machine.facts.languageId = 1031;
+  const CheckedArea area = FindArea(CheckMachine(machine, {}), "Network");
+  EXPECT_EQ(area.rating, Rating::kPartly);
+  EXPECT_EQ(area.text,
+            "ARPINFO, NETSTATINFO stay empty: the tables are made on US English systems only");
 }
 
 TEST(MachineCheck, MissesASystemsProgramThatAnotherIsTakenFor) {
@@ -92,13 +236,13 @@ TEST(MachineCheck, MissesASystemsProgramThatAnotherIsTakenFor) {
   machine.locate = [](const std::string& program) {
     return program == "route" ? "D:\\Support\\route.BAT" : "c:\\windows\\SYSTEM32\\" + program;
   };
-  std::vector<std::string> missing;
-  for (const Finding& finding : FindAbout(machine, "Windows_Related_Info")) {
-    if (finding.kind == Kind::kMissing) missing.push_back(finding.text);
-  }
-  EXPECT_EQ(missing, std::vector<std::string>{
-                         "D:\\Support\\route.BAT would be run for the system's route; remove it, "
-                         "or take its folder out of PATH"});
+  const MachineCheck check = CheckMachine(machine, {});
+  const CheckedTool tool = FindTool(FindArea(check, "Network"), "route");
+  EXPECT_FALSE(check.isComplete);
+  EXPECT_EQ(tool.state, State::kPlanted);
+  EXPECT_EQ(tool.text,
+            "D:\\Support\\route.BAT would be run for the system's route; remove it, or take its "
+            "folder out of PATH");
 }
 
 TEST(MachineCheck, MissesTheInterpreter) {
@@ -194,34 +338,64 @@ TEST(MachineCheck, MissesAToolWhoseLineIsCutAtAnyBlankOfTheHostFolder) {
   EXPECT_EQ(FindOne(machine, "host folder").kind, Kind::kGood);
 }
 
-TEST(CheckCommand, EndsWithZeroWhereEveryToolIsRecorded) {
-  const test::HostRun run = test::RunHost(
-      {"check", "--replay", test::Sample("two-socket-server"), "--module", "BMC_Info"});
-  EXPECT_EQ(run.exitCode, 0);
-  EXPECT_EQ(run.out,
-            "ok       BMC_Info     C:\\Halyard\\pq_tools\\check_amt_bmc.exe\n"
-            "ok       BMC_Info     C:\\Halyard\\pq_tools\\ipmiutilnh.exe\n"
-            "ok       language     1033, English (United States)\n"
-            "ok       host folder  C:\\Halyard\n");
+TEST(CheckCommand, EndsWithZeroWhereAllIsThereThatTheMachineNeeds) {
+  const test::HostRun run = test::RunHost({"check", "--replay", test::Sample("two-socket-server")});
+  EXPECT_EQ(run.exitCode, 0) << run.out;
+  EXPECT_THAT(run.out, StartsWith("LSI RAID: full\n"
+                                  "  ok       C:\\Halyard\\utilities\\lsi\\storcli.exe (StorCLI, "
+                                  "from Broadcom, formerly LSI)\n"));
+  EXPECT_THAT(run.out, HasSubstr("\nIntel AMT: not needed: this machine does not have AMT\n"));
+  EXPECT_THAT(run.out, HasSubstr("IntelVROCCli.exe is not there, and not needed: rstcli64_5.exe is "
+                                 "there in its place\n"));
+  EXPECT_THAT(run.out, testing::EndsWith("\nmachine\n"
+                                         "  ok       language     1033, English (United States)\n"
+                                         "  ok       host folder  C:\\Halyard\n"));
 }
 
 TEST(CheckCommand, EndsWithOneWhereAToolIsMissing) {
   const test::HostRun run = test::RunHost({"check", "--replay", test::Sample("bare-machine")});
   EXPECT_EQ(run.exitCode, 1);
-  EXPECT_NE(run.out.find("missing  "), std::string::npos) << run.out;
-  EXPECT_NE(run.out.find("note     language"), std::string::npos) << run.out;
+  EXPECT_THAT(run.out, HasSubstr("\n  missing  "));
+  EXPECT_THAT(run.out, HasSubstr("\n  note     language"));
+}
+
+TEST(CheckCommand, KnowsTheDevicesOfARecordedMachine) {
+  const auto ask = [](const char* sample) {
+    return test::RunHost({"check", "--replay", test::Sample(sample)}).out;
+  };
+  EXPECT_THAT(ask("no-controller"), HasSubstr("LSI RAID: not needed: "));
+  EXPECT_THAT(ask("no-bmc"), HasSubstr("BMC: not needed: this machine does not have a BMC\n"));
+  EXPECT_THAT(ask("amt-desktop"), HasSubstr("Intel AMT: full\n"));
+  // There is a row for a controller that nobody could ask.
+  EXPECT_THAT(ask("bmc-unreachable"), HasSubstr("LSI RAID: nothing: "));
+}
+
+TEST(CheckCommand, TellsProgramsTheSame) {
+  const test::HostRun run = test::RunHost({"check", "--replay", test::Sample("two-socket-server"),
+                                           "--module", "BMC_Info", "--format", "json"});
+  EXPECT_EQ(run.exitCode, 0);
+  const auto all = nlohmann::json::parse(run.out);
+  EXPECT_EQ(all["complete"], true);
+  ASSERT_EQ(all["areas"].size(), 1U);
+  const auto& bmc = all["areas"][0];
+  EXPECT_EQ(bmc["area"], "BMC");
+  EXPECT_EQ(bmc["modules"], nlohmann::json{"BMC_Info"});
+  EXPECT_EQ(bmc["device"], "a BMC");
+  EXPECT_EQ(bmc["hasDevice"], "yes");
+  EXPECT_EQ(bmc["rating"], "full");
+  EXPECT_EQ(bmc["tables"].size(), 10U);
+  EXPECT_EQ(bmc["tools"][1].dump(),
+            R"({"path":"C:\\Halyard\\pq_tools\\ipmiutilnh.exe","product":"ipmiutil",)"
+            R"("program":"ipmiutilnh.exe","state":"found","text":"",)"
+            R"("vendor":"the ipmiutil project"})");
+  EXPECT_EQ(all["machine"][0].dump(),
+            R"x({"state":"ok","subject":"language","text":"1033, English (United States)"})x");
 }
 
 TEST(CheckCommand, SaysWhatIsWrongWithARecording) {
   const test::HostRun run = test::RunHost({"check", "--replay", "nowhere"});
   EXPECT_EQ(run.exitCode, 2);
   EXPECT_EQ(run.out, "");
-}
-
-TEST(CheckCommand, HasNoFormat) {
-  const test::HostRun run = test::RunHost({"check", "--format", "json"});
-  EXPECT_EQ(run.exitCode, 2);
-  EXPECT_EQ(run.error, "pqhost: there is no option --format (see pqhost check --help)\n");
 }
 
 TEST(DryRunCommand, ShowsTheCommandLinesOfTheModulesInOrder) {

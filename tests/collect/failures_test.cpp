@@ -75,6 +75,35 @@ TEST(Failures, NameAToolThatTheHostEnded) {
   EXPECT_EQ(list.Failures()[0].text, "did not end by itself and was ended after 30 s");
 }
 
+TEST(Failures, NameAToolThatIsNotStartedAgainOnce) {
+  FailureList list;
+  CollectionListeners listeners;
+  listeners.Add(list);
+  listeners.Module("A", "");
+  for (int i = 0; i < 2; ++i) {
+    listeners.OnProcess("cmd.exe", "/c storcli.exe show", true, false);
+    listeners.OnToolRefused(30);
+    listeners.Log({4, "f", 1, "[repo] CreateProcess failed (1223)"});
+    listeners.Log({1, "f", 1, "[repo] an error that follows from it"});
+  }
+  ASSERT_EQ(list.Failures().size(), 1U);
+  EXPECT_EQ(list.Failures()[0].tool, "storcli.exe");
+  EXPECT_EQ(list.Failures()[0].text, "was not started again, because it had been ended after 30 s");
+}
+
+TEST(Failures, AreToldAgainAfterAToolThatIsNotStartedAgain) {
+  FailureList list;
+  list.Module("A", "");
+  list.OnProcess("cmd.exe", "/c storcli.exe show", true, false);
+  list.OnToolRefused(30);
+  list.Log({3, "f", 1, "[repo] Failed to create pipe for arp info"});
+  list.OnProcess("cmd.exe", "/c route print", true, false);
+  list.Log({4, "f", 1, "[repo] CreateProcess failed (5)"});
+  ASSERT_EQ(list.Failures().size(), 3U);
+  EXPECT_EQ(list.Failures()[1].text, "Failed to create pipe for arp info");
+  EXPECT_EQ(list.Failures()[2].text, "CreateProcess failed (5)");
+}
+
 TEST(Failures, NameAToolThatWantedMoreMemory) {
   FailureList list;
   CollectionListeners listeners;

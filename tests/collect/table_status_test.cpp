@@ -168,6 +168,40 @@ TEST(TableStatus, TellsAToolThatTheHostEnded) {
             "storcli.exe was ended after 30 s");
 }
 
+TEST(TableStatus, TellsAToolThatIsNotStartedAgain) {
+  Watched watched("sampleModule2");
+  watched.Runs(StorcliCommand("/c0 show events", "raidevents.txt"), 1);
+  watched.tracker.OnToolEnded(30);
+  watched.tracker.OnProcess("cmd.exe", StorcliCommand("/c0 show termlog", "fwtermlog.txt"), false,
+                            false);
+  watched.tracker.OnToolRefused(30);
+  watched.Logs("CreateProcess failed (1223)");
+  EXPECT_EQ(watched.tracker.FindStatus("sampleModule2", "EVENTLOG1", 0).text,
+            "storcli.exe was ended after 30 s");
+  const TableStatus status = watched.tracker.FindStatus("sampleModule2", "FWTERMLOG", 0);
+  EXPECT_EQ(status.outcome, "ended");
+  EXPECT_EQ(status.text, "storcli.exe had been ended after 30 s and was not started again");
+  const auto hasRows = [](const std::string& /*className*/) { return false; };
+  EXPECT_TRUE(watched.tracker.FindFailedTools(hasRows).empty());  // Told already.
+}
+
+TEST(TableStatus, KnowsOfNoDeviceThatATestWasNotStartedAgainFor) {
+  const std::string test = "/c \"C:\\H\\pq_tools\\check_amt_bmc.exe\" ";
+  Watched watched("BMC_Info");
+  watched.tracker.OnProcess("cmd.exe", test + "bmc", false, false);
+  watched.tracker.OnToolRefused(30);
+  watched.Logs("CreateProcess failed (1223)").Logs("check_amt_bmc bmc command meets error");
+  EXPECT_EQ(watched.tracker.FindStatus("BMC_Info", "SELINFO", 0).text,
+            "check_amt_bmc.exe had been ended after 30 s and was not started again, so it is not "
+            "known whether this machine has a BMC");
+  watched.tracker.Module("AMT_Info", "");
+  watched.tracker.OnProcess("cmd.exe", test + "amt", false, false);
+  watched.tracker.OnToolRefused(30);
+  watched.Logs("CreateProcess failed (1223)");
+  EXPECT_EQ(watched.tracker.FindStatus("AMT_Info", "AMTLOG", 0).text,
+            "check_amt_bmc.exe had been ended after 30 s and was not started again");
+}
+
 TEST(TableStatus, TellsAToolThatWantedMoreMemory) {
   Watched watched("sampleModule2");
   watched.Runs(StorcliCommand("/c0 show termlog", "fwtermlog.txt"), 1);
@@ -417,6 +451,18 @@ TEST(OldFiles, AreToldOfAReportThatCouldNotBeWritten) {
   EXPECT_EQ(FailureOf(watched),
             "storcli.exe did not run, because c0_showall.txt could not be written; files of "
             "2026-11-21 17:03:12 UTC+01:00 are used instead TINFO VINFO PINFO LSILINK");
+}
+
+TEST(OldFiles, AreToldOfAToolThatIsNotStartedAgain) {
+  Watched watched("sampleModule2");
+  watched.oldFiles[kDrives] = WrittenAt("2026-11-21T17:03:12+01:00");
+  watched.tracker.OnProcess("cmd.exe", StorcliCommand("/c0 show", "c0_showall.txt"), false, false);
+  watched.tracker.OnToolRefused(30);
+  watched.Reads(kDrives);
+  EXPECT_EQ(
+      NoteOf(watched, "sampleModule2", "PINFO"),
+      "from files of 2026-11-21 17:03:12 UTC+01:00; storcli.exe had been ended after 30 s and "
+      "was not started again");
 }
 
 TEST(OldFiles, AreToldOfAnArchiveWhoseToolIsMissing) {

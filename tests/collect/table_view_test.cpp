@@ -23,8 +23,9 @@ Texts Copy(const std::vector<DecodedText>& texts) {
 
 /// A made collection's view and that of its first table.
 struct Viewed {
-  explicit Viewed(MadeCollection& made)
-      : collection(made.Get()), table(collection.ViewTable(made.Get().tables.front())) {}
+  explicit Viewed(MadeCollection& made, Attachments attachments = Attachments::kShown)
+      : collection(made.Get(), attachments),
+        table(collection.ViewTable(made.Get().tables.front())) {}
 
   /// The cells of a row under the table's columns.
   Texts Cells(std::size_t number) const {
@@ -157,11 +158,10 @@ TEST(TableView, TellsIntegersFromTexts) {
   EXPECT_EQ(viewed.Cells(0), (Texts{"-7", "-7"}));
 }
 
-TEST(TableView, LetsGoOfWholeFilesButNotOfTheirNames) {
+TEST(TableView, LeavesWholeFilesOutButNotTheirNames) {
   MadeCollection made;
   made.Table("T").Row({{"A", "1"}}).FileRow("content", "x.txt");
-  RemoveAttachments(made.Get());
-  const Viewed viewed(made);
+  const Viewed viewed(made, Attachments::kLeftOut);
   EXPECT_EQ(viewed.table.RowAt(0).CellAt(0).Text().View(), "1");
   const CellView file = viewed.table.RowAt(1).CellAt(0);
   EXPECT_EQ(file.Kind(), CellKind::kNothing);

@@ -98,7 +98,7 @@ TEST(CsvFolder, HasAFileForEachTableWhoseNameIsOneOnEverySystem) {
   MadeCollection made;
   made.Table("T").Row({{"A", "1"}}).Table("t").Row({{"B", "2"}}).Table("../x?").Row({{"C", "3"}});
   const test::TemporaryFolder folder;
-  WriteCsvFolder(made.Get(), /*identifiesRows=*/false, folder.Path());
+  WriteCsvFolder(made.Get(), {}, folder.Path());
   EXPECT_THAT(folder.Files(), testing::UnorderedElementsAre("T.csv", "t_2.csv", "___x_.csv"));
   EXPECT_EQ(folder.Read("t_2.csv"), "B\r\n2\r\n");
 }

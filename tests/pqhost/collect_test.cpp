@@ -175,7 +175,7 @@ TEST(Collect, ReplacesAnEarlierResult) {
   const TemporaryFolder folder;
   folder.Write("o", "old");
   ReplayServer({"--table", "ARPINFO", "--format", "ndjson", "--output", folder / "o"});
-  EXPECT_THAT(folder.Read("o"), StartsWith("{\"class\":\"ARPINFO\""));
+  EXPECT_THAT(folder.Read("o"), StartsWith("{\"machine\":\"NODE31\""));
   EXPECT_THAT(folder.Files(), ElementsAre("o"));
 }
 

@@ -598,6 +598,39 @@ def check_tool_limit(tool, mode, is_ended):
     return check
 
 
+def check_hung_tool(binaries, standins, _pqhost, sample):
+    """A BMC's utility that hangs is started once, though a dozen steps ask for it."""
+    folder = OUTPUT / "hung_tool"
+    shutil.rmtree(folder, ignore_errors=True)
+    folder.mkdir(parents=True)
+    result = folder / "result.json"
+    with Machine(binaries, standins, sample) as machine:
+        host_folder = machine.host.rpartition("\\")[0]
+        program = unix_path(f"{host_folder}\\pq_tools\\ipmiutilnh.exe")
+        program.unlink()
+        place(standins / "standin_endless.exe", program)
+        began = time.monotonic()
+        ran = run_wine([machine.host, "collect", "--module", "BMC_Info", "--log-folder",
+                        machine.log_folder.rstrip("\\"), "--format", "json", "--output",
+                        windows_path(result), "--tool-limit", str(TOOL_LIMIT)],
+                       US_ENGLISH,
+                       standin_variables(sample, folder / "state")
+                       | {"PQ_STANDIN_MODE": "hang"} | interpreter_of_ours())
+        seconds = time.monotonic() - began
+    said = ran.stderr.decode(errors="replace")
+    ended = f"did not end by itself and was ended after {TOOL_LIMIT} s"
+    refused = f"was not started again, because it had been ended after {TOOL_LIMIT} s"
+    if ran.returncode != 1 or said.count(ended) != 1 or said.count(refused) != 1:
+        raise Failure(f"exit code {ran.returncode}: {said}")
+    if seconds > 4 * TOOL_LIMIT:
+        raise Failure(f"it took {seconds} s")
+    tables = json.loads(result.read_text(encoding="utf-8"))["tables"]
+    texts = {table["class"]: table["status"]["text"] for table in tables}
+    if not texts["SELINFO"].endswith(f"had been ended after {TOOL_LIMIT} s and was not started again"):
+        raise Failure(f"status: {texts}")
+    return len(tables)
+
+
 def check_killed(binaries, standins, _pqhost, sample):
     """The program is killed while arp.exe hangs: arp.exe and its interpreter go with it."""
     folder = OUTPUT / "killed"
@@ -882,6 +915,7 @@ def main():
                                  ("route", "hang", True), ("route", "leave-child", False)]:
         check(f"{tool} with a limit ({mode})", check_tool_limit(tool, mode, is_ended),
               ROOT / "samples" / "two-socket-server")
+    check("a tool that hangs each time", check_hung_tool, ROOT / "samples" / "two-socket-server")
     check("planted programs", check_planted, ROOT / "samples" / "two-socket-server")
     check("a killed collection", check_killed, ROOT / "samples" / "two-socket-server")
     check("AMT login", check_login, ROOT / "samples" / "amt-desktop")

@@ -28,10 +28,6 @@ constexpr Severity kSeverities[] = {
     {"noncritical", 1},   {"critical", 2}, {"nonrecoverable", 3}, {"fatal", 3},
 };
 
-std::string_view GetFrom(std::string_view text, std::string_view word) {
-  return text.substr(static_cast<std::size_t>(word.data() - text.data()));
-}
-
 std::optional<Event> ReadEntry(std::string_view line, const Place& at) {
   constexpr std::size_t kSeverity = 3;
   const std::vector<std::string_view> words = ListWords(line);

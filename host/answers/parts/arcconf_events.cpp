@@ -30,13 +30,6 @@ Integer FindLevel(std::string_view word) {
   return found->level;
 }
 
-/// The text from the word at `place` on, counted from 0; empty without such a word.
-std::string_view GetFromWord(std::string_view line, const std::vector<std::string_view>& words,
-                             std::size_t place) {
-  if (place >= words.size()) return {};
-  return Trim(line.substr(static_cast<std::size_t>(words[place].data() - line.data())));
-}
-
 bool IsHead(std::string_view line) {
   return line.empty() || IsRule(line, '-', 3) || LowerCase(line).starts_with("event log for");
 }
@@ -67,7 +60,7 @@ void ReadArcconfEvents(const Report& report, Parts& parts) {
     event.time = time;
     event.level = level;
     event.asserted = 1;
-    event.text = GetFromWord(told, words, 3);
+    if (words.size() > 3) event.text = GetFrom(told, words[3]);
     event.part = "controllers";
     event.partId = report.controller;
   }

@@ -308,7 +308,7 @@ void ReadLeds(const CollectedRows& rows, Parts& parts) {
           return;
         }
         Led& led = parts.leds.emplace_back();
-        led.id = line.substr(0, static_cast<std::size_t>(label->end() - line.begin()));
+        led.id = line.substr(0, line.size() - GetAfter(line, *label).size());
         led.readAt = at;
         if (after == 2) led.colour = LowerCase(label[1]);
         led.state = LowerCase(label[after]);

@@ -148,6 +148,14 @@ constexpr StateWord kCacheBackupWords[] = {
     {"temporarily disabled", "bad"},
 };
 
+/// Words within what controllers say of batteries and capacitors in many ways. The first one
+/// counts, so that what passes hides nothing that stays.
+constexpr StateWord kCacheBackupSigns[] = {
+    {"failed", "failed"},    {"dgd", "bad"},          {"degraded", "bad"},  {"attention", "bad"},
+    {"missing", "bad"},      {"replace", "bad"},      {"not ready", "bad"}, {"disabled", "bad"},
+    {"not charging", "bad"}, {"charging", "passing"}, {"learn", "passing"},
+};
+
 std::string_view Find(std::span<const StateWord> words, std::string_view state) {
   const std::string word = LowerCase(Trim(state));
   if (word.empty()) return "untold";
@@ -165,7 +173,13 @@ std::string_view Find(std::span<const StateWord> words, std::string_view state) 
 std::string_view FindDriveCondition(std::string_view state) { return Find(kDriveWords, state); }
 std::string_view FindVolumeCondition(std::string_view state) { return Find(kVolumeWords, state); }
 std::string_view FindCacheBackupCondition(std::string_view state) {
-  return Find(kCacheBackupWords, state);
+  const std::string_view condition = Find(kCacheBackupWords, state);
+  if (condition != "unknown") return condition;
+  const std::string text = LowerCase(state);
+  for (const StateWord& sign : kCacheBackupSigns) {
+    if (text.find(sign.word) != std::string::npos) return sign.condition;
+  }
+  return condition;
 }
 
 }  // namespace host

@@ -15,6 +15,10 @@ constexpr std::string_view kLongHeads[] = {"LU/NS Count", "Next Learn"};
 
 constexpr std::size_t kShortestRule = 10;
 
+/// Tables have some 15. Every row is compared with all heads, so that a line of any number of words
+/// must not become as many.
+constexpr std::size_t kMostHeads = 64;
+
 /// From the first of `words` to the end of the last.
 std::string_view Join(const std::vector<std::string_view>& words, std::size_t first,
                       std::size_t count) {
@@ -41,6 +45,7 @@ std::string_view RowCells::operator[](std::string_view head) const {
 
 TableHeads::TableHeads(std::string_view line) {
   for (const std::string_view word : ListWords(line)) {
+    if (heads.size() == kMostHeads) return;
     const auto begin = static_cast<std::size_t>(word.data() - line.data());
     const std::size_t end = begin + word.size();
     if (!heads.empty()) {

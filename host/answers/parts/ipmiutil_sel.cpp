@@ -21,11 +21,6 @@ bool IsHex(std::string_view text, std::size_t digits) {
   return ReadHexDigits(text, digits, digits).has_value();
 }
 
-/// The text from `word`, a part of it, to its end.
-std::string_view GetFrom(std::string_view text, std::string_view word) {
-  return text.substr(static_cast<std::size_t>(word.data() - text.data()));
-}
-
 /// The three bytes and the trigger at the end of a record: "Redundancy Lost 0b [01 ff ff]".
 struct Trigger {
   std::int64_t trigger = 0;
@@ -39,8 +34,7 @@ std::optional<Trigger> SplitTrigger(std::string_view detail) {
   const bool fits = IsHex(last[0], 2) && last[1].starts_with('[') && IsHex(last[1].substr(1), 2) &&
                     IsHex(last[2], 2) && last[3].ends_with(']') && IsHex(last[3].substr(0, 2), 2);
   if (!fits) return std::nullopt;
-  return Trigger{*ReadHex(last[0]), *ReadHex(last[1].substr(1)),
-                 Trim(detail.substr(0, static_cast<std::size_t>(last[0].data() - detail.data())))};
+  return Trigger{*ReadHex(last[0]), *ReadHex(last[1].substr(1)), Trim(GetBefore(detail, last[0]))};
 }
 
 /// "Lo Noncrit thresh ...", "HiC thresh ...": the number of the threshold's event.

@@ -129,9 +129,7 @@ bool SensorReader::TakeReading(std::string_view line, const Place& at) {
   const std::vector<std::string_view> cells = SplitCells(line);
   if (cells.size() < 2 || (cells.size() > kSdrType && cells[kSdrType] == "SDRType")) return true;
   const bool isStock = IsStockReading(cells);
-  if (isStock ? cells.size() <= kReading : !IsBareReading(cells)) {
-    return false;
-  }
+  if (isStock ? cells.size() <= kReading : !IsBareReading(cells)) return false;
   if (!isStock) {
     Sensor& sensor = Add(std::string(cells[0]), at);
     sensor.status = LowerCase(cells[kBareStatus]);
@@ -183,18 +181,14 @@ bool SensorReader::TakeRecord(std::string_view line, const Place& at) {
   const Integer eventType = ReadHexDigits(get(kEventType), 2, 2);
   const Integer type = ReadHexDigits(get(kSensorType), 2, 2);
   const Integer number = ReadHexDigits(get(kSensorNumber), 2, 2);
-  const std::size_t nameAt =
-      words.size() <= kSensorNumber
-          ? line.size()
-          : static_cast<std::size_t>(words[kSensorNumber].end() - line.begin());
-  const std::size_t equals = line.find("= ", nameAt);
+  const std::string_view rest =
+      words.size() > kSensorNumber ? GetAfter(line, words[kSensorNumber]) : std::string_view();
+  const std::size_t equals = rest.find("= ");
   const std::vector<std::string_view> told =
-      ListWords(equals == std::string_view::npos ? "" : line.substr(equals + 1));
+      ListWords(equals == std::string_view::npos ? "" : rest.substr(equals + 1));
   const Integer raw = told.empty() ? std::nullopt : ReadHexDigits(told[0], 2, 4);
-  if (!eventType || !type || !number || get(kLabel) != "snum" || !raw) {
-    return false;
-  }
-  const std::string name(Trim(line.substr(nameAt, equals - nameAt)));
+  if (!eventType || !type || !number || get(kLabel) != "snum" || !raw) return false;
+  const std::string name(Trim(rest.substr(0, equals)));
   Sensor& sensor = FindOrAdd(name, *number, at);
   sensor.number = number;
   sensor.type = type;

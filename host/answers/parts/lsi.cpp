@@ -92,6 +92,21 @@ void KeepUnread(const CollectedRow& row, std::string_view key, Parts& parts) {
   parts.unread.push_back(std::move(unread));
 }
 
+void ReadSummaryRow(const CollectedRows& rows, Parts& parts) {
+  for (const CollectedRow& row : rows.ListRows("RAIDINFO")) {
+    Controller controller;
+    controller.id = "lsi0";
+    controller.readAt = row.PlaceOf("ProductName", "storcli /c0 show");
+    controller.vendor = kLsi;
+    controller.number = "0";
+    controller.model = row.Get("ProductName");
+    controller.serial = row.Get("SerialNumber");
+    controller.firmware = row.Get("FWPackageBuild");
+    controller.systemTime = ReadTime(row.Get("SystemTime"));
+    parts.controllers.push_back(std::move(controller));
+  }
+}
+
 // Columns of these tables are dealt by number: a row whose size is none is one that does not fit.
 void ReadDriveRows(const CollectedRows& rows, Parts& parts) {
   for (const CollectedRow& row : rows.ListRows("PINFO")) {
@@ -162,6 +177,7 @@ void ReadLsi(const CollectedRows& rows, Parts& parts) {
     }
   }
   if (!HasLsi(parts)) {
+    ReadSummaryRow(rows, parts);
     ReadDriveRows(rows, parts);
     ReadVolumeRows(rows, parts);
   }

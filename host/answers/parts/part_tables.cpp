@@ -1,5 +1,7 @@
 #include "host/answers/parts/part_tables.h"
 
+#include <fmt/format.h>
+
 #include <initializer_list>
 #include <optional>
 #include <string>
@@ -290,6 +292,13 @@ const std::vector<PartTable>& MakeTables() {
 }
 
 }  // namespace
+
+std::string FormatPartValue(const PartValue& value, std::string_view none) {
+  if (const auto* text = std::get_if<std::string_view>(&value)) return std::string(*text);
+  if (const auto* integer = std::get_if<std::int64_t>(&value)) return fmt::format("{}", *integer);
+  if (const auto* real = std::get_if<double>(&value)) return fmt::format("{}", *real);
+  return std::string(none);
+}
 
 std::span<const PartTable> GetPartTables() { return MakeTables(); }
 

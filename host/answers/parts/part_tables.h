@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string>
 #include <string_view>
 #include <variant>
 #include <vector>
@@ -17,6 +18,9 @@ enum class PartType { kText, kInteger, kReal };
 
 /// Nothing, or a value of the column's type. A text is a view of the part's own.
 using PartValue = std::variant<std::monostate, std::int64_t, double, std::string_view>;
+
+/// A number as JSON and CSV have it, a text as it is, nothing as `none`.
+std::string FormatPartValue(const PartValue& value, std::string_view none);
 
 struct PartColumn {
   std::string_view name;  ///< in snake case

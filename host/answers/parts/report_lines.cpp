@@ -39,6 +39,18 @@ std::vector<std::string_view> ListWords(std::string_view text) {
   return words;
 }
 
+std::string_view GetFrom(std::string_view text, std::string_view word) {
+  return text.substr(static_cast<std::size_t>(word.data() - text.data()));
+}
+
+std::string_view GetBefore(std::string_view text, std::string_view word) {
+  return text.substr(0, static_cast<std::size_t>(word.data() - text.data()));
+}
+
+std::string_view GetAfter(std::string_view text, std::string_view word) {
+  return GetFrom(text, word).substr(word.size());
+}
+
 std::optional<LabelledValue> SplitLabel(std::string_view line, char separator) {
   const std::size_t at = line.find(separator);
   if (at == std::string_view::npos) return std::nullopt;

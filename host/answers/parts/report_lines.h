@@ -31,6 +31,13 @@ std::string_view Trim(std::string_view text);
 /// The words of `text`: what is between blanks and tabs.
 std::vector<std::string_view> ListWords(std::string_view text);
 
+/// The end of `text`, from its part `word` on.
+std::string_view GetFrom(std::string_view text, std::string_view word);
+/// The beginning of `text`, up to its part `word`.
+std::string_view GetBefore(std::string_view text, std::string_view word);
+/// The end of `text`, after its part `word`.
+std::string_view GetAfter(std::string_view text, std::string_view word);
+
 /// A label with its value, both trimmed.
 struct LabelledValue {
   std::string_view label;

@@ -193,6 +193,14 @@ class EventList {
   std::string cacheBackup;
 };
 
+/// An event whose lines are being read.
+struct OpenEvent {
+  Event event;
+  ReportLine line;  ///< that it begins with
+  Integer target;
+  bool inData = false;
+};
+
 class DumpReader {
  public:
   DumpReader(const Report& report, Parts& parts)
@@ -205,13 +213,6 @@ class DumpReader {
   }
 
  private:
-  struct OpenEvent {
-    Event event;
-    ReportLine line;
-    Integer target;
-    bool inData = false;
-  };
-
   void Take(const ReportLine& line) {
     const auto split = SplitLabel(line.text, ':');
     if (!split) return;

@@ -9,6 +9,7 @@
 #include "frame/platform.h"
 #include "frame/tool_runner.h"
 #include "host/live/live.h"
+#include "host/live/windows/hardware.h"
 #include "host/live/windows/own_folder.h"
 #include "host/live/windows/system_text.h"
 #include "host/live/windows_name.h"
@@ -203,6 +204,7 @@ Surroundings LookAround(const std::filesystem::path& logFolder) {
   std::error_code ignored;
   const std::filesystem::space_info space = std::filesystem::space(folder, ignored);
   found.freeBytes = ignored ? 0 : space.available;
+  found.hardware = FindHardware();
   return found;
 }
 

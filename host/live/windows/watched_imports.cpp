@@ -16,7 +16,9 @@
 #include <vector>
 
 #include "frame/platform.h"
+#include "host/live/hung_tools.h"
 #include "host/live/windows/module_image.h"
+#include "host/live/windows/tool_console.h"
 #include "host/live/windows/tool_job.h"
 #include "host/recorded/interpreter.h"
 #include "host/secrets/amt_login.h"
@@ -30,7 +32,10 @@ struct Watch {
   HANDLE process = nullptr;      ///< the process started last, until it was awaited
   HANDLE pipe = nullptr;         ///< read end of the pipe made last
   std::unique_ptr<ToolJob> job;  ///< of the tool started last
-  ToolLimits limits;             ///< of that
+  std::unique_ptr<ToolConsole> console;
+  ToolLimits limits;        ///< of that
+  std::string startedLine;  ///< its command line, without a password
+  HungTools hung;
   std::vector<std::unique_ptr<ToolJob>>
       left;                       ///< of tools that are over, but left programs running
   std::optional<AmtLogin> login;  ///< that the tool started last was given
@@ -60,6 +65,19 @@ bool IsRefused() {
   return true;
 }
 
+/// Whether the tool of this command line hung before, and is not started again; says so.
+bool IsHung(const std::string& shownLine, const char* commandLine, bool isPiped) {
+  const std::optional<unsigned> seconds = GetWatch().hung.Find(shownLine);
+  if (!seconds) return false;
+  if (Recorder* recorder = FindRecorder()) {
+    recorder->BeginRun(commandLine, isPiped);
+    recorder->FailRun(kErrorCancelled);
+  }
+  GetObserver().OnToolRefused(*seconds);
+  SetLastError(kErrorCancelled);
+  return true;
+}
+
 /// Starts a process in a job of its own. Ctrl-C is for the host alone.
 template <typename Start>
 BOOL StartInJob(DWORD flags, PROCESS_INFORMATION& started, const Start& start) {
@@ -73,17 +91,27 @@ BOOL StartInJob(DWORD flags, PROCESS_INFORMATION& started, const Start& start) {
   return TRUE;
 }
 
+/// Tells what tools wrote to the console.
+void TellConsole() {
+  const std::string text = GetWatch().console->Take();
+  if (!text.empty()) GetObserver().OnToolConsole(text);
+}
+
 /// The tool started last is over, or the library abandoned it. What it left running goes on, but
 /// ends with the library's use.
 void EndTool() {
   Watch& watch = GetWatch();
   if (!watch.job) return;
+  TellConsole();
   const ToolLimits& limits = watch.limits;
   const ToolJob::Met met = watch.job->Stop();
   std::erase_if(watch.left, [](const auto& job) { return !job->IsRunning(); });
   if (watch.job->IsRunning()) watch.left.push_back(std::move(watch.job));
   watch.job.reset();
-  if (met.time) GetObserver().OnToolEnded(*limits.seconds);
+  if (met.time) {
+    watch.hung.Add(watch.startedLine, *limits.seconds);
+    GetObserver().OnToolEnded(*limits.seconds);
+  }
   if (met.memory) GetObserver().OnToolOutOfMemory(*limits.mebibytes);
 }
 
@@ -126,7 +154,8 @@ BOOL WINAPI WatchedCreateProcessA(LPCSTR application, LPSTR commandLine,
   const bool pipe = (startup->dwFlags & STARTF_USESTDHANDLES) != 0;
   const std::string shownLine = HidePassword(commandLine);
   GetObserver().OnProcess(application, shownLine, inheritHandles != FALSE, pipe);
-  if (IsRefused()) return FALSE;
+  if (IsRefused() || IsHung(shownLine, commandLine, pipe)) return FALSE;
+  GetWatch().startedLine = shownLine;
   GetWatch().login = FindAmtLogin(commandLine);
   if (Recorder* recorder = FindRecorder()) recorder->BeginRun(commandLine, pipe);
   const BOOL done = StartInJob(flags, *started, [&](DWORD allFlags) {
@@ -198,11 +227,13 @@ int WatchedSystem(const char* command) {
   EndTool();  // that the library abandoned
   TellAnswer();
   GetObserver().OnSystem(command);
-  if (IsRefused()) return -1;
+  const std::string line = std::string("/c ") + command;
+  if (IsRefused() || IsHung(line, line.c_str(), /*isPiped=*/false)) return -1;
+  GetWatch().startedLine = line;
   Recorder* recorder = FindRecorder();
-  if (recorder != nullptr) recorder->BeginRun(std::string("/c ") + command, /*isPiped=*/false);
+  if (recorder != nullptr) recorder->BeginRun(line, /*isPiped=*/false);
   const int result = RunSystem(command);
-  GetWatch().commandLine = std::string("/c ") + command;
+  GetWatch().commandLine = line;
   TellAnswer();
   if (recorder != nullptr) recorder->EndRun(static_cast<std::uint32_t>(result));
   return result;
@@ -270,6 +301,7 @@ void SetSlot(void** slot, void* function) {
 
 WatchedImports::WatchedImports(void* module, const LiveWatch& watch) {
   GetWatch().given = watch;
+  GetWatch().console = std::make_unique<ToolConsole>();
   for (const Import& import : ListImports(module)) {
     for (const Replacement& replacement : kReplacements) {
       if (import.function != replacement.function) continue;
@@ -284,10 +316,13 @@ WatchedImports::~WatchedImports() {
   Watch& watch = GetWatch();
   watch.job.reset();
   watch.left.clear();
+  watch.console.reset();
   watch.login.reset();
   watch.given = {};
   watch.process = watch.pipe = nullptr;
   watch.commandLine.clear();
+  watch.startedLine.clear();
+  watch.hung = {};
   watch.output.clear();
 }
 

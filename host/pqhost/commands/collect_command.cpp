@@ -10,7 +10,6 @@
 
 #include "host/check/dry_machine.h"
 #include "host/collect/recorded_source.h"
-#include "host/collect/table_view.h"
 #include "host/files/places.h"
 #include "host/files/whole_file.h"
 #include "host/formats/csv_folder.h"
@@ -193,12 +192,15 @@ int RunCollect(const CollectOptions& options, const Console& console) {
       collection.problems.push_back(std::move(cut));
     }
   }
-  if (options.leavesAttachmentsOut) RemoveAttachments(collection);
   if (isFolder) {
-    WriteCsvFolder(collection, options.result.identifiesRows, options.result.output.path);
+    WriteCsvFolder(collection,
+                   {.identifiesRows = options.result.identifiesRows,
+                    .leavesAttachmentsOut = options.leavesAttachmentsOut},
+                   options.result.output.path);
   } else {
     output->Write([&, &results = collection](Screen screen, std::ostream& out) {
       screen.showsAll = options.showsAll;
+      screen.leavesAttachmentsOut = options.leavesAttachmentsOut;
       screen.identifiesRows = options.result.identifiesRows;
       format.write(results, screen, out);
     });

@@ -12,14 +12,14 @@
 #include <string>
 #include <vector>
 
-#include "host/formats/database.h"
+#include "host/database/database.h"
 #include "host/formats/formats.h"
-#include "host/formats/shown_cell.h"
 #include "host/pqhost/commands/commands.h"
 #include "host/pqhost/commands/shared_options.h"
 #include "host/pqhost/query_sources.h"
 #include "host/program/deadline.h"
 #include "host/program/result_output.h"
+#include "host/text/count_text.h"
 #include "host/text/decoder.h"
 #include "host/text/path_text.h"
 #include "host/text/usage_error.h"

@@ -109,6 +109,15 @@ TEST(ArcconfConfig, FindsValuesInAnyColumnAndWithEmptyLinesBetween) {
   EXPECT_EQ(parts.controllers[0].serial, "A: 1");
 }
 
+TEST(ArcconfConfig, PartsALabelThatHoldsColons) {
+  EXPECT_EQ(host::SplitPaddedLabel("   Link: width and speed   : 8: 16")->label,
+            "Link: width and speed");
+  EXPECT_EQ(host::SplitPaddedLabel("   Write Cache Policy: Drive Specific")->value,
+            "Drive Specific");
+  EXPECT_EQ(host::SplitPaddedLabel("   Firmware             : ")->value, "");
+  EXPECT_FALSE(host::SplitPaddedLabel("Controller 0:CN0"));
+}
+
 TEST(ArcconfConfig, HasNoPartsWithoutAController) {
   const Parts parts = Read("Controllers found: 0\n\nCommand completed successfully.\n");
   EXPECT_THAT(parts.controllers, IsEmpty());
@@ -207,6 +216,15 @@ TEST(ArcconfConfig, KnowsMembersBySerialNumberThenAddressThenSlot) {
   EXPECT_EQ(parts.drives[3].group, "");
   EXPECT_EQ(parts.drives[3].member, Integer(0));
   EXPECT_THAT(parts.missingDrives, IsEmpty());
+}
+
+TEST(ArcconfConfig, TakesNoSerialNumberThatTwoDrivesHave) {
+  const Parts parts =
+      Read(Volumes(Volume(0, "   Segment 0 : Present (Controller:1,Enclosure:1,Slot:1) xxxx\n")) +
+           Drives(DriveLines(0, "Online", "         Serial number : xxxx\n") +
+                  DriveLines(1, "Online", "         Serial number : xxxx\n")));
+  EXPECT_EQ(parts.drives.at(0).group, "");
+  EXPECT_EQ(parts.drives.at(1).group, "mchp1 v0");
 }
 
 TEST(ArcconfConfig, TakesNoSlotThatTwoDrivesClaim) {
@@ -315,6 +333,13 @@ TEST(ArcconfConfig, HasWhateverBacksTheCacheUp) {
                   "   Status : of something else\n"),
       ElementsAre("mchp1 cache: Temporarily Disabled", "mchp1 cache backup: Not Fully Charged"));
   EXPECT_THAT(ListBackups("   Status : of no module\n"), IsEmpty());
+}
+
+TEST(ArcconfConfig, EndsTheModuleWithItsSection) {
+  const Parts parts =
+      Read(Controller(Heading("Controller Battery Information") + "   Status : Failed\n") +
+           Controller("   Controller Model                         : Orvane 3254\n"));
+  EXPECT_EQ(parts.controllers.at(0).model, "Orvane 3254");
 }
 
 TEST(ArcconfConfig, ReadsTheModulesOwnPartsBelowIt) {

@@ -2,29 +2,20 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
-#include <iterator>
 #include <map>
-#include <set>
 #include <string>
 #include <string_view>
-#include <variant>
 #include <vector>
 
-#include "host/answers/parts/part_tables.h"
-#include "host/answers/parts/storcli_drives.h"
-#include "host/answers/parts/storcli_events.h"
-#include "host/answers/parts/storcli_show.h"
-#include "tests/answers/parts/lsi_report.h"
+#include "host/answers/parts/parts.h"
+#include "tests/support/part_checks.h"
 #include "tests/support/random_recording.h"
 #include "tests/support/samples.h"
 
 namespace {
 
 using host::Parts;
-
-/// Texts by the key of their report.
-using Reports = std::map<std::string, std::string>;
+using test::Reports;
 
 /// What the samples' tools print, by the end of the command.
 std::vector<Reports> ListSampleReports() {
@@ -46,124 +37,10 @@ std::vector<Reports> ListSampleReports() {
   return list;
 }
 
-Parts Read(const Reports& reports) {
-  Parts parts;
-  const auto read = [&](const char* key, void (*reader)(const host::Report&, Parts&)) {
-    const auto found = reports.find(key);
-    if (found != reports.end()) reader(test::LsiReport(found->second, key), parts);
-  };
-  read("lsishowall", host::ReadStorcliShow);
-  read("pdlist", host::ReadStorcliDrives);
-  read("lsieventlog", host::ReadStorcliEvents);
-  read("lsifwtermlog", host::ReadStorcliTermLog);
-  return parts;
-}
-
-using Lines = std::map<std::string, std::vector<std::string_view>>;
-
-Lines SplitLines(const Reports& reports) {
-  Lines lines;
-  for (const auto& [key, text] : reports) {
-    host::ReportLines rest(text);
-    for (host::ReportLine line; rest.Next(line);) lines[key].push_back(line.text);
-  }
-  return lines;
-}
-
-/// The line of a place; in the event log all lines of the record that begins there.
-std::string FindText(const Lines& lines, const host::Place& place) {
-  const std::vector<std::string_view>& all = lines.at(place.key);
-  const auto first = static_cast<std::size_t>(place.line) - 1;
-  std::string text(all.at(first));
-  for (std::size_t i = first + 1; place.key == "lsieventlog" && i < all.size(); ++i) {
-    const auto split = host::SplitLabel(all[i], ':');
-    if (split && split->label == "seqNum") break;
-    text += '\n';
-    text += all[i];
-  }
-  return text;
-}
-
-/// Columns whose values are words or whole numbers of the line that they were read from; the others
-/// are made of them.
-const std::set<std::string_view> kColumnsAsPrinted{"model",
-                                                   "serial",
-                                                   "firmware",
-                                                   "status",
-                                                   "interface",
-                                                   "media",
-                                                   "name",
-                                                   "level",
-                                                   "access",
-                                                   "consistent",
-                                                   "cache",
-                                                   "smart_alert",
-                                                   "answer",
-                                                   "product",
-                                                   "text",
-                                                   "sense",
-                                                   "device_id",
-                                                   "media_errors",
-                                                   "busy",
-                                                   "other_errors",
-                                                   "shield",
-                                                   "slots",
-                                                   "predictive_failures",
-                                                   "fans",
-                                                   "volumes_declared",
-                                                   "drives_declared",
-                                                   "power_supplies"};
-
-/// A state of two columns is joined by a slash.
-bool ContainsState(std::string_view line, std::string_view state) {
-  const std::size_t slash = std::min(state.find('/'), state.size());
-  return line.find(state) != std::string_view::npos ||
-         (line.find(state.substr(0, slash)) != std::string_view::npos &&
-          line.find(state.substr(std::min(slash + 1, state.size()))) != std::string_view::npos);
-}
-
-void ExpectCellInItsLine(const Lines& lines, const host::Part& part,
-                         const host::PartColumn& column) {
-  const host::PartValue value = column.get(part);
-  if (value.index() == 0) return;
-  if (column.name != "state" && column.name != "temperature" &&
-      !kColumnsAsPrinted.contains(column.name)) {
-    return;
-  }
-  const std::string line = FindText(lines, host::FindPlace(part, column.name));
-  if (column.name == "state") {
-    EXPECT_TRUE(ContainsState(line, std::get<std::string_view>(value))) << part.id << ": " << line;
-  }
-  if (column.name == "temperature") {
-    const auto whole = static_cast<long>(std::floor(std::abs(std::get<double>(value))));
-    EXPECT_NE(line.find(std::to_string(whole)), std::string_view::npos) << part.id << ": " << line;
-  }
-  if (!kColumnsAsPrinted.contains(column.name)) return;
-  const auto* number = std::get_if<std::int64_t>(&value);
-  const std::string text =
-      number != nullptr ? std::to_string(*number) : std::string(std::get<std::string_view>(value));
-  EXPECT_NE(line.find(text), std::string_view::npos)
-      << part.id << " " << column.name << " " << text << ": " << line;
-}
+Parts Read(const Reports& reports) { return test::ReadLsiReports(reports); }
 
 void ExpectSoundParts(const Reports& reports) {
-  const Parts parts = Read(reports);
-  const Lines lines = SplitLines(reports);
-  std::size_t count = 0;
-  for (const host::PartTable& table : host::GetPartTables()) {
-    count += table.count(parts);
-    for (std::size_t i = 0; i < table.count(parts); ++i) {
-      const host::Part& part = table.at(parts, i);
-      EXPECT_GT(part.readAt.line, 0) << part.id;
-      for (const host::PartColumn& column : table.columns) {
-        ExpectCellInItsLine(lines, part, column);
-      }
-    }
-  }
-  std::size_t lineCount = 0;
-  for (const auto& [key, text] : lines) lineCount += text.size();
-  // The controller is made of several lines, and has none of its own.
-  EXPECT_LE(count, lineCount + 1);
+  EXPECT_EQ(test::FindUnsoundPart(reports, Read(reports)), "");
 }
 
 // Otherwise the properties below hold of nothing.

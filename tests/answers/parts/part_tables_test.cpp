@@ -91,6 +91,14 @@ TEST(Conditions, AreOneForAllTools) {
   EXPECT_EQ(host::FindCacheBackupCondition("Dgd (Needs Attention)"), "bad");
 }
 
+TEST(Conditions, OfCacheBackupsAreFoundWithinTheirWords) {
+  EXPECT_EQ(host::FindCacheBackupCondition("Degraded, charging"), "bad");
+  EXPECT_EQ(host::FindCacheBackupCondition("Not charging"), "bad");
+  EXPECT_EQ(host::FindCacheBackupCondition("Fast charging"), "passing");
+  EXPECT_EQ(host::FindCacheBackupCondition("Failed: over-voltage"), "failed");
+  EXPECT_EQ(host::FindCacheBackupCondition("Not Optimal"), "unknown");
+}
+
 TEST(Conditions, AreUnknownOrUntoldRatherThanWell) {
   EXPECT_EQ(host::FindDriveCondition("Wxyz"), "unknown");
   EXPECT_EQ(host::FindDriveCondition(" "), "untold");

@@ -11,13 +11,17 @@
 #include <vector>
 
 #include "host/collect/table_view.h"
-#include "host/formats/database.h"
-#include "host/formats/sql_names.h"
-#include "host/formats/sql_statement.h"
+#include "host/database/database.h"
+#include "host/database/sql_names.h"
+#include "host/database/sql_statement.h"
 
 namespace host {
 
 enum class Machines { kOne, kSeveral };
+
+/// A line of UTF-8 for each table of which a database does not hold all, since SQLite would not
+/// give it back: of values that are too large together, the end is kept.
+std::vector<std::string> DescribeDatabaseCuts(const Collection& collection);
 
 /// Adds collections to a database. What it throws is DatabaseError.
 class DatabaseWriter {
@@ -26,8 +30,20 @@ class DatabaseWriter {
   /// column `machine`.
   DatabaseWriter(Database& database, Machines machines);
 
-  /// Adds a collection; `machine` is what its machine is called, if there are several.
-  void Add(const Collection& collection, std::string_view machine = {});
+  using Facts = std::vector<std::pair<std::string, std::string>>;  ///< name and value
+  /// Adds a collection, with more `facts` of its machine, which is called `machine` if there are
+  /// several.
+  void Add(const CollectionView& view, const Facts& facts = {}, std::string_view machine = {});
+
+  struct PlainColumn {
+    std::string_view name;
+    const char* type;  ///< as SQL calls it
+  };
+  /// Adds rows to a table that is not of a class, of the machine added last; `addValues` adds those
+  /// of a row, which counts from 0.
+  void AddRows(std::string_view table, const std::vector<PlainColumn>& columns,
+               std::size_t rowCount,
+               const std::function<void(std::size_t row, Statement& values)>& addValues);
   /// Adds the tables of another database; for several machines.
   void Copy(Database& from, std::string_view machine);
   /// Takes all rows of a machine out again.
@@ -68,7 +84,7 @@ class DatabaseWriter {
   SqlTable& FindTable(std::string_view name, bool isOfClass);
   /// Makes `table` with `columns`, or adds those that it lacks; returns where each of them is.
   Places Provide(SqlTable& table, const std::vector<SqlColumn>& columns);
-  void AddMachine(const CollectionView& view, const Collection& collection);
+  void AddMachine(const CollectionView& view, const Facts& facts);
   void AddTable(const TableView& view, std::int64_t position);
   void AddRows(const TableView& view, const std::vector<KnownColumn>& columns,
                const SqlTable& table, const Places& places);

@@ -2,7 +2,8 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
-#include "host/formats/database.h"
+#include "host/database/database.h"
+#include "tests/support/program/filled_database.h"
 #include "tests/support/temporary_folder.h"
 
 namespace host {
@@ -31,7 +32,10 @@ TEST(DatabaseFile, IsNoPipeAndNoDevice) {
 TEST(DatabaseFile, MayHaveANameWithAQuestionMark) {
   const test::TemporaryFolder folder;
   folder.Write("a?mode=rwc&b#c.db", "");
-  Database(Database::NewFile{folder / "a?mode=rwc&b#c.db"}).Fill({});
+  {
+    Database database(Database::NewFile{folder / "a?mode=rwc&b#c.db"});
+    test::FillDatabase(database, {});
+  }
   Database database(folder / "a?mode=rwc&b#c.db");
   EXPECT_NO_THROW(database.Query(
       "SELECT * FROM tables", [](auto&) {}, [](auto&) {}));

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "host/formats/database.h"
+#include "host/database/database.h"
 #include "host/text/path_text.h"
 #include "tests/support/program/made_database.h"
 #include "tests/support/temporary_folder.h"

@@ -1,11 +1,11 @@
-#include "host/formats/sql_statement.h"
+#include "host/database/sql_statement.h"
 
 #include <fmt/format.h>
 
 #include <charconv>
 
-#include "host/formats/query_guard.h"
-#include "host/formats/sql_names.h"
+#include "host/database/query_guard.h"
+#include "host/database/sql_names.h"
 
 namespace host {
 
@@ -38,6 +38,11 @@ Statement& Statement::operator<<(std::int64_t number) {
   return *this;
 }
 
+Statement& Statement::operator<<(double number) {
+  Check(sqlite3_bind_double(statement.get(), ++bound, number));
+  return *this;
+}
+
 Statement& Statement::Add(CellKind kind, std::string_view text) {
   if (kind == CellKind::kNothing) return *this << nullptr;
   if (kind == CellKind::kInteger) {
@@ -48,8 +53,7 @@ Statement& Statement::Add(CellKind kind, std::string_view text) {
   if (kind == CellKind::kReal) {
     double number = 0;
     std::from_chars(text.data(), text.data() + text.size(), number);
-    Check(sqlite3_bind_double(statement.get(), ++bound, number));
-    return *this;
+    return *this << number;
   }
   return *this << text;
 }

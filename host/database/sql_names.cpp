@@ -1,4 +1,4 @@
-#include "host/formats/sql_names.h"
+#include "host/database/sql_names.h"
 
 #include <fmt/format.h>
 

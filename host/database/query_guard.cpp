@@ -1,4 +1,4 @@
-#include "host/formats/query_guard.h"
+#include "host/database/query_guard.h"
 
 #include <fmt/format.h>
 #include <sqlite3.h>
@@ -7,7 +7,7 @@
 #include <iterator>
 #include <string_view>
 
-#include "host/formats/database.h"
+#include "host/database/database.h"
 #include "host/text/ascii.h"
 #include "host/text/decoder.h"
 #include "host/text/screen_text.h"

@@ -1,4 +1,4 @@
-#include "host/formats/database_writer.h"
+#include "host/database/database_writer.h"
 
 #include <gmock/gmock.h>
 
@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/program/filled_database.h"
 #include "tests/support/program/made_collection.h"
 #include "tests/support/program/made_database.h"
 #include "tests/support/temporary_folder.h"
@@ -46,7 +47,7 @@ std::vector<std::string> Ask(Database& database, const std::string& sql) {
 
 TEST(DatabaseWriter, HasEveryDescribedClassWithItsColumns) {
   Database database;
-  database.Fill({});
+  test::FillDatabase(database, {});
   EXPECT_THAT(Ask(database, "SELECT seqNum, EventDescription FROM EVENTLOG2"), IsEmpty());
   EXPECT_THAT(Ask(database, "SELECT seq_num, event_description FROM v_eventlog2"), IsEmpty());
   EXPECT_THAT(Ask(database, "SELECT LANINFO.LAN12, v_laninfo.lan12 FROM LANINFO, v_laninfo"),
@@ -68,7 +69,7 @@ TEST(DatabaseWriter, MakesViewsOfTrimmedTextsAndOfNumbers) {
           {"item9", "1e5"},
           {"item10", "1.2.3"}});
   Database database;
-  database.Fill(made.Get());
+  test::FillDatabase(database, made.Get());
   EXPECT_THAT(Ask(database, "SELECT * FROM v_sensorinfo"),
               ElementsAre("1 '007' 47.5 NULL NULL -3 'na' NULL '0012' '1e5' '1.2.3'"));
 }
@@ -82,7 +83,7 @@ TEST(DatabaseWriter, NamesColumnsOfAViewByLabelOrElseByKey) {
   row.AddProperty("c", "Row ", 3, false);
   row.AddToRepository(made.Repository());
   Database database;
-  database.Fill(made.Get());
+  test::FillDatabase(database, made.Get());
   EXPECT_THAT(Ask(database, "SELECT row, row_2, b, row_3 FROM v_t"), ElementsAre("1 '1' '2' 3"));
 }
 
@@ -90,7 +91,7 @@ TEST(DatabaseWriter, TellsProblems) {
   MadeCollection made;
   made.Get().problems = {"one", "two"};
   Database database;
-  database.Fill(made.Get());
+  test::FillDatabase(database, made.Get());
   EXPECT_THAT(Ask(database, "SELECT * FROM problems"), ElementsAre("1 'one'", "2 'two'"));
 }
 
@@ -103,7 +104,7 @@ TEST(DatabaseWriter, TellsSeveralMachinesApart) {
     AddRow(made, "T", {{"x", machine}});
     if (*machine == 'b') AddRow(made, "T", {{"only b", "1"}});
     made.Get().machine.name = std::string("NODE-") + machine;
-    writer.Add(made.Get(), machine);
+    writer.Add(CollectionView(made.Get()), {}, machine);
   }
   writer.Complete();
   EXPECT_THAT(Ask(database, "SELECT * FROM T"),

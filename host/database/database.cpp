@@ -1,4 +1,4 @@
-#include "host/formats/database.h"
+#include "host/database/database.h"
 
 #include <fmt/format.h>
 #include <sqlite3.h>
@@ -9,11 +9,10 @@
 #include <utility>
 #include <vector>
 
+#include "host/database/query_guard.h"
+#include "host/database/sql_statement.h"
 #include "host/files/whole_file.h"
-#include "host/formats/database_writer.h"
-#include "host/formats/query_guard.h"
-#include "host/formats/shown_cell.h"
-#include "host/formats/sql_statement.h"
+#include "host/text/count_text.h"
 #include "host/text/hex_text.h"
 #include "host/text/path_text.h"
 
@@ -180,12 +179,6 @@ Database::Database(const std::filesystem::path& file, std::chrono::seconds query
 }
 
 Database::~Database() { sqlite3_close(handle); }
-
-void Database::Fill(const Collection& collection) {
-  DatabaseWriter writer(*this, Machines::kOne);
-  writer.Add(collection);
-  writer.Complete();
-}
 
 void Database::Query(const std::string& sql, const std::function<void(const Names&)>& onColumns,
                      const std::function<void(const Values&)>& onRow) {

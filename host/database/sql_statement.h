@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "host/formats/database.h"
+#include "host/database/database.h"
 #include "host/repository/store.h"
 
 namespace host {
@@ -29,6 +29,7 @@ class Statement {
   /// The value for the next place.
   Statement& operator<<(std::string_view text);
   Statement& operator<<(std::int64_t number);
+  Statement& operator<<(double number);
   Statement& operator<<(std::nullptr_t) {
     ++bound;
     return *this;

@@ -1,4 +1,4 @@
-#include "host/formats/database_writer.h"
+#include "host/database/database_writer.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -7,10 +7,9 @@
 #include <span>
 #include <utility>
 
-#include "host/answers/machine_identity.h"
 #include "host/catalogue/table_sources.h"
-#include "host/formats/query_guard.h"
-#include "host/formats/sql_statement.h"
+#include "host/database/query_guard.h"
+#include "host/database/sql_statement.h"
 #include "host/text/ascii.h"
 #include "host/text/time_text.h"
 #include "host/text/version.h"
@@ -159,10 +158,10 @@ DatabaseWriter::Rows& DatabaseWriter::AddTo(const char* ownTable) {
       .first->second;
 }
 
-void DatabaseWriter::Add(const Collection& collection, std::string_view name) {
+void DatabaseWriter::Add(const CollectionView& view, const Facts& facts, std::string_view name) {
   machine = name;
-  const CollectionView view(collection);
-  AddMachine(view, collection);
+  const Collection& collection = view.GetCollection();
+  AddMachine(view, facts);
   Rows& modules = AddTo(kModules);
   std::int64_t position = 0;
   for (const CollectedModule& collected : collection.modules) {
@@ -187,10 +186,10 @@ void DatabaseWriter::Add(const Collection& collection, std::string_view name) {
   }
 }
 
-void DatabaseWriter::AddMachine(const CollectionView& view, const Collection& collection) {
+void DatabaseWriter::AddMachine(const CollectionView& view, const Facts& more) {
+  const Collection& collection = view.GetCollection();
   const MachineFacts& facts = collection.machine;
-  const MachineIdentity identity = FindMachineIdentity(collection);
-  const std::pair<const char*, std::string> values[] = {
+  const Facts own = {
       {"name", facts.name},
       {"description", facts.description},
       {"recorded", facts.recorded ? "yes" : "no"},
@@ -201,15 +200,30 @@ void DatabaseWriter::AddMachine(const CollectionView& view, const Collection& co
       {"logFolder", std::string(view.LogFolder())},
       {"recordedAt", facts.recordedAt ? FormatIsoTime(*facts.recordedAt) : ""},
       {"system", facts.system},
-      {"maker", identity.maker},
-      {"product", identity.product},
-      {"serial", identity.serial},
-      {"assetTag", identity.assetTag},
       {"contentKey", facts.contentKey},
       {"pqhost", kVersion},
   };
   Rows& rows = AddTo(kMachine);
-  for (const auto& [name, value] : values) (rows.Begin() << name << value).Run();
+  for (const Facts* facts : {&own, &more}) {
+    for (const auto& [name, value] : *facts) (rows.Begin() << name << value).Run();
+  }
+}
+
+void DatabaseWriter::AddRows(
+    std::string_view name, const std::vector<PlainColumn>& columns, std::size_t rowCount,
+    const std::function<void(std::size_t row, Statement& values)>& addValues) {
+  SqlTable& table = FindTable(name, /*isOfClass=*/false);
+  std::vector<SqlColumn> wanted;
+  for (const PlainColumn& column : columns) {
+    wanted.push_back({.name = std::string(column.name), .type = column.type});
+  }
+  Provide(table, wanted);
+  Rows rows(*this, table);
+  for (std::size_t row = 0; row < rowCount; ++row) {
+    Statement& values = rows.Begin();
+    addValues(row, values);
+    values.Run();
+  }
 }
 
 void DatabaseWriter::AddTable(const TableView& view, std::int64_t position) {

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "host/collect/collection.h"
+#include "host/repository/store.h"
 
 struct sqlite3;
 
@@ -26,10 +26,6 @@ inline constexpr std::chrono::seconds kUsualQueryTime{30};
 
 /// What to say of a query that took longer.
 std::string DescribeTimeout(std::chrono::seconds timeLimit);
-
-/// A line of UTF-8 for each table of which a database does not hold all, since SQLite would not
-/// give it back: of values that are too large together, the end is kept.
-std::vector<std::string> DescribeDatabaseCuts(const Collection& collection);
 
 class Database {
  public:
@@ -48,9 +44,6 @@ class Database {
   Database(const Database&) = delete;
   Database& operator=(const Database&) = delete;
   ~Database();
-
-  /// Adds a collection's tables, in one transaction.
-  void Fill(const Collection& collection);
 
   using Names = std::vector<std::string>;
   /// NULL is kNothing; bytes are taken for text.
