@@ -29,7 +29,7 @@ _pqhost_complete() {
     'collect --trace') words='<file>' ;;
     'collect '*) words='--module --table --replay --limit --unverified --record --log-folder --plugin --unsafe-folder --format --output --identify --no-attachments --all --tool-limit --tool-memory --amt-login --no-input --time-limit --dry-run --trace --help' ;;
     'modules --plugin') words='<file>' ;;
-    'modules --format') words='table json markdown' ;;
+    'modules --format') words='table json markdown parts' ;;
     'modules --time-limit') words='<any>' ;;
     'modules '*) words='--plugin --format --time-limit --help' ;;
     'query --replay') words='<folder>' ;;

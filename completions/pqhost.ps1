@@ -23,7 +23,7 @@ Register-ArgumentCompleter -Native -CommandName pqhost, pqhost.exe -ScriptBlock 
         'collect --trace' = '<file>'
         'collect' = '--module', '--table', '--replay', '--limit', '--unverified', '--record', '--log-folder', '--plugin', '--unsafe-folder', '--format', '--output', '--identify', '--no-attachments', '--all', '--tool-limit', '--tool-memory', '--amt-login', '--no-input', '--time-limit', '--dry-run', '--trace', '--help'
         'modules --plugin' = '<file>'
-        'modules --format' = 'table', 'json', 'markdown'
+        'modules --format' = 'table', 'json', 'markdown', 'parts'
         'modules --time-limit' = '<any>'
         'modules' = '--plugin', '--format', '--time-limit', '--help'
         'query --replay' = '<folder>'
