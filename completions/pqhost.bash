@@ -43,7 +43,7 @@ _pqhost_complete() {
     'health --time-limit') words='<any>' ;;
     'health '*) words='--replay --limit --unverified --format --output --brief --rules --set --settings --suppress --require --as-of --list-rules --log-folder --plugin --unsafe-folder --time-limit --help' ;;
     'modules --plugin') words='<file>' ;;
-    'modules --format') words='table json markdown' ;;
+    'modules --format') words='table json markdown parts' ;;
     'modules --time-limit') words='<any>' ;;
     'modules '*) words='--plugin --format --time-limit --help' ;;
     'query --replay') words='<folder>' ;;

@@ -37,7 +37,7 @@ Register-ArgumentCompleter -Native -CommandName pqhost, pqhost.exe -ScriptBlock 
         'health --time-limit' = '<any>'
         'health' = '--replay', '--limit', '--unverified', '--format', '--output', '--brief', '--rules', '--set', '--settings', '--suppress', '--require', '--as-of', '--list-rules', '--log-folder', '--plugin', '--unsafe-folder', '--time-limit', '--help'
         'modules --plugin' = '<file>'
-        'modules --format' = 'table', 'json', 'markdown'
+        'modules --format' = 'table', 'json', 'markdown', 'parts'
         'modules --time-limit' = '<any>'
         'modules' = '--plugin', '--format', '--time-limit', '--help'
         'query --replay' = '<folder>'

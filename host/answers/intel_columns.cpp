@@ -36,7 +36,7 @@ class SectionComparison {
   SectionComparison(const SectionTable& known, const TableBesideReport& table)
       : known(known), table(table), columns(FindTableDescription(table.className)->columns) {}
 
-  std::string FindMisfit() {
+  std::string FindIntelMisfit() {
     bool inSection = false;
     ReportLines lines(table.report);
     for (ReportLine line; lines.Next(line);) {
@@ -89,11 +89,11 @@ class SectionComparison {
   std::string firstOther;
 };
 
-std::string FindMisfit(const TableBesideReport& table) {
+std::string FindIntelMisfit(const TableBesideReport& table) {
   const auto* known = std::find_if(std::begin(kTables), std::end(kTables), [&](const auto& one) {
     return one.className == table.className;
   });
-  return SectionComparison(*known, table).FindMisfit();
+  return SectionComparison(*known, table).FindIntelMisfit();
 }
 
 }  // namespace
@@ -101,7 +101,7 @@ std::string FindMisfit(const TableBesideReport& table) {
 std::vector<ColumnCheck> ListIntelColumnChecks() {
   std::vector<ColumnCheck> checks;
   for (const SectionTable& known : kTables) {
-    checks.push_back({known.className, {}, {}, FindMisfit});
+    checks.push_back({known.className, {}, {}, FindIntelMisfit});
   }
   return checks;
 }

@@ -56,7 +56,7 @@ class ListComparison {
   ListComparison(const ListTitle& list, const TableBesideReport& table)
       : list(list), table(table), columns(FindTableDescription(list.className)->columns) {}
 
-  std::string FindMisfit() {
+  std::string FindLsiMisfit() {
     TableScan scan;
     ReportLines lines(table.report);
     for (ReportLine line; lines.Next(line);) {
@@ -131,7 +131,7 @@ std::string FindListMisfit(const TableBesideReport& table) {
   const auto* const list =
       std::find_if(std::begin(kLists), std::end(kLists),
                    [&](const ListTitle& known) { return known.className == table.className; });
-  return ListComparison(*list, table).FindMisfit();
+  return ListComparison(*list, table).FindLsiMisfit();
 }
 
 /// Each value should be that of a line with its column's label, and of no longer one.

@@ -80,7 +80,7 @@ std::string TellOther(const OtherValue& other) {
   return fmt::format("{} is \"{}\", the report has no such line", other.label, other.shown);
 }
 
-std::string FindMisfit(const TableBesideReport& table) {
+std::string FindMicrochipMisfit(const TableBesideReport& table) {
   if (table.rows.empty()) return {};
   const CollectedRow& row = table.rows.front();
   const auto facts = ListFacts(table.report);
@@ -110,8 +110,8 @@ std::string FindMisfit(const TableBesideReport& table) {
 }  // namespace
 
 std::vector<ColumnCheck> ListMicrochipColumnChecks() {
-  return {{"PMCINFO", "PMCLINK", "Controller_Config", FindMisfit},
-          {"PMCVER", "PMCLINK", "Controller_Config", FindMisfit}};
+  return {{"PMCINFO", "PMCLINK", "Controller_Config", FindMicrochipMisfit},
+          {"PMCVER", "PMCLINK", "Controller_Config", FindMicrochipMisfit}};
 }
 
 }  // namespace host

@@ -108,7 +108,8 @@ Collection Collect(Source& source, const Selection& selection, CollectionListene
     if (rows != stored.end()) table.rows = &rows->second;
     table.status = statuses.FindStatus(table.module, table.className, table.RowCount());
     table.status.notes = statuses.FindNotes(table.module, table.className);
-    if (const pq::TableDescription* known = FindTableDescription(table.className)) {
+    const pq::TableDescription* known = FindTableDescription(table.className);
+    if (known != nullptr && table.status.IsOfAnOutput()) {
       for (const std::string& note :
            FindOmissions(*known, table.module, table.RowCount(), evidence)) {
         table.status.notes.push_back(decode(note));

@@ -23,6 +23,9 @@ struct TableStatus {
   std::string text;  ///< UTF-8, for people
   /// More that is true of the table, such as what it leaves out: a sentence each. UTF-8.
   std::vector<std::string> notes = {};
+
+  /// Whether an output was read for the table, with rows for it or without.
+  bool IsOfAnOutput() const { return outcome == "rows" || outcome == "no rows in output"; }
 };
 
 /// Text and notes of the status, in one line.

@@ -1,6 +1,7 @@
 #include "host/database/sql_statement.h"
 
 #include <fmt/format.h>
+#include <sqlite3.h>
 
 #include <charconv>
 
@@ -8,6 +9,8 @@
 #include "host/database/sql_names.h"
 
 namespace host {
+
+void CloseStatement::operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
 
 void Execute(sqlite3* handle, const std::string& sql) {
   if (sqlite3_exec(handle, sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) {

@@ -1,8 +1,6 @@
 // Statements of our own on a database that is being made. Errors are DatabaseError.
 #pragma once
 
-#include <sqlite3.h>
-
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -11,10 +9,13 @@
 #include "host/database/database.h"
 #include "host/repository/store.h"
 
+struct sqlite3;
+struct sqlite3_stmt;
+
 namespace host {
 
 struct CloseStatement {
-  void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+  void operator()(sqlite3_stmt* statement) const;
 };
 using StatementHandle = std::unique_ptr<sqlite3_stmt, CloseStatement>;
 

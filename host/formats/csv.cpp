@@ -8,6 +8,8 @@
 #include <map>
 #include <optional>
 
+#include "host/answers/parts/part_tables.h"
+#include "host/answers/parts/read_parts.h"
 #include "host/collect/table_view.h"
 #include "host/database/sql_names.h"
 #include "host/files/output_file.h"
@@ -58,15 +60,25 @@ class CsvWriter {
     }
   }
 
+  void Write(const PartTable& table, const Parts& parts) {
+    WriteIdentityHead();
+    for (const PartColumn& column : table.columns) WriteField(column.name);
+    EndRecord();
+    for (std::size_t row = 0; row < table.count(parts); ++row) {
+      const Part& part = table.at(parts, row);
+      WriteIdentity();
+      for (const PartColumn& column : table.columns) {
+        WriteField(FormatPartValue(column.get(part), ""));
+      }
+      EndRecord();
+    }
+  }
+
  private:
   void WriteHead(const std::vector<KnownColumn>& columns) {
     std::map<std::string_view, int> uses;
     for (const KnownColumn& column : columns) ++uses[column.label];
-    if (identity) {
-      for (const char* column : {"machine", "serial", "recordedAt", "collection"}) {
-        WriteField(column);
-      }
-    }
+    WriteIdentityHead();
     if (withClass) WriteField("class");
     for (const KnownColumn& column : columns) {
       if (column.label.empty()) {
@@ -78,6 +90,13 @@ class CsvWriter {
       }
     }
     EndRecord();
+  }
+
+  void WriteIdentityHead() {
+    if (!identity) return;
+    for (const char* column : {"machine", "serial", "recordedAt", "collection"}) {
+      WriteField(column);
+    }
   }
 
   void WriteIdentity() {
@@ -138,11 +157,16 @@ void WriteCsvFolder(const Collection& collection, const Screen& screen,
                     const std::filesystem::path& folder) {
   const CollectionView view(collection, ChooseAttachments(screen));
   UniqueNames names;
+  const auto write = [&](std::string_view name, const auto&... table) {
+    OutputFile file(folder / PathFromText(names.Take(MakeFileName(name)) + ".csv"));
+    CsvWriter(collection, /*withClass=*/false, screen, file.Stream()).Write(table...);
+    file.Complete();
+  };
+  const Parts parts = ReadParts(collection);
+  for (const PartTable& table : GetPartTables()) write(table.name, table, parts);
   for (const CollectedTable& collected : collection.tables) {
     const TableView table = view.ViewTable(collected);
-    OutputFile file(folder / PathFromText(names.Take(MakeFileName(table.ClassName())) + ".csv"));
-    CsvWriter(collection, /*withClass=*/false, screen, file.Stream()).Write(table);
-    file.Complete();
+    write(table.ClassName(), table);
   }
 }
 

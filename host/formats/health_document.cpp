@@ -10,7 +10,7 @@
 namespace host {
 namespace {
 
-constexpr char kHead[] = R"(# Health
+constexpr char kIntroduction[] = R"(# Health
 
 Made by `pqhost health --list-rules`.
 
@@ -136,7 +136,7 @@ std::string ListSeverities(const Rule& rule) {
 
 std::string WriteHealthDocument() {
   const std::vector<Rule>& rules = GetBuiltInRules().rules;
-  std::string text = kHead;
+  std::string text = kIntroduction;
   for (const HealthSetting& setting : ListHealthSettings()) {
     text += fmt::format("| `{}` | {} | {} |\n", setting.name, setting.value, setting.description);
   }

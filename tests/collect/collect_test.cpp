@@ -101,6 +101,19 @@ TEST(Collection, KeepsWhatAToolWroteIntoItsFile) {
   EXPECT_TRUE(collection.files.at(answer->file).SharesWith(answer->fileText));
 }
 
+TEST(Collection, SaysWhatIsLeftOutOnlyWhereAnOutputWasRead) {
+  Recording recording;
+  recording.commands = {{"storcli.exe", "show ctrlcount", "Controller Count = 2\r\n", ""},
+                        {"storcli.exe", "/c0 show", "no drives\r\n", ""}};
+  const Collection collection = Collect(recording, {{"sampleModule2"}, {"PINFO", "FWTERMLOG"}});
+  const TableStatus& read = collection.tables.front().status;
+  EXPECT_EQ(read.outcome, "no rows in output");
+  EXPECT_THAT(read.notes, testing::ElementsAre(testing::StartsWith("of controller 0 alone")));
+  const TableStatus& missing = collection.tables.back().status;
+  EXPECT_EQ(missing.outcome, "tool missing");
+  EXPECT_THAT(missing.notes, testing::IsEmpty());
+}
+
 TEST(Collection, HasNoExitCodeOfAToolThatCouldNotStart) {
   Recording recording = MakeTwoTools();
   recording.commands[0].startError = 5;

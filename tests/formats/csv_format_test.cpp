@@ -2,7 +2,10 @@
 
 #include <string>
 
+#include "host/collect/collect.h"
 #include "host/formats/csv_folder.h"
+#include "host/recording/recording_reader.h"
+#include "tests/support/program/host_run.h"
 #include "tests/support/program/made_collection.h"
 #include "tests/support/temporary_folder.h"
 
@@ -99,8 +102,18 @@ TEST(CsvFolder, HasAFileForEachTableWhoseNameIsOneOnEverySystem) {
   made.Table("T").Row({{"A", "1"}}).Table("t").Row({{"B", "2"}}).Table("../x?").Row({{"C", "3"}});
   const test::TemporaryFolder folder;
   WriteCsvFolder(made.Get(), {}, folder.Path());
-  EXPECT_THAT(folder.Files(), testing::UnorderedElementsAre("T.csv", "t_2.csv", "___x_.csv"));
+  EXPECT_THAT(folder.Files(), testing::IsSupersetOf({"T.csv", "t_2.csv", "___x_.csv"}));
   EXPECT_EQ(folder.Read("t_2.csv"), "B\r\n2\r\n");
+}
+
+TEST(CsvFolder, HasAFileForEachKindOfPart) {
+  const host::Collection collection = Collect(LoadRecording(test::Sample("hba-only")), Selection{});
+  const test::TemporaryFolder folder;
+  WriteCsvFolder(collection, {.identifiesRows = true}, folder.Path());
+  EXPECT_THAT(folder.Files(), testing::IsSupersetOf({"drives.csv", "sensors.csv", "PINFO.csv"}));
+  const std::string drives = folder.Read("drives.csv");
+  EXPECT_THAT(drives, testing::StartsWith("machine,serial,recordedAt,collection,id,vendor,"));
+  EXPECT_THAT(drives, testing::HasSubstr(",lsi0 3:4,LSI,lsi0,"));
 }
 
 TEST(CsvFormat, IsUtf8) {

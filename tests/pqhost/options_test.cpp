@@ -125,7 +125,7 @@ TEST(Options, SuggestsTheFormatThatWasMeant) {
             "there is no format jsn; did you mean json? (formats: table, json, ndjson, csv, html, "
             "sqlite, none)");
   EXPECT_EQ(Complaint({"modules", "--format", "csv"}),
-            "there is no format csv (formats: table, json, markdown)");
+            "there is no format csv (formats: table, json, markdown, parts)");
 }
 
 TEST(Options, RefusesWordsThatBelongToNothing) {

@@ -8,6 +8,7 @@
 #include "frame/add_modules.h"
 #include "host/collect/collection.h"
 #include "host/formats/modules_list.h"
+#include "host/formats/parts_document.h"
 #include "host/formats/tables_document.h"
 #include "host/live/live.h"
 #include "host/pqhost/commands/commands.h"
@@ -39,6 +40,8 @@ int RunModules(const ModulesOptions& options, const Console& console) {
     WriteModulesJson(modules, console.out);
   } else if (options.format == "markdown") {
     console.out << WriteTablesDocument();
+  } else if (options.format == "parts") {
+    console.out << WritePartsDocument();
   } else {
     WriteModulesList(modules, DescribeScreen(console), console.out);
   }
@@ -48,8 +51,8 @@ int RunModules(const ModulesOptions& options, const Console& console) {
 CommandRun Define(OptionSet& set) {
   const auto options = std::make_shared<ModulesOptions>();
   set.AddPath("--plugin", OptionValue::kFile, options->plugin, "Ask this library (Windows)");
-  set.AddChoice("--format", {"table", "json", "markdown"}, options->format,
-                "Format: table, json or markdown");
+  set.AddChoice("--format", {"table", "json", "markdown", "parts"}, options->format,
+                "Format: table, json, markdown, or parts, which is markdown on those");
   return [options](const Console& console) { return RunModules(*options, console); };
 }
 
