@@ -53,7 +53,7 @@ struct HealthCommandOptions {
 
 /// What `read` makes of a file's text, which has to be UTF-8.
 template <typename Read>
-auto ReadFile(const std::filesystem::path& path, const Read& read) {
+auto ReadOptionFile(const std::filesystem::path& path, const Read& read) {
   const std::string name = PathText(path);
   std::string text;
   try {
@@ -68,10 +68,10 @@ auto ReadFile(const std::filesystem::path& path, const Read& read) {
 HealthOptions SettleOptions(const HealthCommandOptions& given) {
   HealthOptions options;
   for (const std::filesystem::path& path : given.rules) {
-    AddRules(options.rules, ReadFile(path, ReadOwnRules));
+    AddRules(options.rules, ReadOptionFile(path, ReadOwnRules));
   }
   for (const std::filesystem::path& path : given.settingsFiles) {
-    ReadFile(path, [&](const std::string& text, const std::string& name) {
+    ReadOptionFile(path, [&](const std::string& text, const std::string& name) {
       TakeSettings(text, name, options.settings);
       return 0;
     });
@@ -79,7 +79,7 @@ HealthOptions SettleOptions(const HealthCommandOptions& given) {
   // What is on the command line is nearer than a file.
   for (const std::string& setting : given.settings) TakeSetting(setting, options.settings);
   for (const std::filesystem::path& path : given.suppressions) {
-    for (Suppression& one : ReadFile(path, ReadSuppressions)) {
+    for (Suppression& one : ReadOptionFile(path, ReadSuppressions)) {
       options.suppressions.push_back(std::move(one));
     }
   }

@@ -8,8 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "host/answers/parts/part_tables.h"
+#include "host/answers/parts/collected_rows.h"
 #include "host/answers/parts/read_parts.h"
+#include "host/answers/parts/report_lines.h"
 #include "host/text/usage_error.h"
 #include "tests/answers/health/judged.h"
 #include "tests/support/collected.h"
@@ -327,6 +328,43 @@ TEST(Health, TakesTimeThatGrowsWithTheLog) {
   const auto begin = std::chrono::steady_clock::now();
   EXPECT_FALSE(Judge(parts).findings.empty());
   EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
+}
+
+/// A line of a report of the sample, from 1; the number is that of a hit's place.
+std::string ReadReportLine(const host::Collection& collection, const host::Place& place) {
+  const host::CollectedRows rows(collection);
+  const auto row = rows.ListRows(place.className).at(static_cast<std::size_t>(place.row - 1));
+  const auto text = row.FindText(place.key);
+  host::ReportLine line;
+  host::ReportLines lines(text ? text->View() : std::string_view());
+  while (lines.Next(line)) {
+    if (line.number == place.line) return std::string(line.text);
+  }
+  return {};
+}
+
+TEST(Health, ShowsEvidenceThatIsThere) {
+  struct Evidence {
+    const char* rule;
+    const char* id;
+    const char* words;
+  };
+  constexpr Evidence kEvidence[] = {
+      {"drive.media-errors", "lsi0 69:9", "Media Error Count = 37"},
+      {"drive.predicted", "lsi0 69:9", "Predictive Failure Count = 3"},
+      {"drive.rebuilding", "lsi0 69:14", "Rbld"},
+      {"volume.degraded", "lsi0 v3", "Dgrd"},
+      {"microchip.event", "mchp1", "Write cache disabled"},
+  };
+  const host::Collection collection = host::Collect(test::LoadSamples().at("two-socket-server"));
+  const host::Health health =
+      host::JudgeCollection(collection, host::ReadParts(collection), HealthOptions());
+  for (const Evidence& evidence : kEvidence) {
+    const host::HealthHit* hit = FindHit(health, evidence.rule, evidence.id);
+    ASSERT_NE(hit, nullptr) << evidence.rule;
+    const std::string line = ReadReportLine(collection, hit->place);
+    EXPECT_NE(line.find(evidence.words), std::string::npos) << evidence.rule << ": " << line;
+  }
 }
 
 struct SampleVerdict {
