@@ -69,8 +69,8 @@ std::string TellAlike(std::vector<OtherValue>& others, const Test& test, std::st
   const auto rest = std::stable_partition(others.begin(), others.end(),
                                           [&](const OtherValue& other) { return !test(other); });
   if (rest == others.end()) return {};
-  const std::string told = fmt::format("{}: {} of them ({})", words, others.end() - rest,
-                                       TellOtherValue(rest->label, rest->shown, rest->printed));
+  std::string told = fmt::format("{}: {} of them ({})", words, others.end() - rest,
+                                 TellOtherValue(rest->label, rest->shown, rest->printed));
   others.erase(rest, others.end());
   return told;
 }

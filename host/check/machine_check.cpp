@@ -236,7 +236,7 @@ class AreaChecker {
     if (!area.device.empty() && !area.hasDevice) {
       reasons.push_back("it is not known whether this machine has " + area.device);
     }
-    const std::string why = fmt::format("{}", fmt::join(reasons, "; "));
+    std::string why = fmt::format("{}", fmt::join(reasons, "; "));
     if (area.rating == Rating::kNothing) return why;
     if (area.emptyTables.empty()) return "all tables, but not all files of the log folder: " + why;
     return fmt::format("{} {} empty: {}", fmt::join(area.emptyTables, ", "),

@@ -11,6 +11,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "host/catalogue/table_sources.h"
 #include "host/collect/table_view.h"
@@ -128,7 +129,7 @@ class TablesWriter {
       const bool hasRows = table.RowCount() > 0;
       std::string line = PadText(CutText("  " + ShowClass(table), width), nameWidth);
       if (nameWidth + titleWidth + kLeastStatus <= width) {
-        line = PadText(line + ShowTitle(table), nameWidth + titleWidth);
+        line = PadText(std::move(line.append(ShowTitle(table))), nameWidth + titleWidth);
       }
       // Of a table with rows its notes are shown with these.
       WriteStatus(line, EscapeControls(hasRows ? table.status.text : DescribeStatus(table.status)),

@@ -79,9 +79,10 @@ TEST_F(HostileDatabase, LeavesNoResultOfAQueryThatFails) {
 TEST(Query, KeepsTypesAndNullsInJson) {
   const test::TemporaryFolder folder;
   test::MakeDatabase(folder / "x.db", "CREATE TABLE t (a)");
-  const HostRun run = RunHost({"query", folder / "x.db", "--format", "json",
-                               "SELECT 9007199254740993 AS i, 1.5 AS r, 't' AS t, NULL AS n, "
-                               "9e999 AS e UNION ALL SELECT 'x', NULL, 1, 2.0, -1"});
+  const std::string sql =
+      "SELECT 9007199254740993 AS i, 1.5 AS r, 't' AS t, NULL AS n, 9e999 AS e "
+      "UNION ALL SELECT 'x', NULL, 1, 2.0, -1";
+  const HostRun run = RunHost({"query", folder / "x.db", "--format", "json", sql});
   const auto answer = nlohmann::json::parse(run.out);
   EXPECT_EQ(answer["machine"], nullptr);
   EXPECT_EQ(answer["tables"][0]["rows"].dump(),
