@@ -35,20 +35,19 @@ constexpr char kLog[] = "log";
 
 struct OwnTable {
   const char* name;
-  /// Names, those of numbers with an asterisk.
-  std::initializer_list<std::string_view> columns;
+  std::string_view columns;  ///< names with blanks between them, those of numbers with an asterisk
 };
-const OwnTable kOwnTables[] = {
-    {kMachine, {"name", "value"}},
-    {kModules, {"position*", "name", "description"}},
+constexpr OwnTable kOwnTables[] = {
+    {kMachine, "name value"},
+    {kModules, "position* name description"},
     // SQL does not tell upper case from lower case: `tables` and `columns` say which names the
     // classes and keys were given.
-    {kTables, {"position*", "class", "name", "title", "module", "rows*", "outcome", "status"}},
-    {kNotes, {"class", "text"}},
-    {kProblems, {"position*", "text"}},
-    {kColumns, {"class", "position*", "key", "name", "label"}},
-    {kAttachments, {"class", "row*", "key", "filename", "text"}},
-    {kLog, {"position*", "level*", "file", "line*", "text"}},
+    {kTables, "position* class name title module rows* outcome status"},
+    {kNotes, "class text"},
+    {kProblems, "position* text"},
+    {kColumns, "class position* key name label"},
+    {kAttachments, "class row* key filename text"},
+    {kLog, "position* level* file line* text"},
 };
 
 /// Bytes of each value of `row` that a database holds, of its end; kMostRowBytes: all.
@@ -90,7 +89,9 @@ DatabaseWriter::DatabaseWriter(Database& database, Machines machines)
   Execute(handle, "BEGIN");
   for (const OwnTable& own : kOwnTables) {
     std::vector<SqlColumn> columns;
-    for (std::string_view column : own.columns) {
+    for (std::string_view rest = own.columns; !rest.empty();) {
+      std::string_view column = rest.substr(0, rest.find(' '));
+      rest.remove_prefix(std::min(column.size() + 1, rest.size()));
       const bool isNumber = column.ends_with('*');
       if (isNumber) column.remove_suffix(1);
       columns.push_back({.name = std::string(column), .type = isNumber ? kInteger : "TEXT"});

@@ -42,7 +42,7 @@ class CsvWriter {
 
   void Write(const TableView& table) {
     const std::vector<KnownColumn> columns = table.ListKnownColumns();
-    if (columns.empty()) return;
+    if (columns.empty() && table.RowCount() == 0) return;
     if (withClass && !first) EndRecord();
     first = false;
     WriteHead(columns);

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/text/ascii.h"
 #include "host/text/json_text.h"
 #include "host/text/screen_text.h"
 
@@ -224,8 +225,7 @@ void WriteHealthTable(const Health& health, bool isBrief, const Screen& screen, 
 void WriteHealthJson(const Health& health, std::ostream& out) {
   JsonObject object;
   object.AddNumber("format", 1).AddText("asOf", health.asOf).AddText("asOfFrom", health.asOfFrom);
-  std::string verdict = GetVerdict(health);
-  object.AddText("verdict", verdict).AddNumber("exit", GetExitCode(health));
+  object.AddText("verdict", LowerCase(GetVerdict(health))).AddNumber("exit", GetExitCode(health));
   object.Add("counts", [&](std::string& json) {
     JsonObject counts;
     for (const Severity severity : kWorstFirst) {

@@ -85,6 +85,12 @@ TEST(CsvFormat, HasTheSameHeadForAClassWhateverItsRowsHave) {
   EXPECT_EQ(made.As("csv"), "Internet Address,Physical Address,Type,More\r\n,,static,m\r\n");
 }
 
+TEST(CsvFormat, WritesRowsWithoutAnyProperty) {
+  MadeCollection made;
+  made.Table("T").Row({});
+  EXPECT_EQ(made.As("csv"), "class\r\nT\r\n");
+}
+
 TEST(CsvFormat, BeginsRowsWithTheirMachineIfAsked) {
   MadeCollection made;
   made.Table("T").Row({{"A", "1"}});

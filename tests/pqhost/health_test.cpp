@@ -71,7 +71,7 @@ TEST(HealthCommand, TellsALineForEachFindingWhenBrief) {
 TEST(HealthCommand, WritesJson) {
   const HostRun run = JudgeSample("two-socket-server", {"--format", "json"});
   const nlohmann::json health = nlohmann::json::parse(run.out);
-  EXPECT_EQ(health["verdict"], "WARNING");
+  EXPECT_EQ(health["verdict"], "warning");
   EXPECT_EQ(health["exit"], 1);
   EXPECT_EQ(health["counts"]["warning"], 4);
   EXPECT_EQ(health["checked"]["drives"], 32);
