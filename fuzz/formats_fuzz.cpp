@@ -333,7 +333,7 @@ class FormatsCheck {
     Require(reported["rows"] == rows);
   }
 
-  /// Every cell as a text; what a row lacks is none.
+  /// Every cell as what it is; what a row lacks is none.
   void CheckSqlite() {
     folder.Write("x.db", made.As("sqlite"));
     host::Database database(folder.Path() / "x.db");
@@ -357,7 +357,8 @@ class FormatsCheck {
           if (cell == nullptr) {
             values.emplace_back();
           } else {
-            values.push_back({host::CellKind::kText, decode(cell->value)});
+            values.push_back({cell->IsInteger() ? host::CellKind::kInteger : host::CellKind::kText,
+                              decode(cell->value)});
           }
         }
       }
