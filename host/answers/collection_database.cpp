@@ -11,11 +11,8 @@
 namespace host {
 namespace {
 
-constexpr char kId[] = "id";
-
-const char* NameType(const PartColumn& column) {
-  if (column.name == kId) return "TEXT";
-  switch (column.type) {
+const char* NameType(PartType type) {
+  switch (type) {
     case PartType::kInteger:
       return "INTEGER";
     case PartType::kReal:
@@ -25,9 +22,8 @@ const char* NameType(const PartColumn& column) {
   }
 }
 
-/// A text that says nothing is NULL, as a number that is not there is.
 void AddValue(Statement& values, const PartValue& value) {
-  if (const auto* text = std::get_if<std::string_view>(&value); text != nullptr && !text->empty()) {
+  if (const auto* text = std::get_if<std::string_view>(&value)) {
     values << *text;
   } else if (const auto* integer = std::get_if<std::int64_t>(&value)) {
     values << *integer;
@@ -44,7 +40,7 @@ void AddParts(DatabaseWriter& writer, const Parts& parts) {
   for (const PartTable& table : GetPartTables()) {
     std::vector<DatabaseWriter::PlainColumn> columns;
     for (const PartColumn& column : table.columns) {
-      columns.push_back({column.name, NameType(column)});
+      columns.push_back({column.name, NameType(column.type)});
     }
     writer.AddRows(table.name, columns, table.count(parts),
                    [&](std::size_t row, Statement& values) {

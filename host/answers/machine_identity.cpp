@@ -14,6 +14,7 @@
 
 #include "host/text/ascii.h"
 #include "host/text/decoder.h"
+#include "host/text/trim.h"
 
 namespace host {
 namespace {
@@ -38,13 +39,6 @@ constexpr std::string_view kPlaceholders[] = {"to be filled by o.e.m.",
                                               "serial number",
                                               "asset tag",
                                               "empty"};
-
-std::string_view Trim(std::string_view text) {
-  constexpr std::string_view kBlanks = " \t\r\n";
-  const std::size_t first = std::min(text.find_first_not_of(kBlanks), text.size());
-  text.remove_prefix(first);
-  return text.substr(0, text.find_last_not_of(kBlanks) + 1);
-}
 
 bool IsPlaceholder(std::string_view value) {
   const std::string lower = LowerCase(value);

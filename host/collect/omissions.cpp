@@ -8,18 +8,13 @@
 
 #include "host/collect/command_text.h"
 #include "host/text/ascii.h"
+#include "host/text/trim.h"
 
 namespace host {
 namespace {
 
-constexpr std::string_view kBlanks = " \t\r\n";
 /// Of a value from a tool's text; a longer one is no number.
 constexpr std::size_t kLongestValue = 40;
-
-std::string_view Trim(std::string_view text) {
-  text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
-  return text.substr(0, text.find_last_not_of(kBlanks) + 1);
-}
 
 std::string_view TakeLine(std::string_view& text) {
   const std::string_view line = text.substr(0, text.find('\n'));

@@ -63,6 +63,12 @@ void CheckDatabaseFile(const std::filesystem::path& file) {
   RefuseOpenChanges(file);
 }
 
+/// The kind of a value that is not NULL; bytes are taken for text.
+CellKind ReadKind(int type) {
+  if (type == SQLITE_INTEGER) return CellKind::kInteger;
+  return type == SQLITE_FLOAT ? CellKind::kReal : CellKind::kText;
+}
+
 /// Runs one statement and reads its rows.
 class Reader {
  public:
@@ -114,13 +120,10 @@ class Reader {
     sqlite3_stmt* const row = statement.get();
     const int type = sqlite3_column_type(row, column);
     if (type == SQLITE_NULL) return {};
-    const CellKind kind = type == SQLITE_INTEGER ? CellKind::kInteger
-                          : type == SQLITE_FLOAT ? CellKind::kReal
-                                                 : CellKind::kText;
     const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(row, column));
     if (text == nullptr && sqlite3_errcode(handle) == SQLITE_NOMEM) guard.Fail(SQLITE_NOMEM);
     const auto size = static_cast<std::size_t>(sqlite3_column_bytes(row, column));
-    return {kind, text == nullptr ? std::string() : std::string(text, size)};
+    return {ReadKind(type), text == nullptr ? std::string() : std::string(text, size)};
   }
 
   /// Key and label of each column.
@@ -143,9 +146,7 @@ void CallFunction(sqlite3_context* context, int /*count*/, sqlite3_value** value
   Database::Value given;
   const int type = sqlite3_value_type(values[0]);
   if (type != SQLITE_NULL) {
-    given.kind = type == SQLITE_INTEGER ? CellKind::kInteger
-                 : type == SQLITE_FLOAT ? CellKind::kReal
-                                        : CellKind::kText;
+    given.kind = ReadKind(type);
     const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(values[0]));
     const auto size = static_cast<std::size_t>(sqlite3_value_bytes(values[0]));
     if (text != nullptr) given.text.assign(text, size);

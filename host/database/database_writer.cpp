@@ -4,7 +4,6 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
-#include <span>
 #include <utility>
 
 #include "host/catalogue/table_sources.h"
@@ -205,8 +204,8 @@ void DatabaseWriter::AddMachine(const CollectionView& view, const Facts& more) {
       {"pqhost", kVersion},
   };
   Rows& rows = AddTo(kMachine);
-  for (const Facts* facts : {&own, &more}) {
-    for (const auto& [name, value] : *facts) (rows.Begin() << name << value).Run();
+  for (const Facts* some : {&own, &more}) {
+    for (const auto& [name, value] : *some) (rows.Begin() << name << value).Run();
   }
 }
 

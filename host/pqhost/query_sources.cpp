@@ -112,12 +112,12 @@ int FillFromOne(Database& database, const SourceOptions& options, const Console&
 }
 
 int FillFromSeveral(Database& database, const QuerySources& sources, const SourceOptions& options,
-                    const Console& console) {
+                    std::chrono::seconds tableTime, const Console& console) {
   DatabaseWriter writer(database, Machines::kSeveral);
   SourceAdder adder(writer, console);
   for (const std::filesystem::path& file : sources.databases) {
     adder.Add(file, [&](const std::string& machine) {
-      Database from(file);
+      Database from(file, tableTime);
       writer.Copy(from, machine);
     });
   }

@@ -1,6 +1,7 @@
 // What a query asks: recordings, databases or this machine, as one database.
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -29,8 +30,8 @@ int FillFromOne(Database& database, const SourceOptions& options, const Console&
                 const std::function<void()>& beforeRun);
 
 /// The same with all of `sources`, each called by its file's name. What cannot be read is told, and
-/// left out; throws UsageError when that is all of it.
+/// left out; throws UsageError when that is all of it. `tableTime` is for each table of a database.
 int FillFromSeveral(Database& database, const QuerySources& sources, const SourceOptions& options,
-                    const Console& console);
+                    std::chrono::seconds tableTime, const Console& console);
 
 }  // namespace host

@@ -1,4 +1,4 @@
-// The screen, or the file in its place, that results are laid out for.
+// What results are laid out for: the screen, or the file in its place, and how much is to be there.
 #pragma once
 
 namespace host {

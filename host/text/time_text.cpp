@@ -12,6 +12,9 @@ using Clock = std::chrono::system_clock;
 constexpr std::string_view kIsoShape = "0000-00-00T00:00:00";
 constexpr std::string_view kOffsetShape = "+00:00";
 constexpr std::chrono::minutes kLargestOffset = std::chrono::hours(14);
+/// The clock counts nanoseconds, for which there is room until 2262.
+constexpr int kFirstYear = 1970;
+constexpr int kLastYear = 2261;
 
 auto CutToSeconds(Clock::time_point time) {
   return std::chrono::time_point_cast<std::chrono::seconds>(time);
@@ -77,9 +80,10 @@ std::optional<LocalTime> ParseIsoTime(std::string_view text) {
   const std::string_view local = text.substr(0, kIsoShape.size());
   if (!HasShape(local, kIsoShape)) return std::nullopt;
   const std::optional<std::chrono::minutes> offset = ParseOffset(text.substr(local.size()));
+  const int year = ReadDigits(local, 0, 4);
+  if (year < kFirstYear || year > kLastYear) return std::nullopt;
   const std::chrono::year_month_day day{
-      std::chrono::year(ReadDigits(local, 0, 4)),
-      std::chrono::month(static_cast<unsigned>(ReadDigits(local, 5, 2))),
+      std::chrono::year(year), std::chrono::month(static_cast<unsigned>(ReadDigits(local, 5, 2))),
       std::chrono::day(static_cast<unsigned>(ReadDigits(local, 8, 2)))};
   const int hour = ReadDigits(local, 11, 2);
   const int minute = ReadDigits(local, 14, 2);

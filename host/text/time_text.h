@@ -27,7 +27,7 @@ std::string FormatTimeForPeople(std::chrono::system_clock::time_point time);
 std::string FormatTimeForPeople(const LocalTime& time);
 
 /// Reads what the FormatIsoTime functions write, and nothing else: no fractions, no times that no
-/// clock shows, offsets up to 14 hours.
+/// clock shows, years from 1970 to 2261, offsets up to 14 hours.
 std::optional<LocalTime> ParseIsoTime(std::string_view text);
 
 }  // namespace host

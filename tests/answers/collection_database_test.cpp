@@ -9,27 +9,13 @@
 #include "host/answers/parts/read_parts.h"
 #include "host/collect/collect.h"
 #include "host/recording/recording_reader.h"
+#include "tests/support/program/filled_database.h"
 #include "tests/support/program/host_run.h"
 
 namespace host {
 namespace {
 
 using Texts = std::vector<std::string>;
-
-Texts Ask(Database& database, const std::string& sql) {
-  Texts lines;
-  database.Query(
-      sql, [](const Database::Names&) {},
-      [&](const Database::Values& values) {
-        std::string line;
-        for (const Database::Value& value : values) {
-          line +=
-              (line.empty() ? "" : "|") + (value.kind == CellKind::kNothing ? "NULL" : value.text);
-        }
-        lines.push_back(line);
-      });
-  return lines;
-}
 
 class CollectionDatabase : public testing::Test {
  protected:
@@ -48,21 +34,22 @@ TEST_F(CollectionDatabase, HasAllPartsWithTheirColumns) {
       columns += (columns.empty() ? "\"" : ", \"") + std::string(column.name) + '"';
     }
     const std::string name(table.name);
-    EXPECT_EQ(Ask(database, "SELECT count(*) FROM (SELECT " + columns + " FROM " + name + ")"),
-              Texts{std::to_string(table.count(parts))})
+    EXPECT_EQ(
+        test::AskRows(database, "SELECT count(*) FROM (SELECT " + columns + " FROM " + name + ")"),
+        Texts{std::to_string(table.count(parts))})
         << name;
   }
 }
 
 TEST_F(CollectionDatabase, HasNumbersAsNumbersAndNothingAsNull) {
-  EXPECT_EQ(Ask(database,
-                "SELECT size, typeof(size), temperature, typeof(temperature), "
-                "failure_reason FROM drives WHERE id = 'lsi0 69:9'"),
+  EXPECT_EQ(test::AskRows(database,
+                          "SELECT size, typeof(size), temperature, typeof(temperature), "
+                          "failure_reason FROM drives WHERE id = 'lsi0 69:9'"),
             Texts{"8000046603698|integer|43.0|real|NULL"});
 }
 
 TEST_F(CollectionDatabase, TellsTheMachineBySerialNumber) {
-  EXPECT_EQ(Ask(database, "SELECT value FROM machine WHERE name IN ('maker', 'serial')"),
+  EXPECT_EQ(test::AskRows(database, "SELECT value FROM machine WHERE name IN ('maker', 'serial')"),
             (Texts{"Northgate", "NGR208-0031"}));
 }
 
@@ -72,7 +59,8 @@ TEST(CollectionDatabaseOfAnAnswer, HasNoParts) {
   answer.repository = std::make_unique<halyard::repository::RRepository>();
   Database database;
   FillDatabase(database, CollectionView(answer));
-  EXPECT_EQ(Ask(database, "SELECT name FROM sqlite_schema WHERE name = 'drives'"), Texts{});
+  EXPECT_EQ(test::AskRows(database, "SELECT name FROM sqlite_schema WHERE name = 'drives'"),
+            Texts{});
 }
 
 }  // namespace

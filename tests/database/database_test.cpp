@@ -37,20 +37,6 @@ Collection MakeCollection() {
   return collection;
 }
 
-std::vector<std::string> Ask(Database& database, const std::string& sql) {
-  std::vector<std::string> answers;
-  database.Query(
-      sql, [](const Database::Names&) {},
-      [&](const Database::Values& values) {
-        std::string line;
-        for (const auto& value : values)
-          line += (line.empty() ? "" : "|") +
-                  (value.kind == host::CellKind::kNothing ? "NULL" : value.text);
-        answers.push_back(line);
-      });
-  return answers;
-}
-
 class FilledDatabase : public testing::Test {
  protected:
   FilledDatabase() { test::FillDatabase(database, MakeCollection()); }
@@ -66,50 +52,52 @@ TEST_F(FilledDatabase, SaysWhichMachineItIsAndWhenItWasRecorded) {
   collection.machine.contentKey = "abc";
   Database other;
   test::FillDatabase(other, collection);
-  EXPECT_EQ(Ask(other,
-                "SELECT name, value FROM machine "
-                "WHERE name IN ('recordedAt', 'system', 'contentKey')"),
+  EXPECT_EQ(test::AskRows(other,
+                          "SELECT name, value FROM machine "
+                          "WHERE name IN ('recordedAt', 'system', 'contentKey')"),
             (Texts{"recordedAt|2026-02-03T04:05:06+01:00", "system|Windows", "contentKey|abc"}));
 }
 
 TEST_F(FilledDatabase, HasTheNotesOfTables) {
-  EXPECT_EQ(Ask(database, "SELECT class, text FROM notes"), Texts{"CLASS|one is left out"});
+  EXPECT_EQ(test::AskRows(database, "SELECT class, text FROM notes"),
+            Texts{"CLASS|one is left out"});
 }
 
 TEST_F(FilledDatabase, HasATablePerClassWithTextsAsCollected) {
-  EXPECT_EQ(Ask(database, "SELECT row, Key FROM CLASS"),
+  EXPECT_EQ(test::AskRows(database, "SELECT row, Key FROM CLASS"),
             (Texts{"1|one", "2|t\xC3\xA4st'); DROP TABLE log;--"}));
 }
 
 TEST_F(FilledDatabase, NamesColumnsApartThatDifferInCaseAlone) {
-  EXPECT_EQ(Ask(database, "SELECT key, name, label FROM columns WHERE class = 'CLASS'"),
+  EXPECT_EQ(test::AskRows(database, "SELECT key, name, label FROM columns WHERE class = 'CLASS'"),
             (Texts{"Key|Key|A \"label\"", "key|key_2|Another"}));
-  EXPECT_EQ(Ask(database, "SELECT sum(key_2) FROM CLASS"), Texts{"14"});
+  EXPECT_EQ(test::AskRows(database, "SELECT sum(key_2) FROM CLASS"), Texts{"14"});
 }
 
 TEST_F(FilledDatabase, TellsModulesTablesAttachmentsAndLog) {
-  EXPECT_EQ(Ask(database, "SELECT name, description FROM modules"), Texts{"module|A module"});
-  EXPECT_EQ(Ask(database, "SELECT class, name, rows, outcome, status FROM tables"),
+  EXPECT_EQ(test::AskRows(database, "SELECT name, description FROM modules"),
+            Texts{"module|A module"});
+  EXPECT_EQ(test::AskRows(database, "SELECT class, name, rows, outcome, status FROM tables"),
             Texts{"CLASS|CLASS|2|rows|2 rows"});
-  EXPECT_EQ(Ask(database, "SELECT row, key, filename, text FROM attachments LIMIT 1"),
+  EXPECT_EQ(test::AskRows(database, "SELECT row, key, filename, text FROM attachments LIMIT 1"),
             Texts{"1|Key|report|one"});
-  EXPECT_EQ(Ask(database, "SELECT level, file, line, text FROM log"),
+  EXPECT_EQ(test::AskRows(database, "SELECT level, file, line, text FROM log"),
             Texts{"4|pqmodules/x|12|[repo] a line"});
 }
 
 TEST_F(FilledDatabase, RefusesToWrite) {
-  EXPECT_THROW(Ask(database, "DELETE FROM CLASS"), DatabaseError);
-  EXPECT_EQ(Ask(database, "SELECT count(*) FROM CLASS"), Texts{"2"});
+  EXPECT_THROW(test::AskRows(database, "DELETE FROM CLASS"), DatabaseError);
+  EXPECT_EQ(test::AskRows(database, "SELECT count(*) FROM CLASS"), Texts{"2"});
 }
 
 TEST_F(FilledDatabase, RefusesASecondStatement) {
-  EXPECT_THROW(Ask(database, "SELECT 1; SELECT 2"), DatabaseError);
-  EXPECT_EQ(Ask(database, "SELECT 1 ; "), Texts{"1"});
+  EXPECT_THROW(test::AskRows(database, "SELECT 1; SELECT 2"), DatabaseError);
+  EXPECT_EQ(test::AskRows(database, "SELECT 1 ; "), Texts{"1"});
 }
 
 TEST_F(FilledDatabase, SaysWhatIsWrongInOneLine) {
   try {
-    Ask(database, "SELECT * FROM NOWHERE");
+    test::AskRows(database, "SELECT * FROM NOWHERE");
     FAIL();
   } catch (const DatabaseError& error) {
     EXPECT_STREQ(error.what(), "no such table: NOWHERE");
@@ -143,7 +131,7 @@ TEST(Database, NamesAClassApartThatIsCalledLikeItsOwnTables) {
       {"LOG", "module", {}, &host::TablesOf(*collection.repository).at("LOG"), {"rows", "1 row"}});
   Database database;
   test::FillDatabase(database, collection);
-  EXPECT_EQ(Ask(database, "SELECT row, row_2 FROM LOG_2"), Texts{"1|x"});
+  EXPECT_EQ(test::AskRows(database, "SELECT row, row_2 FROM LOG_2"), Texts{"1|x"});
 }
 
 }  // namespace

@@ -47,7 +47,7 @@ std::string FindLatest(const Table& table, std::string Table::value_type::*membe
   return latest;
 }
 
-/// What a recording was made at need not be known; the machine tells its time in other ways.
+/// When a recording was made need not be known; the machine tells its time in other ways.
 AsOf FindAsOf(const Parts& parts, const HealthOptions& options, const std::string& recordedAt,
               const std::string& collected) {
   if (options.asOf) return {*options.asOf, "--as-of"};
@@ -126,7 +126,7 @@ class PartIndex {
 
 // --- asking ---
 
-/// Where a rule's answer has what; a column that is not there has no place.
+/// The columns of a rule's answer: the first by their place, the others by name.
 struct AnswerColumns {
   enum Fixed { kSeverity, kId, kObserved, kBecause, kText, kFixedCount };
   std::size_t count = 0;

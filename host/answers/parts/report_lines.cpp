@@ -22,12 +22,6 @@ bool ReportLines::Next(ReportLine& line) {
   return true;
 }
 
-std::string_view Trim(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(kWhiteSpace);
-  if (first == std::string_view::npos) return text.substr(text.size());
-  return text.substr(first, text.find_last_not_of(kWhiteSpace) - first + 1);
-}
-
 std::vector<std::string_view> ListWords(std::string_view text) {
   std::vector<std::string_view> words;
   std::size_t at = text.find_first_not_of(kWhiteSpace);

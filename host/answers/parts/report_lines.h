@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "host/text/trim.h"
+
 namespace host {
 
 struct ReportLine {
@@ -24,9 +26,6 @@ class ReportLines {
   std::string_view rest;
   std::int64_t number = 0;
 };
-
-/// `text` without blanks, tabs and line ends around it.
-std::string_view Trim(std::string_view text);
 
 /// The words of `text`: what is between blanks and tabs.
 std::vector<std::string_view> ListWords(std::string_view text);

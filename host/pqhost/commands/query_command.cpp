@@ -144,7 +144,7 @@ int AnswerQuery(const QueryOptions& options, const QuerySources& sources, const 
     exitCode = FillFromOne(database.emplace(time), options.source, console, openOutput);
   } else {
     openOutput();
-    exitCode = FillFromSeveral(database.emplace(time), sources, options.source, console);
+    exitCode = FillFromSeveral(database.emplace(time), sources, options.source, time, console);
   }
   Collection answer;
   {

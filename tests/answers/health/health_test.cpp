@@ -95,9 +95,9 @@ TEST(Health, TellsWhereItsEvidenceIs) {
   NotePlace(parts.drives[2], "media_errors",
             {"LSILINK", 1, "pdlist", 77, "storcli /c0/eall/sall show all"});
   const host::Health health = Judge(parts);
-  EXPECT_EQ(FindHit(health, "drive.media-errors")->place.line, 77);
-  EXPECT_EQ(FindHit(health, "drive.failed")->place, parts.drives[1].readAt);
-  EXPECT_EQ(FindHit(health, "lsi.event")->place, parts.events[0].readAt);
+  EXPECT_EQ(GetHit(health, "drive.media-errors").place.line, 77);
+  EXPECT_EQ(GetHit(health, "drive.failed").place, parts.drives[1].readAt);
+  EXPECT_EQ(GetHit(health, "lsi.event").place, parts.events[0].readAt);
 }
 
 TEST(Health, DoesNotDependOnTheOrderOfParts) {
@@ -205,11 +205,10 @@ TEST(Health, AsksRulesOfAUser) {
       "-- a house rule\n-- @rule volume.mine\n-- @part volumes\n-- @why Ours.\n"
       "SELECT 'warning', id, 'state ' || state FROM volumes;\n";
   const host::Health health = Judge(MakeTroubledParts(), WithRules(rule));
-  const host::HealthHit* hit = FindHit(health, "volume.mine", "lsi0 v0");
-  ASSERT_NE(hit, nullptr);
-  EXPECT_EQ(hit->text, "lsi0 v0: state Dgrd");
-  EXPECT_EQ(hit->area, "arrays");
-  EXPECT_EQ(hit->why, "Ours.");
+  const host::HealthHit& hit = GetHit(health, "volume.mine", "lsi0 v0");
+  EXPECT_EQ(hit.text, "lsi0 v0: state Dgrd");
+  EXPECT_EQ(hit.area, "arrays");
+  EXPECT_EQ(hit.why, "Ours.");
 }
 
 TEST(Health, LetsARuleOfAUserReplaceAnother) {
@@ -217,7 +216,7 @@ TEST(Health, LetsARuleOfAUserReplaceAnother) {
       "-- @rule drive.media-errors\n-- @part drives\n"
       "SELECT 'notice', id, media_errors FROM drives WHERE media_errors > setting('media_errors')";
   const host::Health health = Judge(MakeTroubledParts(), WithRules(rule));
-  EXPECT_EQ(FindHit(health, "drive.media-errors")->severity, host::Severity::kNotice);
+  EXPECT_EQ(GetHit(health, "drive.media-errors").severity, host::Severity::kNotice);
 }
 
 TEST(Health, RefusesRulesByFileAndLine) {
@@ -260,13 +259,13 @@ TEST(Health, SuppressesWhatIsKnown) {
       "drive.failed \"lsi0 69:2\" until=2026-11-19 # until yesterday\n",
       "known.txt");
   const host::Health health = Judge(MakeTroubledParts(), options);
-  const host::HealthHit* known = FindHit(health, "drive.media-errors");
-  EXPECT_EQ(known->severity, host::Severity::kNotice);
-  EXPECT_EQ(known->suppressed, host::Severity::kCritical);
-  EXPECT_EQ(known->reason, "spare is ordered");
-  const host::HealthHit* over = FindHit(health, "drive.failed");
-  EXPECT_EQ(over->severity, host::Severity::kCritical);
-  EXPECT_EQ(over->observed, "Offln (suppressed until 2026-11-19: until yesterday)");
+  const host::HealthHit& known = GetHit(health, "drive.media-errors");
+  EXPECT_EQ(known.severity, host::Severity::kNotice);
+  EXPECT_EQ(known.suppressed, host::Severity::kCritical);
+  EXPECT_EQ(known.reason, "spare is ordered");
+  const host::HealthHit& over = GetHit(health, "drive.failed");
+  EXPECT_EQ(over.severity, host::Severity::kCritical);
+  EXPECT_EQ(over.observed, "Offln (suppressed until 2026-11-19: until yesterday)");
 }
 
 TEST(Health, RefusesSuppressionsByLine) {

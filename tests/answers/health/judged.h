@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <stdexcept>
 #include <string>
 
 #include "host/answers/health/health.h"
@@ -29,6 +30,14 @@ inline const host::HealthHit* FindHit(const host::Health& health, const std::str
     }
   }
   return nullptr;
+}
+
+/// The same; throws when there is none.
+inline const host::HealthHit& GetHit(const host::Health& health, const std::string& rule,
+                                     const std::string& id = {}) {
+  const host::HealthHit* hit = FindHit(health, rule, id);
+  if (hit == nullptr) throw std::runtime_error("there is no hit of " + rule + " " + id);
+  return *hit;
 }
 
 inline host::Controller& AddController(host::Parts& parts, const std::string& id = "lsi0") {
