@@ -1,0 +1,19 @@
+// What follows from a collection: the parts of its machine, and whether it is well.
+#pragma once
+
+#include "host/answers/health/health.h"
+#include "host/answers/parts/parts.h"
+#include "host/collect/collection.h"
+
+namespace host {
+
+struct Assessment {
+  Parts parts;
+  Health health;
+};
+
+/// Reads the parts and judges them by the program's own rules, as of when the collection was made.
+/// The collection must be of a known machine.
+Assessment Assess(const Collection& collection);
+
+}  // namespace host
