@@ -20,7 +20,7 @@ _pqhost_complete() {
     'collect --record') words='<folder>' ;;
     'collect --log-folder') words='<folder>' ;;
     'collect --plugin') words='<file>' ;;
-    'collect --format') words='table json ndjson csv html sqlite none' ;;
+    'collect --format') words='table json ndjson csv html sqlite prometheus none' ;;
     'collect --output') words='<file>' ;;
     'collect --tool-limit') words='<any>' ;;
     'collect --tool-memory') words='<any>' ;;
@@ -43,7 +43,7 @@ _pqhost_complete() {
     'health --time-limit') words='<any>' ;;
     'health '*) words='--replay --limit --unverified --format --output --brief --rules --set --settings --suppress --require --as-of --list-rules --log-folder --plugin --unsafe-folder --time-limit --help' ;;
     'modules --plugin') words='<file>' ;;
-    'modules --format') words='table json markdown parts' ;;
+    'modules --format') words='table json markdown parts metrics' ;;
     'modules --time-limit') words='<any>' ;;
     'modules '*) words='--plugin --format --time-limit --help' ;;
     'query --replay') words='<folder>' ;;

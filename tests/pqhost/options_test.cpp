@@ -123,9 +123,9 @@ TEST(Options, SuggestsTheOptionThatWasMeant) {
 TEST(Options, SuggestsTheFormatThatWasMeant) {
   EXPECT_EQ(Complaint({"collect", "--format", "jsn"}),
             "there is no format jsn; did you mean json? (formats: table, json, ndjson, csv, html, "
-            "sqlite, none)");
+            "sqlite, prometheus, none)");
   EXPECT_EQ(Complaint({"modules", "--format", "csv"}),
-            "there is no format csv (formats: table, json, markdown, parts)");
+            "there is no format csv (formats: table, json, markdown, parts, metrics)");
 }
 
 TEST(Options, RefusesWordsThatBelongToNothing) {
@@ -294,8 +294,10 @@ TEST(Options, RefusesALogFolderForTheFilesOfSeveralMachines) {
 }
 
 TEST(Options, RefuseToIdentifyRowsThatNeedNot) {
-  EXPECT_EQ(Complaint({"collect", "--replay", kSample, "--identify", "--format", "json"}),
-            "--identify is for csv: json tells the machine in its own place; leave it away");
+  EXPECT_EQ(
+      Complaint({"collect", "--replay", kSample, "--identify", "--format", "json"}),
+      "--identify is for csv and prometheus: json tells the machine in its own place; leave it "
+      "away");
 }
 
 TEST(Options, RefusesAQueryWithoutSql) {

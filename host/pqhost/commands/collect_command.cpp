@@ -115,12 +115,17 @@ bool IsFolder(const Destination& output) {
   return !output.path.has_filename() || std::filesystem::is_directory(output.path, error);
 }
 
+/// Whether rows of the format can tell their machine.
+bool TakesIdentity(const std::string& format) {
+  return format == kCsvFormat || format == "ndjson" || format == "prometheus";
+}
+
 /// Throws UsageError for options that contradict each other.
 void SettleOptions(CollectOptions& options, const OptionSet& set) {
-  if (options.result.identifiesRows && options.result.format != kCsvFormat &&
-      options.result.format != "ndjson") {
+  if (options.result.identifiesRows && !TakesIdentity(options.result.format)) {
     throw UsageError(
-        fmt::format("--identify is for csv: {} tells the machine in its own place; leave it away",
+        fmt::format("--identify is for csv and prometheus: {} tells the machine in its own place; "
+                    "leave it away",
                     options.result.format));
   }
   if (options.trace) SeparateTrace(options, set.IsGiven("--format"));
@@ -248,7 +253,7 @@ CommandRun Define(OptionSet& set) {
   AddLogFolder(set, source);
   AddPlugin(set, source);
   AddUnsafeFolder(set, source);
-  AddFormat(set, options->result, "results");
+  AddFormat(set, options->result, "results", FormatsFor::kMachine);
   AddOutput(set, options->result, "results");
   AddIdentify(set, options->result);
   set.AddFlag("--no-attachments", options->leavesAttachmentsOut,

@@ -188,7 +188,7 @@ CommandRun Define(OptionSet& set) {
   AddPlugin(set, options->source);
   AddUnsafeFolder(set, options->source);
   AddLogFolder(set, options->source);
-  AddFormat(set, options->result, "answer");
+  AddFormat(set, options->result, "answer", FormatsFor::kAnswer);
   AddOutput(set, options->result, "answer");
   AddTimeLimit(set, options->timeLimit, "Give the query up after so many seconds; 30 unless given");
   return [options](const Console& console) { return RunQuery(*options, console); };

@@ -12,9 +12,11 @@
 namespace host {
 namespace {
 
-std::vector<std::string> ListFormatNames() {
+std::vector<std::string> ListFormatNames(FormatsFor purpose) {
   std::vector<std::string> names;
-  for (const Format& format : Formats()) names.emplace_back(format.name);
+  for (const Format& format : Formats()) {
+    if (purpose == FormatsFor::kMachine || !format.isOfMachine) names.emplace_back(format.name);
+  }
   return names;
 }
 
@@ -88,8 +90,8 @@ void RefuseMisuseOfReplay(const SourceOptions& source) {
   }
 }
 
-void AddFormat(OptionSet& set, ResultOptions& result, const char* noun) {
-  const std::vector<std::string> names = ListFormatNames();
+void AddFormat(OptionSet& set, ResultOptions& result, const char* noun, FormatsFor purpose) {
+  const std::vector<std::string> names = ListFormatNames(purpose);
   set.AddChoice("--format", names, result.format,
                 fmt::format("Format of the {}: {}; {} unless given", noun, fmt::join(names, ", "),
                             result.format));
@@ -98,7 +100,7 @@ void AddFormat(OptionSet& set, ResultOptions& result, const char* noun) {
 void AddIdentify(OptionSet& set, ResultOptions& result) {
   set.AddFlag("--identify", result.identifiesRows,
               "Begin each row of csv with machine, serial number, time and collection, as ndjson "
-              "always does");
+              "always does; label each sample of prometheus with the machine");
 }
 
 void AddOutput(OptionSet& set, ResultOptions& result, const char* noun) {

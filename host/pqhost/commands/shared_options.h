@@ -44,8 +44,11 @@ struct ResultOptions {
   bool identifiesRows = false;
 };
 
+/// What formats are asked to show: a machine, or a table that may be about many.
+enum class FormatsFor { kMachine, kAnswer };
+
 /// --format; the help calls the result `noun`, as in "answer".
-void AddFormat(OptionSet& set, ResultOptions& result, const char* noun);
+void AddFormat(OptionSet& set, ResultOptions& result, const char* noun, FormatsFor purpose);
 /// --identify
 void AddIdentify(OptionSet& set, ResultOptions& result);
 /// --output
