@@ -418,7 +418,10 @@ void AddPartTables(const Parts& parts, const Health& health, MetricTables& table
     }
     MakeKeysUnique(rows, sampled.keys);
   }
-  // Controllers come last: they are as well as what is on them.
+  // Controllers come last: they are as well as what is on them, which may be no more than a box.
+  for (const Enclosure& enclosure : parts.enclosures) {
+    if (!enclosure.state.empty()) toldControllers.insert(KeepText(enclosure.controller));
+  }
   const SampledTable sampled{"controllers", kId, {"status", "drives_declared"}};
   for (std::size_t i = 0; i < parts.controllers.size(); ++i) {
     const std::string& id = parts.controllers[i].id;

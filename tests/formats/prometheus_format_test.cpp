@@ -361,6 +361,11 @@ TEST(PrometheusFormat, TellsHealthOfPartsByTheirFindings) {
   test::AddController(parts, "lsi1");
   test::AddController(parts, "lsi2");
   test::AddController(parts, "lsi3").status = "Optimal";
+  test::AddController(parts, "lsi4");
+  Enclosure& enclosure = parts.enclosures.emplace_back();
+  enclosure.id = "lsi4 e1";
+  enclosure.controller = "lsi4";
+  enclosure.state = "OK";
   test::AddDrive(parts, "lsi0 1:1", "Failed");
   test::AddDrive(parts, "lsi0 1:2", "Onln").mediaErrors = 3;
   test::AddDrive(parts, "lsi0 1:3", "Onln").otherErrors = 3;
@@ -377,7 +382,8 @@ TEST(PrometheusFormat, TellsHealthOfPartsByTheirFindings) {
               testing::ElementsAre("pqhost_controller_health{controller=\"lsi0\"} 2",
                                    "pqhost_controller_health{controller=\"lsi1\"} NaN",
                                    "pqhost_controller_health{controller=\"lsi2\"} NaN",
-                                   "pqhost_controller_health{controller=\"lsi3\"} 0"));
+                                   "pqhost_controller_health{controller=\"lsi3\"} 0",
+                                   "pqhost_controller_health{controller=\"lsi4\"} 0"));
   EXPECT_THAT(ListSamples(text, "pqhost_findings"),
               testing::ElementsAre("pqhost_findings{severity=\"critical\"} 1",
                                    "pqhost_findings{severity=\"warning\"} 1",
