@@ -15,7 +15,7 @@ _pqhost_complete() {
   case "$command $previous" in
     'collect --module') words='sampleModule1 sampleModule2 BMC_Info AMT_Info Windows_Related_Info' ;;
     'collect --table') words='<table>' ;;
-    'collect --replay') words='<folder>' ;;
+    'collect --replay') words='<file>' ;;
     'collect --limit') words='<any>' ;;
     'collect --record') words='<folder>' ;;
     'collect --log-folder') words='<folder>' ;;
@@ -28,7 +28,7 @@ _pqhost_complete() {
     'collect --time-limit') words='<any>' ;;
     'collect --trace') words='<file>' ;;
     'collect '*) words='--module --table --replay --limit --unverified --record --log-folder --plugin --unsafe-folder --format --output --identify --no-attachments --all --tool-limit --tool-memory --amt-login --no-input --time-limit --dry-run --trace --help' ;;
-    'health --replay') words='<folder>' ;;
+    'health --replay') words='<file>' ;;
     'health --limit') words='<any>' ;;
     'health --format') words='table json nagios' ;;
     'health --output') words='<file>' ;;
@@ -46,7 +46,7 @@ _pqhost_complete() {
     'modules --format') words='table json markdown parts' ;;
     'modules --time-limit') words='<any>' ;;
     'modules '*) words='--plugin --format --time-limit --help' ;;
-    'query --replay') words='<folder>' ;;
+    'query --replay') words='<file>' ;;
     'query --limit') words='<any>' ;;
     'query --plugin') words='<file>' ;;
     'query --log-folder') words='<folder>' ;;
@@ -55,7 +55,7 @@ _pqhost_complete() {
     'query --time-limit') words='<any>' ;;
     'query '*) words='--replay --limit --unverified --plugin --unsafe-folder --log-folder --format --output --time-limit --help' ;;
     'check --module') words='sampleModule1 sampleModule2 BMC_Info AMT_Info Windows_Related_Info' ;;
-    'check --replay') words='<folder>' ;;
+    'check --replay') words='<file>' ;;
     'check --limit') words='<any>' ;;
     'check --log-folder') words='<folder>' ;;
     'check --plugin') words='<file>' ;;

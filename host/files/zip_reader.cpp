@@ -252,7 +252,7 @@ End FindEnd(std::string_view tail, std::uint64_t fileSize) {
   constexpr std::string_view kSignature{"PK\5\6", 4};
   const std::size_t found = tail.rfind(kSignature);
   if (found == std::string_view::npos || found + kZipEndSize > tail.size()) {
-    Refuse("it is no ZIP file, or its end is missing", "give a recording, or get it again");
+    Refuse("it is no ZIP file, or its end is missing", "name another file, or get it again");
   }
   if (found + kZipEndSize != tail.size()) {
     Refuse("it has a comment, or something after its end", kPackAgain);

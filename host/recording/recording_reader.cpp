@@ -21,6 +21,7 @@
 #include "host/recording/named_files.h"
 #include "host/recording/recording_format.h"
 #include "host/recording/recording_writer.h"
+#include "host/recording/stored_files.h"
 #include "host/recording/strict_json.h"
 #include "host/recording/submission_file.h"
 #include "host/text/ascii.h"
@@ -72,8 +73,8 @@ void RefuseAnswerOfOwnCommand(const Json& entry, const std::string& tool) {
 
 class RecordingReader {
  public:
-  RecordingReader(const std::filesystem::path& folder, const RecordingLimits& limits)
-      : namedFiles(folder, limits), limits(limits) {}
+  RecordingReader(const StoredFiles& files, const RecordingLimits& limits)
+      : namedFiles(files, limits), limits(limits) {}
 
   Bytes ReadDescription() { return namedFiles.ReadOwn(kRecordingFileName); }
 
@@ -221,20 +222,20 @@ class RecordingReader {
   std::optional<MemberError> badCommand;  ///< the first of them; its turn comes after the format's
 };
 
-/// Throws RecordingError for what the rules do not allow.
-std::vector<std::string> CheckManifest(const std::filesystem::path& folder, RecordingReader& reader,
-                                       const ReadingRules& rules) {
-  const std::filesystem::path file = folder / kManifestFileName;
-  std::error_code ignored;
-  if (!std::filesystem::exists(std::filesystem::symlink_status(file, ignored))) return {};
-  std::vector<std::string> changes;
+/// What FindChanges() says, or why it cannot.
+std::vector<std::string> CheckManifest(RecordingReader& reader) {
   try {
-    changes = reader.FindChanges();
+    return reader.FindChanges();
   } catch (const std::runtime_error& problem) {
-    changes = {std::string(kManifestFileName) + ": " + problem.what()};
+    return {std::string(kManifestFileName) + ": " + problem.what()};
   }
+}
+
+/// Throws RecordingError for what the rules do not allow.
+std::vector<std::string> JudgeChanges(std::vector<std::string> changes, const std::string& place,
+                                      const ReadingRules& rules) {
   if (!changes.empty() && !rules.allowChanges) {
-    throw RecordingError(PathText(folder) + ": " + changes.front() +
+    throw RecordingError(place + ": " + changes.front() +
                          ", so the recording is not as it was made: get it again, or read it all "
                          "the same with --unverified");
   }
@@ -242,37 +243,42 @@ std::vector<std::string> CheckManifest(const std::filesystem::path& folder, Reco
   return changes;
 }
 
+/// Throws RecordingError with `place` and the reason.
+template <typename Work>
+auto ExplainProblems(const std::string& place, const Work& work) {
+  try {
+    return work();
+  } catch (const MemberError& problem) {
+    throw RecordingError(place + ": " + problem.Explain());
+  } catch (const std::filesystem::filesystem_error& problem) {
+    throw RecordingError(place +
+                         ": cannot be read: " + ReplaceUnprintable(problem.code().message()));
+  } catch (const std::bad_alloc&) {
+    throw RecordingError(place + ": the recording is too large for this machine's memory");
+  } catch (const std::runtime_error& problem) {
+    throw RecordingError(place + ": " + problem.what());
+  }
+}
+
 }  // namespace
 
 Recording LoadRecording(const std::filesystem::path& given, const ReadingRules& rules) {
-  const std::filesystem::path folder = given.empty() ? "." : given;
-  std::error_code error;
-  if (!std::filesystem::is_directory(folder, error)) {
-    throw RecordingError(PathText(folder) + ": there is no such folder; a recording is a folder " +
-                         "with a file " + kRecordingFileName);
-  }
-  const std::filesystem::path file = folder / kRecordingFileName;
-  const std::string start = PathText(file) + ": ";
-  RecordingReader reader(folder, rules.limits);
-  Recording recording;
-  try {
+  const std::filesystem::path path = given.empty() ? "." : given;
+  const std::string place = PathText(path);
+  const auto files = ExplainProblems(place, [&] { return OpenStoredFiles(path, rules.limits); });
+  RecordingReader reader(*files, rules.limits);
+  Recording recording = ExplainProblems(files->Describe(kRecordingFileName), [&] {
     const Bytes description = reader.ReadDescription();
-    recording = reader.Read(description);
-  } catch (const MemberError& problem) {
-    throw RecordingError(start + problem.Explain());
-  } catch (const std::filesystem::filesystem_error& problem) {
-    throw RecordingError(start + "cannot be read: " + ReplaceUnprintable(problem.code().message()));
-  } catch (const std::bad_alloc&) {
-    throw RecordingError(start + "the recording is too large for this machine's memory");
-  } catch (const std::runtime_error& problem) {
-    throw RecordingError(start + problem.what());
+    return reader.Read(description);
+  });
+  if (files->Has(kManifestFileName)) {
+    recording.doubts = JudgeChanges(CheckManifest(reader), place, rules);
   }
-  recording.doubts = CheckManifest(folder, reader, rules);
   const std::optional<std::string> key =
       recording.doubts.empty() ? reader.ComputeManifestDigest() : std::nullopt;
   recording.contentKey = key ? *key : ComputeContentKey(recording);
   try {
-    recording.submission = ReadSubmission(folder);
+    recording.submission = ReadSubmission(*files);
   } catch (const std::runtime_error& problem) {
     recording.doubts.push_back(
         std::string(problem.what()) +

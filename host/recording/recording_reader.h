@@ -1,4 +1,4 @@
-// Reads a recording from its folder.
+// Reads a recording from its folder or ZIP file.
 #pragma once
 
 #include <filesystem>
@@ -16,8 +16,9 @@ class RecordingError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// Reads `folder`/recording.json and the files that it names, each of them once. Throws
-/// RecordingError, also when a limit is met, and when a manifest is there of which a file differs.
-Recording LoadRecording(const std::filesystem::path& folder, const ReadingRules& rules = {});
+/// Reads recording.json in the folder or ZIP file `path` and the files that it names, each of them
+/// once. Throws RecordingError, also when a limit is met, and when a manifest is there of which a
+/// file differs.
+Recording LoadRecording(const std::filesystem::path& path, const ReadingRules& rules = {});
 
 }  // namespace host

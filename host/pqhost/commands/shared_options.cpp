@@ -25,8 +25,8 @@ void AddModules(OptionSet& set, std::vector<std::string>& modules, const char* h
 }
 
 void AddReplay(OptionSet& set, SourceOptions& source) {
-  set.AddPath("--replay", OptionValue::kFolder, source.replay,
-              "Take this recording for the machine");
+  set.AddPath("--replay", OptionValue::kRecording, source.replay,
+              "Take this recording, a folder or a ZIP file, for the machine");
   AddReadingRules(set, source);
 }
 
@@ -68,7 +68,8 @@ void AddTimeLimit(OptionSet& set, std::optional<unsigned>& seconds, const char* 
 
 void RefuseInRecording(const SourceOptions& source, const char* option, const Destination& place) {
   if (!source.replay || place.IsStandardOutput()) return;
-  if (!IsInFolder(place.path, *source.replay)) return;
+  const std::filesystem::path& recording = *source.replay;
+  if (!IsInFolder(place.path, recording) && !AreSameFile(place.path, recording)) return;
   throw UsageError(
       fmt::format("{} {} is in the recording, which stays as it is: name another place", option,
                   PathText(place.path)));
