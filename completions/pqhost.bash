@@ -8,7 +8,7 @@ _pqhost_complete() {
   COMPREPLY=()
   for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
     case $word in
-      collect | health | modules | query | check | help) command=$word; break ;;
+      collect | health | modules | query | check | verify | help) command=$word; break ;;
     esac
   done
 
@@ -62,9 +62,12 @@ _pqhost_complete() {
     'check --format') words='table json' ;;
     'check --time-limit') words='<any>' ;;
     'check '*) words='--module --replay --limit --unverified --log-folder --plugin --unsafe-folder --format --time-limit --help' ;;
+    'verify --limit') words='<any>' ;;
+    'verify --time-limit') words='<any>' ;;
+    'verify '*) words='--key --limit --time-limit --help' ;;
     'help --time-limit') words='<any>' ;;
-    'help '*) words='collect health modules query check help --time-limit --help' ;;
-    *) words='collect health modules query check help --version --help' ;;
+    'help '*) words='collect health modules query check verify help --time-limit --help' ;;
+    *) words='collect health modules query check verify help --version --help' ;;
   esac
 
   case $words in
@@ -84,6 +87,7 @@ _pqhost_complete() {
   # A word that belongs to no option.
   case $command in
     query) mapfile -t COMPREPLY < <(compgen -f -X '!*.db' -- "$current") ;;
+    verify) mapfile -t COMPREPLY < <(compgen -f -- "$current") ;;
   esac
 }
 

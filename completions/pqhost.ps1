@@ -56,16 +56,19 @@ Register-ArgumentCompleter -Native -CommandName pqhost, pqhost.exe -ScriptBlock 
         'check --format' = 'table', 'json'
         'check --time-limit' = '<any>'
         'check' = '--module', '--replay', '--limit', '--unverified', '--log-folder', '--plugin', '--unsafe-folder', '--format', '--time-limit', '--help'
+        'verify --limit' = '<any>'
+        'verify --time-limit' = '<any>'
+        'verify' = '--key', '--limit', '--time-limit', '--help'
         'help --time-limit' = '<any>'
-        'help' = 'collect', 'health', 'modules', 'query', 'check', 'help', '--time-limit', '--help'
-        '' = 'collect', 'health', 'modules', 'query', 'check', 'help', '--version', '--help'
+        'help' = 'collect', 'health', 'modules', 'query', 'check', 'verify', 'help', '--time-limit', '--help'
+        '' = 'collect', 'health', 'modules', 'query', 'check', 'verify', 'help', '--version', '--help'
     }
 
     # The words before the one that is being typed.
     $words = @($commandAst.CommandElements |
         Where-Object { $_.Extent.EndOffset -lt $cursorPosition } |
         ForEach-Object { $_.ToString() })
-    $command = $words | Where-Object { $_ -in 'collect', 'health', 'modules', 'query', 'check', 'help' } | Select-Object -First 1
+    $command = $words | Where-Object { $_ -in 'collect', 'health', 'modules', 'query', 'check', 'verify', 'help' } | Select-Object -First 1
 
     $candidates = $offers["$command $($words[-1])"]
     if (-not $candidates) { $candidates = $offers["$command"] }

@@ -78,17 +78,31 @@ class RecordingReader {
 
   Bytes ReadDescription() { return namedFiles.ReadOwn(kRecordingFileName); }
 
-  /// A line for each file that is not the one that the manifest tells of; none without a manifest.
+  /// A line for each file that is not the one that the manifest tells of. Throws
+  /// std::runtime_error when it cannot be read.
   std::vector<std::string> FindChanges() {
     const std::map<std::string, Bytes> read = namedFiles.All();
-    const Manifest manifest = ReadManifest(namedFiles.ReadOwn(kManifestFileName));
+    manifest = ReadManifest(namedFiles.ReadOwn(kManifestFileName));
     std::vector<std::string> changes;
     for (const auto& [name, bytes] : read) {
-      const auto line = manifest.find(name);
-      if (line == manifest.end()) {
+      if (manifest.count(name) == 0) {
         changes.push_back(QuoteText(name) + " is not in " + kManifestFileName);
-      } else if (line->second != ComputeSha256(bytes)) {
-        changes.push_back(QuoteText(name) + " differs from " + kManifestFileName);
+      } else {
+        CompareWithManifest(name, bytes, changes);
+      }
+    }
+    return changes;
+  }
+
+  /// The same for the files that the manifest alone names, once FindChanges() read it.
+  std::vector<std::string> FindUnnamedChanges() {
+    std::vector<std::string> changes;
+    for (const auto& [name, digest] : manifest) {
+      if (namedFiles.All().count(name) > 0) continue;
+      try {
+        CompareWithManifest(name, namedFiles.Read(name), changes);
+      } catch (const std::runtime_error& problem) {
+        changes.emplace_back(problem.what());
       }
     }
     return changes;
@@ -133,6 +147,12 @@ class RecordingReader {
   }
 
  private:
+  void CompareWithManifest(const std::string& name, std::string_view bytes,
+                           std::vector<std::string>& changes) const {
+    if (manifest.at(name) == ComputeSha256(bytes)) return;
+    changes.push_back(QuoteText(name) + " differs from " + kManifestFileName);
+  }
+
   void AddCommand(const Json& entry) {
     if (badCommand) return;
     if (recording.commands.size() == limits.commands) {
@@ -218,6 +238,7 @@ class RecordingReader {
 
   NamedFiles namedFiles;
   RecordingLimits limits;
+  Manifest manifest;
   Recording recording;
   std::optional<MemberError> badCommand;  ///< the first of them; its turn comes after the format's
 };
@@ -229,18 +250,6 @@ std::vector<std::string> CheckManifest(RecordingReader& reader) {
   } catch (const std::runtime_error& problem) {
     return {std::string(kManifestFileName) + ": " + problem.what()};
   }
-}
-
-/// Throws RecordingError for what the rules do not allow.
-std::vector<std::string> JudgeChanges(std::vector<std::string> changes, const std::string& place,
-                                      const ReadingRules& rules) {
-  if (!changes.empty() && !rules.allowChanges) {
-    throw RecordingError(place + ": " + changes.front() +
-                         ", so the recording is not as it was made: get it again, or read it all "
-                         "the same with --unverified");
-  }
-  for (std::string& change : changes) change.insert(0, "the recording is not as it was made: ");
-  return changes;
 }
 
 /// Throws RecordingError with `place` and the reason.
@@ -260,22 +269,37 @@ auto ExplainProblems(const std::string& place, const Work& work) {
   }
 }
 
-}  // namespace
+/// A recording, and in what it is not as its manifest says.
+struct ComparedRecording {
+  Recording recording;               ///< its doubts are those about submission.json
+  std::vector<std::string> changes;  ///< in the files that it names
+  /// In the files that the manifest alone names, or that there is none.
+  std::vector<std::string> otherChanges;
+};
 
-Recording LoadRecording(const std::filesystem::path& given, const ReadingRules& rules) {
-  const std::filesystem::path path = given.empty() ? "." : given;
-  const std::string place = PathText(path);
-  const auto files = ExplainProblems(place, [&] { return OpenStoredFiles(path, rules.limits); });
-  RecordingReader reader(*files, rules.limits);
-  Recording recording = ExplainProblems(files->Describe(kRecordingFileName), [&] {
+enum class Thoroughness { kNamedFiles, kWholeManifest };
+
+ComparedRecording ReadAndCompare(const std::filesystem::path& path, const RecordingLimits& limits,
+                                 Thoroughness thoroughness) {
+  const auto files = ExplainProblems(PathText(path), [&] { return OpenStoredFiles(path, limits); });
+  RecordingReader reader(*files, limits);
+  ComparedRecording all;
+  Recording& recording = all.recording;
+  recording = ExplainProblems(files->Describe(kRecordingFileName), [&] {
     const Bytes description = reader.ReadDescription();
     return reader.Read(description);
   });
   if (files->Has(kManifestFileName)) {
-    recording.doubts = JudgeChanges(CheckManifest(reader), place, rules);
+    all.changes = CheckManifest(reader);
+    if (thoroughness == Thoroughness::kWholeManifest) {
+      all.otherChanges = reader.FindUnnamedChanges();
+    }
+  } else {
+    all.otherChanges.push_back("there is no " + std::string(kManifestFileName) +
+                               ", so nothing tells whether it is as it was made");
   }
   const std::optional<std::string> key =
-      recording.doubts.empty() ? reader.ComputeManifestDigest() : std::nullopt;
+      all.changes.empty() ? reader.ComputeManifestDigest() : std::nullopt;
   recording.contentKey = key ? *key : ComputeContentKey(recording);
   try {
     recording.submission = ReadSubmission(*files);
@@ -285,7 +309,30 @@ Recording LoadRecording(const std::filesystem::path& given, const ReadingRules& 
         ", so it is not known which machine this is, nor when it was recorded: " +
         "correct that file or take it away");
   }
-  return recording;
+  return all;
+}
+
+}  // namespace
+
+Recording LoadRecording(const std::filesystem::path& given, const ReadingRules& rules) {
+  const std::filesystem::path path = given.empty() ? "." : given;
+  auto [recording, changes, unused] = ReadAndCompare(path, rules.limits, Thoroughness::kNamedFiles);
+  if (!changes.empty() && !rules.allowChanges) {
+    throw RecordingError(PathText(path) + ": " + changes.front() +
+                         ", so the recording is not as it was made: get it again, or read it all "
+                         "the same with --unverified");
+  }
+  for (std::string& change : changes) change.insert(0, "the recording is not as it was made: ");
+  recording.doubts.insert(recording.doubts.begin(), changes.begin(), changes.end());
+  return std::move(recording);
+}
+
+Verification VerifyRecording(const std::filesystem::path& path, const RecordingLimits& limits) {
+  auto [recording, differences, others] =
+      ReadAndCompare(path, limits, Thoroughness::kWholeManifest);
+  differences.insert(differences.end(), others.begin(), others.end());
+  differences.insert(differences.end(), recording.doubts.begin(), recording.doubts.end());
+  return {recording.contentKey, std::move(differences)};
 }
 
 }  // namespace host

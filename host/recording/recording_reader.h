@@ -3,6 +3,8 @@
 
 #include <filesystem>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "host/recorded/recording.h"
 #include "host/recording/reading_rules.h"
@@ -20,5 +22,15 @@ class RecordingError : public std::runtime_error {
 /// once. Throws RecordingError, also when a limit is met, and when a manifest is there of which a
 /// file differs.
 Recording LoadRecording(const std::filesystem::path& path, const ReadingRules& rules = {});
+
+/// How a recording agrees with its manifest.
+struct Verification {
+  std::string contentKey;                ///< Recording::contentKey
+  std::vector<std::string> differences;  ///< a line of UTF-8 each; none: it is as it was made
+};
+
+/// Reads all of a recording, also what its manifest alone names. To have no manifest is a
+/// difference as well. Throws RecordingError when it cannot be read.
+Verification VerifyRecording(const std::filesystem::path& path, const RecordingLimits& limits = {});
 
 }  // namespace host

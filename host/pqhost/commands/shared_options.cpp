@@ -30,18 +30,22 @@ void AddReplay(OptionSet& set, SourceOptions& source) {
   AddReadingRules(set, source);
 }
 
-void AddReadingRules(OptionSet& set, SourceOptions& source) {
+void AddLimits(OptionSet& set, RecordingLimits& limits) {
   std::vector<std::string> names;
   for (const NamedLimit& limit : kNamedLimits) names.emplace_back(limit.name);
   set.AddNumbers(
       "--limit", std::move(names),
-      [&limits = source.rules.limits](const std::string& name, std::uint64_t number) {
+      [&limits](const std::string& name, std::uint64_t number) {
         for (const NamedLimit& limit : kNamedLimits) {
           if (limit.name == name) limits.*limit.limit = number;
         }
       },
       "Read a larger recording: commands, files, file-size or recording-size (MiB); may be "
       "repeated");
+}
+
+void AddReadingRules(OptionSet& set, SourceOptions& source) {
+  AddLimits(set, source.rules.limits);
   set.AddFlag("--unverified", source.rules.allowChanges,
               "Read a recording also when it is not as it was made, and say so");
 }
