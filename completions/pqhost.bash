@@ -17,7 +17,7 @@ _pqhost_complete() {
     'collect --table') words='<table>' ;;
     'collect --replay') words='<file>' ;;
     'collect --limit') words='<any>' ;;
-    'collect --record') words='<folder>' ;;
+    'collect --record') words='<file>' ;;
     'collect --log-folder') words='<folder>' ;;
     'collect --plugin') words='<file>' ;;
     'collect --format') words='table json ndjson csv html sqlite none' ;;

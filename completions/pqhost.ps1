@@ -11,7 +11,7 @@ Register-ArgumentCompleter -Native -CommandName pqhost, pqhost.exe -ScriptBlock 
         'collect --table' = '<table>'
         'collect --replay' = '<file>'
         'collect --limit' = '<any>'
-        'collect --record' = '<folder>'
+        'collect --record' = '<file>'
         'collect --log-folder' = '<folder>'
         'collect --plugin' = '<file>'
         'collect --format' = 'table', 'json', 'ndjson', 'csv', 'html', 'sqlite', 'none'

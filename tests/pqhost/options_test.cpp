@@ -241,6 +241,13 @@ TEST(Options, RefuseToRecordAReplay) {
             "away");
 }
 
+TEST(Options, KeepTheRecordingApartFromResults) {
+  for (const char* option : {"--output", "--trace"}) {
+    EXPECT_EQ(Complaint({"collect", "--record", "r.zip", option, "./r.zip"}),
+              std::string(option) + " and --record name the same place: give each its own");
+  }
+}
+
 TEST(Options, RefuseAToolLimitInAReplay) {
   EXPECT_EQ(Complaint({"collect", "--replay", "a", "--tool-limit", "5"}),
             "--tool-limit has no use with --replay, which runs no tools: leave one of them away");
