@@ -21,6 +21,7 @@ import subprocess
 import sys
 import tempfile
 import time
+import zipfile
 
 ROOT = pathlib.Path.cwd()
 PREFIX = pathlib.Path(os.environ["WINEPREFIX"])
@@ -443,13 +444,18 @@ def check_unsafe_folder(host_folder, log_folder, said):
 RECORDED = ["amt-desktop", "two-socket-server", "bare-machine"]
 
 
+# Of these, the one that is recorded as a ZIP file.
+ZIPPED = "two-socket-server"
+
+
 def check_recording(binaries, standins, pqhost, sample):
     """Records the live collection and replays it natively: both do the same."""
     folder = OUTPUT / (sample.name + ".recorded")
     shutil.rmtree(folder, ignore_errors=True)
     folder.mkdir(parents=True)
-    recorded, wine_trace, native_trace = (
+    files, wine_trace, native_trace = (
         folder / "recording", folder / "wine.jsonl", folder / "native.jsonl")
+    recorded = folder / "recording.zip" if sample.name == ZIPPED else files
     with Machine(binaries, standins, sample) as machine:
         ran = run_wine([machine.host, "collect", "--log-folder", machine.log_folder.rstrip("\\"),
                         "--format", "none", "--trace", windows_path(wine_trace),
@@ -462,17 +468,24 @@ def check_recording(binaries, standins, pqhost, sample):
                                 windows_path(recorded)], cwd=unix_path(WORKING_FOLDER),
                                capture_output=True, stdin=subprocess.DEVNULL, timeout=TIME_LIMIT,
                                check=False)
-        if again.returncode != 2 or b"is not empty" not in again.stderr:
+        refusal = b"is there already" if sample.name == ZIPPED else b"is not empty"
+        if again.returncode != 2 or refusal not in again.stderr:
             raise Failure(f"a recording is written over: {again.returncode} {again.stderr!r}")
         password_of = passwords(machine.recording)
-    subprocess.run(["sha256sum", "--quiet", "--strict", "-c", "manifest.sha256"], cwd=recorded,
+    if recorded != files:
+        with zipfile.ZipFile(recorded) as packed:
+            if packed.namelist()[:3] != ["submission.json", "recording.json", "manifest.sha256"]:
+                raise Failure(f"the ZIP file begins with {packed.namelist()[:3]}")
+            packed.extractall(files)
+        subprocess.run([pqhost, "verify", recorded], check=True, stdout=subprocess.DEVNULL)
+    subprocess.run(["sha256sum", "--quiet", "--strict", "-c", "manifest.sha256"], cwd=files,
                    check=True)
     listed = {line.split("  ", 1)[1] for line in
-              (recorded / "manifest.sha256").read_text(encoding="ascii").splitlines()}
-    present = {str(path.relative_to(recorded)) for path in recorded.rglob("*") if path.is_file()}
+              (files / "manifest.sha256").read_text(encoding="ascii").splitlines()}
+    present = {str(path.relative_to(files)) for path in files.rglob("*") if path.is_file()}
     if present - listed != {"manifest.sha256", "submission.json"}:
         raise Failure(f"the manifest lacks {sorted(present - listed)}")
-    for path in recorded.rglob("*"):
+    for path in files.rglob("*"):
         for password in password_of:
             if path.is_file() and password.encode("latin-1") in path.read_bytes():
                 raise Failure(f"the password {password} stands in {path}")
