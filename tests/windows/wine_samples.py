@@ -644,6 +644,46 @@ def check_hung_tool(binaries, standins, _pqhost, sample):
     return len(tables)
 
 
+def check_old_archive(binaries, standins, _pqhost, sample):
+    """The archive in the folder is days old: arcconf left none, because it is missing, or though it
+    ran. Its tables say so with the date of the oldest file, and the collection has a problem."""
+    folder = OUTPUT / "old_archive"
+    shutil.rmtree(folder, ignore_errors=True)
+    folder.mkdir(parents=True)
+    result = folder / "result.json"
+    days = 24 * 3600
+    oldest = time.time() - 5 * days
+    said = "files of " + time.strftime("%Y-%m-%d %H:%M:%S", time.localtime(oldest))
+    with Machine(binaries, standins, sample) as machine:
+        for path in machine.recording["files"]:
+            is_config = path.endswith("Controller_1_Config.txt")
+            written = oldest if is_config else oldest + 2 * days
+            os.utime(unix_path(path), (written, written))
+        host_folder = machine.host.rpartition("\\")[0]
+        arcconf = unix_path(host_folder + r"\utilities\arcconf\arcconf.exe")
+        for reason in ("left no newer ones", "is not on this machine"):
+            if reason == "is not on this machine":
+                arcconf.unlink()
+            ran = run_wine([machine.host, "collect", "--module", "sampleModule1", "--log-folder",
+                            machine.log_folder.rstrip("\\"), "--format", "json", "--output",
+                            windows_path(result)], US_ENGLISH,
+                           standin_variables(sample, folder / "state") | interpreter_of_ours())
+            collected = json.loads(result.read_text(encoding="utf-8"))
+            tables = {table["class"]: table for table in collected["tables"]}
+            for name in ("PMCINFO", "PMCVER", "PMCLINK"):
+                notes = tables[name]["status"]["notes"]
+                if not tables[name]["rows"] or not any(
+                        note.startswith(f"from {said}") and note.endswith(f"; arcconf.exe {reason}")
+                        for note in notes):
+                    raise Failure(f"{name}, where arcconf {reason}: {notes}")
+            problem = f"{reason}; {said}"
+            if ran.returncode != 1 or problem not in ran.stderr.decode(errors="replace"):
+                raise Failure(f"exit code {ran.returncode}: {ran.stderr!r}")
+            if len(collected["problems"]) != 1 or problem not in collected["problems"][0]:
+                raise Failure(f"problems: {collected['problems']}")
+    return len(tables)
+
+
 def check_killed(binaries, standins, _pqhost, sample):
     """The program is killed while arp.exe hangs: arp.exe and its interpreter go with it."""
     folder = OUTPUT / "killed"
@@ -929,6 +969,7 @@ def main():
         check(f"{tool} with a limit ({mode})", check_tool_limit(tool, mode, is_ended),
               ROOT / "samples" / "two-socket-server")
     check("a tool that hangs each time", check_hung_tool, ROOT / "samples" / "two-socket-server")
+    check("an old archive", check_old_archive, ROOT / "samples" / "two-socket-server")
     check("planted programs", check_planted, ROOT / "samples" / "two-socket-server")
     check("a killed collection", check_killed, ROOT / "samples" / "two-socket-server")
     check("AMT login", check_login, ROOT / "samples" / "amt-desktop")
