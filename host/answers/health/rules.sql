@@ -1131,7 +1131,7 @@ WHERE id = 'sensors' AND state = 'read'
 -- @why The controller counts more volumes or drives than its report shows, so some were not judged.
 -- @next Look at the report itself.
 -- @source arcconf counts cache devices as well
-SELECT CASE vendor WHEN 'LSI' THEN 'unknown' ELSE 'notice' END, id, told, NULL,
+SELECT CASE vendor WHEN 'Microchip' THEN 'notice' ELSE 'unknown' END, id, told, NULL,
        'Look at the report of controller ' || id || ': it shows ' || told
 FROM (SELECT *, substr(CASE WHEN listed_volumes < volumes_declared
                             THEN ', ' || listed_volumes || ' of ' || volumes_declared || ' volumes'
