@@ -150,7 +150,7 @@ class ReportData {
   }
 
   static const char* ChooseKind(const TableView& table, std::size_t columnCount) {
-    if (columnCount == 1 && table.RowCount() > 1) return "log";
+    if (columnCount == 1 && table.Columns().size() == 1 && table.RowCount() > 1) return "log";
     return !table.IsByRow() && table.RowCount() <= kMaxPropertyRows ? "properties" : "rows";
   }
 

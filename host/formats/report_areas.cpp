@@ -16,26 +16,25 @@ namespace {
 struct AreaKind {
   std::string_view id;
   std::string_view title;
-  std::string_view noun;                    ///< of its parts
   std::array<std::string_view, 4> sources;  ///< that could tell of it
 };
 
 // The ids are those of the rules.
 constexpr AreaKind kAreaKinds[] = {
-    {"arrays", "Arrays", "array", {"lsi", "microchip", "intel"}},
-    {"drives", "Drives", "drive", {"lsi", "microchip", "intel"}},
-    {"controllers", "RAID controllers", "controller", {"lsi", "microchip", "intel", "sas2"}},
-    {"cooling", "Cooling", "sensor", {"sensors"}},
-    {"temperatures", "Temperatures", "sensor", {"sensors"}},
-    {"power", "Power", "sensor", {"power supplies", "sensors"}},
-    {"voltages", "Voltages", "sensor", {"sensors"}},
-    {"memory", "Memory", "sensor", {"sensors"}},
-    {"sensors", "Other sensors", "sensor", {"sensors"}},
-    {"bmc", "BMC", "self-test", {"leds", "fru"}},
-    {"log", "Event logs", "entry", {"sel", "lsi", "microchip", "sas2"}},
-    {"network", "Network", "", {}},
-    {"amt", "Intel AMT", "entry", {"amt"}},
-    {"collection", "Collection", "source", {}},
+    {"arrays", "Arrays", {"lsi", "microchip", "intel"}},
+    {"drives", "Drives", {"lsi", "microchip", "intel"}},
+    {"controllers", "RAID controllers", {"lsi", "microchip", "intel", "sas2"}},
+    {"cooling", "Cooling", {"sensors"}},
+    {"temperatures", "Temperatures", {"sensors"}},
+    {"power", "Power", {"power supplies", "sensors"}},
+    {"voltages", "Voltages", {"sensors"}},
+    {"memory", "Memory", {"sensors"}},
+    {"sensors", "Other sensors", {"sensors"}},
+    {"bmc", "BMC", {"leds", "fru"}},
+    {"log", "Event logs", {"sel", "lsi", "microchip", "sas2"}},
+    {"network", "Network", {}},
+    {"amt", "Intel AMT", {"amt"}},
+    {"collection", "Collection", {}},
 };
 
 /// Tables whose parts all belong to one area. Sensors and events are in several.
@@ -57,18 +56,25 @@ std::string_view FindAreaOfPart(const PartTable& table, const Part& part) {
   return "collection";
 }
 
-/// "26 online, 4 jbod": how often each word comes, the most frequent first.
+/// "26 online, 4 spare, 2 other": how often each word comes, the most frequent first.
 std::string CountWords(const std::vector<std::string>& words) {
+  constexpr std::size_t kMostWords = 3;
   std::map<std::string_view, std::size_t> counts;
   for (const std::string& word : words) ++counts[word];
   std::vector<std::pair<std::string_view, std::size_t>> sorted(counts.begin(), counts.end());
   std::ranges::stable_sort(sorted, std::ranges::greater(),
                            [](const auto& one) { return one.second; });
   std::string text;
-  for (const auto& [word, count] : sorted) {
-    text += fmt::format("{}{} {}", text.empty() ? "" : ", ", count, word);
+  std::size_t others = 0;
+  for (std::size_t i = 0; i < sorted.size(); ++i) {
+    const auto& [word, count] = sorted[i];
+    if (i < kMostWords) {
+      text += fmt::format("{}{} {}", text.empty() ? "" : ", ", count, word);
+    } else {
+      others += count;
+    }
   }
-  return text;
+  return others == 0 ? text : fmt::format("{}, {} other", text, others);
 }
 
 /// The part of a time that people need in a few words.
@@ -88,17 +94,7 @@ class AreaFinder {
  public:
   AreaFinder(const Collection& collection, const Assessment& assessment)
       : collection(collection), parts(assessment.parts), health(assessment.health) {
-    for (const HealthFinding& finding : health.findings) {
-      if (finding.severity == Severity::kNotice) continue;
-      const HealthHit& title = finding.hits.front();
-      const std::size_t rank = std::min(RankReportArea(title.area), std::size(kAreaKinds) - 1);
-      ++counts[kAreaKinds[rank].id];
-      Severity& worst = worstOf[kAreaKinds[rank].id];
-      worst = std::max(worst, finding.severity);
-      for (const HealthHit& hit : finding.hits) {
-        if (hit.severity != Severity::kNotice) judged.emplace(hit.part, hit.id);
-      }
-    }
+    for (const HealthFinding& finding : health.findings) CountFinding(finding);
   }
 
   std::vector<ReportArea> List() {
@@ -117,11 +113,38 @@ class AreaFinder {
   }
 
  private:
+  /// What was found in an area.
+  struct Found {
+    std::size_t titles = 0;    ///< findings that are called by a part of it
+    std::size_t touching = 0;  ///< findings with any part of it
+    Severity worst = Severity::kNotice;
+  };
+
+  /// A finding is of all areas that its parts are of: a degraded array is not well because the
+  /// finding is called by its failed drive.
+  void CountFinding(const HealthFinding& finding) {
+    const auto find = [](const HealthHit& hit) {
+      return kAreaKinds[std::min(RankReportArea(hit.area), std::size(kAreaKinds) - 1)].id;
+    };
+    std::set<std::string_view> touched;
+    for (const HealthHit& hit : finding.hits) {
+      if (hit.severity == Severity::kNotice) continue;
+      judged.emplace(hit.part, hit.id);
+      Found& area = found[find(hit)];
+      area.worst = std::max(area.worst, hit.severity);
+      if (touched.insert(find(hit)).second) ++area.touching;
+    }
+    if (finding.severity != Severity::kNotice) ++found[find(finding.hits.front())].titles;
+  }
+
   void Describe(const AreaKind& kind, ReportArea& area) {
-    area.fact = DescribeParts(kind, area);
-    if (const auto count = counts.find(area.id); count != counts.end()) {
-      area.tone = GetTone(worstOf[area.id]);
-      area.mark = fmt::format("{} {}", GetSign(area.tone), count->second);
+    area.fact = DescribeParts(area);
+    if (const auto at = found.find(area.id);
+        at != found.end() && at->second.worst != Severity::kNotice) {
+      const Found& here = at->second;
+      area.tone = GetTone(here.worst);
+      area.mark =
+          fmt::format("{} {}", GetSign(area.tone), here.titles > 0 ? here.titles : here.touching);
       if (area.fact.empty()) area.fact = "see the findings";
       return;
     }
@@ -158,17 +181,19 @@ class AreaFinder {
     area.mark = area.isNotChecked ? "not checked" : "not there";
   }
 
-  /// Nothing is known of the source, since nobody asked it.
+  /// Nothing is known of the source, since nobody asked it. Its table may have a row all the same;
+  /// another one then tells the reason.
   bool WasNotAsked(const PartSource& source) const {
     constexpr std::string_view kNotAsked[] = {"tool missing", "declined", "not this language"};
-    const auto table =
-        std::ranges::find(collection.tables, source.readAt.className, &CollectedTable::className);
-    return source.state == "none" &&
-           (table == collection.tables.end() ||
-            std::ranges::find(kNotAsked, table->status.outcome) != std::end(kNotAsked));
+    if (source.state != "none") return false;
+    if (source.observed == "not collected") return true;
+    return std::ranges::any_of(collection.tables, [&](const CollectedTable& table) {
+      return table.status.text == source.observed &&
+             std::ranges::find(kNotAsked, table.status.outcome) != std::end(kNotAsked);
+    });
   }
 
-  std::string DescribeParts(const AreaKind& kind, const ReportArea& area) const {
+  std::string DescribeParts(const ReportArea& area) const {
     if (area.id == "network") return DescribeNetwork();
     if (area.id == "collection") return DescribeSources();
     if (area.parts.empty()) return {};
@@ -177,7 +202,7 @@ class AreaFinder {
     if (area.id == "controllers") return DescribeControllers();
     if (area.id == "bmc") return DescribeSelfTest();
     if (area.id == "log" || area.id == "amt") return DescribeEvents(area);
-    return DescribeSensors(kind, area);
+    return DescribeSensors(area);
   }
 
   template <typename Table>
@@ -215,7 +240,7 @@ class AreaFinder {
     return newest.empty() ? text : text + ", newest " + KeepDay(newest);
   }
 
-  std::string DescribeSensors(const AreaKind& kind, const ReportArea& area) const {
+  std::string DescribeSensors(const ReportArea& area) const {
     std::string text;
     for (const AreaParts& list : area.parts) {
       if (list.table->name == "power_supplies") {
@@ -226,8 +251,8 @@ class AreaFinder {
           static_cast<std::size_t>(std::ranges::count_if(list.rows, [&](std::size_t row) {
             return !judged.contains({"sensors", parts.sensors[row].id});
           }));
-      text += fmt::format("{}{} of {} without a finding", text.empty() ? "" : "; ", well,
-                          FormatCount(list.rows.size(), std::string(kind.noun).c_str()));
+      text += fmt::format("{}{} of {} sensors without a finding", text.empty() ? "" : "; ", well,
+                          list.rows.size());
     }
     return text;
   }
@@ -254,8 +279,7 @@ class AreaFinder {
   const Collection& collection;
   const Parts& parts;
   const Health& health;
-  std::map<std::string_view, std::size_t> counts;
-  std::map<std::string_view, Severity> worstOf;
+  std::map<std::string_view, Found> found;
   std::set<std::pair<std::string, std::string>> judged;  ///< table and id of parts
 };
 

@@ -41,7 +41,7 @@ constexpr TableShape kShapes[] = {
     {"cache_backups", "Cache backups", "kind state model temperature", "vendor condition", "state"},
     {"enclosures", "Enclosures", "number state slots drives", "", "state"},
     {"sensors", "Sensors", "reading status", "name unit event_type number type", "reading"},
-    {"events", "Newest entries", "time level text", "", "text"},
+    {"events", "Newest entries", "time level text part_id", "part", "text"},
     {"power_supplies", "Power supplies", "status ac_volts output_watts text", "", "status"},
     {"leds", "Lights", "colour state", "", "state"},
     {"self_tests", "Self-tests", "text code", "", "text"},
@@ -69,6 +69,7 @@ constexpr ColumnShape kColumnShapes[] = {
     {"ac_volts", "Input", " V"},
     {"output_watts", "Output", " W"},
     {"system_time", "Clock", ""},
+    {"part_id", "About", ""},
     {"lnr", "Lower non-recoverable", ""},
     {"lc", "Lower critical", ""},
     {"lnc", "Lower warning", ""},
@@ -119,8 +120,21 @@ std::string FormatSize(std::int64_t bytes) {
   return unit == 0 ? fmt::format("{} B", bytes) : fmt::format("{:.3f} {}", size, kUnits[unit]);
 }
 
-std::string FormatCell(const PartColumn& column, const Part& part) {
+/// How grave an entry of a log is, in a word.
+std::string NameLevel(std::int64_t level) {
+  constexpr std::int64_t kFirst = -2;
+  constexpr std::array<const char*, 7> kWords{"debug",    "progress", "information", "warning",
+                                              "critical", "fatal",    "dead"};
+  const auto place = static_cast<std::size_t>(level - kFirst);
+  return place < kWords.size() ? kWords[place] : fmt::format("{}", level);
+}
+
+std::string FormatCell(const PartTable& table, const PartColumn& column, const Part& part) {
   const PartValue value = column.get(part);
+  if (const auto* number = std::get_if<std::int64_t>(&value);
+      number && column.name == "level" && table.name == "events") {
+    return NameLevel(*number);
+  }
   if (const auto* number = std::get_if<std::int64_t>(&value); number && column.name == "size") {
     return FormatSize(*number);
   }
@@ -295,7 +309,7 @@ void ReportParts::WriteRow(const PartTable& table, std::size_t row,
 
 void ReportParts::WriteCell(const PartTable& table, const Part& part, const PartColumn& column,
                             HtmlWriter& html) const {
-  std::string text = FormatCell(column, part);
+  std::string text = FormatCell(table, column, part);
   if (table.name == "sensors" && column.name == "reading" && !text.empty()) {
     text += " " + static_cast<const Sensor&>(part).unit;
   }

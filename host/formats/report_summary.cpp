@@ -174,8 +174,7 @@ class SummaryWriter {
     html.Add("<section id=\"findings\" aria-labelledby=\"findings-title\">");
     html.Add("<h2 class=\"caption\" id=\"findings-title\">What is wrong</h2>");
     if (alarms.empty()) {
-      html.Add("<p class=\"panel none\">Nothing that the rules know. ").Text(DescribeChecked());
-      html.Add("</p>");
+      html.Add("<p class=\"panel none\">The rules find nothing in what was looked at.</p>");
     } else {
       html.Add("<div class=\"panel findings\">");
       WriteSome(alarms, 0, kOpenFindings);

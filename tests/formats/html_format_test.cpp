@@ -167,6 +167,9 @@ TEST(HtmlFormat, ChoosesHowATableIsShown) {
   EXPECT_EQ(chooseKind(true, 2, 2), "rows");
   EXPECT_EQ(chooseKind(false, 2, 4), "properties");
   EXPECT_EQ(chooseKind(false, 2, 5), "rows");
+  MadeCollection made;
+  made.Table("T").Row({{"A", "1"}}).FileRow("text", "file");
+  EXPECT_EQ(ReadTable(made)["kind"], "rows");
 }
 
 TEST(HtmlFormat, LetsNoTextEndItsDataBlock) {

@@ -172,14 +172,26 @@ TEST(ReportSummary, TellsWhatIsNotThereFromWhatNobodyAsked) {
   for (const auto& [id, className] :
        {std::pair("lsi", "LSILINK"), std::pair("sensors", "SENSORINFO")}) {
     PartSource& source = AddSource(parts, id, "none");
-    source.observed = source.id + " observed";
+    source.observed = made.Get().tables[parts.sources.size() - 1].status.text;
     source.readAt.className = className;
   }
   const std::string page = WriteSummary(made, Assessed(parts));
   EXPECT_THAT(CutOut(page, "<b>Drives</b>", "</small>"),
-              AllOf(HasSubstr(">not checked<"), HasSubstr("lsi observed")));
+              AllOf(HasSubstr(">not checked<"), HasSubstr("storcli.exe is not on this machine")));
   EXPECT_THAT(CutOut(page, "<b>Cooling</b>", "</small>"),
-              AllOf(HasSubstr(">not there<"), HasSubstr("sensors observed")));
+              AllOf(HasSubstr(">not there<"), HasSubstr("this machine has no BMC")));
+}
+
+TEST(ReportSummary, CallsNoAreaWellThatAFindingOfAnotherIsOf) {
+  Parts parts = MakeWell();
+  Drive& drive = AddDrive(parts, "lsi0 69:9", "Offln");
+  drive.group = "lsi0 g0";
+  AddVolume(parts, "lsi0 v0", "Dgrd");
+  const std::string page = WriteSummary(parts);
+  // One finding, called by the drive.
+  EXPECT_THAT(page, HasSubstr("<p>1 critical; 2 areas without a finding"));
+  EXPECT_THAT(CutOut(page, "<b>Drives</b>", "</small>"), HasSubstr("● 1"));
+  EXPECT_THAT(CutOut(page, "<b>Arrays</b>", "</small>"), HasSubstr("● 1"));
 }
 
 TEST(ReportSummary, DrawsAReadingBetweenItsLimits) {
