@@ -52,15 +52,19 @@ constexpr NetTable kNetstatTable{
 
 constexpr char kBlanks[] = " \r\n";
 
-/// Deals the words of `text` into the table's columns and adds one instance per row.
+/// Deals the words of `text` into the table's columns and adds one instance per row. The words are
+/// found twice: a list of them would take more memory than the text.
 void AddRows(const WindowsCollection& collection, const NetTable& table, std::string_view text) {
-  std::vector<std::string_view> words = SplitTokens(text, kBlanks);
-  for (const std::string_view word : words) collection.log(kDetail, word);
-  const DealtColumns dealt(std::move(words), table.columns.size());
-  for (std::size_t row = 0; row < dealt.CountRows(); ++row) {
+  TokenScan logged(text, kBlanks);
+  for (std::string_view word = logged.Next(); !word.empty(); word = logged.Next()) {
+    collection.log(kDetail, word);
+  }
+  TokenScan dealt(text, kBlanks);
+  for (std::string_view word = dealt.Next(); !word.empty();) {
     RowBuffer instance(collection.repo, table.className, table.instanceTitle);
-    for (std::size_t column = 0; column < table.columns.size(); ++column) {
-      instance.Set(table.columns[column], dealt.At(row, column));
+    for (const auto& column : table.columns) {
+      instance.Set(column, word);
+      word = dealt.Next();
     }
     instance.Commit();
   }
