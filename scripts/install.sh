@@ -7,6 +7,7 @@ packages=(
   g++ cmake ninja-build ccache                    # native build
   g++-mingw-w64-x86-64-posix wine wine64          # Windows build and where it runs
   libboost-dev libcli11-dev nlohmann-json3-dev libfmt-dev libsqlite3-dev nettle-dev
+  zlib1g-dev libz-mingw-w64-dev
   googletest
 )
 purpose=${1:-build}
@@ -17,6 +18,7 @@ if [[ $purpose == test ]]; then
     libbenchmark-dev
     valgrind                                      # counts instructions in a test
     python3 python3-jsonschema                    # lint cache, JSON schema
+    unzip                                         # what others make of our ZIP files
     locales                                       # a machine that is not English, under Wine
     chromium                                      # what reads the HTML report in a test
   )

@@ -96,19 +96,20 @@ TEST(Options, ReadAllOfModules) {
 }
 
 TEST(Options, WantsACommand) {
-  EXPECT_EQ(Complaint({}),
-            "nothing to do: give a command (collect, health, modules, query, check, help; see "
-            "pqhost --help)");
+  EXPECT_EQ(
+      Complaint({}),
+      "nothing to do: give a command (collect, health, modules, query, check, verify, help; see "
+      "pqhost --help)");
 }
 
 TEST(Options, SuggestsTheCommandThatWasMeant) {
   EXPECT_EQ(Complaint({"colect"}),
             "there is no command colect; did you mean collect? (commands: collect, health, "
-            "modules, query, check, help; see pqhost --help)");
-  EXPECT_EQ(
-      Complaint({"zzz"}),
-      "there is no command zzz (commands: collect, health, modules, query, check, help; see pqhost "
-      "--help)");
+            "modules, query, check, verify, help; see pqhost --help)");
+  EXPECT_EQ(Complaint({"zzz"}),
+            "there is no command zzz (commands: collect, health, modules, query, check, verify, "
+            "help; see pqhost "
+            "--help)");
 }
 
 TEST(Options, SuggestsTheOptionThatWasMeant) {
@@ -238,6 +239,13 @@ TEST(Options, RefuseToRecordAReplay) {
   EXPECT_EQ(Complaint({"collect", "--replay", "a", "--record", "b"}),
             "--record has no use with --replay, which is a recording already: leave one of them "
             "away");
+}
+
+TEST(Options, KeepTheRecordingApartFromResults) {
+  for (const char* option : {"--output", "--trace"}) {
+    EXPECT_EQ(Complaint({"collect", "--record", "r.zip", option, "./r.zip"}),
+              std::string(option) + " and --record name the same place: give each its own");
+  }
 }
 
 TEST(Options, RefuseAToolLimitInAReplay) {

@@ -33,7 +33,7 @@ constexpr char kFooter[] = R"(Examples:
   pqhost collect --module BMC_Info --module Windows_Related_Info
   pqhost collect --replay RECORDING --format json --output server.json
   pqhost collect --replay RECORDING --log-folder logs --format none
-  pqhost collect --record RECORDING --tool-limit 120
+  pqhost collect --record server.zip --tool-limit 120
   pqhost collect --module BMC_Info --dry-run
 
 Exit codes: 0 done; 1 something could not be collected, with a line for each on
@@ -75,6 +75,17 @@ void SeparateTrace(CollectOptions& options, bool isFormatGiven) {
       fmt::format("--trace - and --format {} both want standard output: send "
                   "one of them to a file (--output FILE or --trace FILE)",
                   result.format));
+}
+
+/// Keeps results and trace from taking the place of the recording.
+void KeepRecordingApart(const CollectOptions& options) {
+  if (!options.source.record) return;
+  const auto refuse = [&](const char* option, const Destination& place) {
+    if (place.IsStandardOutput() || !AreSameFile(place.path, *options.source.record)) return;
+    throw UsageError(fmt::format("{} and --record name the same place: give each its own", option));
+  };
+  refuse("--output", options.result.output);
+  if (options.trace) refuse("--trace", *options.trace);
 }
 
 void RefuseWithReplay(const SourceOptions& source) {
@@ -129,6 +140,7 @@ void SettleOptions(CollectOptions& options, const OptionSet& set) {
                     options.result.format));
   }
   if (options.trace) SeparateTrace(options, set.IsGiven("--format"));
+  KeepRecordingApart(options);
   if (options.source.replay) RefuseWithReplay(options.source);
   RefuseInRecording(options.source, "--output", options.result.output);
   if (options.trace) RefuseInRecording(options.source, "--trace", *options.trace);
@@ -248,8 +260,9 @@ CommandRun Define(OptionSet& set) {
   set.AddNames("--table", OptionValue::kTable, options->selection.tables,
                "Enumerate this table; may be repeated");
   AddReplay(set, source);
-  set.AddPath("--record", OptionValue::kFolder, source.record,
-              "Keep what the tools print in this new folder, to be replayed (Windows)");
+  set.AddPath("--record", OptionValue::kRecording, source.record,
+              "Keep what the tools print in this new folder, or ZIP file with a name that ends in "
+              ".zip, to be replayed (Windows)");
   AddLogFolder(set, source);
   AddPlugin(set, source);
   AddUnsafeFolder(set, source);

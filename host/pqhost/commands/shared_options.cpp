@@ -27,23 +27,27 @@ void AddModules(OptionSet& set, std::vector<std::string>& modules, const char* h
 }
 
 void AddReplay(OptionSet& set, SourceOptions& source) {
-  set.AddPath("--replay", OptionValue::kFolder, source.replay,
-              "Take this recording for the machine");
+  set.AddPath("--replay", OptionValue::kRecording, source.replay,
+              "Take this recording, a folder or a ZIP file, for the machine");
   AddReadingRules(set, source);
 }
 
-void AddReadingRules(OptionSet& set, SourceOptions& source) {
+void AddLimits(OptionSet& set, RecordingLimits& limits) {
   std::vector<std::string> names;
   for (const NamedLimit& limit : kNamedLimits) names.emplace_back(limit.name);
   set.AddNumbers(
       "--limit", std::move(names),
-      [&limits = source.rules.limits](const std::string& name, std::uint64_t number) {
+      [&limits](const std::string& name, std::uint64_t number) {
         for (const NamedLimit& limit : kNamedLimits) {
           if (limit.name == name) limits.*limit.limit = number;
         }
       },
       "Read a larger recording: commands, files, file-size or recording-size (MiB); may be "
       "repeated");
+}
+
+void AddReadingRules(OptionSet& set, SourceOptions& source) {
+  AddLimits(set, source.rules.limits);
   set.AddFlag("--unverified", source.rules.allowChanges,
               "Read a recording also when it is not as it was made, and say so");
 }
@@ -70,7 +74,8 @@ void AddTimeLimit(OptionSet& set, std::optional<unsigned>& seconds, const char* 
 
 void RefuseInRecording(const SourceOptions& source, const char* option, const Destination& place) {
   if (!source.replay || place.IsStandardOutput()) return;
-  if (!IsInFolder(place.path, *source.replay)) return;
+  const std::filesystem::path& recording = *source.replay;
+  if (!IsInFolder(place.path, recording) && !AreSameFile(place.path, recording)) return;
   throw UsageError(
       fmt::format("{} {} is in the recording, which stays as it is: name another place", option,
                   PathText(place.path)));

@@ -18,6 +18,8 @@ void AddModules(OptionSet& set, std::vector<std::string>& modules, const char* h
 
 /// --replay, and how it is read: --limit, --unverified
 void AddReplay(OptionSet& set, SourceOptions& source);
+/// --limit
+void AddLimits(OptionSet& set, RecordingLimits& limits);
 /// --limit, --unverified
 void AddReadingRules(OptionSet& set, SourceOptions& source);
 /// --log-folder
