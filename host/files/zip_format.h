@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 namespace host {
 
@@ -27,5 +28,9 @@ enum class ZipMethod : std::uint16_t { kStored = 0, kDeflated = 8 };
 /// Where ZIP64 begins: these numbers say that the true ones are elsewhere.
 inline constexpr std::uint16_t kZipElsewhere16 = 0xFFFF;
 inline constexpr std::uint32_t kZipElsewhere32 = 0xFFFFFFFF;
+
+inline void AppendZipNumber(std::string& bytes, std::uint32_t number, std::size_t size) {
+  for (std::size_t i = 0; i < size; ++i) bytes += static_cast<char>(number >> (8 * i) & 0xFF);
+}
 
 }  // namespace host

@@ -177,32 +177,6 @@ void CheckName(std::string_view name) {
   }
 }
 
-/// The names so far, as Windows compares them.
-class TakenNames {
- public:
-  void Take(std::string_view name, bool isFolder) {
-    const std::string key = LowerCase(name);
-    const bool isNew = (isFolder ? namedFolders : files).insert(key).second;
-    if (!isNew || (isFolder ? files : folders).count(key) > 0) RefuseTwice(name);
-    if (isFolder) folders.insert(key);
-    for (std::size_t end = key.find('/'); end != std::string::npos; end = key.find('/', end + 1)) {
-      const std::string folder = key.substr(0, end);
-      if (files.count(folder) > 0) RefuseTwice(folder);
-      folders.insert(folder);
-    }
-  }
-
- private:
-  [[noreturn]] static void RefuseTwice(std::string_view name) {
-    Refuse("it has the name " + Quote(name) + " twice, on a system where case makes no difference",
-           kGetAgain);
-  }
-
-  std::set<std::string> files;
-  std::set<std::string> folders;
-  std::set<std::string> namedFolders;  ///< those with a head of their own
-};
-
 void CheckSizes(const ZipEntry& entry, std::string_view name) {
   const bool isPossible = entry.isDeflated
                               ? entry.packedSize > 0 && entry.size / kMostRatio <= entry.packedSize
@@ -280,6 +254,14 @@ End FindEnd(std::string_view tail, std::uint64_t fileSize) {
   return end;
 }
 
+std::string ReadPart(const FileHandle& file, std::uint64_t offset, std::uint64_t size) {
+  std::string bytes(static_cast<std::size_t>(size), '\0');
+  if (file.ReadAt(offset, bytes.data(), bytes.size()) != bytes.size()) {
+    Refuse("it cannot be read, or has just changed", kGetAgain);
+  }
+  return bytes;
+}
+
 /// A file or folder, as the directory has it.
 struct ListedFile {
   std::string name;  ///< of a folder with "/" at its end
@@ -330,6 +312,37 @@ ListedFile TakeListedFile(std::string_view& directory) {
 
 bool IsFolder(const ListedFile& file) { return file.name.ends_with('/'); }
 
+std::vector<ListedFile> ReadDirectory(const FileHandle& file, const End& end) {
+  if (end.directorySize > end.count * (kZipDirectoryHeadSize + kLongestName + kLongestExtra)) {
+    Refuse(kNotFilled, kGetAgain);
+  }
+  const std::string bytes = ReadPart(file, end.directoryAt, end.directorySize);
+  std::string_view directory = bytes;
+  std::vector<ListedFile> listed;
+  while (listed.size() < end.count) listed.push_back(TakeListedFile(directory));
+  if (!directory.empty()) Refuse(kNotFilled, kGetAgain);
+  return listed;
+}
+
+/// Refuses names that Windows takes for one.
+void CheckNamesDiffer(const std::vector<ListedFile>& listed) {
+  const auto refuse = [](std::string_view name) {
+    Refuse("it has the name " + Quote(name) + " twice, on a system where case makes no difference",
+           kGetAgain);
+  };
+  std::set<std::string> keys;
+  for (const ListedFile& file : listed) {
+    if (!keys.insert(LowerCase(file.name)).second) refuse(file.name);
+  }
+  for (const std::string& key : keys) {
+    if (key.ends_with('/')) continue;
+    // A file cannot be a folder as well, with or without a head of its own.
+    const std::string asFolder = key + "/";
+    const auto inside = keys.lower_bound(asFolder);
+    if (inside != keys.end() && inside->starts_with(asFolder)) refuse(key);
+  }
+}
+
 bool AgreesWith(const CommonHead& own, const CommonHead& listed) {
   // Who writes while packing does not know these numbers yet.
   const bool mayBeLate = (own.flags & kLateNumbers) != 0;
@@ -339,14 +352,6 @@ bool AgreesWith(const CommonHead& own, const CommonHead& listed) {
   return own.flags == listed.flags && own.method == listed.method &&
          own.nameSize == listed.nameSize && agree(own.crc, listed.crc) &&
          agree(own.packedSize, listed.packedSize) && agree(own.size, listed.size);
-}
-
-std::string ReadPart(const FileHandle& file, std::uint64_t offset, std::uint64_t size) {
-  std::string bytes(static_cast<std::size_t>(size), '\0');
-  if (file.ReadAt(offset, bytes.data(), bytes.size()) != bytes.size()) {
-    Refuse("it cannot be read, or has just changed", kGetAgain);
-  }
-  return bytes;
 }
 
 /// Compares the file's own head with the directory, and finds its bytes. Returns where the next one
@@ -372,9 +377,7 @@ std::uint64_t FindFileEnd(const FileHandle& file, std::uint64_t directoryAt, Lis
   const std::string late = ReadPart(file, end, std::min(directoryAt - end, kMostLateNumbers));
   std::string expected;
   for (const std::uint32_t number : {kZipLateNumbers, head.crc, head.packedSize, head.size}) {
-    for (int shift = 0; shift < 32; shift += 8) {
-      expected += static_cast<char>(number >> shift & 0xFF);
-    }
+    AppendZipNumber(expected, number, sizeof(number));
   }
   if (late == expected) return end + expected.size();
   expected.erase(0, 4);
@@ -393,21 +396,8 @@ ZipReader::ZipReader(FileHandle given, std::uint64_t mostFiles) : file(std::move
     throw std::runtime_error(fmt::format(
         "it has {} files, more than {}; --limit files=NUMBER allows more", end.count, mostFiles));
   }
-  if (end.directorySize > end.count * (kZipDirectoryHeadSize + kLongestName + kLongestExtra)) {
-    Refuse(kNotFilled, kGetAgain);
-  }
-  const std::string bytes = ReadPart(file, end.directoryAt, end.directorySize);
-  std::string_view directory = bytes;
-  TakenNames names;
-  std::vector<ListedFile> listed;
-  for (std::uint64_t i = 0; i < end.count; ++i) {
-    listed.push_back(TakeListedFile(directory));
-    std::string_view name = listed.back().name;
-    if (IsFolder(listed.back())) name.remove_suffix(1);
-    names.Take(name, IsFolder(listed.back()));
-  }
-  if (!directory.empty()) Refuse(kNotFilled, kGetAgain);
-
+  std::vector<ListedFile> listed = ReadDirectory(file, end);
+  CheckNamesDiffer(listed);
   // In the order of their places, as they have to fill the file.
   std::sort(listed.begin(), listed.end(), [](const ListedFile& a, const ListedFile& b) {
     return a.entry.headAt < b.entry.headAt;

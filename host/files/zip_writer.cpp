@@ -14,18 +14,11 @@ namespace {
 
 constexpr std::size_t kChunk = 1U << 16;
 /// zlib takes no more at once.
-constexpr std::size_t kLargestPart = 1U << 30;
+constexpr std::size_t kMostInput = 1U << 30;
 constexpr int kRawDeflate = -MAX_WBITS;
 
-void Append16(std::string& bytes, std::uint16_t number) {
-  bytes += static_cast<char>(number & 0xFF);
-  bytes += static_cast<char>(number >> 8);
-}
-
-void Append32(std::string& bytes, std::uint32_t number) {
-  Append16(bytes, static_cast<std::uint16_t>(number & 0xFFFF));
-  Append16(bytes, static_cast<std::uint16_t>(number >> 16));
-}
+void Append16(std::string& bytes, std::uint16_t number) { AppendZipNumber(bytes, number, 2); }
+void Append32(std::string& bytes, std::uint32_t number) { AppendZipNumber(bytes, number, 4); }
 
 class Deflater {
  public:
@@ -47,7 +40,7 @@ class Deflater {
     int result = Z_OK;
     while (result != Z_STREAM_END) {
       if (stream.avail_in == 0) {
-        const std::string_view part = bytes.substr(0, kLargestPart);
+        const std::string_view part = bytes.substr(0, kMostInput);
         bytes.remove_prefix(part.size());
         // It only reads, whatever its declaration says.
         stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(part.data()));
