@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <windows.h>
 
+#include <algorithm>
 #include <map>
 #include <set>
 #include <string>
@@ -34,7 +35,7 @@ const std::map<std::string, std::vector<std::string>> kLeftOpen = {
 TEST_P(Calls, AreThoseOfTheList) {
   const StepScenario& scenario = GetParam();
   LibraryCalls calls(scenario.recording());
-  // Of a machine that records an error for it, the query of versions.
+  // The third pipe is that of the versions, for which this machine records an error.
   if (scenario.name == "bmc_ailing") calls.FailPipe(3, 8);
   calls.Collect(scenario.module, scenario.table, scenario.enumerations);
   EXPECT_EQ(calls.Text(), ReadList("calls/" + scenario.name + ".txt"));
@@ -57,8 +58,8 @@ TEST(LibraryCalls, AreTheSameWithRealTools) {
   EXPECT_EQ(CountHandles(), before);
 }
 
-// A thousand collections with real processes would take an hour, so here the recording answers;
-// pipes, events and files are the system's.
+// A thousand collections with real processes would take half an hour, so here the recording
+// answers; pipes, events and files are the system's.
 TEST(LibraryCalls, LeaveAsManyHandlesAfterAThousandCollections) {
   const std::set<std::string> kAllKindsOfSteps = {"windows_us_english", "amt", "bmc_family_5",
                                                   "raid_logs_bare"};
