@@ -22,9 +22,9 @@ constexpr char kInterrupted[] =
 class LogKeeper final : public CollectionListener {
  public:
   bool WantsLog() const override { return true; }
-  void Log(const LogLine& line) override { lines.push_back(line); }
+  void Log(const LogLine& line) override { log.Add(line); }
 
-  std::vector<LogLine> lines;
+  KeptLog log;
 };
 
 class AnswerKeeper final : public CollectionListener {
@@ -128,7 +128,7 @@ Collection Collect(Source& source, const Selection& selection, CollectionListene
     return rows != stored.end() && !rows->second.rows.empty();
   }));
   if (wasInterrupted) collection.problems.emplace_back(kInterrupted);
-  collection.log = std::move(log.lines);
+  collection.log = std::move(log.log);
   collection.files = source.Files();
   return collection;
 }

@@ -11,11 +11,11 @@
 
 #include "frame/description.h"
 #include "frame/halyard/repository.h"
+#include "host/collect/kept_log.h"
 #include "host/collect/machine_facts.h"
 #include "host/collect/omissions.h"
 #include "host/collect/selection.h"
 #include "host/collect/table_status.h"
-#include "host/logger/logger.h"
 #include "host/recorded/machine_observer.h"
 #include "host/repository/store.h"
 #include "host/text/bytes.h"
@@ -50,7 +50,7 @@ struct Collection {
   bool tablesNamed = false;
   /// A line for each thing that could not be collected. UTF-8.
   std::vector<std::string> problems;
-  std::vector<LogLine> log;  ///< the modules' log; only when asked for
+  KeptLog log;  ///< the modules'; only when asked for
   /// The tools' answers, in the order of the command lines. Texts are shared with the recording.
   std::vector<CollectedAnswer> answers;
   /// The files of a recorded machine after the collection, by their Windows path; those of a live

@@ -163,7 +163,9 @@ class CollectionView {
     return {settings.decoder.Decode(module.name), settings.decoder.Decode(module.description)};
   }
   TableView ViewTable(const CollectedTable& table) const { return {settings, table}; }
-  DecodedText LogText(const LogLine& line) const { return settings.decoder.Decode(line.text); }
+  DecodedText LogText(const KeptLog::Line& line) const {
+    return settings.decoder.Decode(line.text);
+  }
   /// Something that was found in one of the values, such as a tool's version.
   DecodedText Excerpt(std::string_view bytes) const { return settings.decoder.Decode(bytes); }
 

@@ -179,11 +179,11 @@ void DatabaseWriter::Add(const CollectionView& view, const Facts& facts, std::st
   }
   Rows& log = AddTo(kLog);
   position = 0;
-  for (const LogLine& line : collection.log) {
+  collection.log.ForEach([&](const KeptLog::Line& line) {
     (log.Begin() << ++position << static_cast<std::int64_t>(line.level) << line.file
                  << static_cast<std::int64_t>(line.line) << view.LogText(line))
         .Run();
-  }
+  });
 }
 
 void DatabaseWriter::AddMachine(const CollectionView& view, const Facts& more) {

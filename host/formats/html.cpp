@@ -1,25 +1,30 @@
-// The report: one HTML file with everything in it, which opens offline. The page is drawn by its
-// own script (host/formats/report/) from a data block; texts of tools are only ever in that block.
+// The report: one HTML file with everything in it, which opens offline. Its first screen is plain
+// HTML (report_summary.h); the tools' tables are drawn by the page's own script (report/) from a
+// data block.
 
 #include <fmt/format.h>
 
-#include <array>
 #include <cstdint>
+#include <optional>
 #include <set>
 #include <sstream>
+#include <vector>
 
-#include "host/answers/tool_versions.h"
+#include "host/answers/assessment.h"
+#include "host/answers/parts/read_parts.h"
 #include "host/collect/table_view.h"
+#include "host/database/database.h"
 #include "host/formats/collection_summary.h"
 #include "host/formats/formats.h"
+#include "host/formats/html_text.h"
 #include "host/formats/json_buffer.h"
-#include "host/formats/machine_summary.h"
 #include "host/formats/report/report_page.h"
+#include "host/formats/report_evidence.h"
 #include "host/formats/report_size.h"
+#include "host/formats/report_summary.h"
 #include "host/formats/row_identity.h"
 #include "host/text/json_text.h"
 #include "host/text/screen_text.h"
-#include "host/text/version.h"
 
 namespace host {
 namespace {
@@ -28,8 +33,8 @@ namespace {
 /// reads that many rows side by side.
 constexpr std::size_t kMaxPropertyRows = 4;
 
-/// Writes JSON that may be inside a script element: the only place where the report escapes texts.
-/// No text can end the element, open another or start a comment in it.
+/// Writes JSON that may be inside a script element. No text can end the element, open another or
+/// start a comment in it.
 void WriteJsonForScript(std::string_view json, std::ostream& out) {
   for (std::size_t at = 0; (at = json.find_first_of("<>")) != std::string_view::npos;) {
     out << json.substr(0, at) << (json[at] == '<' ? "\\u003c" : "\\u003e");
@@ -45,37 +50,52 @@ void WriteJsonForScriptOnTerminal(std::string_view json, std::ostream& out) {
   WriteJsonForTerminal(escaped.str(), out);
 }
 
-/// The script, which knows the same unseen characters as a screen: as ranges of a regular
-/// expression, in the place @UNSEEN@.
+/// The script's files as one function, which knows the same unseen characters as a screen: as
+/// ranges of a regular expression, in the place @UNSEEN@ of the first file.
 void WriteScript(std::ostream& out) {
   constexpr std::string_view kPlace = "@UNSEEN@";
-  const std::size_t at = kReportScript.find(kPlace);
-  out << kReportScript.substr(0, at);
+  const std::size_t at = kReportTexts.find(kPlace);
+  out << "\"use strict\";\n(() => {\n" << kReportTexts.substr(0, at);
   for (const auto [first, last] : ListUnseenCharacters()) {
     out << fmt::format("\\u{{{:x}}}-\\u{{{:x}}}", static_cast<std::uint32_t>(first),
                        static_cast<std::uint32_t>(last));
   }
-  out << kReportScript.substr(at + kPlace.size());
+  out << kReportTexts.substr(at + kPlace.size()) << kReportTables << kReportScript << "})();\n";
+}
+
+/// A machine that cannot be judged is not known to be well, and its tables are shown all the same.
+Assessment AssessForReport(const Collection& collection) {
+  try {
+    return Assess(collection);
+  } catch (const DatabaseError& error) {
+    HealthHit hit;
+    hit.rule = "report.not-judged";
+    hit.severity = Severity::kUnknown;
+    hit.area = "collection";
+    hit.text = fmt::format("This machine could not be judged: {}", error.what());
+    Assessment assessment{ReadParts(collection), {}};
+    assessment.health.worst = hit.severity;
+    assessment.health.findings.push_back({hit.rule, hit.severity, {hit}});
+    return assessment;
+  }
 }
 
 class ReportData {
  public:
-  ReportData(const Collection& collection, const Screen& screen, std::ostream& out)
-      : collection(collection),
-        view(collection, ChooseAttachments(screen)),
-        parts(FitIntoReport(collection)),
+  /// `parts`: what is shown of each table.
+  ReportData(const CollectionView& view, const std::vector<ShownPart>& parts, const Screen& screen,
+             std::ostream& out)
+      : collection(view.GetCollection()),
+        view(view),
+        parts(parts),
         json(screen.isTerminal ? &WriteJsonForScriptOnTerminal : &WriteJsonForScript, out) {}
 
   void Write() {
-    json.AppendText("{\"title\":", NameMachine(collection));
-    json += ",\"facts\":";
-    json.AppendList(ListFacts(), [](std::string& text, const Fact& fact) {
-      AppendJsonList(text, fact, &AppendJsonText);
-    });
-    json.AppendText(",\"outcome\":", DescribeOutcome(collection));
+    json.AppendText("{\"outcome\":", DescribeOutcome(collection));
+    // Of a machine, the first screen tells them.
     json += ",\"notes\":";
-    json.AppendList(collection.problems, &AppendJsonText);
-    json.AppendText(",\"footer\":", fmt::format("Made by pqhost {}.", kVersion));
+    json.AppendList(collection.machineIsKnown ? std::vector<std::string>() : collection.problems,
+                    &AppendJsonText);
     json += ",\"areas\":[";
     const char* separator = "";
     for (const TableGroup& group : GroupTables(collection)) {
@@ -88,26 +108,6 @@ class ReportData {
   }
 
  private:
-  using Fact = std::array<std::string, 2>;  ///< name and value
-
-  std::vector<Fact> ListFacts() const {
-    const MachineFacts& machine = collection.machine;
-    std::vector<Fact> facts;
-    const auto add = [&](std::string_view name, std::string_view value) {
-      if (!value.empty()) facts.push_back({std::string(name), std::string(value)});
-    };
-    for (const auto& [name, value] : ListMachineFacts(collection)) add(name, value);
-    if (!collection.machineIsKnown) return facts;
-    add("From", machine.recorded ? "a recording" : "this machine, live");
-    add("Language", std::to_string(machine.languageId));
-    add("Code page", std::to_string(machine.codePage));
-    add("Host program", view.HostExecutable());
-    for (const ToolVersion& tool : FindToolVersions(collection)) {
-      add(tool.tool, view.Excerpt(tool.version));
-    }
-    return facts;
-  }
-
   void WriteArea(const TableGroup& group) {
     json.AppendText("{\"title\":", view.Excerpt(group.area));
     json += ",\"modules\":";
@@ -135,7 +135,8 @@ class ReportData {
     json.AppendText(",\"status\":", table.Status().text);
     json += ",\"notes\":";
     json.AppendList(table.Status().notes, &AppendJsonText);
-    json += fmt::format(",\"rowCount\":{},\"columns\":", table.RowCount());
+    json += fmt::format(",\"rowCount\":{},\"firstRow\":{},\"columns\":", table.RowCount(),
+                        part.firstRow);
     json.AppendList(shown, [&](std::string& text, std::size_t i) {
       const ColumnView& column = table.Columns()[i];
       text += JsonObject().AddText("key", column.key).AddText("label", column.label).Take();
@@ -149,7 +150,7 @@ class ReportData {
   }
 
   static const char* ChooseKind(const TableView& table, std::size_t columnCount) {
-    if (columnCount == 1 && table.RowCount() > 1) return "log";
+    if (columnCount == 1 && table.Columns().size() == 1 && table.RowCount() > 1) return "log";
     return !table.IsByRow() && table.RowCount() <= kMaxPropertyRows ? "properties" : "rows";
   }
 
@@ -182,10 +183,14 @@ class ReportData {
       for (std::size_t place = 0; place < row.CellCount(); ++place) {
         const CellView cell = row.CellAt(place);
         if (!fileKeys.contains(cell.Key()) || cell.Kind() == CellKind::kNothing) continue;
+        const DecodedText text = cell.Text();
+        const std::string_view end = CutToEnd(text, part.mostValueBytes);
         json += separator;
         json.AppendText("{\"label\":", cell.Label());
         json.AppendText(",\"filename\":", cell.FileName().value_or(cell.Key()));
-        json.AppendText(",\"text\":", CutToEnd(cell.Text(), part.mostValueBytes));
+        json.AppendText(",\"key\":", cell.Key());
+        json += fmt::format(",\"row\":{},\"firstLine\":{}", i + 1, FindFirstLine(text, end));
+        json.AppendText(",\"text\":", end);
         json += "}";
         separator = ",\n";
         json.Flush();
@@ -194,8 +199,8 @@ class ReportData {
   }
 
   const Collection& collection;
-  CollectionView view;
-  const std::vector<ShownPart> parts;
+  const CollectionView& view;
+  const std::vector<ShownPart>& parts;
   JsonBuffer json;
 };
 
@@ -203,6 +208,12 @@ class ReportData {
 
 void WriteHtml(const Collection& collection, const Screen& screen, std::ostream& out) {
   const std::string nonce = MakeRandomText();  // Used once, for this report's own script.
+  const CollectionView view(collection, ChooseAttachments(screen));
+  const std::vector<ShownPart> shown = FitIntoReport(collection);
+  std::optional<Assessment> assessed;
+  if (collection.machineIsKnown) assessed = AssessForReport(collection);
+  const Assessment* assessment = assessed ? &*assessed : nullptr;
+  HtmlWriter html(out);
   std::string_view page = kReportPage;
   for (std::size_t at = 0; (at = page.find('@')) != std::string_view::npos;) {
     out << page.substr(0, at);
@@ -213,10 +224,18 @@ void WriteHtml(const Collection& collection, const Screen& screen, std::ostream&
       out << nonce;
     } else if (place == "@STYLE@") {
       out << kReportStyle;
+    } else if (place == "@TITLE@") {
+      WriteReportTitle(collection, assessment, html);
+    } else if (place == "@HEADER@") {
+      WriteReportHeader(collection, html);
+    } else if (place == "@SUMMARY@") {
+      if (assessment != nullptr) WriteReportSummary(view, shown, *assessment, html);
+    } else if (place == "@FOOTER@") {
+      WriteReportFooter(view, assessment, html);
     } else if (place == "@SCRIPT@") {
       WriteScript(out);
     } else if (place == "@DATA@") {
-      ReportData(collection, screen, out).Write();
+      ReportData(view, shown, screen, out).Write();
     }
   }
   out << page;

@@ -28,13 +28,13 @@ constexpr Column kArpColumns[] = {
     {"item2", "Physical Address", "its hardware (MAC) address"},
     {"item3", "Type", "dynamic: learned from the network; static: set by hand or by Windows"},
 };
-constexpr NetTable kArpTable{
-    kArpInfo,
-    "ARP Information",
-    "ARP table",
-    "/c arp.exe -a",
-    {"Failed to create pipe for arp info", "CreateProcess failed in getting arp info("},
-    kArpColumns};
+constexpr NetTable kArpTable{kArpInfo,
+                             "ARP Information",
+                             "ARP table",
+                             "/c arp.exe -a",
+                             {.pipe = "Failed to create pipe for arp info",
+                              .start = "CreateProcess failed in getting arp info("},
+                             kArpColumns};
 
 constexpr Column kNetstatColumns[] = {
     {"item1", "Protocol", "TCP or UDP"},
@@ -42,25 +42,29 @@ constexpr Column kNetstatColumns[] = {
     {"item3", "Foreign Address", "address and port at the other end"},
     {"item4", "State", "state of the connection, such as ESTABLISHED"},
 };
-constexpr NetTable kNetstatTable{
-    kNetstatInfo,
-    "Netstat Information",
-    "Network connections",
-    "/c netstat.exe",
-    {"Failed to create pipe for netstat info", "CreateProcess failed in getting netstat info("},
-    kNetstatColumns};
+constexpr NetTable kNetstatTable{kNetstatInfo,
+                                 "Netstat Information",
+                                 "Network connections",
+                                 "/c netstat.exe",
+                                 {.pipe = "Failed to create pipe for netstat info",
+                                  .start = "CreateProcess failed in getting netstat info("},
+                                 kNetstatColumns};
 
 constexpr char kBlanks[] = " \r\n";
 
-/// Deals the words of `text` into the table's columns and adds one instance per row.
+/// Deals the words of `text` into the table's columns and adds one instance per row. The words are
+/// found twice: a list of them would take more memory than the text.
 void AddRows(const WindowsCollection& collection, const NetTable& table, std::string_view text) {
-  std::vector<std::string_view> words = SplitTokens(text, kBlanks);
-  for (const std::string_view word : words) collection.log(kDetail, word);
-  const DealtColumns dealt(std::move(words), table.columns.size());
-  for (std::size_t row = 0; row < dealt.CountRows(); ++row) {
+  TokenScan logged(text, kBlanks);
+  for (std::string_view word = logged.Next(); !word.empty(); word = logged.Next()) {
+    collection.log(kDetail, word);
+  }
+  TokenScan dealt(text, kBlanks);
+  for (std::string_view word = dealt.Next(); !word.empty();) {
     RowBuffer instance(collection.repo, table.className, table.instanceTitle);
-    for (std::size_t column = 0; column < table.columns.size(); ++column) {
-      instance.Set(table.columns[column], dealt.At(row, column));
+    for (const auto& column : table.columns) {
+      instance.Set(column, word);
+      word = dealt.Next();
     }
     instance.Commit();
   }

@@ -33,7 +33,7 @@ Collection MakeCollection() {
                                {},
                                &host::TablesOf(*collection.repository).at("CLASS"),
                                {"rows", "2 rows", {"one is left out"}}});
-  collection.log.push_back({4, "pqmodules/x", 12, "[repo] a line"});
+  collection.log.Add({4, "pqmodules/x", 12, "[repo] a line"});
   return collection;
 }
 

@@ -4,6 +4,8 @@
 #include <regex>
 #include <set>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "host/text/decoder.h"
 #include "host/text/screen_text.h"
@@ -15,7 +17,10 @@ namespace {
 using Json = nlohmann::ordered_json;
 using halyard::repository::RInstance;
 using test::MadeCollection;
+using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Not;
+using testing::Pair;
 
 /// The data block as it is in the page, between its script element's tags.
 std::string FindDataBlock(const std::string& page) {
@@ -28,27 +33,51 @@ Json ReadData(MadeCollection& made) { return Json::parse(FindDataBlock(made.As("
 
 Json ReadTable(MadeCollection& made) { return ReadData(made)["areas"][0]["tables"][0]; }
 
+/// The page without the data block and the script.
+std::string ReadMarkup(MadeCollection& made) {
+  const std::string page = made.As("html");
+  return page.substr(0, page.find(R"(<script type="application/json")"));
+}
+
+/// What the page says of the machine: name and value of each fact, in `element`.
+std::vector<std::pair<std::string, std::string>> ReadFacts(MadeCollection& made,
+                                                           const std::string& element) {
+  const std::string page = ReadMarkup(made);
+  const std::size_t at = page.find("<" + element);
+  const std::string part = page.substr(at, page.find("</" + element + ">", at) - at);
+  const std::regex fact("<dt>([^<]*)</dt><dd>([^<]*)</dd>");
+  std::vector<std::pair<std::string, std::string>> facts;
+  for (std::sregex_iterator found(part.begin(), part.end(), fact), end; found != end; ++found) {
+    facts.emplace_back((*found)[1], (*found)[2]);
+  }
+  return facts;
+}
+
 TEST(HtmlFormat, SaysWhatWasCollectedWhereAndWhen) {
   MadeCollection made;
   made.Get().machine = {true, "two sockets", "NODE31", 1031, 850, "C:\\\x94\\h.exe", "C:\\H\\"};
   made.Get().problems = {"not collected: A: b"};
   made.Table("T").Row({{"A", "1"}}).Row({{"A", "2"}}).Table("EMPTY");
-  Json data = ReadData(made);
-  data["areas"] = nullptr;
-  EXPECT_EQ(data.dump(),
-            R"({"title":"NODE31","facts":[["Description","two sockets"],)"
-            R"(["Recorded","at an unknown time"],["From","a recording"],)"
-            R"(["Language","1031"],["Code page","850"],["Host program","C:\\ö\\h.exe"]],)"
-            R"("outcome":"1 of 2 tables with 2 rows","notes":["not collected: A: b"],)"
-            R"("footer":"Made by pqhost 0.1.0.","areas":null})");
+  EXPECT_EQ(ReadData(made)["outcome"], "1 of 2 tables with 2 rows");
+  EXPECT_THAT(ReadMarkup(made), HasSubstr("<h1>NODE31</h1>"));
+  EXPECT_THAT(ReadMarkup(made), HasSubstr("<li>not collected: A: b</li>"));
+  EXPECT_THAT(ReadMarkup(made), HasSubstr("Made 2026-11-18 09:41:07 UTC by pqhost 0.1.0."));
+  EXPECT_THAT(ReadFacts(made, "header"), ElementsAre(Pair("Description", "two sockets"),
+                                                     Pair("Recorded", "at an unknown time")));
+  EXPECT_THAT(ReadFacts(made, "footer"),
+              ElementsAre(Pair("From", "a recording"),
+                          Pair("Judged as of",
+                               "2026-11-18T09:41:07Z (now, since nothing tells when it was)"),
+                          Pair("Language", "1031"), Pair("Code page", "850"),
+                          Pair("Host program", "C:\\ö\\h.exe")));
 }
 
 TEST(HtmlFormat, IsTitledByTheDescriptionOfANamelessMachine) {
   MadeCollection made;
-  EXPECT_EQ(ReadData(made)["title"], "Server");
+  EXPECT_THAT(ReadMarkup(made), HasSubstr("<h1>Server</h1>"));
   made.Get().machine.description = "two sockets";
-  EXPECT_EQ(ReadData(made)["title"], "two sockets");
-  EXPECT_EQ(ReadData(made)["facts"][0][0], "Recorded");
+  EXPECT_THAT(ReadMarkup(made), HasSubstr("<h1>two sockets</h1>"));
+  EXPECT_THAT(ReadFacts(made, "header").front(), Pair("Recorded", "at an unknown time"));
 }
 
 TEST(HtmlFormat, SaysWhichMachineItIsAndWhenItWasRecorded) {
@@ -59,23 +88,33 @@ TEST(HtmlFormat, SaysWhichMachineItIsAndWhenItWasRecorded) {
                              {"B", "[Baseboard,20,00] Product Name : P-1"},
                              {"C", "[Baseboard,20,00] Product Serial Num : 4711"},
                              {"D", "[Baseboard,20,00] Product Asset Tag : A-1"}});
-  Json facts = ReadData(made)["facts"];
-  facts.erase(facts.begin() + 6, facts.end());
-  EXPECT_EQ(facts.dump(),
-            R"([["System","Windows Server 2022 Standard, build 20348"],["Maker","Makers"],)"
-            R"(["Product","P-1"],["Serial number","4711"],["Asset tag","A-1"],)"
-            R"(["Recorded","2026-02-03 04:05:06 UTC+01:00"]])");
+  EXPECT_THAT(
+      ReadFacts(made, "header"),
+      ElementsAre(Pair("System", "Windows Server 2022 Standard, build 20348"),
+                  Pair("Maker", "Makers"), Pair("Product", "P-1"), Pair("Serial number", "4711"),
+                  Pair("Asset tag", "A-1"), Pair("Recorded", "2026-02-03 04:05:06 UTC+01:00")));
   made.Get().machine.recorded = false;
-  EXPECT_EQ(ReadData(made)["facts"][5].dump(), R"(["Collected","2026-02-03 04:05:06 UTC+01:00"])");
+  EXPECT_THAT(ReadFacts(made, "header").back(), Pair("Collected", "2026-02-03 04:05:06 UTC+01:00"));
   made.Get().machine.recordedAt.reset();
-  EXPECT_EQ(ReadData(made)["facts"][5].dump(), R"(["Collected","2026-11-18 09:41:07 UTC"])");
+  EXPECT_THAT(ReadFacts(made, "header").back(), Pair("Collected", "2026-11-18 09:41:07 UTC"));
 }
 
 TEST(HtmlFormat, NamesTheToolsVersions) {
   MadeCollection made;
   made.Get().machine.codePage = 850;
   made.Table("FRUINFO").Row({{"A", "ipmiutil fru version 3.18\x81\r\n"}});
-  EXPECT_EQ(ReadData(made)["facts"].back().dump(), R"(["ipmiutil","3.18ü"])");
+  EXPECT_THAT(ReadFacts(made, "footer").back(), Pair("ipmiutil", "3.18ü"));
+}
+
+TEST(HtmlFormat, JudgesNoAnswer) {
+  MadeCollection made;
+  made.Get().machineIsKnown = false;
+  made.Get().problems = {"not collected: A: b"};
+  made.Table("ANSWER").Row({{"A", "1"}});
+  EXPECT_THAT(ReadMarkup(made), HasSubstr("<title>Answer – server report</title>"));
+  EXPECT_THAT(ReadFacts(made, "header"), ElementsAre(Pair("Asked", "2026-11-18 09:41:07 UTC")));
+  EXPECT_THAT(ReadMarkup(made), Not(HasSubstr("id=\"verdict\"")));
+  EXPECT_EQ(ReadData(made)["notes"][0], "not collected: A: b");
 }
 
 TEST(HtmlFormat, WritesATableWithItsRowsByColumn) {
@@ -85,7 +124,7 @@ TEST(HtmlFormat, WritesATableWithItsRowsByColumn) {
   EXPECT_EQ(
       ReadTable(made).dump(),
       R"({"class":"ARPINFO","title":"ARP table","kind":"rows","status":"2 rows","notes":[],)"
-      R"("rowCount":2,"columns":[{"key":"k1","label":"Address"},)"
+      R"("rowCount":2,"firstRow":0,"columns":[{"key":"k1","label":"Address"},)"
       R"({"key":"k2","label":"Type"}],"attachments":[],"rows":[["b"," x \r\n"],["a",null]]})");
 }
 
@@ -128,6 +167,9 @@ TEST(HtmlFormat, ChoosesHowATableIsShown) {
   EXPECT_EQ(chooseKind(true, 2, 2), "rows");
   EXPECT_EQ(chooseKind(false, 2, 4), "properties");
   EXPECT_EQ(chooseKind(false, 2, 5), "rows");
+  MadeCollection made;
+  made.Table("T").Row({{"A", "1"}}).FileRow("text", "file");
+  EXPECT_EQ(ReadTable(made)["kind"], "rows");
 }
 
 TEST(HtmlFormat, LetsNoTextEndItsDataBlock) {
@@ -143,14 +185,17 @@ TEST(HtmlFormat, LetsNoTextEndItsDataBlock) {
   const std::string block = FindDataBlock(page);
   EXPECT_EQ(block.find_first_of("<>"), std::string::npos);
   const Json data = Json::parse(block);
-  EXPECT_EQ(data["title"], hostile);
-  EXPECT_EQ(data["notes"][0], hostile);
   const Json table = data["areas"][0]["tables"][0];
   EXPECT_EQ(table["status"], hostile);
   EXPECT_EQ(table["columns"][0]["label"], hostile);
   EXPECT_EQ(table["rows"][0][0], hostile);
   EXPECT_EQ(table["attachments"][0]["filename"], hostile);
   EXPECT_EQ(table["attachments"][0]["text"], hostile);
+  const std::string shown =
+      "&lt;/script&gt;&lt;!--&lt;script&gt;alert(1)&lt;/script&gt;\\x1b&quot;\\";
+  EXPECT_THAT(ReadMarkup(made), HasSubstr("<h1>" + shown + "</h1>"));
+  EXPECT_THAT(ReadMarkup(made), HasSubstr("<li>" + shown + "</li>"));
+  EXPECT_THAT(ReadMarkup(made), Not(HasSubstr("alert(1)<")));
 }
 
 TEST(HtmlFormat, IsValidJsonWhateverTheBytes) {
@@ -179,7 +224,8 @@ TEST(HtmlFormat, ShowsWholeFilesBelowTheTableInsteadOfInIt) {
   made.Table("T").Row({{"A", "1"}}).FileRow("raw\r\ntext", "c0_showall");
   const Json table = ReadTable(made);
   EXPECT_EQ(table["attachments"].dump(),
-            R"([{"label":"File","filename":"c0_showall","text":"raw\r\ntext"}])");
+            R"([{"label":"File","filename":"c0_showall","key":"file","row":2,"firstLine":1,)"
+            R"("text":"raw\r\ntext"}])");
   EXPECT_EQ(table["columns"].dump(), R"([{"key":"k1","label":"A"}])");
   EXPECT_EQ(table["rows"].dump(), R"([["1"],[null]])");
 }
@@ -230,7 +276,6 @@ TEST(HtmlFormat, EscapesOnATerminalWhatThatObeys) {
   EXPECT_THAT(made.As("html"), HasSubstr("\u2028\u202E"));  // A file keeps its bytes.
   const std::string page = made.As("html", {true, true, 80});
   const Json data = Json::parse(FindDataBlock(page));
-  EXPECT_EQ(data["title"], turning);
   EXPECT_EQ(data["areas"][0]["tables"][0]["rows"][0][0], turning);
   std::string_view rest = page;
   while (!rest.empty()) {
@@ -262,7 +307,8 @@ TEST(HtmlFormat, ShowsTheSameCharactersAsEscapesAsAScreen) {
 TEST(HtmlFormat, LeavesNoPlaceOfThePageUnfilled) {
   MadeCollection made;
   const std::string page = made.As("html");
-  for (const char* place : {"@NONCE@", "@STYLE@", "@SCRIPT@", "@DATA@", "@UNSEEN@"}) {
+  for (const char* place : {"@NONCE@", "@TITLE@", "@STYLE@", "@HEADER@", "@SUMMARY@", "@FOOTER@",
+                            "@SCRIPT@", "@DATA@", "@UNSEEN@"}) {
     EXPECT_EQ(page.find(place), std::string::npos) << place;
   }
   EXPECT_TRUE(page.starts_with("<!DOCTYPE html>"));

@@ -1,318 +1,215 @@
-// Draws the report from the data block. Every text of the data goes into the page as a text node:
-// nothing is ever parsed as markup, and nothing is obeyed or unseen that turns or hides text.
-"use strict";
-(() => {
-  const data = JSON.parse(document.getElementById("data").textContent);
-  const DRAW_ALL = 400;      // rows up to which a table is drawn whole
-  const PRINT_LIMIT = 20000; // rows of one table that are printed
-  const OVERSCAN = 20;       // rows drawn beyond the visible ones
+// The page: the tables below its first screen, what is found in them, and how it is shown and printed.
+const tables = data.areas.flatMap((area) => area.tables);
 
-  // Characters that the page would obey, or that nobody would see; the host has the list.
-  const UNSEEN = /[\x00-\x08\x0b-\x1f\x7f-\x9f@UNSEEN@]/gu;
-  const visible = (text) => text.replace(UNSEEN, (c) => {
-    const code = c.codePointAt(0), digits = code.toString(16);
-    if (c === "\r") return "";
-    return code > 0xffff ? `\\u{${digits}}` : code < 0xa0 ? `\\x${digits.padStart(2, "0")}` : `\\u${digits.padStart(4, "0")}`;
+// --- the list of all tables ---
+
+const addressOf = (className, ...rest) => `#at/${[className, ...rest].map((one) => encodeURIComponent(one)).join("/")}`;
+const linkTo = (table) => make("a", { href: addressOf(table.class) }, table.title);
+const listTables = () => {
+  const collected = data.areas.map((area) => {
+    const filled = area.tables.filter((table) => table.rowCount);
+    return filled.length ? make("div", { class: "group" }, make("h4", {}, area.title),
+      make("ul", {}, ...filled.map((table) =>
+        make("li", {}, linkTo(table), " ", make("span", { class: "count" }, plural(table.rowCount, "row")))))) : null;
   });
-  const shown = (text) => visible(text.trimEnd());
-  const READ_ALOUD = new Set(["title", "aria-label", "placeholder"]);
-  const make = (tag, attributes = {}, ...children) => {
-    const element = document.createElement(tag);
-    for (const [name, value] of Object.entries(attributes)) {
-      if (name.startsWith("on")) element.addEventListener(name.slice(2), value);
-      else if (value === true) element.setAttribute(name, "");
-      else if (value !== false && value != null) element.setAttribute(name, READ_ALOUD.has(name) ? visible(value) : value);
-    }
-    element.append(...children.filter((child) => child != null)
-      .map((child) => typeof child === "string" ? visible(child) : child));
-    return element;
-  };
-  const plural = (count, word) => `${count.toLocaleString("en")} ${word}${count === 1 ? "" : "s"}`;
-
-  const highlighted = (text, needle) => {
-    const fragment = document.createDocumentFragment();
-    if (!needle) {
-      fragment.append(text);
-      return fragment;
-    }
-    const lower = text.toLowerCase();
-    let from = 0;
-    for (let at = lower.indexOf(needle); at >= 0; at = lower.indexOf(needle, from)) {
-      fragment.append(text.slice(from, at), make("mark", {}, text.slice(at, at + needle.length)));
-      from = at + needle.length;
-    }
-    fragment.append(text.slice(from));
-    return fragment;
-  };
-
-  const download = (name, text, type) => {
-    const link = make("a", { href: URL.createObjectURL(new Blob([text], { type })), download: name });
-    document.body.append(link);
-    link.click();
-    link.remove();
-    setTimeout(() => URL.revokeObjectURL(link.href), 10000);
-  };
-  const say = (text) => { announcer.textContent = visible(text); };
-  const announcer = make("div", { class: "visually-hidden", role: "status", "aria-live": "polite" });
-
-  const asCsv = (table, order) => {
-    const field = (text) => /[",\r\n]/.test(text) ? `"${text.replaceAll('"', '""')}"` : text;
-    const lines = [table.columns.map((column) => field(column.label))];
-    for (const index of order) lines.push(table.rows[index].map((cell) => field(cell == null ? "" : cell)));
-    return lines.map((line) => line.join(",") + "\r\n").join("");
-  };
-  const copyText = async (text, what) => {
-    try {
-      await navigator.clipboard.writeText(text);
-      say(`${what} copied`);
-    } catch {
-      // A page opened from a file may not be allowed to: the old way still works there.
-      const area = make("textarea", { class: "visually-hidden" });
-      area.value = text;
-      document.body.append(area);
-      area.select();
-      document.execCommand("copy");
-      area.remove();
-      say(`${what} copied`);
-    }
-  };
-
-  const compare = (a, b) => {
-    const numberA = Number.parseFloat(a), numberB = Number.parseFloat(b);
-    if (!Number.isNaN(numberA) && !Number.isNaN(numberB) && numberA !== numberB &&
-        /^\s*[-+]?[\d.]/.test(a) && /^\s*[-+]?[\d.]/.test(b) && !/[.:]\d+[.:]/.test(a) && !/[.:]\d+[.:]/.test(b)) {
-      return numberA - numberB;
-    }
-    return collator.compare(a, b);
-  };
-  const collator = new Intl.Collator("en", { numeric: true, sensitivity: "base" });
-
-  // Rows of one table: which are shown, in which order, and the part of them that stands in the page.
-  class RowView {
-    constructor(table) {
-      this.table = table;
-      this.isLog = table.kind === "log";
-      this.needle = "";
-      this.sortColumn = -1;
-      this.descending = false;
-      this.order = table.rows.map((_, index) => index);
-      this.current = -1;
-      this.body = make("tbody");
-      this.head = this.isLog ? null : this.makeHead();
-      this.scroll = make("div", { class: "scroll", tabindex: "0", role: "region", "aria-label": table.title },
-        make("table", { class: this.isLog ? "log" : "" }, this.head, this.body));
-      this.grid = this.scroll.firstChild;
-      this.scroll.addEventListener("scroll", () => this.drawSoon(), { passive: true });
-      addEventListener("resize", () => this.drawSoon());
-      this.draw();
-    }
-    makeHead() {
-      const cells = this.table.columns.map((column, index) =>
-        make("th", { scope: "col", title: column.key },
-          make("button", { type: "button", "aria-label": column.label, onclick: () => this.sortBy(index) }, column.label)));
-      return make("thead", {}, make("tr", {}, ...cells));
-    }
-    sortBy(column) {
-      this.descending = this.sortColumn === column && !this.descending;
-      this.sortColumn = column;
-      [...this.head.rows[0].cells].forEach((cell, index) => {
-        if (index === column) cell.setAttribute("aria-sort", this.descending ? "descending" : "ascending");
-        else cell.removeAttribute("aria-sort");
-      });
-      this.arrange();
-    }
-    search(text) {
-      this.needle = text.toLowerCase();
-      this.current = -1;
-      this.arrange();
-    }
-    holds(row) {
-      return row.some((cell) => cell != null && cell.toLowerCase().includes(this.needle));
-    }
-    arrange() {
-      const rows = this.table.rows;
-      let order = rows.map((_, index) => index);
-      if (this.needle && (!this.isLog || this.onlyMatches)) order = order.filter((index) => this.holds(rows[index]));
-      if (this.sortColumn >= 0) {
-        const column = this.sortColumn, sign = this.descending ? -1 : 1;
-        order.sort((a, b) => sign * compare(rows[a][column] ?? "", rows[b][column] ?? "") || a - b);
-      }
-      this.order = order;
-      this.matches = this.isLog && this.needle ? order.flatMap((index, place) => this.holds(rows[index]) ? [place] : []) : [];
-      this.scroll.scrollTop = 0;
-      this.draw();
-      this.onChange?.();
-    }
-    step(direction) {
-      if (!this.matches?.length) return;
-      this.current = (this.current + direction + this.matches.length) % this.matches.length;
-      const place = this.matches[this.current];
-      this.scroll.scrollTop = Math.max(0, place * this.rowHeight() - this.scroll.clientHeight / 2);
-      this.draw();
-      this.onChange?.();
-    }
-    rowHeight() {
-      if (!this.height) {
-        const row = this.body.querySelector("tr:not(.space)");
-        this.height = (row && row.getBoundingClientRect().height) || 30;
-      }
-      return this.height;
-    }
-    makeRow(place) {
-      const index = this.order[place];
-      const cells = this.table.rows[index].map((cell) => make("td", {}, highlighted(shown(cell ?? ""), this.needle)));
-      if (this.isLog) cells.unshift(make("td", { class: "number" }, String(index + 1)));
-      const marks = [place % 2 ? "odd" : "", this.matches?.[this.current] === place ? "current" : ""];
-      return make("tr", { class: marks.join(" ").trim() || null, "data-row": index }, ...cells);
-    }
-    drawSoon() {
-      if (this.waiting) return;
-      this.waiting = true;
-      requestAnimationFrame(() => { this.waiting = false; this.draw(); });
-    }
-    draw(all = false) {
-      const total = this.order.length;
-      const whole = total <= DRAW_ALL || all;
-      this.grid.classList.toggle("drawn-as-needed", !whole);
-      if (whole) {
-        const end = all ? Math.min(total, PRINT_LIMIT) : total;
-        this.body.replaceChildren(...Array.from({ length: end }, (_, place) => this.makeRow(place)));
-        return;
-      }
-      if (!this.height) this.body.replaceChildren(this.makeRow(0));
-      const height = this.rowHeight();
-      const first = Math.max(0, Math.floor(this.scroll.scrollTop / height) - OVERSCAN);
-      const visible = Math.ceil((this.scroll.clientHeight || 800) / height) + 2 * OVERSCAN;
-      const last = Math.min(total, first + visible);
-      const space = (rows) => {
-        const cell = make("td", { colspan: String(this.table.columns.length + 1) });
-        cell.style.height = `${rows * height}px`;
-        return make("tr", { class: "space", "aria-hidden": "true" }, cell);
-      };
-      this.body.replaceChildren(space(first),
-        ...Array.from({ length: last - first }, (_, at) => this.makeRow(first + at)), space(total - last));
-    }
+  const reasons = new Map(); // why there are no rows: the tables of which this is so
+  for (const table of tables) {
+    if (!table.rowCount) reasons.set(table.status, [...(reasons.get(table.status) ?? []), table]);
   }
+  const missing = [...reasons].map(([reason, list]) => make("li", {}, reason, ": ",
+    ...list.flatMap((table, index) => [index ? ", " : "", linkTo(table)])));
+  const block = (heading, ...content) => make("div", { class: "block" }, make("h3", {}, heading), ...content);
+  return make("section", { class: "panel", id: "summary", "aria-labelledby": "tables-title" },
+    make("div", { class: "bar" }, make("h2", { id: "tables-title" }, document.getElementById("verdict") ? "All tables" : "Summary"), make("span", { class: "grow" }),
+      make("span", { class: "count" }, data.outcome)),
+    block("Collected", make("div", { class: "groups" }, ...collected)),
+    missing.length ? block("Without rows", make("ul", { class: "reasons" }, ...missing)) : null,
+    data.notes.length ? block("Failures", make("ul", { class: "reasons" }, ...data.notes.map((note) => make("li", {}, note)))) : null);
+};
 
-  const views = [];
-  const title = (table) => [make("h3", {}, table.title), make("span", { class: "class" }, table.class)];
+const main = document.getElementById("main");
+main.append(listTables());
+for (const area of data.areas) {
+  main.append(make("h3", { class: "module" }, area.title, " ", make("span", { class: "class faint" }, area.modules.join(", "))));
+  for (const table of area.tables) main.append(tableSection(table));
+}
+document.body.append(announcer);
+for (const view of views) view.draw();
 
-  const rowTable = (table) => {
-    const view = new RowView(table);
-    views.push(view);
-    const count = make("span", { class: "count" });
-    const what = view.isLog ? "Search" : "Filter";
-    const input = make("input", { type: "search", placeholder: what, "aria-label": `${what} ${table.title}` });
-    const report = () => {
-      const words = view.isLog ? "line" : "row";
-      count.textContent = view.isLog && view.needle
-        ? `${plural(view.matches.length, "match").replace("matchs", "matches")}${view.current >= 0 ? `, at ${view.current + 1}` : ""}`
-        : view.order.length === table.rows.length ? plural(table.rows.length, words)
-          : `${view.order.length.toLocaleString("en")} of ${plural(table.rows.length, words)}`;
+// --- the cell that a finding was read from ---
+
+const calm = matchMedia("(prefers-reduced-motion: reduce)");
+// #at/CLASS/ROW/KEY/LINE, as far as it is known. The target is marked, flashes, and has the focus.
+const revealAddress = () => {
+  if (!location.hash.startsWith("#at/")) return;
+  let parts;
+  try {
+    parts = location.hash.slice(4).split("/").map(decodeURIComponent);
+  } catch {
+    return;
+  }
+  const [className, row, key, line] = parts;
+  const section = sections.get(className);
+  if (!section) return;
+  for (const marked of document.querySelectorAll(".marked")) marked.classList.remove("marked", "flash");
+  for (const view of views) view.marked = null;
+  const block = section.blocks.get(`${row}/${key}`);
+  const target = (block ? block.reveal(Number(line ?? 0)) : row && section.reveal?.(Number(row), key)) || section;
+  target.scrollIntoView({ block: target === section ? "start" : "center", behavior: "instant" });
+  target.classList.add("marked", "flash");
+  target.tabIndex = -1;
+  target.focus({ preventScroll: true });
+};
+addEventListener("hashchange", revealAddress);
+// The same link once more leads there, too.
+addEventListener("click", (event) => {
+  const link = event.target.closest?.("a[href^='#at/']");
+  if (link && link.getAttribute("href") === location.hash) revealAddress();
+});
+
+// --- joined tables ---
+
+for (const grid of document.querySelectorAll("table.joined")) {
+  const body = grid.tBodies[0], first = [...body.rows];
+  if (grid.rows[0].cells.length >= WIDE) grid.classList.add("wide");
+  const labels = [...grid.rows[0].cells].map((head) => head.textContent);
+  for (const row of first) [...row.cells].forEach((cell, index) => { cell.dataset.label = labels[index]; });
+  [...grid.rows[0].cells].forEach((head, column) => {
+    const sort = () => {
+      const descending = head.getAttribute("aria-sort") === "ascending";
+      for (const other of grid.rows[0].cells) other.removeAttribute("aria-sort");
+      head.setAttribute("aria-sort", descending ? "descending" : "ascending");
+      const value = (row) => valueOf(row.cells[column].dataset.value ?? row.cells[column].textContent);
+      const keyed = first.map((row) => [value(row), row]);
+      keyed.sort(([a], [b]) => compareValues(a, b, descending ? -1 : 1));
+      body.append(...keyed.map(([, row]) => row));
     };
-    let timer;
-    input.addEventListener("input", () => { clearTimeout(timer); timer = setTimeout(() => view.search(input.value), 120); });
-    view.onChange = report;
-    const tools = [input];
-    if (view.isLog) {
-      input.addEventListener("keydown", (event) => {
-        if (event.key === "Enter") view.step(event.shiftKey ? -1 : 1);
-      });
-      const only = make("input", { type: "checkbox", onchange: (event) => { view.onlyMatches = event.target.checked; view.arrange(); } });
-      tools.push(make("button", { type: "button", "aria-label": "Previous match", onclick: () => view.step(-1) }, "\u2191"),
-        make("button", { type: "button", "aria-label": "Next match", onclick: () => view.step(1) }, "\u2193"),
-        make("label", { class: "faint" }, only, " only matches"));
-    }
-    tools.push(make("button", { type: "button", onclick: () => copyText(asCsv(table, view.order), table.title) }, "Copy as CSV"));
-    report();
-    return [make("div", { class: "bar" }, ...title(table), make("span", { class: "grow" }), count,
-      make("span", { class: "tools bar-tools" }, ...tools.flatMap((tool) => [tool, " "]))), view.scroll];
-  };
-
-  const propertyTable = (table) => {
-    const body = make("tbody", {}, ...table.columns.map((column, index) =>
-      make("tr", {}, make("th", { scope: "row", title: column.key }, column.label),
-        ...table.rows.map((row) => make("td", {}, shown(row[index] ?? ""))))));
-    return [make("div", { class: "bar" }, ...title(table), make("span", { class: "grow" }),
-      make("button", { type: "button", class: "tools", onclick: () => copyText(asCsv(table, table.rows.keys()), table.title) }, "Copy as CSV")),
-      make("div", { class: "scroll", tabindex: "0", role: "region", "aria-label": table.title }, make("table", { class: "properties" }, body))];
-  };
-
-  const attachment = (item) => {
-    const text = make("pre", { tabindex: "0" });
-    const safe = item.filename.replace(UNSEEN, "_");
-    const name = /\.\w+$/.test(safe) ? safe : `${safe}.txt`;
-    const block = make("details", { class: "attachment" },
-      make("summary", {}, item.label, " ", make("span", { class: "faint" }, `${item.filename}, ${plural(item.text.length, "character")}`)),
-      make("div", { class: "bar" },
-        make("button", { type: "button", class: "download", "data-filename": name,
-          onclick: () => download(name, item.text, "text/plain;charset=utf-8") }, `Download ${name}`)),
-      text);
-    block.addEventListener("toggle", () => { if (block.open && !text.firstChild) text.append(shown(item.text)); });
-    return block;
-  };
-
-  const notes = (table) => table.notes.map((note) => make("p", { class: "note" }, note));
-
-  const tableSection = (table) => {
-    const section = make("section", { class: "panel", id: `table-${table.class}` });
-    if (!table.rowCount) {
-      section.append(make("div", { class: "bar" }, ...title(table), make("span", { class: "grow" }),
-        make("span", { class: "warn" }, table.status)), ...notes(table));
-      return section;
-    }
-    const [bar, ...content] = !table.rows.length ? [make("div", { class: "bar" }, ...title(table))] // attachments only
-      : table.kind === "properties" ? propertyTable(table) : rowTable(table);
-    section.append(bar, ...notes(table), ...content);
-    for (const item of table.attachments) section.append(attachment(item));
-    return section;
-  };
-
-  const linkTo = (table) => make("a", { href: `#table-${table.class}` }, table.title);
-  const summary = () => {
-    const collected = data.areas.map((area) => {
-      const filled = area.tables.filter((table) => table.rowCount);
-      return filled.length ? make("div", { class: "group" }, make("h4", {}, area.title),
-        make("ul", {}, ...filled.map((table) =>
-          make("li", {}, linkTo(table), " ", make("span", { class: "count" }, plural(table.rowCount, "row")))))) : null;
-    });
-    const reasons = new Map(); // why there are no rows: the tables of which this is so
-    for (const area of data.areas) {
-      for (const table of area.tables) {
-        if (!table.rowCount) reasons.set(table.status, [...(reasons.get(table.status) ?? []), table]);
-      }
-    }
-    const missing = [...reasons].map(([reason, tables]) => make("li", {}, make("span", { class: "warn" }, reason), ": ",
-      ...tables.flatMap((table, index) => [index ? ", " : "", linkTo(table)])));
-    const block = (heading, ...content) => make("div", { class: "block" }, make("h3", {}, heading), ...content);
-    return make("section", { class: "panel", id: "summary" },
-      make("div", { class: "bar" }, make("h2", {}, "Summary"), make("span", { class: "grow" }),
-        make("span", { class: "count" }, data.outcome)),
-      block("Collected", make("div", { class: "groups" }, ...collected)),
-      missing.length ? block("Without rows", make("ul", { class: "reasons" }, ...missing)) : null,
-      data.notes.length ? block("Failures", make("ul", { class: "reasons" }, ...data.notes.map((note) => make("li", {}, note)))) : null);
-  };
-
-  const setTheme = () => {
-    const root = document.documentElement;
-    const dark = root.dataset.theme ? root.dataset.theme === "dark" : matchMedia("(prefers-color-scheme: dark)").matches;
-    root.dataset.theme = dark ? "light" : "dark";
-  };
-
-  document.title = `${visible(data.title)} \u2013 server report`;
-  const facts = make("dl", { class: "facts" }, ...data.facts.map(([name, value]) =>
-    make("div", {}, make("dt", {}, name), make("dd", {}, value))));
-  const main = make("main", {}, summary());
-  for (const area of data.areas) {
-    main.append(make("h2", {}, area.title, " ", make("span", { class: "class faint" }, area.modules.join(", "))));
-    for (const table of area.tables) main.append(tableSection(table));
+    head.replaceChildren(make("button", { type: "button", "aria-label": labels[column], onclick: sort }, labels[column]));
+  });
+  const judged = first.filter((row) => row.querySelector(".chip"));
+  if (judged.length && judged.length < first.length) {
+    for (const row of judged) row.classList.add("judged");
+    const onchange = (event) => grid.classList.toggle("only-findings", event.target.checked);
+    grid.closest(".parts").querySelector(".bar").append(
+      make("label", { class: "tick tools" }, make("input", { type: "checkbox", onchange }), "only findings"));
   }
-  document.body.append(
-    make("header", { class: "page" }, make("div", {}, make("h1", {}, data.title), facts),
-      make("button", { type: "button", class: "tools", onclick: setTheme }, "Light / dark")),
-    main, make("footer", {}, data.footer), announcer);
-  for (const view of views) view.draw();
+}
 
-  addEventListener("beforeprint", () => { for (const view of views) view.draw(true); });
-  addEventListener("afterprint", () => { for (const view of views) view.draw(); });
-})();
+// --- find in the whole report ---
+
+const findBox = make("input", { type: "search", placeholder: "Find in all tables and reports", "aria-label": "Find in all tables and reports" });
+const found = make("ul", { class: "reasons" });
+const foundCount = make("span", { class: "count", role: "status" });
+const closeFind = () => {
+  findPanel.hidden = true;
+  findButton.focus();
+};
+const findPanel = make("section", { class: "panel find tools", role: "search", "aria-label": "Find in report", hidden: true },
+  make("div", { class: "bar" }, findBox, foundCount, make("span", { class: "grow" }),
+    make("button", { type: "button", onclick: closeFind }, "Close")), found);
+const search = () => {
+  const needle = findBox.value.toLowerCase();
+  const results = [];
+  const show = (text, count, what, go) => results.push(make("li", {},
+    make("button", { type: "button", class: "link", onclick: go }, text), " ", make("span", { class: "count" }, plural(count, what))));
+  let total = 0;
+  for (const table of needle ? tables : []) {
+    const holds = (row) => row.some((cell) => cell?.toLowerCase().includes(needle));
+    const rows = table.rows.flatMap((row, index) => holds(row) ? [index] : []);
+    if (rows.length) {
+      total += rows.length;
+      const view = views.find((one) => one.table === table);
+      show(`${table.title}, ${table.class}`, rows.length, "row", () => {
+        view?.filter(findBox.value);
+        sections.get(table.class).scrollIntoView({ behavior: "instant" });
+      });
+    }
+    for (const item of table.attachments) {
+      if (!item.text.toLowerCase().includes(needle)) continue;
+      item.lines ??= item.text.split(/\r\n|\r|\n/);
+      const lines = item.lines.flatMap((line, index) => line.toLowerCase().includes(needle) ? [index] : []);
+      if (!lines.length) continue;
+      total += lines.length;
+      let next = 0; // each press goes to the next line
+      show(`${table.title}, ${item.filename}`, lines.length, "line", () => {
+        location.hash = addressOf(table.class, String(item.row), item.key, String(item.firstLine + lines[next]));
+        next = (next + 1) % lines.length;
+      });
+    }
+  }
+  found.replaceChildren(...results);
+  foundCount.textContent = needle ? total ? `${total.toLocaleString("en")} found` : "Nothing found" : "";
+};
+let searchTimer;
+findBox.addEventListener("input", () => { clearTimeout(searchTimer); searchTimer = setTimeout(search, 200); });
+const openFind = () => {
+  findPanel.hidden = false;
+  findBox.focus();
+  findBox.select();
+};
+
+// --- the summary as plain text, for a ticket ---
+
+const textOf = (root, selector) => root.querySelector(selector)?.textContent.trim() ?? "";
+const summaryText = () => {
+  const lines = [document.title, textOf(document, "h1")];
+  for (const fact of document.querySelectorAll("header .facts > div")) lines.push(`${textOf(fact, "dt")}: ${textOf(fact, "dd")}`);
+  lines.push("", textOf(document, "#verdict h2"), textOf(document, "#verdict p"), "");
+  for (const finding of document.querySelectorAll(".findings .finding")) {
+    lines.push(`- ${textOf(finding, ".chip").replace(/^\S /, "")}: ${textOf(finding, ".finding-text b")}`, `  ${textOf(finding, ".sub")}`);
+    for (const item of finding.querySelectorAll(".proof li")) lines.push(`  * ${item.firstChild.textContent}${item.childNodes[1]?.textContent ?? ""}`.trimEnd());
+  }
+  return `${lines.join("\n").trimEnd()}\n`;
+};
+
+// --- light, dark, and the tools at the top ---
+
+const THEME = "pqhost-report-theme";
+const root = document.documentElement;
+try {
+  const kept = localStorage.getItem(THEME);
+  if (kept === "light" || kept === "dark") root.dataset.theme = kept;
+} catch { /* Some browsers keep nothing for files. */ }
+const switchTheme = () => {
+  const dark = root.dataset.theme ? root.dataset.theme === "dark" : matchMedia("(prefers-color-scheme: dark)").matches;
+  root.dataset.theme = dark ? "light" : "dark";
+  try {
+    localStorage.setItem(THEME, root.dataset.theme);
+  } catch { /* Then it lasts as long as the page. */ }
+};
+const findButton = make("button", { type: "button", onclick: openFind, "aria-keyshortcuts": "/" }, "Find in report");
+const tools = document.getElementById("tools");
+tools.append(findButton,
+  ...document.getElementById("verdict") ? [make("button", { type: "button", onclick: () => copyText(summaryText(), "Summary") }, "Copy summary")] : [],
+  make("button", { type: "button", onclick: switchTheme }, "Light / dark"));
+main.prepend(findPanel);
+
+if (tools.dataset.recorded) {
+  const days = Math.floor((Date.now() - Date.parse(tools.dataset.recorded)) / 86400000);
+  const fact = [...document.querySelectorAll("header .facts > div")].find((one) => textOf(one, "dt") === "Recorded");
+  if (days >= 0) fact?.lastChild.append(make("span", { class: "age" }, days ? ` (${plural(days, "day")} ago)` : " (today)"));
+}
+
+// --- keys ---
+
+const stepFinding = (direction) => {
+  const list = [...document.querySelectorAll(".finding > summary")].filter((one) => one.offsetParent);
+  const at = list.indexOf(document.activeElement);
+  const next = list[at < 0 ? direction > 0 ? 0 : list.length - 1 : (at + direction + list.length) % list.length];
+  next?.focus({ preventScroll: true });
+  next?.scrollIntoView({ block: "nearest", behavior: calm.matches ? "instant" : "smooth" });
+};
+addEventListener("keydown", (event) => {
+  if (event.ctrlKey || event.metaKey || event.altKey) return;
+  if (event.key === "Escape" && findPanel.contains(document.activeElement)) closeFind();
+  if (event.target.closest?.("input, textarea, select")) return;
+  if (event.key === "/") {
+    event.preventDefault();
+    openFind();
+  } else if (event.key === "n") stepFinding(1);
+  else if (event.key === "p") stepFinding(-1);
+});
+
+addEventListener("beforeprint", () => { for (const view of views) view.print(); });
+addEventListener("afterprint", () => { for (const view of views) view.draw(); });
+revealAddress();

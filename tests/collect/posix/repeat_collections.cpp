@@ -5,37 +5,14 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <new>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "bench/support/heap.h"
 #include "tests/support/allocated_bytes.h"
 #include "tests/support/samples.h"
 #include "tests/support/sanitizers.h"
-
-#if !PQ_HAS_ADDRESS_SANITIZER
-#include <malloc.h>
-
-namespace {
-
-// The allocator itself counts blocks that it keeps for later as allocated.
-std::size_t allocated = 0;
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-  void* block = std::malloc(size);
-  if (block == nullptr) throw std::bad_alloc();
-  allocated += malloc_usable_size(block);
-  return block;
-}
-void operator delete(void* block) noexcept {
-  if (block != nullptr) allocated -= malloc_usable_size(block);
-  std::free(block);
-}
-void operator delete(void* block, std::size_t) noexcept { operator delete(block); }
-#endif
 
 namespace {
 
@@ -43,7 +20,7 @@ std::size_t CountBytes() {
 #if PQ_HAS_ADDRESS_SANITIZER
   return test::CountAllocatedBytes();
 #else
-  return allocated;
+  return bench::HeapInUse();  // The allocator itself counts what it keeps for later as allocated.
 #endif
 }
 

@@ -1,0 +1,259 @@
+// The report's first screen: words, order, evidence and areas, of machines of a few parts.
+#include "host/formats/report_summary.h"
+
+#include <gmock/gmock.h>
+
+#include <set>
+#include <sstream>
+#include <string>
+#include <utility>
+
+#include "host/answers/health/built_in_rules.h"
+#include "host/answers/health/rule_file.h"
+#include "host/formats/report_areas.h"
+#include "host/formats/report_evidence.h"
+#include "tests/answers/health/judged.h"
+#include "tests/support/program/made_collection.h"
+
+namespace host {
+namespace {
+
+using test::AddDrive;
+using test::AddSensor;
+using test::AddSource;
+using test::AddVolume;
+using test::MadeCollection;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+
+Assessment Assessed(Parts parts) {
+  Health health = test::Judge(parts);
+  return {std::move(parts), std::move(health)};
+}
+
+std::string WriteSummary(MadeCollection& made, const Assessment& assessment) {
+  std::ostringstream out;
+  HtmlWriter html(out);
+  const CollectionView view(made.Get());
+  WriteReportSummary(view, FitIntoReport(made.Get()), assessment, html);
+  return out.str();
+}
+
+std::string WriteSummary(Parts parts) {
+  MadeCollection made;
+  return WriteSummary(made, Assessed(std::move(parts)));
+}
+
+std::string WriteTitle(Parts parts) {
+  MadeCollection made;
+  made.Get().machine.name = "NODE31";
+  const Assessment assessment = Assessed(std::move(parts));
+  std::ostringstream out;
+  HtmlWriter html(out);
+  WriteReportTitle(made.Get(), &assessment, html);
+  return out.str();
+}
+
+/// The element of `page` that begins with `begin`, up to `end`.
+std::string CutOut(const std::string& page, const std::string& begin, const std::string& end) {
+  const std::size_t at = page.find(begin);
+  return at == std::string::npos ? "" : page.substr(at, page.find(end, at) - at);
+}
+
+Parts MakeWell() {
+  Parts parts;
+  AddSource(parts, "lsi", "read");
+  test::AddController(parts);
+  AddDrive(parts, "lsi0 69:0", "Onln");
+  return parts;
+}
+
+TEST(ReportSummary, SaysTheWorstInWords) {
+  EXPECT_THAT(WriteSummary(MakeWell()), HasSubstr("<h2>Nothing found in 3 of "));
+  Parts parts = MakeWell();
+  AddDrive(parts, "lsi0 69:9", "Onln").mediaErrors = 3;
+  EXPECT_THAT(WriteSummary(parts), HasSubstr("<h2>Needs attention: Watch drive 69:9"));
+  EXPECT_THAT(WriteTitle(parts), "1 warning – NODE31");
+  AddVolume(parts, "lsi0 v0", "OfLn");
+  EXPECT_THAT(WriteSummary(parts), HasSubstr("<h2>Act now: "));
+  EXPECT_THAT(WriteTitle(parts), "1 critical, 1 warning – NODE31");
+  EXPECT_THAT(WriteTitle(MakeWell()), "Nothing found – NODE31");
+}
+
+TEST(ReportSummary, CallsNothingWellThatWasNotLookedAt) {
+  const std::string page = WriteSummary(Parts());
+  EXPECT_THAT(page, HasSubstr("<h2>Not known: Collect again"));
+  EXPECT_THAT(page, HasSubstr("class=\"verdict unknown\""));
+  // All but the collection itself, of which there is nothing to say.
+  EXPECT_THAT(CutOut(page, "class=\"tiles\"", "</section>"), Not(HasSubstr("class=\"tile ok\"")));
+}
+
+TEST(ReportSummary, ShowsTheWorstFirstThenByArea) {
+  Parts parts = MakeWell();
+  AddSensor(parts, "Fan 5", 4, "nc");
+  AddDrive(parts, "lsi0 69:9", "Onln").mediaErrors = 3;
+  AddDrive(parts, "lsi0 69:8", "Offln");
+  const std::string page = CutOut(WriteSummary(parts), "id=\"findings\"", "</section>");
+  const std::size_t failed = page.find("<b>Replace drive 69:8");
+  const std::size_t watched = page.find("<b>Watch drive 69:9");
+  const std::size_t fan = page.find("<b>Look at Fan 5");
+  EXPECT_LT(failed, watched);
+  EXPECT_LT(watched, fan);
+  EXPECT_LT(fan, page.size());
+}
+
+TEST(ReportSummary, FoldsMoreThanEightFindings) {
+  Parts parts;
+  for (int i = 0; i < 8; ++i) {
+    AddDrive(parts, "lsi0 69:" + std::to_string(i), "Onln").mediaErrors = 3;
+  }
+  EXPECT_THAT(WriteSummary(parts), Not(HasSubstr("<details class=\"more\">")));
+  AddDrive(parts, "lsi0 69:8", "Onln").mediaErrors = 3;
+  EXPECT_THAT(WriteSummary(parts),
+              HasSubstr("<details class=\"more\"><summary>and 1 more</summary>"));
+}
+
+TEST(ReportSummary, SaysHowManyFindingsItLeavesOut) {
+  Parts parts;
+  for (int i = 0; i < 230; ++i) {
+    AddDrive(parts, "lsi0 69:" + std::to_string(i), "Onln").mediaErrors = 3;
+  }
+  const std::string page = WriteSummary(parts);
+  EXPECT_THAT(page, HasSubstr("30 more are left out here; pqhost health shows all of them."));
+  EXPECT_THAT(page, HasSubstr("200 of 230 are shown here"));
+}
+
+TEST(ReportSummary, QuotesTheLineOfAReportAndLeadsToIt) {
+  MadeCollection made;
+  made.Table("LSILINK").FileRow("one\r\n  two <b>\r\nthree", "c0_showall");
+  Parts parts = MakeWell();
+  Drive& drive = AddDrive(parts, "lsi0 69:9", "Offln");
+  drive.readAt = {"LSILINK", 1, "file", 2, "storcli /c0 show"};
+  const std::string page = WriteSummary(made, Assessed(parts));
+  EXPECT_THAT(page, HasSubstr("<a class=\"evidence\" href=\"#at/LSILINK/1/file/2\">"
+                              "storcli /c0 show, line 2</a>: Offln<code>two &lt;b&gt;</code>"));
+  EXPECT_THAT(page, HasSubstr("<a href=\"#part-drives-2\">lsi0 69:9</a> in Drives"));
+  EXPECT_THAT(page, HasSubstr("<tr id=\"part-drives-2\"><th scope=\"row\">"
+                              "<a href=\"#at/LSILINK/1/file/2\">lsi0 69:9</a>"));
+}
+
+TEST(ReportSummary, LeadsNowhereThatIsNotShown) {
+  MadeCollection made;
+  made.Table("LSILINK").FileRow("one", "c0_showall");
+  for (const Place& place :
+       {Place{"LSILINK", 2, "file", 1, "t"}, Place{"LSILINK", 1, "none", 1, "t"},
+        Place{"LSILINK", 1, "file", 2, "t"}, Place{"OTHER", 1, "file", 1, "t"},
+        Place{"OTHER", 0, "", 0, "t"}}) {
+    Parts parts = MakeWell();
+    AddDrive(parts, "lsi0 69:9", "Offln").readAt = place;
+    EXPECT_THAT(WriteSummary(made, Assessed(parts)), Not(HasSubstr("class=\"evidence\"")));
+  }
+}
+
+TEST(ReportSummary, MarksTheCellThatWasJudged) {
+  Parts parts = MakeWell();
+  Drive& drive = AddDrive(parts, "lsi0 69:9", "Onln");
+  drive.mediaErrors = 37;
+  NotePlace(drive, "media_errors", {"LSILINK", 1, "pdlist", 794, "storcli"});
+  const std::string row = CutOut(WriteSummary(parts), "<tr id=\"part-drives-2\">", "</tr>");
+  EXPECT_THAT(row, HasSubstr("<td class=\"number\" data-value=\"37\"><span class=\"chip warning\">"
+                             "<span aria-hidden=\"true\">▲ </span><span class=\"visually-hidden\">"
+                             "Warning: </span>37</span></td>"));
+  EXPECT_THAT(row, HasSubstr("<td>Onln</td>"));
+}
+
+TEST(ReportSummary, TellsWhatIsNotThereFromWhatNobodyAsked) {
+  MadeCollection made;
+  made.Table("LSILINK").Table("SENSORINFO");
+  made.Get().tables[0].status = {"tool missing", "storcli.exe is not on this machine"};
+  made.Get().tables[1].status = {"no such device", "this machine has no BMC"};
+  Parts parts;
+  for (const auto& [id, className] :
+       {std::pair("lsi", "LSILINK"), std::pair("sensors", "SENSORINFO")}) {
+    PartSource& source = AddSource(parts, id, "none");
+    source.observed = made.Get().tables[parts.sources.size() - 1].status.text;
+    source.readAt.className = className;
+  }
+  const std::string page = WriteSummary(made, Assessed(parts));
+  EXPECT_THAT(CutOut(page, "<b>Drives</b>", "</small>"),
+              AllOf(HasSubstr(">not checked<"), HasSubstr("storcli.exe is not on this machine")));
+  EXPECT_THAT(CutOut(page, "<b>Cooling</b>", "</small>"),
+              AllOf(HasSubstr(">not there<"), HasSubstr("this machine has no BMC")));
+}
+
+TEST(ReportSummary, CallsNoAreaWellThatAFindingOfAnotherIsOf) {
+  Parts parts = MakeWell();
+  Drive& drive = AddDrive(parts, "lsi0 69:9", "Offln");
+  drive.group = "lsi0 g0";
+  AddVolume(parts, "lsi0 v0", "Dgrd");
+  const std::string page = WriteSummary(parts);
+  // One finding, called by the drive.
+  EXPECT_THAT(page, HasSubstr("<p>1 critical; 2 areas without a finding"));
+  EXPECT_THAT(CutOut(page, "<b>Drives</b>", "</small>"), HasSubstr("● 1"));
+  EXPECT_THAT(CutOut(page, "<b>Arrays</b>", "</small>"), HasSubstr("● 1"));
+}
+
+TEST(ReportSummary, DrawsAReadingBetweenItsLimits) {
+  Parts parts = MakeWell();
+  Sensor& sensor = AddSensor(parts, "Inlet Temp", 1, "ok");
+  EXPECT_THAT(WriteSummary(parts), Not(HasSubstr("<svg")));
+  sensor.reading = 22.0;
+  EXPECT_THAT(WriteSummary(parts), Not(HasSubstr("<svg")));
+  sensor.unc = 38.0;
+  sensor.uc = 42.0;
+  EXPECT_THAT(WriteSummary(parts),
+              HasSubstr("aria-label=\"22, upper warning limit 38, upper critical limit 42\""));
+}
+
+TEST(ReportSummary, DrawsTheEntriesOfEachDayByHowGraveTheyAre) {
+  Parts parts = MakeWell();
+  const auto add = [&](const std::string& time, std::int64_t level) {
+    Event& event = parts.events.emplace_back();
+    event.id = "sel " + std::to_string(parts.events.size());
+    event.source = "SEL";
+    event.time = time;
+    event.level = level;
+  };
+  add("2026-11-18T10:00:00", 2);
+  add("2026-11-18T11:00:00", 1);
+  add("2026-11-18T11:00:00", 1);
+  add("2026-11-01T00:00:00", 0);
+  add("2026-01-01T00:00:00", 3);  // Long before.
+  EXPECT_THAT(WriteSummary(parts),
+              HasSubstr("aria-label=\"2026-11-01: 0 critical, 0 warning, 1 other; "
+                        "2026-11-18: 1 critical, 2 warning, 0 other\""));
+}
+
+TEST(ReportAreas, KnowTheAreaOfEveryRule) {
+  std::set<std::string> areas;
+  for (const Rule& rule : GetBuiltInRules().rules) areas.insert(rule.area);
+  EXPECT_GT(areas.size(), 5U);
+  for (const std::string& area : areas) EXPECT_NE(FindReportAreaTitle(area), "") << area;
+}
+
+TEST(ReportAreas, PutSensorsWhereTheRulesPutThem) {
+  for (std::int64_t type = 0; type < 0x30; ++type) {
+    Parts parts;
+    const Sensor& sensor = AddSensor(parts, "S", type, "cr");
+    const Health health = test::Judge(parts);
+    EXPECT_EQ(test::GetHit(health, "sensor.threshold").area, FindSensorArea(sensor)) << type;
+  }
+}
+
+TEST(ReportEvidence, FindsTheLineThatTheEndOfATextBeginsIn) {
+  const std::string text = "one\r\ntwo\nthree\rfour";
+  const auto find = [&](std::size_t from) {
+    return FindFirstLine(text, std::string_view(text).substr(from));
+  };
+  EXPECT_EQ(find(0), 1);
+  EXPECT_EQ(find(1), 1);
+  EXPECT_EQ(find(5), 2);
+  EXPECT_EQ(find(6), 2);
+  EXPECT_EQ(find(9), 3);
+  EXPECT_EQ(find(15), 4);
+  EXPECT_EQ(find(text.size()), 4);
+}
+
+}  // namespace
+}  // namespace host
