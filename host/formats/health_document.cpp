@@ -63,8 +63,8 @@ SELECT 'warning', id, 'cache ' || cache FROM volumes WHERE cache LIKE '%WT%';
 
 A rule answers `severity`, `id` (of a row of its `@part`), `observed` and, if it likes, `because` (ids of the parts that
 are the cause, with ; between them) and `text`; further columns may be called `part`, `area` and `event`. `@area` and
-`@column`, the part's column that shows it, may be left away; `@log` marks a rule about what was. An error names file and
-line, and nothing is judged.
+`@column`, the part's column that shows it, may be left away; `@log` marks a rule about what was. A text goes on in the
+next line where that begins with `--` and three blanks. An error names file and line, and nothing is judged.
 
 ## What is known already
 

@@ -71,8 +71,12 @@ class RuleFileReader {
   void Take(std::string_view line) {
     ++number;
     const std::string_view text = Trim(line);
+    std::string Rule::*const before = std::exchange(openText, nullptr);
     if (const std::optional<Tag> tag = ReadTag(text)) {
       TakeTag(*tag);
+    } else if (before != nullptr && text.starts_with(kMore)) {
+      (rule.*before).append(" ").append(Trim(text.substr(kMore.size())));
+      openText = before;
     } else if (isOpen) {
       TakeSql(line, text);
     } else if (!text.empty() && !text.starts_with("--")) {
@@ -132,6 +136,7 @@ class RuleFileReader {
       Refuse(fmt::format("there is no table of parts {}", tag.value));
     }
     rule.*known->member = tag.value;
+    openText = known->member;
     return true;
   }
 
@@ -165,6 +170,8 @@ class RuleFileReader {
     read.rules.push_back(std::move(rule));
   }
 
+  static constexpr std::string_view kMore = "--   ";  ///< of a line that goes on with a text
+
   const std::string& file;
   std::size_t number = 0;
   RuleFile read;
@@ -174,6 +181,7 @@ class RuleFileReader {
   bool isRule = false;
   std::size_t beginLine = 0;
   Rule rule;
+  std::string Rule::*openText = nullptr;  ///< of the tag of the line before
   RuleTable table;
   std::string sql;
   std::size_t sqlLine = 0;

@@ -1,8 +1,8 @@
 -- What is wrong with a machine, as questions to its parts.
 --
--- A block begins with a line "-- @words NAME", "-- @table NAME" or "-- @rule ID" and has one SELECT.
--- Words are the same for every machine; tables are intermediate results, made for each in this order,
--- with an index for each line "-- @index COLUMNS". A rule answers one row for each hit:
+-- A block begins with a line "-- @words NAME", "-- @table NAME" or "-- @rule ID" and has one
+-- SELECT. Words are the same for every machine; tables are intermediate results, made for each in
+-- this order, with an index for each line "-- @index COLUMNS". A rule answers one row for each hit:
 --
 --   severity   critical, warning, notice (shown, never an alarm) or unknown
 --   id         of the part that is not well, a row of the table @part
@@ -14,7 +14,8 @@
 -- another table than @part, or that belong to another area than @area; event is the id of the log
 -- entry that tells of it. A line "-- @column NAME" names the part's column where people see it (of
 -- several the first that was read at a place of its own), and
--- "-- @log" marks rules about what was, which weigh less than what is.
+-- "-- @log" marks rules about what was, which weigh less than what is. A text goes on in the next
+-- line where that begins with "--" and three blanks.
 --
 -- setting('NAME') is a setting, recent(TIME) is 1 for a time within recent_days before the
 -- collection, 0 for another, NULL for none.
@@ -182,6 +183,17 @@ FROM (VALUES
   ('nr', 'critical'), ('lnr', 'critical'), ('unr', 'critical'), ('belowcrit', 'critical'),
   ('abovecrit', 'critical'));
 
+-- What people call the sources, and the vendor of those that are about controllers.
+-- @words source_names
+SELECT column1 AS id, column2 AS called, column3 AS vendor
+FROM (VALUES
+  ('lsi', 'the MegaRAID controllers', 'LSI'),
+  ('microchip', 'the Microchip controllers', 'Microchip'),
+  ('intel', 'the Intel RAID', 'Intel'), ('sensors', 'the sensors of the BMC', NULL),
+  ('sel', 'the log of the BMC', NULL), ('fru', 'the FRU data', NULL),
+  ('power supplies', 'the power supplies', NULL), ('leds', 'the lights', NULL),
+  ('amt', 'the AMT log', NULL), ('sas2', 'the log of the SAS2 controller', NULL));
+
 -- @words sensor_areas
 SELECT CAST(column1 AS INTEGER) AS type, column2 AS area
 FROM (VALUES (0x01, 'temperatures'), (0x02, 'voltages'), (0x04, 'cooling'), (0x0a, 'cooling'),
@@ -228,7 +240,7 @@ FROM (VALUES (0x71, '[34]/*'), (0x10b, '*'), (0x10c, '*'))
 UNION SELECT code, 0, '*' FROM lsi_codes
 WHERE severity <> 'none' AND code NOT IN (SELECT ended_by FROM lsi_ends);
 
--- ------------------------------------------------------------------------------ what parts amount to
+-- ---------------------------------------------------------------------------- what parts amount to
 
 -- "called" is what people call the part; with several controllers it says whose.
 -- @table volume_states
@@ -273,8 +285,8 @@ FROM sensors s
 LEFT JOIN threshold_words w ON w.word = coalesce(s.status, '')
 LEFT JOIN sensor_areas a ON a.type = s.type;
 
--- State bits that are set now and mean trouble. Of a processor that ipmiutil calls present, the bits
--- below that one are clear: a listing that shows them set contradicts itself.
+-- State bits that are set now and mean trouble. ipmiutil calls a processor present by bit 7 alone;
+-- a listing with that word and a lower bit contradicts itself: which is true, nobody knows.
 -- @table sensor_bits
 SELECT s.id, s.called, s.area, s.type, s.event_type, s.status, i.meaning,
        CASE WHEN s.type = 0x07 AND s.status = 'procpresent' AND i.bit < 7 THEN 'unknown'
@@ -299,15 +311,16 @@ FROM controllers;
 SELECT controller, device_speed, max(link_speed) AS link_speed FROM drives
 WHERE device_speed IS NOT NULL GROUP BY controller, device_speed;
 
--- Drives that are lost and tell no group; the only one of a controller is that which a volume lacks.
+-- Drives that are lost and tell no group. The only one of a controller is that which a volume
+-- lacks.
 -- @table loose_drives
 SELECT controller, CASE WHEN count(*) = 1 THEN min(id) END AS id FROM drives
 WHERE grp IS NULL AND condition IN ('failed', 'missing') GROUP BY controller;
 
--- ----------------------------------------------------------------------------------------- the logs
+-- ---------------------------------------------------------------------------------------- the logs
 
--- A log can have a hundred thousand entries: they are gone through three times, and only those that a
--- rule looks at are kept.
+-- A log can have a hundred thousand entries: they are gone through three times, and only those that
+-- a rule looks at are kept.
 
 -- Events before a drive was taken out are those of another drive.
 -- @table removed_drives
@@ -370,7 +383,8 @@ GROUP BY sensor, code, event_type, bit;
 -- @area drives
 -- @column state
 -- @why The controller no longer uses this drive.
--- @next Replace it. When several go at once, look at cable, backplane and the enclosure's power before you pull any.
+-- @next Replace it. When several go at once, look at cable, backplane and the enclosure's power
+--   before you pull any.
 -- @source check_lsi_raid; check_raid (arcconf)
 SELECT 'critical', id, state, NULL,
        CASE condition WHEN 'missing' THEN 'Look for ' || called || ': the controller misses it ('
@@ -381,23 +395,28 @@ FROM drive_states WHERE condition IN ('failed', 'missing');
 -- @part drives
 -- @area drives
 -- @column state
--- @why The drive belongs to no array and is marked as not usable, so it cannot stand in for another.
+-- @why The drive belongs to no array and is marked as not usable, so it cannot stand in for
+--   another.
 -- @next Take it out; or, once it has been tested, make it usable with storcli /cX/eY/sZ set good.
 -- @source Checkmk megaraid
-SELECT 'warning', id, state, NULL, 'Test or replace ' || called || ': it is not usable (' || state || ')'
+SELECT 'warning', id, state, NULL,
+       'Test or replace ' || called || ': it is not usable (' || state || ')'
 FROM drive_states WHERE condition IN ('bad', 'unsupported', 'shielded');
 
 -- @rule drive.rebuilding
 -- @part drives
 -- @area drives
 -- @column state
--- @why Its contents are being written anew. Until that is done, the array has less protection, or none.
+-- @why Its contents are being written anew. Until that is done, the array has less protection, or
+--   none.
 -- @next Leave all drives of the array where they are, and look again when the rebuild is over.
 -- @source check_raid #47
-SELECT 'warning', id, CASE WHEN condition IN ('rebuilding', 'copying') THEN state ELSE member_state END,
+SELECT 'warning', id,
+       CASE WHEN condition IN ('rebuilding', 'copying') THEN state ELSE member_state END,
        (SELECT v.id FROM volume_states v
         WHERE v.grp = d.grp AND v.condition IN ('degraded', 'partly', 'recovering') LIMIT 1),
-       'Wait until ' || called || ' has been rebuilt, and leave the other drives of its array in place'
+       'Wait until ' || called ||
+       ' has been rebuilt, and leave the other drives of its array in place'
 FROM drive_states d WHERE rebuilds;
 
 -- @rule drive.predicted
@@ -407,7 +426,8 @@ FROM drive_states d WHERE rebuilds;
 -- @why The drive's own monitoring expects it to fail.
 -- @next Replace it while the array is whole. Where nothing else holds its data, copy them first.
 -- @source check_raid #49; check_lsi_raid
-SELECT CASE WHEN unprotected OR condition = 'jbod' THEN 'critical' ELSE 'warning' END, id, told, NULL,
+SELECT CASE WHEN unprotected OR condition = 'jbod' THEN 'critical' ELSE 'warning' END, id, told,
+       NULL,
        'Replace ' || called || ': ' || told ||
        CASE WHEN media_errors > 0 THEN ', ' || media_errors || ' media errors' ELSE '' END ||
        CASE WHEN unprotected OR condition = 'jbod' THEN '; nothing else holds its data' ELSE '' END
@@ -423,8 +443,10 @@ FROM (SELECT *, substr(CASE WHEN condition = 'predicted' THEN ', ' || state ELSE
 -- @part drives
 -- @area drives
 -- @column media_errors
--- @why Parts of the medium could not be read or written. When the count grows, the drive is failing.
--- @next Compare it with an earlier collection. Replace the drive if it grows or the log goes on about it.
+-- @why Parts of the medium could not be read or written. When the count grows, the drive is
+--   failing.
+-- @next Compare it with an earlier collection. Replace the drive if it grows or the log goes on
+--   about it.
 -- @source check_lsi_raid
 SELECT CASE WHEN unprotected AND volumes > 0 THEN 'critical' ELSE 'warning' END, id,
        'media errors ' || media_errors, NULL,
@@ -435,7 +457,8 @@ FROM drive_states WHERE media_errors > setting('media_errors');
 -- @part drives
 -- @area drives
 -- @column other_errors
--- @why Errors on the way to the drive come from a cable, a plug or the backplane more often than from the drive.
+-- @why Errors on the way to the drive come from a cable, a plug or the backplane more often than
+--   from the drive.
 -- @next Compare the count with an earlier collection; if it grows, reseat drive and cable.
 -- @source check_lsi_raid -Io
 SELECT 'notice', id, 'other errors ' || other_errors, NULL,
@@ -465,8 +488,8 @@ WHERE code = 0x71 AND part = 'drives' AND sense GLOB '[34]/*' AND recent(time) G
 -- @next Look at its cable and power first, then at the drive.
 -- @source MegaRAID event codes
 SELECT 'warning', part_id, count(*) || ' time-outs or resets, last ' || max(time), NULL,
-       'Look at the connection of ' || called || ': ' || count(*) || ' time-outs or resets, last ' ||
-       max(time), id AS event
+       'Look at the connection of ' || called || ': ' || count(*) ||
+       ' time-outs or resets, last ' || max(time), id AS event
 FROM lsi_events
 WHERE part = 'drives' AND (code IN (0x10b, 0x10c) OR text LIKE 'PD % reset (Type%')
       AND recent(time)
@@ -476,7 +499,8 @@ GROUP BY part_id HAVING count(*) >= setting('resets');
 -- @part drives
 -- @area drives
 -- @column answer
--- @why The tool asked the drive for its details and got an error instead, so its counts are not known.
+-- @why The tool asked the drive for its details and got an error instead, so its counts are not
+--   known.
 -- @next Ask again; if it stays so, look at the drive, its cable and its slot.
 -- @source check_lsi_raid #3, #28
 SELECT 'warning', id, answer, NULL, 'Look at ' || called || ': it did not answer (' || answer || ')'
@@ -517,7 +541,8 @@ WHERE temperature >= warm;
 -- @why The cells of the drive have been written nearly as often as they can be.
 -- @next Order its replacement.
 -- @source arcconf's usage remaining
-SELECT CASE WHEN wear_left <= 5 THEN 'critical' ELSE 'warning' END, id, wear_left || ' % left', NULL,
+SELECT CASE WHEN wear_left <= 5 THEN 'critical' ELSE 'warning' END, id, wear_left || ' % left',
+       NULL,
        'Order a replacement for ' || called || ': ' || wear_left || ' % of its life is left'
 FROM drive_states WHERE wear_left <= setting('wear_left');
 
@@ -525,7 +550,8 @@ FROM drive_states WHERE wear_left <= setting('wear_left');
 -- @part drives
 -- @area drives
 -- @column link_speed
--- @why Its link is slower than that of drives of its kind on the same controller; often a contact is bad.
+-- @why Its link is slower than that of drives of its kind on the same controller; often a contact
+--   is bad.
 -- @next Reseat the drive; if that does not help, try another one in its slot.
 SELECT 'notice', id, d.link_speed || ' of ' || d.device_speed || ' Gb/s', NULL,
        'Reseat ' || called || ': its link runs at ' || d.link_speed || ' of ' || d.device_speed ||
@@ -581,8 +607,10 @@ FROM volume_states v WHERE condition = 'offline';
 SELECT CASE WHEN rebuilds THEN 'warning' ELSE 'critical' END, id,
        state || CASE WHEN rebuilds THEN ', being rebuilt' ELSE '' END,
        coalesce(failed, missing, CASE WHEN NOT rebuilds THEN loose END),
-       CASE WHEN rebuilds THEN 'Wait for the rebuild of ' || called || ', and leave its drives in place'
-            ELSE 'Replace the failed drive of ' || called || ': it is degraded (' || state || ')' END
+       CASE WHEN rebuilds
+            THEN 'Wait for the rebuild of ' || called || ', and leave its drives in place'
+            ELSE 'Replace the failed drive of ' || called || ': it is degraded (' || state || ')'
+            END
 FROM (SELECT v.*,
              EXISTS (SELECT 1 FROM drive_states d WHERE d.grp = v.grp AND d.rebuilds) AS rebuilds,
              (SELECT group_concat(d.id, ';') FROM drive_states d
@@ -608,7 +636,8 @@ FROM volume_states v WHERE condition = 'partly';
 -- @part volumes
 -- @area arrays
 -- @column state
--- @why The volume is being built, rebuilt or changed; until that is done its protection is not complete.
+-- @why The volume is being built, rebuilt or changed; until that is done its protection is not
+--   complete.
 -- @next Look again when it is over.
 -- @source check_raid #190
 SELECT 'warning', id, state, NULL, 'Wait until ' || called || ' is done: ' || state
@@ -619,7 +648,8 @@ FROM volume_states WHERE condition = 'recovering';
 -- @area arrays
 -- @column access
 -- @why The controller lets nobody read or write this volume.
--- @next Look for offline drives of its group and for cache contents that the controller still keeps.
+-- @next Look for offline drives of its group and for cache contents that the controller still
+--   keeps.
 SELECT 'critical', id, 'Access ' || access, NULL, 'Free ' || called || ': access to it is blocked'
 FROM volume_states WHERE access IN ('B', 'Blocked');
 
@@ -643,7 +673,8 @@ FROM volume_states WHERE lower(failed_stripes) NOT IN ('no', 'none', '0', 'n/a',
 -- @source check_lsi_raid warns; most healthy volumes say No
 SELECT 'notice', id, 'Consist No', NULL, 'Run a consistency check of ' || called
 FROM volume_states
-WHERE consistent = 'No' AND redundant AND condition = 'optimal' AND coalesce(level, '') NOT LIKE 'Cac%';
+WHERE consistent = 'No' AND redundant AND condition = 'optimal'
+      AND coalesce(level, '') NOT LIKE 'Cac%';
 
 -- @rule volume.state-not-known
 -- @part volumes
@@ -660,8 +691,10 @@ FROM volume_states WHERE condition = 'unknown';
 -- @column state
 -- @why The group of drives is not whole, though none of its volumes says so.
 -- @next Look at its drives.
-SELECT CASE WHEN condition IN ('partly', 'recovering') OR rebuilds THEN 'warning' ELSE 'critical' END,
-       id, state, failed, 'Look at the drives of group ' || id || ': it is not whole (' || state || ')'
+SELECT CASE WHEN condition IN ('partly', 'recovering') OR rebuilds THEN 'warning'
+            ELSE 'critical' END,
+       id, state, failed,
+       'Look at the drives of group ' || id || ': it is not whole (' || state || ')'
 FROM (SELECT g.*,
              EXISTS (SELECT 1 FROM drive_states d WHERE d.grp = g.id AND d.rebuilds) AS rebuilds,
              (SELECT group_concat(d.id, ';') FROM drive_states d
@@ -682,7 +715,8 @@ SELECT 'critical', m.id, m.state,
         WHERE d.controller = m.controller AND d.condition IN ('failed', 'missing')
               AND (d.grp IS NULL OR d.grp = m.grp)),
        'Put a drive in: ' || m.id ||
-       coalesce(' of the array ' || (SELECT min(v.id) FROM volume_states v WHERE v.grp = m.grp), '') ||
+       coalesce(' of the array ' ||
+                (SELECT min(v.id) FROM volume_states v WHERE v.grp = m.grp), '') ||
        ' is missing'
 FROM missing_drives m WHERE m.state LIKE 'Msng%' OR m.state LIKE 'Missing%';
 
@@ -706,14 +740,17 @@ WHERE v.condition IN ('degraded', 'partly')
 -- @part cache_backups
 -- @area controllers
 -- @column state
--- @why Nothing keeps the write cache when power fails. Either its contents would be lost, or it is switched off and writing is slow.
+-- @why Nothing keeps the write cache when power fails. Either its contents would be lost, or it is
+--   switched off and writing is slow.
 -- @next Replace battery or capacitor. Until then, use write-through for data that must not be lost.
 -- @source check_lsi_raid; check_raid (arcconf); check_adaptec_raid
 SELECT CASE condition
        WHEN 'passing' THEN 'notice'
        WHEN 'failed' THEN 'critical'
-       WHEN 'bad' THEN CASE WHEN EXISTS (SELECT 1 FROM volume_states v WHERE v.controller = c.controller
-                                         AND v.cache LIKE '%AWB%') THEN 'critical' ELSE 'warning' END
+       WHEN 'bad' THEN CASE WHEN EXISTS (SELECT 1 FROM volume_states v
+                                         WHERE v.controller = c.controller
+                                               AND v.cache LIKE '%AWB%')
+                            THEN 'critical' ELSE 'warning' END
        ELSE 'unknown' END, id, state, NULL,
        CASE condition
        WHEN 'passing' THEN 'Look again at ' || called || ': ' || state
@@ -732,7 +769,8 @@ WHERE condition NOT IN ('good', 'untold');
 -- @source check_lsi_raid
 SELECT CASE WHEN temperature >= most THEN 'critical' ELSE 'warning' END, id,
        printf('%.1f C', temperature), NULL,
-       printf('Cool the %s of %s: %.1f °C, and %d is its limit', kind, controller, temperature, most)
+       printf('Cool the %s of %s: %.1f °C, and %d is its limit', kind, controller, temperature,
+              most)
 FROM (SELECT *, CASE kind WHEN 'BBU' THEN 50 ELSE 70 END AS warm,
              CASE kind WHEN 'BBU' THEN 60 ELSE 85 END AS most
       FROM cache_backups WHERE kind IN ('BBU', 'CacheVault'))
@@ -743,7 +781,8 @@ WHERE temperature >= warm;
 -- @area controllers
 -- @column status
 -- @why The controller says of itself that it is not well.
--- @next Look at its volumes, drives and cache protection. If they are well, it may have to be restarted.
+-- @next Look at its volumes, drives and cache protection. If they are well, it may have to be
+--   restarted.
 -- @source check_raid (arcconf)
 SELECT CASE WHEN status LIKE '%Attention%' OR status LIKE '%Degraded%' THEN 'warning'
             ELSE 'critical' END, id, status,
@@ -764,11 +803,13 @@ FROM controllers c WHERE lower(status) NOT IN ('optimal', 'okay', 'ok', '');
 -- @why The controller counts volumes as failed or degraded, though none of those listed is.
 -- @next Look at the controller's own list of volumes.
 SELECT 'critical', id,
-       coalesce(volumes_failed, 0) || ' failed, ' || coalesce(volumes_degraded, 0) || ' degraded', NULL,
+       coalesce(volumes_failed, 0) || ' failed, ' || coalesce(volumes_degraded, 0) || ' degraded',
+       NULL,
        'Find the volumes that controller ' || id || ' counts as failed or degraded'
 FROM controllers c
 WHERE (volumes_failed > 0 OR volumes_degraded > 0)
-      AND NOT EXISTS (SELECT 1 FROM volume_states v WHERE v.controller = c.id AND v.condition <> 'optimal');
+      AND NOT EXISTS (SELECT 1 FROM volume_states v
+                      WHERE v.controller = c.id AND v.condition <> 'optimal');
 
 -- @rule controller.defunct
 -- @part controllers
@@ -805,10 +846,11 @@ WHERE lower(temperature_word) NOT IN ('normal', 'not supported', 'not applicable
 -- @next Look at its fans, its power supplies and its cables.
 -- @source check_raid #75
 SELECT 'warning', id, state, NULL,
-       'Look at enclosure ' || coalesce(number, id) || coalesce(' (' || product || ')', '') || ': ' || state
+       'Look at enclosure ' || coalesce(number, id) || coalesce(' (' || product || ')', '') ||
+       ': ' || state
 FROM enclosures WHERE lower(state) NOT IN ('ok', 'optimal', '-', '');
 
--- ---------------------------------------------------------------------------- the controllers' logs
+-- --------------------------------------------------------------------------- the controllers' logs
 
 -- @rule lsi.event
 -- @part controllers
@@ -835,18 +877,21 @@ FROM (SELECT e.part, e.part_id, e.called, e.code, c.severity, count(*) AS times,
       GROUP BY e.part_id, e.code) n
 WHERE NOT (n.part = 'volumes' AND EXISTS (SELECT 1 FROM volume_states v WHERE v.id = n.part_id
                                           AND v.condition = 'optimal'))
-      AND NOT (n.part = 'cache_backups' AND EXISTS (SELECT 1 FROM cache_backups b
-                                                    WHERE b.id = n.part_id AND b.condition = 'good'));
+      AND NOT (n.part = 'cache_backups'
+               AND EXISTS (SELECT 1 FROM cache_backups b
+                           WHERE b.id = n.part_id AND b.condition = 'good'));
 
 -- @rule lsi.event-class
 -- @part controllers
 -- @area controllers
 -- @log
--- @why The controller's firmware calls this critical, fatal or dead, lately; its code is in no list here.
+-- @why The controller's firmware calls this critical, fatal or dead, lately; its code is in no list
+--   here.
 -- @next Look the code up in the controller's manual.
 -- @source MegaRAID event classes
 SELECT CASE WHEN max(e.level) >= 3 THEN 'critical' ELSE 'warning' END, e.part_id,
-       printf('%d x %s%s, last %s', count(*), coalesce(printf('0x%02x ', e.code), ''), e.text, max(e.time)),
+       printf('%d x %s%s, last %s', count(*), coalesce(printf('0x%02x ', e.code), ''), e.text,
+              max(e.time)),
        NULL, 'Look at ' || e.called || ': "' || e.text || '" on ' || max(e.time),
        e.part AS part, e.id AS event,
        CASE e.part WHEN 'drives' THEN 'drives' WHEN 'volumes' THEN 'arrays' ELSE 'controllers' END
@@ -875,17 +920,20 @@ WHERE e.code IN (0xfb, 0xfc) AND e.part = 'volumes' AND recent(e.time) GROUP BY 
 SELECT CASE WHEN worst >= 2 THEN 'warning' ELSE 'notice' END, part_id,
        printf('%d %s, last %s %s', times, CASE times WHEN 1 THEN 'entry' ELSE 'entries' END, time,
               text), NULL,
-       'Look at the log of controller ' || part_id || ': "' || text || '" on ' || time, event AS event
+       'Look at the log of controller ' || part_id || ': "' || text || '" on ' || time,
+       event AS event
 FROM (SELECT part_id, count(*) AS times, text, max(time) AS time, id AS event,
              (SELECT max(o.level) FROM other_events o WHERE o.source = 'Microchip'
               AND o.part_id = e.part_id AND recent(o.time)) AS worst
-      FROM other_events e WHERE source = 'Microchip' AND level >= 1 AND recent(time) GROUP BY part_id);
+      FROM other_events e WHERE source = 'Microchip' AND level >= 1 AND recent(time)
+      GROUP BY part_id);
 
 -- @rule sas2.event
 -- @part controllers
 -- @area controllers
 -- @log
--- @why The controller's log has warnings. It counts time from its start, so nobody knows how old they are.
+-- @why The controller's log has warnings. It counts time from its start, so nobody knows how old
+--   they are.
 -- @next Look at the entries; sas2ircu 0 display tells how things are now.
 SELECT CASE WHEN worst >= 2 AND NOT EXISTS
                  (SELECT 1 FROM other_events o WHERE o.source = 'SAS2' AND o.number > last
@@ -899,19 +947,20 @@ FROM (SELECT count(*) AS times, max(level) AS worst,
               FROM (SELECT text FROM other_events WHERE source = 'SAS2' AND level >= 1
                     GROUP BY text ORDER BY min(number))) AS texts,
              (SELECT max(number) FROM other_events WHERE source = 'SAS2' AND level >= 1) AS last,
-             (SELECT id FROM other_events WHERE source = 'SAS2' AND level >= 1 ORDER BY number DESC LIMIT 1)
-             AS event
+             (SELECT id FROM other_events WHERE source = 'SAS2' AND level >= 1
+              ORDER BY number DESC LIMIT 1) AS event
       FROM other_events WHERE source = 'SAS2' AND level >= 1)
 WHERE times > 0;
 
--- ------------------------------------------------------------------------------------- BMC: sensors
+-- ------------------------------------------------------------------------------------ BMC: sensors
 
 -- @rule sensor.threshold
 -- @part sensors
 -- @area sensors
 -- @column status
 -- @why The BMC says that the reading is beyond one of its limits.
--- @next Of a temperature look at fans, filters and the room; of a fan at the fan; of a voltage at power supply and board.
+-- @next Of a temperature look at fans, filters and the room; of a fan at the fan; of a voltage at
+--   power supply and board.
 -- @source ipmiutil; Redfish
 SELECT condition, id,
        coalesce(reading || ' ' || coalesce(unit, '') || ', ', '') || status || limits, NULL,
@@ -938,7 +987,11 @@ SELECT b.severity, b.id, b.meaning || coalesce(' (' || b.status || ')', ''),
                          AND o.severity IN ('critical', 'warning')),
                   (SELECT CASE WHEN count(*) = 1 THEN min(o.id) END FROM sensor_states o
                    WHERE o.type = b.type AND o.condition IN ('critical', 'warning'))) END,
-       'Look at ' || b.called || ': ' || b.meaning, b.area AS area
+       CASE b.severity
+       WHEN 'unknown'
+       THEN 'Find out how ' || b.called || ' is: its state bits say "' || b.meaning ||
+            '", its word "' || b.status || '"'
+       ELSE 'Look at ' || b.called || ': ' || b.meaning END, b.area AS area
 FROM sensor_bits b;
 
 -- @rule sensor.word
@@ -952,7 +1005,8 @@ SELECT CASE WHEN w.word IS NULL THEN 'unknown' ELSE max(w.severity) END, s.id, s
        CASE WHEN w.word IS NULL THEN 'Find out what "' || s.status || '" means of ' || s.called
             ELSE 'Look at ' || s.called || ': ' || s.status END, s.area AS area
 FROM sensor_states s
-LEFT JOIN ipmiutil_words w ON w.word = s.status AND (w.type IS NULL OR s.type IS NULL OR w.type = s.type)
+LEFT JOIN ipmiutil_words w ON w.word = s.status
+                              AND (w.type IS NULL OR s.type IS NULL OR w.type = s.type)
 WHERE s.condition = 'word' AND (w.word IS NOT NULL OR s.event_type = 0x01)
 GROUP BY s.id;
 
@@ -990,31 +1044,35 @@ WHERE state NOT IN ('off', 'out')
 -- @area bmc
 -- @column code
 -- @why The BMC did not pass its own test; 55h would say that it did.
--- @next After 57h reload what it calls damaged (SDR, SEL, FRU); after 58h the BMC itself has failed.
+-- @next After 57h reload what it calls damaged (SDR, SEL, FRU); after 58h the BMC itself has
+--   failed.
 -- @source IPMI 2.0, 20.4
 SELECT CASE code WHEN '57' THEN 'warning' WHEN '58' THEN 'critical' WHEN '56' THEN 'notice'
                  WHEN 'ff' THEN 'warning' ELSE 'unknown' END, id, coalesce(text, code), NULL,
        'See to the BMC: ' || coalesce(text, code)
 FROM self_tests WHERE code IS NOT '55';
 
--- ----------------------------------------------------------------------------------------- BMC: log
+-- ---------------------------------------------------------------------------------------- BMC: log
 
 -- @rule sel.state
 -- @part sensors
 -- @area sensors
 -- @log
--- @why The BMC logged it, no later entry says that it is over, and the sensor does not say that it is well again.
+-- @why The BMC logged it, no later entry says that it is over, and the sensor does not say that it
+--   is well again.
 -- @next Look at the device that the sensor watches.
 -- @source IPMI 2.0, tables 42-2 and 42-3
 SELECT CASE WHEN NOT coalesce(recent(time), 0) THEN 'notice'
             WHEN condition = 'warning' THEN 'warning' ELSE severity END, part_id,
-       printf('%d x %s%s, last %s', times, meaning, coalesce(': ' || text, ''), coalesce(time, 'unknown')),
+       printf('%d x %s%s, last %s', times, meaning, coalesce(': ' || text, ''),
+              coalesce(time, 'unknown')),
        NULL, 'Look at ' || called || ': ' || meaning || coalesce(', on ' || time, ''),
        area AS area, event AS event
 FROM (SELECT e.part_id, e.called, e.area, e.condition, e.severity, e.meaning, e.text,
              count(*) AS times, max(e.time) AS time, e.id AS event
       FROM sel_events e
-      LEFT JOIN sel_ended o ON o.sensor = e.sensor AND o.code IS e.code AND o.event_type = e.event_type
+      LEFT JOIN sel_ended o
+                ON o.sensor = e.sensor AND o.code IS e.code AND o.event_type = e.event_type
                 AND o.bit = CASE e.event_type WHEN 0x0b THEN -1 ELSE e."offset" END
       WHERE e.asserted = 1 AND e.lasts = 1 AND e.severity IN ('critical', 'warning')
             AND (o.number IS NULL OR coalesce(e.number > o.number, 1))
@@ -1027,10 +1085,12 @@ FROM (SELECT e.part_id, e.called, e.area, e.condition, e.severity, e.meaning, e.
 -- @area sensors
 -- @log
 -- @why The BMC logged this lately.
--- @next Note which processor, memory or bus it was and watch for more; of a watchdog, find out why the system hung.
+-- @next Note which processor, memory or bus it was and watch for more; of a watchdog, find out why
+--   the system hung.
 -- @source IPMI 2.0, table 42-3
-SELECT severity, part_id, printf('%d x %s%s, last %s', count(*), meaning, coalesce(': ' || text, ''), max(time)),
-       NULL, 'Look at ' || called || ': ' || meaning || ', on ' || max(time), area AS area, id AS event
+SELECT severity, part_id,
+       printf('%d x %s%s, last %s', count(*), meaning, coalesce(': ' || text, ''), max(time)), NULL,
+       'Look at ' || called || ': ' || meaning || ', on ' || max(time), area AS area, id AS event
 FROM sel_events
 WHERE asserted = 1 AND lasts = 0 AND recent(time) GROUP BY part_id, "offset";
 
@@ -1046,7 +1106,8 @@ SELECT CASE WHEN level = 3 THEN 'critical' ELSE 'warning' END, part_id,
        'Look at ' || called || ': "' || coalesce(text, kind) || '" on ' || max(time),
        area AS area, id AS event
 FROM sel_events
-WHERE asserted = 1 AND level >= 2 AND meaning IS NULL AND recent(time) GROUP BY part_id, text, level;
+WHERE asserted = 1 AND level >= 2 AND meaning IS NULL AND recent(time)
+GROUP BY part_id, text, level;
 
 -- @rule sel.ecc-flood
 -- @part sensors
@@ -1085,33 +1146,35 @@ SELECT CASE WHEN level >= 2 THEN 'critical' ELSE 'warning' END, 'amt',
        id AS event
 FROM other_events WHERE source = 'AMT' AND level >= 1 AND recent(time) GROUP BY kind, text, level;
 
--- ----------------------------------------------------------------------- what could not be looked at
+-- --------------------------------------------------------------------- what could not be looked at
 
 -- @rule collection.failed
 -- @part sources
 -- @area collection
 -- @column observed
--- @why The tool was asked, and what it answered is not understood or not complete. What it would have told is not known.
+-- @why The tool was asked, and what it answered is not understood or not complete. What it would
+--   have told is not known.
 -- @next Look at its words; pqhost check tells what is missing here.
 -- @source check_raid #163
 SELECT CASE WHEN id = 'fru' THEN 'notice' ELSE 'unknown' END, id,
        coalesce(class || ': ', '') || coalesce(observed, 'no answer'), NULL,
-       'Ask again for ' || id || ': ' || coalesce(observed, 'no answer')
-FROM sources WHERE state = 'failed';
+       'Find out why ' || called || ' could not be read: ' || coalesce(observed, 'no answer')
+FROM sources JOIN source_names USING (id) WHERE state = 'failed';
 
 -- @rule collection.no-state
 -- @part sources
 -- @area collection
--- @why The report was read, yet it shows no state of anything: it was cut short, or is not the whole of it.
+-- @why The report was read, yet it shows no state of anything: it was cut short, or is not the
+--   whole of it.
 -- @next Collect again.
 SELECT 'unknown', s.id, 'no state in the report', NULL,
-       'Collect again: the report of ' || s.id || ' shows no state of anything'
-FROM sources s
-JOIN (SELECT 'lsi' AS id, 'LSI' AS vendor UNION ALL SELECT 'microchip', 'Microchip'
-      UNION ALL SELECT 'intel', 'Intel') n ON n.id = s.id
-WHERE s.state = 'read'
-      AND NOT EXISTS (SELECT 1 FROM drive_states d WHERE d.vendor = n.vendor AND d.condition <> 'untold')
-      AND NOT EXISTS (SELECT 1 FROM volume_states v WHERE v.vendor = n.vendor AND v.condition <> 'untold')
+       'Collect again: the report on ' || called || ' shows no state of anything'
+FROM sources s JOIN source_names n ON n.id = s.id
+WHERE s.state = 'read' AND n.vendor IS NOT NULL
+      AND NOT EXISTS (SELECT 1 FROM drive_states d
+                      WHERE d.vendor = n.vendor AND d.condition <> 'untold')
+      AND NOT EXISTS (SELECT 1 FROM volume_states v
+                      WHERE v.vendor = n.vendor AND v.condition <> 'untold')
       AND NOT EXISTS (SELECT 1 FROM groups g WHERE g.vendor = n.vendor AND g.condition <> 'untold')
       AND NOT EXISTS (SELECT 1 FROM enclosures e JOIN controllers c ON c.id = e.controller
                       WHERE c.vendor = n.vendor AND e.state IS NOT NULL)
@@ -1119,7 +1182,8 @@ WHERE s.state = 'read'
                       AND (c.status IS NOT NULL
                            OR (c.drives_declared = 0 AND coalesce(c.volumes_declared, 0) = 0)))
 UNION ALL
-SELECT 'unknown', id, 'no sensor has a state', NULL, 'Collect again: no sensor of the BMC has a state'
+SELECT 'unknown', id, 'no sensor has a state', NULL,
+       'Collect again: no sensor of the BMC has a state'
 FROM sources
 WHERE id = 'sensors' AND state = 'read'
       AND NOT EXISTS (SELECT 1 FROM sensor_states WHERE condition <> 'absent');
@@ -1140,7 +1204,8 @@ FROM (SELECT *, substr(CASE WHEN listed_volumes < volumes_declared
                             THEN ', ' || listed_drives || ' of ' || drives_declared || ' drives'
                             ELSE '' END, 3) AS told
       FROM (SELECT c.*,
-                   (SELECT count(*) FROM volume_states v WHERE v.controller = c.id) AS listed_volumes,
+                   (SELECT count(*) FROM volume_states v WHERE v.controller = c.id)
+                   AS listed_volumes,
                    (SELECT count(*) FROM drive_states d WHERE d.controller = c.id) AS listed_drives
             FROM controllers c))
 WHERE told <> '';

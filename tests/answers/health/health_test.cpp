@@ -210,6 +210,15 @@ TEST(Health, AsksRulesOfAUser) {
   EXPECT_EQ(hit.why, "Ours.");
 }
 
+TEST(Health, ReadsTextsOfARuleOverLines) {
+  const std::string rule =
+      "-- @rule mine\n-- @part drives\n-- @why First,\n--   second,\n--     third.\n"
+      "-- no text\n--   nor this\n-- @next Look.\nSELECT 'notice', id, 1 FROM drives";
+  const host::Health health = Judge(MakeTroubledParts(), WithRules(rule));
+  EXPECT_EQ(GetHit(health, "mine").why, "First, second, third.");
+  EXPECT_EQ(GetHit(health, "mine").next, "Look.");
+}
+
 TEST(Health, LetsARuleOfAUserReplaceAnother) {
   const std::string rule =
       "-- @rule drive.media-errors\n-- @part drives\n"

@@ -1,9 +1,12 @@
 // Every rule of the program's own: a machine that it fires on, and one that it does not.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <set>
 #include <string>
 
+#include "host/answers/health/built_in_rules.h"
+#include "host/answers/parts/report_lines.h"
 #include "tests/answers/health/judged.h"
 
 namespace {
@@ -451,6 +454,45 @@ TEST(HealthRules, DoNotTakeAWordOfALimitForGood) {
   Parts parts;
   AddSensor(parts, "CPU1 Temp", 1, "wxyz").eventType = 1;
   EXPECT_STREQ(host::GetVerdict(Judge(parts)), "UNKNOWN");
+}
+
+// The word is ipmiutil's for bit 7. With bit 0, of an internal error, the listing contradicts
+// itself: such a processor is neither called broken nor taken for well.
+TEST(HealthRules, BelieveNeitherSideOfAContradiction) {
+  const auto judge = [](const char* word, std::int64_t states) {
+    Parts parts;
+    AddDiscrete(parts, "P0 Status", kProcessor, kDiscrete, states).status = word;
+    return Judge(parts);
+  };
+  const host::Health health = judge("procpresent", 1);
+  const host::HealthHit& hit = GetHit(health, "sensor.state", "P0 Status");
+  EXPECT_EQ(hit.severity, kUnknown);
+  EXPECT_EQ(hit.text,
+            "Find out how P0 Status is: its state bits say \"internal error (IERR)\", its "
+            "word \"procpresent\"");
+  EXPECT_STREQ(host::GetVerdict(judge("procpresent", 1 << 7)), "OK");
+  EXPECT_STREQ(host::GetVerdict(judge("procpresent", (1 << 7) | (1 << 8))), "CRITICAL");
+  EXPECT_STREQ(host::GetVerdict(judge("ierr", 1)), "CRITICAL");
+  EXPECT_STREQ(host::GetVerdict(judge("", 1)), "CRITICAL");
+}
+
+TEST(HealthRules, CallSourcesByTheirNames) {
+  for (const char* id : {"lsi", "microchip", "intel", "sensors", "sel", "fru", "power supplies",
+                         "leds", "amt", "sas2"}) {
+    Parts parts;
+    AddSource(parts, id, "failed").observed = "error -1";
+    const host::Health health = Judge(parts);
+    EXPECT_TRUE(GetHit(health, "collection.failed", id).text.starts_with("Find out why the "))
+        << id;
+  }
+}
+
+TEST(HealthRules, HaveLinesOfAHundredColumns) {
+  host::ReportLine line;
+  for (host::ReportLines lines(host::kBuiltInRules); lines.Next(line);) {
+    EXPECT_LE(line.text.size(), 100U + std::count(line.text.begin(), line.text.end(), '\xc2'))
+        << line.number;
+  }
 }
 
 TEST(HealthRules, JudgeASensorsLostRedundancyUnderItsFailingSupply) {
