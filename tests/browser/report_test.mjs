@@ -510,6 +510,9 @@ await test("prints every column of every row, logs when ticked, and says what it
     }).length);
     assert.equal(broken, 0, name);
   }
+  const joined = await page.locator("table.joined :is(th, td)").evaluateAll((cells, most) =>
+    cells.filter((cell) => cell.getBoundingClientRect().right > most + 1).map((cell) => cell.textContent), width);
+  assert.deepEqual(joined, []);
   const first = (await section(page, "PDLIST").locator("tbody tr").first().evaluate((row) =>
     [...row.cells].map((cell) => getComputedStyle(cell, "::before").content + cell.textContent))).join("|");
   for (const column of tableOf("PDLIST").columns) assert.ok(first.includes(column.label.trim()), column.label);
