@@ -7,8 +7,13 @@
 namespace host {
 
 Assessment Assess(const Collection& collection) {
+  HealthJudge judge;
+  return Assess(collection, judge);
+}
+
+Assessment Assess(const Collection& collection, HealthJudge& judge) {
   Parts parts = ReadParts(collection);
-  Health health = JudgeCollection(collection, parts, {});
+  Health health = judge.Judge(collection, parts);
   return {std::move(parts), std::move(health)};
 }
 

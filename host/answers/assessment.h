@@ -15,5 +15,8 @@ struct Assessment {
 /// Reads the parts and judges them by the program's own rules, as of when the collection was made.
 /// The collection must be of a known machine.
 Assessment Assess(const Collection& collection);
+/// The same for one of many, by the rules of `judge`. Throws HealthFileError for a rule of the
+/// user's that cannot be asked.
+Assessment Assess(const Collection& collection, HealthJudge& judge);
 
 }  // namespace host

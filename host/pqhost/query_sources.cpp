@@ -24,11 +24,17 @@ bool IsRecording(const std::filesystem::path& folder) {
   return std::filesystem::exists(folder / kRecordingFileName, error);
 }
 
-/// The last name of the path; of a database without its extension.
+bool IsZipFile(const std::filesystem::path& path) {
+  std::error_code error;
+  return IsZipName(path) && std::filesystem::is_regular_file(path, error);
+}
+
+/// The last name of the path; of a database and a ZIP file without its extension.
 std::string NameSource(const std::filesystem::path& path) {
   std::filesystem::path whole = std::filesystem::absolute(path).lexically_normal();
   if (!whole.has_filename()) whole = whole.parent_path();
-  return PathText(whole.extension() == ".db" ? whole.stem() : whole.filename());
+  const bool isFile = whole.extension() == ".db" || IsZipFile(whole);
+  return PathText(isFile ? whole.stem() : whole.filename());
 }
 
 /// Adds the sources one by one; one that fails is told and leaves the others alone.
@@ -89,7 +95,7 @@ std::vector<std::filesystem::path> FindRecordings(const std::vector<std::filesys
     }
     std::vector<std::filesystem::path> found;
     for (const auto& entry : std::filesystem::directory_iterator(path, error)) {
-      if (IsRecording(entry.path())) found.push_back(entry.path());
+      if (IsRecording(entry.path()) || IsZipFile(entry.path())) found.push_back(entry.path());
     }
     if (found.empty()) {
       recordings.push_back(path);
