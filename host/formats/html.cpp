@@ -8,12 +8,12 @@
 #include <optional>
 #include <set>
 #include <sstream>
+#include <stdexcept>
 #include <vector>
 
 #include "host/answers/assessment.h"
 #include "host/answers/parts/read_parts.h"
 #include "host/collect/table_view.h"
-#include "host/database/database.h"
 #include "host/formats/collection_summary.h"
 #include "host/formats/formats.h"
 #include "host/formats/html_text.h"
@@ -67,7 +67,7 @@ void WriteScript(std::ostream& out) {
 Assessment AssessForReport(const Collection& collection) {
   try {
     return Assess(collection);
-  } catch (const DatabaseError& error) {
+  } catch (const std::runtime_error& error) {  // DatabaseError, or a rule's HealthFileError
     HealthHit hit;
     hit.rule = "report.not-judged";
     hit.severity = Severity::kUnknown;

@@ -241,20 +241,21 @@ class AreaFinder {
   }
 
   std::string DescribeSensors(const ReportArea& area) const {
-    std::string text;
+    std::string supplies;
+    std::string sensors;
     for (const AreaParts& list : area.parts) {
       if (list.table->name == "power_supplies") {
-        text = list.rows.size() == 1 ? "1 supply" : fmt::format("{} supplies", list.rows.size());
+        supplies =
+            list.rows.size() == 1 ? "1 supply" : fmt::format("{} supplies", list.rows.size());
         continue;
       }
       const auto well =
           static_cast<std::size_t>(std::ranges::count_if(list.rows, [&](std::size_t row) {
             return !judged.contains({"sensors", parts.sensors[row].id});
           }));
-      text += fmt::format("{}{} of {} sensors without a finding", text.empty() ? "" : "; ", well,
-                          list.rows.size());
+      sensors = fmt::format("{} of {} sensors without a finding", well, list.rows.size());
     }
-    return text;
+    return supplies + (supplies.empty() || sensors.empty() ? "" : "; ") + sensors;
   }
 
   std::string DescribeNetwork() const {

@@ -111,7 +111,7 @@ std::string LabelColumn(const PartColumn& column) {
 }
 
 /// "1.745 TiB"
-std::string FormatSize(std::int64_t bytes) {
+std::string FormatCapacity(std::int64_t bytes) {
   constexpr std::array<const char*, 6> kUnits{"B", "KiB", "MiB", "GiB", "TiB", "PiB"};
   constexpr double kStep = 1024;
   auto size = static_cast<double>(bytes);
@@ -136,7 +136,7 @@ std::string FormatCell(const PartTable& table, const PartColumn& column, const P
     return NameLevel(*number);
   }
   if (const auto* number = std::get_if<std::int64_t>(&value); number && column.name == "size") {
-    return FormatSize(*number);
+    return FormatCapacity(*number);
   }
   std::string text = FormatPartValue(value, "");
   const ColumnShape* shape = FindColumnShape(column);
@@ -184,7 +184,7 @@ std::optional<Gauge> FindGauge(const PartTable& table, const Part& part, const P
 }  // namespace
 
 ReportParts::ReportParts(const Assessment& assessment, const std::vector<ReportArea>& areas)
-    : assessment(assessment), areas(areas) {
+    : assessment(assessment) {
   for (const HealthFinding& finding : assessment.health.findings) {
     for (const HealthHit& hit : finding.hits) hits[{hit.part, hit.id}].push_back(&hit);
   }

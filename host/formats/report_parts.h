@@ -19,7 +19,7 @@ namespace host {
 
 class ReportParts {
  public:
-  /// All that is given must outlive the object.
+  /// `assessment` must outlive the object.
   ReportParts(const Assessment& assessment, const std::vector<ReportArea>& areas);
 
   /// The id of the part's row in the page; empty when it has none.
@@ -46,7 +46,6 @@ class ReportParts {
                            const PartColumn& column) const;
 
   const Assessment& assessment;
-  const std::vector<ReportArea>& areas;
   std::map<PartKey, std::vector<const HealthHit*>> hits;
   std::map<const PartTable*, std::set<std::size_t>> shownRows;
   std::map<PartKey, std::string> rowIds;

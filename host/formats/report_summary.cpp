@@ -93,7 +93,6 @@ class SummaryWriter {
                 const Assessment& assessment, HtmlWriter& html)
       : collection(view.GetCollection()),
         view(view),
-        assessment(assessment),
         health(assessment.health),
         html(html),
         areas(ListReportAreas(collection, assessment)),
@@ -366,7 +365,6 @@ class SummaryWriter {
 
   const Collection& collection;
   const CollectionView& view;
-  const Assessment& assessment;
   const Health& health;
   HtmlWriter& html;
   const std::vector<ReportArea> areas;
@@ -392,16 +390,17 @@ void WriteReportTitle(const Collection& collection, const Assessment* assessment
                       HtmlWriter& html) {
   const std::string name = NameMachine(collection);
   if (assessment == nullptr) {
-    html.Text(name).Add(" – server report");
+    html.ShortText(name, kWidestText).Add(" – server report");
     return;
   }
   const std::string counts = CountBySeverity(assessment->health);
   html.Text(counts.empty() ? std::string(NameVerdict(assessment->health)) : counts);
-  html.Add(" – ").Text(name);
+  html.Add(" – ").ShortText(name, kWidestText);
 }
 
 void WriteReportHeader(const Collection& collection, HtmlWriter& html) {
-  html.Add("<header class=\"page\"><h1>").Text(NameMachine(collection)).Add("</h1>");
+  html.Add("<header class=\"page\"><h1>").ShortText(NameMachine(collection), kWidestText);
+  html.Add("</h1>");
   html.Add("<dl class=\"facts\">");
   for (const auto& [name, value] : ListMachineFacts(collection)) WriteFact(name, value, html);
   const auto& recordedAt = collection.machine.recordedAt;

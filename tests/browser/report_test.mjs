@@ -1,7 +1,7 @@
 // Drives the report in headless Chromium: its first screen and where that leads, that tables sort,
 // filter, search, copy, download and print, that no text of a tool is obeyed, that everybody can read
 // it (axe-core), and that large tables open and scroll.
-//   node tests/browser/report_test.mjs PQHOST OUTPUT_FOLDER
+//   node tests/browser/report_test.mjs PQHOST OUTPUT_FOLDER [PART OF A TEST'S NAME]
 import { execFileSync } from "node:child_process";
 import { mkdirSync, readFileSync, readdirSync, writeFileSync } from "node:fs";
 import { resolve } from "node:path";
@@ -10,7 +10,7 @@ import { pathToFileURL } from "node:url";
 import assert from "node:assert/strict";
 import { chromium } from "playwright-core";
 
-const [pqhost, outputArgument] = process.argv.slice(2);
+const [pqhost, outputArgument, only] = process.argv.slice(2);
 const output = resolve(outputArgument);
 mkdirSync(output, { recursive: true });
 
@@ -45,6 +45,7 @@ const open = async (file, options = {}) => {
   return page;
 };
 const test = async (name, body) => {
+  if (only && !name.includes(only)) return;
   const began = performance.now();
   try {
     await body();
@@ -501,7 +502,17 @@ await test("prints every column of every row, logs when ticked, and says what it
     const beyond = await section(page, name).locator("td").evaluateAll((cells, most) =>
       cells.filter((cell) => cell.getBoundingClientRect().right > most + 1).length, width);
     assert.equal(beyond, 0, name);
+    // Nor is a column so narrow that words come in pieces.
+    const broken = await section(page, name).locator("tbody tr:not(.space) td").evaluateAll((cells) => cells.filter((cell) => {
+      const range = document.createRange();
+      range.selectNodeContents(cell);
+      return /^\S{1,16}$/.test(cell.textContent) && range.getClientRects().length > 1;
+    }).length);
+    assert.equal(broken, 0, name);
   }
+  const joined = await page.locator("table.joined :is(th, td)").evaluateAll((cells, most) =>
+    cells.filter((cell) => cell.getBoundingClientRect().right > most + 1).map((cell) => cell.textContent), width);
+  assert.deepEqual(joined, []);
   const first = (await section(page, "PDLIST").locator("tbody tr").first().evaluate((row) =>
     [...row.cells].map((cell) => getComputedStyle(cell, "::before").content + cell.textContent))).join("|");
   for (const column of tableOf("PDLIST").columns) assert.ok(first.includes(column.label.trim()), column.label);

@@ -194,6 +194,15 @@ TEST(ReportSummary, CallsNoAreaWellThatAFindingOfAnotherIsOf) {
   EXPECT_THAT(CutOut(page, "<b>Arrays</b>", "</small>"), HasSubstr("● 1"));
 }
 
+TEST(ReportSummary, CountsPowerSuppliesAndTheirSensors) {
+  Parts parts = MakeWell();
+  AddSensor(parts, "PSU1 Input", 8, "ok");
+  AddSensor(parts, "PSU2 Input", 8, "nc");
+  parts.powerSupplies.emplace_back().id = "PSU 1";
+  EXPECT_THAT(CutOut(WriteSummary(parts), "<b>Power</b>", "</small>"),
+              HasSubstr("1 supply; 1 of 2 sensors without a finding"));
+}
+
 TEST(ReportSummary, DrawsAReadingBetweenItsLimits) {
   Parts parts = MakeWell();
   Sensor& sensor = AddSensor(parts, "Inlet Temp", 1, "ok");

@@ -71,7 +71,7 @@ addEventListener("click", (event) => {
 
 for (const grid of document.querySelectorAll("table.joined")) {
   const body = grid.tBodies[0], first = [...body.rows];
-  if (grid.rows[0].cells.length >= WIDE) grid.classList.add("wide");
+  grid.classList.toggle("wide", isWide([...grid.rows].map((row) => [...row.cells].map((cell) => cell.textContent))));
   const labels = [...grid.rows[0].cells].map((head) => head.textContent);
   for (const row of first) [...row.cells].forEach((cell, index) => { cell.dataset.label = labels[index]; });
   [...grid.rows[0].cells].forEach((head, column) => {

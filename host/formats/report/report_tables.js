@@ -4,8 +4,21 @@ const PRINT_LIMIT = 20000; // rows of one table that are printed
 const OVERSCAN = 20;       // rows drawn beyond the visible ones
 const LONG = 48;           // characters from which a cell's text may break
 const WIDE = 9;            // columns from which a row is printed as labels with values
+const PAPER = 96;          // characters side by side on paper; a column's longest word is not broken
 const WHOLE_TEXT = 1 << 20; // characters up to which a raw report is drawn whole
 const LINES_AROUND = 200;  // lines on either side of the one that is looked for in a longer one
+
+// Whether rows are printed as labels with values, for columns as wide as their words do not fit.
+const isWide = (rows) => {
+  const widths = [];
+  for (const row of rows) {
+    row.forEach((cell, column) => {
+      const longest = Math.max(0, ...(cell ?? "").split(/\s/, 64).map((word) => word.length));
+      widths[column] = Math.max(widths[column] ?? 0, Math.min(longest, LONG) + 2);
+    });
+  }
+  return widths.length >= WIDE || widths.reduce((sum, width) => sum + width, 0) > PAPER;
+};
 
 const asCsv = (table, order) => {
   const field = (text) => /[",\r\n]/.test(text) ? `"${text.replaceAll('"', '""')}"` : text;
@@ -27,9 +40,8 @@ class RowView {
     this.marked = null; // the cell that a finding was read from
     this.body = make("tbody");
     this.head = this.isLog ? null : this.makeHead();
-    const wide = table.columns.length >= WIDE ? "wide" : "";
     this.scroll = make("div", { class: "scroll", tabindex: "0", role: "region", "aria-label": `Rows of ${table.title}, ${table.class}` },
-      make("table", { class: this.isLog ? "log" : wide }, this.head, this.body));
+      make("table", { class: this.isLog ? "log" : null }, this.head, this.body));
     this.grid = this.scroll.firstChild;
     this.scroll.addEventListener("scroll", () => this.drawSoon(), { passive: true });
     addEventListener("resize", () => this.drawSoon());
@@ -145,6 +157,10 @@ class RowView {
   print() {
     const isWanted = !this.isLog || this.onPaper;
     if (isWanted) this.draw(true);
+    if (!this.isLog) {
+      const labels = this.table.columns.map((column) => column.label);
+      this.grid.classList.toggle("wide", isWide([labels, ...this.order.slice(0, PRINT_LIMIT).map((index) => this.table.rows[index])]));
+    }
     const left = isWanted ? Math.max(0, this.order.length - PRINT_LIMIT) : this.order.length;
     this.section.classList.toggle("not-printed", !isWanted);
     this.paperNote.textContent = left
