@@ -12,8 +12,10 @@ struct Assessment {
   Health health;
 };
 
-/// Reads the parts and judges them by the program's own rules, as of when the collection was made.
-/// The collection must be of a known machine.
-Assessment Assess(const Collection& collection);
+/// Reads the parts and judges them, by the program's own rules unless `options` say otherwise. The
+/// collection must be of a known machine. One that the program's own rules cannot judge, such as
+/// one that is too large for them, is unknown. With rules of the user's HealthFileError is thrown
+/// for one that cannot be asked.
+Assessment Assess(const Collection& collection, const HealthOptions& options = {});
 
 }  // namespace host

@@ -353,15 +353,19 @@ Health Judge(Database& database, const Parts& parts, const AsOf& asOf,
 
 const char* GetWord(Severity severity) { return kWords[static_cast<std::size_t>(severity)]; }
 
-const char* GetVerdict(const Health& health) {
+const char* GetVerdict(Severity worst) {
   constexpr std::array<const char*, 4> kVerdicts{"OK", "UNKNOWN", "WARNING", "CRITICAL"};
-  return kVerdicts[static_cast<std::size_t>(health.worst.value_or(Severity::kNotice))];
+  return kVerdicts[static_cast<std::size_t>(worst)];
 }
 
-int GetExitCode(const Health& health) {
+int GetExitCode(Severity worst) {
   constexpr std::array<int, 4> kCodes{0, 3, 1, 2};
-  return kCodes[static_cast<std::size_t>(health.worst.value_or(Severity::kNotice))];
+  return kCodes[static_cast<std::size_t>(worst)];
 }
+
+const char* GetVerdict(const Health& health) { return GetVerdict(FindWorst(health)); }
+
+int GetExitCode(const Health& health) { return GetExitCode(FindWorst(health)); }
 
 std::size_t CountFindings(const Health& health, Severity severity) {
   return static_cast<std::size_t>(
@@ -373,8 +377,9 @@ Health JudgeCollection(const Collection& collection, const Parts& parts,
                        const HealthOptions& options) {
   Database database;
   DatabaseWriter writer(database, Machines::kOne);
-  writer.Add(CollectionView(collection));
+  // A class that is called like a table of parts comes later, and gets another name.
   AddParts(writer, parts);
+  writer.Add(CollectionView(collection));
   writer.Complete();
   const auto& recordedAt = collection.machine.recordedAt;
   return Judge(database, parts,

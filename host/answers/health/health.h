@@ -57,9 +57,13 @@ struct Health {
   std::vector<PartSource> sources;
 };
 
+/// A notice when nothing is wrong.
+inline Severity FindWorst(const Health& health) { return health.worst.value_or(Severity::kNotice); }
 /// The verdict: "OK", "WARNING", "CRITICAL" or "UNKNOWN".
+const char* GetVerdict(Severity worst);
 const char* GetVerdict(const Health& health);
 /// As Nagios has it: 0, 1, 2 or 3.
+int GetExitCode(Severity worst);
 int GetExitCode(const Health& health);
 std::size_t CountFindings(const Health& health, Severity severity);
 
