@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds and tests everything: native, sanitizers, Windows under Wine, how binaries are guarded, fuzz
-# corpora, the report in a browser, the JSON schema, formatting and lint. A step's whole output is
-# left in build/logs.
+# corpora, the report in a browser, metrics in promtool, the JSON schema, formatting and lint. A
+# step's whole output is left in build/logs.
 # Ends with one line that counts over all of them.
 #   ./test.sh                  everything
 #   ./test.sh ROOM [FILTER]    only what the native tests of one folder of tests/ need and do, in
@@ -79,8 +79,9 @@ run asan scripts/gtest.sh build/asan/bin/pq_tests
 TSAN_OPTIONS=suppressions=tests/thread_sanitizer.supp \
   run tsan scripts/gtest.sh build/tsan/bin/pq_tests_threads
 run browser scripts/browser_tests.sh
+run metrics scripts/metrics_tests.sh
 run fuzz scripts/fuzz.sh --replay
-for name in native state binaries asan tsan browser fuzz; do counted "$name"; done
+for name in native state binaries asan tsan browser metrics fuzz; do counted "$name"; done
 check schema scripts/check_schema.sh build/native/bin/pqhost
 check format scripts/format.sh
 check lint wait "$lint"

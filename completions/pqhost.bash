@@ -8,19 +8,19 @@ _pqhost_complete() {
   COMPREPLY=()
   for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
     case $word in
-      collect | health | modules | query | check | help) command=$word; break ;;
+      collect | health | modules | query | check | verify | help) command=$word; break ;;
     esac
   done
 
   case "$command $previous" in
     'collect --module') words='sampleModule1 sampleModule2 BMC_Info AMT_Info Windows_Related_Info' ;;
     'collect --table') words='<table>' ;;
-    'collect --replay') words='<folder>' ;;
+    'collect --replay') words='<file>' ;;
     'collect --limit') words='<any>' ;;
-    'collect --record') words='<folder>' ;;
+    'collect --record') words='<file>' ;;
     'collect --log-folder') words='<folder>' ;;
     'collect --plugin') words='<file>' ;;
-    'collect --format') words='table json ndjson csv html sqlite none' ;;
+    'collect --format') words='table json ndjson csv html sqlite prometheus none' ;;
     'collect --output') words='<file>' ;;
     'collect --tool-limit') words='<any>' ;;
     'collect --tool-memory') words='<any>' ;;
@@ -28,7 +28,7 @@ _pqhost_complete() {
     'collect --time-limit') words='<any>' ;;
     'collect --trace') words='<file>' ;;
     'collect '*) words='--module --table --replay --limit --unverified --record --log-folder --plugin --unsafe-folder --format --output --identify --no-attachments --all --tool-limit --tool-memory --amt-login --no-input --time-limit --dry-run --trace --help' ;;
-    'health --replay') words='<folder>' ;;
+    'health --replay') words='<file>' ;;
     'health --limit') words='<any>' ;;
     'health --format') words='table json nagios csv sqlite' ;;
     'health --output') words='<file>' ;;
@@ -43,10 +43,10 @@ _pqhost_complete() {
     'health --time-limit') words='<any>' ;;
     'health '*) words='--replay --limit --unverified --format --output --brief --rules --set --settings --suppress --require --as-of --list-rules --log-folder --plugin --unsafe-folder --time-limit --help' ;;
     'modules --plugin') words='<file>' ;;
-    'modules --format') words='table json markdown parts' ;;
+    'modules --format') words='table json markdown parts metrics' ;;
     'modules --time-limit') words='<any>' ;;
     'modules '*) words='--plugin --format --time-limit --help' ;;
-    'query --replay') words='<folder>' ;;
+    'query --replay') words='<file>' ;;
     'query --limit') words='<any>' ;;
     'query --plugin') words='<file>' ;;
     'query --log-folder') words='<folder>' ;;
@@ -55,16 +55,19 @@ _pqhost_complete() {
     'query --time-limit') words='<any>' ;;
     'query '*) words='--replay --limit --unverified --plugin --unsafe-folder --log-folder --format --output --time-limit --help' ;;
     'check --module') words='sampleModule1 sampleModule2 BMC_Info AMT_Info Windows_Related_Info' ;;
-    'check --replay') words='<folder>' ;;
+    'check --replay') words='<file>' ;;
     'check --limit') words='<any>' ;;
     'check --log-folder') words='<folder>' ;;
     'check --plugin') words='<file>' ;;
     'check --format') words='table json' ;;
     'check --time-limit') words='<any>' ;;
     'check '*) words='--module --replay --limit --unverified --log-folder --plugin --unsafe-folder --format --time-limit --help' ;;
+    'verify --limit') words='<any>' ;;
+    'verify --time-limit') words='<any>' ;;
+    'verify '*) words='--key --limit --time-limit --help' ;;
     'help --time-limit') words='<any>' ;;
-    'help '*) words='collect health modules query check help --time-limit --help' ;;
-    *) words='collect health modules query check help --version --help' ;;
+    'help '*) words='collect health modules query check verify help --time-limit --help' ;;
+    *) words='collect health modules query check verify help --version --help' ;;
   esac
 
   case $words in
@@ -84,6 +87,7 @@ _pqhost_complete() {
   # A word that belongs to no option.
   case $command in
     query) mapfile -t COMPREPLY < <(compgen -f -X '!*.db' -- "$current") ;;
+    verify) mapfile -t COMPREPLY < <(compgen -f -- "$current") ;;
   esac
 }
 

@@ -9,12 +9,12 @@ Register-ArgumentCompleter -Native -CommandName pqhost, pqhost.exe -ScriptBlock 
     $offers = @{
         'collect --module' = 'sampleModule1', 'sampleModule2', 'BMC_Info', 'AMT_Info', 'Windows_Related_Info'
         'collect --table' = '<table>'
-        'collect --replay' = '<folder>'
+        'collect --replay' = '<file>'
         'collect --limit' = '<any>'
-        'collect --record' = '<folder>'
+        'collect --record' = '<file>'
         'collect --log-folder' = '<folder>'
         'collect --plugin' = '<file>'
-        'collect --format' = 'table', 'json', 'ndjson', 'csv', 'html', 'sqlite', 'none'
+        'collect --format' = 'table', 'json', 'ndjson', 'csv', 'html', 'sqlite', 'prometheus', 'none'
         'collect --output' = '<file>'
         'collect --tool-limit' = '<any>'
         'collect --tool-memory' = '<any>'
@@ -22,7 +22,7 @@ Register-ArgumentCompleter -Native -CommandName pqhost, pqhost.exe -ScriptBlock 
         'collect --time-limit' = '<any>'
         'collect --trace' = '<file>'
         'collect' = '--module', '--table', '--replay', '--limit', '--unverified', '--record', '--log-folder', '--plugin', '--unsafe-folder', '--format', '--output', '--identify', '--no-attachments', '--all', '--tool-limit', '--tool-memory', '--amt-login', '--no-input', '--time-limit', '--dry-run', '--trace', '--help'
-        'health --replay' = '<folder>'
+        'health --replay' = '<file>'
         'health --limit' = '<any>'
         'health --format' = 'table', 'json', 'nagios', 'csv', 'sqlite'
         'health --output' = '<file>'
@@ -37,10 +37,10 @@ Register-ArgumentCompleter -Native -CommandName pqhost, pqhost.exe -ScriptBlock 
         'health --time-limit' = '<any>'
         'health' = '--replay', '--limit', '--unverified', '--format', '--output', '--brief', '--rules', '--set', '--settings', '--suppress', '--require', '--as-of', '--list-rules', '--log-folder', '--plugin', '--unsafe-folder', '--time-limit', '--help'
         'modules --plugin' = '<file>'
-        'modules --format' = 'table', 'json', 'markdown', 'parts'
+        'modules --format' = 'table', 'json', 'markdown', 'parts', 'metrics'
         'modules --time-limit' = '<any>'
         'modules' = '--plugin', '--format', '--time-limit', '--help'
-        'query --replay' = '<folder>'
+        'query --replay' = '<file>'
         'query --limit' = '<any>'
         'query --plugin' = '<file>'
         'query --log-folder' = '<folder>'
@@ -49,23 +49,26 @@ Register-ArgumentCompleter -Native -CommandName pqhost, pqhost.exe -ScriptBlock 
         'query --time-limit' = '<any>'
         'query' = '--replay', '--limit', '--unverified', '--plugin', '--unsafe-folder', '--log-folder', '--format', '--output', '--time-limit', '--help'
         'check --module' = 'sampleModule1', 'sampleModule2', 'BMC_Info', 'AMT_Info', 'Windows_Related_Info'
-        'check --replay' = '<folder>'
+        'check --replay' = '<file>'
         'check --limit' = '<any>'
         'check --log-folder' = '<folder>'
         'check --plugin' = '<file>'
         'check --format' = 'table', 'json'
         'check --time-limit' = '<any>'
         'check' = '--module', '--replay', '--limit', '--unverified', '--log-folder', '--plugin', '--unsafe-folder', '--format', '--time-limit', '--help'
+        'verify --limit' = '<any>'
+        'verify --time-limit' = '<any>'
+        'verify' = '--key', '--limit', '--time-limit', '--help'
         'help --time-limit' = '<any>'
-        'help' = 'collect', 'health', 'modules', 'query', 'check', 'help', '--time-limit', '--help'
-        '' = 'collect', 'health', 'modules', 'query', 'check', 'help', '--version', '--help'
+        'help' = 'collect', 'health', 'modules', 'query', 'check', 'verify', 'help', '--time-limit', '--help'
+        '' = 'collect', 'health', 'modules', 'query', 'check', 'verify', 'help', '--version', '--help'
     }
 
     # The words before the one that is being typed.
     $words = @($commandAst.CommandElements |
         Where-Object { $_.Extent.EndOffset -lt $cursorPosition } |
         ForEach-Object { $_.ToString() })
-    $command = $words | Where-Object { $_ -in 'collect', 'health', 'modules', 'query', 'check', 'help' } | Select-Object -First 1
+    $command = $words | Where-Object { $_ -in 'collect', 'health', 'modules', 'query', 'check', 'verify', 'help' } | Select-Object -First 1
 
     $candidates = $offers["$command $($words[-1])"]
     if (-not $candidates) { $candidates = $offers["$command"] }

@@ -5,6 +5,7 @@
 #include <boost/bind/bind.hpp>
 #include <boost/shared_ptr.hpp>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "frame/halyard/repository.h"
@@ -22,6 +23,18 @@ using halyard::repository::RRepository;
 inline constexpr int kInstanceNumber = -1;
 inline constexpr bool kPropertyFlag = false;
 
+/// Words of the log that are data, with the source line on which they were written down: a record
+/// carries that one, wherever it is made.
+struct Sentence {
+  constexpr Sentence(const char* text, int line = __builtin_LINE()) : text(text), line(line) {}
+  constexpr operator const char*() const { return text; }
+  const char* text;  ///< may be null, where a step has no such words
+  int line;
+};
+
+/// The line of words that modules share: each record carries that of the module's call.
+inline constexpr int kCallersLine = 0;
+
 /// A log level, with the source line on which it was written down.
 struct LogLevel {
   LogLevel(unsigned level, int line = __builtin_LINE()) : level(level), line(line) {}
@@ -33,7 +46,8 @@ inline constexpr unsigned kError = 1;
 inline constexpr unsigned kProgress = 3;
 inline constexpr unsigned kDetail = 4;
 
-/// The log of one module: kLog(kProgress, "the exepath:", folder) writes one line.
+/// The log of one module: kLog(kProgress, "the exepath:", folder) writes one line. Its record
+/// carries the source line of the call, or of the sentence that it begins with.
 class ModuleLog {
  public:
   /// `file` is the module's source file as the host's log names it, such as "pqmodules/rbmcinfo".
@@ -41,11 +55,19 @@ class ModuleLog {
 
   template <typename... Parts>
   void operator()(LogLevel at, const Parts&... parts) const {
-    LogKit::Log line(at.level, file, at.line);
+    LogKit::Log line(at.level, file, FindLine(at.line, parts...));
     ((line.Stream() << kLogPrefix) << ... << parts);
   }
 
  private:
+  template <typename First, typename... Rest>
+  static int FindLine(int callersLine, const First& first, const Rest&... /*rest*/) {
+    if constexpr (std::is_same_v<First, Sentence>) {
+      if (first.line != kCallersLine) return first.line;
+    }
+    return callersLine;
+  }
+
   const char* file;
 };
 
@@ -88,13 +110,11 @@ class CollectionModule : public RModule {
     entry.layoutHandler = layoutHandler;
   }
 
-  /// Logs "Enter " + `name`, runs `collect` unless a collection ran before, logs "Exit " + `name`.
+  /// Runs `collect` unless a collection ran before.
   template <typename Collect>
-  void CollectOnce(CallerLog log, const char* name, const Collect& collect) {
-    log(kProgress, "Enter ", name);
+  void CollectOnce(const Collect& collect) {
     if (!collected) collect();
     collected = true;
-    log(kProgress, "Exit ", name);
   }
 
   bool collected;

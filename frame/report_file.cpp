@@ -15,7 +15,8 @@ bool RunLogged(CallerLog log, const std::string& commandLine, const StartRule& r
   return run.started;
 }
 
-std::unique_ptr<TextFile> OpenReport(CallerLog log, const std::string& path, const char* failure) {
+std::unique_ptr<TextFile> OpenReport(CallerLog log, const std::string& path,
+                                     const Sentence& failure) {
   std::unique_ptr<TextFile> file = Machine().OpenText(DoubleBackslashes(path));
   if (!file) log(kDetail, failure);
   return file;

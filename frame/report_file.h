@@ -16,7 +16,7 @@ namespace pq {
 struct StartRule {
   bool inheritHandles = false;
   unsigned failureLevel = kDetail;
-  const char* failure = kStartFailure;
+  Sentence failure{kStartFailure, kCallersLine};
 };
 
 /// `/c ""PROGRAM" ARGUMENTS > "REPORT""`: the command line of a tool whose output the interpreter
@@ -29,6 +29,7 @@ bool RunLogged(CallerLog log, const std::string& commandLine, const StartRule& r
 
 /// Opens `path`, its backslashes doubled. A failure is logged at level 4 as `failure`; null then.
 /// The step that reads it closes it before it lets go of its rows.
-std::unique_ptr<TextFile> OpenReport(CallerLog log, const std::string& path, const char* failure);
+std::unique_ptr<TextFile> OpenReport(CallerLog log, const std::string& path,
+                                     const Sentence& failure);
 
 }  // namespace pq

@@ -10,8 +10,8 @@ namespace pq {
 
 /// The words of a step whose tool cannot be run.
 struct PipeFailures {
-  const char* pipe;   ///< the pipe cannot be created
-  const char* start;  ///< before the system error and ")"
+  Sentence pipe;   ///< the pipe cannot be created
+  Sentence start;  ///< before the system error and ")"
 };
 
 /// Runs the tool and returns all that it writes to standard output and standard error, up to the

@@ -150,8 +150,7 @@ void RBMCInfo::EnumBMCInstances(RRepository& repo) {
   kLog(kProgress, "Enter EnumBMCInstances");
   // At every call, also when nothing is collected any more.
   LogKit::GetLogDir(logDir, sizeof logDir);
-  if (!collected) CollectData(repo);
-  collected = true;
+  CollectOnce([&] { CollectData(repo); });
   kLog(kProgress, "Exit EnumBMCInstances");
 }
 

@@ -103,7 +103,9 @@ void RSampleModule1::FormatLinkTable(RInstancesWrapper& table) {
 }
 
 void RSampleModule1::EnumPQ1Instances(RRepository& repo) {
-  CollectOnce(kLog, "EnumPQ1Instances", [&] { EnumXFirmwareInstancesCallback(repo); });
+  kLog(kProgress, "Enter EnumPQ1Instances");
+  CollectOnce([&] { EnumXFirmwareInstancesCallback(repo); });
+  kLog(kProgress, "Exit EnumPQ1Instances");
 }
 
 void RSampleModule1::EnumXFirmwareInstancesCallback(RRepository& repo) {

@@ -135,7 +135,9 @@ void RSampleModule2::FormatLinkTable(RInstancesWrapper& table) {
 }
 
 void RSampleModule2::EnumPQ2Instances(RRepository& repo) {
-  CollectOnce(kLog, "EnumPQ2Instances", [&] { CollectData(repo); });
+  kLog(kProgress, "Enter EnumPQ2Instances");
+  CollectOnce([&] { CollectData(repo); });
+  kLog(kProgress, "Exit EnumPQ2Instances");
 }
 
 void RSampleModule2::CollectData(RRepository& repo) { CollectRaidLogs(repo); }

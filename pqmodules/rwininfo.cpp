@@ -17,7 +17,7 @@ constexpr ModuleLog kLog{"pqmodules/rwininfo"};
 constexpr char kName[] = "Windows_Related_Info";
 
 /// Logged before the language identifier.
-constexpr char kLanguage[] = "Get OS language, lcid=";
+constexpr Sentence kLanguage = "Get OS language, lcid=";
 
 /// The layout of the network commands' output is known in US English only; on other systems that
 /// output is kept as it is.
@@ -57,7 +57,7 @@ void RWINInfo::RegisterTables() {
 ModuleDescription RWINInfo::Describe() {
   ModuleDescription module{.name = kName, .toolErrorText = "Error"};
   module.explanations.push_back(
-      {.sentence = kLanguage,
+      {.sentence = kLanguage.text,
        .outcome = "not this language",
        .text = "the table is made on US English systems only; elsewhere the tool's output stays "
                "as a file in the log folder",
@@ -82,7 +82,9 @@ void RWINInfo::FormatNetstatTable(RInstancesWrapper& table) {
 }
 
 void RWINInfo::EnumWINInstances(RRepository& repo) {
-  CollectOnce(kLog, "EnumWINInstances", [&] { CollectData(repo); });
+  kLog(kProgress, "Enter EnumWINInstances");
+  CollectOnce([&] { CollectData(repo); });
+  kLog(kProgress, "Exit EnumWINInstances");
 }
 
 void RWINInfo::CollectData(RRepository& repo) { CollectWindows(repo); }

@@ -7,15 +7,18 @@ packages=(
   g++ cmake ninja-build ccache                    # native build
   g++-mingw-w64-x86-64-posix wine wine64          # Windows build and where it runs
   libboost-dev libcli11-dev nlohmann-json3-dev libfmt-dev libsqlite3-dev nettle-dev
+  zlib1g-dev libz-mingw-w64-dev
   googletest
 )
-if [[ ${1:-build} == test ]]; then
+purpose=${1:-build}
+if [[ $purpose == test ]]; then
   packages+=(
     clang libclang-rt-14-dev                      # fuzz targets
     clang-format clang-tidy
     libbenchmark-dev
     valgrind                                      # counts instructions in a test
     python3 python3-jsonschema                    # lint cache, JSON schema
+    unzip                                         # what others make of our ZIP files
     locales                                       # a machine that is not English, under Wine
     chromium                                      # what reads the HTML report in a test
   )
@@ -34,19 +37,46 @@ install_node_modules() {
   npm ci --ignore-scripts --no-audit --no-fund --loglevel=error
 }
 
-cd "$(dirname "$0")/.."
-if [[ ${#missing[@]} -eq 0 ]]; then
+# Debian's prometheus starts a server when it is installed. Of its package only promtool is taken,
+# which needs nothing of the rest.
+unpack_promtool() {
+  [[ -x build/tools/promtool ]] && return
+  local folder
+  folder=$(mktemp -d)
+  chmod 755 "$folder"  # apt downloads as a user of its own
+  echo "Unpacking promtool, of Debian's package prometheus, into build/tools"
+  # Lists of another day may name a version that is gone.
+  if ! { (cd "$folder" &&
+          { apt-get download prometheus ||
+            { "${as_root[@]}" apt-get update && apt-get download prometheus; }; } &&
+          dpkg-deb -x prometheus_*.deb .) >"$folder/log" 2>&1 &&
+         mkdir -p build/tools && mv "$folder/usr/bin/promtool" build/tools/; }; then
+    tail -n 20 "$folder/log" >&2
+    echo "The tests of metrics need build/tools/promtool, and apt does not give Debian's package" \
+         "prometheus, which has it; the whole output is in $folder/log" >&2
+    return 1
+  fi
+  rm -rf "$folder"
+}
+
+install_other() {
   install_node_modules
-  exit 0
+  [[ $purpose != test ]] || unpack_promtool
+}
+
+cd "$(dirname "$0")/.."
+as_root=()
+[[ $(id -u) -eq 0 ]] || as_root=(sudo)
+if [[ ${#missing[@]} -eq 0 ]]; then
+  install_other
+  exit
 fi
 
-as_root=()
 if [[ $(id -u) -ne 0 ]]; then
   command -v sudo >/dev/null || {
     echo "These packages are missing, and installing them needs root or sudo: ${missing[*]}" >&2
     exit 1
   }
-  as_root=(sudo)
 fi
 echo "Installing through apt: ${missing[*]}"
 log=$(mktemp)
@@ -58,4 +88,4 @@ if ! { "${as_root[@]}" apt-get update -qq &&
   exit 1
 fi
 rm -f "$log"
-install_node_modules
+install_other

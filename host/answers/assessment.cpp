@@ -1,6 +1,5 @@
 #include "host/answers/assessment.h"
 
-#include <algorithm>
 #include <stdexcept>
 #include <utility>
 
@@ -8,22 +7,19 @@
 #include "host/answers/parts/read_parts.h"
 
 namespace host {
-namespace {
 
-bool HasOwnRules(const HealthOptions& options) {
-  return std::any_of(options.rules.begin(), options.rules.end(),
-                     [](const Rule& rule) { return !rule.file.empty(); });
+Assessment Assess(const Collection& collection) {
+  HealthJudge judge;
+  return Assess(collection, judge);
 }
 
-}  // namespace
-
-Assessment Assess(const Collection& collection, const HealthOptions& options) {
+Assessment Assess(const Collection& collection, HealthJudge& judge) {
   Parts parts = ReadParts(collection);
   try {
-    Health health = JudgeCollection(collection, parts, options);
+    Health health = judge.Judge(collection, parts);
     return {std::move(parts), std::move(health)};
   } catch (const std::runtime_error& error) {
-    if (HasOwnRules(options)) throw;
+    if (judge.HasOwnRules()) throw;
     return {std::move(parts), MakeUnjudged(error.what())};
   }
 }

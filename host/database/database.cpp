@@ -3,13 +3,13 @@
 #include <fmt/format.h>
 #include <sqlite3.h>
 
-#include <cstdlib>
 #include <memory>
 #include <set>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "host/database/outside_table.h"
 #include "host/database/query_guard.h"
 #include "host/database/sql_statement.h"
 #include "host/files/whole_file.h"
@@ -63,12 +63,6 @@ void CheckDatabaseFile(const std::filesystem::path& file) {
   RefuseOpenChanges(file);
 }
 
-/// The kind of a value that is not NULL; bytes are taken for text.
-CellKind ReadKind(int type) {
-  if (type == SQLITE_INTEGER) return CellKind::kInteger;
-  return type == SQLITE_FLOAT ? CellKind::kReal : CellKind::kText;
-}
-
 /// Runs one statement and reads its rows.
 class Reader {
  public:
@@ -90,12 +84,7 @@ class Reader {
     if (sqlite3_stmt_readonly(raw) == 0) throw DatabaseError(kOnlyReading);
   }
 
-  Database::Names ListColumns() const {
-    Database::Names names;
-    const int count = sqlite3_column_count(statement.get());
-    for (int i = 0; i < count; ++i) names.emplace_back(sqlite3_column_name(statement.get(), i));
-    return names;
-  }
+  Database::Names ListColumns() const { return ListColumnNames(statement.get()); }
 
   /// Whether there was one more row.
   bool TakeRow(Database::Values& values) {
@@ -105,7 +94,7 @@ class Reader {
     std::size_t bytes = 0;
     std::vector<CellKind> kinds;
     for (std::size_t i = 0; i < values.size(); ++i) {
-      values[i] = ReadColumn(static_cast<int>(i));
+      if (!ReadColumn(statement.get(), static_cast<int>(i), values[i])) guard.Fail(SQLITE_NOMEM);
       bytes += values[i].text.size();
       kinds.push_back(values[i].kind);
     }
@@ -116,16 +105,6 @@ class Reader {
   }
 
  private:
-  Database::Value ReadColumn(int column) const {
-    sqlite3_stmt* const row = statement.get();
-    const int type = sqlite3_column_type(row, column);
-    if (type == SQLITE_NULL) return {};
-    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(row, column));
-    if (text == nullptr && sqlite3_errcode(handle) == SQLITE_NOMEM) guard.Fail(SQLITE_NOMEM);
-    const auto size = static_cast<std::size_t>(sqlite3_column_bytes(row, column));
-    return {ReadKind(type), text == nullptr ? std::string() : std::string(text, size)};
-  }
-
   /// Key and label of each column.
   std::size_t CountNameBytes() const {
     constexpr std::size_t kNoText = sizeof(std::string);
@@ -143,26 +122,8 @@ class Reader {
 /// What SQLite calls for a function of AddFunction.
 void CallFunction(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
   const auto& function = *static_cast<Database::Function*>(sqlite3_user_data(context));
-  Database::Value given;
-  const int type = sqlite3_value_type(values[0]);
-  if (type != SQLITE_NULL) {
-    given.kind = ReadKind(type);
-    const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(values[0]));
-    const auto size = static_cast<std::size_t>(sqlite3_value_bytes(values[0]));
-    if (text != nullptr) given.text.assign(text, size);
-  }
   try {
-    const Database::Value answer = function(given);
-    if (answer.kind == CellKind::kNothing) {
-      sqlite3_result_null(context);
-    } else if (answer.kind == CellKind::kInteger) {
-      sqlite3_result_int64(context, std::strtoll(answer.text.c_str(), nullptr, 10));
-    } else if (answer.kind == CellKind::kReal) {
-      sqlite3_result_double(context, std::strtod(answer.text.c_str(), nullptr));
-    } else {
-      sqlite3_result_text64(context, answer.text.data(), answer.text.size(), SQLITE_TRANSIENT,
-                            SQLITE_UTF8);
-    }
+    GiveResult(context, function(TakeValue(values[0])), Lifetime::kUntilNextCall);
   } catch (const std::exception& error) {
     sqlite3_result_error(context, error.what(), -1);
   }
@@ -222,8 +183,21 @@ void Database::AddFunction(const std::string& name, Function function) {
   if (result != SQLITE_OK) FailAsSqlite(handle);
 }
 
+void Database::AddTable(OutsideTable table) {
+  Harden();
+  const OutsideTable& kept = outsideTables.emplace_back(std::move(table));
+  AddOutsideTable(handle, kept);
+}
+
+void Database::Harden() {
+  if (isHardened) return;
+  HardenConnection(handle);
+  isHardened = true;
+}
+
 void Database::Query(const std::string& sql, const std::function<void(const Names&)>& onColumns,
                      const std::function<void(const Values&)>& onRow) {
+  Harden();
   std::set<std::string> known;
   for (const auto& function : functions) known.insert(function.first);
   Reader reader(handle, queryTime, std::move(known));

@@ -3,12 +3,18 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <list>
 #include <map>
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
 #include <vector>
 
 #include "host/repository/store.h"
@@ -27,6 +33,22 @@ inline constexpr std::chrono::seconds kUsualQueryTime{30};
 
 /// What to say of a query that took longer.
 std::string DescribeTimeout(std::chrono::seconds timeLimit);
+
+/// Nothing, a number or a text, in the program's own hands.
+using SqlValue = std::variant<std::monostate, std::int64_t, double, std::string_view>;
+
+/// A table that is kept elsewhere: queries read its rows there, and nothing is copied.
+struct OutsideTable {
+  struct Column {
+    std::string_view name;
+    const char* type;  ///< as SQL calls it
+  };
+  std::string name;
+  std::vector<Column> columns;
+  std::function<std::size_t()> countRows;
+  /// Rows and columns count from 0. A text has to stay where it is while the query runs.
+  std::function<SqlValue(std::size_t row, std::size_t column)> getValue;
+};
 
 class Database {
  public:
@@ -64,17 +86,26 @@ class Database {
 
   /// Runs statements of the program's own, which may make tables. To be called before any query.
   void Run(const std::string& sql);
-  /// Of one value. What it throws is the query's error.
-  using Function = std::function<Value(const Value&)>;
+  /// Of one value. A text that it returns stays until its next call. What it throws is the query's
+  /// error.
+  using Function = std::function<SqlValue(const SqlValue&)>;
   /// Gives queries a function that has no other effect than its value. `name` is in lower case.
   void AddFunction(const std::string& name, Function function);
+  /// Adds a table, which comes before another of its name. Throws DatabaseError.
+  void AddTable(OutsideTable table);
 
  private:
   friend class DatabaseWriter;
+  friend class PreparedQuery;
+
+  /// Nothing but what reading needs is possible from now on; and what AddTable adds.
+  void Harden();
 
   sqlite3* handle = nullptr;
   std::chrono::seconds queryTime;
+  bool isHardened = false;
   std::map<std::string, Function> functions;  ///< by name
+  std::list<OutsideTable> outsideTables;      ///< where they are is known to SQLite
 };
 
 }  // namespace host

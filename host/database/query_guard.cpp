@@ -238,8 +238,16 @@ std::int64_t ChooseMemoryLimit(sqlite3* handle) {
   return std::min(kLeastMemory + 2 * pages * pageSize, kMostMemory);
 }
 
-/// Takes from the connection whatever reading does without.
-void Harden(sqlite3* handle) {
+}  // namespace
+
+void FailAsSqlite(sqlite3* handle) {
+  constexpr std::size_t kMostColumns = 300;  // The words may quote a whole statement of the file.
+  std::string text = CleanUtf8(sqlite3_errmsg(handle));
+  std::replace(text.begin(), text.end(), '\n', ' ');
+  throw DatabaseError(CutText(text, kMostColumns));
+}
+
+void HardenConnection(sqlite3* handle) {
   for (const Limit& limit : kStatementLimits) sqlite3_limit(handle, limit.id, limit.most);
   for (const Setting& setting : kSettings) {
     sqlite3_db_config(handle, setting.id, setting.value, nullptr);
@@ -251,25 +259,28 @@ void Harden(sqlite3* handle) {
   if (!isDone) FailAsSqlite(handle);
 }
 
-}  // namespace
+TimeGuard::TimeGuard(sqlite3* handle, std::chrono::seconds timeLimit)
+    : handle(handle), timeLimit(timeLimit), deadline(std::chrono::steady_clock::now() + timeLimit) {
+  constexpr int kStepsBetweenChecks = 1000;  // a fraction of a millisecond
+  sqlite3_progress_handler(handle, kStepsBetweenChecks, &TimeGuard::CheckTime, this);
+}
 
-void FailAsSqlite(sqlite3* handle) {
-  constexpr std::size_t kMostColumns = 300;  // The words may quote a whole statement of the file.
-  std::string text = CleanUtf8(sqlite3_errmsg(handle));
-  std::replace(text.begin(), text.end(), '\n', ' ');
-  throw DatabaseError(CutText(text, kMostColumns));
+TimeGuard::~TimeGuard() { sqlite3_progress_handler(handle, 0, nullptr, nullptr); }
+
+int TimeGuard::CheckTime(void* guard) {
+  auto& self = *static_cast<TimeGuard*>(guard);
+  self.timeIsUp = std::chrono::steady_clock::now() >= self.deadline;
+  return self.timeIsUp ? 1 : 0;
+}
+
+void TimeGuard::FailIfTimeIsUp() const {
+  if (timeIsUp) throw DatabaseError(DescribeTimeout(timeLimit));
 }
 
 QueryGuard::QueryGuard(sqlite3* handle, std::chrono::seconds timeLimit,
                        std::set<std::string> functions)
-    : handle(handle),
-      timeLimit(timeLimit),
-      functions(std::move(functions)),
-      deadline(std::chrono::steady_clock::now() + timeLimit) {
-  constexpr int kStepsBetweenChecks = 1000;  // a fraction of a millisecond
-  Harden(handle);
+    : handle(handle), time(handle, timeLimit), functions(std::move(functions)) {
   sqlite3_set_authorizer(handle, &QueryGuard::Authorize, this);
-  sqlite3_progress_handler(handle, kStepsBetweenChecks, &QueryGuard::CheckTime, this);
   const std::int64_t used = sqlite3_memory_used();
   sqlite3_hard_heap_limit64(used + kLeastMemory);
   memoryLimit = ChooseMemoryLimit(handle);
@@ -278,7 +289,6 @@ QueryGuard::QueryGuard(sqlite3* handle, std::chrono::seconds timeLimit,
 
 QueryGuard::~QueryGuard() {
   sqlite3_hard_heap_limit64(0);
-  sqlite3_progress_handler(handle, 0, nullptr, nullptr);
   sqlite3_set_authorizer(handle, nullptr, nullptr);
 }
 
@@ -289,12 +299,6 @@ int QueryGuard::Authorize(void* guard, int action, const char* first, const char
   const std::string objection = FindObjection(action, first, second);
   if (self.objection.empty()) self.objection = objection;
   return objection.empty() ? SQLITE_OK : SQLITE_DENY;
-}
-
-int QueryGuard::CheckTime(void* guard) {
-  auto& self = *static_cast<QueryGuard*>(guard);
-  self.timeIsUp = std::chrono::steady_clock::now() >= self.deadline;
-  return self.timeIsUp ? 1 : 0;
 }
 
 void QueryGuard::CountRow(std::size_t cells, std::size_t bytes) {
@@ -309,7 +313,7 @@ void QueryGuard::CountRow(std::size_t cells, std::size_t bytes) {
 }
 
 void QueryGuard::Fail(int result) const {
-  if (timeIsUp) throw DatabaseError(DescribeTimeout(timeLimit));
+  time.FailIfTimeIsUp();
   if (!objection.empty()) throw DatabaseError(objection);
   if (result == SQLITE_NOMEM) {
     throw DatabaseError(

@@ -23,9 +23,33 @@ inline constexpr char kOnlyReading[] =
 /// one that there was no memory for.
 [[noreturn]] void FailAsSqlite(sqlite3* handle);
 
-/// While it lives, the connection runs only what reads, until time or memory is used up. What a
-/// statement may be stays bounded after it. SQLite counts memory for the process as a whole: one
-/// guard at a time.
+/// Takes from the connection whatever reading does without, and bounds what a statement may be, for
+/// good. Tables of the program's own modules have to be added after it. Throws DatabaseError.
+void HardenConnection(sqlite3* handle);
+
+/// While it lives, statements of the connection end when their time is up.
+class TimeGuard {
+ public:
+  TimeGuard(sqlite3* handle, std::chrono::seconds timeLimit);
+  TimeGuard(const TimeGuard&) = delete;
+  TimeGuard& operator=(const TimeGuard&) = delete;
+  ~TimeGuard();
+
+  /// To be called when SQLite has failed: throws DatabaseError when that is why.
+  void FailIfTimeIsUp() const;
+
+ private:
+  /// SQLite's progress handler: other than 0 ends the statement.
+  static int CheckTime(void* guard);
+
+  sqlite3* handle;
+  std::chrono::seconds timeLimit;
+  std::chrono::steady_clock::time_point deadline;
+  bool timeIsUp = false;
+};
+
+/// While it lives, the connection, which has been hardened, runs only what reads, until time or
+/// memory is used up. SQLite counts memory for the process as a whole: one guard at a time.
 class QueryGuard {
  public:
   /// `handle` has to outlive this. `functions` are those of our own that a query may use, in lower
@@ -46,16 +70,12 @@ class QueryGuard {
   /// SQLite's authorizer: whether a statement may do `action`.
   static int Authorize(void* guard, int action, const char* first, const char* second,
                        const char* database, const char* trigger);
-  /// SQLite's progress handler: other than 0 ends the statement.
-  static int CheckTime(void* guard);
 
   sqlite3* handle;
-  std::chrono::seconds timeLimit;
+  TimeGuard time;
   std::set<std::string> functions;
-  std::chrono::steady_clock::time_point deadline;
   std::int64_t memoryLimit = 0;  ///< bytes, for SQLite and for the answer each
   std::int64_t answerBytes = 0;
-  bool timeIsUp = false;
   std::string objection;  ///< why a statement was not authorized first; empty: all were
 };
 

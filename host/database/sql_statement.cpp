@@ -24,6 +24,30 @@ std::string MakeInsert(std::string_view table, std::size_t columnCount) {
   return fmt::format("INSERT INTO {} VALUES ({})", QuoteName(table), places);
 }
 
+Database::Names ListColumnNames(sqlite3_stmt* statement) {
+  Database::Names names;
+  const int count = sqlite3_column_count(statement);
+  for (int i = 0; i < count; ++i) names.emplace_back(sqlite3_column_name(statement, i));
+  return names;
+}
+
+bool ReadColumn(sqlite3_stmt* statement, int column, Database::Value& value) {
+  const int type = sqlite3_column_type(statement, column);
+  value = {};
+  if (type == SQLITE_NULL) return true;
+  const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
+  if (text == nullptr && sqlite3_errcode(sqlite3_db_handle(statement)) == SQLITE_NOMEM) {
+    return false;
+  }
+  value.kind = type == SQLITE_INTEGER ? CellKind::kInteger
+               : type == SQLITE_FLOAT ? CellKind::kReal
+                                      : CellKind::kText;  // bytes, too
+  if (text != nullptr) {
+    value.text.assign(text, static_cast<std::size_t>(sqlite3_column_bytes(statement, column)));
+  }
+  return true;
+}
+
 Statement::Statement(sqlite3* handle, const std::string& sql) : handle(handle) {
   sqlite3_stmt* raw = nullptr;
   Check(sqlite3_prepare_v2(handle, sql.c_str(), -1, &raw, nullptr));

@@ -22,6 +22,11 @@ using StatementHandle = std::unique_ptr<sqlite3_stmt, CloseStatement>;
 /// Runs statements without rows.
 void Execute(sqlite3* handle, const std::string& sql);
 
+/// What the columns of its answer are called.
+Database::Names ListColumnNames(sqlite3_stmt* statement);
+/// Reads a column of the row at hand. False when there was no memory for it.
+bool ReadColumn(sqlite3_stmt* statement, int column, Database::Value& value);
+
 /// A statement without rows that is run many times, each time with other values for its places.
 class Statement {
  public:

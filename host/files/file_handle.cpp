@@ -26,6 +26,9 @@ auto ReadPart(int file, char* bytes, std::size_t size) {
 }
 int CloseFile(int file) { return _close(file); }
 auto MeasureFile(int file) { return _filelengthi64(file); }
+bool MoveTo(int file, std::uint64_t offset) {
+  return _lseeki64(file, static_cast<std::int64_t>(offset), SEEK_SET) >= 0;
+}
 #else
 auto WritePart(int file, const char* bytes, std::size_t size) { return write(file, bytes, size); }
 auto ReadPart(int file, char* bytes, std::size_t size) { return read(file, bytes, size); }
@@ -33,6 +36,9 @@ int CloseFile(int file) { return close(file); }
 off_t MeasureFile(int file) {
   struct stat facts {};
   return fstat(file, &facts) == 0 ? facts.st_size : 0;
+}
+bool MoveTo(int file, std::uint64_t offset) {
+  return lseek(file, static_cast<off_t>(offset), SEEK_SET) >= 0;
 }
 #endif
 
@@ -57,6 +63,10 @@ std::size_t FileHandle::Read(char* bytes, std::size_t size) const {
     count += static_cast<std::size_t>(done);
   }
   return count;
+}
+
+std::size_t FileHandle::ReadAt(std::uint64_t offset, char* bytes, std::size_t size) const {
+  return MoveTo(descriptor, offset) ? Read(bytes, size) : 0;
 }
 
 std::uint64_t FileHandle::Size() const {

@@ -28,6 +28,8 @@ class FileHandle {
   bool Write(std::string_view bytes);
   /// Reads until `size` bytes or the end; how many.
   std::size_t Read(char* bytes, std::size_t size) const;
+  /// The same from `offset` on; where Read() goes on afterwards is not settled.
+  std::size_t ReadAt(std::uint64_t offset, char* bytes, std::size_t size) const;
   /// In bytes.
   std::uint64_t Size() const;
   bool Close();

@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "host/files/plain_name.h"
 #include "host/files/whole_file.h"
 #include "host/text/ascii.h"
 #include "host/text/path_text.h"
@@ -31,25 +32,6 @@ std::optional<std::string> FindPathBelow(std::string_view path, std::string_view
   const std::string single = SingleBackslashes(path);
   if (!LowerCase(single).starts_with(LowerCase(start))) return std::nullopt;
   return single.substr(start.size());
-}
-
-/// CON, NUL.txt, COM1: Windows takes them for devices in every folder.
-bool IsDeviceName(std::string_view name) {
-  const std::string stem = LowerCase(name.substr(0, std::min(name.find('.'), name.size())));
-  const bool isPort = stem.size() == 4 && stem[3] >= '0' && stem[3] <= '9' &&
-                      (stem.starts_with("com") || stem.starts_with("lpt"));
-  return isPort || stem == "con" || stem == "nul" || stem == "prn" || stem == "aux" ||
-         stem == "conin$" || stem == "conout$";
-}
-
-/// A name that means the same thing on every file system, and nothing outside the folder.
-bool IsPlainName(std::string_view name) {
-  constexpr std::string_view kRefused{"/\\:*?\"<>|\0", 10};
-  const bool hasControl =
-      std::any_of(name.begin(), name.end(), [](char c) { return c >= 0 && c < ' '; });
-  // Windows drops dots and blanks at the end, so two names would be one.
-  return !name.empty() && !name.ends_with('.') && !name.ends_with(' ') && !hasControl &&
-         !IsDeviceName(name) && name.find_first_of(kRefused) == std::string_view::npos;
 }
 
 /// The path of a file below `target`; empty when a part of its name cannot be used.

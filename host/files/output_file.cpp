@@ -23,7 +23,7 @@ void RefuseLink(const fs::path& path) {
                                PathText(path), PathText(fs::read_symlink(path, ignored))));
 }
 
-OutputFile::OutputFile(const fs::path& path) : path(path) {
+OutputFile::OutputFile(const fs::path& path, Readers readers) : path(path) {
   RefuseLink(path);
   std::error_code ignored;
   const fs::file_status status = fs::status(path, ignored);
@@ -37,7 +37,7 @@ OutputFile::OutputFile(const fs::path& path) : path(path) {
     }
     const bool isNew = !fs::exists(status);
     // Nobody reads it before it has the access of the file that it replaces.
-    partial.emplace(path, isNew ? Readers::kAsUsual : Readers::kOwner);
+    partial.emplace(path, isNew ? readers : Readers::kOwner);
     stream.Open(partial->TakeHandle());
     if (!isNew) CopyAccess(path, stream.Handle());
   } catch (const std::runtime_error& problem) {

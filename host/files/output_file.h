@@ -15,9 +15,9 @@ namespace host {
 /// written to directly.
 class OutputFile {
  public:
-  /// Throws UsageError when it cannot be created, and for a link to a file: whoever made it would
-  /// choose what is replaced.
-  explicit OutputFile(const std::filesystem::path& path);
+  /// `readers` are those of a new file. Throws UsageError when it cannot be created, and for a link
+  /// to a file: whoever made it would choose what is replaced.
+  explicit OutputFile(const std::filesystem::path& path, Readers readers = Readers::kAsUsual);
 
   std::ostream& Stream() { return stream; }
   /// Closes the file and puts it in its place. Throws std::runtime_error when it could not be

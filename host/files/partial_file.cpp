@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 
 using PathCharacters = const fs::path::value_type*;
 
-// For signal handlers, which can be given no object. A program has two such files at most.
+// For signal handlers, which can be given no object. A program has three such files at most.
 std::array<std::atomic<PathCharacters>, 4> partialPaths;
 static_assert(std::atomic<PathCharacters>::is_always_lock_free);
 

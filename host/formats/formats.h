@@ -19,6 +19,7 @@ struct Format {
   bool isBinary = false;  ///< never written to a terminal
   /// It shows the problems and the status of each table to people, who need not be told again.
   bool tellsStatus = false;
+  bool isOfMachine = false;            ///< has nothing to show of an answer to a query
   const char* resultName = "Results";  ///< for people, of a file in this format
   /// What the format leaves out of a collection, a line of UTF-8 each; null: never anything.
   std::vector<std::string> (*describeCuts)(const Collection& collection) = nullptr;
@@ -45,6 +46,8 @@ void WriteCsv(const Collection& collection, const Screen& screen, std::ostream& 
 void WriteHtml(const Collection& collection, const Screen& screen, std::ostream& out);
 /// An SQLite file (docs/sql.md).
 void WriteSqlite(const Collection& collection, const Screen& screen, std::ostream& out);
+/// Metrics in Prometheus' text format 0.0.4 (docs/metrics.md).
+void WritePrometheus(const Collection& collection, const Screen& screen, std::ostream& out);
 /// Nothing, for those who want the trace or the log files alone.
 void WriteNothing(const Collection& collection, const Screen& screen, std::ostream& out);
 

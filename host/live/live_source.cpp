@@ -5,10 +5,8 @@
 #include <system_error>
 
 #include "host/collect/unsafe_folders.h"
-#include "host/files/whole_file.h"
 #include "host/recorded/interpreter.h"
 #include "host/recorded/own_commands.h"
-#include "host/recording/recording_writer.h"
 #include "host/secrets/amt_login.h"
 #include "host/text/decoder.h"
 #include "host/text/usage_error.h"
@@ -40,9 +38,7 @@ WorkingFolder::~WorkingFolder() {
 LiveSource::LiveSource(LiveSettings given) : settings(std::move(given)) {
   settings.plugin = std::filesystem::absolute(settings.plugin);
   settings.logFolder = std::filesystem::absolute(settings.logFolder);
-  if (settings.recordingFolder) {
-    settings.recordingFolder = std::filesystem::absolute(*settings.recordingFolder);
-  }
+  if (settings.recording) settings.recording = std::filesystem::absolute(*settings.recording);
 }
 
 void LiveSource::Begin(CollectionListener& listener) {
@@ -52,8 +48,8 @@ void LiveSource::Begin(CollectionListener& listener) {
   filesBefore.emplace(*machineView, machine.logFolder);
   library = LoadLiveLibrary(settings.plugin,
                             {&listener, &recorder, settings.toolLimits, settings.prompt});
-  if (!settings.recordingFolder) return;
-  CreateEmptyFolder(*settings.recordingFolder, "--record");
+  if (!settings.recording) return;
+  recordingOutput.emplace(*settings.recording, "--record");
   recorder.emplace(DescribeLiveMachine(machine), *machineView);
 }
 
@@ -92,7 +88,7 @@ void LiveSource::WriteRecording(const Submission& submission) {
   if (!recorder) return;
   Recording recording = recorder->Take();
   recording.submission = submission;
-  host::WriteRecording(recording, *settings.recordingFolder);
+  recordingOutput->Write(recording);
 }
 
 }  // namespace host

@@ -9,13 +9,14 @@
 #include "host/collect/source.h"
 #include "host/live/live.h"
 #include "host/recording/recorder.h"
+#include "host/recording/recording_writer.h"
 
 namespace host {
 
 struct LiveSettings {
   std::filesystem::path plugin;
   std::filesystem::path logFolder;
-  std::optional<std::filesystem::path> recordingFolder;  ///< where the recording is to be written
+  std::optional<std::filesystem::path> recording;  ///< where it is to be written
   ToolLimits toolLimits;
   FolderAccess logFolderAccess = FolderAccess::kInherited;
   bool allowsUnsafeFolders = false;  ///< also folders that the interpreter reads as others
@@ -37,7 +38,7 @@ class WorkingFolder {
 };
 
 /// From Begin() on the log folder is the current one; relative paths lead there. Begin() throws
-/// LiveError, and UsageError when the log folder's, the program's or the recording's folder cannot
+/// LiveError, and UsageError when the log folder's, the program's or the recording's place cannot
 /// be used.
 class LiveSource final : public Source {
  public:
@@ -62,6 +63,7 @@ class LiveSource final : public Source {
   LiveSettings settings;
   std::unique_ptr<MachineView> machineView = ViewLiveMachine();
   std::optional<FilesBefore> filesBefore;
+  std::optional<RecordingOutput> recordingOutput;
   std::optional<Recorder> recorder;  // outlives the library, which tells it
   std::unique_ptr<LiveLibrary> library;
   LiveMachine machine;

@@ -15,6 +15,11 @@ bool IsRecording(const std::filesystem::path& folder) {
   return std::filesystem::exists(folder / kRecordingFileName, error);
 }
 
+bool IsZipFile(const std::filesystem::path& path) {
+  std::error_code error;
+  return IsZipName(path) && std::filesystem::is_regular_file(path, error);
+}
+
 }  // namespace
 
 std::vector<std::filesystem::path> FindRecordings(const std::vector<std::filesystem::path>& paths) {
@@ -27,7 +32,7 @@ std::vector<std::filesystem::path> FindRecordings(const std::vector<std::filesys
     }
     std::vector<std::filesystem::path> found;
     for (const auto& entry : std::filesystem::directory_iterator(path, error)) {
-      if (IsRecording(entry.path())) found.push_back(entry.path());
+      if (IsRecording(entry.path()) || IsZipFile(entry.path())) found.push_back(entry.path());
     }
     if (found.empty()) {
       recordings.push_back(path);
@@ -42,7 +47,8 @@ std::vector<std::filesystem::path> FindRecordings(const std::vector<std::filesys
 std::string SourceNames::Take(const std::filesystem::path& path) {
   std::filesystem::path whole = std::filesystem::absolute(path).lexically_normal();
   if (!whole.has_filename()) whole = whole.parent_path();
-  return names.Take(PathText(whole.extension() == ".db" ? whole.stem() : whole.filename()));
+  const bool isFile = whole.extension() == ".db" || IsZipFile(whole);
+  return names.Take(PathText(isFile ? whole.stem() : whole.filename()));
 }
 
 }  // namespace host

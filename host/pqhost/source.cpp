@@ -64,19 +64,19 @@ class ThisMachine final : public CommandSource {
         source(
             {.plugin = ChoosePlugin(options, console),
              .logFolder = ChooseLogFolder(options),
-             .recordingFolder = options.record,
+             .recording = options.record,
              .toolLimits = LimitTools(options),
              .logFolderAccess = options.logFolder ? FolderAccess::kInherited : FolderAccess::kOwn,
              .allowsUnsafeFolders = options.allowsUnsafeFolders,
              .prompt = &prompt}),
-        recordingFolder(options.record) {}
+        recordingPath(options.record) {}
 
   Source& Get() override { return source; }
 
   std::vector<std::string> KeepLogFiles(const Collection& /*collection*/) override { return {}; }
 
   void KeepRecording(const Collection& collection) override {
-    if (!recordingFolder) return;
+    if (!recordingPath) return;
     source.WriteRecording(DescribeSubmission(collection));
     hasRecording = true;
   }
@@ -85,13 +85,13 @@ class ThisMachine final : public CommandSource {
     console.error << fmt::format("Log files: {}\n",
                                  EscapeControls(PathText(source.LogFolderPath())));
     if (!hasRecording) return;
-    console.error << fmt::format("Recording: {}\n", EscapeControls(PathText(*recordingFolder)));
+    console.error << fmt::format("Recording: {}\n", EscapeControls(PathText(*recordingPath)));
   }
 
  private:
   LoginPrompt prompt;
   LiveSource source;
-  std::optional<std::filesystem::path> recordingFolder;
+  std::optional<std::filesystem::path> recordingPath;
   bool hasRecording = false;  ///< it was written
 };
 

@@ -24,7 +24,7 @@ struct SourceOptions {
 
   // Of this machine alone.
   std::optional<std::filesystem::path> plugin;  ///< the library's file
-  std::optional<std::filesystem::path> record;  ///< new folder to keep a recording in
+  std::optional<std::filesystem::path> record;  ///< new folder or ZIP file for a recording
   ToolLimits toolLimits;
   bool allowsUnsafeFolders = false;  ///< also folders that the interpreter reads as others
   bool asksNobody = false;           ///< never wait for an operator

@@ -44,7 +44,7 @@ struct Recording {
   std::map<std::string, Bytes> files;
   std::vector<std::string> readOnly;
   std::optional<Submission> submission;  ///< none: nobody knows
-  /// SHA-256 of the recording's manifest in hexadecimal; empty when it came from no folder.
+  /// SHA-256 of the recording's manifest in hexadecimal; empty when it was not read.
   std::string contentKey;
   /// Why it may not be the machine that was recorded: a line of UTF-8 each.
   std::vector<std::string> doubts;

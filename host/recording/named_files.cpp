@@ -4,7 +4,6 @@
 
 #include <stdexcept>
 
-#include "host/files/whole_file.h"
 #include "host/recording/strict_json.h"
 
 namespace host {
@@ -19,39 +18,38 @@ std::uint64_t CountMebibytes(std::uint64_t bytes) { return (bytes + kMebibyte - 
 
 Bytes NamedFiles::Read(const std::string& name) {
   if (const auto known = files.find(name); known != files.end()) return known->second;
-  const std::filesystem::path path = rules.ResolveName(name);
+  CheckFileName(name);
   try {
     // recording.json and the manifest are there as well.
     if (files.size() > limits.files) {
       throw std::runtime_error(fmt::format(
           "more than {} files are named; --limit files=NUMBER allows more", limits.files));
     }
-    return files[name] = ReadFile(path, limits.fileSize);
+    return files[name] = ReadFile(name, limits.fileSize);
   } catch (const std::runtime_error& reason) {
     throw std::runtime_error(QuoteText(name) + ": " + reason.what());
   }
 }
 
 Bytes NamedFiles::ReadOwn(const char* name) {
-  return files[name] = ReadFile(rules.ResolveName(name), limits.recordingSize);
+  return files[name] = ReadFile(name, limits.recordingSize);
 }
 
-Bytes NamedFiles::ReadFile(const std::filesystem::path& path, std::uint64_t sizeLimit) {
-  const FileHandle file = rules.Open(path);
-  const std::uint64_t size = file.Size();
-  if (size > sizeLimit * kMebibyte) {
-    throw std::runtime_error(
-        fmt::format("has {} MiB, more than {}; --limit file-size=MIB allows more",
-                    CountMebibytes(size), sizeLimit));
-  }
-  bytesRead += size;
-  if (bytesRead > limits.recordingSize * kMebibyte) {
-    throw std::runtime_error(
-        fmt::format("the files up to here have {} MiB, more than {}; --limit recording-size=MIB "
-                    "allows more",
-                    CountMebibytes(bytesRead), limits.recordingSize));
-  }
-  return ReadWholeFile(file);
+Bytes NamedFiles::ReadFile(const std::string& name, std::uint64_t sizeLimit) {
+  return stored.Read(name, [&](std::uint64_t size) {
+    if (size > sizeLimit * kMebibyte) {
+      throw std::runtime_error(
+          fmt::format("has {} MiB, more than {}; --limit file-size=MIB allows more",
+                      CountMebibytes(size), sizeLimit));
+    }
+    bytesRead += size;
+    if (bytesRead > limits.recordingSize * kMebibyte) {
+      throw std::runtime_error(
+          fmt::format("the files up to here have {} MiB, more than {}; --limit recording-size=MIB "
+                      "allows more",
+                      CountMebibytes(bytesRead), limits.recordingSize));
+    }
+  });
 }
 
 }  // namespace host

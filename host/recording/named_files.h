@@ -2,20 +2,20 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
 #include <map>
 #include <string>
 
-#include "host/recording/folder_rules.h"
 #include "host/recording/reading_rules.h"
+#include "host/recording/stored_files.h"
 #include "host/text/bytes.h"
 
 namespace host {
 
 class NamedFiles {
  public:
-  NamedFiles(const std::filesystem::path& folder, const RecordingLimits& limits)
-      : rules(folder), limits(limits) {}
+  /// `stored` must outlive this object.
+  NamedFiles(const StoredFiles& stored, const RecordingLimits& limits)
+      : stored(stored), limits(limits) {}
 
   /// The bytes of the file `name`. Throws std::runtime_error with the name in quotes and the
   /// reason.
@@ -29,9 +29,9 @@ class NamedFiles {
   const std::map<std::string, Bytes>& All() const { return files; }
 
  private:
-  Bytes ReadFile(const std::filesystem::path& path, std::uint64_t sizeLimit);
+  Bytes ReadFile(const std::string& name, std::uint64_t sizeLimit);
 
-  FolderRules rules;
+  const StoredFiles& stored;
   RecordingLimits limits;
   std::uint64_t bytesRead = 0;
   std::map<std::string, Bytes> files;

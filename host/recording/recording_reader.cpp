@@ -21,6 +21,7 @@
 #include "host/recording/named_files.h"
 #include "host/recording/recording_format.h"
 #include "host/recording/recording_writer.h"
+#include "host/recording/stored_files.h"
 #include "host/recording/strict_json.h"
 #include "host/recording/submission_file.h"
 #include "host/text/ascii.h"
@@ -72,22 +73,36 @@ void RefuseAnswerOfOwnCommand(const Json& entry, const std::string& tool) {
 
 class RecordingReader {
  public:
-  RecordingReader(const std::filesystem::path& folder, const RecordingLimits& limits)
-      : namedFiles(folder, limits), limits(limits) {}
+  RecordingReader(const StoredFiles& files, const RecordingLimits& limits)
+      : namedFiles(files, limits), limits(limits) {}
 
   Bytes ReadDescription() { return namedFiles.ReadOwn(kRecordingFileName); }
 
-  /// A line for each file that is not the one that the manifest tells of; none without a manifest.
+  /// A line for each file that is not the one that the manifest tells of. Throws
+  /// std::runtime_error when it cannot be read.
   std::vector<std::string> FindChanges() {
     const std::map<std::string, Bytes> read = namedFiles.All();
-    const Manifest manifest = ReadManifest(namedFiles.ReadOwn(kManifestFileName));
+    manifest = ReadManifest(namedFiles.ReadOwn(kManifestFileName));
     std::vector<std::string> changes;
     for (const auto& [name, bytes] : read) {
-      const auto line = manifest.find(name);
-      if (line == manifest.end()) {
+      if (manifest.count(name) == 0) {
         changes.push_back(QuoteText(name) + " is not in " + kManifestFileName);
-      } else if (line->second != ComputeSha256(bytes)) {
-        changes.push_back(QuoteText(name) + " differs from " + kManifestFileName);
+      } else {
+        CompareWithManifest(name, bytes, changes);
+      }
+    }
+    return changes;
+  }
+
+  /// The same for the files that the manifest alone names, once FindChanges() read it.
+  std::vector<std::string> FindUnnamedChanges() {
+    std::vector<std::string> changes;
+    for (const auto& [name, digest] : manifest) {
+      if (namedFiles.All().count(name) > 0) continue;
+      try {
+        CompareWithManifest(name, namedFiles.Read(name), changes);
+      } catch (const std::runtime_error& problem) {
+        changes.emplace_back(problem.what());
       }
     }
     return changes;
@@ -132,6 +147,12 @@ class RecordingReader {
   }
 
  private:
+  void CompareWithManifest(const std::string& name, std::string_view bytes,
+                           std::vector<std::string>& changes) const {
+    if (manifest.at(name) == ComputeSha256(bytes)) return;
+    changes.push_back(QuoteText(name) + " differs from " + kManifestFileName);
+  }
+
   void AddCommand(const Json& entry) {
     if (badCommand) return;
     if (recording.commands.size() == limits.commands) {
@@ -217,69 +238,101 @@ class RecordingReader {
 
   NamedFiles namedFiles;
   RecordingLimits limits;
+  Manifest manifest;
   Recording recording;
   std::optional<MemberError> badCommand;  ///< the first of them; its turn comes after the format's
 };
 
-/// Throws RecordingError for what the rules do not allow.
-std::vector<std::string> CheckManifest(const std::filesystem::path& folder, RecordingReader& reader,
-                                       const ReadingRules& rules) {
-  const std::filesystem::path file = folder / kManifestFileName;
-  std::error_code ignored;
-  if (!std::filesystem::exists(std::filesystem::symlink_status(file, ignored))) return {};
-  std::vector<std::string> changes;
+/// What FindChanges() says, or why it cannot.
+std::vector<std::string> CheckManifest(RecordingReader& reader) {
   try {
-    changes = reader.FindChanges();
+    return reader.FindChanges();
   } catch (const std::runtime_error& problem) {
-    changes = {std::string(kManifestFileName) + ": " + problem.what()};
+    return {std::string(kManifestFileName) + ": " + problem.what()};
   }
-  if (!changes.empty() && !rules.allowChanges) {
-    throw RecordingError(PathText(folder) + ": " + changes.front() +
-                         ", so the recording is not as it was made: get it again, or read it all "
-                         "the same with --unverified");
-  }
-  for (std::string& change : changes) change.insert(0, "the recording is not as it was made: ");
-  return changes;
 }
 
-}  // namespace
-
-Recording LoadRecording(const std::filesystem::path& given, const ReadingRules& rules) {
-  const std::filesystem::path folder = given.empty() ? "." : given;
-  std::error_code error;
-  if (!std::filesystem::is_directory(folder, error)) {
-    throw RecordingError(PathText(folder) + ": there is no such folder; a recording is a folder " +
-                         "with a file " + kRecordingFileName);
-  }
-  const std::filesystem::path file = folder / kRecordingFileName;
-  const std::string start = PathText(file) + ": ";
-  RecordingReader reader(folder, rules.limits);
-  Recording recording;
+/// Throws RecordingError with `place` and the reason.
+template <typename Work>
+auto ExplainProblems(const std::string& place, const Work& work) {
   try {
-    const Bytes description = reader.ReadDescription();
-    recording = reader.Read(description);
+    return work();
   } catch (const MemberError& problem) {
-    throw RecordingError(start + problem.Explain());
+    throw RecordingError(place + ": " + problem.Explain());
   } catch (const std::filesystem::filesystem_error& problem) {
-    throw RecordingError(start + "cannot be read: " + ReplaceUnprintable(problem.code().message()));
+    throw RecordingError(place +
+                         ": cannot be read: " + ReplaceUnprintable(problem.code().message()));
   } catch (const std::bad_alloc&) {
-    throw RecordingError(start + "the recording is too large for this machine's memory");
+    throw RecordingError(place + ": the recording is too large for this machine's memory");
   } catch (const std::runtime_error& problem) {
-    throw RecordingError(start + problem.what());
+    throw RecordingError(place + ": " + problem.what());
   }
-  recording.doubts = CheckManifest(folder, reader, rules);
+}
+
+/// A recording, and in what it is not as its manifest says.
+struct ComparedRecording {
+  Recording recording;               ///< its doubts are those about submission.json
+  std::vector<std::string> changes;  ///< in the files that it names
+  /// In the files that the manifest alone names, or that there is none.
+  std::vector<std::string> otherChanges;
+};
+
+enum class Thoroughness { kNamedFiles, kWholeManifest };
+
+ComparedRecording ReadAndCompare(const std::filesystem::path& path, const RecordingLimits& limits,
+                                 Thoroughness thoroughness) {
+  const auto files = ExplainProblems(PathText(path), [&] { return OpenStoredFiles(path, limits); });
+  RecordingReader reader(*files, limits);
+  ComparedRecording all;
+  Recording& recording = all.recording;
+  recording = ExplainProblems(files->Describe(kRecordingFileName), [&] {
+    const Bytes description = reader.ReadDescription();
+    return reader.Read(description);
+  });
+  if (files->Has(kManifestFileName)) {
+    all.changes = CheckManifest(reader);
+    if (thoroughness == Thoroughness::kWholeManifest) {
+      all.otherChanges = reader.FindUnnamedChanges();
+    }
+  } else {
+    all.otherChanges.push_back("there is no " + std::string(kManifestFileName) +
+                               ", so nothing tells whether it is as it was made");
+  }
   const std::optional<std::string> key =
-      recording.doubts.empty() ? reader.ComputeManifestDigest() : std::nullopt;
+      all.changes.empty() ? reader.ComputeManifestDigest() : std::nullopt;
   recording.contentKey = key ? *key : ComputeContentKey(recording);
   try {
-    recording.submission = ReadSubmission(folder);
+    recording.submission = ReadSubmission(*files);
   } catch (const std::runtime_error& problem) {
     recording.doubts.push_back(
         std::string(problem.what()) +
         ", so it is not known which machine this is, nor when it was recorded: " +
         "correct that file or take it away");
   }
-  return recording;
+  return all;
+}
+
+}  // namespace
+
+Recording LoadRecording(const std::filesystem::path& given, const ReadingRules& rules) {
+  const std::filesystem::path path = given.empty() ? "." : given;
+  auto [recording, changes, unused] = ReadAndCompare(path, rules.limits, Thoroughness::kNamedFiles);
+  if (!changes.empty() && !rules.allowChanges) {
+    throw RecordingError(PathText(path) + ": " + changes.front() +
+                         ", so the recording is not as it was made: get it again, or read it all "
+                         "the same with --unverified");
+  }
+  for (std::string& change : changes) change.insert(0, "the recording is not as it was made: ");
+  recording.doubts.insert(recording.doubts.begin(), changes.begin(), changes.end());
+  return std::move(recording);
+}
+
+Verification VerifyRecording(const std::filesystem::path& path, const RecordingLimits& limits) {
+  auto [recording, differences, others] =
+      ReadAndCompare(path, limits, Thoroughness::kWholeManifest);
+  differences.insert(differences.end(), others.begin(), others.end());
+  differences.insert(differences.end(), recording.doubts.begin(), recording.doubts.end());
+  return {recording.contentKey, std::move(differences)};
 }
 
 }  // namespace host

@@ -5,12 +5,14 @@
 #include <algorithm>
 #include <functional>
 #include <nlohmann/json.hpp>
+#include <stdexcept>
 #include <system_error>
 #include <utility>
 #include <vector>
 
 #include "host/files/sha256.h"
 #include "host/files/whole_file.h"
+#include "host/files/zip_writer.h"
 #include "host/recorded/interpreter.h"
 #include "host/recorded/machine_files.h"
 #include "host/recording/manifest.h"
@@ -159,6 +161,57 @@ void WriteRecording(const Recording& recording, const std::filesystem::path& fol
   CreateWholeFile(folder / kManifestFileName, WriteManifest(manifest));
   if (!recording.submission) return;
   CreateWholeFile(folder / kSubmissionFileName, WriteSubmission(*recording.submission));
+}
+
+void WriteZippedRecording(const Recording& recording, std::ostream& out) {
+  Manifest manifest;
+  std::string description;
+  // The bytes are the recording's own.
+  std::vector<std::pair<std::string, std::string_view>> files;
+  RecordingFiles(recording, [&](const std::string& name, std::string_view bytes) {
+    manifest[name] = ComputeSha256(bytes);
+    if (name == kRecordingFileName) {
+      description = bytes;
+    } else {
+      files.emplace_back(name, bytes);
+    }
+  }).Make();
+  ZipWriter zip(out);
+  if (recording.submission) {
+    zip.Add(kSubmissionFileName, WriteSubmission(*recording.submission));
+  }
+  zip.Add(kRecordingFileName, description);
+  zip.Add(kManifestFileName, WriteManifest(manifest));
+  for (const auto& [name, bytes] : files) zip.Add(name, bytes);
+  zip.Complete();
+}
+
+RecordingOutput::RecordingOutput(const std::filesystem::path& path, std::string_view option)
+    : path(path) {
+  if (!IsZipName(path)) {
+    CreateEmptyFolder(path, option);
+    return;
+  }
+  std::error_code ignored;
+  if (std::filesystem::exists(std::filesystem::symlink_status(path, ignored))) {
+    throw UsageError(
+        fmt::format("{} is there already: give {} a new name", PathText(path), option));
+  }
+  zip.emplace(path, Readers::kOwner);
+}
+
+void RecordingOutput::Write(const Recording& recording) {
+  if (!zip) {
+    WriteRecording(recording, path);
+    return;
+  }
+  try {
+    WriteZippedRecording(recording, zip->Stream());
+  } catch (const std::runtime_error& problem) {
+    throw std::runtime_error(
+        DescribeUnwritable(path, std::string(problem.what()) + "; a folder takes any size"));
+  }
+  zip->Complete();
 }
 
 std::string ComputeContentKey(const Recording& recording) {

@@ -1,4 +1,4 @@
-// Writes a recording into its folder:
+// Writes a recording into its folder, or into a ZIP file of what would be in it:
 //
 //   recording.json
 //   commands/001_storcli_c0_show.txt   what the first command wrote to standard output
@@ -9,8 +9,12 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
+#include <ostream>
 #include <string>
+#include <string_view>
 
+#include "host/files/output_file.h"
 #include "host/recorded/recording.h"
 
 namespace host {
@@ -20,6 +24,27 @@ namespace host {
 /// a code page that is not in kRecordingCodePages. Throws std::runtime_error when a file cannot be
 /// written.
 void WriteRecording(const Recording& recording, const std::filesystem::path& folder);
+
+/// Writes it as a ZIP file: submission.json, recording.json, manifest.sha256, then the files. The
+/// same recording gives the same bytes. Throws std::runtime_error when it is too large for one; a
+/// failed write is left to the stream.
+void WriteZippedRecording(const Recording& recording, std::ostream& out);
+
+/// A place for a recording, made before anything is recorded: a folder, or a ZIP file if its name
+/// says so (IsZipName), which is whole or not there.
+class RecordingOutput {
+ public:
+  /// Throws UsageError when it cannot be made, when the folder contains something, and when there
+  /// is a file already; `option` is the one to be given another place.
+  RecordingOutput(const std::filesystem::path& path, std::string_view option);
+
+  /// Writes the recording, once. Throws std::runtime_error when it cannot be written.
+  void Write(const Recording& recording);
+
+ private:
+  std::filesystem::path path;
+  std::optional<OutputFile> zip;  ///< none: a folder
+};
 
 /// The content key (Recording::contentKey) that `recording` has once it is written.
 std::string ComputeContentKey(const Recording& recording);

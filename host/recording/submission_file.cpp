@@ -1,12 +1,9 @@
 #include "host/recording/submission_file.h"
 
-#include <cstddef>
+#include <cstdint>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
-#include <system_error>
 
-#include "host/files/whole_file.h"
-#include "host/recording/folder_rules.h"
 #include "host/recording/json_members.h"
 #include "host/recording/recording_format.h"
 #include "host/recording/strict_json.h"
@@ -20,13 +17,9 @@ using OrderedJson = nlohmann::ordered_json;
 /// A few names and numbers; what is longer is something else.
 constexpr std::uint64_t kMostBytes = std::uint64_t{64} << 10;
 
-std::string ReadSubmissionText(const std::filesystem::path& folder) {
-  const FolderRules rules(folder);
-  const FileHandle file = rules.Open(rules.ResolveName(kSubmissionFileName));
-  if (file.Size() > kMostBytes) {
-    throw std::runtime_error("has more than " + std::to_string(kMostBytes >> 10) + " KiB");
-  }
-  return ReadWholeFile(file);
+void CheckSubmissionSize(std::uint64_t bytes) {
+  if (bytes <= kMostBytes) return;
+  throw std::runtime_error("has more than " + std::to_string(kMostBytes >> 10) + " KiB");
 }
 
 const Json* FindObject(const Json& object, const char* name) {
@@ -92,13 +85,11 @@ Submission ParseSubmission(std::string_view text) {
 
 }  // namespace
 
-std::optional<Submission> ReadSubmission(const std::filesystem::path& folder) {
-  std::error_code ignored;
-  const auto status = std::filesystem::symlink_status(folder / kSubmissionFileName, ignored);
-  if (!std::filesystem::exists(status)) return std::nullopt;
+std::optional<Submission> ReadSubmission(const StoredFiles& files) {
+  if (!files.Has(kSubmissionFileName)) return std::nullopt;
   const std::string start = std::string(kSubmissionFileName) + ": ";
   try {
-    return ParseSubmission(ReadSubmissionText(folder));
+    return ParseSubmission(files.Read(kSubmissionFileName, &CheckSubmissionSize));
   } catch (const MemberError& problem) {
     throw std::runtime_error(start + problem.Explain());
   } catch (const std::runtime_error& problem) {

@@ -5,12 +5,17 @@
 
 namespace host {
 
-/// `text` without blanks, tabs and line ends around it; what is left is a part of it.
+/// Blanks, tabs and line ends.
+constexpr bool IsWhiteSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
+/// `text` without white space around it; what is left is a part of it.
 constexpr std::string_view Trim(std::string_view text) {
-  constexpr std::string_view kWhiteSpace = " \t\r\n\v\f";
-  const std::size_t first = text.find_first_not_of(kWhiteSpace);
-  if (first == std::string_view::npos) return text.substr(text.size());
-  return text.substr(first, text.find_last_not_of(kWhiteSpace) - first + 1);
+  // Every line of a report comes through here; find_first_not_of calls a function per character.
+  std::size_t first = 0;
+  while (first < text.size() && IsWhiteSpace(text[first])) ++first;
+  std::size_t end = text.size();
+  while (end > first && IsWhiteSpace(text[end - 1])) --end;
+  return text.substr(first, end - first);
 }
 
 }  // namespace host

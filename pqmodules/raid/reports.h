@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "frame/description.h"
+#include "frame/module.h"
 
 namespace pq {
 
@@ -22,7 +23,7 @@ inline constexpr char kCountReportName[] = "ctrlcount.txt";
 inline constexpr std::string_view kCountLabel = "Controller Count =";
 
 /// Logged when a report cannot be opened, unless a step has its own words.
-inline constexpr char kNoReport[] = "Failed to open raid log file";
+inline constexpr Sentence kNoReport{"Failed to open raid log file", kCallersLine};
 
 /// storcli is about LSI's controllers.
 inline constexpr Area kLsiArea{"LSI RAID", "an LSI controller"};

@@ -30,9 +30,9 @@ constexpr char kLineTooLong[] =
     "The line is longer than 127 characters and was discarded. Please input it again.\n";
 
 // Logged when there is no login, or no log.
-constexpr char kDeclined[] = "AMT module, no parameter inputed!";
-constexpr char kNoAddress[] = "Get AMT IP failed";
-constexpr char kNoLog[] = "Failed to open AMT log file";
+constexpr Sentence kDeclined = "AMT module, no parameter inputed!";
+constexpr Sentence kNoAddress = "Get AMT IP failed";
+constexpr Sentence kNoLog = "Failed to open AMT log file";
 
 /// The words for the operator before the next prompt; none for a line that needs no other.
 std::string_view FindComplaint(LoginLine line) {
@@ -128,8 +128,8 @@ void DescribeAmtLog(ModuleDescription& module) {
   module.AddFailures(StepFailure::kOutputNotOpened, {kNoLog});
   module.AddFailures(StepFailure::kBeforeTool, {kNoAddress});
   module.explanations.push_back(
-      {kDeclined, "declined", "no AMT address and credentials were given"});
-  module.explanations.push_back({kNoAddress, "declined", "no AMT address was given"});
+      {kDeclined.text, "declined", "no AMT address and credentials were given"});
+  module.explanations.push_back({kNoAddress.text, "declined", "no AMT address was given"});
 }
 
 }  // namespace pq

@@ -16,7 +16,7 @@ constexpr char kCommandEnd[] = "\\pq_tools\\check_amt_bmc.exe\" amt";
 /// The tool's exit code on a machine that has AMT: not the usual 0.
 constexpr std::uint32_t kAmtPresent = 1;
 
-constexpr char kNoAmt[] = "Has no AMT, return 1";
+constexpr Sentence kNoAmt = "Has no AMT, return 1";
 
 }  // namespace
 
@@ -38,7 +38,7 @@ bool DetectAmt(const ModuleLog& log, const std::string& hostFolder) {
 }
 
 void DescribeAmtDetection(ModuleDescription& module) {
-  module.explanations.push_back({kNoAmt, "no such device", "this machine has no AMT"});
+  module.explanations.push_back({kNoAmt.text, "no such device", "this machine has no AMT"});
   module.tools.push_back({ParseToolCommand(kCommandEnd).program, {}, {}});
   module.presenceTests.push_back({kCommandEnd, "AMT"});
 }

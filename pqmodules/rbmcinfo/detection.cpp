@@ -13,7 +13,7 @@ namespace {
 struct Detection {
   BmcFamily family;  ///< the exit code itself
   unsigned level;
-  const char* message;
+  Sentence message;
 };
 
 constexpr Detection kDetections[] = {
@@ -53,7 +53,7 @@ const char* GetDetectionMessage(BmcFamily family) { return FindDetection(family)
 
 void DescribeDetection(ModuleDescription& module) {
   module.explanations.push_back(
-      {kNothingDetected.message, "no such device", "this machine has no BMC"});
+      {kNothingDetected.message.text, "no such device", "this machine has no BMC"});
   module.explanations.push_back(
       {GetDetectionMessage(BmcFamily::kDetectionFailed), "tool reported an error",
        "the BMC could not be looked for: check_amt_bmc reported an error"});

@@ -16,20 +16,20 @@ namespace {
 struct FileQuery {
   const char* command;  ///< after the host's folder, up to the log folder
   const char* fileName;
-  const char* commandLabel;
+  Sentence commandLabel;
   bool logsCommandTwice;
-  const char* openFailure;
+  Sentence openFailure;
   const char* className;
   const char* instanceTitle;
   const char* title;
   Column column;
   const char* versionLabel;  ///< the utility's, before its own version
   // Progress lines.
-  const char* begun;
-  const char* started;
-  const char* ended;
-  const char* opened;
-  const char* done;
+  Sentence begun;
+  Sentence started;
+  Sentence ended;
+  Sentence opened;
+  Sentence done;
 };
 
 constexpr FileQuery kFruQuery{

@@ -16,8 +16,6 @@
 namespace pq {
 namespace {
 
-constexpr std::size_t kOemChunkRoom = 1024;
-
 struct OemQuery {
   PipeQuery pipe;
   const char* className;
@@ -31,59 +29,54 @@ struct OemQuery {
   bool HasPairs() const { return pairKeys.count > 0; }
 };
 
-constexpr PipeQuery MakeOemPipe(const char* command, const char* announcement,
-                                const char* pipeFailure) {
-  return {command, announcement, pipeFailure, kDetail, kOemChunkRoom};
-}
-
 // By selector, from 1. The LAN query is the utility's own "lan", cut down to the address
 // parameters, but announced like the others.
 constexpr std::array<OemQuery, kOemQueryCount> kOemQueries{{
-    {.pipe = MakeOemPipe("\\pq_tools\\ipmiutilnh.exe\" korvaxoem mc",
-                         "execute ipmiutilnh.exe korvaxoem mc command",
-                         "Failed to create pipe for MC info"),
+    {.pipe = {.command = "\\pq_tools\\ipmiutilnh.exe\" korvaxoem mc",
+              .announcement = "execute ipmiutilnh.exe korvaxoem mc command",
+              .pipeFailure = "Failed to create pipe for MC info"},
      .className = kMcInfo,
      .instanceTitle = "MC Information",
      .title = "Management controller",
      .text = "a fact on the controller, such as its firmware version",
      .pairKeys = kMcKeys},
-    {.pipe = MakeOemPipe("\\pq_tools\\ipmiutilnh.exe\" korvaxoem selftest",
-                         "execute ipmiutilnh.exe korvaxoem selftest command",
-                         "Failed to create pipe for PQM selftest"),
+    {.pipe = {.command = "\\pq_tools\\ipmiutilnh.exe\" korvaxoem selftest",
+              .announcement = "execute ipmiutilnh.exe korvaxoem selftest command",
+              .pipeFailure = "Failed to create pipe for PQM selftest"},
      .className = kSelfInfo,
      .instanceTitle = "PQM Selftest",
      .title = "BMC self-test",
      .text = "result of the self-test",
      .joinsLines = true,
      .pairKeys = kSelfKeys},
-    {.pipe = MakeOemPipe("\\pq_tools\\ipmiutilnh.exe\" korvaxoem ver",
-                         "execute ipmiutilnh.exe korvaxoem ver command",
-                         "Failed to create pipe for version info"),
+    {.pipe = {.command = "\\pq_tools\\ipmiutilnh.exe\" korvaxoem ver",
+              .announcement = "execute ipmiutilnh.exe korvaxoem ver command",
+              .pipeFailure = "Failed to create pipe for version info"},
      .className = kVerInfo,
      .instanceTitle = "Version Information",
      .title = "Firmware versions",
      .text = "version of one firmware of the machine",
      .pairKeys = kVerKeys},
-    {.pipe = MakeOemPipe("\\pq_tools\\ipmiutilnh.exe\" korvaxoem psu",
-                         "execute ipmiutilnh.exe korvaxoem psu command",
-                         "Failed to create pipe for PSU info"),
+    {.pipe = {.command = "\\pq_tools\\ipmiutilnh.exe\" korvaxoem psu",
+              .announcement = "execute ipmiutilnh.exe korvaxoem psu command",
+              .pipeFailure = "Failed to create pipe for PSU info"},
      .className = kPsuInfo,
      .instanceTitle = "PSU Information",
      .title = "Power supplies",
      .text = "one line on the power supplies: state, power in W, serial number and so on",
      .lineColumn = {"PSUINFO", "PSU Detailed Info"}},
-    {.pipe = MakeOemPipe("\\pq_tools\\ipmiutilnh.exe\" lan | findstr Param | "
+    {.pipe = {.command = "\\pq_tools\\ipmiutilnh.exe\" lan | findstr Param | "
                          "findstr /c:(3) /c:(5) /c:(6) /c:(12) /c:(13)",
-                         "execute ipmiutilnh.exe korvaxoem lan command",
-                         "Failed to create pipe for LAN info"),
+              .announcement = "execute ipmiutilnh.exe korvaxoem lan command",
+              .pipeFailure = "Failed to create pipe for LAN info"},
      .className = kLanInfo,
      .instanceTitle = "LAN Information",
      .title = "BMC LAN settings",
      .text = "a setting of the BMC's network interface, such as an address",
      .pairKeys = kLanKeys},
-    {.pipe = MakeOemPipe("\\pq_tools\\ipmiutilnh.exe\" korvaxoem led",
-                         "execute ipmiutilnh.exe korvaxoem led command",
-                         "Failed to create pipe for LED info"),
+    {.pipe = {.command = "\\pq_tools\\ipmiutilnh.exe\" korvaxoem led",
+              .announcement = "execute ipmiutilnh.exe korvaxoem led command",
+              .pipeFailure = "Failed to create pipe for LED info"},
      .className = kLedInfo,
      .instanceTitle = "LEDs Status",
      .title = "LED status",
@@ -165,7 +158,7 @@ int QueryOem(BmcCollection& collection, int selector) {
   if (index >= kOemQueries.size()) return 1;
   const OemQuery& query = kOemQueries[index];
   const ModuleLog& log = collection.log;
-  std::optional<PipedTool> tool = StartQuery(collection, query.pipe);
+  std::optional<PipedTool> tool = StartQuery(log, collection.hostFolder, query.pipe);
   if (!tool) return 1;
   RowBuffer row(collection.repo, query.className, query.instanceTitle);
   std::string output = CollectOutput(log, *tool, query.pipe);

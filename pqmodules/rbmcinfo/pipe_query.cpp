@@ -6,21 +6,22 @@
 
 namespace pq {
 
-std::optional<PipedTool> StartQuery(const BmcCollection& collection, const PipeQuery& query) {
-  PipedTool tool("/c \"" + collection.hostFolder + query.command);
+std::optional<PipedTool> StartQuery(CallerLog log, const std::string& hostFolder,
+                                    const PipeQuery& query) {
+  PipedTool tool("/c \"" + hostFolder + query.command);
   if (!tool.OpenPipe()) {
-    collection.log(kDetail, query.pipeFailure);
+    log(kDetail, query.pipeFailure);
     return std::nullopt;
   }
-  collection.log(kDetail, query.announcement);
+  log(kDetail, query.announcement);
   if (const std::uint32_t error = tool.Start(); error != 0) {
-    collection.log(query.startFailureLevel, kStartFailure, error, ")");
+    log(query.startFailureLevel, kStartFailure, error, ")");
     return std::nullopt;
   }
   return tool;
 }
 
-std::string CollectOutput(const ModuleLog& log, PipedTool& tool, const PipeQuery& query) {
+std::string CollectOutput(CallerLog log, PipedTool& tool, const PipeQuery& query) {
   return tool.Collect(query.chunkRoom, [&](const char* chunk, std::size_t count) {
     log(kDetail, kChunkSize, count);
     log(kDetail, chunk);

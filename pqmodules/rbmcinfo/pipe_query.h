@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
+#include "frame/module.h"
 #include "frame/tool_runner.h"
-#include "pqmodules/rbmcinfo/collection.h"
 
 namespace pq {
 
@@ -14,17 +14,18 @@ namespace pq {
 inline constexpr char kUtilityError[] = "Error";
 
 struct PipeQuery {
-  const char* command;       ///< after the host's folder
-  const char* announcement;  ///< logged before the start
-  const char* pipeFailure;
-  unsigned startFailureLevel;
-  std::size_t chunkRoom;  ///< bytes, the terminator included
+  const char* command;    ///< after the host's folder
+  Sentence announcement;  ///< logged before the start
+  Sentence pipeFailure;
+  unsigned startFailureLevel = kDetail;
+  std::size_t chunkRoom = 1024;  ///< bytes, the terminator included
 };
 
-/// Starts the query's tool. A failure is logged, and there is no value.
-std::optional<PipedTool> StartQuery(const BmcCollection& collection, const PipeQuery& query);
+/// Starts the query's tool below `hostFolder`. A failure is logged, and there is no value.
+std::optional<PipedTool> StartQuery(CallerLog log, const std::string& hostFolder,
+                                    const PipeQuery& query);
 
 /// All that the tool prints; each chunk is logged, its byte count first.
-std::string CollectOutput(const ModuleLog& log, PipedTool& tool, const PipeQuery& query);
+std::string CollectOutput(CallerLog log, PipedTool& tool, const PipeQuery& query);
 
 }  // namespace pq

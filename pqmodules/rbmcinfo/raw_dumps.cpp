@@ -12,9 +12,9 @@ struct RawDump {
   const char* command;  ///< after the host's folder, up to the log folder
   const char* fileName;
   // Progress lines.
-  const char* begun;
-  const char* prepared;
-  const char* done;
+  Sentence begun;
+  Sentence prepared;
+  Sentence done;
 };
 
 constexpr RawDump kSelHexDump{
@@ -34,7 +34,7 @@ constexpr RawDump kSensorIdDump{
 };
 
 // The dumps' own text has no blank before the parenthesis.
-constexpr char kDumpFailure[] = "CreateProcess failed(";
+constexpr Sentence kDumpFailure = "CreateProcess failed(";
 constexpr StartRule kDumpStart{
     .inheritHandles = true, .failureLevel = kProgress, .failure = kDumpFailure};
 

@@ -29,7 +29,7 @@ constexpr Column kSdrColumn{"SDRINFO", "SDR Detailed Info",
 
 int CollectSdr(const BmcCollection& collection) {
   const ModuleLog& log = collection.log;
-  std::optional<PipedTool> tool = StartQuery(collection, kSdrQuery);
+  std::optional<PipedTool> tool = StartQuery(log, collection.hostFolder, kSdrQuery);
   if (!tool) return 1;
   const std::string output = CollectOutput(log, *tool, kSdrQuery);
   log(kProgress, "Oru Debug after sdr 1");

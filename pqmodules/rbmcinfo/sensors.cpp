@@ -61,7 +61,7 @@ SensorFields SplitSensorFields(std::string_view output) {
 
 int CollectSensorReadings(const BmcCollection& collection) {
   const ModuleLog& log = collection.log;
-  std::optional<PipedTool> tool = StartQuery(collection, kSensorQuery);
+  std::optional<PipedTool> tool = StartQuery(log, collection.hostFolder, kSensorQuery);
   if (!tool) return 1;
   const std::string output = CollectOutput(log, *tool, kSensorQuery);
   log(kDetail, kWholeOutput, output.c_str());

@@ -91,7 +91,7 @@ struct AttachedReport {
   const char* file;
   Column column;
   const char* shownAs;
-  const char* openFailure;
+  Sentence openFailure;
 };
 
 constexpr AttachedReport kAttachedReports[] = {
@@ -119,7 +119,7 @@ constexpr AttachedReport kAttachedReports[] = {
 };
 
 /// Logged where there is no archive: the tool writes one only when there is such a controller.
-constexpr char kNoConfig[] = "Failed to open PMC Controller file";
+constexpr Sentence kNoConfig = "Failed to open PMC Controller file";
 
 constexpr char kTool[] = "\\utilities\\arcconf\\arcconf.exe";
 constexpr char kArguments[] = "savesupportarchive c:\\";
@@ -142,7 +142,7 @@ bool SaveArchive(const RaidInventoryCollection& collection, const std::string& l
 }
 
 std::unique_ptr<TextFile> OpenArchived(const RaidInventoryCollection& collection, const char* name,
-                                       const char* failure) {
+                                       const Sentence& failure) {
   return OpenReport(collection.log, std::string(kArchiveFolder) + "\\" + name, failure);
 }
 

@@ -7,14 +7,13 @@
 
 namespace pq {
 
-std::unique_ptr<TextFile> RunStorcli(const RaidLogsCollection& collection,
+std::unique_ptr<TextFile> RunStorcli(CallerLog log, const std::string& hostFolder,
                                      const StorcliReport& report) {
   const std::string path = GetLogFolder() + report.fileName;
-  const std::string command =
-      BuildReportCommand(collection.hostFolder + kStorcli, report.arguments, path);
-  if (report.commandMessage != nullptr) collection.log(kProgress, report.commandMessage, command);
-  if (!RunLogged(collection.log, command)) return nullptr;
-  return OpenReport(collection.log, path, kNoReport);
+  const std::string command = BuildReportCommand(hostFolder + kStorcli, report.arguments, path);
+  if (report.commandMessage != nullptr) log(kProgress, report.commandMessage, command);
+  if (!RunLogged(log, command)) return nullptr;
+  return OpenReport(log, path, kNoReport);
 }
 
 ToolCommand DescribeReport(const StorcliReport& report) {

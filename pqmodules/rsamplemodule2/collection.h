@@ -21,9 +21,9 @@ struct RaidLogsCollection {
 
 /// A storcli report that is kept in a file of the log folder.
 struct StorcliReport {
-  const char* arguments;       ///< such as "/c0 show"
-  const char* fileName;        ///< such as "c0_showall.txt"
-  const char* commandMessage;  ///< before the command line in the log; null: it is not logged
+  const char* arguments;    ///< such as "/c0 show"
+  const char* fileName;     ///< such as "c0_showall.txt"
+  Sentence commandMessage;  ///< before the command line in the log; null: it is not logged
 };
 
 /// The report's command, for the description of tables.
@@ -33,7 +33,7 @@ ToolCommand DescribeReport(const StorcliReport& report);
 Omission LeaveOutOtherControllers();
 
 /// Has storcli write the report and opens it. Null after a failure, which is logged.
-std::unique_ptr<TextFile> RunStorcli(const RaidLogsCollection& collection,
+std::unique_ptr<TextFile> RunStorcli(CallerLog log, const std::string& hostFolder,
                                      const StorcliReport& report);
 
 }  // namespace pq

@@ -83,7 +83,7 @@ LabelledFact ReadFact(std::string_view line) {
 }  // namespace
 
 void CollectDriveDetails(const RaidLogsCollection& collection) {
-  auto file = RunStorcli(collection, kReport);
+  auto file = RunStorcli(collection.log, collection.hostFolder, kReport);
   if (!file) return;
   RowBuffer row(collection.repo, kPdList, "Controller 0 PDLIST");
   std::string_view line;

@@ -134,7 +134,7 @@ std::string JoinSize(std::string_view number, std::string_view unit) {
 }
 
 void CollectDriveLists(const RaidLogsCollection& collection) {
-  auto file = RunStorcli(collection, kReport);
+  auto file = RunStorcli(collection.log, collection.hostFolder, kReport);
   if (!file) return;
   std::array<ListRows, kDriveListCount> lists{{
       {kTopology, {collection.repo, kTInfo, "Controller 0 TOPOLOGY INFO"}},

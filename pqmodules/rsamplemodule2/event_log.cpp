@@ -160,7 +160,7 @@ void EventDump::EndRecord(std::size_t page) {
 }
 
 void CollectEventLog(RaidLogsCollection& collection) {
-  auto file = RunStorcli(collection, kReport);
+  auto file = RunStorcli(collection.log, collection.hostFolder, kReport);
   if (!file) return;
   PageRows pages(collection.repo);
   EventDump dump(pages, collection.eventData);

@@ -19,9 +19,9 @@ namespace {
 struct LinkedReport {
   const char* arguments;  ///< after /cN, where N is the controller's number
   const char* fileTag;    ///< after cN_; the file's name without its ".txt"
-  const char* pathMessage;
-  const char* openFailure;
-  const char* contentMessage;  ///< before the whole text in the log; null: it is not logged
+  Sentence pathMessage;
+  Sentence openFailure;
+  Sentence contentMessage;  ///< before the whole text in the log; null: it is not logged
   Column column;
 };
 

@@ -49,7 +49,7 @@ constexpr LabelledColumn kFactColumns[] = {
 };
 const LabelledColumns kFacts(kFactColumns);
 
-constexpr char kNoLog[] = "Failed to open ir log file";
+constexpr Sentence kNoLog = "Failed to open ir log file";
 
 /// Leaves logir.log in the host's working folder; when that is read-only, there is nothing to
 /// decode and nobody to tell.

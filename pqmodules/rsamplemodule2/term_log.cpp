@@ -42,7 +42,7 @@ void AddLines(TextFile* file, RowBuffer& row) {
 }  // namespace
 
 void CollectTermLog(const RaidLogsCollection& collection) {
-  auto file = RunStorcli(collection, kReport);
+  auto file = RunStorcli(collection.log, collection.hostFolder, kReport);
   if (!file) return;
   RowBuffer row(collection.repo, kFwTermLog, "Controller 0 FW Term Log");
   if (ContainsMarker(file.get())) {

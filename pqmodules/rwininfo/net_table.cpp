@@ -28,13 +28,13 @@ constexpr Column kArpColumns[] = {
     {"item2", "Physical Address", "its hardware (MAC) address"},
     {"item3", "Type", "dynamic: learned from the network; static: set by hand or by Windows"},
 };
-constexpr NetTable kArpTable{
-    kArpInfo,
-    "ARP Information",
-    "ARP table",
-    "/c arp.exe -a",
-    {"Failed to create pipe for arp info", "CreateProcess failed in getting arp info("},
-    kArpColumns};
+constexpr NetTable kArpTable{kArpInfo,
+                             "ARP Information",
+                             "ARP table",
+                             "/c arp.exe -a",
+                             {.pipe = "Failed to create pipe for arp info",
+                              .start = "CreateProcess failed in getting arp info("},
+                             kArpColumns};
 
 constexpr Column kNetstatColumns[] = {
     {"item1", "Protocol", "TCP or UDP"},
@@ -42,13 +42,13 @@ constexpr Column kNetstatColumns[] = {
     {"item3", "Foreign Address", "address and port at the other end"},
     {"item4", "State", "state of the connection, such as ESTABLISHED"},
 };
-constexpr NetTable kNetstatTable{
-    kNetstatInfo,
-    "Netstat Information",
-    "Network connections",
-    "/c netstat.exe",
-    {"Failed to create pipe for netstat info", "CreateProcess failed in getting netstat info("},
-    kNetstatColumns};
+constexpr NetTable kNetstatTable{kNetstatInfo,
+                                 "Netstat Information",
+                                 "Network connections",
+                                 "/c netstat.exe",
+                                 {.pipe = "Failed to create pipe for netstat info",
+                                  .start = "CreateProcess failed in getting netstat info("},
+                                 kNetstatColumns};
 
 constexpr char kBlanks[] = " \r\n";
 

@@ -12,10 +12,10 @@ namespace {
 constexpr char kSmbiosCommand[] = "/c \"\"";
 constexpr char kSmbiosTool[] = "\\pq_tools\\getsmbios.exe\" >\"";
 constexpr char kSmbiosFile[] = "smbios_info.txt\"\"";
-constexpr char kSmbiosFailure[] = "CreateProcess failed(";
+constexpr Sentence kSmbiosFailure = "CreateProcess failed(";
 
 void RunStep(const WindowsCollection& collection, const std::string& commandLine,
-             const char* failure) {
+             const Sentence& failure) {
   RunLogged(collection.log, commandLine, {true, kProgress, failure});
 }
 

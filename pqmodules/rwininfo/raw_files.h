@@ -11,7 +11,7 @@ namespace pq {
 struct ReportStep {
   const char* command;
   const char* file;
-  const char* failure;
+  Sentence failure;
 };
 inline constexpr ReportStep kRoute{"/c route print >\"", "route.txt",
                                    "CreateProcess failed in getting route("};
@@ -28,7 +28,7 @@ struct CopyStep {
   const char* tested;
   const char* source;
   const char* file;
-  const char* failure;
+  Sentence failure;
 };
 inline constexpr CopyStep kHostsIcs{"C:\\Windows\\System32\\drivers\\etc\\hosts.ics",
                                     "C:\\Windows\\System32\\drivers\\etc\\hosts.ics",

@@ -26,7 +26,8 @@ HealthOptions MakeRefusedRule(const std::string& file) {
 // A result has to be written also when the machine is more than its judge can bear.
 TEST(Assessment, IsUnknownWhenTheProgramsOwnRulesCannotBeAsked) {
   test::MadeCollection made;
-  const Health health = Assess(made.Get(), MakeRefusedRule("")).health;
+  HealthJudge judge(MakeRefusedRule(""));
+  const Health health = Assess(made.Get(), judge).health;
   EXPECT_EQ(GetExitCode(health), 3);
   ASSERT_EQ(health.findings.size(), 1U);
   EXPECT_EQ(health.findings[0].key, "collection.not-judged all");
@@ -36,8 +37,9 @@ TEST(Assessment, IsUnknownWhenTheProgramsOwnRulesCannotBeAsked) {
 
 TEST(Assessment, IsNoneWhenARuleOfTheUsersCannotBeAsked) {
   test::MadeCollection made;
+  HealthJudge judge(MakeRefusedRule("house.sql"));
   try {
-    Assess(made.Get(), MakeRefusedRule("house.sql"));
+    Assess(made.Get(), judge);
     FAIL();
   } catch (const HealthFileError& error) {
     EXPECT_STREQ(error.what(), "house.sql:7: drive.any: no such column: nonsense");

@@ -4,6 +4,7 @@
 
 #include <boost/make_shared.hpp>
 #include <boost/shared_ptr.hpp>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -36,7 +37,7 @@ class ExampleModule : public CollectionModule {
   }
 
   void Enumerate(RRepository& /*repo*/) {
-    CollectOnce(kLog, "EnumExample", [&] { ++collections; });
+    CollectOnce([&] { ++collections; });
   }
   void EnumerateAgain(RRepository& /*repo*/) { ++secondEnumerations; }
   void FormatTwo(RInstancesWrapper& table) { table.SetColumnHeaders({"a", "b"}, 30, 1); }
@@ -70,7 +71,9 @@ TEST(ModuleLog, CarriesTheSourceLineOfTheCall) {
 }
 
 /// A piece of code that modules share.
-void LogForCaller(CallerLog log) { log(kDetail, "shared"); }
+void LogForCaller(CallerLog log, const Sentence& words = {"shared", kCallersLine}) {
+  log(kDetail, words);
+}
 
 TEST(CallerLog, CarriesTheSourceLineOfTheModulesCall) {
   const LogKept log;
@@ -78,6 +81,15 @@ TEST(CallerLog, CarriesTheSourceLineOfTheModulesCall) {
   LogForCaller(kLog);
   EXPECT_EQ(log.sourceLines[1], log.sourceLines[0] + 1);
   EXPECT_EQ(log.lines[1], "4 pqmodules/example [repo] shared");
+}
+
+TEST(CallerLog, CarriesTheSourceLineOfWordsThatHaveOne) {
+  constexpr Sentence kWords = "words";
+  const LogKept log;
+  kLog(kProgress, "own");
+  LogForCaller(kLog, kWords);
+  EXPECT_EQ(log.sourceLines[1], log.sourceLines[0] - 2);
+  EXPECT_EQ(log.lines[1], "4 pqmodules/example [repo] words");
 }
 
 TEST(RunLogged, LogsAFailedStartWithTheSourceLineOfTheCall) {
@@ -106,14 +118,34 @@ TEST(CollectionModule, CollectsOncePerObject) {
   EXPECT_EQ(module.collections, 1);
 }
 
-TEST(CollectionModule, LogsEntryAndExitAlsoWhenNothingIsCollectedAnyMore) {
-  ExampleModule module;
-  RRepository repo;
-  module.Enumerate(repo);
-  const LogKept log;
-  module.Enumerate(repo);
-  EXPECT_THAT(log.lines, ElementsAre("3 pqmodules/example [repo] Enter EnumExample",
-                                     "3 pqmodules/example [repo] Exit EnumExample"));
+TEST(AddModules, GivesModulesThatLogEntryAndExitAlsoWhenNothingIsCollectedAnyMore) {
+  const host::Recording recording;
+  host::RecordedMachine machine(recording, nullptr);
+  const pq::MachineInUse inUse(machine);
+  std::vector<boost::shared_ptr<RModule>> modules;
+  AddModules(modules);
+  std::map<std::string, std::vector<std::string>> lines;
+  for (const auto& module : modules) {
+    if (module->GetName() == "AMT_Info") continue;  // It is tested for AMT again.
+    module->RegisterTables();
+    RRepository repo;
+    const auto& enumerate = module->Tables().begin()->second.enumHandler;
+    enumerate(repo);
+    const LogKept log;
+    enumerate(repo);
+    lines[module->GetName()] = log.lines;
+  }
+  EXPECT_THAT(lines["sampleModule1"],
+              ElementsAre("3 pqmodules/rsamplemodule1 [repo] Enter EnumPQ1Instances",
+                          "3 pqmodules/rsamplemodule1 [repo] Exit EnumPQ1Instances"));
+  EXPECT_THAT(lines["sampleModule2"],
+              ElementsAre("3 pqmodules/rsamplemodule2 [repo] Enter EnumPQ2Instances",
+                          "3 pqmodules/rsamplemodule2 [repo] Exit EnumPQ2Instances"));
+  EXPECT_THAT(lines["BMC_Info"], ElementsAre("3 pqmodules/rbmcinfo [repo] Enter EnumBMCInstances",
+                                             "3 pqmodules/rbmcinfo [repo] Exit EnumBMCInstances"));
+  EXPECT_THAT(lines["Windows_Related_Info"],
+              ElementsAre("3 pqmodules/rwininfo [repo] Enter EnumWINInstances",
+                          "3 pqmodules/rwininfo [repo] Exit EnumWINInstances"));
 }
 
 TEST(CollectionModule, StaysCollectedWhenResourcesAreDropped) {

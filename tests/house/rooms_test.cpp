@@ -62,6 +62,7 @@ constexpr Library kLibraries[] = {
     {"<CLI/", "pqhost/commands"},
     {"<nlohmann/", "text recording formats"},
     {"<nettle/", "files/posix"},
+    {"<zlib", "files"},
     {"<libpq", ""},
     // Results and messages go to the streams that a program hands in.
     {"<iostream>", "pqhost/main"},

@@ -574,7 +574,8 @@ TEST(Program, ComplainsInOneLineOnStandardError) {
   EXPECT_EQ(run.exitCode, 2);
   EXPECT_EQ(run.out, "");
   EXPECT_EQ(run.error,
-            "pqhost: nothing to do: give a command (collect, health, modules, query, check, help; "
+            "pqhost: nothing to do: give a command (collect, health, modules, query, check, "
+            "verify, help; "
             "see pqhost --help)\n");
 }
 

@@ -96,19 +96,20 @@ TEST(Options, ReadAllOfModules) {
 }
 
 TEST(Options, WantsACommand) {
-  EXPECT_EQ(Complaint({}),
-            "nothing to do: give a command (collect, health, modules, query, check, help; see "
-            "pqhost --help)");
+  EXPECT_EQ(
+      Complaint({}),
+      "nothing to do: give a command (collect, health, modules, query, check, verify, help; see "
+      "pqhost --help)");
 }
 
 TEST(Options, SuggestsTheCommandThatWasMeant) {
   EXPECT_EQ(Complaint({"colect"}),
             "there is no command colect; did you mean collect? (commands: collect, health, "
-            "modules, query, check, help; see pqhost --help)");
-  EXPECT_EQ(
-      Complaint({"zzz"}),
-      "there is no command zzz (commands: collect, health, modules, query, check, help; see pqhost "
-      "--help)");
+            "modules, query, check, verify, help; see pqhost --help)");
+  EXPECT_EQ(Complaint({"zzz"}),
+            "there is no command zzz (commands: collect, health, modules, query, check, verify, "
+            "help; see pqhost "
+            "--help)");
 }
 
 TEST(Options, SuggestsTheOptionThatWasMeant) {
@@ -123,9 +124,9 @@ TEST(Options, SuggestsTheOptionThatWasMeant) {
 TEST(Options, SuggestsTheFormatThatWasMeant) {
   EXPECT_EQ(Complaint({"collect", "--format", "jsn"}),
             "there is no format jsn; did you mean json? (formats: table, json, ndjson, csv, html, "
-            "sqlite, none)");
+            "sqlite, prometheus, none)");
   EXPECT_EQ(Complaint({"modules", "--format", "csv"}),
-            "there is no format csv (formats: table, json, markdown, parts)");
+            "there is no format csv (formats: table, json, markdown, parts, metrics)");
 }
 
 TEST(Options, RefusesWordsThatBelongToNothing) {
@@ -240,6 +241,13 @@ TEST(Options, RefuseToRecordAReplay) {
             "away");
 }
 
+TEST(Options, KeepTheRecordingApartFromResults) {
+  for (const char* option : {"--output", "--trace"}) {
+    EXPECT_EQ(Complaint({"collect", "--record", "r.zip", option, "./r.zip"}),
+              std::string(option) + " and --record name the same place: give each its own");
+  }
+}
+
 TEST(Options, RefuseAToolLimitInAReplay) {
   EXPECT_EQ(Complaint({"collect", "--replay", "a", "--tool-limit", "5"}),
             "--tool-limit has no use with --replay, which runs no tools: leave one of them away");
@@ -294,8 +302,10 @@ TEST(Options, RefusesALogFolderForTheFilesOfSeveralMachines) {
 }
 
 TEST(Options, RefuseToIdentifyRowsThatNeedNot) {
-  EXPECT_EQ(Complaint({"collect", "--replay", kSample, "--identify", "--format", "json"}),
-            "--identify is for csv: json tells the machine in its own place; leave it away");
+  EXPECT_EQ(
+      Complaint({"collect", "--replay", kSample, "--identify", "--format", "json"}),
+      "--identify is for csv and prometheus: json tells the machine in its own place; leave it "
+      "away");
 }
 
 TEST(Options, RefusesAQueryWithoutSql) {

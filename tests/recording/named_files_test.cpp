@@ -13,7 +13,8 @@ TEST(NamedFiles, AreReadOnceAndShared) {
   const test::TemporaryFolder folder;
   folder.Write("a", "bytes");
   folder.Write("b", "bytes");
-  NamedFiles files(folder.Path(), {});
+  const auto stored = OpenStoredFiles(folder.Path(), {});
+  NamedFiles files(*stored, {});
   const auto read = files.Read("a");
   EXPECT_EQ(read, "bytes");
   EXPECT_TRUE(files.Read("a").SharesWith(read));
@@ -22,7 +23,8 @@ TEST(NamedFiles, AreReadOnceAndShared) {
 
 TEST(NamedFiles, AreRefusedEveryTime) {
   const test::TemporaryFolder folder;
-  NamedFiles files(folder.Path(), {});
+  const auto stored = OpenStoredFiles(folder.Path(), {});
+  NamedFiles files(*stored, {});
   for (int i = 0; i < 2; ++i) {
     EXPECT_THAT([&] { files.Read("a"); },
                 testing::ThrowsMessage<std::runtime_error>("\"a\": there is no such file"));

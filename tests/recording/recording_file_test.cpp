@@ -132,14 +132,19 @@ TEST_F(RecordingFile, ReadsTheSamplesOfTheProduct) {
 
 TEST_F(RecordingFile, SaysThatAFolderIsMissing) {
   EXPECT_THAT([&] { LoadRecording(folder.Path() / "none"); },
-              testing::ThrowsMessage<RecordingError>(
-                  AllOf(HasSubstr("none: there is no such folder"), HasSubstr("recording.json"))));
+              testing::ThrowsMessage<RecordingError>(AllOf(
+                  HasSubstr("none: there is no such folder or ZIP file; a recording is a folder"),
+                  HasSubstr("recording.json"))));
 }
 
-TEST_F(RecordingFile, SaysThatAFileIsNoFolder) {
+TEST_F(RecordingFile, SaysThatAFileIsNoRecording) {
   folder.Write("recording.json", R"({"format": 1})");
   EXPECT_THAT([&] { LoadRecording(folder.Path() / "recording.json"); },
-              testing::ThrowsMessage<RecordingError>(HasSubstr("there is no such folder")));
+              testing::ThrowsMessage<RecordingError>(
+                  EndsWith("is one file of a recording; give the folder that it is in")));
+  folder.Write("server.db", "SQLite");
+  EXPECT_THAT([&] { LoadRecording(folder.Path() / "server.db"); },
+              testing::ThrowsMessage<RecordingError>(HasSubstr("server.db: it is no ZIP file")));
 }
 
 TEST_F(RecordingFile, SaysThatTheFileIsMissing) {

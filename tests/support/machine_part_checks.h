@@ -29,7 +29,7 @@ inline std::string GetLine(std::string_view text, std::int64_t number) {
 }
 
 /// All that is printed at `place`: its cell or a line of it; of a text that no cell has, that line
-/// of every answer.
+/// of every answer and of every file.
 inline std::vector<std::string> ListTexts(const host::Collection& collection,
                                           const host::Place& place) {
   const host::TextDecoder decode(collection.machine.codePage);
@@ -38,6 +38,9 @@ inline std::vector<std::string> ListTexts(const host::Collection& collection,
     for (const host::CollectedAnswer& answer : collection.answers) {
       texts.push_back(GetLine(decode(answer.output), place.line));
       texts.push_back(GetLine(decode(answer.fileText), place.line));
+    }
+    for (const auto& [path, text] : collection.files) {
+      texts.push_back(GetLine(decode(text), place.line));
     }
     return texts;
   }

@@ -21,6 +21,7 @@ import subprocess
 import sys
 import tempfile
 import time
+import zipfile
 
 ROOT = pathlib.Path.cwd()
 PREFIX = pathlib.Path(os.environ["WINEPREFIX"])
@@ -443,13 +444,18 @@ def check_unsafe_folder(host_folder, log_folder, said):
 RECORDED = ["amt-desktop", "two-socket-server", "bare-machine"]
 
 
+# Of these, the one that is recorded as a ZIP file.
+ZIPPED = "two-socket-server"
+
+
 def check_recording(binaries, standins, pqhost, sample):
     """Records the live collection and replays it natively: both do the same."""
     folder = OUTPUT / (sample.name + ".recorded")
     shutil.rmtree(folder, ignore_errors=True)
     folder.mkdir(parents=True)
-    recorded, wine_trace, native_trace = (
+    files, wine_trace, native_trace = (
         folder / "recording", folder / "wine.jsonl", folder / "native.jsonl")
+    recorded = folder / "recording.zip" if sample.name == ZIPPED else files
     with Machine(binaries, standins, sample) as machine:
         ran = run_wine([machine.host, "collect", "--log-folder", machine.log_folder.rstrip("\\"),
                         "--format", "none", "--trace", windows_path(wine_trace),
@@ -462,17 +468,24 @@ def check_recording(binaries, standins, pqhost, sample):
                                 windows_path(recorded)], cwd=unix_path(WORKING_FOLDER),
                                capture_output=True, stdin=subprocess.DEVNULL, timeout=TIME_LIMIT,
                                check=False)
-        if again.returncode != 2 or b"is not empty" not in again.stderr:
+        refusal = b"is there already" if sample.name == ZIPPED else b"is not empty"
+        if again.returncode != 2 or refusal not in again.stderr:
             raise Failure(f"a recording is written over: {again.returncode} {again.stderr!r}")
         password_of = passwords(machine.recording)
-    subprocess.run(["sha256sum", "--quiet", "--strict", "-c", "manifest.sha256"], cwd=recorded,
+    if recorded != files:
+        with zipfile.ZipFile(recorded) as packed:
+            if packed.namelist()[:3] != ["submission.json", "recording.json", "manifest.sha256"]:
+                raise Failure(f"the ZIP file begins with {packed.namelist()[:3]}")
+            packed.extractall(files)
+        subprocess.run([pqhost, "verify", recorded], check=True, stdout=subprocess.DEVNULL)
+    subprocess.run(["sha256sum", "--quiet", "--strict", "-c", "manifest.sha256"], cwd=files,
                    check=True)
     listed = {line.split("  ", 1)[1] for line in
-              (recorded / "manifest.sha256").read_text(encoding="ascii").splitlines()}
-    present = {str(path.relative_to(recorded)) for path in recorded.rglob("*") if path.is_file()}
+              (files / "manifest.sha256").read_text(encoding="ascii").splitlines()}
+    present = {str(path.relative_to(files)) for path in files.rglob("*") if path.is_file()}
     if present - listed != {"manifest.sha256", "submission.json"}:
         raise Failure(f"the manifest lacks {sorted(present - listed)}")
-    for path in recorded.rglob("*"):
+    for path in files.rglob("*"):
         for password in password_of:
             if path.is_file() and password.encode("latin-1") in path.read_bytes():
                 raise Failure(f"the password {password} stands in {path}")
@@ -628,6 +641,46 @@ def check_hung_tool(binaries, standins, _pqhost, sample):
     texts = {table["class"]: table["status"]["text"] for table in tables}
     if not texts["SELINFO"].endswith(f"had been ended after {TOOL_LIMIT} s and was not started again"):
         raise Failure(f"status: {texts}")
+    return len(tables)
+
+
+def check_old_archive(binaries, standins, _pqhost, sample):
+    """The archive in the folder is days old: arcconf left none, because it is missing, or though it
+    ran. Its tables say so with the date of the oldest file, and the collection has a problem."""
+    folder = OUTPUT / "old_archive"
+    shutil.rmtree(folder, ignore_errors=True)
+    folder.mkdir(parents=True)
+    result = folder / "result.json"
+    days = 24 * 3600
+    oldest = time.time() - 5 * days
+    said = "files of " + time.strftime("%Y-%m-%d %H:%M:%S", time.localtime(oldest))
+    with Machine(binaries, standins, sample) as machine:
+        for path in machine.recording["files"]:
+            is_config = path.endswith("Controller_1_Config.txt")
+            written = oldest if is_config else oldest + 2 * days
+            os.utime(unix_path(path), (written, written))
+        host_folder = machine.host.rpartition("\\")[0]
+        arcconf = unix_path(host_folder + r"\utilities\arcconf\arcconf.exe")
+        for reason in ("left no newer ones", "is not on this machine"):
+            if reason == "is not on this machine":
+                arcconf.unlink()
+            ran = run_wine([machine.host, "collect", "--module", "sampleModule1", "--log-folder",
+                            machine.log_folder.rstrip("\\"), "--format", "json", "--output",
+                            windows_path(result)], US_ENGLISH,
+                           standin_variables(sample, folder / "state") | interpreter_of_ours())
+            collected = json.loads(result.read_text(encoding="utf-8"))
+            tables = {table["class"]: table for table in collected["tables"]}
+            for name in ("PMCINFO", "PMCVER", "PMCLINK"):
+                notes = tables[name]["status"]["notes"]
+                if not tables[name]["rows"] or not any(
+                        note.startswith(f"from {said}") and note.endswith(f"; arcconf.exe {reason}")
+                        for note in notes):
+                    raise Failure(f"{name}, where arcconf {reason}: {notes}")
+            problem = f"{reason}; {said}"
+            if ran.returncode != 1 or problem not in ran.stderr.decode(errors="replace"):
+                raise Failure(f"exit code {ran.returncode}: {ran.stderr!r}")
+            if len(collected["problems"]) != 1 or problem not in collected["problems"][0]:
+                raise Failure(f"problems: {collected['problems']}")
     return len(tables)
 
 
@@ -916,6 +969,7 @@ def main():
         check(f"{tool} with a limit ({mode})", check_tool_limit(tool, mode, is_ended),
               ROOT / "samples" / "two-socket-server")
     check("a tool that hangs each time", check_hung_tool, ROOT / "samples" / "two-socket-server")
+    check("an old archive", check_old_archive, ROOT / "samples" / "two-socket-server")
     check("planted programs", check_planted, ROOT / "samples" / "two-socket-server")
     check("a killed collection", check_killed, ROOT / "samples" / "two-socket-server")
     check("AMT login", check_login, ROOT / "samples" / "amt-desktop")

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -67,10 +68,30 @@ int GetExitCode(Severity worst);
 int GetExitCode(const Health& health);
 std::size_t CountFindings(const Health& health, Severity severity);
 
-/// Judges a machine. Throws HealthFileError for a rule of the user's that cannot be asked.
+/// Judges machines by the same options, one after the other; to be used by one thread. What the
+/// rules need is made for the first machine, which takes a few times as long as judging the next.
+class HealthJudge {
+ public:
+  explicit HealthJudge(HealthOptions options = {});
+  HealthJudge(const HealthJudge&) = delete;
+  HealthJudge& operator=(const HealthJudge&) = delete;
+  ~HealthJudge();
+
+  /// Whether there are rules of the user's among those that are asked.
+  bool HasOwnRules() const;
+  /// Throws HealthFileError for a rule of the user's that cannot be asked.
+  Health Judge(const Collection& collection, const Parts& parts);
+  /// The same of parts alone; `collected` is the time when nothing else is known.
+  Health JudgeParts(const Parts& parts, const std::string& collected);
+
+ private:
+  HealthOptions options;
+  std::unique_ptr<class RuleDatabase> rules;  ///< null before the first machine
+};
+
+/// The same for one machine.
 Health JudgeCollection(const Collection& collection, const Parts& parts,
                        const HealthOptions& options);
-/// The same of parts alone; `collected` is the time when nothing else is known.
 Health JudgeParts(const Parts& parts, const std::string& collected, const HealthOptions& options);
 
 }  // namespace host

@@ -91,7 +91,7 @@ class RuleFileReader {
   }
 
   void TakeTag(const Tag& tag) {
-    if (tag.name == "rule" || tag.name == "table") {
+    if (tag.name == "rule" || tag.name == "table" || tag.name == "words") {
       EndBlock();
       if (tag.value.empty()) Refuse(fmt::format("@{} needs a name", tag.name));
       if (!names.insert(std::string(tag.value)).second) {
@@ -105,6 +105,7 @@ class RuleFileReader {
       rule.file = file;
       table = {};
       table.name = tag.value;
+      table.isFixed = tag.name == "words";
       return;
     }
     if (!isOpen) Refuse(fmt::format("@{} comes before any rule", tag.name));
@@ -114,7 +115,7 @@ class RuleFileReader {
 
   bool TakeTableTag(const Tag& tag) {
     if (tag.name != "index") return false;
-    table.index = tag.value;
+    table.indexes.emplace_back(tag.value);
     return true;
   }
 

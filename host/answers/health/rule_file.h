@@ -19,8 +19,9 @@ class HealthFileError : public std::runtime_error {
 /// Words and intermediate results that rules refer to.
 struct RuleTable {
   std::string name;
-  std::string index;  ///< its columns, with commas; empty: none
-  std::string sql;    ///< one SELECT
+  std::vector<std::string> indexes;  ///< the columns of each, with commas
+  bool isFixed = false;              ///< the same for every machine
+  std::string sql;                   ///< one SELECT
 };
 
 struct Rule {

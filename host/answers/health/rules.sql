@@ -1,7 +1,8 @@
 -- What is wrong with a machine, as questions to its parts.
 --
--- A block begins with a line "-- @table NAME" or "-- @rule ID" and has one SELECT. Tables are words
--- and intermediate results, made once, in this order. A rule answers one row for each hit:
+-- A block begins with a line "-- @words NAME", "-- @table NAME" or "-- @rule ID" and has one SELECT.
+-- Words are the same for every machine; tables are intermediate results, made for each in this order,
+-- with an index for each line "-- @index COLUMNS". A rule answers one row for each hit:
 --
 --   severity   critical, warning, notice (shown, never an alarm) or unknown
 --   id         of the part that is not well, a row of the table @part
@@ -21,11 +22,12 @@
 -- ------------------------------------------------------------------------------------------ words
 
 -- States of IPMI sensors, by event type, sensor type (NULL: any) and offset. "lasts" is 0 for what
--- happens at a moment.
--- @table ipmi_states
+-- happens at a moment. (Here and below: without CAST a column has no type, and then SQLite uses no
+-- index to compare it with one that has.)
+-- @words ipmi_states
 -- @index event_type, bit
-SELECT column1 AS event_type, column2 AS type, column3 AS bit, column4 AS severity,
-       column5 AS meaning, column6 AS lasts
+SELECT CAST(column1 AS INTEGER) AS event_type, CAST(column2 AS INTEGER) AS type,
+       CAST(column3 AS INTEGER) AS bit, column4 AS severity, column5 AS meaning, column6 AS lasts
 FROM (VALUES
   -- Thresholds
   (0x01, NULL,  0, 'warning',  'below lower non-critical limit', 1),
@@ -148,8 +150,8 @@ FROM (VALUES
 
 -- ipmiutil's words that have one meaning only; "Faulty", "Absent", "Present" and "Asserted" have
 -- several. A type of NULL is any.
--- @table ipmiutil_words
-SELECT column1 AS word, column2 AS type, column3 AS severity
+-- @words ipmiutil_words
+SELECT column1 AS word, CAST(column2 AS INTEGER) AS type, column3 AS severity
 FROM (VALUES
   ('chassisintrus', 0x05, 'warning'),
   ('ierr', 0x07, 'critical'), ('thermaltrip', 0x07, 'critical'),
@@ -167,7 +169,7 @@ FROM (VALUES
   ('non-recoverable', NULL, 'critical'), ('exceeded', NULL, 'warning'));
 
 -- Status words of sensors with limits, in both listings.
--- @table threshold_words
+-- @words threshold_words
 SELECT column1 AS word, column2 AS condition
 FROM (VALUES
   ('ok', 'ok'), ('ok*', 'ok'),
@@ -180,15 +182,15 @@ FROM (VALUES
   ('nr', 'critical'), ('lnr', 'critical'), ('unr', 'critical'), ('belowcrit', 'critical'),
   ('abovecrit', 'critical'));
 
--- @table sensor_areas
-SELECT column1 AS type, column2 AS area
+-- @words sensor_areas
+SELECT CAST(column1 AS INTEGER) AS type, column2 AS area
 FROM (VALUES (0x01, 'temperatures'), (0x02, 'voltages'), (0x04, 'cooling'), (0x0a, 'cooling'),
              (0x08, 'power'), (0x09, 'power'), (0x0c, 'memory'));
 
 -- Codes of the first generation's event log that are troubles, or only look like one.
--- @table lsi_codes
+-- @words lsi_codes
 -- @index code
-SELECT column1 AS code, 'critical' AS severity
+SELECT CAST(column1 AS INTEGER) AS code, 'critical' AS severity
 FROM (VALUES
   (0x00a), (0x00b), (0x00d), (0x00f), (0x020), (0x032), (0x03c), (0x061), (0x065), (0x066),
   (0x06d), (0x096), (0x0a6), (0x0b2), (0x0b4), (0x0b5), (0x0bb), (0x0bc), (0x0ca), (0x0d3),
@@ -205,9 +207,9 @@ UNION ALL SELECT column1, 'none'
 FROM (VALUES (0x068), (0x094), (0x097), (0x098), (0x0db), (0x0ec), (0x12f));
 
 -- Which later event of the same part says that the trouble is over.
--- @table lsi_ends
+-- @words lsi_ends
 -- @index ended_by
-SELECT column1 AS code, column2 AS ended_by
+SELECT CAST(column1 AS INTEGER) AS code, CAST(column2 AS INTEGER) AS ended_by
 FROM (VALUES
   (0x033, 0x030), (0x03d, 0x03a), (0x03e, 0x03a), (0x065, 0x063), (0x065, 0x064), (0x066, 0x063),
   (0x066, 0x064), (0x08e, 0x08d), (0x091, 0x095), (0x096, 0x090), (0x096, 0x08f), (0x0a1, 0x08d),
@@ -217,11 +219,22 @@ FROM (VALUES
   (0x121, 0x120), (0x143, 0x146), (0x144, 0x146), (0x182, 0x090), (0x188, 0x189), (0x18b, 0x090),
   (0x191, 0x190));
 
+-- All codes that a rule looks at; "ends" is 1 for those that end trouble.
+-- @words lsi_looked_at
+-- @index code
+SELECT ended_by AS code, 1 AS ends, '*' AS sense FROM lsi_ends
+UNION SELECT column1, 0, column2
+FROM (VALUES (0x71, '[34]/*'), (0x10b, '*'), (0x10c, '*'))
+UNION SELECT code, 0, '*' FROM lsi_codes
+WHERE severity <> 'none' AND code NOT IN (SELECT ended_by FROM lsi_ends);
+
 -- ------------------------------------------------------------------------------ what parts amount to
 
 -- "called" is what people call the part; with several controllers it says whose.
 -- @table volume_states
 -- @index grp
+-- @index controller
+-- @index id
 SELECT v.*,
        'volume ' || coalesce(v.number, v.id) || coalesce(' "' || v.name || '"', '') ||
        coalesce(' (' || CASE WHEN v.level GLOB '[0-9]*' THEN 'RAID ' ELSE '' END || v.level || ')',
@@ -237,6 +250,7 @@ FROM volumes v;
 
 -- @table drive_states
 -- @index grp
+-- @index controller
 SELECT d.*,
        'drive ' || coalesce(d.place, d.id) ||
        CASE WHEN (SELECT count(*) FROM controllers) > 1 THEN coalesce(' of ' || d.controller, '')
@@ -280,20 +294,40 @@ FROM cache_backups
 UNION ALL SELECT 'controllers', id, 'controller ' || id || coalesce(' (' || model || ')', '')
 FROM controllers;
 
+-- The fastest link that a kind of drive has on a controller.
+-- @table best_links
+SELECT controller, device_speed, max(link_speed) AS link_speed FROM drives
+WHERE device_speed IS NOT NULL GROUP BY controller, device_speed;
+
+-- Drives that are lost and tell no group; the only one of a controller is that which a volume lacks.
+-- @table loose_drives
+SELECT controller, CASE WHEN count(*) = 1 THEN min(id) END AS id FROM drives
+WHERE grp IS NULL AND condition IN ('failed', 'missing') GROUP BY controller;
+
+-- ----------------------------------------------------------------------------------------- the logs
+
+-- A log can have a hundred thousand entries: they are gone through three times, and only those that a
+-- rule looks at are kept.
+
 -- Events before a drive was taken out are those of another drive.
 -- @table removed_drives
 -- @index part_id
 SELECT part_id, max(number) AS number FROM events
-WHERE source = 'LSI' AND part = 'drives' AND code IN (0x70, 0xf8) GROUP BY part_id;
+WHERE code IN (0x70, 0xf8) AND source = 'LSI' AND part = 'drives' GROUP BY part_id;
 
+-- What is trouble matters for a while, what ends trouble always.
 -- @table lsi_events
 -- @index part_id, code
-SELECT e.id, e.controller, e.number, e.time, e.code, e.level, e.text, e.sense, e.part, e.part_id,
+SELECT e.id, e.number, e.time, e.code, e.level, e.text, e.sense, e.part, e.part_id,
        coalesce(c.called, e.part_id) AS called
 FROM events e
+LEFT JOIN lsi_looked_at l ON l.code = e.code
 LEFT JOIN removed_drives r ON r.part_id = e.part_id AND e.part = 'drives'
 LEFT JOIN called_parts c ON c.part = e.part AND c.id = e.part_id
-WHERE e.source = 'LSI' AND (r.number IS NULL OR coalesce(e.number > r.number, 1));
+WHERE (l.code IS NOT NULL OR e.level >= 2 OR e.text LIKE 'PD % reset (Type%') AND e.source = 'LSI'
+      AND (coalesce(l.sense, '*') = '*' OR e.sense GLOB l.sense OR e.level >= 2)
+      AND (l.ends OR recent(e.time))
+      AND (r.number IS NULL OR coalesce(e.number > r.number, 1));
 
 -- The last event that ends a trouble, for each part and code.
 -- @table lsi_ended
@@ -303,6 +337,10 @@ FROM (SELECT part_id, code, max(number) AS number FROM lsi_events GROUP BY part_
 JOIN lsi_ends n ON n.ended_by = e.code
 GROUP BY e.part_id, n.code;
 
+-- The logs of all but MegaRAID controllers.
+-- @table other_events
+SELECT * FROM events WHERE source <> 'LSI';
+
 -- Entries of the BMC's log with their meaning, if they have one here.
 -- @table sel_events
 SELECT e.id, e.number, e.time, e.code, e.level, e.kind, e.sensor, e.event_type, e."offset", e.text,
@@ -310,7 +348,7 @@ SELECT e.id, e.number, e.time, e.code, e.level, e.kind, e.sensor, e.event_type, 
        coalesce(s.called, e.part_id, e.kind) AS called,
        coalesce(s.area, a.area, 'sensors') AS area, s.condition, s.states,
        i.severity, i.meaning, i.lasts
-FROM events e
+FROM other_events e
 LEFT JOIN sensor_states s ON s.id = e.part_id
 LEFT JOIN sensor_areas a ON a.type = e.code
 LEFT JOIN ipmi_states i ON i.event_type = e.event_type AND i.bit = e."offset"
@@ -489,12 +527,12 @@ FROM drive_states WHERE wear_left <= setting('wear_left');
 -- @column link_speed
 -- @why Its link is slower than that of drives of its kind on the same controller; often a contact is bad.
 -- @next Reseat the drive; if that does not help, try another one in its slot.
-SELECT 'notice', id, link_speed || ' of ' || device_speed || ' Gb/s', NULL,
-       'Reseat ' || called || ': its link runs at ' || link_speed || ' of ' || device_speed || ' Gb/s'
+SELECT 'notice', id, d.link_speed || ' of ' || d.device_speed || ' Gb/s', NULL,
+       'Reseat ' || called || ': its link runs at ' || d.link_speed || ' of ' || d.device_speed ||
+       ' Gb/s'
 FROM drive_states d
-WHERE link_speed < device_speed
-      AND EXISTS (SELECT 1 FROM drives o WHERE o.controller = d.controller AND o.id <> d.id
-                  AND o.device_speed = d.device_speed AND o.link_speed > d.link_speed);
+JOIN best_links b ON b.controller = d.controller AND b.device_speed = d.device_speed
+WHERE d.link_speed < d.device_speed AND d.link_speed < b.link_speed;
 
 -- @rule drive.failed-before
 -- @part drives
@@ -550,9 +588,7 @@ FROM (SELECT v.*,
              (SELECT group_concat(d.id, ';') FROM drive_states d
               WHERE d.grp = v.grp AND d.condition IN ('failed', 'missing')) AS failed,
              (SELECT group_concat(m.id, ';') FROM missing_drives m WHERE m.grp = v.grp) AS missing,
-             (SELECT CASE WHEN count(*) = 1 THEN min(d.id) END FROM drive_states d
-              WHERE d.controller = v.controller AND d.grp IS NULL
-                    AND d.condition IN ('failed', 'missing')) AS loose
+             (SELECT l.id FROM loose_drives l WHERE l.controller = v.controller) AS loose
       FROM volume_states v WHERE condition = 'degraded');
 
 -- @rule volume.partly-degraded
@@ -646,7 +682,7 @@ SELECT 'critical', m.id, m.state,
         WHERE d.controller = m.controller AND d.condition IN ('failed', 'missing')
               AND (d.grp IS NULL OR d.grp = m.grp)),
        'Put a drive in: ' || m.id ||
-       coalesce(' of the array ' || (SELECT min(v.id) FROM volumes v WHERE v.grp = m.grp), '') ||
+       coalesce(' of the array ' || (SELECT min(v.id) FROM volume_states v WHERE v.grp = m.grp), '') ||
        ' is missing'
 FROM missing_drives m WHERE m.state LIKE 'Msng%' OR m.state LIKE 'Missing%';
 
@@ -676,7 +712,7 @@ WHERE v.condition IN ('degraded', 'partly')
 SELECT CASE condition
        WHEN 'passing' THEN 'notice'
        WHEN 'failed' THEN 'critical'
-       WHEN 'bad' THEN CASE WHEN EXISTS (SELECT 1 FROM volumes v WHERE v.controller = c.controller
+       WHEN 'bad' THEN CASE WHEN EXISTS (SELECT 1 FROM volume_states v WHERE v.controller = c.controller
                                          AND v.cache LIKE '%AWB%') THEN 'critical' ELSE 'warning' END
        ELSE 'unknown' END, id, state, NULL,
        CASE condition
@@ -711,9 +747,9 @@ WHERE temperature >= warm;
 -- @source check_raid (arcconf)
 SELECT CASE WHEN status LIKE '%Attention%' OR status LIKE '%Degraded%' THEN 'warning'
             ELSE 'critical' END, id, status,
-       coalesce((SELECT group_concat(v.id, ';') FROM volumes v WHERE v.controller = c.id
+       coalesce((SELECT group_concat(v.id, ';') FROM volume_states v WHERE v.controller = c.id
                  AND v.condition IN ('degraded', 'partly', 'offline')),
-                (SELECT group_concat(d.id, ';') FROM drives d WHERE d.controller = c.id
+                (SELECT group_concat(d.id, ';') FROM drive_states d WHERE d.controller = c.id
                  AND d.condition IN ('failed', 'missing', 'bad')),
                 (SELECT group_concat(b.id, ';') FROM cache_backups b WHERE b.controller = c.id
                  AND b.condition IN ('failed', 'bad'))),
@@ -732,7 +768,7 @@ SELECT 'critical', id,
        'Find the volumes that controller ' || id || ' counts as failed or degraded'
 FROM controllers c
 WHERE (volumes_failed > 0 OR volumes_degraded > 0)
-      AND NOT EXISTS (SELECT 1 FROM volumes v WHERE v.controller = c.id AND v.condition <> 'optimal');
+      AND NOT EXISTS (SELECT 1 FROM volume_states v WHERE v.controller = c.id AND v.condition <> 'optimal');
 
 -- @rule controller.defunct
 -- @part controllers
@@ -741,7 +777,7 @@ WHERE (volumes_failed > 0 OR volumes_degraded > 0)
 -- @why The controller counts a drive that it can no longer use.
 -- @next Find it among the drives and replace it.
 SELECT 'warning', id, drives_defunct || ' defunct',
-       (SELECT group_concat(d.id, ';') FROM drives d
+       (SELECT group_concat(d.id, ';') FROM drive_states d
         WHERE d.controller = c.id AND (d.condition IN ('failed', 'missing', 'predicted')
               OR d.predictive_failures > 0 OR d.smart_alert LIKE 'Yes%')),
        'Replace what controller ' || id || ' counts as defunct drives: ' || drives_defunct
@@ -782,7 +818,7 @@ FROM enclosures WHERE lower(state) NOT IN ('ok', 'optimal', '-', '');
 -- @next Look at the entry, and at the part that it names.
 -- @source MegaRAID event codes
 SELECT CASE WHEN n.code IN (0xfa, 0xfb, 0xfc)
-                 AND EXISTS (SELECT 1 FROM volumes v WHERE v.id = n.part_id
+                 AND EXISTS (SELECT 1 FROM volume_states v WHERE v.id = n.part_id
                              AND v.condition NOT IN ('unknown', 'untold'))
             THEN 'notice' ELSE n.severity END,
        n.part_id, printf('%d x 0x%02x %s, last %s', n.times, n.code, n.text, n.time), NULL,
@@ -797,7 +833,7 @@ FROM (SELECT e.part, e.part_id, e.called, e.code, c.severity, count(*) AS times,
       WHERE c.severity <> 'none' AND recent(e.time)
             AND (o.number IS NULL OR coalesce(e.number > o.number, 1))
       GROUP BY e.part_id, e.code) n
-WHERE NOT (n.part = 'volumes' AND EXISTS (SELECT 1 FROM volumes v WHERE v.id = n.part_id
+WHERE NOT (n.part = 'volumes' AND EXISTS (SELECT 1 FROM volume_states v WHERE v.id = n.part_id
                                           AND v.condition = 'optimal'))
       AND NOT (n.part = 'cache_backups' AND EXISTS (SELECT 1 FROM cache_backups b
                                                     WHERE b.id = n.part_id AND b.condition = 'good'));
@@ -827,7 +863,7 @@ GROUP BY e.part_id, coalesce(e.code, e.text);
 -- @next Find out why, in what the log says of its drives at that time.
 SELECT 'notice', e.part_id, e.text || ', ' || max(e.time), NULL,
        'Find out why ' || e.called || ' was not whole on ' || max(e.time), e.id AS event
-FROM lsi_events e JOIN volumes v ON v.id = e.part_id AND v.condition = 'optimal'
+FROM lsi_events e JOIN volume_states v ON v.id = e.part_id AND v.condition = 'optimal'
 WHERE e.code IN (0xfb, 0xfc) AND e.part = 'volumes' AND recent(e.time) GROUP BY e.part_id;
 
 -- @rule microchip.event
@@ -841,9 +877,9 @@ SELECT CASE WHEN worst >= 2 THEN 'warning' ELSE 'notice' END, part_id,
               text), NULL,
        'Look at the log of controller ' || part_id || ': "' || text || '" on ' || time, event AS event
 FROM (SELECT part_id, count(*) AS times, text, max(time) AS time, id AS event,
-             (SELECT max(o.level) FROM events o WHERE o.source = 'Microchip'
+             (SELECT max(o.level) FROM other_events o WHERE o.source = 'Microchip'
               AND o.part_id = e.part_id AND recent(o.time)) AS worst
-      FROM events e WHERE source = 'Microchip' AND level >= 1 AND recent(time) GROUP BY part_id);
+      FROM other_events e WHERE source = 'Microchip' AND level >= 1 AND recent(time) GROUP BY part_id);
 
 -- @rule sas2.event
 -- @part controllers
@@ -852,7 +888,7 @@ FROM (SELECT part_id, count(*) AS times, text, max(time) AS time, id AS event,
 -- @why The controller's log has warnings. It counts time from its start, so nobody knows how old they are.
 -- @next Look at the entries; sas2ircu 0 display tells how things are now.
 SELECT CASE WHEN worst >= 2 AND NOT EXISTS
-                 (SELECT 1 FROM events o WHERE o.source = 'SAS2' AND o.number > last
+                 (SELECT 1 FROM other_events o WHERE o.source = 'SAS2' AND o.number > last
                   AND (o.text LIKE '%optimal%' OR o.text LIKE '%resync complete%'))
             THEN 'warning' ELSE 'notice' END, 'sas2',
        printf('%d %s, highest class %d: %s', times,
@@ -860,12 +896,12 @@ SELECT CASE WHEN worst >= 2 AND NOT EXISTS
        'Look at the log of the SAS2 controller: ' || texts, event AS event
 FROM (SELECT count(*) AS times, max(level) AS worst, 
              (SELECT group_concat(text, '; ')
-              FROM (SELECT text FROM events WHERE source = 'SAS2' AND level >= 1
+              FROM (SELECT text FROM other_events WHERE source = 'SAS2' AND level >= 1
                     GROUP BY text ORDER BY min(number))) AS texts,
-             (SELECT max(number) FROM events WHERE source = 'SAS2' AND level >= 1) AS last,
-             (SELECT id FROM events WHERE source = 'SAS2' AND level >= 1 ORDER BY number DESC LIMIT 1)
+             (SELECT max(number) FROM other_events WHERE source = 'SAS2' AND level >= 1) AS last,
+             (SELECT id FROM other_events WHERE source = 'SAS2' AND level >= 1 ORDER BY number DESC LIMIT 1)
              AS event
-      FROM events WHERE source = 'SAS2' AND level >= 1)
+      FROM other_events WHERE source = 'SAS2' AND level >= 1)
 WHERE times > 0;
 
 -- ------------------------------------------------------------------------------------- BMC: sensors
@@ -1047,7 +1083,7 @@ SELECT CASE WHEN level >= 2 THEN 'critical' ELSE 'warning' END, 'amt',
        printf('%s%s (%s)', coalesce(kind || ': ', ''), text, max(time)), NULL,
        printf('Look at this machine: "%s%s" on %s', coalesce(kind || ': ', ''), text, max(time)),
        id AS event
-FROM events WHERE source = 'AMT' AND level >= 1 AND recent(time) GROUP BY kind, text, level;
+FROM other_events WHERE source = 'AMT' AND level >= 1 AND recent(time) GROUP BY kind, text, level;
 
 -- ----------------------------------------------------------------------- what could not be looked at
 
@@ -1074,8 +1110,8 @@ FROM sources s
 JOIN (SELECT 'lsi' AS id, 'LSI' AS vendor UNION ALL SELECT 'microchip', 'Microchip'
       UNION ALL SELECT 'intel', 'Intel') n ON n.id = s.id
 WHERE s.state = 'read'
-      AND NOT EXISTS (SELECT 1 FROM drives d WHERE d.vendor = n.vendor AND d.condition <> 'untold')
-      AND NOT EXISTS (SELECT 1 FROM volumes v WHERE v.vendor = n.vendor AND v.condition <> 'untold')
+      AND NOT EXISTS (SELECT 1 FROM drive_states d WHERE d.vendor = n.vendor AND d.condition <> 'untold')
+      AND NOT EXISTS (SELECT 1 FROM volume_states v WHERE v.vendor = n.vendor AND v.condition <> 'untold')
       AND NOT EXISTS (SELECT 1 FROM groups g WHERE g.vendor = n.vendor AND g.condition <> 'untold')
       AND NOT EXISTS (SELECT 1 FROM enclosures e JOIN controllers c ON c.id = e.controller
                       WHERE c.vendor = n.vendor AND e.state IS NOT NULL)
@@ -1095,7 +1131,7 @@ WHERE id = 'sensors' AND state = 'read'
 -- @why The controller counts more volumes or drives than its report shows, so some were not judged.
 -- @next Look at the report itself.
 -- @source arcconf counts cache devices as well
-SELECT CASE vendor WHEN 'LSI' THEN 'unknown' ELSE 'notice' END, id, told, NULL,
+SELECT CASE vendor WHEN 'Microchip' THEN 'notice' ELSE 'unknown' END, id, told, NULL,
        'Look at the report of controller ' || id || ': it shows ' || told
 FROM (SELECT *, substr(CASE WHEN listed_volumes < volumes_declared
                             THEN ', ' || listed_volumes || ' of ' || volumes_declared || ' volumes'
@@ -1104,8 +1140,8 @@ FROM (SELECT *, substr(CASE WHEN listed_volumes < volumes_declared
                             THEN ', ' || listed_drives || ' of ' || drives_declared || ' drives'
                             ELSE '' END, 3) AS told
       FROM (SELECT c.*,
-                   (SELECT count(*) FROM volumes v WHERE v.controller = c.id) AS listed_volumes,
-                   (SELECT count(*) FROM drives d WHERE d.controller = c.id) AS listed_drives
+                   (SELECT count(*) FROM volume_states v WHERE v.controller = c.id) AS listed_volumes,
+                   (SELECT count(*) FROM drive_states d WHERE d.controller = c.id) AS listed_drives
             FROM controllers c))
 WHERE told <> '';
 

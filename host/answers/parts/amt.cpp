@@ -60,10 +60,16 @@ std::optional<Event> ReadEntry(std::string_view line, const Place& at) {
 
 void ReadAmt(const CollectedRows& rows, Parts& parts) {
   bool isUnderstood = false;
+  std::int64_t declared = 0;
+  std::int64_t listed = 0;
   for (const CollectedRow& row : rows.ListRows(kClass)) {
     const std::string line = row.Get(kClass);
-    if (line.starts_with("AMT event log of")) isUnderstood = true;
+    if (line.starts_with("AMT event log of")) {
+      isUnderstood = true;
+      declared = ReadLeadingInteger(std::string_view(line).substr(line.find(',') + 1)).value_or(0);
+    }
     if (line.empty() || line.front() < '0' || line.front() > '9') continue;
+    ++listed;
     const Place at = row.PlaceOf(kClass, "amt_log");
     if (std::optional<Event> event = ReadEntry(line, at)) {
       isUnderstood = true;
@@ -75,7 +81,11 @@ void ReadAmt(const CollectedRows& rows, Parts& parts) {
     }
   }
   const CollectedTable* table = rows.FindTable(kClass);
-  if (isUnderstood) {
+  if (isUnderstood && listed < declared) {
+    AddSource(parts, "amt", kClass, SourceState::kFailed,
+              "the log breaks off: " + std::to_string(listed) + " of " + std::to_string(declared) +
+                  " records");
+  } else if (isUnderstood) {
     AddSource(parts, "amt", kClass, SourceState::kRead);
   } else if (table != nullptr && table->RowCount() > 0) {
     AddSource(parts, "amt", kClass, SourceState::kFailed, "no entry in the log");

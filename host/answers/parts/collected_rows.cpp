@@ -49,6 +49,14 @@ std::vector<const CollectedAnswer*> CollectedRows::ListAnswers(std::string_view 
   return found;
 }
 
+std::optional<DecodedText> CollectedRows::FindFile(std::string_view path) const {
+  const std::string wanted = LowerCase(path);
+  for (const auto& [name, text] : collection.files) {
+    if (LowerCase(name) == wanted) return decoder.Decode(text);
+  }
+  return std::nullopt;
+}
+
 std::vector<CollectedRow> CollectedRows::ListRows(std::string_view className) const {
   std::vector<CollectedRow> rows;
   const CollectedTable* table = FindTable(className);

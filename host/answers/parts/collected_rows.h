@@ -47,6 +47,9 @@ class CollectedRows {
   /// with these `arguments`.
   std::vector<const CollectedAnswer*> ListAnswers(std::string_view program,
                                                   std::string_view arguments) const;
+  /// The text of a file of the recorded machine, by its path in any case. None without it, and on a
+  /// live machine.
+  std::optional<DecodedText> FindFile(std::string_view path) const;
   DecodedText Decode(std::string_view bytes) const { return decoder.Decode(bytes); }
   /// The rows of `className`; none without the class.
   std::vector<CollectedRow> ListRows(std::string_view className) const;

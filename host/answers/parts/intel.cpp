@@ -108,6 +108,7 @@ class IntelReader {
       case Section::kArrays:
         if (told->label == "Name") BeginGroup(line, told->value);
         if (hasPart) Learn<Group>(parts.groups.back(), kGroupFacts, *told, line, shownGroups);
+        if (told->label == "Num Disks") DeclareDrives(*told, line);
         break;
       case Section::kVolumes:
         if (told->label == "Name") BeginVolume(line, told->value);
@@ -182,6 +183,16 @@ class IntelReader {
     group.vendor = kVendor;
     group.controller = controllerId;
     part = parts.groups.size() - firstGroup;
+  }
+
+  /// The report has no end of its own: only the arrays tell how many drives have to follow.
+  void DeclareDrives(const LabelledValue& told, const ReportLine& line) {
+    const Integer count = ReadInteger(told.value);
+    constexpr std::int64_t kMost = 10'000;
+    if (controllers == 0 || !count || *count < 0 || *count > kMost) return;
+    Controller& controller = parts.controllers.back();
+    controller.drivesDeclared = controller.drivesDeclared.value_or(0) + *count;
+    NotePlace(controller, "drives_declared", PlaceOfLine(report, line));
   }
 
   void BeginVolume(const ReportLine& line, std::string_view name) {

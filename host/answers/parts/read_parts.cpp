@@ -1,6 +1,7 @@
 #include "host/answers/parts/read_parts.h"
 
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -34,7 +35,8 @@ void FindConditions(Parts& parts) {
 /// The second of two parts with one id becomes "ID #2". References mean the first.
 template <typename Table>
 void MakeIdsUnique(Table& table) {
-  std::unordered_set<std::string> known;
+  std::unordered_set<std::string_view> known;  // of ids that change no more
+  known.reserve(table.size());
   std::unordered_map<std::string, int> count;
   for (auto& part : table) {
     if (known.insert(part.id).second) continue;

@@ -3,32 +3,26 @@
 #include <algorithm>
 
 namespace host {
-namespace {
-
-constexpr std::string_view kWhiteSpace = " \t\r\n\v\f";
-
-}  // namespace
 
 bool ReportLines::Next(ReportLine& line) {
-  if (rest.empty()) return false;
-  const std::size_t end = std::min(rest.find_first_of("\r\n"), rest.size());
-  line = {rest.substr(0, end), ++number};
-  rest.remove_prefix(end);
-  if (rest.starts_with("\r\n")) {
-    rest.remove_prefix(2);
-  } else if (!rest.empty()) {
-    rest.remove_prefix(1);
-  }
+  if (begin >= text.size()) return false;
+  // Kept over the lines, or a text that ends its lines with CR would be searched for each of them.
+  if (feed < begin || begin == 0) feed = std::min(text.find('\n', begin), text.size());
+  const std::string_view upToFeed = text.substr(begin, feed - begin);
+  const std::size_t length = std::min(upToFeed.find('\r'), upToFeed.size());
+  line = {upToFeed.substr(0, length), ++number};
+  const bool isPair = length + 1 == upToFeed.size() && feed < text.size();
+  begin += length + (isPair ? 2 : 1);
   return true;
 }
 
 std::vector<std::string_view> ListWords(std::string_view text) {
   std::vector<std::string_view> words;
-  std::size_t at = text.find_first_not_of(kWhiteSpace);
-  while (at != std::string_view::npos) {
-    const std::size_t end = std::min(text.find_first_of(kWhiteSpace, at), text.size());
-    words.push_back(text.substr(at, end - at));
-    at = text.find_first_not_of(kWhiteSpace, end);
+  const char* const end = text.data() + text.size();
+  for (const char* at = text.data(); at != end;) {
+    const char* const word = std::find_if_not(at, end, IsWhiteSpace);
+    at = std::find_if(word, end, IsWhiteSpace);
+    if (at != word) words.emplace_back(word, static_cast<std::size_t>(at - word));
   }
   return words;
 }

@@ -1,6 +1,7 @@
 // The lines of a tool's report and the pieces of a line.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -18,12 +19,14 @@ struct ReportLine {
 /// Takes the lines off a text, one after the other. Lines end with LF, CR LF or CR.
 class ReportLines {
  public:
-  explicit ReportLines(std::string_view text) : rest(text) {}
+  explicit ReportLines(std::string_view text) : text(text) {}
   /// False after the last line. A line end at the end of the text begins no further line.
   bool Next(ReportLine& line);
 
  private:
-  std::string_view rest;
+  std::string_view text;
+  std::size_t begin = 0;  ///< of the next line
+  std::size_t feed = 0;   ///< the first LF from there on, or the end of the text
   std::int64_t number = 0;
 };
 

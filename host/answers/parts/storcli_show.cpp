@@ -278,9 +278,11 @@ void FindFact(std::string_view text, std::string_view label, const Take& take) {
 void ReadStorcliShow(const Report& report, Parts& parts) { ShowReader(report, parts).Read(); }
 
 std::optional<std::string> FindStorcliFailure(std::string_view text) {
+  constexpr std::string_view kWord = "Failure";
+  if (text.find(kWord) == std::string_view::npos) return std::nullopt;  // of megabytes, mostly
   bool failed = false;
   std::string description;
-  FindFact(text, "Status", [&](std::string_view value) { failed = failed || value == "Failure"; });
+  FindFact(text, "Status", [&](std::string_view value) { failed = failed || value == kWord; });
   if (!failed) return std::nullopt;
   FindFact(text, "Description", [&](std::string_view value) { description = value; });
   return description;

@@ -33,7 +33,7 @@ constexpr char kFooter[] = R"(Examples:
   pqhost collect --module BMC_Info --module Windows_Related_Info
   pqhost collect --replay RECORDING --format json --output server.json
   pqhost collect --replay RECORDING --log-folder logs --format none
-  pqhost collect --record RECORDING --tool-limit 120
+  pqhost collect --record server.zip --tool-limit 120
   pqhost collect --module BMC_Info --dry-run
 
 Exit codes: 0 done; 1 something could not be collected, with a line for each on
@@ -77,6 +77,17 @@ void SeparateTrace(CollectOptions& options, bool isFormatGiven) {
                   result.format));
 }
 
+/// Keeps results and trace from taking the place of the recording.
+void KeepRecordingApart(const CollectOptions& options) {
+  if (!options.source.record) return;
+  const auto refuse = [&](const char* option, const Destination& place) {
+    if (place.IsStandardOutput() || !AreSameFile(place.path, *options.source.record)) return;
+    throw UsageError(fmt::format("{} and --record name the same place: give each its own", option));
+  };
+  refuse("--output", options.result.output);
+  if (options.trace) refuse("--trace", *options.trace);
+}
+
 void RefuseWithReplay(const SourceOptions& source) {
   if (source.record) {
     throw UsageError(
@@ -115,15 +126,21 @@ bool IsFolder(const Destination& output) {
   return !output.path.has_filename() || std::filesystem::is_directory(output.path, error);
 }
 
+/// Whether rows of the format can tell their machine.
+bool TakesIdentity(const std::string& format) {
+  return format == kCsvFormat || format == "ndjson" || format == "prometheus";
+}
+
 /// Throws UsageError for options that contradict each other.
 void SettleOptions(CollectOptions& options, const OptionSet& set) {
-  if (options.result.identifiesRows && options.result.format != kCsvFormat &&
-      options.result.format != "ndjson") {
+  if (options.result.identifiesRows && !TakesIdentity(options.result.format)) {
     throw UsageError(
-        fmt::format("--identify is for csv: {} tells the machine in its own place; leave it away",
+        fmt::format("--identify is for csv and prometheus: {} tells the machine in its own place; "
+                    "leave it away",
                     options.result.format));
   }
   if (options.trace) SeparateTrace(options, set.IsGiven("--format"));
+  KeepRecordingApart(options);
   if (options.source.replay) RefuseWithReplay(options.source);
   RefuseInRecording(options.source, "--output", options.result.output);
   if (options.trace) RefuseInRecording(options.source, "--trace", *options.trace);
@@ -243,12 +260,13 @@ CommandRun Define(OptionSet& set) {
   set.AddNames("--table", OptionValue::kTable, options->selection.tables,
                "Enumerate this table; may be repeated");
   AddReplay(set, source);
-  set.AddPath("--record", OptionValue::kFolder, source.record,
-              "Keep what the tools print in this new folder, to be replayed (Windows)");
+  set.AddPath("--record", OptionValue::kRecording, source.record,
+              "Keep what the tools print in this new folder, or ZIP file with a name that ends in "
+              ".zip, to be replayed (Windows)");
   AddLogFolder(set, source);
   AddPlugin(set, source);
   AddUnsafeFolder(set, source);
-  AddFormat(set, options->result, "results");
+  AddFormat(set, options->result, "results", FormatsFor::kMachine);
   AddOutput(set, options->result, "results");
   AddIdentify(set, options->result);
   set.AddFlag("--no-attachments", options->leavesAttachmentsOut,

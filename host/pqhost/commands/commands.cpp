@@ -4,8 +4,8 @@ namespace host {
 
 const std::vector<const Command*>& GetCommands() {
   static const std::vector<const Command*> kCommands = {
-      &kCollectCommand, &kHealthCommand, &kModulesCommand,    &kQueryCommand,
-      &kCheckCommand,   &kHelpCommand,   &kCompletionCommand,
+      &kCollectCommand, &kHealthCommand, &kModulesCommand, &kQueryCommand,
+      &kCheckCommand,   &kVerifyCommand, &kHelpCommand,    &kCompletionCommand,
   };
   return kCommands;
 }

@@ -33,6 +33,7 @@ extern const Command kModulesCommand;
 extern const Command kQueryCommand;
 extern const Command kHealthCommand;
 extern const Command kCheckCommand;
+extern const Command kVerifyCommand;
 extern const Command kHelpCommand;
 extern const Command kCompletionCommand;
 

@@ -121,6 +121,7 @@ Words OfferValue(const OptionDescription& option) {
     case OptionValue::kTable:
       return {"<table>"};
     case OptionValue::kFile:
+    case OptionValue::kRecording:
     case OptionValue::kDatabase:
       return {"<file>"};
     case OptionValue::kNone:

@@ -121,13 +121,13 @@ struct Judged {
 };
 
 /// Throws Interrupted, and what Gather and Assess throw.
-Judged JudgeMachine(const SourceOptions& source, const HealthOptions& options,
-                    const Console& console, const std::function<void()>& beforeRun) {
+Judged JudgeMachine(const SourceOptions& source, HealthJudge& judge, const Console& console,
+                    const std::function<void()>& beforeRun) {
   Gathered gathered = Gather(source, {}, console, KeepLog::kYes, [&](auto&) { beforeRun(); });
   if (IsInterruptionRequested()) throw Interrupted();
   // From now on Ctrl-C may end the program at once.
   gathered.interruption.reset();
-  Assessment assessment = Assess(gathered.collection, options);
+  Assessment assessment = Assess(gathered.collection, judge);
   return {std::move(gathered.source), std::move(gathered.collection), std::move(assessment)};
 }
 
@@ -146,13 +146,14 @@ std::vector<JudgedMachine> JudgeRecordings(const std::vector<std::filesystem::pa
                                            DatabaseWriter* database) {
   std::vector<JudgedMachine> machines;
   SourceNames names;
+  HealthJudge judge(options);
   for (const std::filesystem::path& recording : recordings) {
     JudgedMachine& machine = machines.emplace_back();
     machine.machine = names.Take(recording);
     SourceOptions one = source;
     one.replay = recording;
     try {
-      Judged judged = JudgeMachine(one, options, console, [] {});
+      Judged judged = JudgeMachine(one, judge, console, [] {});
       Identify(judged.collection, machine);
       if (database != nullptr) {
         AddCollection(*database, CollectionView(judged.collection), judged.assessment,
@@ -175,8 +176,9 @@ std::vector<JudgedMachine> JudgeRecordings(const std::vector<std::filesystem::pa
 int JudgeOne(const HealthCommandOptions& given, const HealthOptions& options,
              const Console& console) {
   std::optional<ResultOutput> output;
+  HealthJudge judge(options);
   const Judged judged =
-      JudgeMachine(given.source, options, console, [&] { output.emplace(given.output, console); });
+      JudgeMachine(given.source, judge, console, [&] { output.emplace(given.output, console); });
   const Health& health = judged.assessment.health;
   output->Write([&](const Screen& screen, std::ostream& out) {
     if (given.format == kDatabaseFormat) {
@@ -260,8 +262,9 @@ int RunHealth(HealthCommandOptions& given, const Console& console) {
 CommandRun Define(OptionSet& set) {
   const auto options = std::make_shared<HealthCommandOptions>();
   options->source.asksNobody = true;  // What watches over a machine has nobody to ask.
-  set.AddPaths("--replay", OptionValue::kFolder, options->replays,
-               "Judge this recording, or all in this folder; may be repeated");
+  set.AddPaths(
+      "--replay", OptionValue::kRecording, options->replays,
+      "Judge this recording, a folder or a ZIP file, or all in this folder; may be repeated");
   AddReadingRules(set, options->source);
   set.AddChoice("--format", {"table", "json", "nagios", "csv", kDatabaseFormat}, options->format,
                 "Format of the verdict: table, json, nagios, csv or sqlite; table unless given");

@@ -9,6 +9,7 @@
 #include "host/collect/collection.h"
 #include "host/formats/modules_list.h"
 #include "host/formats/parts_document.h"
+#include "host/formats/prometheus.h"
 #include "host/formats/tables_document.h"
 #include "host/live/live.h"
 #include "host/pqhost/commands/commands.h"
@@ -42,6 +43,8 @@ int RunModules(const ModulesOptions& options, const Console& console) {
     console.out << WriteTablesDocument();
   } else if (options.format == "parts") {
     console.out << WritePartsDocument();
+  } else if (options.format == "metrics") {
+    console.out << WriteMetricsDocument();
   } else {
     WriteModulesList(modules, DescribeScreen(console), console.out);
   }
@@ -51,8 +54,8 @@ int RunModules(const ModulesOptions& options, const Console& console) {
 CommandRun Define(OptionSet& set) {
   const auto options = std::make_shared<ModulesOptions>();
   set.AddPath("--plugin", OptionValue::kFile, options->plugin, "Ask this library (Windows)");
-  set.AddChoice("--format", {"table", "json", "markdown", "parts"}, options->format,
-                "Format: table, json, markdown, or parts, which is markdown on those");
+  set.AddChoice("--format", {"table", "json", "markdown", "parts", "metrics"}, options->format,
+                "Format: table, json, markdown; or parts or metrics, which is markdown on those");
   return [options](const Console& console) { return RunModules(*options, console); };
 }
 

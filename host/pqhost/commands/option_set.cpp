@@ -27,6 +27,8 @@ const char* NameValue(OptionValue value) {
       return "FOLDER";
     case OptionValue::kFile:
       return "FILE";
+    case OptionValue::kRecording:
+      return "RECORDING";
     case OptionValue::kTable:
       return "CLASS";
     default:

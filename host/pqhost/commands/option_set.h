@@ -22,6 +22,7 @@ enum class OptionValue {
   kAny,
   kFolder,
   kFile,
+  kRecording,  ///< a folder or a file
   kDatabase,
   kModule,
   kTable,
@@ -48,7 +49,7 @@ class OptionSet {
   /// kModule or kTable, may be repeated. Whether there is one of that name is not checked.
   void AddNames(const char* name, OptionValue value, std::vector<std::string>& names,
                 const char* help);
-  /// kFolder or kFile.
+  /// kFolder, kFile or kRecording.
   void AddPath(const char* name, OptionValue value, std::optional<std::filesystem::path>& path,
                const char* help);
   /// The same; may be repeated.

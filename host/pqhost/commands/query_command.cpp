@@ -183,13 +183,14 @@ CommandRun Define(OptionSet& set) {
   const auto options = std::make_shared<QueryOptions>();
   set.AddArguments("QUERY", "[FILE.db]... SQL", OptionValue::kDatabase, kMostWords, options->words,
                    "The databases, if any, then one SELECT statement");
-  set.AddPaths("--replay", OptionValue::kFolder, options->replays,
-               "Ask this recording, or all in this folder; may be repeated");
+  set.AddPaths(
+      "--replay", OptionValue::kRecording, options->replays,
+      "Ask this recording, a folder or a ZIP file, or all in this folder; may be repeated");
   AddReadingRules(set, options->source);
   AddPlugin(set, options->source);
   AddUnsafeFolder(set, options->source);
   AddLogFolder(set, options->source);
-  AddFormat(set, options->result, "answer");
+  AddFormat(set, options->result, "answer", FormatsFor::kAnswer);
   AddOutput(set, options->result, "answer");
   AddTimeLimit(set, options->timeLimit, "Give the query up after so many seconds; 30 unless given");
   return [options](const Console& console) { return RunQuery(*options, console); };

@@ -12,9 +12,11 @@
 namespace host {
 namespace {
 
-std::vector<std::string> ListFormatNames() {
+std::vector<std::string> ListFormatNames(FormatsFor purpose) {
   std::vector<std::string> names;
-  for (const Format& format : Formats()) names.emplace_back(format.name);
+  for (const Format& format : Formats()) {
+    if (purpose == FormatsFor::kMachine || !format.isOfMachine) names.emplace_back(format.name);
+  }
   return names;
 }
 
@@ -25,23 +27,27 @@ void AddModules(OptionSet& set, std::vector<std::string>& modules, const char* h
 }
 
 void AddReplay(OptionSet& set, SourceOptions& source) {
-  set.AddPath("--replay", OptionValue::kFolder, source.replay,
-              "Take this recording for the machine");
+  set.AddPath("--replay", OptionValue::kRecording, source.replay,
+              "Take this recording, a folder or a ZIP file, for the machine");
   AddReadingRules(set, source);
 }
 
-void AddReadingRules(OptionSet& set, SourceOptions& source) {
+void AddLimits(OptionSet& set, RecordingLimits& limits) {
   std::vector<std::string> names;
   for (const NamedLimit& limit : kNamedLimits) names.emplace_back(limit.name);
   set.AddNumbers(
       "--limit", std::move(names),
-      [&limits = source.rules.limits](const std::string& name, std::uint64_t number) {
+      [&limits](const std::string& name, std::uint64_t number) {
         for (const NamedLimit& limit : kNamedLimits) {
           if (limit.name == name) limits.*limit.limit = number;
         }
       },
       "Read a larger recording: commands, files, file-size or recording-size (MiB); may be "
       "repeated");
+}
+
+void AddReadingRules(OptionSet& set, SourceOptions& source) {
+  AddLimits(set, source.rules.limits);
   set.AddFlag("--unverified", source.rules.allowChanges,
               "Read a recording also when it is not as it was made, and say so");
 }
@@ -68,7 +74,8 @@ void AddTimeLimit(OptionSet& set, std::optional<unsigned>& seconds, const char* 
 
 void RefuseInRecording(const SourceOptions& source, const char* option, const Destination& place) {
   if (!source.replay || place.IsStandardOutput()) return;
-  if (!IsInFolder(place.path, *source.replay)) return;
+  const std::filesystem::path& recording = *source.replay;
+  if (!IsInFolder(place.path, recording) && !AreSameFile(place.path, recording)) return;
   throw UsageError(
       fmt::format("{} {} is in the recording, which stays as it is: name another place", option,
                   PathText(place.path)));
@@ -88,8 +95,8 @@ void RefuseMisuseOfReplay(const SourceOptions& source) {
   }
 }
 
-void AddFormat(OptionSet& set, ResultOptions& result, const char* noun) {
-  const std::vector<std::string> names = ListFormatNames();
+void AddFormat(OptionSet& set, ResultOptions& result, const char* noun, FormatsFor purpose) {
+  const std::vector<std::string> names = ListFormatNames(purpose);
   set.AddChoice("--format", names, result.format,
                 fmt::format("Format of the {}: {}; {} unless given", noun, fmt::join(names, ", "),
                             result.format));
@@ -98,7 +105,7 @@ void AddFormat(OptionSet& set, ResultOptions& result, const char* noun) {
 void AddIdentify(OptionSet& set, ResultOptions& result) {
   set.AddFlag("--identify", result.identifiesRows,
               "Begin each row of csv with machine, serial number, time and collection, as ndjson "
-              "always does");
+              "always does; label each sample of prometheus with the machine");
 }
 
 void AddOutput(OptionSet& set, ResultOptions& result, const char* noun) {

@@ -18,6 +18,8 @@ void AddModules(OptionSet& set, std::vector<std::string>& modules, const char* h
 
 /// --replay, and how it is read: --limit, --unverified
 void AddReplay(OptionSet& set, SourceOptions& source);
+/// --limit
+void AddLimits(OptionSet& set, RecordingLimits& limits);
 /// --limit, --unverified
 void AddReadingRules(OptionSet& set, SourceOptions& source);
 /// --log-folder
@@ -44,8 +46,11 @@ struct ResultOptions {
   bool identifiesRows = false;
 };
 
+/// What formats are asked to show: a machine, or a table that may be about many.
+enum class FormatsFor { kMachine, kAnswer };
+
 /// --format; the help calls the result `noun`, as in "answer".
-void AddFormat(OptionSet& set, ResultOptions& result, const char* noun);
+void AddFormat(OptionSet& set, ResultOptions& result, const char* noun, FormatsFor purpose);
 /// --identify
 void AddIdentify(OptionSet& set, ResultOptions& result);
 /// --output

@@ -393,6 +393,19 @@ TEST(HealthRules, NameTheFailedDriveOfADegradedVolume) {
   EXPECT_EQ(host::GetExitCode(health), 2);
 }
 
+TEST(HealthRules, AreSureOnlyOfReportsThatShowAllDrives) {
+  const auto judge = [](const char* controller, const char* drive) {
+    Parts parts;
+    AddController(parts, controller).drivesDeclared = 2;
+    AddDrive(parts, drive, "Online");
+    return std::string(host::GetVerdict(Judge(parts)));
+  };
+  EXPECT_EQ(judge("lsi0", "lsi0 69:1"), "UNKNOWN");
+  EXPECT_EQ(judge("intel", "intel 0-0-0-0"), "UNKNOWN");
+  // arcconf counts devices that keep the cache as well.
+  EXPECT_EQ(judge("mchp1", "mchp1 0,0"), "OK");
+}
+
 TEST(HealthRules, CallAFailureCriticalThatNothingProtectsFrom) {
   Parts parts;
   AddVolume(parts, "lsi0 v0", "Optl", "RAID0");

@@ -60,6 +60,14 @@ TEST(AmtSource, IsReadWithAnEmptyLog) {
             "read: ");
 }
 
+TEST(AmtSource, FailsWhenTheLogBreaksOff) {
+  const Parts parts = Read(MakeMachine(
+      "AMT event log of 192.0.2.1, 3 records\n\n"
+      "  1  2022-03-07 06:58:11  Informational  System firmware    Starting to boot\n"));
+  EXPECT_EQ(FindSource(parts), "failed: the log breaks off: 1 of 3 records");
+  EXPECT_EQ(parts.events.size(), 1U);
+}
+
 TEST(AmtSource, FailsWithTextThatIsNoLog) {
   const Parts parts = Read(MakeMachine("Error: cannot connect\n"));
   EXPECT_EQ(FindSource(parts), "failed: no entry in the log");

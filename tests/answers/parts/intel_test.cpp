@@ -74,6 +74,14 @@ std::int64_t FindLine(const std::string& text, const std::string& words) {
          1;
 }
 
+TEST(IntelParts, AreAsManyDrivesAsTheArraysTell) {
+  const std::string report = kController + Array("A0") + Array("A1") + kDrives + Drive("0-4-0-0");
+  const Parts parts = ReadText(report);
+  ASSERT_EQ(parts.controllers.size(), 1U);
+  EXPECT_EQ(parts.controllers[0].drivesDeclared, Integer(6));
+  EXPECT_FALSE(ReadText(std::string(kController) + kDrives).controllers[0].drivesDeclared);
+}
+
 TEST(IntelParts, AreReadByLabels) {
   const std::string report = kController + Array("A0") + Volume("Tank", "Degraded") + kDrives +
                              Drive("0-4-0-0") + Drive("1-4-0-0", "Failed");

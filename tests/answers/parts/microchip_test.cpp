@@ -53,6 +53,40 @@ TEST(MicrochipParts, AreInTheAttachedReports) {
   EXPECT_EQ(parts.events[0].readAt.key, "Controller_Event_Log");
 }
 
+host::Recording MakeMachineOfTwoControllers() {
+  host::Recording machine = MakeMachine("");
+  machine.files["c:\\Support\\Firmware\\Controller_1_Config.txt"] = kConfig;
+  machine.files["C:\\support\\Firmware\\Controller_2_Config.txt"] =
+      std::string(kConfig) + "   Controller Serial Number                   : OV2\n";
+  machine.files["c:\\Support\\Firmware\\Controller_2_Event_Log.txt"] =
+      "2026-11-14 17:22:08  WARNING  Cable lost\n";
+  return machine;
+}
+
+TEST(MicrochipParts, AreThoseOfAllControllers) {
+  const Parts parts = Read(MakeMachineOfTwoControllers());
+  EXPECT_EQ(FindSource(parts), "read: ");
+  ASSERT_EQ(parts.controllers.size(), 2U);
+  EXPECT_EQ(parts.controllers[1].id, "mchp2");
+  EXPECT_EQ(parts.controllers[1].number, "2");
+  EXPECT_EQ(parts.controllers[1].serial, "OV2");
+  // No class has that report.
+  EXPECT_EQ(FindPlace(parts.controllers[1], "serial"),
+            (Place{"", 0, "", 5, "arcconf savesupportarchive, Controller_2_Config.txt"}));
+  ASSERT_EQ(parts.events.size(), 1U);
+  EXPECT_EQ(parts.events[0].partId, "mchp2");
+}
+
+// On a live machine the archive stays where it is.
+TEST(MicrochipSource, FailsWhenAFurtherControllerIsNotRead) {
+  host::Collection collection =
+      host::Collect(MakeMachineOfTwoControllers(), host::Selection{{"sampleModule1"}, {}});
+  collection.files.clear();
+  const Parts parts = host::ReadParts(collection);
+  EXPECT_EQ(parts.controllers.size(), 1U);
+  EXPECT_EQ(FindSource(parts), "failed: the report of the second controller was not read");
+}
+
 TEST(MicrochipSource, IsNoneWithoutToolOrController) {
   EXPECT_EQ(FindSource(Read({})), "none: arcconf.exe is not on this machine");
   EXPECT_EQ(FindSource(Read(MakeMachine("Controllers found: 0\n"))),

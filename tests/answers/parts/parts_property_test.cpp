@@ -43,7 +43,7 @@ TEST(PartsOfSamples, AreThere) {
     add(all.leds, parts.leds);
     add(all.selfTests, parts.selfTests);
   }
-  EXPECT_EQ(all.controllers.size(), 4U);
+  EXPECT_EQ(all.controllers.size(), 5U);
   EXPECT_EQ(all.drives.size(), 10U);
   EXPECT_EQ(all.volumes.size(), 4U);
   EXPECT_EQ(all.sensors.size(), 66U);
