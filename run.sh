@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds what is needed and shows tables of a server.
+# Builds what is needed and shows a server's verdict and tables.
 #   ./run.sh            the recorded two-socket server natively, then this machine through the Windows
 #                       program and library under Wine
 #   ./run.sh ARGS...    the native pqhost with these arguments

@@ -30,7 +30,7 @@ _pqhost_complete() {
     'collect '*) words='--module --table --replay --limit --unverified --record --log-folder --plugin --unsafe-folder --format --output --identify --no-attachments --all --tool-limit --tool-memory --amt-login --no-input --time-limit --dry-run --trace --help' ;;
     'health --replay') words='<file>' ;;
     'health --limit') words='<any>' ;;
-    'health --format') words='table json nagios' ;;
+    'health --format') words='table json nagios csv sqlite' ;;
     'health --output') words='<file>' ;;
     'health --rules') words='<file>' ;;
     'health --set') words='<any>' ;;

@@ -24,7 +24,7 @@ Register-ArgumentCompleter -Native -CommandName pqhost, pqhost.exe -ScriptBlock 
         'collect' = '--module', '--table', '--replay', '--limit', '--unverified', '--record', '--log-folder', '--plugin', '--unsafe-folder', '--format', '--output', '--identify', '--no-attachments', '--all', '--tool-limit', '--tool-memory', '--amt-login', '--no-input', '--time-limit', '--dry-run', '--trace', '--help'
         'health --replay' = '<file>'
         'health --limit' = '<any>'
-        'health --format' = 'table', 'json', 'nagios'
+        'health --format' = 'table', 'json', 'nagios', 'csv', 'sqlite'
         'health --output' = '<file>'
         'health --rules' = '<file>'
         'health --set' = '<any>'

@@ -11,14 +11,24 @@ import jsonschema
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 
 
-def ask(pqhost, command, recording):
+def ask(pqhost, command, recording, codes=(0, 1)):
     """The JSON of one recording; exit code 1 only says that something is missing."""
     run = subprocess.run(
         [pqhost, command, "--replay", recording, "--format", "json"],
         capture_output=True, timeout=300)
-    if run.returncode not in (0, 1):
+    if run.returncode not in codes:
         sys.exit(f"{recording.name}: pqhost ended with {run.returncode}: {run.stderr.decode()}")
     return json.loads(run.stdout.decode("utf-8"))
+
+
+def judge(pqhost, recording):
+    """The verdict on one recording, or on a folder of them; every code says something of it."""
+    return ask(pqhost, "health", recording, codes=(0, 1, 2, 3))
+
+
+def without_time(health):
+    """As of when is the time of the run for a machine that does not tell another."""
+    return {name: value for name, value in health.items() if name != "asOf"}
 
 
 def damaged(good):
@@ -35,6 +45,8 @@ def damaged(good):
     yield change("a value that is null", lambda c: c["tables"][0]["rows"].append({"item1": None}))
     yield change("a column without label", lambda c: c["tables"][0]["columns"].append({"key": "a"}))
     yield change("a table without class", lambda c: c["tables"][0].pop("class"))
+    yield change("no verdict", lambda c: c.pop("health"))
+    yield change("another verdict", lambda c: c["health"].update(verdict="fine"))
 
 
 def damaged_check(good):
@@ -51,10 +63,29 @@ def damaged_check(good):
     yield change("another state", lambda c: c["machine"][0].update(state="full"))
 
 
+def damaged_health(good):
+    """The same of the verdicts on several machines."""
+    def change(what, edit):
+        bad = copy.deepcopy(good)
+        edit(bad)
+        return what, bad
+
+    def finding(health):
+        return next(m for m in health["machines"] if m["health"]["findings"])["health"]["findings"][0]
+
+    yield change("verdicts without machines", lambda h: h.pop("machines"))
+    yield change("a machine without its verdict", lambda h: h["machines"][0].pop("health"))
+    yield change("a machine's other exit code", lambda h: h["machines"][0]["health"].update(exit=4))
+    yield change("a finding without evidence", lambda h: finding(h).update(evidence=[]))
+    yield change("evidence without a place", lambda h: finding(h)["evidence"][0].pop("place"))
+
+
 def make_validator(name):
     schema = json.loads((ROOT / "docs" / name).read_text())
     jsonschema.Draft7Validator.check_schema(schema)
-    return jsonschema.Draft7Validator(schema)
+    # Schemas refer to each other by their files' names.
+    resolver = jsonschema.RefResolver((ROOT / "docs" / name).as_uri(), schema)
+    return jsonschema.Draft7Validator(schema, resolver=resolver)
 
 
 def list_errors(validator, value):
@@ -66,6 +97,7 @@ def main():
     pqhost = sys.argv[1]
     validator = make_validator("collection.schema.json")
     check_validator = make_validator("check.schema.json")
+    health_validator = make_validator("health.schema.json")
     passed = failed = 0
 
     def report(ok, text):
@@ -85,14 +117,25 @@ def main():
         collection = ask(pqhost, "collect", recording)
         errors = list_errors(validator, collection)
         report(not errors, f"{recording.name}: {errors[:3]}")
+        health = judge(pqhost, recording)
+        errors = list_errors(health_validator, health)
+        report(not errors, f"the verdict on {recording.name}: {errors[:3]}")
+        report(without_time(health) == without_time(collection["health"]),
+               f"{recording.name}: the collection's verdict is another one")
         for table in collection["tables"]:
             keys = {column["key"] for column in table["columns"]}
             strays = {key for row in table["rows"] for key in row} - keys
             report(not strays, f"{recording.name}, {table['class']}: no column for {strays}")
+    several = judge(pqhost, ROOT / "samples")
+    errors = list_errors(health_validator, several)
+    report(not errors, f"the verdicts on all samples: {errors[:3]}")
+    report(len(several["machines"]) == len(recordings), "not every sample has its verdict")
     for what, bad in damaged(collection):
         report(not validator.is_valid(bad), f"the schema lets {what} pass")
     for what, bad in damaged_check(check):
         report(not check_validator.is_valid(bad), f"the schema lets {what} pass")
+    for what, bad in damaged_health(several):
+        report(not health_validator.is_valid(bad), f"the schema lets {what} pass")
     print(f"schema: {passed} passed, {failed} failed")
     return 1 if failed else 0
 

@@ -1,7 +1,9 @@
 #include "host/answers/assessment.h"
 
+#include <stdexcept>
 #include <utility>
 
+#include "host/answers/health/unjudged.h"
 #include "host/answers/parts/read_parts.h"
 
 namespace host {
@@ -13,8 +15,13 @@ Assessment Assess(const Collection& collection) {
 
 Assessment Assess(const Collection& collection, HealthJudge& judge) {
   Parts parts = ReadParts(collection);
-  Health health = judge.Judge(collection, parts);
-  return {std::move(parts), std::move(health)};
+  try {
+    Health health = judge.Judge(collection, parts);
+    return {std::move(parts), std::move(health)};
+  } catch (const std::runtime_error& error) {
+    if (judge.HasOwnRules()) throw;
+    return {std::move(parts), MakeUnjudged(error.what())};
+  }
 }
 
 }  // namespace host

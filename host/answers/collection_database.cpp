@@ -1,12 +1,14 @@
 #include "host/answers/collection_database.h"
 
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
+#include "host/answers/health/finding_tables.h"
 #include "host/answers/machine_identity.h"
 #include "host/answers/parts/part_tables.h"
-#include "host/answers/parts/read_parts.h"
+#include "host/text/ascii.h"
 
 namespace host {
 namespace {
@@ -34,15 +36,53 @@ void AddValue(Statement& values, const PartValue& value) {
   }
 }
 
+/// Columns of parts, or of findings.
+template <typename Columns>
+std::vector<DatabaseWriter::PlainColumn> ListSqlColumns(const Columns& columns) {
+  std::vector<DatabaseWriter::PlainColumn> listed;
+  for (const auto& column : columns) listed.push_back({column.name, NameType(column.type)});
+  return listed;
+}
+
+/// What a class of the machine is called must not change the names of the tables that are the same
+/// for all machines.
+void ReserveTables(DatabaseWriter& writer) {
+  for (const PartTable& table : GetPartTables()) writer.Reserve(table.name);
+  for (const FindingTable& table : GetFindingTables()) writer.Reserve(table.name);
+}
+
+DatabaseWriter::Facts ListIdentity(const Collection& collection) {
+  const MachineIdentity identity = FindMachineIdentity(collection);
+  return {{"maker", identity.maker},
+          {"product", identity.product},
+          {"serial", identity.serial},
+          {"assetTag", identity.assetTag}};
+}
+
+DatabaseWriter::Facts ListVerdict(const Health& health) {
+  return {{"verdict", LowerCase(GetVerdict(health))},
+          {"asOf", health.asOf},
+          {"asOfFrom", health.asOfFrom}};
+}
+
+/// Of the machine added last.
+void AddFindings(DatabaseWriter& writer, const Health& health) {
+  for (const FindingTable& table : GetFindingTables()) {
+    const std::vector<FindingRow> rows = ListRows(table, health);
+    writer.AddRows(table.name, ListSqlColumns(table.columns), rows.size(),
+                   [&](std::size_t row, Statement& values) {
+                     for (const FindingColumn& column : table.columns) {
+                       AddValue(values, column.get(rows[row]));
+                     }
+                   });
+  }
+}
+
 }  // namespace
 
 void AddParts(DatabaseWriter& writer, const Parts& parts) {
   for (const PartTable& table : GetPartTables()) {
-    std::vector<DatabaseWriter::PlainColumn> columns;
-    for (const PartColumn& column : table.columns) {
-      columns.push_back({column.name, NameType(column.type)});
-    }
-    writer.AddRows(table.name, columns, table.count(parts),
+    writer.AddRows(table.name, ListSqlColumns(table.columns), table.count(parts),
                    [&](std::size_t row, Statement& values) {
                      const Part& part = table.at(parts, row);
                      for (const PartColumn& column : table.columns) {
@@ -52,21 +92,40 @@ void AddParts(DatabaseWriter& writer, const Parts& parts) {
   }
 }
 
+void AddCollection(DatabaseWriter& writer, const CollectionView& view, const Assessment& assessment,
+                   std::string_view machine) {
+  ReserveTables(writer);
+  DatabaseWriter::Facts facts = ListIdentity(view.GetCollection());
+  for (auto& fact : ListVerdict(assessment.health)) facts.push_back(std::move(fact));
+  writer.Add(view, facts, machine);
+  AddParts(writer, assessment.parts);
+  AddFindings(writer, assessment.health);
+}
+
 void AddCollection(DatabaseWriter& writer, const CollectionView& view, std::string_view machine) {
   const Collection& collection = view.GetCollection();
-  const MachineIdentity identity = FindMachineIdentity(collection);
-  writer.Add(view,
-             {{"maker", identity.maker},
-              {"product", identity.product},
-              {"serial", identity.serial},
-              {"assetTag", identity.assetTag}},
-             machine);
-  if (collection.machineIsKnown) AddParts(writer, ReadParts(collection));
+  if (collection.machineIsKnown) {
+    AddCollection(writer, view, Assess(collection), machine);
+  } else {
+    writer.Add(view, ListIdentity(collection), machine);
+  }
+}
+
+void AddVerdict(DatabaseWriter& writer, const Health& health, std::string_view machine) {
+  writer.AddFacts(ListVerdict(health), machine);
+  AddParts(writer, {});  // Their tables are there, whatever else could be read.
+  AddFindings(writer, health);
 }
 
 void FillDatabase(Database& database, const CollectionView& view) {
   DatabaseWriter writer(database, Machines::kOne);
   AddCollection(writer, view);
+  writer.Complete();
+}
+
+void FillDatabase(Database& database, const CollectionView& view, const Assessment& assessment) {
+  DatabaseWriter writer(database, Machines::kOne);
+  AddCollection(writer, view, assessment);
   writer.Complete();
 }
 

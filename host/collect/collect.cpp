@@ -87,6 +87,7 @@ Collection Collect(Source& source, const Selection& selection, CollectionListene
 
   Collection collection;
   collection.tablesNamed = !selection.tables.empty();
+  collection.isSelection = collection.tablesNamed || !selection.modules.empty();
   collection.repository = std::make_unique<halyard::repository::RRepository>();
   {
     CollectionRun run(source, selection, listeners);

@@ -48,6 +48,7 @@ struct Collection {
   std::vector<CollectedTable> tables;    ///< each once, in the order of use
   /// The user named the tables that he wants.
   bool tablesNamed = false;
+  bool isSelection = false;  ///< he named modules or tables, and nobody looked at the others
   /// A line for each thing that could not be collected. UTF-8.
   std::vector<std::string> problems;
   KeptLog log;  ///< the modules'; only when asked for

@@ -203,10 +203,18 @@ void DatabaseWriter::AddMachine(const CollectionView& view, const Facts& more) {
       {"contentKey", facts.contentKey},
       {"pqhost", kVersion},
   };
+  AddFacts(own);
+  AddFacts(more);
+}
+
+void DatabaseWriter::AddFacts(const Facts& facts) {
   Rows& rows = AddTo(kMachine);
-  for (const Facts* some : {&own, &more}) {
-    for (const auto& [name, value] : *some) (rows.Begin() << name << value).Run();
-  }
+  for (const auto& [name, value] : facts) (rows.Begin() << name << value).Run();
+}
+
+void DatabaseWriter::AddFacts(const Facts& facts, std::string_view name) {
+  machine = name;
+  AddFacts(facts);
 }
 
 void DatabaseWriter::AddRows(

@@ -35,6 +35,11 @@ class DatabaseWriter {
   /// several.
   void Add(const CollectionView& view, const Facts& facts = {}, std::string_view machine = {});
 
+  /// The same of a machine of which nothing else is known.
+  void AddFacts(const Facts& facts, std::string_view machine);
+
+  /// Keeps a name for AddRows: a class that comes later and is called so gets another one.
+  void Reserve(std::string_view table) { FindTable(table, /*isOfClass=*/false); }
   struct PlainColumn {
     std::string_view name;
     const char* type;  ///< as SQL calls it
@@ -85,6 +90,7 @@ class DatabaseWriter {
   /// Makes `table` with `columns`, or adds those that it lacks; returns where each of them is.
   Places Provide(SqlTable& table, const std::vector<SqlColumn>& columns);
   void AddMachine(const CollectionView& view, const Facts& facts);
+  void AddFacts(const Facts& facts);
   void AddTable(const TableView& view, std::int64_t position);
   void AddRows(const TableView& view, const std::vector<KnownColumn>& columns,
                const SqlTable& table, const Places& places);

@@ -8,17 +8,18 @@
 #include <map>
 #include <optional>
 
+#include "host/answers/assessment.h"
+#include "host/answers/health/finding_tables.h"
 #include "host/answers/parts/part_tables.h"
-#include "host/answers/parts/read_parts.h"
 #include "host/collect/table_view.h"
 #include "host/database/sql_names.h"
 #include "host/files/output_file.h"
 #include "host/formats/csv_folder.h"
+#include "host/formats/csv_records.h"
 #include "host/formats/formats.h"
 #include "host/formats/row_identity.h"
 #include "host/text/ascii.h"
 #include "host/text/path_text.h"
-#include "host/text/screen_text.h"
 
 namespace host {
 namespace {
@@ -34,7 +35,7 @@ std::string MakeFileName(std::string_view className) {
 class CsvWriter {
  public:
   CsvWriter(const Collection& collection, bool withClass, const Screen& screen, std::ostream& out)
-      : escapes(screen.isTerminal), withClass(withClass), out(out) {
+      : records(screen.isTerminal, out), withClass(withClass) {
     if (screen.identifiesRows && collection.machineIsKnown) {
       identity = MakeRowIdentity(collection);
     }
@@ -61,20 +62,33 @@ class CsvWriter {
   }
 
   void Write(const PartTable& table, const Parts& parts) {
-    WriteIdentityHead();
-    for (const PartColumn& column : table.columns) WriteField(column.name);
-    EndRecord();
+    WriteHead(table);
     for (std::size_t row = 0; row < table.count(parts); ++row) {
-      const Part& part = table.at(parts, row);
-      WriteIdentity();
-      for (const PartColumn& column : table.columns) {
-        WriteField(FormatPartValue(column.get(part), ""));
-      }
-      EndRecord();
+      WriteRow(table, table.at(parts, row));
     }
   }
 
+  void Write(const FindingTable& table, const Health& health) {
+    WriteHead(table);
+    for (const FindingRow& row : ListRows(table, health)) WriteRow(table, row);
+  }
+
  private:
+  /// Of parts, or of findings.
+  template <typename Table>
+  void WriteHead(const Table& table) {
+    WriteIdentityHead();
+    for (const auto& column : table.columns) WriteField(column.name);
+    EndRecord();
+  }
+
+  template <typename Table, typename Row>
+  void WriteRow(const Table& table, const Row& row) {
+    WriteIdentity();
+    for (const auto& column : table.columns) WriteField(FormatPartValue(column.get(row), ""));
+    EndRecord();
+  }
+
   void WriteHead(const std::vector<KnownColumn>& columns) {
     std::map<std::string_view, int> uses;
     for (const KnownColumn& column : columns) ++uses[column.label];
@@ -107,41 +121,13 @@ class CsvWriter {
     WriteField(identity->collection);
   }
 
-  void WriteField(std::string_view text) {
-    if (inRecord) out << ',';
-    inRecord = true;
-    if (escapes) {
-      WriteQuoted(EscapeControls(text));
-    } else {
-      WriteQuoted(text);
-    }
-  }
+  void WriteField(std::string_view text) { records.WriteField(text); }
+  void EndRecord() { records.EndRecord(); }
 
-  /// In quotes only if there is need for them.
-  void WriteQuoted(std::string_view text) {
-    if (text.find_first_of(",\"\r\n") == std::string_view::npos) {
-      out << text;
-      return;
-    }
-    out << '"';
-    for (std::size_t at = 0; (at = text.find('"')) != std::string_view::npos;) {
-      out << text.substr(0, at + 1) << '"';
-      text.remove_prefix(at + 1);
-    }
-    out << text << '"';
-  }
-
-  void EndRecord() {
-    out << "\r\n";
-    inRecord = false;
-  }
-
-  bool escapes;
+  CsvRecords records;
   bool withClass;
   std::optional<RowIdentity> identity;
-  std::ostream& out;
   bool first = true;
-  bool inRecord = false;
 };
 
 }  // namespace
@@ -162,8 +148,9 @@ void WriteCsvFolder(const Collection& collection, const Screen& screen,
     CsvWriter(collection, /*withClass=*/false, screen, file.Stream()).Write(table...);
     file.Complete();
   };
-  const Parts parts = ReadParts(collection);
+  const auto [parts, health] = Assess(collection);
   for (const PartTable& table : GetPartTables()) write(table.name, table, parts);
+  for (const FindingTable& table : GetFindingTables()) write(table.name, table, health);
   for (const CollectedTable& collected : collection.tables) {
     const TableView table = view.ViewTable(collected);
     write(table.ClassName(), table);

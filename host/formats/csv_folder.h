@@ -8,9 +8,9 @@
 
 namespace host {
 
-/// Writes CLASS.csv for each table, and a file for each kind of part, such as drives.csv, into
-/// `folder`, which is there and empty. Throws std::runtime_error or UsageError for a file that
-/// cannot be written.
+/// Writes CLASS.csv for each table, a file for each kind of part, such as drives.csv, and
+/// findings.csv and evidence.csv into `folder`, which is there and empty. Throws std::runtime_error
+/// or UsageError for a file that cannot be written.
 void WriteCsvFolder(const Collection& collection, const Screen& screen,
                     const std::filesystem::path& folder);
 

@@ -33,8 +33,8 @@ Attachments ChooseAttachments(const Screen& screen);
 /// Null when no format has that name.
 const Format* FindFormat(const std::string& name);
 
-/// A screen for people: machine, problems and a line for each table, then the tables: aligned, as
-/// wide as the screen, by area.
+/// A screen for people: machine, verdict, problems and a line for each table, then the tables:
+/// aligned, as wide as the screen, by area.
 void WriteTables(const Collection& collection, const Screen& screen, std::ostream& out);
 /// One JSON object (docs/json.md).
 void WriteJson(const Collection& collection, const Screen& screen, std::ostream& out);

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "host/answers/health/finding_tables.h"
 #include "host/formats/health_formats.h"
 
 namespace host {
@@ -33,11 +34,38 @@ Recent is what the logs have of the last `recent_days` before the collection: of
 at, else the clock that a controller tells, else the newest entry of the logs; `--as-of DATE` overrides. The verdict tells
 which. Times of logs are taken as the machine's own.
 
-`--format json` is one object: `verdict`, `exit`, `asOf`, `asOfFrom`, `counts` by severity, `checked` (how many parts
-of each kind), `sources`, and `findings`. A finding has `key` (the same in the next collection), `severity`, `area`,
-`part` and `id`, `serial`, `rule`, `observed`, `text` (a sentence for whoever has to act), `why`, `next` and `evidence`:
-its hits, each with the `place` where it was read. `--format nagios` is a plug-in's output.
+A collection has the verdict too: `pqhost collect` begins with it on a screen, and its JSON, databases and folders of
+CSV hold it, by the program's own rules and usual settings.
 
+## Several machines
+
+`--replay` can be given several times, and can name a folder of recordings. Each is judged by itself, one after the other;
+the exit code is that of the worst. One that cannot be read is unknown, with the reason (`collection.not-judged`), and the
+others are judged all the same. Where one file is asked for, such as JSON, the form follows from what was named, not from
+how many recordings a folder happens to have.
+
+## Formats
+
+| `--format` | of one machine | of several |
+|---|---|---|
+| `table` | verdict, findings with evidence, why and what next; `--brief`: a line for each finding | a line for all, then the same for each machine, the worst first |
+| `json` | one object, below | `verdict` and `exit` of the worst, `counts` of machines by verdict, and `machines` in the order that was asked for |
+| `nagios` | a plug-in's output: what alarms in the first line, then all hits | counts and the worst machine's first finding in the first line, then a line for each machine |
+| `csv` | a row for each finding, and one with a verdict alone for a machine without findings | the same |
+| `sqlite` | the database of a collection ([sql.md](sql.md)) with this verdict | one database, whose tables begin with a column `machine` |
+
+The object of a machine ([health.schema.json](health.schema.json)) has `verdict`, `exit`, `asOf`, `asOfFrom`, `counts`
+of findings by severity, `checked` (how many parts of each kind), `sources`, and `findings`. A finding has `key` (the
+same in the next collection), `severity`, `area`, `part` and `id`, `serial`, `rule`, `observed`, `text` (a sentence for
+whoever has to act), `why`, `next` and `evidence`: its hits, each with the `place` where it was read. Each of `machines`
+has `machine` (the name of the recording's folder or file), `name`, `serial` and `recordedAt`, empty where not known, and
+its object as `health`.
+
+CSV begins with `machine`, `machine_name`, `machine_serial`, `verdict` and `as_of`; the columns of `findings` follow.
+Databases have both of these tables, as folders of CSV have both files:
+)";
+
+constexpr char kSettings[] = R"(
 ## Settings
 
 `--set NAME=VALUE`, or lines of that form in a file for `--settings`; # begins a comment.
@@ -78,6 +106,8 @@ drive.media-errors "lsi0 69:9" until=2026-12-31 # spare is ordered
 
 ## Rules
 )";
+
+const char* GetTypeName(PartType type) { return type == PartType::kText ? "text" : "integer"; }
 
 /// What is between the cells of a table, and a line's end, would end the cell.
 std::string MakeCell(std::string_view text) {
@@ -137,6 +167,15 @@ std::string ListSeverities(const Rule& rule) {
 std::string WriteHealthDocument() {
   const std::vector<Rule>& rules = GetBuiltInRules().rules;
   std::string text = kIntroduction;
+  for (const FindingTable& table : GetFindingTables()) {
+    text += fmt::format("\n`{}`, {}:\n\n| column | type | holds |\n|---|---|---|\n", table.name,
+                        table.description);
+    for (const FindingColumn& column : table.columns) {
+      text += fmt::format("| `{}` | {} | {} |\n", column.name, GetTypeName(column.type),
+                          MakeCell(column.description));
+    }
+  }
+  text += kSettings;
   for (const HealthSetting& setting : ListHealthSettings()) {
     text += fmt::format("| `{}` | {} | {} |\n", setting.name, setting.value, setting.description);
   }

@@ -1,13 +1,15 @@
 // JSON as docs/json.md describes it. Rows are written as they come, one per line, so that no table
 // is in memory a second time.
 
+#include <optional>
 #include <set>
 
+#include "host/answers/assessment.h"
 #include "host/answers/machine_identity.h"
 #include "host/answers/parts/part_tables.h"
-#include "host/answers/parts/read_parts.h"
 #include "host/collect/table_view.h"
 #include "host/formats/formats.h"
+#include "host/formats/health_formats.h"
 #include "host/formats/json_buffer.h"
 #include "host/formats/row_identity.h"
 #include "host/text/json_text.h"
@@ -47,11 +49,15 @@ class JsonWriter {
     json += JsonObject().AddText("name", "pqhost").AddText("version", kVersion).Take();
     json.AppendText(",\n\"collected\": ", FormatIsoTime(collection.collected));
     json += ",\n\"machine\": ";
+    std::optional<Assessment> assessment;
     if (collection.machineIsKnown) {
+      assessment = Assess(collection);
       AppendMachine();
     } else {
       json += "null";
     }
+    json += ",\n\"health\": ";
+    json += assessment ? MakeHealthJson(assessment->health) : "null";
     json += ",\n\"modules\": [";
     const char* separator = "\n";
     for (const CollectedModule& module : collection.modules) {
@@ -68,7 +74,7 @@ class JsonWriter {
       separator = ",\n";
     }
     json += "\n],\n\"parts\": {";
-    if (collection.machineIsKnown) WriteParts();
+    if (assessment) WriteParts(assessment->parts);
     json += "},\n\"problems\": ";
     json.AppendList(collection.problems, &AppendJsonText);
     json += "\n}\n";
@@ -165,8 +171,7 @@ class JsonWriter {
     json += "]}";
   }
 
-  void WriteParts() {
-    const Parts parts = ReadParts(collection);
+  void WriteParts(const Parts& parts) {
     const char* separator = "\n";
     for (const PartTable& table : GetPartTables()) {
       json += separator;

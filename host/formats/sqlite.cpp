@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "host/answers/collection_database.h"
-#include "host/database/database.h"
 #include "host/files/partial_file.h"
+#include "host/formats/database_file.h"
 #include "host/formats/formats.h"
 #include "host/text/path_text.h"
 
@@ -25,20 +25,26 @@ void CopyFile(const std::filesystem::path& path, std::ostream& out) {
 }  // namespace
 
 // A database can be many times the size of the collection, so it is never in memory as a whole.
-void WriteSqlite(const Collection& collection, const Screen& screen, std::ostream& out) {
+void WriteDatabase(std::ostream& out, const std::function<void(Database&)>& fill) {
   const std::filesystem::path folder = std::filesystem::temp_directory_path();
   try {
     PartialFile file(folder / "pqhost.db", Readers::kOwner);
     file.TakeHandle().Close();
     {
       Database database(Database::NewFile{file.Path()});
-      FillDatabase(database, CollectionView(collection, ChooseAttachments(screen)));
+      fill(database);
     }
     CopyFile(file.Path(), out);
   } catch (const DatabaseError& error) {
     throw std::runtime_error("the database, which is first made in " + PathText(folder) +
                              ", cannot be written: " + error.what());
   }
+}
+
+void WriteSqlite(const Collection& collection, const Screen& screen, std::ostream& out) {
+  WriteDatabase(out, [&](Database& database) {
+    FillDatabase(database, CollectionView(collection, ChooseAttachments(screen)));
+  });
 }
 
 }  // namespace host

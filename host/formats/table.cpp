@@ -1,7 +1,7 @@
-// A screen for people: the machine, its problems and a line for each table; then the tables. A
-// table that wants one instance per line is aligned in columns; when its columns do not fit the
-// screen, and when a table wants one property per line, each row becomes a block of "label: value"
-// lines.
+// A screen for people: the machine, its verdict and what is wrong with it, problems of the
+// collection and a line for each table; then the tables. A table that wants one instance per line
+// is aligned in columns; when its columns do not fit the screen, and when a table wants one
+// property per line, each row becomes a block of "label: value" lines.
 //
 //   ARP table · ARPINFO · 2 rows
 //   Internet Address  Physical Address   Type
@@ -13,11 +13,13 @@
 #include <algorithm>
 #include <utility>
 
+#include "host/answers/assessment.h"
 #include "host/catalogue/table_sources.h"
 #include "host/collect/table_view.h"
 #include "host/formats/collection_summary.h"
 #include "host/formats/column_widths.h"
 #include "host/formats/formats.h"
+#include "host/formats/health_formats.h"
 #include "host/formats/machine_summary.h"
 #include "host/formats/shown_cell.h"
 #include "host/text/count_text.h"
@@ -92,6 +94,7 @@ class TablesWriter {
   void WriteOverview(const std::vector<TableGroup>& groups) {
     WriteHead(NameMachine(collection));
     WriteFacts();
+    WriteVerdict();
     WriteParagraph(nullptr, DescribeOutcome(collection), 0);
     WriteProblems();
     out << '\n';
@@ -108,6 +111,15 @@ class TablesWriter {
       out << start;
       WriteParagraph(nullptr, EscapeControls(value), start.size());
     }
+  }
+
+  void WriteVerdict() {
+    const Health health = Assess(collection).health;
+    // Who asked for the ARP table alone is not told that nobody knows how the drives are.
+    if (collection.isSelection && health.checked.empty()) return;
+    out << '\n';
+    WriteHealthSummary(health, {.colors = colors, .width = width}, out);
+    out << '\n';
   }
 
   void WriteProblems() {

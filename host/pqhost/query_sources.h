@@ -13,10 +13,6 @@
 
 namespace host {
 
-/// The recordings that `paths` name: each is one, or a folder of recordings, which come in the
-/// order of their names. What is none is left for reading to complain about.
-std::vector<std::filesystem::path> FindRecordings(const std::vector<std::filesystem::path>& paths);
-
 /// Several machines for one database.
 struct QuerySources {
   std::vector<std::filesystem::path> recordings;

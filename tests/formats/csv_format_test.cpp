@@ -116,7 +116,8 @@ TEST(CsvFolder, HasAFileForEachKindOfPart) {
   const host::Collection collection = Collect(LoadRecording(test::Sample("hba-only")), Selection{});
   const test::TemporaryFolder folder;
   WriteCsvFolder(collection, {.identifiesRows = true}, folder.Path());
-  EXPECT_THAT(folder.Files(), testing::IsSupersetOf({"drives.csv", "sensors.csv", "PINFO.csv"}));
+  EXPECT_THAT(folder.Files(), testing::IsSupersetOf({"drives.csv", "sensors.csv", "findings.csv",
+                                                     "evidence.csv", "PINFO.csv"}));
   const std::string drives = folder.Read("drives.csv");
   EXPECT_THAT(drives, testing::StartsWith("machine,serial,recordedAt,collection,id,vendor,"));
   EXPECT_THAT(drives, testing::HasSubstr(",lsi0 3:4,LSI,lsi0,"));

@@ -3,6 +3,8 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "host/answers/assessment.h"
+#include "host/formats/health_formats.h"
 #include "tests/support/program/made_collection.h"
 
 namespace host {
@@ -39,6 +41,21 @@ TEST(JsonFormat, SaysFormatTimeMachineAndModules) {
                             "languageId": 1031, "codePage": 850, "hostExecutable": "C:\\H\\h.exe",
                             "logFolder": "C:\\H\\logs\\", "serials": []})"));
   EXPECT_EQ(all["modules"], Json::parse(R"([{"name": "Example", "description": "For tests"}])"));
+}
+
+TEST(JsonFormat, HasTheVerdictThatHealthTells) {
+  MadeCollection made;
+  made.Table("T").Row({{"A", "1"}});
+  const Json health = Json::parse(made.As("json"))["health"];
+  EXPECT_EQ(health.dump(), Json::parse(MakeHealthJson(Assess(made.Get()).health)).dump());
+  EXPECT_EQ(health["verdict"], "unknown");
+}
+
+TEST(JsonFormat, HasNoVerdictOnAnAnswer) {
+  MadeCollection made;
+  made.Get().machineIsKnown = false;
+  made.Table("T").Row({{"A", "1"}});
+  EXPECT_TRUE(Json::parse(made.As("json")).at("health").is_null());
 }
 
 TEST(JsonFormat, SaysWhichMachineItIsAndWhenItWasRecorded) {

@@ -17,26 +17,53 @@ using testing::StartsWith;
 
 Screen Wide(unsigned width) { return {false, false, width}; }
 
+constexpr char kNothingJudged[] =
+    "\n"
+    "UNKNOWN   0 critical, 0 warning, 1 unknown, 0 notice; checked nothing\n"
+    "unknown   Collect again: nothing of this machine could be looked at\n"
+    "\n";
+
+TEST(TableFormat, TellsTheVerdictAfterTheMachineAndBeforeProblems) {
+  MadeCollection made;
+  made.Table("ARPINFO").Row({{"Type", "dynamic"}});
+  made.Get().problems = {"storcli failed"};
+  EXPECT_THAT(made.As("table"), StartsWith(std::string("Server\n"
+                                                       "Recorded: at an unknown time\n") +
+                                           kNothingJudged +
+                                           "1 of 1 tables with 1 rows\n"
+                                           "\n"
+                                           "1 problem\n"));
+}
+
+TEST(TableFormat, TellsNoVerdictOnTablesThatSayNothingOfTheMachine) {
+  MadeCollection made;
+  made.Table("ARPINFO").Row({{"Type", "dynamic"}});
+  made.Get().isSelection = true;
+  EXPECT_THAT(made.As("table"), Not(HasSubstr("UNKNOWN")));
+  made.Get().machineIsKnown = false;
+  EXPECT_THAT(made.As("table"), Not(HasSubstr("UNKNOWN")));
+}
+
 TEST(TableFormat, AlignsColumnsUnderTheirLabels) {
   MadeCollection made;
   made.Table("ARPINFO")
       .Row({{"Internet Address", "10.0.0.1"}, {"Type", "dynamic"}})
       .Row({{"Internet Address", "10.0.0.254"}, {"Type", "static"}});
-  EXPECT_EQ(made.As("table"),
-            "Server\n"
-            "Recorded: at an unknown time\n"
-            "1 of 1 tables with 2 rows\n"
-            "\n"
-            "Network\n"
-            "  ARPINFO  ARP table\n"
-            "\n"
-            "Network\n"
-            "\n"
-            "ARP table · ARPINFO · 2 rows\n"
-            "Internet Address  Type\n"
-            "────────────────  ───────\n"
-            "10.0.0.1          dynamic\n"
-            "10.0.0.254        static\n");
+  EXPECT_EQ(made.As("table"), std::string("Server\n"
+                                          "Recorded: at an unknown time\n") +
+                                  kNothingJudged +
+                                  "1 of 1 tables with 2 rows\n"
+                                  "\n"
+                                  "Network\n"
+                                  "  ARPINFO  ARP table\n"
+                                  "\n"
+                                  "Network\n"
+                                  "\n"
+                                  "ARP table · ARPINFO · 2 rows\n"
+                                  "Internet Address  Type\n"
+                                  "────────────────  ───────\n"
+                                  "10.0.0.1          dynamic\n"
+                                  "10.0.0.254        static\n");
 }
 
 TEST(TableFormat, ShowsNotesBelowTheTitleAndOfAnEmptyTableInTheOverview) {
@@ -165,6 +192,13 @@ TEST(TableFormat, BeginsWithMachineProblemsAndALineForEachTable) {
               StartsWith("SRV7\n"
                          "System:    Windows Server, build 20348\n"
                          "Collected: 2026-11-18 09:41:07 UTC\n"
+                         "\n"
+                         "UNKNOWN   0 critical, 0 warning, 2 unknown, 0 notice; checked\n"
+                         "          nothing\n"
+                         "unknown   Collect again: nothing of this machine could be\n"
+                         "          looked at\n"
+                         "unknown   Ask again for lsi: storcli.exe is not there\n"
+                         "\n"
                          "1 of 4 tables with 1 rows\n"
                          "\n"
                          "2 problems\n"

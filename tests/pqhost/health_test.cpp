@@ -1,7 +1,9 @@
 // pqhost health: its formats, files and exit codes.
 #include <gmock/gmock.h>
 
+#include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -13,6 +15,7 @@ namespace {
 using test::HostRun;
 using test::RunHost;
 using test::Sample;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
@@ -145,6 +148,184 @@ TEST_F(HealthFiles, WritesToAFile) {
   std::string word;
   file >> word;
   EXPECT_EQ(word, "OK");
+}
+
+/// Two recordings in a folder that tells nothing of itself.
+class HealthOfRecordings : public HealthFiles {
+ protected:
+  HealthOfRecordings() {
+    for (const char* name : {"hba-only", "two-socket-server"}) {
+      std::filesystem::copy(Sample(name), folder / name, std::filesystem::copy_options::recursive);
+    }
+  }
+
+  /// One that cannot be read.
+  void Break() {
+    std::filesystem::create_directory(folder / "broken");
+    Write("broken/recording.json", "{");
+  }
+
+  HostRun Judge(const std::vector<std::string>& more) {
+    std::vector<std::string> arguments{"health", "--replay", folder.Path().string()};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return RunHost(arguments);
+  }
+};
+
+TEST_F(HealthOfRecordings, HasOneVerdictForEachAndTheExitCodeOfTheWorst) {
+  const HostRun run = Judge({"--brief"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.out, StartsWith("WARNING   2 machines: 0 critical, 1 warning, 0 unknown, 1 OK\n"
+                                  "\n"
+                                  "WARNING   two-socket-server (NODE31, serial NGR208-0031): 0 "
+                                  "critical, 4 warning, 0 unknown, 3 notice\n"
+                                  "  warning   Replace drive 0-2-0-0"));
+  EXPECT_THAT(run.out,
+              EndsWith("OK        hba-only: 0 critical, 0 warning, 0 unknown, 0 notice\n"));
+  EXPECT_EQ(run.error, "");
+}
+
+TEST_F(HealthOfRecordings, ComesFromRecordingsNamedOneByOne) {
+  const HostRun run = RunHost(
+      {"health", "--replay", Sample("vroc"), "--replay", Sample("no-bmc"), "--format", "nagios"});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_THAT(run.out, StartsWith("CRITICAL - 2 machines: 1 critical, 0 warning, 1 unknown, 0 OK; "
+                                  "vroc: Replace drive 2-4-0-0"));
+  EXPECT_THAT(run.out, HasSubstr("\nUNKNOWN - no-bmc: Collect again"));
+}
+
+TEST_F(HealthOfRecordings, JudgesTheOthersWhenOneCannotBeRead) {
+  Break();
+  const HostRun warning = Judge({"--format", "json"});
+  EXPECT_EQ(warning.exitCode, 1);  // A warning is worse than what nobody knows.
+  const nlohmann::json all = nlohmann::json::parse(warning.out);
+  EXPECT_EQ(all["machines"][0]["machine"], "broken");
+  EXPECT_EQ(all["machines"][0]["health"]["verdict"], "unknown");
+  EXPECT_THAT(all["machines"][0]["health"]["findings"][0]["observed"].get<std::string>(),
+              HasSubstr("recording.json"));
+  EXPECT_EQ(all["machines"][1]["health"]["verdict"], "ok");
+  EXPECT_EQ(all["machines"][2]["name"], "NODE31");
+  EXPECT_EQ(all["machines"][2]["recordedAt"], "2026-11-18T09:41:12+01:00");
+  std::filesystem::remove_all(folder / "two-socket-server");
+  EXPECT_EQ(Judge({}).exitCode, 3);
+}
+
+// A script that asks a folder gets the same answer however many recordings have come.
+TEST_F(HealthOfRecordings, HasTheFormOfSeveralAlsoForAFolderOfOne) {
+  std::filesystem::remove_all(folder / "two-socket-server");
+  const nlohmann::json all = nlohmann::json::parse(Judge({"--format", "json"}).out);
+  EXPECT_EQ(all["machines"].size(), 1U);
+  const HostRun one = JudgeSample("hba-only", {"--format", "json"});
+  EXPECT_EQ(all["machines"][0]["health"], nlohmann::json::parse(one.out));
+}
+
+TEST_F(HealthOfRecordings, ObeysOptionsForEach) {
+  const std::string known = Write("known.txt", "* * # all is known\n");
+  EXPECT_EQ(Judge({"--suppress", known}).exitCode, 0);
+  const std::string settings = Write("our.settings", "media_errors = 1000000\n");
+  EXPECT_THAT(Judge({"--settings", settings}).out, Not(HasSubstr("drive.media-errors")));
+  EXPECT_THAT(Judge({"--require", "amt"}).out,
+              HasSubstr("Find out why there is nothing of amt: this machine has no AMT"));
+  EXPECT_THAT(Judge({"--as-of", "2030-01-01"}).out, HasSubstr("as of 2030-01-01 (--as-of)"));
+}
+
+TEST_F(HealthOfRecordings, AreNotJudgedByAWrongRule) {
+  const std::string rules = Write("house.sql", "-- @rule r\n-- @part drives\nSELECT sate");
+  const HostRun run = Judge({"--rules", rules, "--output", folder / "verdict.txt"});
+  EXPECT_EQ(run.exitCode, 3);
+  EXPECT_EQ(run.error, "pqhost: " + rules + ":3: r: no such column: sate\n");
+  EXPECT_FALSE(std::filesystem::exists(folder / "verdict.txt"));
+}
+
+TEST_F(HealthOfRecordings, RefusesOneLogFolderForAll) {
+  const HostRun run = Judge({"--log-folder", folder / "logs"});
+  EXPECT_EQ(run.exitCode, 3);
+  EXPECT_THAT(run.error, HasSubstr("--log-folder is for the files of one machine"));
+}
+
+TEST_F(HealthOfRecordings, WritesNothingIntoThem) {
+  const HostRun run = Judge({"--output", folder / "hba-only/verdict.txt"});
+  EXPECT_EQ(run.exitCode, 3);
+  EXPECT_THAT(run.error, HasSubstr("is in the recording, which stays as it is"));
+}
+
+TEST_F(HealthOfRecordings, WritesADatabaseOfAll) {
+  Break();
+  const std::string file = folder / "fleet.db";
+  const HostRun run = Judge({"--format", "sqlite", "--output", file});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_EQ(run.error, "Database: " + file + "\n");
+  const auto ask = [&](const std::string& sql) {
+    return RunHost({"query", file, "--format", "csv", sql}).out;
+  };
+  EXPECT_EQ(ask("SELECT machine, value FROM machine WHERE name = 'verdict'"),
+            "machine,value\r\nbroken,unknown\r\nhba-only,ok\r\ntwo-socket-server,warning\r\n");
+  EXPECT_EQ(ask("SELECT machine, count(*) FROM findings GROUP BY machine"),
+            "machine,count(*)\r\nbroken,1\r\ntwo-socket-server,7\r\n");
+  EXPECT_EQ(ask("SELECT machine, count(*) FROM drives GROUP BY machine"),
+            "machine,count(*)\r\nhba-only,4\r\ntwo-socket-server,32\r\n");
+  EXPECT_EQ(ask("SELECT count(*) > 7 FROM findings JOIN evidence USING (machine, finding)"),
+            "count(*) > 7\r\n1\r\n");
+}
+
+TEST_F(HealthFiles, WritesADatabaseWithTheVerdictOfItsOptions) {
+  const std::string known = Write("known.txt", "* * # all is known\n");
+  const std::string file = folder / "server.db";
+  EXPECT_EQ(JudgeSample("two-socket-server",
+                        {"--suppress", known, "--format", "sqlite", "--output", file})
+                .exitCode,
+            0);
+  EXPECT_EQ(RunHost({"query", file, "--format", "csv",
+                     "SELECT value, suppressed, reason FROM machine, findings WHERE name = "
+                     "'verdict' AND rule = 'sensor.threshold'"})
+                .out,
+            "value,suppressed,reason\r\nok,warning,all is known\r\n");
+}
+
+TEST(HealthCommand, WritesNoDatabaseToATerminal) {
+  const HostRun run =
+      RunHost({"health", "--replay", Sample("hba-only"), "--format", "sqlite"}, {.out = true});
+  EXPECT_EQ(run.exitCode, 3);
+  EXPECT_EQ(run.out, "");
+}
+
+TEST(HealthCommand, WritesCsvOfOneMachineAsOfSeveral) {
+  EXPECT_THAT(JudgeSample("hba-only", {"--format", "csv"}).out,
+              EndsWith("\r\nhba-only,,,ok,2026-11-18T14:02:55,,,,,,,,,,,,,,\r\n"));
+}
+
+TEST(CollectCommand, BeginsWithTheVerdictOnATerminal) {
+  const HostRun run =
+      RunHost({"collect", "--replay", Sample("vroc")}, {.out = true, .error = true});
+  EXPECT_THAT(run.out,
+              HasSubstr("\n\nCRITICAL  1 critical, 0 warning, 0 unknown, 0 notice; checked "
+                        "1 controller, 3 drives, 1 volume, 1 group\n"
+                        "critical  Replace drive 2-4-0-0"));
+}
+
+// The verdict is not about the collection, which has all that it asked for.
+TEST(CollectCommand, KeepsItsOwnExitCode) {
+  EXPECT_EQ(
+      RunHost({"collect", "--replay", Sample("two-socket-server"), "--format", "json"}).exitCode,
+      RunHost({"collect", "--replay", Sample("two-socket-server"), "--format", "none"}).exitCode);
+  EXPECT_EQ(RunHost({"collect", "--replay", Sample("two-socket-server")}).exitCode, 0);
+}
+
+TEST(CollectCommand, TellsTheSameVerdictAsHealth) {
+  const auto collected = nlohmann::json::parse(
+      RunHost({"collect", "--replay", Sample("two-socket-server"), "--format", "json"}).out);
+  EXPECT_EQ(collected["health"],
+            nlohmann::json::parse(JudgeSample("two-socket-server", {"--format", "json"}).out));
+}
+
+TEST(Readme, ShowsTheVerdictThatACollectionBeginsWith) {
+  std::ifstream file(Sample("") + "../README.md", std::ios::binary);
+  const std::string readme{std::istreambuf_iterator<char>(file), {}};
+  const std::size_t begin = readme.find("```\nWARNING");
+  ASSERT_NE(begin, std::string::npos);
+  const std::string shown = readme.substr(begin + 4, readme.find("```", begin + 4) - begin - 4);
+  EXPECT_THAT(RunHost({"collect", "--replay", Sample("two-socket-server")}).out,
+              HasSubstr("\n" + shown));
 }
 
 }  // namespace

@@ -140,15 +140,19 @@ Health Judge(RuleDatabase& rules, const Parts& parts, const AsOf& asOf,
 
 const char* GetWord(Severity severity) { return kWords[static_cast<std::size_t>(severity)]; }
 
-const char* GetVerdict(const Health& health) {
+const char* GetVerdict(Severity worst) {
   constexpr std::array<const char*, 4> kVerdicts{"OK", "UNKNOWN", "WARNING", "CRITICAL"};
-  return kVerdicts[static_cast<std::size_t>(health.worst.value_or(Severity::kNotice))];
+  return kVerdicts[static_cast<std::size_t>(worst)];
 }
 
-int GetExitCode(const Health& health) {
+int GetExitCode(Severity worst) {
   constexpr std::array<int, 4> kCodes{0, 3, 1, 2};
-  return kCodes[static_cast<std::size_t>(health.worst.value_or(Severity::kNotice))];
+  return kCodes[static_cast<std::size_t>(worst)];
 }
+
+const char* GetVerdict(const Health& health) { return GetVerdict(FindWorst(health)); }
+
+int GetExitCode(const Health& health) { return GetExitCode(FindWorst(health)); }
 
 std::size_t CountFindings(const Health& health, Severity severity) {
   return static_cast<std::size_t>(
@@ -160,14 +164,17 @@ HealthJudge::HealthJudge(HealthOptions options) : options(std::move(options)) {}
 
 HealthJudge::~HealthJudge() = default;
 
+bool HealthJudge::HasOwnRules() const {
+  return std::any_of(options.rules.begin(), options.rules.end(),
+                     [](const Rule& rule) { return !rule.file.empty(); });
+}
+
 Health HealthJudge::Judge(const Collection& collection, const Parts& parts) {
   const auto& recordedAt = collection.machine.recordedAt;
   const AsOf asOf = FindAsOf(parts, options, recordedAt ? FormatIsoTime(*recordedAt) : "",
                              FormatIsoTime(collection.collected));
   // The user's rules can ask the classes, too, which are others for each machine.
-  const bool asksClasses = std::any_of(options.rules.begin(), options.rules.end(),
-                                       [](const Rule& rule) { return !rule.file.empty(); });
-  if (asksClasses) {
+  if (HasOwnRules()) {
     RuleDatabase ofMachine(options, &collection);
     return host::Judge(ofMachine, parts, asOf, options);
   }

@@ -58,9 +58,13 @@ struct Health {
   std::vector<PartSource> sources;
 };
 
+/// A notice when nothing is wrong.
+inline Severity FindWorst(const Health& health) { return health.worst.value_or(Severity::kNotice); }
 /// The verdict: "OK", "WARNING", "CRITICAL" or "UNKNOWN".
+const char* GetVerdict(Severity worst);
 const char* GetVerdict(const Health& health);
 /// As Nagios has it: 0, 1, 2 or 3.
+int GetExitCode(Severity worst);
 int GetExitCode(const Health& health);
 std::size_t CountFindings(const Health& health, Severity severity);
 
@@ -73,6 +77,8 @@ class HealthJudge {
   HealthJudge& operator=(const HealthJudge&) = delete;
   ~HealthJudge();
 
+  /// Whether there are rules of the user's among those that are asked.
+  bool HasOwnRules() const;
   /// Throws HealthFileError for a rule of the user's that cannot be asked.
   Health Judge(const Collection& collection, const Parts& parts);
   /// The same of parts alone; `collected` is the time when nothing else is known.

@@ -1,23 +1,32 @@
-// pqhost health: whether a machine is well, as a verdict with its findings. The exit code is that
-// of Nagios' plug-ins.
+// pqhost health: whether machines are well, each as a verdict with its findings. The exit code is
+// that of Nagios' plug-ins.
 
 #include <fmt/format.h>
 
+#include <exception>
 #include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "host/answers/health/health.h"
+#include "host/answers/assessment.h"
+#include "host/answers/collection_database.h"
+#include "host/answers/health/unjudged.h"
 #include "host/answers/health/wall_time.h"
-#include "host/answers/parts/read_parts.h"
+#include "host/database/database_writer.h"
 #include "host/files/whole_file.h"
+#include "host/formats/database_file.h"
 #include "host/formats/health_formats.h"
+#include "host/formats/machine_summary.h"
+#include "host/formats/row_identity.h"
 #include "host/pqhost/commands/commands.h"
 #include "host/pqhost/commands/shared_options.h"
 #include "host/pqhost/gather.h"
+#include "host/pqhost/recordings.h"
 #include "host/program/interruption.h"
 #include "host/program/result_output.h"
 #include "host/text/decoder.h"
@@ -30,14 +39,19 @@ namespace {
 constexpr char kFooter[] = R"(Examples:
   pqhost health
   pqhost health --replay RECORDING --brief
+  pqhost health --replay FOLDER_OF_RECORDINGS --format nagios
   pqhost health --replay RECORDING --format json --set recent_days=7
   pqhost health --rules house.sql --suppress known.txt --require lsi,sensors
 
 Exit codes: 0 OK; 1 warning; 2 critical; 3 unknown, also wrong use, unreadable
-input and an interruption.
+input and an interruption. Of several machines that of the one that is worst
+off: critical, then warning, then unknown.
 )";
 
+constexpr char kDatabaseFormat[] = "sqlite";
+
 struct HealthCommandOptions {
+  std::vector<std::filesystem::path> replays;  ///< recordings, or folders of recordings
   SourceOptions source;
   std::string format = "table";
   bool isBrief = false;
@@ -93,15 +107,130 @@ HealthOptions SettleOptions(const HealthCommandOptions& given) {
   return options;
 }
 
-void WriteHealth(const Health& health, const HealthCommandOptions& options, const Screen& screen,
-                 std::ostream& out) {
-  if (options.format == "json") {
-    WriteHealthJson(health, out);
-  } else if (options.format == "nagios") {
-    WriteHealthNagios(health, out);
-  } else {
-    WriteHealthTable(health, options.isBrief, screen, out);
+/// Ctrl-C leaves a part of a machine, which may look well.
+class Interrupted final : public std::exception {
+ public:
+  const char* what() const noexcept override { return "interrupted: nothing is judged"; }
+};
+
+/// One machine, collected and judged.
+struct Judged {
+  std::unique_ptr<CommandSource> source;
+  Collection collection;
+  Assessment assessment;
+};
+
+/// Throws Interrupted, and what Gather and Assess throw.
+Judged JudgeMachine(const SourceOptions& source, HealthJudge& judge, const Console& console,
+                    const std::function<void()>& beforeRun) {
+  Gathered gathered = Gather(source, {}, console, KeepLog::kYes, [&](auto&) { beforeRun(); });
+  if (IsInterruptionRequested()) throw Interrupted();
+  // From now on Ctrl-C may end the program at once.
+  gathered.interruption.reset();
+  Assessment assessment = Assess(gathered.collection, judge);
+  return {std::move(gathered.source), std::move(gathered.collection), std::move(assessment)};
+}
+
+void Identify(const Collection& collection, JudgedMachine& machine) {
+  const RowIdentity identity = MakeRowIdentity(collection);
+  machine.name = collection.machine.name;
+  machine.serial = identity.serial;
+  machine.recordedAt = identity.recordedAt;
+}
+
+/// Several recordings, one after the other: of each only the verdict is kept, and all that was
+/// collected goes into `database`, if there is one.
+std::vector<JudgedMachine> JudgeRecordings(const std::vector<std::filesystem::path>& recordings,
+                                           const SourceOptions& source,
+                                           const HealthOptions& options, const Console& console,
+                                           DatabaseWriter* database) {
+  std::vector<JudgedMachine> machines;
+  SourceNames names;
+  HealthJudge judge(options);
+  for (const std::filesystem::path& recording : recordings) {
+    JudgedMachine& machine = machines.emplace_back();
+    machine.machine = names.Take(recording);
+    SourceOptions one = source;
+    one.replay = recording;
+    try {
+      Judged judged = JudgeMachine(one, judge, console, [] {});
+      Identify(judged.collection, machine);
+      if (database != nullptr) {
+        AddCollection(*database, CollectionView(judged.collection), judged.assessment,
+                      machine.machine);
+      }
+      machine.health = std::move(judged.assessment.health);
+    } catch (const HealthFileError&) {
+      throw;  // A rule of the user's that no machine can be judged by.
+    } catch (const std::runtime_error& error) {
+      machine.health = MakeUnjudged(error.what());
+      if (database == nullptr) continue;
+      database->Remove(machine.machine);
+      AddVerdict(*database, machine.health, machine.machine);
+    }
   }
+  return machines;
+}
+
+/// The exit code.
+int JudgeOne(const HealthCommandOptions& given, const HealthOptions& options,
+             const Console& console) {
+  std::optional<ResultOutput> output;
+  HealthJudge judge(options);
+  const Judged judged =
+      JudgeMachine(given.source, judge, console, [&] { output.emplace(given.output, console); });
+  const Health& health = judged.assessment.health;
+  output->Write([&](const Screen& screen, std::ostream& out) {
+    if (given.format == kDatabaseFormat) {
+      WriteDatabase(out, [&](Database& database) {
+        FillDatabase(database, CollectionView(judged.collection), judged.assessment);
+      });
+    } else if (given.format == "json") {
+      WriteHealthJson(health, out);
+    } else if (given.format == "csv") {
+      JudgedMachine machine{.machine = given.source.replay
+                                           ? SourceNames().Take(*given.source.replay)
+                                           : NameMachine(judged.collection),
+                            .health = health};
+      Identify(judged.collection, machine);
+      WriteHealthCsv({machine}, screen, out);
+    } else if (given.format == "nagios") {
+      WriteHealthNagios(health, out);
+    } else {
+      WriteHealthTable(health, given.isBrief, screen, out);
+    }
+  });
+  return GetExitCode(health);
+}
+
+/// The same of all, that of the worst.
+int JudgeSeveral(const std::vector<std::filesystem::path>& recordings,
+                 const HealthCommandOptions& given, const HealthOptions& options,
+                 const Console& console) {
+  ResultOutput output(given.output, console);
+  std::vector<JudgedMachine> machines;
+  const auto judge = [&](DatabaseWriter* database) {
+    machines = JudgeRecordings(recordings, given.source, options, console, database);
+  };
+  if (given.format != kDatabaseFormat) judge(nullptr);
+  output.Write([&](const Screen& screen, std::ostream& out) {
+    if (given.format == kDatabaseFormat) {
+      WriteDatabase(out, [&](Database& database) {
+        DatabaseWriter writer(database, Machines::kSeveral);
+        judge(&writer);
+        writer.Complete();
+      });
+    } else if (given.format == "json") {
+      WriteHealthJson(machines, out);
+    } else if (given.format == "csv") {
+      WriteHealthCsv(machines, screen, out);
+    } else if (given.format == "nagios") {
+      WriteHealthNagios(machines, out);
+    } else {
+      WriteHealthTable(machines, given.isBrief, screen, out);
+    }
+  });
+  return GetExitCode(FindWorst(machines));
 }
 
 int RunHealth(HealthCommandOptions& given, const Console& console) {
@@ -109,29 +238,39 @@ int RunHealth(HealthCommandOptions& given, const Console& console) {
     console.out << WriteHealthDocument();
     return kExitDone;
   }
+  if (given.format == kDatabaseFormat) RefuseBytesOnTerminal(given.format, given.output, console);
   const HealthOptions options = SettleOptions(given);
-  if (!given.source.replay) given.output.MakeAbsolute();
-  RefuseMisuseOfReplay(given.source);
-  RefuseInRecording(given.source, "--output", given.output);
-  std::optional<ResultOutput> output;
-  const Gathered gathered = Gather(given.source, {}, console, KeepLog::kYes,
-                                   [&](auto&) { output.emplace(given.output, console); });
-  const Health health =
-      JudgeCollection(gathered.collection, ReadParts(gathered.collection), options);
-  output->Write(
-      [&](const Screen& screen, std::ostream& out) { WriteHealth(health, given, screen, out); });
-  TellWritten("Verdict", given.output, console);
-  return IsInterruptionRequested() ? kExitUnknown : GetExitCode(health);
+  const std::vector<std::filesystem::path> recordings = FindRecordings(given.replays);
+  if (recordings.empty()) given.output.MakeAbsolute();
+  for (const std::filesystem::path& recording : recordings) {
+    given.source.replay = recording;
+    RefuseMisuseOfReplay(given.source);
+    RefuseInRecording(given.source, "--output", given.output);
+  }
+  // What the answer looks like follows from what was asked, not from what is in a folder.
+  const bool isSeveral = given.replays.size() > 1 || recordings != given.replays;
+  if (isSeveral && given.source.logFolder) {
+    throw UsageError(
+        "--log-folder is for the files of one machine: leave it away, or judge one recording");
+  }
+  const int exitCode = isSeveral ? JudgeSeveral(recordings, given, options, console)
+                                 : JudgeOne(given, options, console);
+  TellWritten(given.format == kDatabaseFormat ? "Database" : "Verdict", given.output, console);
+  return exitCode;
 }
 
 CommandRun Define(OptionSet& set) {
   const auto options = std::make_shared<HealthCommandOptions>();
   options->source.asksNobody = true;  // What watches over a machine has nobody to ask.
-  AddReplay(set, options->source);
-  set.AddChoice("--format", {"table", "json", "nagios"}, options->format,
-                "Format of the verdict: table, json or nagios");
+  set.AddPaths(
+      "--replay", OptionValue::kRecording, options->replays,
+      "Judge this recording, a folder or a ZIP file, or all in this folder; may be repeated");
+  AddReadingRules(set, options->source);
+  set.AddChoice("--format", {"table", "json", "nagios", "csv", kDatabaseFormat}, options->format,
+                "Format of the verdict: table, json, nagios, csv or sqlite; table unless given");
   set.AddDestination("--output", options->output, "Write the verdict to this file");
-  set.AddFlag("--brief", options->isBrief, "Only the verdict and a line for each finding");
+  set.AddFlag("--brief", options->isBrief,
+              "Of the table only verdicts and a line for each finding");
   set.AddPaths("--rules", OptionValue::kFile, options->rules,
                "Add the rules of this file, or replace others by them; may be repeated");
   set.AddTexts("--set", "NAME=VALUE", options->settings,
@@ -154,7 +293,7 @@ CommandRun Define(OptionSet& set) {
 }  // namespace
 
 const Command kHealthCommand = {"health",
-                                "Tell whether a machine is well, and what to do",
+                                "Tell whether machines are well, and what to do",
                                 kFooter,
                                 &Define,
                                 Command::TimeLimit::kOfProgram,

@@ -17,6 +17,7 @@
 #include "host/pqhost/commands/commands.h"
 #include "host/pqhost/commands/shared_options.h"
 #include "host/pqhost/query_sources.h"
+#include "host/pqhost/recordings.h"
 #include "host/program/deadline.h"
 #include "host/program/result_output.h"
 #include "host/text/count_text.h"

@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 #include <string>
+#include <utility>
 
 #include "tests/support/posix/heard_signals.h"
 #include "tests/support/posix/shell_command.h"
@@ -19,9 +20,10 @@ constexpr int kTooMany = 1000;
 
 class EndedWhileWriting : public testing::Test {
  protected:
-  EndedWhileWriting() {
+  explicit EndedWhileWriting(std::string command = "collect") : command(std::move(command)) {
     folder.Write("o", "old");
-    whole = test::RunHost({"collect", "--replay", test::Sample("blade"), "--format", "csv"}).out;
+    whole =
+        test::RunHost({this->command, "--replay", test::Sample("blade"), "--format", "csv"}).out;
   }
 
   /// The exit status, as the shell tells it, of a run that gets `signal` at its write number `at`.
@@ -31,8 +33,8 @@ class EndedWhileWriting : public testing::Test {
         "ASAN_OPTIONS=verify_asan_link_order=0 PQ_SIGNAL=" + std::to_string(signal) +
         " PQ_AT=" + std::to_string(at) + " LD_PRELOAD='" +
         test::FindBuiltProgram("signal_at_write.so").string() + "' '" +
-        test::FindBuiltProgram("pqhost").string() + "' collect --replay '" + test::Sample("blade") +
-        "' --format csv --output '" + (folder / "o") + "' >/dev/null 2>&1";
+        test::FindBuiltProgram("pqhost").string() + "' " + command + " --replay '" +
+        test::Sample("blade") + "' --format csv --output '" + (folder / "o") + "' >/dev/null 2>&1";
     return WEXITSTATUS(std::system(line.c_str()));
   }
 
@@ -43,7 +45,7 @@ class EndedWhileWriting : public testing::Test {
     for (; at < kTooMany; ++at) {
       folder.Write("o", "old");
       const int status = Run(signal, at);
-      if (status == 0) break;  // It has fewer writes.
+      if (folder.Read("o") == whole) break;  // It has fewer writes.
       then(status);
       if (HasFailure()) return;
     }
@@ -54,7 +56,13 @@ class EndedWhileWriting : public testing::Test {
 
   const test::HeardSignals signals;
   test::TemporaryFolder folder;
+  std::string command;
   std::string whole;
+};
+
+class HealthEndedWhileWriting : public EndedWhileWriting {
+ protected:
+  HealthEndedWhileWriting() : EndedWhileWriting("health") {}
 };
 
 TEST_F(EndedWhileWriting, LeavesTheOldFileOrTheNewOne) {
@@ -78,6 +86,17 @@ TEST_F(EndedWhileWriting, WritesAllTheSameAfterTheFirstCtrlC) {
   EXPECT_EQ(Run(SIGINT, 1), 1);
   EXPECT_EQ(folder.Read("o"), whole);
   EXPECT_THAT(folder.Files(), ElementsAre("o"));
+}
+
+// Whoever watches must not take an end for a verdict.
+TEST_F(HealthEndedWhileWriting, IsUnknownAndLeavesNoPartOfAFile) {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    RunAtEachWrite(signal, [&](int status) {
+      EXPECT_EQ(status, 3);
+      EXPECT_EQ(folder.Read("o"), "old");
+      EXPECT_THAT(folder.Files(), ElementsAre("o"));
+    });
+  }
 }
 
 }  // namespace
