@@ -10,7 +10,7 @@
 
 #include "host/pqhost/commands/commands.h"
 #include "host/pqhost/commands/shared_options.h"
-#include "host/pqhost/query_sources.h"
+#include "host/pqhost/recordings.h"
 #include "host/recording/recording_reader.h"
 #include "host/text/path_text.h"
 #include "host/text/usage_error.h"
