@@ -62,10 +62,11 @@ void TryRules(const std::string& text) {
 void TrySettings(const std::string& text) {
   host::HealthSettings settings;
   host::TakeSettings(text, kFile, settings);
-  for (const auto& [name, value] : settings) {
-    const auto known = host::ListHealthSettings();
-    Require(value >= 0 && std::any_of(known.begin(), known.end(),
-                                      [&](const auto& one) { return one.name == name; }));
+  const auto known = host::ListHealthSettings();
+  for (const auto& given : settings) {
+    Require(given.second >= 0 && std::any_of(known.begin(), known.end(), [&](const auto& one) {
+              return one.name == given.first;
+            }));
   }
 }
 
