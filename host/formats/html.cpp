@@ -8,11 +8,9 @@
 #include <optional>
 #include <set>
 #include <sstream>
-#include <stdexcept>
 #include <vector>
 
 #include "host/answers/assessment.h"
-#include "host/answers/parts/read_parts.h"
 #include "host/collect/table_view.h"
 #include "host/formats/collection_summary.h"
 #include "host/formats/formats.h"
@@ -61,23 +59,6 @@ void WriteScript(std::ostream& out) {
                        static_cast<std::uint32_t>(last));
   }
   out << kReportTexts.substr(at + kPlace.size()) << kReportTables << kReportScript << "})();\n";
-}
-
-/// A machine that cannot be judged is not known to be well, and its tables are shown all the same.
-Assessment AssessForReport(const Collection& collection) {
-  try {
-    return Assess(collection);
-  } catch (const std::runtime_error& error) {  // DatabaseError, or a rule's HealthFileError
-    HealthHit hit;
-    hit.rule = "report.not-judged";
-    hit.severity = Severity::kUnknown;
-    hit.area = "collection";
-    hit.text = fmt::format("This machine could not be judged: {}", error.what());
-    Assessment assessment{ReadParts(collection), {}};
-    assessment.health.worst = hit.severity;
-    assessment.health.findings.push_back({hit.rule, hit.severity, {hit}});
-    return assessment;
-  }
 }
 
 class ReportData {
@@ -211,7 +192,7 @@ void WriteHtml(const Collection& collection, const Screen& screen, std::ostream&
   const CollectionView view(collection, ChooseAttachments(screen));
   const std::vector<ShownPart> shown = FitIntoReport(collection);
   std::optional<Assessment> assessed;
-  if (collection.machineIsKnown) assessed = AssessForReport(collection);
+  if (collection.machineIsKnown) assessed = Assess(collection);
   const Assessment* assessment = assessed ? &*assessed : nullptr;
   HtmlWriter html(out);
   std::string_view page = kReportPage;

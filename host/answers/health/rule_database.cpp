@@ -296,8 +296,12 @@ void RuleDatabase::PrepareTable(const RuleTable& table) {
 void RuleDatabase::AddQuestion(const Rule& rule) {
   Question question{&rule, std::nullopt};
   if (!IsOfUser(rule)) {
-    question.query.emplace(database, rule.sql);
-    question.columns = FindColumns(question.query->Columns());
+    try {
+      question.query.emplace(database, rule.sql);
+      question.columns = FindColumns(question.query->Columns());
+    } catch (const DatabaseError& error) {
+      Refuse(rule, error);
+    }
   }
   questions.push_back(std::move(question));
 }
