@@ -31,7 +31,8 @@ TEST(Assessment, IsUnknownWhenTheProgramsOwnRulesCannotBeAsked) {
   EXPECT_EQ(GetExitCode(health), 3);
   ASSERT_EQ(health.findings.size(), 1U);
   EXPECT_EQ(health.findings[0].key, "collection.not-judged all");
-  EXPECT_EQ(health.findings[0].hits[0].observed, "no such column: nonsense");
+  EXPECT_EQ(health.findings[0].hits[0].observed,
+            "rules.sql:7: drive.any: no such column: nonsense");
 }
 
 TEST(Assessment, IsNoneWhenARuleOfTheUsersCannotBeAsked) {
