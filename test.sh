@@ -81,7 +81,8 @@ TSAN_OPTIONS=suppressions=tests/thread_sanitizer.supp \
 run browser scripts/browser_tests.sh
 run metrics scripts/metrics_tests.sh
 run fuzz scripts/fuzz.sh --replay
-for name in native state binaries asan tsan browser metrics fuzz; do counted "$name"; done
+run verdicts scripts/judge_folder.sh samples/*
+for name in native state binaries asan tsan browser metrics fuzz verdicts; do counted "$name"; done
 check schema scripts/check_schema.sh build/native/bin/pqhost
 check format scripts/format.sh
 check lint wait "$lint"

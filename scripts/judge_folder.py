@@ -1,7 +1,7 @@
 """Makes recordings of tool outputs, and compares how pqhost judges them with what is known.
 
-The known verdicts are in tests/data/verdicts.json, found by the SHA-256 of the texts, so that the
-texts themselves need not be here. Ends with "N passed, N failed".
+The known verdicts are in tests/data/verdicts.json, found by what was asked and the SHA-256 of the
+texts, so that the texts themselves need not be here. Ends with "N passed, N failed".
 """
 
 import argparse
@@ -59,7 +59,7 @@ class Text:
     def __init__(self, path):
         self.path = path
         self.content = path.read_bytes()
-        self.hash = hashlib.sha256(self.content).hexdigest()
+        self.key = None
         self.tool = path.parent.name
         command, _, machine = path.stem.partition("__")
         self.machine = machine
@@ -70,6 +70,8 @@ class Text:
                 program, arguments = question
                 fields = [command, *("" if group is None else group for group in found.groups())]
                 self.question = (program, arguments.format(*fields, name=command))
+                # One text can be the answer to two questions.
+                self.key = f"{self.question[1]}: {hashlib.sha256(self.content).hexdigest()}"
                 if self.tool == "ipmiutil" and not machine:
                     # Texts of one visit begin alike: "late_sel", "late_sensor".
                     group = fields[1] if len(fields) > 1 else ""
@@ -151,7 +153,7 @@ def find_machines(folder):
 
 
 def write_verdicts(verdicts):
-    """A line for each machine, in the order of its texts' hashes."""
+    """A line for each machine, in the order of its texts."""
     lines = [json.dumps({"texts": list(texts), **verdicts[texts]}) for texts in sorted(verdicts)]
     VERDICTS.write_text("[\n" + ",\n".join(lines) + "\n]\n")
 
@@ -174,7 +176,7 @@ def main():
             folder.mkdir(parents=True)
             write_recording(folder, texts)
             found = judge(options.pqhost, folder)
-            key = tuple(sorted(text.hash for text in texts))
+            key = tuple(sorted(text.key for text in texts))
             if options.learn:
                 verdicts.setdefault(key, found)
             known = verdicts.get(key)
