@@ -259,7 +259,8 @@ TEST(HealthOfAnyMachine, IsNeverOkOfACutReportWhenTheWholeIsNot) {
     return host::GetVerdict(judge.Judge(collection, host::ReadParts(collection)));
   };
   int count = 0;
-  for (const auto& [name, sample] : test::LoadSamples()) {
+  for (const auto& [sampleName, sample] : test::LoadSamples()) {
+    const std::string& name = sampleName;
     for (const char* tool : {"storcli", "arcconf", "IntelVROC", "ipmiutil", "amt_log"}) {
       const host::Recording machine = KeepTool(sample, tool);
       if (findVerdict(machine) == "OK") continue;
