@@ -579,7 +579,7 @@ TEST(PrometheusFormat, IsNothingForAnAnswer) {
 TEST(PrometheusFormat, LeavesTheOldFileWhenThereIsNothingToTell) {
   const test::TemporaryFolder folder;
   const std::string file = folder / "pqhost.prom";
-  std::ofstream(file) << "old\n";
+  folder.Write("pqhost.prom", "old\n");
   const auto collect = [&](const std::string& recording) {
     return test::RunHost(
         {"collect", "--replay", recording, "--format", "prometheus", "--output", file});

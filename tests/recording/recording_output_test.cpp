@@ -73,7 +73,7 @@ TEST(WrittenZip, IsTheSameForTheSameRecording) {
 
 TEST(RecordingOutput, MakesAFolderOrAZipFile) {
   const test::TemporaryFolder folder;
-  for (const char* name : {"folder", "file.zip", "file.ZIP"}) {
+  for (const char* name : {"folder", "file.zip", "other.ZIP"}) {
     RecordingOutput(folder.Path() / name, "--record").Write(MakeSmallRecording());
     EXPECT_EQ(LoadRecording(folder.Path() / name).commands, MakeSmallRecording().commands);
     EXPECT_EQ(std::filesystem::is_directory(folder.Path() / name), std::string(name) == "folder");
