@@ -275,10 +275,10 @@ TEST_F(HealthFiles, WritesADatabaseWithTheVerdictOfItsOptions) {
                         {"--suppress", known, "--format", "sqlite", "--output", file})
                 .exitCode,
             0);
-  EXPECT_EQ(RunHost({"query", file, "--format", "csv",
-                     "SELECT value, suppressed, reason FROM machine, findings WHERE name = "
-                     "'verdict' AND rule = 'sensor.threshold'"})
-                .out,
+  const std::string question =
+      "SELECT value, suppressed, reason FROM machine, findings "
+      "WHERE name = 'verdict' AND rule = 'sensor.threshold'";
+  EXPECT_EQ(RunHost({"query", file, "--format", "csv", question}).out,
             "value,suppressed,reason\r\nok,warning,all is known\r\n");
 }
 
