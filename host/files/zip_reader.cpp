@@ -151,7 +151,10 @@ void CheckKind(std::uint32_t attributes, const CommonHead& head, std::string_vie
   if (isOther) {
     RefuseFile(name, "is a link, or no file at all", "pack the file itself in its place");
   }
-  if (name.ends_with('/') ? isSaidFile || head.size != 0 : isSaidFolder) {
+  // Some programs deflate even nothing, which takes two bytes.
+  constexpr std::uint32_t kMostOfNothing = 2;
+  const bool isEmpty = head.size == 0 && head.packedSize <= kMostOfNothing;
+  if (name.ends_with('/') ? isSaidFile || !isEmpty : isSaidFolder) {
     RefuseFile(name, "is a file and a folder at once", kGetAgain);
   }
 }

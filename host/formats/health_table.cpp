@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -109,24 +110,24 @@ void WriteFinding(const HealthFinding& finding, bool isBrief, LinesWriter& lines
 
 /// Notices of one rule and nothing else share a line, so that what matters is seen.
 struct SharedNotice {
-  std::string rule;
   std::vector<const HealthFinding*> findings;
 };
 
 std::vector<SharedNotice> ShareNotices(const Health& health) {
   std::vector<SharedNotice> shared;
+  std::map<std::string_view, std::size_t> places;  // of what a rule's notices share
   for (const HealthFinding& finding : health.findings) {
     if (finding.severity != Severity::kNotice) continue;
     const HealthHit& title = finding.hits.front();
     const bool isAlone = finding.hits.size() == 1 && !title.suppressed;
-    const auto known = std::find_if(shared.begin(), shared.end(), [&](const SharedNotice& one) {
-      return isAlone && one.rule == title.rule;
-    });
-    if (known != shared.end()) {
-      known->findings.push_back(&finding);
-    } else {
-      shared.push_back({isAlone ? title.rule : std::string(), {&finding}});
+    if (isAlone) {
+      const auto [place, isNew] = places.try_emplace(title.rule, shared.size());
+      if (!isNew) {
+        shared[place->second].findings.push_back(&finding);
+        continue;
+      }
     }
+    shared.push_back({{&finding}});
   }
   return shared;
 }

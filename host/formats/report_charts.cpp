@@ -1,10 +1,10 @@
 #include "host/formats/report_charts.h"
 
-#include <fmt/chrono.h>
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 
 #include "host/answers/health/wall_time.h"
 
@@ -80,7 +80,10 @@ struct DayCounts {
 using MonthCounts = std::array<DayCounts, kDaysShown>;
 
 std::string FormatDay(std::int64_t day) {
-  return fmt::format("{:%Y-%m-%d}", fmt::gmtime(static_cast<std::time_t>(day * kSecondsOfDay)));
+  // Days before 1970 as well, which not every system's own function takes.
+  const std::chrono::year_month_day date{std::chrono::sys_days{std::chrono::days{day}}};
+  return fmt::format("{}-{:02}-{:02}", static_cast<int>(date.year()),
+                     static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()));
 }
 
 std::string DescribeDay(std::int64_t day, const DayCounts& counts) {

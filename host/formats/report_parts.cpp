@@ -19,7 +19,8 @@ namespace {
 constexpr std::size_t kMostRows = 200;   ///< of a table
 constexpr std::size_t kMostEvents = 50;  ///< of logs, the newest
 constexpr std::size_t kMostTableBytes = std::size_t{512} << 10;
-constexpr std::size_t kWidestCell = 160;  ///< in columns of a screen
+constexpr std::size_t kWidestCell = 160;                  ///< in columns of a screen
+constexpr std::size_t kMostArrayNames = 4 * kWidestCell;  ///< bytes, but for the last name
 
 struct TableShape {
   std::string_view table;
@@ -125,8 +126,9 @@ std::string NameLevel(std::int64_t level) {
   constexpr std::int64_t kFirst = -2;
   constexpr std::array<const char*, 7> kWords{"debug",    "progress", "information", "warning",
                                               "critical", "fatal",    "dead"};
-  const auto place = static_cast<std::size_t>(level - kFirst);
-  return place < kWords.size() ? kWords[place] : fmt::format("{}", level);
+  constexpr std::int64_t kLast = kFirst + static_cast<std::int64_t>(kWords.size()) - 1;
+  if (level < kFirst || level > kLast) return fmt::format("{}", level);
+  return kWords[static_cast<std::size_t>(level - kFirst)];
 }
 
 std::string FormatCell(const PartTable& table, const PartColumn& column, const Part& part) {
@@ -192,7 +194,8 @@ ReportParts::ReportParts(const Assessment& assessment, const std::vector<ReportA
     if (volume.group.empty()) continue;
     const std::string name = volume.name.empty() ? volume.id : volume.name;
     std::string& names = arrays[volume.group];
-    names += (names.empty() ? "" : ", ") + name;
+    // Each drive of the group has them in its row; a cell shows less than this.
+    if (names.size() < kMostArrayNames) names += (names.empty() ? "" : ", ") + name;
   }
   for (const ReportArea& area : areas) {
     for (const AreaParts& list : area.parts) {

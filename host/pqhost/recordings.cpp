@@ -31,8 +31,9 @@ std::vector<std::filesystem::path> FindRecordings(const std::vector<std::filesys
       continue;
     }
     std::vector<std::filesystem::path> found;
-    for (const auto& entry : std::filesystem::directory_iterator(path, error)) {
-      if (IsRecording(entry.path()) || IsZipFile(entry.path())) found.push_back(entry.path());
+    for (std::filesystem::directory_iterator entry(path, error);
+         !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+      if (IsRecording(entry->path()) || IsZipFile(entry->path())) found.push_back(entry->path());
     }
     if (found.empty()) {
       recordings.push_back(path);

@@ -25,7 +25,7 @@ std::string WriteManifest(const Manifest& digests) {
   return text;
 }
 
-Manifest ReadManifest(std::string_view text) {
+Manifest ReadManifest(std::string_view text, std::uint64_t mostFiles) {
   Manifest digests;
   for (std::size_t number = 1; !text.empty(); ++number) {
     std::string_view line = text.substr(0, text.find('\n'));
@@ -38,6 +38,11 @@ Manifest ReadManifest(std::string_view text) {
     if (!isWhole) {
       throw std::runtime_error(
           fmt::format("line {}: has to be a SHA-256 digest and a file name", number));
+    }
+    if (number > mostFiles) {
+      throw std::runtime_error(
+          fmt::format("line {}: it names more than {} files; --limit files=NUMBER allows more",
+                      number, mostFiles));
     }
     digests[std::string(line.substr(kDigits + 2))] = LowerCase(line.substr(0, kDigits));
   }

@@ -82,7 +82,8 @@ class RecordingReader {
   /// std::runtime_error when it cannot be read.
   std::vector<std::string> FindChanges() {
     const std::map<std::string, Bytes> read = namedFiles.All();
-    manifest = ReadManifest(namedFiles.ReadOwn(kManifestFileName));
+    // recording.json is in it as well.
+    manifest = ReadManifest(namedFiles.ReadOwn(kManifestFileName), limits.files + 1);
     std::vector<std::string> changes;
     for (const auto& [name, bytes] : read) {
       if (manifest.count(name) == 0) {
@@ -289,26 +290,28 @@ ComparedRecording ReadAndCompare(const std::filesystem::path& path, const Record
     const Bytes description = reader.ReadDescription();
     return reader.Read(description);
   });
-  if (files->Has(kManifestFileName)) {
-    all.changes = CheckManifest(reader);
-    if (thoroughness == Thoroughness::kWholeManifest) {
-      all.otherChanges = reader.FindUnnamedChanges();
+  ExplainProblems(PathText(path), [&] {
+    if (files->Has(kManifestFileName)) {
+      all.changes = CheckManifest(reader);
+      if (thoroughness == Thoroughness::kWholeManifest) {
+        all.otherChanges = reader.FindUnnamedChanges();
+      }
+    } else {
+      all.otherChanges.push_back("there is no " + std::string(kManifestFileName) +
+                                 ", so nothing tells whether it is as it was made");
     }
-  } else {
-    all.otherChanges.push_back("there is no " + std::string(kManifestFileName) +
-                               ", so nothing tells whether it is as it was made");
-  }
-  const std::optional<std::string> key =
-      all.changes.empty() ? reader.ComputeManifestDigest() : std::nullopt;
-  recording.contentKey = key ? *key : ComputeContentKey(recording);
-  try {
-    recording.submission = ReadSubmission(*files);
-  } catch (const std::runtime_error& problem) {
-    recording.doubts.push_back(
-        std::string(problem.what()) +
-        ", so it is not known which machine this is, nor when it was recorded: " +
-        "correct that file or take it away");
-  }
+    const std::optional<std::string> key =
+        all.changes.empty() ? reader.ComputeManifestDigest() : std::nullopt;
+    recording.contentKey = key ? *key : ComputeContentKey(recording);
+    try {
+      recording.submission = ReadSubmission(*files);
+    } catch (const std::runtime_error& problem) {
+      recording.doubts.push_back(
+          std::string(problem.what()) +
+          ", so it is not known which machine this is, nor when it was recorded: " +
+          "correct that file or take it away");
+    }
+  });
   return all;
 }
 

@@ -77,7 +77,11 @@ class ZipFiles final : public StoredFiles {
 
   std::string Read(const std::string& name, const SizeCheck& checkSize) const override {
     const ZipEntry* entry = Find(name);
-    if (entry == nullptr) throw std::runtime_error("there is no such file" + HintAtFolder(name));
+    if (entry == nullptr) {
+      // Without recording.json, which is looked for first, nothing else is.
+      throw std::runtime_error("there is no such file" +
+                               (name == kRecordingFileName ? HintAtFolder(name) : std::string()));
+    }
     checkSize(entry->size);
     return zip.Read(*entry);
   }

@@ -49,9 +49,10 @@ HostRun RunOn(const std::string& recording, const Arguments& more) {
   return RunHost(arguments);
 }
 
-/// Without the time at which it was collected, which is now.
+/// Without the times at which it was collected and judged, which are now.
 std::string LevelTime(const std::string& text) {
-  return std::regex_replace(text, std::regex(R"("collected": ?"[^"]*")"), R"("collected":"")");
+  const std::regex time(R"re("(collected|asOf)": ?"[^"]*")re");
+  return std::regex_replace(text, time, R"("$1":"")");
 }
 
 void ExpectTheSame(const ZippedSamples& zipped, const Arguments& arguments) {

@@ -24,18 +24,26 @@ const std::string kDigest(64, 'a');
 TEST(Manifest, IsReadAsItIsWritten) {
   const Manifest manifest = {{"a", kDigest}, {"b/c d", std::string(64, '0')}};
   EXPECT_EQ(WriteManifest(manifest), kDigest + "  a\n" + std::string(64, '0') + "  b/c d\n");
-  EXPECT_EQ(ReadManifest(WriteManifest(manifest)), manifest);
+  EXPECT_EQ(ReadManifest(WriteManifest(manifest), 2), manifest);
 }
 
 TEST(Manifest, MayBeOfAnotherSystem) {
-  EXPECT_THAT(ReadManifest(std::string(64, 'A') + " *a\r\n" + kDigest + "  b"),
+  EXPECT_THAT(ReadManifest(std::string(64, 'A') + " *a\r\n" + kDigest + "  b", 2),
               ElementsAre(Pair("a", kDigest), Pair("b", kDigest)));
+}
+
+// Digests of files that are not there pack to nothing.
+TEST(Manifest, NamesSoManyFiles) {
+  const std::string two = kDigest + "  a\n" + kDigest + "  b\n";
+  EXPECT_THAT([&] { ReadManifest(two, 1); },
+              ThrowsMessage<std::runtime_error>(
+                  "line 2: it names more than 1 files; --limit files=NUMBER allows more"));
 }
 
 TEST(Manifest, SaysWhichLineIsNone) {
   for (const std::string& line : {std::string("x"), kDigest, kDigest + "  ", kDigest + "x a",
                                   std::string(64, 'g') + "  a", std::string()}) {
-    EXPECT_THAT([&] { ReadManifest(kDigest + "  a\n" + line + "\n"); },
+    EXPECT_THAT([&] { ReadManifest(kDigest + "  a\n" + line + "\n", 9); },
                 ThrowsMessage<std::runtime_error>(HasSubstr("line 2:")))
         << line;
   }

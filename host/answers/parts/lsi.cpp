@@ -38,6 +38,8 @@ struct Answers {
   bool hasText = false;
   bool tellsNoController = false;
   std::string failure;  ///< the first, in words
+  /// The first controller of which nothing is told, in words; a failure where others were read.
+  std::string gap;
 };
 
 bool HasNoEnclosure(const Parts& parts, const std::string& controller) {
@@ -57,10 +59,16 @@ bool IsToBeExpected(std::string_view description, const Report& report, const Pa
          HasNoEnclosure(parts, report.controller);
 }
 
-void ReadReport(const LinkedReport& linked, const CollectedRow& row, const std::string& number,
+bool HasController(const Parts& parts, const std::string& id) {
+  return std::any_of(parts.controllers.begin(), parts.controllers.end(),
+                     [&](const Controller& controller) { return controller.id == id; });
+}
+
+/// False when the tool printed nothing.
+bool ReadReport(const LinkedReport& linked, const CollectedRow& row, const std::string& number,
                 Parts& parts, Answers& answers) {
   const auto text = row.FindText(linked.key);
-  if (!text || Trim(text->View()).empty()) return;
+  if (!text || Trim(text->View()).empty()) return false;
   answers.hasText = true;
   answers.tellsNoController = answers.tellsNoController || TellsNoController(text->View());
   const std::string tool = "storcli /c" + number + std::string(linked.arguments);
@@ -70,7 +78,11 @@ void ReadReport(const LinkedReport& linked, const CollectedRow& row, const std::
   const auto failure = FindStorcliFailure(report.text);
   if (failure && answers.failure.empty() && !IsToBeExpected(*failure, report, parts)) {
     answers.failure = tool + ": Status = Failure, " + *failure;
+  } else if (&linked == kLinkedReports && answers.gap.empty() &&
+             !HasController(parts, report.controller) && !TellsNoController(report.text)) {
+    answers.gap = tool + ": no controller in what it printed";
   }
+  return true;
 }
 
 /// The number in "Controller0"; the place of the row without one.
@@ -172,10 +184,15 @@ void ReadLsi(const CollectedRows& rows, Parts& parts) {
   Answers answers;
   for (const CollectedRow& row : rows.ListRows(kReports)) {
     const std::string number = FindNumber(row);
+    bool printedAny = false;
     for (const LinkedReport& linked : kLinkedReports) {
-      ReadReport(linked, row, number, parts, answers);
+      if (ReadReport(linked, row, number, parts, answers)) printedAny = true;
+    }
+    if (!printedAny && answers.gap.empty()) {
+      answers.gap = "storcli /c" + number + " show printed nothing";
     }
   }
+  if (HasLsi(parts) && answers.failure.empty()) answers.failure = answers.gap;
   if (!HasLsi(parts)) {
     ReadSummaryRow(rows, parts);
     ReadDriveRows(rows, parts);

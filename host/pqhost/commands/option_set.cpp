@@ -18,6 +18,9 @@
 namespace host {
 namespace {
 
+/// More than anything that is counted here, and small enough to count with.
+constexpr std::uint64_t kMostNumber = std::uint64_t{1} << 32;
+
 constexpr char kGiveDestination[] = "give a file, or - for standard output";
 
 /// The value's name in the help.
@@ -138,12 +141,13 @@ void OptionSet::AddNumbers(const char* name, std::vector<std::string> names,
               std::string_view(given).substr(std::min(end + 1, given.size()));
           std::uint64_t number = 0;
           const auto read = std::from_chars(digits.begin(), digits.end(), number);
-          const bool isNumber = read.ec == std::errc() && read.ptr == digits.end() && number > 0;
+          const bool isNumber = read.ec == std::errc() && read.ptr == digits.end() && number > 0 &&
+                                number <= kMostNumber;
           const std::string key = given.substr(0, end);
           if (!isNumber || std::find(names.begin(), names.end(), key) == names.end()) {
             throw UsageError(
-                fmt::format("{} {}: give one of {}, \"=\" and a number from 1, such as {}=1", name,
-                            given, fmt::join(names, ", "), names.front()));
+                fmt::format("{} {}: give one of {}, \"=\" and a number from 1 to {}, such as {}=1",
+                            name, given, fmt::join(names, ", "), kMostNumber, names.front()));
           }
           set(key, number);
         }

@@ -13,6 +13,7 @@
 #include "host/pqhost/recordings.h"
 #include "host/recording/recording_reader.h"
 #include "host/text/path_text.h"
+#include "host/text/screen_text.h"
 #include "host/text/usage_error.h"
 
 namespace host {
@@ -39,7 +40,7 @@ struct VerifyOptions {
 /// Returns the exit code for this one.
 int VerifyOne(const std::filesystem::path& path, const VerifyOptions& options,
               const Console& console) {
-  const std::string name = PathText(path);
+  const std::string name = EscapeControls(PathText(path));
   try {
     const Verification verification = VerifyRecording(path, options.limits);
     if (options.showsKeys) {
@@ -51,7 +52,7 @@ int VerifyOne(const std::filesystem::path& path, const VerifyOptions& options,
       if (options.showsKeys) {
         Complain(console, fmt::format("{}: {}", name, difference));
       } else {
-        console.out << fmt::format("{}: {}\n", name, difference);
+        console.out << fmt::format("{}: {}\n", name, EscapeControls(difference));
       }
     }
     return verification.differences.empty() ? kExitDone : kExitIncomplete;

@@ -130,6 +130,24 @@ TEST(ReadLsi, FailsWhenAReportDoes) {
             "Failed.");
 }
 
+TEST(ReadLsi, FailsWhereOneOfSeveralControllersPrintsNothing) {
+  Recording recording = LoadSample("two-socket-server");
+  for (const char* report :
+       {"/c1 show", "/c1/eall/sall show all", "/c1 show events", "/c1 show termlog"}) {
+    Answer(recording, report, "");
+  }
+  EXPECT_EQ(Tell(ReadParts(recording, {"LSILINK"}), "lsi"),
+            "failed: storcli /c1 show printed nothing");
+}
+
+TEST(ReadLsi, FailsWhereAReportIsOfNoControllerAlthoughDrivesAreRead) {
+  Recording recording = LoadSample("hba-only");
+  Answer(recording, "/c0 show", "Segmentation fault\n");
+  const Parts parts = ReadParts(recording, {"LSILINK"});
+  EXPECT_FALSE(parts.drives.empty());
+  EXPECT_EQ(Tell(parts, "lsi"), "failed: storcli /c0 show: no controller in what it printed");
+}
+
 TEST(ReadLsi, FailsWithoutAControllerInTheReports) {
   Recording recording = LoadSample("hba-only");
   Answer(recording, "/c0 show", "Segmentation fault\n");
