@@ -82,8 +82,9 @@ void TrySuppressions(const std::string& text) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size == 0) return 0;
   void (*const kTries[])(const std::string&) = {TryRules, TrySettings, TrySuppressions};
-  // The command takes nothing else than UTF-8.
-  const std::string text = host::CleanUtf8(fuzz::InputText(data + 1, size - 1));
+  // The command takes nothing else than UTF-8 without NUL.
+  std::string text = host::CleanUtf8(fuzz::InputText(data + 1, size - 1));
+  std::replace(text.begin(), text.end(), '\0', ' ');
   try {
     kTries[*data % std::size(kTries)](text);
   } catch (const host::HealthFileError& error) {

@@ -65,7 +65,7 @@ struct HealthCommandOptions {
   std::vector<std::string> asOf;
 };
 
-/// What `read` makes of a file's text, which has to be UTF-8.
+/// What `read` makes of a file's text, which has to be UTF-8 without NUL.
 template <typename Read>
 auto ReadOptionFile(const std::filesystem::path& path, const Read& read) {
   const std::string name = PathText(path);
@@ -76,6 +76,10 @@ auto ReadOptionFile(const std::filesystem::path& path, const Read& read) {
     throw UsageError(fmt::format("{}: {}", name, error.what()));
   }
   if (CleanUtf8(text) != text) throw UsageError(fmt::format("{}: it is not UTF-8", name));
+  // It would end the message that quotes it.
+  if (text.find('\0') != std::string::npos) {
+    throw UsageError(fmt::format("{}: it has a NUL character, so it is no text", name));
+  }
   return read(text, name);
 }
 
