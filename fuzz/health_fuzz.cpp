@@ -10,11 +10,11 @@
 #include <vector>
 
 #include "fuzz/checks.h"
+#include "fuzz/machine_answers.h"
 #include "host/answers/health/health.h"
 #include "host/answers/parts/part_tables.h"
 #include "host/answers/parts/read_parts.h"
 #include "host/collect/collect.h"
-#include "tests/support/bmc_machine.h"
 
 namespace {
 
@@ -33,14 +33,7 @@ host::Recording MakeMachine(std::string_view text) {
                            "Controller_2_Config.txt", "Controller_2_Event_Log.txt"}) {
     machine.files["c:\\Support\\Firmware\\" + std::string(name)] = take();
   }
-  machine.commands.push_back({"rstcli64_5.exe", "-I", take(), ""});
-  for (const char* arguments : {"sensor -s -q", "sensor", "sel", "korvaxoem fru", "korvaxoem psu",
-                                "korvaxoem led", "korvaxoem selftest"}) {
-    test::AnswerOf(machine, arguments).standardOutput = take();
-  }
-  machine.console = "192.0.2.1 admin secret\n";
-  machine.commands.push_back({"check_amt_bmc.exe", "amt", "", "", 1});
-  machine.commands.push_back({"amt_log.exe", "192.0.2.1 admin secret", take(), ""});
+  fuzz::AddOtherAnswers(machine, take);
   return machine;
 }
 

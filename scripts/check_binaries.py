@@ -15,6 +15,8 @@ import struct
 import subprocess
 import sys
 
+from tally import Tally
+
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 ELF_FILES = ("pqhost", "repository.so", "logger.so")
 PE_FILES = ("pqhost.exe", "repository_pqmodule.dll", "repository.dll", "logger.dll")
@@ -38,16 +40,8 @@ KNOWN_LIBRARIES = {"advapi32.dll", "kernel32.dll", "msvcrt.dll", "shell32.dll"}
 OWN_LIBRARIES = {"repository.dll", "logger.dll", "libgcc_s_seh-1.dll", "libstdc++-6.dll",
                  "libwinpthread-1.dll"}
 
-passed = failed = 0
-
-
-def expect(holds, complaint):
-    global passed, failed
-    if holds:
-        passed += 1
-    else:
-        failed += 1
-        print(f"failed: {complaint}")
+tally = Tally()
+expect = tally.expect
 
 
 def check_commands(build, flags):
@@ -204,8 +198,7 @@ def main():
         check_elf(native / "bin" / name)
     for name in PE_FILES:
         check_pe(windows / "bin" / name, version)
-    print(f"{passed} passed, {failed} failed")
-    return 1 if failed else 0
+    return tally.end()
 
 
 sys.exit(main())

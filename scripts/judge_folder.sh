@@ -7,6 +7,6 @@
 #   --keep FOLDER   leave the recordings in this new folder
 #   --learn         add verdicts of texts that are not known yet, once they have been read by eye
 set -euo pipefail
-cd_to=$(dirname "$0")/..
-"$cd_to/scripts/build.sh" native pqhost
-exec python3 "$cd_to/scripts/judge_folder.py" "$cd_to/build/native/bin/pqhost" "$@"
+root=$(dirname "$0")/..
+"$root/scripts/build.sh" native pqhost
+exec python3 "$root/scripts/judge_folder.py" "$root/build/native/bin/pqhost" "$@"

@@ -13,6 +13,8 @@ import sys
 import tempfile
 import xml.etree.ElementTree as xml
 
+from tally import Tally
+
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 SAMPLES = ROOT / "samples"
 EXAMPLES = ROOT / "docs" / "examples"
@@ -20,17 +22,8 @@ TASK = "{http://schemas.microsoft.com/windows/2004/02/mit/task}"
 
 PQHOST, PROMTOOL = (str(pathlib.Path(word).resolve()) for word in sys.argv[1:])
 
-passed = 0
-failed = 0
-
-
-def expect(holds, complaint):
-    global passed, failed
-    if holds:
-        passed += 1
-    else:
-        failed += 1
-        print(f"failed: {complaint}")
+tally = Tally()
+expect = tally.expect
 
 
 def run(*command, **more):
@@ -180,8 +173,7 @@ def main():
         check_alerts()
         check_task()
         check_timer(folder)
-    print(f"{passed} passed, {failed} failed")
-    return 1 if failed else 0
+    return tally.end()
 
 
 sys.exit(main())

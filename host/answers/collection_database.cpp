@@ -13,17 +13,6 @@
 namespace host {
 namespace {
 
-const char* NameType(PartType type) {
-  switch (type) {
-    case PartType::kInteger:
-      return "INTEGER";
-    case PartType::kReal:
-      return "REAL";
-    default:
-      return "TEXT";
-  }
-}
-
 void AddValue(Statement& values, const PartValue& value) {
   if (const auto* text = std::get_if<std::string_view>(&value)) {
     values << *text;
@@ -40,7 +29,7 @@ void AddValue(Statement& values, const PartValue& value) {
 template <typename Columns>
 std::vector<DatabaseWriter::PlainColumn> ListSqlColumns(const Columns& columns) {
   std::vector<DatabaseWriter::PlainColumn> listed;
-  for (const auto& column : columns) listed.push_back({column.name, NameType(column.type)});
+  for (const auto& column : columns) listed.push_back({column.name, NameSqlType(column.type)});
   return listed;
 }
 

@@ -465,7 +465,7 @@ void AddFindings(const Health& health, MetricTables& tables) {
   MakeKeysUnique(findings, kFindingKeys);
 }
 
-std::string NameLevel(Integer level) {
+std::string NameSeverityOfLevel(Integer level) {
   if (!level) return "unknown";
   return *level <= 0 ? "information" : *level == 1 ? "warning" : "critical";
 }
@@ -478,7 +478,7 @@ void AddLogs(const std::vector<Event>& events, MetricTables& tables) {
   std::map<std::tuple<std::string, std::string, std::string>, Log> logs;
   for (const Event& event : events) {
     Log& log = logs[{LowerCase(KeepText(event.source)), KeepText(event.controller),
-                     NameLevel(event.level)}];
+                     NameSeverityOfLevel(event.level)}];
     ++log.entries;
     log.newest = std::max(log.newest, Integer(ReadWallTime(event.time)));
   }

@@ -261,8 +261,7 @@ class AreaFinder {
   std::string DescribeNetwork() const {
     std::size_t rows = 0;
     for (const CollectedTable& table : collection.tables) {
-      if (table.className == "ARPINFO" || table.className == "NETSTATINFO")
-        rows += table.RowCount();
+      if (IsOfNetwork(table)) rows += table.RowCount();
     }
     return rows == 0 ? "nothing collected"
                      : FormatCount(rows, "row") + " of addresses, connections";
@@ -320,6 +319,10 @@ std::size_t RankReportArea(std::string_view id) {
 std::string_view FindReportAreaTitle(std::string_view id) {
   const std::size_t rank = RankReportArea(id);
   return rank < std::size(kAreaKinds) ? kAreaKinds[rank].title : std::string_view();
+}
+
+bool IsOfNetwork(const CollectedTable& table) {
+  return table.className == "ARPINFO" || table.className == "NETSTATINFO";
 }
 
 std::string_view FindSensorArea(const Sensor& sensor) {

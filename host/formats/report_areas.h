@@ -49,6 +49,9 @@ std::size_t RankReportArea(std::string_view id);
 /// Empty for one that the report does not know.
 std::string_view FindReportAreaTitle(std::string_view id);
 
+/// Whether the area of networks, which no rule judges, shows the table.
+bool IsOfNetwork(const CollectedTable& table);
+
 /// The area that rules put a sensor of this type under.
 std::string_view FindSensorArea(const Sensor& sensor);
 

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "host/answers/tool_versions.h"
+#include "host/formats/health_words.h"
 #include "host/formats/machine_summary.h"
 #include "host/formats/report_areas.h"
 #include "host/formats/report_evidence.h"
@@ -42,7 +43,7 @@ Tone FindVerdictTone(const Health& health) {
 }
 
 /// "1 critical, 4 warnings, 2 not known"; empty without findings.
-std::string CountBySeverity(const Health& health) {
+std::string CountAlarms(const Health& health) {
   std::vector<std::string> counts;
   const auto add = [&](Severity severity, const char* one, const char* many) {
     const std::size_t count = CountFindings(health, severity);
@@ -141,7 +142,7 @@ class SummaryWriter {
     if (tone == Tone::kOk) {
       html.Text(DescribeChecked());
     } else {
-      html.Text(CountBySeverity(health)).Add("; ");
+      html.Text(CountAlarms(health)).Add("; ");
       html.Text(FormatCount(well, "area")).Add(" without a finding");
       if (open > 0) html.Add(", ").Number(open).Add(" not checked");
       html.Add(". Every finding opens to what it was read from.");
@@ -154,9 +155,7 @@ class SummaryWriter {
     if (health.checked.empty()) return "Nothing of this machine could be looked at.";
     std::vector<std::string> kinds;
     for (const auto& [table, count] : health.checked) {
-      std::string kind = table;
-      std::ranges::replace(kind, '_', ' ');
-      kinds.push_back(fmt::format("{} {}", kind, count));
+      kinds.push_back(fmt::format("{} {}", NameKind(table), count));
     }
     return fmt::format("Looked at: {}.", fmt::join(kinds, ", "));
   }
@@ -188,7 +187,7 @@ class SummaryWriter {
     if (!notices.empty()) {
       html.Add("<details class=\"panel more notices\"><summary>");
       html.Text(FormatCount(notices.size(), "notice"));
-      html.Add(" <span class=\"faint\">with nothing to be done now</span></summary>");
+      html.Add(" <span class=\"faint\">that raise no alarm</span></summary>");
       WriteSome(notices, 0, kMostFindings);
       html.Add("</details>");
     }
@@ -342,9 +341,6 @@ class SummaryWriter {
     }
   }
 
-  static bool IsOfNetwork(const CollectedTable& table) {
-    return table.className == "ARPINFO" || table.className == "NETSTATINFO";
-  }
   bool HasNetwork() const { return std::ranges::any_of(collection.tables, IsOfNetwork); }
 
   void WriteNetwork() {
@@ -393,7 +389,7 @@ void WriteReportTitle(const Collection& collection, const Assessment* assessment
     html.ShortText(name, kWidestText).Add(" – server report");
     return;
   }
-  const std::string counts = CountBySeverity(assessment->health);
+  const std::string counts = CountAlarms(assessment->health);
   html.Text(counts.empty() ? std::string(NameVerdict(assessment->health)) : counts);
   html.Add(" – ").ShortText(name, kWidestText);
 }

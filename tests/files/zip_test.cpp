@@ -207,6 +207,12 @@ TEST(Zip, MayTellTimesOwnersAndFolders) {
   EXPECT_EQ(ReadZip(MakeZip({folder, times})), (ZipFiles{{"f/a", "123456789"}}));
   EXPECT_EQ(ReadZip(MakeZip({times, folder})), (ZipFiles{{"f/a", "123456789"}}));
   ExpectZipRefused(MakeZip({folder, folder}), "\"f/\" twice");
+  // Nobody would ever see what a folder is packed with.
+  HandMadeFile filled = folder;
+  filled.bytes = "hidden";
+  filled.method = 8;
+  filled.packedSize = 6;
+  ExpectZipRefused(MakeZip({filled}), "\"f/\" is a file and a folder");
 }
 
 TEST(Zip, IsNotJustAnyFile) {

@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include <limits>
 #include <set>
 #include <sstream>
 #include <string>
@@ -11,6 +12,7 @@
 #include "host/answers/health/built_in_rules.h"
 #include "host/answers/health/rule_file.h"
 #include "host/formats/report_areas.h"
+#include "host/formats/report_charts.h"
 #include "host/formats/report_evidence.h"
 #include "tests/answers/health/judged.h"
 #include "tests/support/program/made_collection.h"
@@ -232,6 +234,31 @@ TEST(ReportSummary, DrawsTheEntriesOfEachDayByHowGraveTheyAre) {
   EXPECT_THAT(WriteSummary(parts),
               HasSubstr("aria-label=\"2026-11-01: 0 critical, 0 warning, 1 other; "
                         "2026-11-18: 1 critical, 2 warning, 0 other\""));
+}
+
+// A dead clock: not every system's own function knows days before 1970.
+TEST(ReportSummary, DrawsTheMonthBeforeTheFirstDayOfClocks) {
+  Parts parts = MakeWell();
+  Event& event = parts.events.emplace_back();
+  event.id = "sel 1";
+  event.time = "1970-01-05T00:00:10";
+  std::ostringstream out;
+  HtmlWriter html(out);
+  WriteEventsByDay({&event}, "1970-01-05T01:00:00", html);
+  EXPECT_THAT(out.str(), AllOf(HasSubstr("1969-12-07"), HasSubstr("1970-01-05: 0 critical, 0")));
+}
+
+TEST(ReportSummary, TakesAnyNumberForALevel) {
+  for (const std::int64_t level :
+       {std::numeric_limits<std::int64_t>::max(), std::numeric_limits<std::int64_t>::min()}) {
+    Parts parts = MakeWell();
+    Event& event = parts.events.emplace_back();
+    event.id = "lsi0 1";
+    event.source = "LSI";
+    event.time = "2026-11-18T10:00:00";
+    event.level = level;
+    EXPECT_THAT(WriteSummary(parts), HasSubstr(std::to_string(level)));
+  }
 }
 
 TEST(ReportAreas, KnowTheAreaOfEveryRule) {

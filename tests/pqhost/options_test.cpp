@@ -194,7 +194,8 @@ TEST(Options, TakeLimitsOfRecordings) {
       test::RunHost({"check", "--replay", sample, "--limit", "files=1", "--limit", "files=2"})
           .error,
       HasSubstr("more than 2 files"));
-  for (const char* wrong : {"commands", "commands=", "commands=0", "commands=1x", "=1", "size=1"}) {
+  for (const char* wrong : {"commands", "commands=", "commands=0", "commands=1x", "=1", "size=1",
+                            "files=18446744073709551615", "file-size=17592186044416"}) {
     EXPECT_THAT(Complaint({"collect", "--replay", sample, "--limit", wrong}),
                 HasSubstr("give one of commands, files, file-size, recording-size"))
         << wrong;

@@ -13,7 +13,9 @@ namespace {
 
 using test::HostRun;
 using test::RunHost;
+using testing::AllOf;
 using testing::HasSubstr;
+using testing::Not;
 
 class Verify : public testing::Test {
  protected:
@@ -57,6 +59,14 @@ TEST_F(Verify, TellsWhatCannotBeReadAndGoesOn) {
   EXPECT_EQ(RunHost({"verify"}).exitCode, 2);
   EXPECT_EQ(RunHost({"verify", server, "--limit", "file-size=1", "--limit", "files=0"}).exitCode,
             2);
+}
+
+// A name in a stranger's recording may not pretend to be another line.
+TEST_F(Verify, WritesNamesAsTheyAre) {
+  folder.Write("\u202egood\u2028x/recording.json", "{\"format\": 1}");
+  const HostRun run = RunHost({"verify", folder / "\u202egood\u2028x"});
+  EXPECT_THAT(run.out, AllOf(HasSubstr("there is no manifest.sha256"), Not(HasSubstr("\u202e")),
+                             Not(HasSubstr("\u2028"))));
 }
 
 TEST_F(Verify, ShowsKeys) {

@@ -211,11 +211,6 @@ std::vector<HealthHit> FindParts(std::vector<NamedHit> named, const Parts& parts
                         rule.id + ": " + error.what());
 }
 
-const char* NameSqlType(PartType type) {
-  constexpr std::array<const char*, 3> kNames{"TEXT", "INTEGER", "REAL"};
-  return kNames[static_cast<std::size_t>(type)];
-}
-
 bool IsOfUser(const Rule& rule) { return !rule.file.empty(); }
 
 }  // namespace
@@ -309,6 +304,11 @@ void RuleDatabase::AddQuestion(const Rule& rule) {
 std::vector<HealthHit> RuleDatabase::Ask(const Parts& asked, std::optional<std::int64_t> time) {
   parts = &asked;
   now = time;
+  // Also after an exception the next machine finds nothing of this one.
+  const struct Forgetting {
+    ~Forgetting() { rules.parts = &rules.none; }
+    RuleDatabase& rules;
+  } forgetting{*this};
   const auto ignore = [](const Database::Values&) {};
   for (Table& table : tables) {
     table.clear.Run(ignore);
@@ -333,7 +333,6 @@ std::vector<HealthHit> RuleDatabase::Ask(const Parts& asked, std::optional<std::
       Refuse(*question.rule, error);
     }
   }
-  parts = &none;
   return FindParts(std::move(hits), asked);
 }
 

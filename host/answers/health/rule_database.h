@@ -27,7 +27,8 @@ class RuleDatabase {
   ~RuleDatabase();
 
   /// The hits of all rules, in their order. `now` is the time that those of logs are compared with,
-  /// in seconds as of ReadWallTime. Throws HealthFileError.
+  /// in seconds as of ReadWallTime. Throws HealthFileError for a rule that cannot be asked, and
+  /// DatabaseError where what rules share cannot be made of these parts.
   std::vector<HealthHit> Ask(const Parts& parts, std::optional<std::int64_t> now);
 
  private:

@@ -524,8 +524,11 @@ FROM drive_states WHERE grp = 'F';
 -- @next Look at fans, filters, empty slots beside it, and at the room.
 -- @source arcconf's threshold of the drive; otherwise what drives' data sheets allow
 SELECT CASE WHEN temperature >= most THEN 'critical' ELSE 'warning' END, id,
-       printf('%.1f C (limit %d)', temperature, most), NULL,
-       printf('Cool %s: %.1f °C, and %d is its limit', called, temperature, most)
+       printf('%.1f C (warning from %d, critical from %d)', temperature, warm, most), NULL,
+       CASE WHEN temperature >= most
+            THEN printf('Cool %s: %.1f °C, and %d is its limit', called, temperature, most)
+            ELSE printf('Cool %s: %.1f °C, from %d on it is too warm', called, temperature, warm)
+       END
 FROM (SELECT id, called, temperature,
              coalesce(temperature_limit, setting(kind || '_critical')) AS most,
              coalesce(temperature_limit - 5, setting(kind || '_warning')) AS warm

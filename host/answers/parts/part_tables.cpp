@@ -293,6 +293,17 @@ const std::vector<PartTable>& MakeTables() {
 
 }  // namespace
 
+const char* NameSqlType(PartType type) {
+  switch (type) {
+    case PartType::kInteger:
+      return "INTEGER";
+    case PartType::kReal:
+      return "REAL";
+    default:
+      return "TEXT";
+  }
+}
+
 std::string FormatPartValue(const PartValue& value, std::string_view none) {
   if (const auto* text = std::get_if<std::string_view>(&value)) return std::string(*text);
   if (const auto* integer = std::get_if<std::int64_t>(&value)) return fmt::format("{}", *integer);

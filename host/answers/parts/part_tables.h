@@ -15,6 +15,8 @@
 namespace host {
 
 enum class PartType { kText, kInteger, kReal };
+/// "TEXT", "INTEGER", "REAL".
+const char* NameSqlType(PartType type);
 
 /// Nothing, or a value of the column's type. A text is a view of the part's own.
 using PartValue = std::variant<std::monostate, std::int64_t, double, std::string_view>;

@@ -5,7 +5,7 @@ namespace {
 
 constexpr char kNeedsWindows[] =
     "collecting from this machine itself, and recording it, needs Windows; here, give a recording "
-    "with --replay FOLDER";
+    "with --replay RECORDING";
 
 }  // namespace
 

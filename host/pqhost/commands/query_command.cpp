@@ -167,7 +167,7 @@ int AnswerQuery(const QueryOptions& options, const QuerySources& sources, const 
 int RunQuery(QueryOptions& options, const Console& console) {
   if (options.words.empty()) {
     throw UsageError(
-        "there is no query: give one, as in pqhost query --replay FOLDER \"SELECT * "
+        "there is no query: give one, as in pqhost query --replay RECORDING \"SELECT * "
         "FROM v_sensorinfo\"");
   }
   const QuerySources sources = FindSources(options);
