@@ -138,9 +138,9 @@ TEST_F(HealthFiles, RefusesTextsThatAreNoUtf8) {
   const HostRun run = JudgeSample("hba-only", {"--settings", Write("s", "resets = 9 # \xff\n")});
   EXPECT_EQ(run.exitCode, 3);
   EXPECT_THAT(run.error, HasSubstr("it is not UTF-8"));
-  const std::string nul = Write("nul.sql", std::string("-- @rule \0\n", 11));
+  const std::string nul = Write("zero.sql", std::string("-- @rule \0\n", 11));
   EXPECT_THAT(JudgeSample("hba-only", {"--rules", nul}).error,
-              HasSubstr("nul.sql: it has a NUL character, so it is no text"));
+              HasSubstr("zero.sql: it has a NUL character, so it is no text"));
 }
 
 TEST_F(HealthFiles, WritesToAFile) {
