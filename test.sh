@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Builds and tests everything: native, sanitizers, Windows under Wine, how binaries are guarded, fuzz
-# corpora, the report in a browser, metrics in promtool, the JSON schema, formatting and lint. A
-# step's whole output is left in build/logs.
+# Builds and tests everything: native, sanitizers, Windows under Wine, how binaries are guarded,
+# packages, fuzz corpora, the report in a browser, metrics in promtool, pqfleet on a PostgreSQL of its
+# own, the JSON schema, formatting and lint. A step's whole output is left in build/logs.
 # Ends with one line that counts over all of them.
 #   ./test.sh                  everything
 #   ./test.sh ROOM [FILTER]    only what the native tests of one folder of tests/ need and do, in

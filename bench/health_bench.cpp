@@ -2,10 +2,9 @@
 // controller has logged a lot.
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
-#include <ctime>
 #include <string>
 
+#include "bench/support/bar.h"
 #include "host/answers/health/health.h"
 #include "host/answers/parts/read_parts.h"
 #include "host/collect/collect.h"
@@ -45,17 +44,11 @@ void MeasureOne(benchmark::State& state, const host::Collection& collection) {
 constexpr double kMostSeconds = 0.3;
 
 void CheckBar(benchmark::State& state, const host::Collection& collection) {
-  double fastest = kMostSeconds + 1;
   host::HealthJudge judge;
-  for (auto _ : state) {
-    const std::clock_t begin = std::clock();
+  bench::HoldBar(state, kMostSeconds, [&] {
     const host::Parts parts = host::ReadParts(collection);
     benchmark::DoNotOptimize(judge.Judge(collection, parts).findings.size());
-    fastest = std::min(fastest, static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC);
-  }
-  if (fastest <= kMostSeconds) return;
-  const std::string words = std::to_string(fastest) + " s is more than the bar allows";
-  state.SkipWithError(words.c_str());
+  });
 }
 
 using Measure = void (*)(benchmark::State& state, const host::Collection& collection);

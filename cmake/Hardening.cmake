@@ -27,8 +27,11 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_BUILD_TYPE STREQUAL "Release")
                                                $<${is_program}:-pie>)
   endif()
 endif()
+# The same sources give the same bytes, whenever and wherever they are built.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_BUILD_TYPE STREQUAL "Release")
+  target_compile_options(pq_hardening INTERFACE -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
+endif()
 if(MINGW)
-  # The same sources give the same bytes.
   target_link_options(pq_hardening INTERFACE -Wl,--no-insert-timestamp)
 endif()
 

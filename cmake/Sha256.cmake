@@ -3,5 +3,5 @@ add_library(pq_sha256 INTERFACE)
 if(NOT WIN32)
   # The archive: as a shared library it costs every start of a program 0.1 ms, and OpenSSL 0.8 ms.
   find_library(NETTLE libnettle.a REQUIRED)
-  target_link_libraries(pq_sha256 INTERFACE ${NETTLE})
+  pq_link_archive(pq_sha256 ${NETTLE} nettle)
 endif()

@@ -6,5 +6,5 @@ if(MSVC)
 else()
   # The archive: no further library has to be found at the start of the program, or shipped with it.
   find_library(ZLIB_ARCHIVE libz.a REQUIRED)
-  target_link_libraries(pq_zlib INTERFACE ${ZLIB_ARCHIVE})
+  pq_link_archive(pq_zlib ${ZLIB_ARCHIVE} z)
 endif()

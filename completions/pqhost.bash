@@ -8,7 +8,7 @@ _pqhost_complete() {
   COMPREPLY=()
   for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
     case $word in
-      collect | health | modules | query | check | verify | help) command=$word; break ;;
+      collect | health | diff | modules | query | show | check | setup | verify | redact | help) command=$word; break ;;
     esac
   done
 
@@ -17,7 +17,10 @@ _pqhost_complete() {
     'collect --table') words='<table>' ;;
     'collect --replay') words='<file>' ;;
     'collect --limit') words='<any>' ;;
+    'collect --compare') words='<file>' ;;
     'collect --record') words='<file>' ;;
+    'collect --redact') words='public support' ;;
+    'collect --key') words='<file>' ;;
     'collect --log-folder') words='<folder>' ;;
     'collect --plugin') words='<file>' ;;
     'collect --format') words='table json ndjson csv html sqlite prometheus none' ;;
@@ -27,7 +30,7 @@ _pqhost_complete() {
     'collect --amt-login') words='<file>' ;;
     'collect --time-limit') words='<any>' ;;
     'collect --trace') words='<file>' ;;
-    'collect '*) words='--module --table --replay --limit --unverified --record --log-folder --plugin --unsafe-folder --format --output --identify --no-attachments --all --tool-limit --tool-memory --amt-login --no-input --time-limit --dry-run --trace --help' ;;
+    'collect '*) words='--module --table --replay --limit --unverified --report --no-open --compare --record --redact --key --log-folder --plugin --unsafe-folder --format --output --identify --no-attachments --all --tool-limit --tool-memory --amt-login --no-input --time-limit --dry-run --trace --help' ;;
     'health --replay') words='<file>' ;;
     'health --limit') words='<any>' ;;
     'health --format') words='table json nagios csv sqlite' ;;
@@ -42,6 +45,14 @@ _pqhost_complete() {
     'health --plugin') words='<file>' ;;
     'health --time-limit') words='<any>' ;;
     'health '*) words='--replay --limit --unverified --format --output --brief --rules --set --settings --suppress --require --as-of --list-rules --log-folder --plugin --unsafe-folder --time-limit --help' ;;
+    'diff --ignore') words='<any>' ;;
+    'diff --table') words='<table>' ;;
+    'diff --part') words='<any>' ;;
+    'diff --format') words='table json csv sqlite html' ;;
+    'diff --output') words='<file>' ;;
+    'diff --limit') words='<any>' ;;
+    'diff --time-limit') words='<any>' ;;
+    'diff '*) words='--ignore --table --part --all --format --output --limit --unverified --list-compared --time-limit --help' ;;
     'modules --plugin') words='<file>' ;;
     'modules --format') words='table json markdown parts metrics' ;;
     'modules --time-limit') words='<any>' ;;
@@ -54,6 +65,11 @@ _pqhost_complete() {
     'query --output') words='<file>' ;;
     'query --time-limit') words='<any>' ;;
     'query '*) words='--replay --limit --unverified --plugin --unsafe-folder --log-folder --format --output --time-limit --help' ;;
+    'show --format') words='table json ndjson csv html sqlite prometheus none' ;;
+    'show --output') words='<file>' ;;
+    'show --limit') words='<any>' ;;
+    'show --time-limit') words='<any>' ;;
+    'show '*) words='--format --output --identify --no-attachments --all --limit --unverified --time-limit --help' ;;
     'check --module') words='sampleModule1 sampleModule2 BMC_Info AMT_Info Windows_Related_Info' ;;
     'check --replay') words='<file>' ;;
     'check --limit') words='<any>' ;;
@@ -62,12 +78,22 @@ _pqhost_complete() {
     'check --format') words='table json' ;;
     'check --time-limit') words='<any>' ;;
     'check '*) words='--module --replay --limit --unverified --log-folder --plugin --unsafe-folder --format --time-limit --help' ;;
+    'setup --from') words='<folder>' ;;
+    'setup --time-limit') words='<any>' ;;
+    'setup '*) words='--from --copy --time-limit --help' ;;
     'verify --limit') words='<any>' ;;
     'verify --time-limit') words='<any>' ;;
     'verify '*) words='--key --limit --time-limit --help' ;;
+    'redact --profile') words='support public' ;;
+    'redact --kind') words='<any>' ;;
+    'redact --map') words='<file>' ;;
+    'redact --key') words='<file>' ;;
+    'redact --limit') words='<any>' ;;
+    'redact --time-limit') words='<any>' ;;
+    'redact '*) words='--profile --kind --preview --map --key --limit --unverified --time-limit --help' ;;
     'help --time-limit') words='<any>' ;;
-    'help '*) words='collect health modules query check verify help --time-limit --help' ;;
-    *) words='collect health modules query check verify help --version --help' ;;
+    'help '*) words='collect health diff modules query show check setup verify redact help --time-limit --help' ;;
+    *) words='collect health diff modules query show check setup verify redact help --version --help' ;;
   esac
 
   case $words in
@@ -86,8 +112,11 @@ _pqhost_complete() {
   [[ $current == -* || ${#COMPREPLY[@]} -gt 0 ]] && return
   # A word that belongs to no option.
   case $command in
+    diff) mapfile -t COMPREPLY < <(compgen -f -- "$current") ;;
     query) mapfile -t COMPREPLY < <(compgen -f -X '!*.db' -- "$current") ;;
+    show) mapfile -t COMPREPLY < <(compgen -f -- "$current") ;;
     verify) mapfile -t COMPREPLY < <(compgen -f -- "$current") ;;
+    redact) mapfile -t COMPREPLY < <(compgen -f -- "$current") ;;
   esac
 }
 

@@ -11,7 +11,10 @@ Register-ArgumentCompleter -Native -CommandName pqhost, pqhost.exe -ScriptBlock 
         'collect --table' = '<table>'
         'collect --replay' = '<file>'
         'collect --limit' = '<any>'
+        'collect --compare' = '<file>'
         'collect --record' = '<file>'
+        'collect --redact' = 'public', 'support'
+        'collect --key' = '<file>'
         'collect --log-folder' = '<folder>'
         'collect --plugin' = '<file>'
         'collect --format' = 'table', 'json', 'ndjson', 'csv', 'html', 'sqlite', 'prometheus', 'none'
@@ -21,7 +24,7 @@ Register-ArgumentCompleter -Native -CommandName pqhost, pqhost.exe -ScriptBlock 
         'collect --amt-login' = '<file>'
         'collect --time-limit' = '<any>'
         'collect --trace' = '<file>'
-        'collect' = '--module', '--table', '--replay', '--limit', '--unverified', '--record', '--log-folder', '--plugin', '--unsafe-folder', '--format', '--output', '--identify', '--no-attachments', '--all', '--tool-limit', '--tool-memory', '--amt-login', '--no-input', '--time-limit', '--dry-run', '--trace', '--help'
+        'collect' = '--module', '--table', '--replay', '--limit', '--unverified', '--report', '--no-open', '--compare', '--record', '--redact', '--key', '--log-folder', '--plugin', '--unsafe-folder', '--format', '--output', '--identify', '--no-attachments', '--all', '--tool-limit', '--tool-memory', '--amt-login', '--no-input', '--time-limit', '--dry-run', '--trace', '--help'
         'health --replay' = '<file>'
         'health --limit' = '<any>'
         'health --format' = 'table', 'json', 'nagios', 'csv', 'sqlite'
@@ -36,6 +39,14 @@ Register-ArgumentCompleter -Native -CommandName pqhost, pqhost.exe -ScriptBlock 
         'health --plugin' = '<file>'
         'health --time-limit' = '<any>'
         'health' = '--replay', '--limit', '--unverified', '--format', '--output', '--brief', '--rules', '--set', '--settings', '--suppress', '--require', '--as-of', '--list-rules', '--log-folder', '--plugin', '--unsafe-folder', '--time-limit', '--help'
+        'diff --ignore' = '<any>'
+        'diff --table' = '<table>'
+        'diff --part' = '<any>'
+        'diff --format' = 'table', 'json', 'csv', 'sqlite', 'html'
+        'diff --output' = '<file>'
+        'diff --limit' = '<any>'
+        'diff --time-limit' = '<any>'
+        'diff' = '--ignore', '--table', '--part', '--all', '--format', '--output', '--limit', '--unverified', '--list-compared', '--time-limit', '--help'
         'modules --plugin' = '<file>'
         'modules --format' = 'table', 'json', 'markdown', 'parts', 'metrics'
         'modules --time-limit' = '<any>'
@@ -48,6 +59,11 @@ Register-ArgumentCompleter -Native -CommandName pqhost, pqhost.exe -ScriptBlock 
         'query --output' = '<file>'
         'query --time-limit' = '<any>'
         'query' = '--replay', '--limit', '--unverified', '--plugin', '--unsafe-folder', '--log-folder', '--format', '--output', '--time-limit', '--help'
+        'show --format' = 'table', 'json', 'ndjson', 'csv', 'html', 'sqlite', 'prometheus', 'none'
+        'show --output' = '<file>'
+        'show --limit' = '<any>'
+        'show --time-limit' = '<any>'
+        'show' = '--format', '--output', '--identify', '--no-attachments', '--all', '--limit', '--unverified', '--time-limit', '--help'
         'check --module' = 'sampleModule1', 'sampleModule2', 'BMC_Info', 'AMT_Info', 'Windows_Related_Info'
         'check --replay' = '<file>'
         'check --limit' = '<any>'
@@ -56,19 +72,29 @@ Register-ArgumentCompleter -Native -CommandName pqhost, pqhost.exe -ScriptBlock 
         'check --format' = 'table', 'json'
         'check --time-limit' = '<any>'
         'check' = '--module', '--replay', '--limit', '--unverified', '--log-folder', '--plugin', '--unsafe-folder', '--format', '--time-limit', '--help'
+        'setup --from' = '<folder>'
+        'setup --time-limit' = '<any>'
+        'setup' = '--from', '--copy', '--time-limit', '--help'
         'verify --limit' = '<any>'
         'verify --time-limit' = '<any>'
         'verify' = '--key', '--limit', '--time-limit', '--help'
+        'redact --profile' = 'support', 'public'
+        'redact --kind' = '<any>'
+        'redact --map' = '<file>'
+        'redact --key' = '<file>'
+        'redact --limit' = '<any>'
+        'redact --time-limit' = '<any>'
+        'redact' = '--profile', '--kind', '--preview', '--map', '--key', '--limit', '--unverified', '--time-limit', '--help'
         'help --time-limit' = '<any>'
-        'help' = 'collect', 'health', 'modules', 'query', 'check', 'verify', 'help', '--time-limit', '--help'
-        '' = 'collect', 'health', 'modules', 'query', 'check', 'verify', 'help', '--version', '--help'
+        'help' = 'collect', 'health', 'diff', 'modules', 'query', 'show', 'check', 'setup', 'verify', 'redact', 'help', '--time-limit', '--help'
+        '' = 'collect', 'health', 'diff', 'modules', 'query', 'show', 'check', 'setup', 'verify', 'redact', 'help', '--version', '--help'
     }
 
     # The words before the one that is being typed.
     $words = @($commandAst.CommandElements |
         Where-Object { $_.Extent.EndOffset -lt $cursorPosition } |
         ForEach-Object { $_.ToString() })
-    $command = $words | Where-Object { $_ -in 'collect', 'health', 'modules', 'query', 'check', 'verify', 'help' } | Select-Object -First 1
+    $command = $words | Where-Object { $_ -in 'collect', 'health', 'diff', 'modules', 'query', 'show', 'check', 'setup', 'verify', 'redact', 'help' } | Select-Object -First 1
 
     $candidates = $offers["$command $($words[-1])"]
     if (-not $candidates) { $candidates = $offers["$command"] }

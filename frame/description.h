@@ -62,6 +62,8 @@ enum class OmissionSign {
   kRows,      ///< the table has rows
   kToolRuns,  ///< the command ran, and the machine has its tool
   kFile,      ///< the command leaves the file `label`
+  /// As kCount, in the property `end` of the first row of the class `className`.
+  kAttachedCount,
   /// In the command's text a number above `most` follows `label`; that number is found.
   kCount,
   /// In the command's text no `end` follows the last `label`; the rest of that one's line is found.
@@ -73,13 +75,16 @@ enum class OmissionSign {
 
 /// Something that a table leaves out although its tools tell it, or takes from elsewhere.
 struct Omission {
-  std::string text;       ///< a sentence that holds for every machine, for the documentation
+  /// A sentence that holds for every machine, for the documentation. Empty: another sign of the one
+  /// before, which is told only where that one's sign is not found.
+  std::string text = {};
   std::string note = {};  ///< of a machine that has it, for people; "{}" is what the sign found
   OmissionSign sign = OmissionSign::kNone;
   ToolCommand command = {};
   std::string label = {};
   std::string end = {};
   int most = 0;
+  std::string className = {};
 };
 
 struct TableDescription {
@@ -103,6 +108,8 @@ struct TableDescription {
   /// A row is an entry or a line of a log, the newest last.
   bool isLog = false;
   std::vector<Omission> leavesOut = {};
+  /// A row comes of the files alone, even if their tools are missing and all of them are empty.
+  bool hasHollowRows = false;
 
   void AddColumn(const Column& column);
   void AddColumns(std::span<const Column> more);
@@ -149,6 +156,20 @@ struct AnswerExplanation {
   std::vector<std::string> tables;  ///< classes of the tables concerned
 };
 
+/// A line of a tool's output by which it says that it could not do its work, whatever its exit
+/// code.
+struct ErrorLine {
+  std::string beginning;
+  std::string part = {};  ///< anywhere in the line
+};
+
+/// How a tool gives the reason in its output when it ends with a code other than 0.
+struct ReasonLine {
+  std::string program;  ///< as in ToolCommand
+  std::string label;    ///< the reason is the rest of its line
+  std::string nothing;  ///< in the place of a reason that it does not give
+};
+
 /// A program whose exit code says whether a device is present. When the program is missing, the
 /// interpreter's own exit code looks like an answer.
 struct PresenceTest {
@@ -175,6 +196,9 @@ struct ModuleDescription {
   std::vector<Area> areas = {};  ///< of its tables and tools
   /// Begins the error texts of tools that are read through a pipe; may be empty.
   std::string toolErrorText = {};
+  /// Of the tools' outputs, also of those that rows are made of.
+  std::vector<ErrorLine> errorLines = {};
+  std::vector<ReasonLine> reasonLines = {};
   /// The program, as in ToolCommand, of the steps whose command line can be too long to be started
   /// and is not logged before.
   std::string unloggedProgram = {};

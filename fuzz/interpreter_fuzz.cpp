@@ -140,7 +140,7 @@ void CheckMachine(const std::string& commandLine, const Pipeline& pipeline,
   const bool answers = only != nullptr && !pipeline.isMalformed && only->redirections.empty() &&
                        !host::IsOwnCommand(only->program) && known.stages.size() == 1 &&
                        AreSame(known.stages.front(), *only);
-  host::RecordedMachine machine(std::move(recording));
+  host::RecordedMachine machine(recording);
   const std::string piped = ReadPiped(machine, commandLine);
   if (answers) Require(piped == output);
   machine.RunSystem(commandLine.substr(3));

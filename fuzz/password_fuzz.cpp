@@ -89,7 +89,8 @@ void CheckForms(const host::AmtLogin& login, const std::string& report) {
   // A last "%" is found before what it encodes.
   if (!password.ends_with('%')) forms.push_back(EncodePercent(password));
   for (const std::string& form : forms) {
-    Require(host::HidePassword(report + "\r\n" + form + "\r\n", login) == begin + "***\r\n");
+    const std::string text = std::string(report).append("\r\n").append(form).append("\r\n");
+    Require(host::HidePassword(text, login) == begin + "***\r\n");
   }
   for (const std::string before : {":", "::", ":::"}) {
     const std::string hidden =

@@ -36,7 +36,7 @@ bool Has(const Input& input, char fault) { return input.faults.find(fault) != st
 
 Input ReadInput(std::string_view text) {
   const auto next = [&text](std::string_view separator) {
-    const std::string part(text.substr(0, text.find(separator)));
+    std::string part(text.substr(0, text.find(separator)));
     text.remove_prefix(std::min(text.size(), part.size() + separator.size()));
     return part;
   };
@@ -74,7 +74,8 @@ class PlainRow {
   }
   Cells Cut() const {
     Cells cells;
-    for (const auto& [key, value] : properties) cells.push_back(key + "=" + value);
+    for (const auto& [key, value] : properties)
+      cells.push_back(std::string(key).append("=").append(value));
     return cells;
   }
 

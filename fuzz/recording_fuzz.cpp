@@ -69,19 +69,18 @@ void CheckComplaint(const std::string& complaint) {
 }
 
 /// Runs every recorded command once through a pipe and once to a file.
-void CheckMachine(host::Recording recording) {
-  const auto commands = recording.commands;
-  const auto files = recording.files;
-  for (const auto& [path, bytes] : files) Require(bytes.Text().find(kSecret) == std::string::npos);
-  host::RecordedMachine machine(std::move(recording));
+void CheckMachine(const host::Recording& recording) {
+  for (const auto& [path, bytes] : recording.files)
+    Require(bytes.Text().find(kSecret) == std::string::npos);
+  host::RecordedMachine machine(recording);
   Require(machine.HostExecutable().size() <= 259);
-  for (const auto& [path, bytes] : files) {
+  for (const auto& [path, bytes] : recording.files) {
     const auto file = machine.OpenText(path);
     if (file != nullptr) Require(file->SizeAndRewind() == bytes.size());
   }
   char buffer[32];
   for (int line = 0; line < 3; ++line) machine.ReadConsoleLine(buffer, sizeof(buffer));
-  for (const host::RecordedCommand& command : commands) {
+  for (const host::RecordedCommand& command : recording.commands) {
     const std::string line = "/c " + command.tool + " " + command.arguments;
     if (const auto pipe = machine.CreatePipe(line)) {
       const auto process = machine.StartInterpreter(line, true, pipe.object.get());

@@ -122,6 +122,10 @@ void RBMCInfo::RegisterTables() {
 
 ModuleDescription RBMCInfo::Describe() {
   ModuleDescription module{.name = kName, .toolErrorText = kUtilityError};
+  module.errorLines = {{"Error: "},
+                       {"ipmiutil ", ", error "},
+                       {"ipmiutil ", ", cannot open "},
+                       {"Cannot open an IPMI driver"}};
   module.AddFailures(StepFailure::kToolNotRun, {kStartFailure});
   DescribeDetection(module);
   ExplainLeftOut(module, BmcFamily::kMarl, {kLedInfo});

@@ -115,6 +115,7 @@ ModuleDescription RSampleModule2::Describe() {
   module.AssignArea(kIntelArea);
   DescribeLogLinks(module);
   module.AssignArea(kLsiArea);
+  module.reasonLines.push_back(DescribeStorcliReason());
   module.answers.push_back(
       ExplainNoLsiController({kLsiLink, kEventLog1, kEventLog2, kEventLog3, kEventLog4, kEventLog5,
                               kFwTermLog, kPdList, kTInfo, kVInfo, kPInfo}));

@@ -18,7 +18,7 @@ import sys
 from tally import Tally
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-ELF_FILES = ("pqhost", "repository.so", "logger.so")
+ELF_FILES = ("pqhost", "pqfleet", "repository.so", "logger.so")
 PE_FILES = ("pqhost.exe", "repository_pqmodule.dll", "repository.dll", "logger.dll")
 
 FLAGS = ("-fstack-protector-strong", "-fcf-protection", "-ftrivial-auto-var-init=zero",

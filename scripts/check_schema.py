@@ -31,6 +31,16 @@ def without_time(health):
     return {name: value for name, value in health.items() if name != "asOf"}
 
 
+def compare(pqhost, before, after):
+    """The JSON of a comparison; exit code 1 says that there are differences."""
+    run = subprocess.run(
+        [pqhost, "diff", before, after, "--all", "--format", "json"], capture_output=True,
+        timeout=300)
+    if run.returncode not in (0, 1):
+        sys.exit(f"{after.name}: pqhost diff ended with {run.returncode}: {run.stderr.decode()}")
+    return json.loads(run.stdout.decode("utf-8"))
+
+
 def damaged(good):
     """Results that a careless change could write, each with what is wrong in it."""
     def change(what, edit):
@@ -61,6 +71,20 @@ def damaged_check(good):
     yield change("another rating", lambda c: c["areas"][0].update(rating="good"))
     yield change("a tool without a path", lambda c: c["areas"][0]["tools"][0].pop("path"))
     yield change("another state", lambda c: c["machine"][0].update(state="full"))
+
+
+def damaged_difference(good):
+    """The same of a comparison of two machines."""
+    def change(what, edit):
+        bad = copy.deepcopy(good)
+        edit(bad)
+        return what, bad
+
+    yield change("a difference of another format", lambda c: c.update(format=2))
+    yield change("no list of parts", lambda c: c.pop("parts"))
+    yield change("another change", lambda c: c["parts"][0].update(change="vanished"))
+    yield change("a severity of no word", lambda c: c["findings"][0].update(new="bad"))
+    yield change("a third side", lambda c: c["notCompared"][0].update(side="both"))
 
 
 def damaged_health(good):
@@ -97,6 +121,7 @@ def main():
     pqhost = sys.argv[1]
     validator = make_validator("collection.schema.json")
     check_validator = make_validator("check.schema.json")
+    difference_validator = make_validator("diff.schema.json")
     health_validator = make_validator("health.schema.json")
     passed = failed = 0
 
@@ -126,6 +151,12 @@ def main():
             keys = {column["key"] for column in table["columns"]}
             strays = {key for row in table["rows"] for key in row} - keys
             report(not strays, f"{recording.name}, {table['class']}: no column for {strays}")
+    for after in recordings:
+        difference = compare(pqhost, ROOT / "samples" / "two-socket-server", after)
+        errors = list_errors(difference_validator, difference)
+        report(not errors, f"the difference to {after.name}: {errors[:3]}")
+    for what, bad in damaged_difference(difference):
+        report(not difference_validator.is_valid(bad), f"the schema lets {what} pass")
     several = judge(pqhost, ROOT / "samples")
     errors = list_errors(health_validator, several)
     report(not errors, f"the verdicts on all samples: {errors[:3]}")

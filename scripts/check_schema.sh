@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Validates the JSON of every sample recording, of its check and of its verdict against the schemas in
-# docs, and sees that these refuse what they should. Takes the path of pqhost.
+# Validates the JSON of every sample recording, of its check, of its verdict and of a comparison with it
+# against the schemas in docs, and sees that these refuse what they should. Takes the path of pqhost.
 set -euo pipefail
 if [ $# -ne 1 ]; then
   echo "usage: $0 PQHOST (such as build/native/bin/pqhost)" >&2

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs through apt and npm what the build and the tests need and this machine lacks.
-#   scripts/install.sh [build|test]     what ./run.sh needs (the default), or what ./test.sh needs
+#   scripts/install.sh [build|package|test]
+# It is what ./run.sh needs (the default), what scripts/package.sh needs, or what ./test.sh needs.
 set -euo pipefail
 
 packages=(
@@ -8,16 +9,26 @@ packages=(
   g++-mingw-w64-x86-64-posix wine wine64          # Windows build and where it runs
   libboost-dev libcli11-dev nlohmann-json3-dev libfmt-dev libsqlite3-dev nettle-dev
   zlib1g-dev libz-mingw-w64-dev
+  libpq-dev                                       # pqfleet
   googletest
 )
 purpose=${1:-build}
+if [[ $purpose != build ]]; then
+  packages+=(
+    python3 dpkg-dev
+    wixl msitools                                 # the installer for Windows
+    osslsigncode openssl                          # signs programs and installer
+  )
+fi
 if [[ $purpose == test ]]; then
   packages+=(
-    clang libclang-rt-14-dev                      # fuzz targets
+    clang libclang-rt-14-dev lld                  # fuzz targets; links what tests in seconds
     clang-format clang-tidy
     libbenchmark-dev
     valgrind                                      # counts instructions in a test
-    python3 python3-jsonschema                    # lint cache, JSON schema
+    python3-jsonschema                            # JSON schemas
+    lintian man-db                                # what Debian says of the package
+    postgresql procps                             # what pqfleet is tried on
     unzip                                         # what others make of our ZIP files
     locales                                       # a machine that is not English, under Wine
     chromium                                      # what reads the HTML report in a test
@@ -59,6 +70,15 @@ unpack_promtool() {
   rm -rf "$folder"
 }
 
+# Debian's PostgreSQL makes a server and starts it when it is installed. The tests start one of their
+# own and end it; nobody who contributes here should find another one running.
+make_no_postgresql_server() {
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+    apt-get install -y --no-install-recommends postgresql-common &&
+    printf '\n%s\n' 'create_main_cluster = false' |
+      "${as_root[@]}" tee -a /etc/postgresql-common/createcluster.conf
+}
+
 install_other() {
   install_node_modules
   [[ $purpose != test ]] || unpack_promtool
@@ -81,6 +101,7 @@ fi
 echo "Installing through apt: ${missing[*]}"
 log=$(mktemp)
 if ! { "${as_root[@]}" apt-get update -qq &&
+       { [[ " ${missing[*]} " != *" postgresql "* ]] || make_no_postgresql_server; } &&
        "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
          apt-get install -y --no-install-recommends "${missing[@]}"; } >"$log" 2>&1; then
   tail -n 20 "$log" >&2

@@ -16,7 +16,10 @@ import subprocess
 import sys
 
 ROOT = pathlib.Path.cwd()
-BUILD = ROOT / "build" / "native"
+# What only clang's build compiles is read as that does.
+BUILDS = {ROOT / "build" / "native": ROOT, ROOT / "build" / "asan": ROOT / "fuzz"}
+# Benchmarks are named as their library wants it.
+LEFT_OUT = ROOT / "bench"
 LINT = ROOT / "build" / "lint"
 STAMPS = LINT / "clean"
 CONFIGS = [ROOT / ".clang-tidy", ROOT / "tests" / ".clang-tidy"]
@@ -27,14 +30,14 @@ def is_own(file):
     return file.is_relative_to(ROOT) and not file.is_relative_to(ROOT / "build")
 
 
-def dependencies():
+def dependencies(build):
     """Source file -> the project's own files that it is compiled from."""
     listing = subprocess.run(
-        ["ninja", "-C", BUILD, "-t", "deps"], capture_output=True, text=True, check=True
+        ["ninja", "-C", build, "-t", "deps"], capture_output=True, text=True, check=True
     ).stdout
     found = {}
     for block in listing.split("\n\n"):
-        files = [(BUILD / line.strip()).resolve() for line in block.splitlines()[1:]]
+        files = [(build / line.strip()).resolve() for line in block.splitlines()[1:]]
         own = [file for file in files if is_own(file)]
         if own:
             found[own[0]] = own
@@ -81,9 +84,12 @@ def tidy(batch):
         # Its folder decides about the checks.
         name = hashlib.sha256("\n".join(str(s.path) for s in batch).encode()).hexdigest()[:16]
         file = LINT / batch[0].folder / f"{name}.cpp"
+        # Each fuzz target has the function that libFuzzer calls.
         file.write_text("".join(
+            f'#define LLVMFuzzerTestOneInput TestOneInput{number}  // NOLINT\n'
             f'#include "{source.path}"  // NOLINT(bugprone-suspicious-include)\n'
-            for source in batch))
+            '#undef LLVMFuzzerTestOneInput\n'
+            for number, source in enumerate(batch)))
     paths = dict.fromkeys(path for source in batch for path in source.paths)
     run = subprocess.run(
         ["clang-tidy", "-quiet", file, "--",
@@ -115,16 +121,21 @@ def batches(sources):
         yield from (group[i::count] for i in range(count))
 
 
+def list_sources(build, folder):
+    """What `build` compiles of `folder`."""
+    known = dependencies(build)
+    compiled = json.loads((build / "compile_commands.json").read_text())
+    for entry in sorted(compiled, key=lambda entry: entry["file"]):
+        path = pathlib.Path(entry["file"]).resolve()
+        if is_own(path) and path.is_relative_to(folder) and not path.is_relative_to(LEFT_OUT):
+            yield Source(entry, known)
+
+
 def main():
     STAMPS.mkdir(parents=True, exist_ok=True)
     (LINT / "tests").mkdir(exist_ok=True)
     shutil.copy(CONFIGS[1], LINT / "tests")
-    known = dependencies()
-    compiled = json.loads((BUILD / "compile_commands.json").read_text())
-    # Benchmarks are named as their library wants it.
-    sources = [Source(entry, known) for entry in sorted(compiled, key=lambda entry: entry["file"])
-               if is_own(pathlib.Path(entry["file"]).resolve())
-               and not pathlib.Path(entry["file"]).resolve().is_relative_to(ROOT / "bench")]
+    sources = [source for build, folder in BUILDS.items() for source in list_sources(build, folder)]
     todo = [source for source in sources if not source.stamp.exists()]
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         dirty = [found for founds in pool.map(look_at, batches(todo)) for found in founds]

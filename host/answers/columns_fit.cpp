@@ -1,16 +1,19 @@
 #include "host/answers/columns_fit.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <optional>
 #include <utility>
 
+#include "host/answers/bmc_columns.h"
 #include "host/answers/intel_columns.h"
 #include "host/answers/lsi_columns.h"
 #include "host/answers/microchip_columns.h"
 #include "host/catalogue/table_sources.h"
 #include "host/text/ascii.h"
+#include "host/text/count_text.h"
 #include "host/text/decoder.h"
 #include "host/text/screen_text.h"
 
@@ -49,6 +52,23 @@ std::optional<FoundReport> FindLeftReport(const Collection& collection,
   return std::nullopt;
 }
 
+/// The output of the command that `table` is made of.
+std::optional<FoundReport> FindPrintedReport(const CollectedRows& rows,
+                                             const CollectedTable& table) {
+  const pq::TableDescription* description = FindTableDescription(table.className);
+  if (description == nullptr) return std::nullopt;
+  for (const pq::ToolCommand& command : description->commands) {
+    if (!command.file.empty()) continue;
+    const std::string program = LowerCase(FindFileName(command.program));
+    for (const CollectedAnswer* answer : rows.ListAnswers(program, command.arguments)) {
+      if (answer->module != table.module || answer->output.empty()) continue;
+      return FoundReport{rows.Decode(answer->output), fmt::format("what a recording keeps of {} {}",
+                                                                  program, command.arguments)};
+    }
+  }
+  return std::nullopt;
+}
+
 /// The report that another table carries whole, in its first row.
 std::optional<FoundReport> FindAttachedReport(const CollectedRows& rows, const ColumnCheck& check) {
   const std::vector<CollectedRow> carriers = rows.ListRows(check.attachmentClass);
@@ -59,10 +79,12 @@ std::optional<FoundReport> FindAttachedReport(const CollectedRows& rows, const C
                      fmt::format("{}, row 1, {}", check.attachmentClass, check.attachmentKey)};
 }
 
+constexpr std::size_t kWidth = 60;  ///< of a value in a sentence
+
 std::vector<ColumnCheck> ListChecks() {
   std::vector<ColumnCheck> checks;
-  for (const auto& some :
-       {ListLsiColumnChecks(), ListMicrochipColumnChecks(), ListIntelColumnChecks()}) {
+  for (const auto& some : {ListLsiColumnChecks(), ListMicrochipColumnChecks(),
+                           ListIntelColumnChecks(), ListBmcColumnChecks()}) {
     checks.insert(checks.end(), some.begin(), some.end());
   }
   return checks;
@@ -77,7 +99,8 @@ void NoteUnfitColumns(Collection& collection) {
     for (const ColumnCheck& check : checks) {
       if (check.className != table.className) continue;
       // What the table was made of, rather than what another step was told later.
-      const auto left = FindLeftReport(collection, table);
+      auto left = FindLeftReport(collection, table);
+      if (!left) left = FindPrintedReport(rows, table);
       const auto attached = FindAttachedReport(rows, check);
       if (!left && !attached) continue;
       const std::string misfit = check.findMisfit(
@@ -86,15 +109,49 @@ void NoteUnfitColumns(Collection& collection) {
       table.status.notes.push_back(
           fmt::format("columns do not fit this report: {}; the report itself: {}", misfit,
                       (attached ? attached : left)->where));
+      // The note tells, more closely, why there are none.
+      if (table.status.outcome == "no rows in output") table.status.text = "no rows";
     }
   }
 }
 
 std::string TellOtherValue(std::string_view label, std::string_view shown,
                            std::string_view printed) {
-  constexpr std::size_t kWidth = 60;  // of a value in a sentence
   return fmt::format("{} is \"{}\", the report has \"{}\"", label, CutText(shown, kWidth),
                      CutText(printed, kWidth));
+}
+
+std::string TellStranger(std::string_view label, std::string_view shown) {
+  return fmt::format("{} is \"{}\", the report has no such line", label, CutText(shown, kWidth));
+}
+
+void OtherRows::Take(std::int64_t row, std::string_view label, std::string_view shown,
+                     std::string_view printed) {
+  Add(row, label, TellOtherValue(label, shown, printed));
+}
+
+void OtherRows::TakeStranger(std::int64_t row, std::string_view label, std::string_view shown) {
+  Add(row, label, TellStranger(label, shown));
+}
+
+void OtherRows::Add(std::int64_t row, std::string_view label, const std::string& told) {
+  const auto known = std::find_if(columns.begin(), columns.end(),
+                                  [&](const OtherColumn& one) { return one.label == label; });
+  if (known != columns.end()) {
+    ++known->more;
+    return;
+  }
+  columns.push_back({std::string(label), fmt::format("row {}: {}", row, told)});
+}
+
+std::string OtherRows::Tell() const {
+  std::vector<std::string> told;
+  for (const OtherColumn& one : columns) {
+    told.push_back(one.first);
+    if (one.more > 0)
+      told.back() += fmt::format(" (and {} like that)", FormatCount(one.more, "more row"));
+  }
+  return fmt::format("{}", fmt::join(told, "; "));
 }
 
 }  // namespace host

@@ -2,6 +2,8 @@
 // columns; other versions of a tool, other products and values with blanks shift them.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,7 +14,7 @@
 namespace host {
 
 /// Notes in the status of each table that shows something else than its report says what it is, and
-/// where the report is.
+/// where the report is. A note takes the place of the reason why a table has no rows.
 void NoteUnfitColumns(Collection& collection);
 
 /// A table beside the report that it was made of.
@@ -24,7 +26,8 @@ struct TableBesideReport {
 
 struct ColumnCheck {
   std::string_view className;
-  /// Class and property whose first row has the report whole; none where only a file has it.
+  /// Class and property whose first row has the report whole; none where only the tool's file or
+  /// its output has it.
   std::string_view attachmentClass;
   std::string_view attachmentKey;
   /// What does not fit, for people; empty when all does.
@@ -34,5 +37,31 @@ struct ColumnCheck {
 /// How a value that differs from the report's is told; long ones are cut.
 std::string TellOtherValue(std::string_view label, std::string_view shown,
                            std::string_view printed);
+
+/// The same of a value whose label the report does not have.
+std::string TellStranger(std::string_view label, std::string_view shown);
+
+/// Rows with a value that is not the report's.
+class OtherRows {
+ public:
+  /// Each row once, by the first of its columns that differs.
+  void Take(std::int64_t row, std::string_view label, std::string_view shown,
+            std::string_view printed);
+  /// The same of a value whose label the report does not have.
+  void TakeStranger(std::int64_t row, std::string_view label, std::string_view shown);
+  bool IsEmpty() const { return columns.empty(); }
+  /// Of each column its first row, and how many more there are.
+  std::string Tell() const;
+
+ private:
+  void Add(std::int64_t row, std::string_view label, const std::string& told);
+
+  struct OtherColumn {
+    std::string label;
+    std::string first;
+    std::size_t more = 0;
+  };
+  std::vector<OtherColumn> columns;
+};
 
 }  // namespace host

@@ -16,12 +16,13 @@ struct SectionTable {
   std::string_view className;
   std::string_view section;
   std::string_view thing;  ///< of a row, in the plural
+  bool isAlwaysThere;      ///< the section, whatever the machine has
 };
 constexpr SectionTable kTables[] = {
-    {"CONTROLLER", "CONTROLLER INFORMATION", "controllers"},
-    {"ARRAY", "ARRAY INFORMATION", "arrays"},
-    {"VOLUME", "VOLUME INFORMATION", "volumes"},
-    {"ENDDEVICEINFO", "END DEVICE INFORMATION", "end devices"},
+    {"CONTROLLER", "CONTROLLER INFORMATION", "controllers", true},
+    {"ARRAY", "ARRAY INFORMATION", "arrays", false},
+    {"VOLUME", "VOLUME INFORMATION", "volumes", false},
+    {"ENDDEVICEINFO", "END DEVICE INFORMATION", "end devices", true},
 };
 
 /// Compares the rows of a table with the records of its sections, which are in the same order:
@@ -41,19 +42,26 @@ class SectionComparison {
     ReportLines lines(table.report);
     for (ReportLine line; lines.Next(line);) {
       const std::string_view text = Trim(line.text);
-      if (text.starts_with("--")) inSection = text.find(known.section) != std::string_view::npos;
+      if (text.starts_with("--")) {
+        EndRecord();
+        inSection = text.find(known.section) != std::string_view::npos;
+        (inSection ? hasSection : hasOthers) = true;
+      }
       const auto split = SplitLabel(text, ':');
       if (inSection && split) Take(*split);
     }
+    EndRecord();
     return Tell();
   }
 
  private:
   void Take(const LabelledValue& fact) {
     if (fact.label == columns.front().label) {
+      EndRecord();
       ++records;
       rowIsTold = false;
     }
+    labels.push_back(fact.label);
     if (records == 0 || records > table.rows.size() || rowIsTold) return;
     const auto column =
         std::find_if(columns.begin(), columns.end(),
@@ -63,16 +71,29 @@ class SectionComparison {
     const std::string shown = row.Get(column->key);
     if (shown == fact.value) return;
     rowIsTold = true;
-    if (otherRows++ == 0) {
-      firstOther =
-          fmt::format("row {}: {}", row.Number(), TellOtherValue(column->label, shown, fact.value));
+    otherRows.Take(row.Number(), column->label, shown, fact.value);
+  }
+
+  /// What the row has and the record has not was taken from other lines.
+  void EndRecord() {
+    const bool hasRow = records > 0 && records <= table.rows.size() && !labels.empty();
+    for (const pq::ColumnDescription& column : columns) {
+      if (!hasRow || rowIsTold || std::ranges::find(labels, column.label) != labels.end()) continue;
+      const CollectedRow& row = table.rows[records - 1];
+      const std::string shown = row.Get(column.key);
+      if (shown.empty()) continue;
+      rowIsTold = true;
+      otherRows.TakeStranger(row.Number(), column.label, shown);
     }
+    labels.clear();
   }
 
   std::string Tell() const {
     std::vector<std::string> reasons;
-    if (otherRows > 0) reasons.push_back(firstOther);
-    if (otherRows > 1) reasons.back() += fmt::format(" ({} rows like that)", otherRows);
+    if (hasOthers && !hasSection && (known.isAlwaysThere || !table.rows.empty())) {
+      reasons.push_back(fmt::format("it has no heading \"--{}--\"", known.section));
+    }
+    if (!otherRows.IsEmpty()) reasons.push_back(otherRows.Tell());
     if (records > table.rows.size()) {
       reasons.push_back(fmt::format("{} of {} {} are not in the table", records - table.rows.size(),
                                     records, known.thing));
@@ -84,9 +105,11 @@ class SectionComparison {
   const TableBesideReport& table;
   const std::vector<pq::ColumnDescription>& columns;
   std::size_t records = 0;
+  std::vector<std::string_view> labels;  ///< of the record
   bool rowIsTold = false;
-  std::size_t otherRows = 0;
-  std::string firstOther;
+  OtherRows otherRows;
+  bool hasSection = false;
+  bool hasOthers = false;
 };
 
 std::string FindIntelMisfit(const TableBesideReport& table) {

@@ -12,14 +12,12 @@
 #include "host/answers/parts/lsi_drives.h"
 #include "host/answers/parts/report_lines.h"
 #include "host/catalogue/table_sources.h"
+#include "host/text/ascii.h"
+#include "host/text/count_text.h"
 #include "host/text/screen_text.h"
 
 namespace host {
 namespace {
-
-std::string Count(std::size_t count, std::string_view thing) {
-  return fmt::format("{} {}{}", count, thing, count == 1 ? "" : "s");
-}
 
 std::string JoinReasons(const std::vector<std::string>& reasons) {
   return fmt::format("{}", fmt::join(reasons, "; "));
@@ -90,19 +88,15 @@ class ListComparison {
       if (head.empty()) continue;
       const std::string shown = row.Get(column.key);
       if (JoinWords(shown) == JoinWords((*cells)[head])) continue;
-      if (otherRows++ == 0) {
-        firstOther = fmt::format("row {}: {}", row.Number(),
-                                 TellOtherValue(column.label, shown, (*cells)[head]));
-      }
+      otherRows.Take(row.Number(), column.label, shown, (*cells)[head]);
       return;
     }
   }
 
   std::string Tell() const {
     std::vector<std::string> reasons;
-    if (otherRows > 0) {
-      reasons.push_back(firstOther);
-      if (otherRows > 1) reasons.back() += fmt::format(" ({} like that)", Count(otherRows, "row"));
+    if (!otherRows.IsEmpty()) {
+      reasons.push_back(otherRows.Tell());
       if (!missingHeads.empty()) {
         reasons.push_back(
             fmt::format("the report has no column {}", fmt::join(missingHeads, ", ")));
@@ -121,8 +115,7 @@ class ListComparison {
   const std::vector<pq::ColumnDescription>& columns;
   std::vector<std::string> missingHeads;
   std::size_t next = 0;  ///< row of the table
-  std::size_t otherRows = 0;
-  std::string firstOther;
+  OtherRows otherRows;
   std::size_t rowsLeftOut = 0;
   std::string firstLeftOut;
 };
@@ -134,33 +127,50 @@ std::string FindListMisfit(const TableBesideReport& table) {
   return ListComparison(*list, table).FindLsiMisfit();
 }
 
-/// Each value should be that of a line with its column's label, and of no longer one.
+/// Each value should be that of a line with its column's label, and of no longer one; products
+/// differ in the label's case.
 std::string FindSummaryMisfit(const TableBesideReport& table) {
   std::map<std::string, std::vector<std::string>, std::less<>> facts;
   ReportLines lines(table.report);
   for (ReportLine line; lines.Next(line);) {
     if (const auto split = SplitLabel(line.text, '=')) {
-      facts[std::string(split->label)].emplace_back(split->value);
+      facts[LowerCase(split->label)].emplace_back(split->value);
     }
   }
   const auto& columns = FindTableDescription(table.className)->columns;
   if (table.rows.empty()) {
-    const bool isSummary = facts.contains(columns.front().label);
-    const bool ends = facts.contains(columns.back().label);
+    const bool isSummary = facts.contains(LowerCase(columns.front().label));
+    const bool ends = facts.contains(LowerCase(columns.back().label));
     return isSummary && !ends
                ? fmt::format("it has no line \"{} =\", which ends a row", columns.back().label)
                : "";
   }
   std::vector<std::string> reasons;
+  std::vector<std::string> missing;
   for (const pq::ColumnDescription& column : columns) {
-    const auto fact = facts.find(column.label);
-    if (fact == facts.end()) continue;
+    const auto fact = facts.find(LowerCase(column.label));
+    if (fact == facts.end()) {
+      missing.push_back("\"" + column.label + " =\"");
+      continue;
+    }
     const std::string shown = table.rows.front().Get(column.key);
     const std::vector<std::string>& printed = fact->second;
     if (std::find(printed.begin(), printed.end(), shown) != printed.end()) continue;
     reasons.push_back(TellOtherValue(column.label, shown, printed.front()));
   }
+  // Of some products there is less to tell; where values are others, labels may be as well.
+  if (!reasons.empty() && !missing.empty()) {
+    reasons.push_back(fmt::format("it has no line {}", fmt::join(missing, ", ")));
+  }
   return JoinReasons(reasons);
+}
+
+/// A log begins with a line of its own, or it is not taken for one.
+std::string FindTermLogMisfit(const TableBesideReport& table) {
+  if (!table.rows.empty() || Trim(table.report).empty()) return {};
+  // What the tool says when it has no log is in lines like this one.
+  if (table.report.find("Status = ") != std::string_view::npos) return {};
+  return "it has no line \"Firmware Term Log Information\"";
 }
 
 /// Every drive that has details should have a row.
@@ -177,7 +187,7 @@ std::string FindDetailsMisfit(const TableBesideReport& table) {
     ++drives;
   }
   if (table.rows.size() >= drives) return {};
-  return fmt::format("{} of {} {} a row", table.rows.size(), Count(drives, "drive"),
+  return fmt::format("{} of {} {} a row", table.rows.size(), FormatCount(drives, "drive"),
                      table.rows.size() == 1 ? "has" : "have");
 }
 
@@ -191,9 +201,10 @@ std::string FindEventMisfit(const TableBesideReport& table) {
     if (split && split->label == kOtherStart) ++events;
   }
   if (events == 0) return {};
-  return fmt::format("its {} \"{}:\" instead of \"seqNum:\"",
-                     events == 1 ? "event begins with" : Count(events, "event") + " begin with",
-                     kOtherStart);
+  return fmt::format(
+      "its {} \"{}:\" instead of \"seqNum:\"",
+      events == 1 ? "event begins with" : FormatCount(events, "event") + " begin with",
+      kOtherStart);
 }
 
 }  // namespace
@@ -207,6 +218,7 @@ std::vector<ColumnCheck> ListLsiColumnChecks() {
       {"PINFO", kLink, "lsishowall", FindListMisfit},
       {"PDLIST", kLink, "pdlist", FindDetailsMisfit},
       {"EVENTLOG1", kLink, "lsieventlog", FindEventMisfit},
+      {"FWTERMLOG", kLink, "lsifwtermlog", FindTermLogMisfit},
   };
 }
 

@@ -1,4 +1,5 @@
-// Which machine it is, as the inventory of its parts (FRU) says.
+// Which machine it is, as the inventory of its parts (FRU) says, or the tables of its BIOS
+// (SMBIOS).
 #pragma once
 
 #include <string>
@@ -14,11 +15,14 @@ struct MachineIdentity {
   std::string product;
   std::string serial;  ///< what the inventory says or, without it, what the recording was given
   std::string assetTag;
+  /// "chassis" or "board" where `serial` is that of this part of the machine; empty otherwise.
+  std::string serialOf = {};
 
   bool operator==(const MachineIdentity&) const = default;
 };
 
-/// From the lines of FRUINFO. What a maker left to be filled in counts as not known.
+/// From the lines of FRUINFO; of a machine without them, from what getsmbios printed. What a maker
+/// left to be filled in counts as not known.
 MachineIdentity FindMachineIdentity(const Collection& collection);
 
 /// The serial numbers of product, chassis and main board in this order, each once; of a machine

@@ -77,7 +77,7 @@ std::string TellAlike(std::vector<OtherValue>& others, const Test& test, std::st
 
 std::string TellOther(const OtherValue& other) {
   if (other.isPrinted) return TellOtherValue(other.label, other.shown, other.printed);
-  return fmt::format("{} is \"{}\", the report has no such line", other.label, other.shown);
+  return TellStranger(other.label, other.shown);
 }
 
 std::string FindMicrochipMisfit(const TableBesideReport& table) {

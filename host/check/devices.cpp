@@ -47,6 +47,7 @@ constexpr PciArea kPciAreas[] = {
 };
 
 constexpr char kNoDevice[] = "no such device";
+constexpr char kNotThisFamily[] = "not this platform family";
 
 /// Whether the table's rows come from a program.
 bool ComesFrom(const pq::TableDescription& table,
@@ -82,6 +83,14 @@ DevicesByArea FindDevices(const Collection& collection,
     }
   }
   return devices;
+}
+
+std::set<std::string> FindNeverAsked(const Collection& collection) {
+  std::set<std::string> classes;
+  for (const CollectedTable& table : collection.tables) {
+    if (table.status.outcome == kNotThisFamily) classes.insert(table.className);
+  }
+  return classes;
 }
 
 }  // namespace host

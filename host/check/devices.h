@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 
 #include "host/collect/collection.h"
@@ -20,5 +21,8 @@ DevicesByArea FindDevices(const Hardware& hardware);
 /// What a collection found out. `isThere` answers for programs: tables of others prove nothing.
 DevicesByArea FindDevices(const Collection& collection,
                           const std::function<bool(const std::string& program)>& isThere);
+
+/// The classes of tables that a collection did not ask for, because of the platform family.
+std::set<std::string> FindNeverAsked(const Collection& collection);
 
 }  // namespace host

@@ -67,7 +67,9 @@ std::vector<std::string> FindServed(const std::set<std::string>& classes,
       const bool serves = std::ranges::any_of(table.commands, [&](const pq::ToolCommand& command) {
         return ToolName(command.program) == ToolName(program);
       });
-      if (serves && classes.contains(table.className)) served.push_back(table.className);
+      if (serves && !table.hasHollowRows && classes.contains(table.className)) {
+        served.push_back(table.className);
+      }
     }
   }
   return served;
@@ -99,9 +101,11 @@ std::string SayOrigin(const pq::ToolDescription& tool) {
   return fmt::format("{}, from {}", tool.product, tool.vendor);
 }
 
-/// "a.exe is" and "a.exe and b.exe are"
+/// "a.exe is" and "a.exe, b.exe and c.exe are"
 std::string SayWhichAre(const std::vector<std::string>& programs) {
-  return fmt::format("{} {}", fmt::join(programs, " and "), programs.size() == 1 ? "is" : "are");
+  if (programs.size() == 1) return programs.front() + " is";
+  const auto last = programs.end() - 1;
+  return fmt::format("{} and {} are", fmt::join(programs.begin(), last, ", "), *last);
 }
 
 /// Rates the areas by the tools that are there.
@@ -176,6 +180,9 @@ class AreaChecker {
     std::vector<std::string> programs;  ///< by file name
     bool files = false;                 ///< some file of the log folder would not be there
     bool language = false;
+    bool family = false;  ///< some table is not asked of this machine's BMC
+    /// Tables that would have what they are for.
+    std::size_t fullTables = 0;
 
     void Add(const std::string& program) {
       if (std::ranges::find(programs, program) == programs.end()) programs.push_back(program);
@@ -207,8 +214,13 @@ class AreaChecker {
       area.tables.push_back(table.className);
       const std::vector<std::string> missing = ListLacks(module, table);
       const bool isForeign = table.needsUsEnglish && machine.facts.languageId != pq::kUsEnglish;
-      if (missing.empty() && !isForeign) continue;
-      area.emptyTables.push_back(table.className);
+      const bool isNeverAsked = machine.neverAsked.contains(table.className);
+      if (missing.empty() && !isForeign && !isNeverAsked) {
+        ++lacks.fullTables;
+        continue;
+      }
+      if (!table.hasHollowRows) area.emptyTables.push_back(table.className);
+      lacks.family = lacks.family || isNeverAsked;
       for (const std::string& program : missing) lacks.Add(program);
       lacks.language = lacks.language || isForeign;
     }
@@ -219,9 +231,8 @@ class AreaChecker {
     if (!lacks.files && area.emptyTables.empty()) return CheckedArea::Rating::kFull;
     // In another language the tools still leave their files.
     const bool hasFiles = lacks.language && lacks.programs.empty();
-    return area.emptyTables.size() == area.tables.size() && !hasFiles
-               ? CheckedArea::Rating::kNothing
-               : CheckedArea::Rating::kPartly;
+    return lacks.fullTables == 0 && !hasFiles ? CheckedArea::Rating::kNothing
+                                              : CheckedArea::Rating::kPartly;
   }
 
   static std::string SayWhy(const CheckedArea& area, const Lacks& lacks) {
@@ -232,6 +243,7 @@ class AreaChecker {
     }
     std::vector<std::string> reasons;
     if (lacks.language) reasons.emplace_back("the tables are made on US English systems only");
+    if (lacks.family) reasons.emplace_back("this platform family is not asked for them");
     if (!lacks.programs.empty()) reasons.push_back(SayWhichAre(lacks.programs) + " not there");
     if (!area.device.empty() && !area.hasDevice) {
       reasons.push_back("it is not known whether this machine has " + area.device);
@@ -352,9 +364,7 @@ void CheckSurroundings(const Surroundings& found, const std::string& logFolder,
   if (found.isElevated) {
     findings.Good("rights", "elevated");
   } else {
-    findings.Note("rights",
-                  "not elevated: tools for the BMC and for RAID controllers may refuse; start this "
-                  "program as administrator");
+    findings.Note("rights", fmt::format("{}; start this program as administrator", kNotElevated));
   }
 }
 

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,10 @@
 
 namespace host {
 
+/// What it means that the program has no administrator's rights.
+inline constexpr char kNotElevated[] =
+    "not elevated: tools for the BMC and for RAID controllers may refuse";
+
 struct CheckedMachine {
   MachineFacts facts;
   /// Full path of a program, given with its folder or as the interpreter looks for it; nothing when
@@ -20,6 +25,8 @@ struct CheckedMachine {
   std::function<std::optional<std::string>(const std::string& program)> locate;
   std::optional<Surroundings> surroundings;
   DevicesByArea devices;
+  /// Classes of tables that its platform family is never asked for, as far as that is known.
+  std::set<std::string> neverAsked = {};
   /// Whether a collection would run although the interpreter does not read a folder as it is.
   bool allowsUnsafeFolders = false;
 };

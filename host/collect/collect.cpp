@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <algorithm>
+
 #include "host/catalogue/table_sources.h"
 #include "host/collect/collection_run.h"
 #include "host/collect/failures.h"
@@ -52,6 +54,31 @@ class AnswerKeeper final : public CollectionListener {
   std::string module;
 };
 
+/// The names of the files that are attached to the rows of `table` although nothing is in them.
+std::vector<std::string> ListEmptyAttachments(const Table& table) {
+  std::vector<std::string> names;
+  for (const Row& row : table.rows) {
+    for (const Attribute& attribute : row.shape->attributes) {
+      if (attribute.name != "filename") continue;
+      const auto& columns = row.shape->columns;
+      const auto column = std::ranges::find(columns, attribute.propertyKey, &Column::key);
+      if (column == columns.end()) continue;
+      const auto place = static_cast<std::size_t>(column - columns.begin());
+      if (row.Value(place).empty()) names.push_back(attribute.value);
+    }
+  }
+  return names;
+}
+
+/// The property `key` of the first row of `table`; empty without one.
+std::string_view FindFirstValue(const Table& table, const std::string& key) {
+  if (table.rows.empty()) return {};
+  const Row& row = table.rows.front();
+  const auto column = std::ranges::find(row.shape->columns, key, &Column::key);
+  if (column == row.shape->columns.end()) return {};
+  return row.Value(static_cast<std::size_t>(column - row.shape->columns.begin()));
+}
+
 /// One line of UTF-8.
 std::string DescribeFailure(const Failure& failure, const TextDecoder& decode) {
   std::string where = decode(failure.module);
@@ -100,15 +127,25 @@ Collection Collect(Source& source, const Selection& selection, CollectionListene
   collection.machine = source.Facts();
   collection.answers = std::move(answers.answers);
   const TextDecoder decode(collection.machine.codePage);
+  const std::map<std::string, Table>& stored = TablesOf(*collection.repository);
   const OmissionEvidence evidence{
       collection.answers, hasPrograms,
-      [&](const std::string& fileName) { return source.LogFileSize(fileName).has_value(); }};
-  const std::map<std::string, Table>& stored = TablesOf(*collection.repository);
+      [&](const std::string& fileName) { return source.LogFileSize(fileName).has_value(); },
+      [&](const std::string& className, const std::string& key) {
+        const auto rows = stored.find(className);
+        return rows == stored.end() ? std::string_view() : FindFirstValue(rows->second, key);
+      }};
   for (CollectedTable& table : collection.tables) {
     const auto rows = stored.find(table.className);
     if (rows != stored.end()) table.rows = &rows->second;
     table.status = statuses.FindStatus(table.module, table.className, table.RowCount());
     table.status.notes = statuses.FindNotes(table.module, table.className);
+    if (!table.status.notes.empty()) table.status.oldFiles = table.status.notes.front();
+    if (table.rows != nullptr) {
+      const std::vector<std::string> more =
+          statuses.DescribeEmptyFiles(table.module, ListEmptyAttachments(*table.rows));
+      table.status.notes.insert(table.status.notes.end(), more.begin(), more.end());
+    }
     const pq::TableDescription* known = FindTableDescription(table.className);
     if (known != nullptr && table.status.IsOfAnOutput()) {
       for (const std::string& note :
@@ -117,7 +154,8 @@ Collection Collect(Source& source, const Selection& selection, CollectionListene
       }
     }
   }
-  collection.problems = source.Doubts();
+  collection.doubts = source.Doubts();
+  collection.problems = collection.doubts;
   const auto addProblems = [&](const std::vector<Failure>& found) {
     for (const Failure& failure : found) {
       collection.problems.push_back(DescribeFailure(failure, decode));

@@ -22,6 +22,8 @@
 
 namespace host {
 
+struct Parts;
+
 struct CollectedModule {
   std::string name;
   std::string description;
@@ -49,7 +51,9 @@ struct Collection {
   /// The user named the tables that he wants.
   bool tablesNamed = false;
   bool isSelection = false;  ///< he named modules or tables, and nobody looked at the others
-  /// A line for each thing that could not be collected. UTF-8.
+  /// What makes all of it doubtful, such as a recording that was changed: a sentence each. UTF-8.
+  std::vector<std::string> doubts;
+  /// The doubts, and a line for each thing that could not be collected. UTF-8.
   std::vector<std::string> problems;
   KeptLog log;  ///< the modules'; only when asked for
   /// The tools' answers, in the order of the command lines. Texts are shared with the recording.
@@ -58,6 +62,9 @@ struct Collection {
   /// one are where they are.
   std::map<std::string, Bytes> files;
   std::unique_ptr<halyard::repository::RRepository> repository;  ///< of the tables' rows
+  /// Of a collection that was read back from a result, as this does not hold all that they were
+  /// read from; null: nobody has read them yet.
+  std::shared_ptr<const Parts> parts;
 };
 
 }  // namespace host

@@ -9,6 +9,10 @@ void CollectionListeners::Begin() {
   for (std::size_t i = 0; i < listeners.size(); ++i) listeners[i]->Begin();
 }
 
+void CollectionListeners::Plan(std::size_t modules) {
+  for (CollectionListener* listener : listeners) listener->Plan(modules);
+}
+
 RepositoryObserver* CollectionListeners::Calls() {
   for (CollectionListener* listener : listeners) {
     if (RepositoryObserver* calls = listener->Calls()) return calls;

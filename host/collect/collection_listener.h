@@ -1,6 +1,7 @@
 // Who follows a collection: the trace, the progress display, the list of failures.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,8 @@ class CollectionListener : public MachineObserver {
   /// Nothing can be refused any more, and no module has been used yet. An exception ends the
   /// collection.
   virtual void Begin() {}
+  /// How many modules are about to be used; after Begin().
+  virtual void Plan(std::size_t /*modules*/) {}
   /// Who sees the calls on the repository; asked once, after Begin(). Null: nobody.
   virtual RepositoryObserver* Calls() { return nullptr; }
   /// Whether Log() is to be called; asked once, after Begin(). Log lines that nobody wants are
@@ -40,6 +43,7 @@ class CollectionListeners final : public CollectionListener {
   void Add(CollectionListener& listener) { listeners.push_back(&listener); }
 
   void Begin() override;
+  void Plan(std::size_t modules) override;
   RepositoryObserver* Calls() override;
   bool WantsLog() const override;
   bool WantsEnd() override;

@@ -33,6 +33,7 @@ CollectionRun::CollectionRun(Source& source, const Selection& selection,
 
 void CollectionRun::Enumerate(RRepository& repository, Collection& collection) {
   listener.Begin();
+  listener.Plan(selected.size());
   if (listener.WantsLog()) {
     logSink.emplace([this](const LogLine& line) { listener.Log(line); });
   }

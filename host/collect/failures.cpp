@@ -13,7 +13,9 @@
 namespace host {
 namespace {
 
-constexpr char kMissing[] = "the program is missing, so it is not known whether the machine has ";
+constexpr std::string_view kMissing = "the program is missing";
+constexpr std::string_view kNoAnswer = "the recording has no such answer";
+constexpr char kNotKnown[] = ", so it is not known whether the machine has ";
 
 /// The tool that `text`, a log line about a failure, is about: mostly the `last` one.
 std::string FindToolOf(std::string_view text, const std::string& last) {
@@ -87,8 +89,12 @@ void FailureList::OnProcess(const std::string& /*application*/, const std::strin
   readThroughPipe = pipe;
   starts.Start();
   const pq::PresenceTest* presence = FindPresenceTest(commandLine);
-  if (presence == nullptr || !isProgramThere || isProgramThere(commandLine)) return;
-  AddMissing(*presence);
+  if (presence == nullptr || !isProgramThere) return;
+  if (isProgramThere(commandLine)) {
+    answering.insert(tool);
+  } else {
+    AddMissing(*presence);
+  }
 }
 
 void FailureList::OnProcessEnd(std::uint32_t /*exitCode*/) { starts.End(); }
@@ -148,11 +154,20 @@ void FailureList::AddMissing(const pq::PresenceTest& presence) {
     return failure.tool == tool && failure.text.starts_with(kMissing);
   });
   if (known == failures.end()) {
-    failures.push_back({module, tool, kMissing + presence.device});
+    failures.push_back({module, tool, std::string(kMissing) + kNotKnown + presence.device});
   } else if (known->text.find(presence.device) == std::string::npos) {
     if (known->module.find(module) == std::string::npos) known->module += " and " + module;
     known->text += " or " + presence.device;
   }
+}
+
+std::vector<Failure> FailureList::Failures() const {
+  std::vector<Failure> told = failures;
+  for (Failure& failure : told) {
+    if (!failure.text.starts_with(kMissing) || !answering.contains(failure.tool)) continue;
+    failure.text.replace(0, kMissing.size(), kNoAnswer);
+  }
+  return told;
 }
 
 void FailureList::Log(const LogLine& line) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -47,7 +48,7 @@ class FailureList final : public CollectionListener {
   /// failure: the interpreter then ends as a program that gave an answer does.
   void FindMissingPrograms(ProgramTest test) { isProgramThere = std::move(test); }
 
-  const std::vector<Failure>& Failures() const { return failures; }
+  std::vector<Failure> Failures() const;
 
   bool WantsLog() const override { return true; }
   void Module(const std::string& name, const std::string& description) override;
@@ -73,6 +74,7 @@ class FailureList final : public CollectionListener {
   StartWatch starts;
   bool readThroughPipe = false;
   std::vector<Failure> failures;
+  std::set<std::string> answering;  ///< tools that answered for the presence of something
   // Modules complain of the host's refusals: of all from now on, of the last start.
   bool interrupted = false;
   bool toolRefused = false;

@@ -16,18 +16,25 @@ struct MachineFacts {
   std::string description;  ///< UTF-8: the recording's own words, or the system's name
   std::string name;         ///< UTF-8; empty when not known
   std::uint32_t languageId = pq::kUsEnglish;
-  /// The code page of the bytes that its tools print.
+  /// The code page of the bytes that its tools print, as they are here.
   std::uint32_t codePage = 1252;
-  std::string hostExecutable;  ///< bytes in that code page
-  std::string logFolder;       ///< bytes in that code page; ends with a backslash
+  std::string hostExecutable;  ///< bytes in `codePage`
+  std::string logFolder;       ///< bytes in `codePage`; ends with a backslash
   /// When its tools answered: live when the collection began, of a recording when that was made.
   std::optional<LocalTime> recordedAt = {};
   std::string system = {};  ///< UTF-8: name and build of its Windows; empty when not known
-  /// UTF-8: the serial numbers that a recording was given for its machine. What the tools say of it
+  /// UTF-8: what a recording was given for its machine, or a result says of it. What the tools say
   /// is in host/answers/machine_identity.h.
+  std::string maker = {};
+  std::string product = {};
   std::vector<std::string> serials = {};
   /// SHA-256 in hexadecimal that tells recordings of other content apart; empty when live.
   std::string contentKey = {};
+  /// Of a collection that was read back from a result, whose bytes are UTF-8: the code page that
+  /// its tools printed in.
+  std::optional<std::uint32_t> toolCodePage = {};
+
+  std::uint32_t PrintedCodePage() const { return toolCodePage.value_or(codePage); }
 };
 
 /// A device on the PCI bus, by the numbers that name it there.

@@ -104,6 +104,9 @@ Found FindSign(const pq::Omission& omission, const pq::TableDescription& table,
   using enum pq::OmissionSign;
   if (omission.sign == kNone) return std::nullopt;
   if (omission.sign == kRows) return kHolds(rowCount > 0);
+  if (omission.sign == kAttachedCount) {
+    return FindCount(omission, evidence.firstValue(omission.className, omission.end));
+  }
   const CollectedAnswer* answer = FindAnswer(omission.command, module, evidence.answers);
   if (answer == nullptr) return std::nullopt;
   switch (omission.sign) {
@@ -127,9 +130,13 @@ std::vector<std::string> FindOmissions(const pq::TableDescription& table, const 
   std::vector<std::string> notes;
   // A page that was not reached leaves nothing out.
   if (rowCount == 0 && !table.whyNoRow.empty()) return notes;
+  bool isTold = false;
   for (const pq::Omission& omission : table.leavesOut) {
+    if (!omission.text.empty()) isTold = false;
+    if (isTold) continue;
     const Found found = FindSign(omission, table, module, rowCount, evidence);
     if (!found) continue;
+    isTold = true;
     std::string note = omission.note;
     if (const std::size_t place = note.find("{}"); place != std::string::npos) {
       note.replace(place, 2, *found);

@@ -29,6 +29,8 @@ struct OmissionEvidence {
   std::function<bool(const std::string& commandLine)> hasPrograms;
   /// Whether the log folder has a file, given with the folders below it.
   std::function<bool(const std::string& fileName)> hasLogFile;
+  /// The property `key` of the first row of a class; empty without one.
+  std::function<std::string_view(const std::string& className, const std::string& key)> firstValue;
 };
 
 /// A sentence for each omission of `table` that this machine has. Texts of tools in it are bytes in

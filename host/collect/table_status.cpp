@@ -11,12 +11,15 @@
 #include "host/collect/failures.h"
 #include "host/recorded/own_commands.h"
 #include "host/text/ascii.h"
+#include "host/text/screen_text.h"
+#include "host/text/trim.h"
 
 namespace host {
 namespace {
 
 const TableStatus kInterrupted{"interrupted", "the collection was interrupted before"};
 constexpr char kNoSuchDevice[] = "no such device";
+constexpr char kDeclined[] = "declined";
 constexpr char kToolError[] = "tool reported an error";
 
 /// Whether a log line, without its prefix, is the explanation's sentence and explains something.
@@ -89,8 +92,11 @@ std::string DescribeError(const ToolRun& run) {
   if (run.memoryLimit > 0) {
     return fmt::format("wanted more than its {} MiB of memory", run.memoryLimit);
   }
-  if (run.exitCode.value_or(0) != 0) return fmt::format("ended with code {}", *run.exitCode);
-  if (run.reportedError) return "printed an error text";
+  if (run.exitCode.value_or(0) != 0) {
+    return fmt::format("ended with code {}{}", *run.exitCode,
+                       run.reason.empty() ? "" : " (" + run.reason + ")");
+  }
+  if (run.reportedError || run.printedErrorLine) return "printed an error text";
   return {};
 }
 
@@ -151,33 +157,62 @@ bool HasOrdinaryExitCode(const ToolRun& run) {
   return FindPresenceTest(run.commandLine) == nullptr && !IsOwnCommand(run.program);
 }
 
-/// What the program printed, in `answer`, that explains something.
-const pq::AnswerExplanation* FindExplanation(const ToolRun& run, const ToolAnswer& answer) {
-  const pq::ModuleDescription* module = FindModuleDescription(run.module);
-  if (module == nullptr) return nullptr;
-  const std::string_view printed = answer.file.empty() ? answer.output : answer.fileText;
-  const auto found = std::ranges::find_if(module->answers, [&](const pq::AnswerExplanation& known) {
+/// Whether `test` holds for a line of `text`, which may end with CR; the lines after that one are
+/// not looked at.
+template <typename Test>
+bool AnyLine(std::string_view text, const Test& test) {
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find('\n'), text.size());
+    if (test(text.substr(0, end))) return true;
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+  return false;
+}
+
+/// What the tool itself printed, wherever that went.
+std::string_view GetPrinted(const ToolAnswer& answer) {
+  if (!answer.unfiltered.empty()) return answer.unfiltered;
+  return answer.file.empty() ? answer.output : answer.fileText;
+}
+
+bool HasErrorLine(const pq::ModuleDescription& module, std::string_view printed) {
+  return !module.errorLines.empty() && AnyLine(printed, [&](std::string_view line) {
+    return std::ranges::any_of(module.errorLines, [&](const pq::ErrorLine& error) {
+      return line.starts_with(error.beginning) && line.find(error.part) != std::string_view::npos;
+    });
+  });
+}
+
+/// The tool's own words for why it failed; empty without, or if they are not plain.
+std::string FindReason(const pq::ModuleDescription& module, const std::string& program,
+                       std::string_view printed) {
+  constexpr std::size_t kLongestReason = 80;  // columns
+  // In bytes. Reports can be long, and their heads have the reason.
+  constexpr std::size_t kLongestHead = 4096;
+  for (const pq::ReasonLine& known : module.reasonLines) {
+    if (!EndsWithoutCase(program, known.program)) continue;
+    std::string reason;
+    AnyLine(printed.substr(0, kLongestHead), [&](std::string_view line) {
+      if (!line.starts_with(known.label)) return false;
+      reason = Trim(line.substr(known.label.size()));
+      return true;
+    });
+    const bool isPlain = std::ranges::all_of(reason, [](char c) { return c >= ' ' && c <= '~'; });
+    return isPlain && reason != known.nothing ? CutText(reason, kLongestReason) : std::string();
+  }
+  return {};
+}
+
+/// What the program printed that explains something.
+const pq::AnswerExplanation* FindExplanation(const ToolRun& run,
+                                             const pq::ModuleDescription& module,
+                                             std::string_view printed) {
+  const auto found = std::ranges::find_if(module.answers, [&](const pq::AnswerExplanation& known) {
     return EndsWithoutCase(run.program, known.command.program) &&
            run.arguments == known.command.arguments &&
            printed.find(known.words) != std::string_view::npos;
   });
-  return found == module->answers.end() ? nullptr : &*found;
-}
-
-/// Why nobody knows whether the device is there that `run` looked for; none when it is known, or
-/// the run looked for none.
-std::optional<TableStatus> ExplainPresenceTest(const ToolRun& run) {
-  const pq::PresenceTest* test = FindPresenceTest(run.commandLine);
-  if (test == nullptr || run.refused) return std::nullopt;
-  const char* outcome = "tool missing";
-  std::string reason = "is not on this machine";
-  if (run.isThere) {
-    if (run.endedAfterSeconds == 0 && run.memoryLimit == 0) return std::nullopt;
-    outcome = FindErrorOutcome(run);
-    reason = DescribeError(run);
-  }
-  return TableStatus{outcome, fmt::format("{} {}, so it is not known whether this machine has {}",
-                                          GetFileName(run.program), reason, test->device)};
+  return found == module.answers.end() ? nullptr : &*found;
 }
 
 /// Notes the facts that a log line tells of the run that it is about.
@@ -246,7 +281,12 @@ void StatusTracker::OnAnswer(const ToolAnswer& answer) {
   if (runs.empty()) return;
   ToolRun& run = runs.back();
   if (run.readThroughPipe) run.wasCut = ExceedsPipe(answer);
-  run.explanation = FindExplanation(run, answer);
+  const pq::ModuleDescription* description = FindModuleDescription(run.module);
+  if (description == nullptr) return;
+  const std::string_view printed = GetPrinted(answer);
+  run.explanation = FindExplanation(run, *description, printed);
+  run.printedErrorLine = HasErrorLine(*description, printed);
+  run.reason = FindReason(*description, run.program, printed);
 }
 
 void StatusTracker::OnSystem(const std::string& command) {
@@ -377,6 +417,22 @@ TableStatus StatusTracker::ExplainMissing(const std::vector<const ToolRun*>& fou
           fmt::format("{} {} not on this machine", names, areSeveral ? "are" : "is")};
 }
 
+std::optional<TableStatus> StatusTracker::ExplainPresenceTest(const ToolRun& run) const {
+  const pq::PresenceTest* test = FindPresenceTest(run.commandLine);
+  if (test == nullptr || run.refused) return std::nullopt;
+  TableStatus status;
+  if (!run.isThere) {
+    status = ExplainMissing({&run});
+  } else if (run.endedAfterSeconds > 0 || run.memoryLimit > 0) {
+    status = {FindErrorOutcome(run),
+              fmt::format("{} {}", GetFileName(run.program), DescribeError(run))};
+  } else {
+    return std::nullopt;
+  }
+  status.text += ", so it is not known whether this machine has " + test->device;
+  return status;
+}
+
 TableStatus StatusTracker::ExplainRuns(const std::vector<const ToolRun*>& found,
                                        const pq::TableDescription& table) const {
   if (std::ranges::none_of(found, &ToolRun::isThere)) return ExplainMissing(found);
@@ -448,7 +504,10 @@ std::optional<TableStatus> StatusTracker::ExplainByAnswers(
 TableStatus StatusTracker::ExplainWithoutRun(const std::string& name,
                                              const pq::TableDescription& table) const {
   if (const auto explained = ExplainByLog(name, table)) {
-    if (explained->outcome != kNoSuchDevice && explained->outcome != kToolError) return *explained;
+    const std::string& outcome = explained->outcome;
+    if (outcome != kNoSuchDevice && outcome != kToolError && outcome != kDeclined) {
+      return *explained;
+    }
     for (const ToolRun& run : runs) {
       if (run.module != name) continue;
       if (const auto unknown = ExplainPresenceTest(run)) return *unknown;
@@ -491,16 +550,27 @@ TableStatus StatusTracker::ExplainWithoutRun(const std::string& name,
 
 TableStatus StatusTracker::DescribeRows(const std::string& name, const pq::TableDescription* table,
                                         std::size_t rowCount) const {
-  std::string text = fmt::format("{} row{}", rowCount, rowCount == 1 ? "" : "s");
+  TableStatus status{"rows", fmt::format("{} row{}", rowCount, rowCount == 1 ? "" : "s")};
+  std::string& text = status.text;
   if (table != nullptr) {
     std::string error;
-    for (const ToolRun* run : FindRuns(name, *table)) {
+    const std::vector<const ToolRun*> found = FindRuns(name, *table);
+    const bool areMissing = !found.empty() && std::ranges::none_of(found, [](const ToolRun* run) {
+      return run->isThere || run->oldFile;
+    });
+    // The rows are the interpreter's own words then, or empty files.
+    if (areMissing && !table->hasHollowRows) {
+      status.missing = ExplainMissing(found).text;
+      text += ", but " + status.missing;
+    }
+    for (const ToolRun* run : found) {
       if (run->wasCut) {
         text += fmt::format(", of the first {} MiB that {} printed", pq::kPipeOutputLimit >> 20,
                             GetFileName(run->program));
       }
-      // Rows show that an error text, if there is one, was none.
-      if (!error.empty() || !run->isThere || run->oldFile || run->reportedError ||
+      // Rows show that an error text, if there is one, was none; not so a whole line of it.
+      const bool seemsToFail = run->reportedError && !run->printedErrorLine;
+      if (!error.empty() || !run->isThere || run->oldFile || seemsToFail ||
           IsMadeUpFor(*run, *table)) {
         continue;
       }
@@ -508,7 +578,7 @@ TableStatus StatusTracker::DescribeRows(const std::string& name, const pq::Table
       if (!error.empty()) text += fmt::format(", but {} {}", GetFileName(run->program), error);
     }
   }
-  return {"rows", std::move(text)};
+  return status;
 }
 
 TableStatus StatusTracker::FindStatus(const std::string& name, const std::string& className,
@@ -526,6 +596,37 @@ TableStatus StatusTracker::FindStatus(const std::string& name, const std::string
     return *explained;
   }
   return found.empty() ? ExplainWithoutRun(name, *table) : ExplainRuns(found, *table);
+}
+
+std::vector<std::string> StatusTracker::DescribeEmptyFiles(
+    const std::string& name, const std::vector<std::string>& fileNames) const {
+  std::vector<std::string> reasons;
+  std::vector<std::vector<std::string>> files;  // by their reason
+  for (const std::string& fileName : fileNames) {
+    const auto run = std::ranges::find_if(runs, [&](const ToolRun& candidate) {
+      return candidate.module == name &&
+             LowerCase(candidate.file).starts_with(LowerCase(fileName) + '.');
+    });
+    if (run == runs.end()) continue;
+    const std::string error = DescribeError(*run);
+    const std::string reason = !run->isThere
+                                   ? ExplainMissing({&*run}).text
+                                   : fmt::format("{} {}", GetFileName(run->program),
+                                                 error.empty() ? "printed nothing" : error);
+    const auto known = std::ranges::find(reasons, reason);
+    if (known == reasons.end()) {
+      reasons.push_back(reason);
+      files.push_back({run->file});
+    } else {
+      files[static_cast<std::size_t>(known - reasons.begin())].push_back(run->file);
+    }
+  }
+  std::vector<std::string> notes;
+  for (std::size_t i = 0; i < reasons.size(); ++i) {
+    notes.push_back(fmt::format("{} {} empty: {}", fmt::join(files[i], ", "),
+                                files[i].size() == 1 ? "is" : "are", reasons[i]));
+  }
+  return notes;
 }
 
 std::vector<std::string> StatusTracker::FindNotes(const std::string& name,
@@ -564,7 +665,7 @@ std::vector<Failure> StatusTracker::FindFailedTools(
     const std::vector<const pq::TableDescription*> tables = FindTables(run);
     const auto leavesNothingOut = [&](const pq::TableDescription* table) {
       return IsMadeUpFor(run, *table) ||
-             (run.exitCode.value_or(0) == 0 && hasRows(table->className));
+             (run.exitCode.value_or(0) == 0 && !run.printedErrorLine && hasRows(table->className));
     };
     const bool needsNoWord =
         !run.oldFile && !tables.empty() && std::ranges::all_of(tables, leavesNothingOut);

@@ -23,6 +23,11 @@ struct TableStatus {
   std::string text;  ///< UTF-8, for people
   /// More that is true of the table, such as what it leaves out: a sentence each. UTF-8.
   std::vector<std::string> notes = {};
+  /// Of rows that are not the tool's, which is missing: why. `text` has it, too.
+  std::string missing = {};
+  /// Of rows from files that were there before: since when, and why there are no newer ones. A note
+  /// as well.
+  std::string oldFiles = {};
 
   /// Whether an output was read for the table, with rows for it or without.
   bool IsOfAnOutput() const { return outcome == "rows" || outcome == "no rows in output"; }
@@ -49,8 +54,10 @@ struct ToolRun {
   bool hadNothingToReport = false;        ///< so that there was nothing to open
   /// What it printed explains why tables are empty.
   const pq::AnswerExplanation* explanation = nullptr;
-  bool printed = false;  ///< something came through the pipe
-  bool reportedError = false;
+  bool printed = false;            ///< something came through the pipe
+  bool reportedError = false;      ///< as the log shows, if no rows came of it
+  bool printedErrorLine = false;   ///< whatever came of it
+  std::string reason = {};         ///< its own words for its exit code, in ASCII
   bool wasCut = false;             ///< it printed more than the module keeps
   bool refused = false;            ///< never started, because the collection was interrupted
   unsigned endedAfterSeconds = 0;  ///< not 0: the host ended it
@@ -83,6 +90,11 @@ class StatusTracker final : public CollectionListener {
 
   /// What is to be said of the table beside its rows.
   std::vector<std::string> FindNotes(const std::string& module, const std::string& className) const;
+
+  /// Why `fileNames`, reports in the log folder that are attached to rows of `module`, are empty: a
+  /// sentence for each reason. Names are without the extension.
+  std::vector<std::string> DescribeEmptyFiles(const std::string& module,
+                                              const std::vector<std::string>& fileNames) const;
 
   /// The tools that failed although the log does not tell: each with each of its reasons once.
   /// `hasRows` answers for table classes.
@@ -119,6 +131,9 @@ class StatusTracker final : public CollectionListener {
   TableStatus DescribeRows(const std::string& module, const pq::TableDescription* table,
                            std::size_t rowCount) const;
   TableStatus ExplainMissing(const std::vector<const ToolRun*>& runs) const;
+  /// Why nobody knows whether the device is there that `run` looked for; none when it is known, or
+  /// the run looked for none.
+  std::optional<TableStatus> ExplainPresenceTest(const ToolRun& run) const;
   TableStatus ExplainRuns(const std::vector<const ToolRun*>& runs,
                           const pq::TableDescription& table) const;
   TableStatus ExplainWithoutRun(const std::string& module, const pq::TableDescription& table) const;

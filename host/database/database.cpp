@@ -131,10 +131,10 @@ void CallFunction(sqlite3_context* context, int /*count*/, sqlite3_value** value
 
 }  // namespace
 
-std::string DescribeTimeout(std::chrono::seconds timeLimit) {
+DatabaseLimitError MakeTimeout(std::chrono::seconds timeLimit) {
   const auto seconds = static_cast<std::size_t>(timeLimit.count());
-  return fmt::format("the query took longer than {}: ask for less, or allow more with --time-limit",
-                     FormatCount(seconds, "second"));
+  return {"the query took longer than " + FormatCount(seconds, "second"),
+          "ask for less, or allow more with --time-limit"};
 }
 
 Database::Database(std::chrono::seconds queryTime) : queryTime(queryTime) {

@@ -29,10 +29,22 @@ class DatabaseError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// A query that is right, and too much for the time or the memory that one may have.
+class DatabaseLimitError : public DatabaseError {
+ public:
+  /// "the query took longer than 30 seconds", and what to do about that.
+  DatabaseLimitError(const std::string& excess, const std::string& remedy)
+      : DatabaseError(excess + ": " + remedy), excess(excess) {}
+  const std::string& Excess() const { return excess; }
+
+ private:
+  std::string excess;
+};
+
 inline constexpr std::chrono::seconds kUsualQueryTime{30};
 
 /// What to say of a query that took longer.
-std::string DescribeTimeout(std::chrono::seconds timeLimit);
+DatabaseLimitError MakeTimeout(std::chrono::seconds timeLimit);
 
 /// Nothing, a number or a text, in the program's own hands.
 using SqlValue = std::variant<std::monostate, std::int64_t, double, std::string_view>;
@@ -96,6 +108,7 @@ class Database {
 
  private:
   friend class DatabaseWriter;
+  friend class PlainTable;
   friend class PreparedQuery;
 
   /// Nothing but what reading needs is possible from now on; and what AddTable adds.

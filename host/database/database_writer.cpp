@@ -195,7 +195,7 @@ void DatabaseWriter::AddMachine(const CollectionView& view, const Facts& more) {
       {"recorded", facts.recorded ? "yes" : "no"},
       {"collected", FormatIsoTime(collection.collected)},
       {"languageId", std::to_string(facts.languageId)},
-      {"codePage", std::to_string(facts.codePage)},
+      {"codePage", std::to_string(facts.PrintedCodePage())},
       {"hostExecutable", std::string(view.HostExecutable())},
       {"logFolder", std::string(view.LogFolder())},
       {"recordedAt", facts.recordedAt ? FormatIsoTime(*facts.recordedAt) : ""},

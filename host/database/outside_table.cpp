@@ -5,6 +5,7 @@
 #include <sqlite3.h>
 
 #include <cstddef>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -27,17 +28,32 @@ struct RowCursor : sqlite3_vtab_cursor {
 
 RowCursor& CursorOf(sqlite3_vtab_cursor* cursor) { return *static_cast<RowCursor*>(cursor); }
 
+/// What `work` answers, or SQLite's word for what it throws: SQLite's own functions are of C, and
+/// nothing may be thrown through them.
+template <typename Work>
+int KeepIn(const Work& work) {
+  try {
+    return work();
+  } catch (const std::bad_alloc&) {
+    return SQLITE_NOMEM;
+  } catch (...) {
+    return SQLITE_ERROR;
+  }
+}
+
 int Connect(sqlite3* handle, void* outside, int /*count*/, const char* const* /*arguments*/,
             sqlite3_vtab** made, char** /*error*/) {
-  const auto& table = *static_cast<const OutsideTable*>(outside);
-  std::vector<std::string> columns;
-  for (const OutsideTable::Column& column : table.columns) {
-    columns.push_back(fmt::format("{} {}", QuoteName(column.name), column.type));
-  }
-  const std::string sql = fmt::format("CREATE TABLE t ({})", fmt::join(columns, ", "));
-  const int result = sqlite3_declare_vtab(handle, sql.c_str());
-  if (result == SQLITE_OK) *made = new ConnectedTable{{}, &table};
-  return result;
+  return KeepIn([&] {
+    const auto& table = *static_cast<const OutsideTable*>(outside);
+    std::vector<std::string> columns;
+    for (const OutsideTable::Column& column : table.columns) {
+      columns.push_back(fmt::format("{} {}", QuoteName(column.name), column.type));
+    }
+    const std::string sql = fmt::format("CREATE TABLE t ({})", fmt::join(columns, ", "));
+    const int result = sqlite3_declare_vtab(handle, sql.c_str());
+    if (result == SQLITE_OK) *made = new ConnectedTable{{}, &table};
+    return result;
+  });
 }
 
 int Disconnect(sqlite3_vtab* table) {
@@ -55,8 +71,10 @@ int PlanScan(sqlite3_vtab* /*table*/, sqlite3_index_info* plan) {
 }
 
 int OpenCursor(sqlite3_vtab* table, sqlite3_vtab_cursor** made) {
-  *made = new RowCursor{{}, static_cast<ConnectedTable*>(table)->table, 0, 0};
-  return SQLITE_OK;
+  return KeepIn([&] {
+    *made = new RowCursor{{}, static_cast<ConnectedTable*>(table)->table, 0, 0};
+    return SQLITE_OK;
+  });
 }
 
 int CloseCursor(sqlite3_vtab_cursor* cursor) {
@@ -66,9 +84,11 @@ int CloseCursor(sqlite3_vtab_cursor* cursor) {
 
 int BeginScan(sqlite3_vtab_cursor* cursor, int /*plan*/, const char* /*name*/, int /*count*/,
               sqlite3_value** /*values*/) {
-  CursorOf(cursor).row = 0;
-  CursorOf(cursor).count = CursorOf(cursor).table->countRows();
-  return SQLITE_OK;
+  return KeepIn([&] {
+    CursorOf(cursor).row = 0;
+    CursorOf(cursor).count = CursorOf(cursor).table->countRows();
+    return SQLITE_OK;
+  });
 }
 
 int GoToNextRow(sqlite3_vtab_cursor* cursor) {
@@ -81,10 +101,12 @@ int IsAtEnd(sqlite3_vtab_cursor* cursor) {
 }
 
 int GiveColumn(sqlite3_vtab_cursor* cursor, sqlite3_context* context, int column) {
-  const RowCursor& at = CursorOf(cursor);
-  GiveResult(context, at.table->getValue(at.row, static_cast<std::size_t>(column)),
-             Lifetime::kWhileQueryRuns);
-  return SQLITE_OK;
+  return KeepIn([&] {
+    const RowCursor& at = CursorOf(cursor);
+    GiveResult(context, at.table->getValue(at.row, static_cast<std::size_t>(column)),
+               Lifetime::kWhileQueryRuns);
+    return SQLITE_OK;
+  });
 }
 
 int GiveRowNumber(sqlite3_vtab_cursor* cursor, sqlite3_int64* number) {

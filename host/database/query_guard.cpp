@@ -274,7 +274,7 @@ int TimeGuard::CheckTime(void* guard) {
 }
 
 void TimeGuard::FailIfTimeIsUp() const {
-  if (timeIsUp) throw DatabaseError(DescribeTimeout(timeLimit));
+  if (timeIsUp) throw MakeTimeout(timeLimit);
 }
 
 QueryGuard::QueryGuard(sqlite3* handle, std::chrono::seconds timeLimit,
@@ -307,26 +307,24 @@ void QueryGuard::CountRow(std::size_t cells, std::size_t bytes) {
   constexpr std::size_t kCellBytes = 32;
   answerBytes += static_cast<std::int64_t>(kRowBytes + cells * kCellBytes + bytes);
   if (answerBytes <= memoryLimit) return;
-  throw DatabaseError(fmt::format(
-      "the answer is larger than {} MiB: ask for less of it, such as fewer columns, or with LIMIT",
-      memoryLimit / kMebibyte));
+  throw DatabaseLimitError(fmt::format("the answer is larger than {} MiB", memoryLimit / kMebibyte),
+                           "ask for less of it, such as fewer columns, or with LIMIT");
 }
 
 void QueryGuard::Fail(int result) const {
   time.FailIfTimeIsUp();
   if (!objection.empty()) throw DatabaseError(objection);
   if (result == SQLITE_NOMEM) {
-    throw DatabaseError(
-        fmt::format("the query needs more than {} MiB of memory: ask for less, such as fewer rows "
-                    "or columns to sort",
-                    memoryLimit / kMebibyte));
+    throw DatabaseLimitError(
+        fmt::format("the query needs more than {} MiB of memory", memoryLimit / kMebibyte),
+        "ask for less, such as fewer rows or columns to sort");
   }
   // SQLite has other words for a statement that is too long.
   if (result == SQLITE_TOOBIG &&
       std::string_view(sqlite3_errmsg(handle)) == sqlite3_errstr(SQLITE_TOOBIG)) {
-    throw DatabaseError(fmt::format(
-        "the query makes a value of more than {} MiB: ask for a part of it, as with substr",
-        kMostRowBytes / kMebibyte));
+    throw DatabaseLimitError(
+        fmt::format("the query makes a value of more than {} MiB", kMostRowBytes / kMebibyte),
+        "ask for a part of it, as with substr");
   }
   FailAsSqlite(handle);
 }

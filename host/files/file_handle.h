@@ -40,7 +40,11 @@ class FileHandle {
   int descriptor;
 };
 
-enum class Readers { kOwner, kAsUsual };
+enum class Readers {
+  kOwner,          ///< on Windows those of the folder, which is the owner's where it should be
+  kOwnerAnywhere,  ///< the owner alone, whatever the folder is
+  kAsUsual,
+};
 
 /// Makes a file that nobody has made before, not even as a link to somewhere else.
 FileHandle CreateNewFile(const std::filesystem::path& path, Readers readers);

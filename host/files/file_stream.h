@@ -3,14 +3,14 @@
 
 #include <ostream>
 #include <streambuf>
+#include <string_view>
 #include <vector>
 
 #include "host/files/file_handle.h"
 
 namespace host {
 
-/// Writes into a file that it owns, which is closed until Open(). A failure leaves its reason in
-/// errno and sets badbit.
+/// Writes into a file that it owns, which is closed until Open(). A failure sets badbit.
 class FileStream final : public std::ostream {
  public:
   FileStream() : std::ostream(nullptr) { rdbuf(&buffer); }
@@ -19,7 +19,8 @@ class FileStream final : public std::ostream {
 
   void Open(FileHandle file) { buffer.file = std::move(file); }
   const FileHandle& Handle() const { return buffer.file; }
-  /// Writes the rest and closes; whether all was written.
+  /// Writes the rest and closes; whether all was written. If not, errno has the reason of the first
+  /// failure.
   bool Close();
 
  private:
@@ -27,6 +28,7 @@ class FileStream final : public std::ostream {
    public:
     Buffer() : bytes(kSize) { setp(bytes.data(), bytes.data() + bytes.size()); }
     FileHandle file;
+    int error = 0;  ///< why a write failed first; 0: none did
 
    protected:
     int_type overflow(int_type c) override;
@@ -34,6 +36,8 @@ class FileStream final : public std::ostream {
     int sync() override;
 
    private:
+    bool Write(std::string_view text);
+
     static constexpr std::size_t kSize = 1U << 16;
     std::vector<char> bytes;
   };

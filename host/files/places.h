@@ -12,4 +12,8 @@ bool IsInFolder(const std::filesystem::path& path, const std::filesystem::path& 
 /// Whether both are the same file, or would be once they were made.
 bool AreSameFile(const std::filesystem::path& one, const std::filesystem::path& other);
 
+/// The folder for what the program keeps for its user; it need not exist. Empty when the system
+/// names none.
+std::filesystem::path FindSettingsFolder();
+
 }  // namespace host

@@ -44,11 +44,11 @@ std::string ReadWholeFile(const FileHandle& file) {
   return bytes;
 }
 
-void CreateWholeFile(const fs::path& path, std::string_view bytes) {
+void CreateWholeFile(const fs::path& path, std::string_view bytes, Readers readers) {
   std::error_code ignored;
   fs::create_directories(path.parent_path(), ignored);
   errno = 0;
-  FileHandle file = CreateNewFile(path, Readers::kOwner);
+  FileHandle file = CreateNewFile(path, readers);
   if (!file.IsOpen() || !file.Write(bytes) || !file.Close()) {
     throw std::runtime_error(DescribeUnwritable(path));
   }

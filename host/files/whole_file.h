@@ -19,9 +19,10 @@ std::string ReadWholeFile(const std::filesystem::path& path);
 /// The same of a file that is open and unread.
 std::string ReadWholeFile(const FileHandle& file);
 
-/// Makes a new file of `bytes`, for its owner alone, and its folders. Throws std::runtime_error
-/// with the words of DescribeUnwritable, also when there is a file, or a link, already.
-void CreateWholeFile(const std::filesystem::path& path, std::string_view bytes);
+/// Makes a new file of `bytes`, and its folders. Throws std::runtime_error with the words of
+/// DescribeUnwritable, also when there is a file, or a link, already.
+void CreateWholeFile(const std::filesystem::path& path, std::string_view bytes,
+                     Readers readers = Readers::kOwner);
 
 /// Makes the new folder `folder`, and those above. Throws UsageError when it cannot be made, and
 /// when it contains something already; `option` is the one to be given another folder.

@@ -257,11 +257,9 @@ End FindEnd(std::string_view tail, std::uint64_t fileSize) {
   return end;
 }
 
-std::string ReadPart(const FileHandle& file, std::uint64_t offset, std::uint64_t size) {
-  std::string bytes(static_cast<std::size_t>(size), '\0');
-  if (file.ReadAt(offset, bytes.data(), bytes.size()) != bytes.size()) {
-    Refuse("it cannot be read, or has just changed", kGetAgain);
-  }
+std::string ReadPart(const ZipBytes& file, std::uint64_t offset, std::uint64_t size) {
+  std::string bytes = file.Read(offset, size);
+  if (bytes.size() != size) Refuse("it cannot be read, or has just changed", kGetAgain);
   return bytes;
 }
 
@@ -315,7 +313,7 @@ ListedFile TakeListedFile(std::string_view& directory) {
 
 bool IsFolder(const ListedFile& file) { return file.name.ends_with('/'); }
 
-std::vector<ListedFile> ReadDirectory(const FileHandle& file, const End& end) {
+std::vector<ListedFile> ReadDirectory(const ZipBytes& file, const End& end) {
   if (end.directorySize > end.count * (kZipDirectoryHeadSize + kLongestName + kLongestExtra)) {
     Refuse(kNotFilled, kGetAgain);
   }
@@ -359,7 +357,7 @@ bool AgreesWith(const CommonHead& own, const CommonHead& listed) {
 
 /// Compares the file's own head with the directory, and finds its bytes. Returns where the next one
 /// has to begin.
-std::uint64_t FindFileEnd(const FileHandle& file, std::uint64_t directoryAt, ListedFile& listed) {
+std::uint64_t FindFileEnd(const ZipBytes& file, std::uint64_t directoryAt, ListedFile& listed) {
   auto& [name, head, entry] = listed;
   entry.bytesAt = entry.headAt + kZipFileHeadSize + name.size();
   if (entry.bytesAt > directoryAt) RefuseFile(name, kOtherHead, kGetAgain);
@@ -390,7 +388,21 @@ std::uint64_t FindFileEnd(const FileHandle& file, std::uint64_t directoryAt, Lis
 
 }  // namespace
 
-ZipReader::ZipReader(FileHandle given, std::uint64_t mostFiles) : file(std::move(given)) {
+std::uint64_t ZipBytes::Size() const {
+  const auto* bytes = std::get_if<std::string>(&place);
+  return bytes == nullptr ? std::get<FileHandle>(place).Size() : bytes->size();
+}
+
+std::string ZipBytes::Read(std::uint64_t offset, std::uint64_t size) const {
+  if (const auto* whole = std::get_if<std::string>(&place)) {
+    return offset > whole->size() ? std::string() : whole->substr(offset, size);
+  }
+  std::string bytes(static_cast<std::size_t>(size), '\0');
+  bytes.resize(std::get<FileHandle>(place).ReadAt(offset, bytes.data(), bytes.size()));
+  return bytes;
+}
+
+ZipReader::ZipReader(ZipBytes given, std::uint64_t mostFiles) : file(std::move(given)) {
   constexpr std::uint64_t kLongestEnd = kZipEndSize + 0xFFFF;
   const std::uint64_t fileSize = file.Size();
   const std::uint64_t tailSize = std::min(fileSize, kLongestEnd);

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <utility>
+#include <variant>
 
 #include "host/files/file_handle.h"
 
@@ -19,6 +21,20 @@ struct ZipEntry {
   bool isDeflated = false;
 };
 
+/// A ZIP file, on the disk or in memory.
+class ZipBytes {
+ public:
+  explicit ZipBytes(FileHandle file) : place(std::move(file)) {}
+  explicit ZipBytes(std::string bytes) : place(std::move(bytes)) {}
+
+  std::uint64_t Size() const;
+  /// `size` bytes from `offset` on; fewer where it ends, or cannot be read.
+  std::string Read(std::uint64_t offset, std::uint64_t size) const;
+
+ private:
+  std::variant<FileHandle, std::string> place;
+};
+
 /// Files are stored or deflated; their names are plain in every part (plain_name.h), of printable
 /// ASCII, and differ in more than case. Heads and bytes of the files, in any order, fill the ZIP
 /// file up to its directory, with nothing between them, and agree with it. Not taken are ZIP64,
@@ -30,7 +46,9 @@ class ZipReader {
  public:
   /// Reads the directory and all heads. Throws when there are more than `mostFiles`, folders
   /// included.
-  ZipReader(FileHandle file, std::uint64_t mostFiles);
+  ZipReader(ZipBytes file, std::uint64_t mostFiles);
+  ZipReader(FileHandle file, std::uint64_t mostFiles)
+      : ZipReader(ZipBytes(std::move(file)), mostFiles) {}
 
   /// By name, with "/" after each folder. Folders are left out.
   const std::map<std::string, ZipEntry>& Entries() const { return entries; }
@@ -39,7 +57,7 @@ class ZipReader {
   std::string Read(const ZipEntry& entry) const;
 
  private:
-  FileHandle file;
+  ZipBytes file;
   std::map<std::string, ZipEntry> entries;
 };
 

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "host/text/count_text.h"
+
 namespace host {
 
 std::string DescribeOutcome(const Collection& collection) {
@@ -13,7 +15,8 @@ std::string DescribeOutcome(const Collection& collection) {
     if (table.RowCount() > 0) ++filled;
     rows += table.RowCount();
   }
-  return fmt::format("{} of {} tables with {} rows", filled, collection.tables.size(), rows);
+  return fmt::format("{} of {} with {}", filled, FormatCount(collection.tables.size(), "table"),
+                     FormatCount(rows, "row"));
 }
 
 std::vector<TableGroup> GroupTables(const Collection& collection) {

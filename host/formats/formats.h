@@ -7,6 +7,7 @@
 
 #include "host/collect/collection.h"
 #include "host/collect/table_view.h"
+#include "host/formats/difference/difference_formats.h"
 #include "host/text/screen.h"
 
 namespace host {
@@ -44,6 +45,9 @@ void WriteJsonLines(const Collection& collection, const Screen& screen, std::ost
 void WriteCsv(const Collection& collection, const Screen& screen, std::ostream& out);
 /// The report: one HTML file that opens offline.
 void WriteHtml(const Collection& collection, const Screen& screen, std::ostream& out);
+/// The same with what has changed since an earlier collection; null: nothing is said of it.
+void WriteReport(const Collection& collection, const NamedDifference* changes, const Screen& screen,
+                 std::ostream& out);
 /// An SQLite file (docs/sql.md).
 void WriteSqlite(const Collection& collection, const Screen& screen, std::ostream& out);
 /// Metrics in Prometheus' text format 0.0.4 (docs/metrics.md).

@@ -32,16 +32,25 @@ well. What is not understood is never OK. A tool that is not there is no alarm, 
 
 Recent is what the logs have of the last `recent_days` before the collection: of a recording the time that it was made
 at, else the clock that a controller tells, else the newest entry of the logs; `--as-of DATE` overrides. The verdict tells
-which. Times of logs are taken as the machine's own.
+which. Entries of a later time count as recent, and `collection.clock-ahead` tells of them. Times of logs are taken as the machine's own.
 
 A collection has the verdict too: `pqhost collect` begins with it on a screen, and its JSON, databases and folders of
 CSV hold it, by the program's own rules and usual settings.
 
+A report that is cut off, or one of several that failed, makes its source `failed` although the rest of it was read and
+is judged: `collection.failed` names the report. Known by what the tools print: a table of storcli without its last rule,
+fewer drives or volumes than the controller counts, a configuration of arcconf without "Command completed successfully",
+a listing of ipmiutil without its last line, a log with fewer entries than it announces, an empty file, an exit code. A
+log that was cut between two of its entries, or a report between two of its parts, looks like a whole one where nothing
+of that kind is printed.
+
 ## Several machines
 
 `--replay` can be given several times, and can name a folder of recordings. Each is judged by itself, one after the other;
-the exit code is that of the worst. One that cannot be read is unknown, with the reason (`collection.not-judged`), and the
-others are judged all the same. Where one file is asked for, such as JSON, the form follows from what was named, not from
+the exit code is that of the worst. One that cannot be read, or that is too much for a rule of your own, is unknown, with
+the reason (`collection.not-judged`), and the others are judged all the same. So is a folder in a folder of recordings
+that has files and no `recording.json`: half of a recording may be on its way. Empty ones, and those whose names begin
+with a dot, are left out. Where one file is asked for, such as JSON, the form follows from what was named, not from
 how many recordings a folder happens to have.
 
 ## Formats
@@ -54,11 +63,17 @@ how many recordings a folder happens to have.
 | `csv` | a row for each finding, and one with a verdict alone for a machine without findings | the same |
 | `sqlite` | the database of a collection ([sql.md](sql.md)) with this verdict | one database, whose tables begin with a column `machine` |
 
-The object of a machine ([health.schema.json](health.schema.json)) has `verdict`, `exit`, `asOf`, `asOfFrom`, `counts`
-of findings by severity, `checked` (how many parts of each kind), `sources`, and `findings`. A finding has `key` (the
-same in the next collection), `severity`, `area`, `part` and `id`, `serial`, `rule`, `observed`, `text` (a sentence for
-whoever has to act), `why`, `next` and `evidence`: its hits, each with the `place` where it was read. Each of `machines`
-has `machine` (the name of the recording's folder or file), `name`, `serial` and `recordedAt`, empty where not known, and
+A machine that cannot be read at all has a verdict, too, `unknown` with the reason, in all formats but `table` and
+`sqlite`, where standard error alone tells. Doubts about a recording, as in its `submission.json`, or that it is not as it
+was made (`--unverified`), are a notice (`collection.doubt`) and on standard error. A finding quotes up to 500 bytes of
+what a tool printed, and says how much it leaves out; the parts have all of it.
+
+The object of a machine ([health.schema.json](health.schema.json)) has `verdict`, `exit`, `asOf`, `asOfFrom`,
+`counts` of findings by severity, `checked` (how many parts of each kind; burners and the like are `optical_drives`,
+and cache backups that are not there do not count), `sources`, and `findings`. A finding has `key` (the same in the
+next collection), `severity`, `area`, `part` and `id`, `serial`, `rule`, `observed`, `text` (a sentence for whoever
+has to act), `why`, `next` and `evidence`: its hits, each with the `place` where it was read. Each of `machines` has
+`machine` (the name of the recording's folder or file), `name`, `serial` and `recordedAt`, empty where not known, and
 its object as `health`.
 
 CSV begins with `machine`, `machine_name`, `machine_serial`, `verdict` and `as_of`; the columns of `findings` follow.
@@ -78,7 +93,8 @@ constexpr char kOwnRules[] = R"(
 ## Rules of your own
 
 `--rules FILE` adds rules; one with the id of another takes its place. Rules only read: parts, the class tables and all
-that [sql.md](sql.md) tells. `setting('NAME')` is a setting; `recent(TIME)` is 1 for a recent time.
+that [sql.md](sql.md) tells. `setting('NAME')` is a setting; `recent(TIME)` is 1 for a recent time, `ahead(TIME)` for
+one more than a day after the collection.
 
 ```
 -- @rule volume.write-through
@@ -97,7 +113,7 @@ next line where that begins with `--` and three blanks. An error names file and 
 ## What is known already
 
 `--suppress FILE` has lines `RULE ID [until=DATE] # REASON`; * is any text, an id with blanks is in quotation marks, and
-the reason has to be there. ID is the part's id or its serial number, which a new drive does not have. What is suppressed
+the reason has to be there, and the rule as well. ID is the part's id or its serial number, which a new drive does not have. What is suppressed
 is a notice; after the date it alarms again.
 
 ```

@@ -16,6 +16,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/answers/parts/part_names.h"
 #include "host/formats/health_formats.h"
 #include "host/formats/health_words.h"
 #include "host/text/count_text.h"
@@ -135,16 +136,18 @@ std::vector<SharedNotice> ShareNotices(const Health& health) {
 void WriteNotice(const SharedNotice& notice, bool isBrief, LinesWriter& lines) {
   const HealthFinding& first = *notice.findings.front();
   if (notice.findings.size() == 1) return WriteFinding(first, isBrief, lines);
-  std::vector<std::string> told;
+  std::vector<std::string> others;
   for (const HealthFinding* finding : notice.findings) {
+    if (finding == &first) continue;
     const HealthHit& hit = finding->hits.front();
-    told.push_back(fmt::format("{} ({})", hit.id, hit.observed));
+    others.push_back(fmt::format("{} ({})", hit.id, hit.observed));
   }
   const HealthHit& title = first.hits.front();
   lines.Write(0, GetWord(Severity::kNotice),
-              fmt::format("{}, {} {}: {}", title.rule, told.size(), NameKind(title.part),
-                          fmt::join(told, ", ")));
+              fmt::format("{}; likewise {} more {}: {}", title.text, others.size(),
+                          NameParts(title.part, others.size()), fmt::join(others, ", ")));
   if (isBrief) return;
+  lines.Write(kWordWidth, "rule", title.rule);
   if (!title.why.empty()) lines.Write(kWordWidth, "why", title.why);
   if (!title.next.empty()) lines.Write(kWordWidth, "next", title.next);
 }

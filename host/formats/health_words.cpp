@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "host/answers/parts/part_names.h"
 #include "host/text/count_text.h"
 
 namespace host {
@@ -17,24 +18,10 @@ std::string CountBySeverity(const Health& health) {
   return fmt::format("{}", fmt::join(counts, ", "));
 }
 
-std::string NameKind(std::string_view table) {
-  std::string name(table);
-  std::replace(name.begin(), name.end(), '_', ' ');
-  return name;
-}
-
 std::string CountChecked(const Health& health) {
   if (health.checked.empty()) return "nothing";
   std::vector<std::string> kinds;
-  for (const auto& [table, count] : health.checked) {
-    std::string kind = NameKind(table);
-    if (count == 1) {
-      const bool isIes = kind.ends_with("ies");
-      kind.resize(kind.size() - (isIes ? 3 : 1));
-      if (isIes) kind += 'y';
-    }
-    kinds.push_back(fmt::format("{} {}", count, kind));
-  }
+  for (const auto& [table, count] : health.checked) kinds.push_back(CountParts(table, count));
   return fmt::format("{}", fmt::join(kinds, ", "));
 }
 

@@ -17,8 +17,6 @@ inline constexpr std::array<Severity, 4> kWorstFirst{Severity::kCritical, Severi
 std::string CountBySeverity(const Health& health);
 /// As in "4 controllers, 32 drives"; "nothing" when it is.
 std::string CountChecked(const Health& health);
-/// "missing_drives" for people.
-std::string NameKind(std::string_view table);
 /// In parentheses, after a blank; empty for a hit that alarms.
 std::string DescribeSuppression(const HealthHit& hit);
 

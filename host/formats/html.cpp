@@ -16,6 +16,7 @@
 #include "host/formats/formats.h"
 #include "host/formats/html_text.h"
 #include "host/formats/json_buffer.h"
+#include "host/formats/packed_data.h"
 #include "host/formats/report/report_page.h"
 #include "host/formats/report_evidence.h"
 #include "host/formats/report_size.h"
@@ -188,6 +189,11 @@ class ReportData {
 }  // namespace
 
 void WriteHtml(const Collection& collection, const Screen& screen, std::ostream& out) {
+  WriteReport(collection, nullptr, screen, out);
+}
+
+void WriteReport(const Collection& collection, const NamedDifference* changes, const Screen& screen,
+                 std::ostream& out) {
   const std::string nonce = MakeRandomText();  // Used once, for this report's own script.
   const CollectionView view(collection, ChooseAttachments(screen));
   const std::vector<ShownPart> shown = FitIntoReport(collection);
@@ -210,13 +216,15 @@ void WriteHtml(const Collection& collection, const Screen& screen, std::ostream&
     } else if (place == "@HEADER@") {
       WriteReportHeader(collection, html);
     } else if (place == "@SUMMARY@") {
-      if (assessment != nullptr) WriteReportSummary(view, shown, *assessment, html);
+      if (assessment != nullptr) WriteReportSummary(view, shown, *assessment, changes, html);
     } else if (place == "@FOOTER@") {
       WriteReportFooter(view, assessment, html);
     } else if (place == "@SCRIPT@") {
       WriteScript(out);
     } else if (place == "@DATA@") {
       ReportData(view, shown, screen, out).Write();
+    } else if (place == "@PACKED@") {
+      WritePackedData(collection, assessment, screen, out);
     }
   }
   out << page;

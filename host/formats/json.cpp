@@ -11,6 +11,7 @@
 #include "host/formats/formats.h"
 #include "host/formats/health_formats.h"
 #include "host/formats/json_buffer.h"
+#include "host/formats/json_document.h"
 #include "host/formats/row_identity.h"
 #include "host/text/json_text.h"
 #include "host/text/time_text.h"
@@ -44,20 +45,19 @@ class JsonWriter {
         view(collection, ChooseAttachments(screen)),
         json(&WriteJsonForTerminal, out) {}
 
-  void WriteObject() {
+  /// `assessment`: of a known machine.
+  void WriteObject(const Assessment* assessment) {
     json += "{\n\"format\": 1,\n\"program\": ";
     json += JsonObject().AddText("name", "pqhost").AddText("version", kVersion).Take();
     json.AppendText(",\n\"collected\": ", FormatIsoTime(collection.collected));
     json += ",\n\"machine\": ";
-    std::optional<Assessment> assessment;
-    if (collection.machineIsKnown) {
-      assessment = Assess(collection);
+    if (assessment != nullptr) {
       AppendMachine();
     } else {
       json += "null";
     }
     json += ",\n\"health\": ";
-    json += assessment ? MakeHealthJson(assessment->health) : "null";
+    json += assessment != nullptr ? MakeHealthJson(assessment->health) : "null";
     json += ",\n\"modules\": [";
     const char* separator = "\n";
     for (const CollectedModule& module : collection.modules) {
@@ -74,7 +74,7 @@ class JsonWriter {
       separator = ",\n";
     }
     json += "\n],\n\"parts\": {";
-    if (assessment) WriteParts(assessment->parts);
+    if (assessment != nullptr) WriteParts(assessment->parts);
     json += "},\n\"problems\": ";
     json.AppendList(collection.problems, &AppendJsonText);
     json += "\n}\n";
@@ -120,7 +120,7 @@ class JsonWriter {
         .AddText("name", machine.name)
         .AddText("description", machine.description)
         .AddNumber("languageId", machine.languageId)
-        .AddNumber("codePage", machine.codePage)
+        .AddNumber("codePage", machine.PrintedCodePage())
         .AddText("hostExecutable", view.HostExecutable())
         .AddText("logFolder", view.LogFolder());
     const auto addKnown = [&](const char* name, const std::string& value) {
@@ -292,7 +292,14 @@ class JsonWriter {
 }  // namespace
 
 void WriteJson(const Collection& collection, const Screen& screen, std::ostream& out) {
-  JsonWriter(collection, screen, out).WriteObject();
+  std::optional<Assessment> assessment;
+  if (collection.machineIsKnown) assessment = Assess(collection);
+  WriteJson(collection, assessment ? &*assessment : nullptr, screen, out);
+}
+
+void WriteJson(const Collection& collection, const Assessment* assessment, const Screen& screen,
+               std::ostream& out) {
+  JsonWriter(collection, screen, out).WriteObject(assessment);
 }
 
 void WriteJsonLines(const Collection& collection, const Screen& screen, std::ostream& out) {

@@ -22,7 +22,7 @@ std::string NameMachine(const Collection& collection) {
   const MachineFacts& machine = collection.machine;
   if (!collection.machineIsKnown) return "Answer";
   if (!machine.name.empty()) return machine.name;
-  return machine.description.empty() ? "Server" : machine.description;
+  return machine.description.empty() ? "unnamed machine" : machine.description;
 }
 
 std::vector<std::pair<std::string, std::string>> ListMachineFacts(const Collection& collection) {
@@ -40,7 +40,8 @@ std::vector<std::pair<std::string, std::string>> ListMachineFacts(const Collecti
   add("System", machine.system);
   add("Maker", identity.maker);
   add("Product", identity.product);
-  add("Serial number", identity.serial);
+  add(identity.serialOf.empty() ? "Serial number" : "Serial number of the " + identity.serialOf,
+      identity.serial);
   add("Asset tag", identity.assetTag);
   add(machine.recorded ? "Recorded" : "Collected", FormatTime(collection));
   return facts;

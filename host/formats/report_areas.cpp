@@ -4,10 +4,12 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <map>
 #include <set>
 #include <utility>
 
+#include "host/answers/parts/optical_drives.h"
 #include "host/text/count_text.h"
 
 namespace host {
@@ -30,7 +32,7 @@ constexpr AreaKind kAreaKinds[] = {
     {"voltages", "Voltages", {"sensors"}},
     {"memory", "Memory", {"sensors"}},
     {"sensors", "Other sensors", {"sensors"}},
-    {"bmc", "BMC", {"leds", "fru"}},
+    {"bmc", "BMC", {"leds", "self-test", "fru"}},
     {"log", "Event logs", {"sel", "lsi", "microchip", "sas2"}},
     {"network", "Network", {}},
     {"amt", "Intel AMT", {"amt"}},
@@ -174,7 +176,10 @@ class AreaFinder {
     if (wasRead) {
       area.isNotChecked = false;
       area.fact = "none in what was read";
-    } else if (area.fact.empty()) {
+      area.mark = "none shown";
+      return;
+    }
+    if (area.fact.empty()) {
       area.isNotChecked = true;
       area.fact = "not collected";
     }
@@ -188,6 +193,7 @@ class AreaFinder {
     if (source.state != "none") return false;
     if (source.observed == "not collected") return true;
     return std::ranges::any_of(collection.tables, [&](const CollectedTable& table) {
+      if (table.status.missing == source.observed) return true;
       return table.status.text == source.observed &&
              std::ranges::find(kNotAsked, table.status.outcome) != std::end(kNotAsked);
     });
@@ -198,18 +204,28 @@ class AreaFinder {
     if (area.id == "collection") return DescribeSources();
     if (area.parts.empty()) return {};
     if (area.id == "arrays") return CountConditions(parts.volumes, "volume");
-    if (area.id == "drives") return CountConditions(parts.drives, "drive");
+    if (area.id == "drives") return DescribeDrives();
     if (area.id == "controllers") return DescribeControllers();
     if (area.id == "bmc") return DescribeSelfTest();
     if (area.id == "log" || area.id == "amt") return DescribeEvents(area);
     return DescribeSensors(area);
   }
 
+  std::string DescribeDrives() const {
+    const std::size_t optical = CountOpticalDrives(parts);
+    if (optical == 0) return CountConditions(parts.drives, "drive");
+    std::vector<Drive> drives;
+    std::ranges::remove_copy_if(parts.drives, std::back_inserter(drives), IsOptical);
+    const std::string others = FormatCount(optical, "optical drive");
+    return drives.empty() ? others : CountConditions(drives, "drive") + "; " + others;
+  }
+
   template <typename Table>
   std::string CountConditions(const Table& table, const char* noun) const {
     std::vector<std::string> conditions;
     for (const auto& part : table) {
-      conditions.push_back(part.condition.empty() ? "without a state" : part.condition);
+      const bool isTold = !part.condition.empty() && part.condition != "untold";
+      conditions.push_back(isTold ? part.condition : "without a state");
     }
     return fmt::format("{}: {}", FormatCount(table.size(), noun), CountWords(conditions));
   }
@@ -253,7 +269,8 @@ class AreaFinder {
           static_cast<std::size_t>(std::ranges::count_if(list.rows, [&](std::size_t row) {
             return !judged.contains({"sensors", parts.sensors[row].id});
           }));
-      sensors = fmt::format("{} of {} sensors without a finding", well, list.rows.size());
+      sensors =
+          fmt::format("{} of {} without a finding", well, FormatCount(list.rows.size(), "sensor"));
     }
     return supplies + (supplies.empty() || sensors.empty() ? "" : "; ") + sensors;
   }

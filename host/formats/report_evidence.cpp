@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "host/answers/parts/collected_rows.h"
 #include "host/answers/parts/report_lines.h"
 #include "host/formats/html_text.h"
 
@@ -20,6 +21,28 @@ std::string_view KeepBeginning(std::string_view text) {
   return text.substr(0, end);
 }
 
+/// What tools say that no table keeps as it was, and the table that is made of it.
+struct UnkeptOutput {
+  std::string_view tool;  ///< as in Place; a file's name can follow
+  std::string_view className;
+  std::string_view program;  ///< of the answers; empty when the text is in none
+  std::string_view arguments;
+};
+constexpr UnkeptOutput kUnkeptOutputs[] = {
+    {"ipmiutil sensor -s -q", "SENSORINFO", "ipmiutilnh.exe", "sensor -s -q"},
+    {"ipmiutil sensor", "SENSORINFO", "ipmiutilnh.exe", "sensor"},
+    {"arcconf savesupportarchive", "PMCLINK", "", ""},
+};
+
+/// Null when `place` is that of a table, or of nothing.
+const UnkeptOutput* FindUnkeptOutput(const Place& place) {
+  if (!place.className.empty()) return nullptr;
+  const std::string_view tool = std::string_view(place.tool).substr(0, place.tool.find(','));
+  const auto* const known = std::find_if(std::begin(kUnkeptOutputs), std::end(kUnkeptOutputs),
+                                         [&](const auto& one) { return one.tool == tool; });
+  return known == std::end(kUnkeptOutputs) ? nullptr : known;
+}
+
 }  // namespace
 
 EvidenceIndex::EvidenceIndex(const CollectionView& view, const std::vector<ShownPart>& shown,
@@ -34,6 +57,27 @@ EvidenceIndex::EvidenceIndex(const CollectionView& view, const std::vector<Shown
     ReadTable(view.ViewTable(collected[i]), shown[i]);
   }
   std::erase_if(cells, [](const auto& cell) { return cell.second.where.empty(); });
+  ReadUnkeptOutputs(view.GetCollection(), places);
+}
+
+void EvidenceIndex::ReadUnkeptOutputs(const Collection& collection,
+                                      const std::vector<const Place*>& places) {
+  for (const Place* place : places) {
+    if (FindUnkeptOutput(*place) != nullptr) unkeptLines[place->tool][place->line];
+  }
+  const CollectedRows rows(collection);
+  for (const UnkeptOutput& output : kUnkeptOutputs) {
+    const auto wanted = unkeptLines.find(output.tool);
+    const auto answers = rows.ListAnswers(output.program, output.arguments);
+    if (wanted == unkeptLines.end() || answers.empty()) continue;
+    const CollectedAnswer& answer = *answers.back();
+    const DecodedText text = rows.Decode(answer.file.empty() ? answer.output : answer.fileText);
+    ReportLines lines(text.View());
+    for (ReportLine line; lines.Next(line);) {
+      const auto quote = wanted->second.find(line.number);
+      if (quote != wanted->second.end()) quote->second = KeepBeginning(Trim(line.text));
+    }
+  }
 }
 
 void EvidenceIndex::ReadTable(const TableView& table, const ShownPart& part) {
@@ -76,7 +120,16 @@ Evidence EvidenceIndex::Find(const Place& place) const {
   } else if (cell != cells.end()) {
     evidence.where = cell->second.where;
   }
-  if (place.row == 0) {
+  if (const UnkeptOutput* output = FindUnkeptOutput(place)) {
+    if (!tables.contains(output->className)) return evidence;
+    Place table;
+    table.className = output->className;
+    evidence.address = MakeAddress(table);
+    const auto lines = unkeptLines.find(place.tool);
+    if (lines == unkeptLines.end()) return evidence;
+    const auto line = lines->second.find(place.line);
+    if (line != lines->second.end()) evidence.quote = line->second;
+  } else if (place.row == 0) {
     const auto table = tables.find(place.className);
     if (table == tables.end()) return evidence;
     if (evidence.where.empty()) evidence.where = table->second;

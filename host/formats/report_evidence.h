@@ -15,9 +15,10 @@
 namespace host {
 
 struct Evidence {
-  std::string where;    ///< "storcli /c0 show, line 90"; empty when nobody knows
-  std::string address;  ///< "#at/LSILINK/1/lsishowall/90"; empty when the report does not show it
-  std::string quote;    ///< the cell or the line; empty with an empty address
+  std::string where;  ///< "storcli /c0 show, line 90"; empty when nobody knows
+  /// "#at/LSILINK/1/lsishowall/90", or of the table alone; empty when the report shows neither.
+  std::string address;
+  std::string quote;  ///< the cell or the line; empty with an empty address
 };
 
 class EvidenceIndex {
@@ -39,9 +40,12 @@ class EvidenceIndex {
   };
 
   void ReadTable(const TableView& table, const ShownPart& part);
+  void ReadUnkeptOutputs(const Collection& collection, const std::vector<const Place*>& places);
 
   std::map<CellKey, Cell> cells;
-  std::map<std::string, std::string> tables;  ///< title by class
+  std::map<std::string, std::string, std::less<>> tables;  ///< title by class
+  /// Of outputs that no table keeps: their lines by tool and number.
+  std::map<std::string, std::map<std::int64_t, std::string>, std::less<>> unkeptLines;
 };
 
 /// The number, from 1, of the line that the end of a text begins in.

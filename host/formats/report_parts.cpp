@@ -9,6 +9,7 @@
 
 #include "host/answers/parts/part_tables.h"
 #include "host/formats/report_charts.h"
+#include "host/formats/report_columns.h"
 #include "host/text/count_text.h"
 
 namespace host {
@@ -50,35 +51,6 @@ constexpr TableShape kShapes[] = {
     {"unread", "Lines that were not understood", "text", "", "text"},
 };
 
-/// Columns that are called otherwise than by their name, or have a unit.
-struct ColumnShape {
-  std::string_view column;
-  std::string_view label;
-  std::string_view unit;
-};
-constexpr ColumnShape kColumnShapes[] = {
-    {"id", "Part", ""},
-    {"place", "Slot", ""},
-    {"grp", "Array", ""},
-    {"smart_alert", "S.M.A.R.T. alert", ""},
-    {"device_id", "Device ID", ""},
-    {"temperature", "Temperature", " °C"},
-    {"temperature_limit", "Temperature limit", " °C"},
-    {"link_speed", "Link speed", " Gb/s"},
-    {"device_speed", "Device speed", " Gb/s"},
-    {"wear_left", "Wear left", " %"},
-    {"ac_volts", "Input", " V"},
-    {"output_watts", "Output", " W"},
-    {"system_time", "Clock", ""},
-    {"part_id", "About", ""},
-    {"lnr", "Lower non-recoverable", ""},
-    {"lc", "Lower critical", ""},
-    {"lnc", "Lower warning", ""},
-    {"unc", "Upper warning", ""},
-    {"uc", "Upper critical", ""},
-    {"unr", "Upper non-recoverable", ""},
-};
-
 /// The place of a part; its row links there instead.
 constexpr std::string_view kPlaceColumns = "class row key line tool";
 
@@ -97,30 +69,6 @@ const TableShape& FindShape(const PartTable& table) {
   return found == std::end(kShapes) ? kPlain : *found;
 }
 
-const ColumnShape* FindColumnShape(const PartColumn& column) {
-  const auto* found = std::ranges::find(kColumnShapes, column.name, &ColumnShape::column);
-  return found == std::end(kColumnShapes) ? nullptr : found;
-}
-
-/// "media_errors" for people.
-std::string LabelColumn(const PartColumn& column) {
-  if (const ColumnShape* shape = FindColumnShape(column)) return std::string(shape->label);
-  std::string label(column.name);
-  std::ranges::replace(label, '_', ' ');
-  if (label.front() >= 'a' && label.front() <= 'z') label.front() -= 'a' - 'A';
-  return label;
-}
-
-/// "1.745 TiB"
-std::string FormatCapacity(std::int64_t bytes) {
-  constexpr std::array<const char*, 6> kUnits{"B", "KiB", "MiB", "GiB", "TiB", "PiB"};
-  constexpr double kStep = 1024;
-  auto size = static_cast<double>(bytes);
-  std::size_t unit = 0;
-  for (; size >= kStep && unit + 1 < kUnits.size(); ++unit) size /= kStep;
-  return unit == 0 ? fmt::format("{} B", bytes) : fmt::format("{:.3f} {}", size, kUnits[unit]);
-}
-
 /// How grave an entry of a log is, in a word.
 std::string NameLevel(std::int64_t level) {
   constexpr std::int64_t kFirst = -2;
@@ -137,13 +85,7 @@ std::string FormatCell(const PartTable& table, const PartColumn& column, const P
       number && column.name == "level" && table.name == "events") {
     return NameLevel(*number);
   }
-  if (const auto* number = std::get_if<std::int64_t>(&value); number && column.name == "size") {
-    return FormatCapacity(*number);
-  }
-  std::string text = FormatPartValue(value, "");
-  const ColumnShape* shape = FindColumnShape(column);
-  if (!text.empty() && shape != nullptr) text += shape->unit;
-  return text;
+  return ShowPartText(column.name, FormatPartValue(value, ""));
 }
 
 /// Those of `table` that some of `rows` has a value for, in the order in which they are shown.
@@ -185,8 +127,9 @@ std::optional<Gauge> FindGauge(const PartTable& table, const Part& part, const P
 
 }  // namespace
 
-ReportParts::ReportParts(const Assessment& assessment, const std::vector<ReportArea>& areas)
-    : assessment(assessment) {
+ReportParts::ReportParts(const Assessment& assessment, const std::vector<ReportArea>& areas,
+                         const ReportChanges* changes)
+    : assessment(assessment), changes(changes) {
   for (const HealthFinding& finding : assessment.health.findings) {
     for (const HealthHit& hit : finding.hits) hits[{hit.part, hit.id}].push_back(&hit);
   }
@@ -276,7 +219,7 @@ void ReportParts::WriteTable(const ReportArea& area, const AreaParts& list,
   html.Add("<th scope=\"col\">Part</th>");
   for (const PartColumn* column : columns) {
     html.Add("<th scope=\"col\" title=\"").Text(column->description).Add("\">");
-    html.Text(LabelColumn(*column)).Add("</th>");
+    html.Text(LabelColumn(column->name)).Add("</th>");
   }
   html.Add("</tr></thead><tbody>");
   const std::size_t begin = html.CountBytes();
@@ -305,6 +248,10 @@ void ReportParts::WriteRow(const PartTable& table, std::size_t row,
   if (!address.empty()) html.Add("<a href=\"").Text(address).Add("\">");
   html.ShortText(part.id, kWidestCell);
   if (!address.empty()) html.Add("</a>");
+  if (changes != nullptr) {
+    const std::string_view mark = changes->FindMark(table.name, part);
+    if (!mark.empty()) html.Add(" <ins>").Text(mark).Add("</ins>");
+  }
   html.Add("</th>");
   for (const PartColumn* column : columns) WriteCell(table, part, *column, html);
   html.Add("</tr>");
@@ -328,6 +275,13 @@ void ReportParts::WriteCell(const PartTable& table, const Part& part, const Part
     html.Add(" class=\"number\" data-value=\"").Text(fmt::format("{}", *real)).Add("\"");
   }
   html.Add(">");
+  if (changes != nullptr) {
+    const ChangedColumn* changed = changes->FindColumn(table.name, part.id, column.name);
+    if (changed != nullptr && changed->before) {
+      html.Add("<del>").ShortText(ShowPartText(column.name, *changed->before), kWidestCell);
+      html.Add("</del> ");
+    }
+  }
   const HealthHit* hit = FindHit(table, part, column);
   if (hit != nullptr) {
     const Tone tone = GetTone(hit->severity);

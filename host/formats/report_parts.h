@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "host/answers/assessment.h"
+#include "host/formats/difference/report_changes.h"
 #include "host/formats/html_text.h"
 #include "host/formats/report_areas.h"
 #include "host/formats/report_evidence.h"
@@ -19,8 +20,9 @@ namespace host {
 
 class ReportParts {
  public:
-  /// `assessment` must outlive the object.
-  ReportParts(const Assessment& assessment, const std::vector<ReportArea>& areas);
+  /// `changes`: what the tables mark as changed; null: nothing. All must outlive the object.
+  ReportParts(const Assessment& assessment, const std::vector<ReportArea>& areas,
+              const ReportChanges* changes);
 
   /// The id of the part's row in the page; empty when it has none.
   std::string FindRowId(std::string_view table, const std::string& id) const;
@@ -46,6 +48,7 @@ class ReportParts {
                            const PartColumn& column) const;
 
   const Assessment& assessment;
+  const ReportChanges* changes;
   std::map<PartKey, std::vector<const HealthHit*>> hits;
   std::map<const PartTable*, std::set<std::size_t>> shownRows;
   std::map<PartKey, std::string> rowIds;

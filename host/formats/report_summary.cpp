@@ -6,11 +6,14 @@
 #include <algorithm>
 #include <array>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 
+#include "host/answers/parts/part_names.h"
 #include "host/answers/tool_versions.h"
+#include "host/formats/difference/report_changes.h"
 #include "host/formats/health_words.h"
 #include "host/formats/machine_summary.h"
 #include "host/formats/report_areas.h"
@@ -91,19 +94,28 @@ PartLogs ReadPartLogs(const Parts& parts) {
 class SummaryWriter {
  public:
   SummaryWriter(const CollectionView& view, const std::vector<ShownPart>& shown,
-                const Assessment& assessment, HtmlWriter& html)
+                const Assessment& assessment, const NamedDifference* compared, HtmlWriter& html)
       : collection(view.GetCollection()),
         view(view),
         health(assessment.health),
         html(html),
         areas(ListReportAreas(collection, assessment)),
         findings(SortFindings(health)),
-        parts(assessment, areas),
+        compared(compared),
+        changes(compared == nullptr ? std::nullopt
+                                    : std::optional<ReportChanges>(compared->difference)),
+        parts(assessment, areas, changes ? &*changes : nullptr),
         evidence(view, shown, ListPlaces()),
         logs(ReadPartLogs(assessment.parts)) {}
 
   void Write() {
     WriteVerdict();
+    if (compared != nullptr) {
+      const auto findAddress = [this](std::string_view table, const std::string& id) {
+        return parts.FindRowId(table, id);
+      };
+      WriteChangesSection(*compared, findAddress, html);
+    }
     WriteFindings();
     WriteTiles();
     for (const ReportArea& area : areas) WriteArea(area);
@@ -155,7 +167,7 @@ class SummaryWriter {
     if (health.checked.empty()) return "Nothing of this machine could be looked at.";
     std::vector<std::string> kinds;
     for (const auto& [table, count] : health.checked) {
-      kinds.push_back(fmt::format("{} {}", NameKind(table), count));
+      kinds.push_back(fmt::format("{} {}", NameParts(table, 0), count));
     }
     return fmt::format("Looked at: {}.", fmt::join(kinds, ", "));
   }
@@ -187,7 +199,8 @@ class SummaryWriter {
     if (!notices.empty()) {
       html.Add("<details class=\"panel more notices\"><summary>");
       html.Text(FormatCount(notices.size(), "notice"));
-      html.Add(" <span class=\"faint\">that raise no alarm</span></summary>");
+      html.Add(" <span class=\"faint\">that ").Text(notices.size() == 1 ? "raises" : "raise");
+      html.Add(" no alarm</span></summary>");
       WriteSome(notices, 0, kMostFindings);
       html.Add("</details>");
     }
@@ -263,7 +276,9 @@ class SummaryWriter {
     const PartLog& entries = log->second;
     html.Add("<dt>In logs</dt><dd>");
     html.Text(FormatCount(entries.count, "warning")).Add(" or worse");
-    if (!entries.first.empty()) {
+    if (!entries.first.empty() && entries.first == entries.last) {
+      html.Add(", on ").Text(entries.first);
+    } else if (!entries.first.empty()) {
       html.Add(", from ").Text(entries.first).Add(" to ").Text(entries.last);
     }
     html.Add("</dd>");
@@ -365,6 +380,8 @@ class SummaryWriter {
   HtmlWriter& html;
   const std::vector<ReportArea> areas;
   const std::vector<const HealthFinding*> findings;
+  const NamedDifference* compared;
+  const std::optional<ReportChanges> changes;
   const ReportParts parts;
   const EvidenceIndex evidence;
   const PartLogs logs;
@@ -408,8 +425,9 @@ void WriteReportHeader(const Collection& collection, HtmlWriter& html) {
 }
 
 void WriteReportSummary(const CollectionView& view, const std::vector<ShownPart>& shown,
-                        const Assessment& assessment, HtmlWriter& html) {
-  SummaryWriter(view, shown, assessment, html).Write();
+                        const Assessment& assessment, const NamedDifference* changes,
+                        HtmlWriter& html) {
+  SummaryWriter(view, shown, assessment, changes, html).Write();
 }
 
 void WriteReportFooter(const CollectionView& view, const Assessment* assessment, HtmlWriter& html) {
@@ -422,7 +440,7 @@ void WriteReportFooter(const CollectionView& view, const Assessment* assessment,
     WriteFact("Judged as of",
               fmt::format("{} ({})", assessment->health.asOf, assessment->health.asOfFrom), html);
     WriteFact("Language", std::to_string(machine.languageId), html);
-    WriteFact("Code page", std::to_string(machine.codePage), html);
+    WriteFact("Code page", std::to_string(machine.PrintedCodePage()), html);
     WriteFact("Host program", view.HostExecutable(), html);
     for (const ToolVersion& tool : FindToolVersions(collection)) {
       WriteFact(tool.tool, view.Excerpt(tool.version), html);

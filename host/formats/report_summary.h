@@ -6,6 +6,7 @@
 
 #include "host/answers/assessment.h"
 #include "host/collect/table_view.h"
+#include "host/formats/difference/difference_formats.h"
 #include "host/formats/html_text.h"
 #include "host/formats/report_size.h"
 
@@ -17,9 +18,11 @@ void WriteReportTitle(const Collection& collection, const Assessment* assessment
 /// Name and facts of the machine, or of an answer.
 void WriteReportHeader(const Collection& collection, HtmlWriter& html);
 
-/// The verdict, findings, areas, and the tables of parts. `shown` has one part for each table.
+/// The verdict, findings, areas, and the tables of parts. `shown` has one part for each table;
+/// `changes` is null where the collection is compared with none.
 void WriteReportSummary(const CollectionView& view, const std::vector<ShownPart>& shown,
-                        const Assessment& assessment, HtmlWriter& html);
+                        const Assessment& assessment, const NamedDifference* changes,
+                        HtmlWriter& html);
 
 /// `assessment` is null for an answer.
 void WriteReportFooter(const CollectionView& view, const Assessment* assessment, HtmlWriter& html);

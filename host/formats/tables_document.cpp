@@ -38,7 +38,9 @@ std::string DescribeSource(const pq::TableDescription& table) {
   std::string text = fmt::format("Made from {}.", ListAsCode(tools));
   if (!files.empty()) text += fmt::format(" Left in the log folder: {}.", ListAsCode(files));
   if (table.needsUsEnglish) text += " On US English systems only.";
-  for (const pq::Omission& omission : table.leavesOut) text += " " + omission.text;
+  for (const pq::Omission& omission : table.leavesOut) {
+    if (!omission.text.empty()) text += " " + omission.text;
+  }
   return text;
 }
 

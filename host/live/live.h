@@ -87,6 +87,9 @@ enum class FolderAccess {
 /// As above, and creates `logFolder` with its parents. Throws LiveError.
 LiveMachine PrepareLiveMachine(const std::filesystem::path& logFolder, FolderAccess access);
 
+/// Whether this program has an administrator's rights, which some tools need.
+bool IsElevated();
+
 /// All else that a collection into `logFolder` depends on; leaves nothing on the machine. The
 /// library is not looked at.
 Surroundings LookAround(const std::filesystem::path& logFolder);

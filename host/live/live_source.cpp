@@ -84,11 +84,9 @@ std::optional<OldFile> LiveSource::FindOldFile(const std::string& path) {
   return OldFile{LocalTime{state->written, begun->offset}};
 }
 
-void LiveSource::WriteRecording(const Submission& submission) {
-  if (!recorder) return;
-  Recording recording = recorder->Take();
-  recording.submission = submission;
-  recordingOutput->Write(recording);
+std::optional<Recording> LiveSource::TakeRecording() {
+  if (!recorder) return std::nullopt;
+  return recorder->Take();
 }
 
 }  // namespace host

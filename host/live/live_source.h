@@ -55,9 +55,10 @@ class LiveSource final : public Source {
 
   /// The folder of the tools' files, absolute.
   const std::filesystem::path& LogFolderPath() const { return settings.logFolder; }
-  /// Writes the recording, if one was asked for, and `submission` beside it. Throws
-  /// std::runtime_error when it cannot be written.
-  void WriteRecording(const Submission& submission);
+  /// What was recorded, once; nothing when no recording was asked for.
+  std::optional<Recording> TakeRecording();
+  /// Writes the recording that was asked for. Throws std::runtime_error when it cannot be written.
+  void WriteRecording(const Recording& recording) { recordingOutput->Write(recording); }
 
  private:
   LiveSettings settings;

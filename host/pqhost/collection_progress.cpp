@@ -1,5 +1,7 @@
 #include "host/pqhost/collection_progress.h"
 
+#include <fmt/format.h>
+
 #include "host/collect/command_text.h"
 #include "host/text/decoder.h"
 
@@ -12,7 +14,10 @@ std::string MakeUtf8(const std::string& bytes) { return TextDecoder(kUtf8CodePag
 }  // namespace
 
 void CollectionProgress::Module(const std::string& name, const std::string& /*description*/) {
-  line.BeginTask(MakeUtf8(name));
+  ++moduleNumber;
+  line.BeginTask(moduleCount > 1
+                     ? fmt::format("{} of {}  {}", moduleNumber, moduleCount, MakeUtf8(name))
+                     : MakeUtf8(name));
 }
 
 void CollectionProgress::OnProcess(const std::string& /*application*/,

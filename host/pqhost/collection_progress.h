@@ -1,6 +1,7 @@
 // Shows on a terminal which module of a collection runs which tool.
 #pragma once
 
+#include <cstddef>
 #include <ostream>
 #include <string>
 
@@ -14,6 +15,7 @@ class CollectionProgress final : public CollectionListener {
   /// As ProgressLine, which is hidden as soon as a module or a tool writes to the terminal.
   CollectionProgress(std::ostream& out, unsigned width) : line(out, width) {}
 
+  void Plan(std::size_t modules) override { moduleCount = modules; }
   void Module(const std::string& name, const std::string& description) override;
   void OnProcess(const std::string& application, const std::string& commandLine,
                  bool inheritHandles, bool pipe) override;
@@ -24,6 +26,8 @@ class CollectionProgress final : public CollectionListener {
 
  private:
   ProgressLine line;
+  std::size_t moduleCount = 0;  ///< 0: not known
+  std::size_t moduleNumber = 0;
 };
 
 }  // namespace host

@@ -7,6 +7,7 @@
 #include "host/answers/collection_database.h"
 #include "host/database/database_writer.h"
 #include "host/pqhost/gather.h"
+#include "host/pqhost/kept_files.h"
 #include "host/pqhost/recordings.h"
 #include "host/program/interruption.h"
 #include "host/text/path_text.h"
@@ -73,6 +74,12 @@ int FillFromOne(Database& database, const SourceOptions& options, const Console&
   return collection.problems.empty() ? kExitDone : kExitIncomplete;
 }
 
+int FillFromResult(Database& database, const std::filesystem::path& result) {
+  const Collection collection = ReadResult(result, RecogniseFile(result));
+  FillDatabase(database, CollectionView(collection));
+  return kExitDone;
+}
+
 int FillFromSeveral(Database& database, const QuerySources& sources, const SourceOptions& options,
                     std::chrono::seconds tableTime, const Console& console) {
   DatabaseWriter writer(database, Machines::kSeveral);
@@ -81,6 +88,12 @@ int FillFromSeveral(Database& database, const QuerySources& sources, const Sourc
     adder.Add(file, [&](const std::string& machine) {
       Database from(file, tableTime);
       writer.Copy(from, machine);
+    });
+  }
+  for (const std::filesystem::path& result : sources.results) {
+    adder.Add(result, [&](const std::string& machine) {
+      const Collection collection = ReadResult(result, RecogniseFile(result));
+      AddCollection(writer, CollectionView(collection), machine);
     });
   }
   for (const std::filesystem::path& recording : sources.recordings) {

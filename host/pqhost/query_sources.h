@@ -17,6 +17,10 @@ namespace host {
 struct QuerySources {
   std::vector<std::filesystem::path> recordings;
   std::vector<std::filesystem::path> databases;
+  /// Other results of this program, such as reports.
+  std::vector<std::filesystem::path> results;
+
+  std::size_t Count() const { return recordings.size() + databases.size() + results.size(); }
 };
 
 /// Collects from what `options` say into `database`, which is empty. `beforeRun` is called once
@@ -24,6 +28,9 @@ struct QuerySources {
 /// and Database do.
 int FillFromOne(Database& database, const SourceOptions& options, const Console& console,
                 const std::function<void()>& beforeRun);
+
+/// The same of a result that is no database. Throws UsageError.
+int FillFromResult(Database& database, const std::filesystem::path& result);
 
 /// The same with all of `sources`, each called by its file's name. What cannot be read is told, and
 /// left out; throws UsageError when that is all of it. `tableTime` is for each table of a database.

@@ -2,11 +2,15 @@
 // the signals INT, TERM and HUP.
 #pragma once
 
+#include <string_view>
+
 namespace host {
 
+inline constexpr std::string_view kLastWords = "pqhost: interrupted\n";
+
 /// From now on each of them removes the files that are not complete and ends the program with
-/// `exitCode`, but for the first Ctrl-C while an InterruptionWatch lives. A signal that is ignored
-/// stays so: nohup.
+/// `exitCode`, saying so on standard error, but for the first Ctrl-C while an InterruptionWatch
+/// lives. A signal that is ignored stays so: nohup.
 void EndCleanlyWhenAsked(int exitCode);
 
 /// Whether Ctrl-C was pressed since the last watch began. May be asked on any thread.

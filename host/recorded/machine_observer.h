@@ -17,6 +17,7 @@ struct ToolAnswer {
   Bytes output;      ///< written to the pipe or to the host's console
   std::string file;  ///< that standard output went to; empty when it went to none
   Bytes fileText;
+  Bytes unfiltered = {};  ///< printed into the pipe of a filter; empty when that is not known
 };
 
 /// Called on the collecting thread, in the order of the calls. Texts are bytes in the machine's

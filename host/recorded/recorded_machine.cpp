@@ -65,6 +65,7 @@ struct PipelineOutcome {
   Bytes standardOutput;
   std::vector<Bytes> standardError;
   std::uint32_t exitCode = 0;
+  Bytes unfiltered = {};  ///< the input of the last command; empty when it was the only one
 };
 
 /// Counts one open thing of the machine for as long as it lives.
@@ -209,6 +210,7 @@ struct RecordedMachine::State {
   /// Runs one command on the output of the one before.
   void RunStage(const Stage& stage, PipelineOutcome& outcome) {
     Bytes input = std::exchange(outcome.standardOutput, {});
+    if (!input.empty()) outcome.unfiltered = input;
     for (const Redirection& redirection : stage.redirections) {
       const CommandOutcome opened = OpenRedirection(redirection, input);
       if (opened.exitCode == 0) continue;
@@ -285,7 +287,7 @@ struct RecordedMachine::State {
   /// Tells the output of a pipeline that was run.
   void TellAnswer(const Pipeline& pipeline, const PipelineOutcome& outcome) {
     if (observer == nullptr) return;
-    ToolAnswer answer{outcome.standardOutput, FindOutputFile(pipeline), {}};
+    ToolAnswer answer{outcome.standardOutput, FindOutputFile(pipeline), {}, outcome.unfiltered};
     for (const Bytes& piece : outcome.standardError) {
       if (answer.output.empty()) {
         answer.output = piece;

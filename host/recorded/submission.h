@@ -15,6 +15,7 @@ namespace host {
 struct Redaction {
   std::string profile;                          ///< the rules that were followed
   std::map<std::string, std::uint64_t> counts;  ///< what was replaced, and how often
+  std::uint64_t leftOut = 0;                    ///< texts that could not be searched
 
   bool operator==(const Redaction&) const = default;
 };

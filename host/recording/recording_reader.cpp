@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <memory>
 #include <new>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -280,9 +281,11 @@ struct ComparedRecording {
 
 enum class Thoroughness { kNamedFiles, kWholeManifest };
 
+/// `open` gives the files of what is at `path`.
+template <typename Open>
 ComparedRecording ReadAndCompare(const std::filesystem::path& path, const RecordingLimits& limits,
-                                 Thoroughness thoroughness) {
-  const auto files = ExplainProblems(PathText(path), [&] { return OpenStoredFiles(path, limits); });
+                                 Thoroughness thoroughness, const Open& open) {
+  const std::unique_ptr<StoredFiles> files = ExplainProblems(PathText(path), open);
   RecordingReader reader(*files, limits);
   ComparedRecording all;
   Recording& recording = all.recording;
@@ -315,11 +318,10 @@ ComparedRecording ReadAndCompare(const std::filesystem::path& path, const Record
   return all;
 }
 
-}  // namespace
-
-Recording LoadRecording(const std::filesystem::path& given, const ReadingRules& rules) {
-  const std::filesystem::path path = given.empty() ? "." : given;
-  auto [recording, changes, unused] = ReadAndCompare(path, rules.limits, Thoroughness::kNamedFiles);
+template <typename Open>
+Recording Load(const std::filesystem::path& path, const ReadingRules& rules, const Open& open) {
+  auto [recording, changes, unused] =
+      ReadAndCompare(path, rules.limits, Thoroughness::kNamedFiles, open);
   if (!changes.empty() && !rules.allowChanges) {
     throw RecordingError(PathText(path) + ": " + changes.front() +
                          ", so the recording is not as it was made: get it again, or read it all "
@@ -330,9 +332,21 @@ Recording LoadRecording(const std::filesystem::path& given, const ReadingRules& 
   return std::move(recording);
 }
 
+}  // namespace
+
+Recording LoadRecording(const std::filesystem::path& given, const ReadingRules& rules) {
+  const std::filesystem::path path = given.empty() ? "." : given;
+  return Load(path, rules, [&] { return OpenStoredFiles(path, rules.limits); });
+}
+
+Recording LoadZippedRecording(std::string bytes, const std::filesystem::path& name,
+                              const ReadingRules& rules) {
+  return Load(name, rules, [&] { return OpenZippedFiles(std::move(bytes), name, rules.limits); });
+}
+
 Verification VerifyRecording(const std::filesystem::path& path, const RecordingLimits& limits) {
-  auto [recording, differences, others] =
-      ReadAndCompare(path, limits, Thoroughness::kWholeManifest);
+  auto [recording, differences, others] = ReadAndCompare(
+      path, limits, Thoroughness::kWholeManifest, [&] { return OpenStoredFiles(path, limits); });
   differences.insert(differences.end(), others.begin(), others.end());
   differences.insert(differences.end(), recording.doubts.begin(), recording.doubts.end());
   return {recording.contentKey, std::move(differences)};

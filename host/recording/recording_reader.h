@@ -22,6 +22,9 @@ class RecordingError : public std::runtime_error {
 /// once. Throws RecordingError, also when a limit is met, and when a manifest is there of which a
 /// file differs.
 Recording LoadRecording(const std::filesystem::path& path, const ReadingRules& rules = {});
+/// The same of the bytes of a ZIP file, which messages call `name`. It opens no file.
+Recording LoadZippedRecording(std::string bytes, const std::filesystem::path& name,
+                              const ReadingRules& rules = {});
 
 /// How a recording agrees with its manifest.
 struct Verification {

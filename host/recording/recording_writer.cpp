@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <functional>
 #include <nlohmann/json.hpp>
+#include <set>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
@@ -46,9 +47,6 @@ std::string MakeNamePart(std::string_view text) {
   return name;
 }
 
-/// Takes each file of a recording: its name, with "/" after each folder, and its bytes.
-using FileSink = std::function<void(const std::string& name, std::string_view bytes)>;
-
 /// Appends `value` as a member of an object that is `indent` blanks in.
 void AppendIndented(std::string& json, const OrderedJson& value, std::size_t indent) {
   const std::string text =
@@ -62,7 +60,7 @@ void AppendIndented(std::string& json, const OrderedJson& value, std::size_t ind
 /// Makes the files of a recording. Commands become text one by one: there may be a million.
 class RecordingFiles {
  public:
-  RecordingFiles(const Recording& recording, FileSink sink)
+  RecordingFiles(const Recording& recording, RecordingFileSink sink)
       : recording(recording), sink(std::move(sink)) {}
 
   void Make() {
@@ -146,21 +144,44 @@ class RecordingFiles {
   }
 
   const Recording& recording;
-  FileSink sink;
+  RecordingFileSink sink;
   std::string json;  ///< recording.json so far
 };
 
+/// Half a recording is none: takes away the files that have been written, and folders that are
+/// empty then.
+void RemoveFiles(const Manifest& written, const std::filesystem::path& folder) {
+  std::error_code ignored;
+  std::set<std::filesystem::path> folders;
+  for (const auto& [name, digest] : written) {
+    const std::filesystem::path file = folder / name;
+    std::filesystem::remove(file, ignored);
+    if (file.parent_path() != folder) folders.insert(file.parent_path());
+  }
+  for (const std::filesystem::path& one : folders) std::filesystem::remove(one, ignored);
+}
+
 }  // namespace
+
+void VisitRecordingFiles(const Recording& recording, const RecordingFileSink& sink) {
+  RecordingFiles(recording, sink).Make();
+}
 
 void WriteRecording(const Recording& recording, const std::filesystem::path& folder) {
   Manifest manifest;
-  RecordingFiles(recording, [&](const std::string& name, std::string_view bytes) {
-    CreateWholeFile(folder / name, bytes);
-    manifest[name] = ComputeSha256(bytes);
-  }).Make();
-  CreateWholeFile(folder / kManifestFileName, WriteManifest(manifest));
-  if (!recording.submission) return;
-  CreateWholeFile(folder / kSubmissionFileName, WriteSubmission(*recording.submission));
+  try {
+    RecordingFiles(recording, [&](const std::string& name, std::string_view bytes) {
+      CreateWholeFile(folder / name, bytes);
+      manifest[name] = ComputeSha256(bytes);
+    }).Make();
+    CreateWholeFile(folder / kManifestFileName, WriteManifest(manifest));
+    manifest[kManifestFileName];
+    if (!recording.submission) return;
+    CreateWholeFile(folder / kSubmissionFileName, WriteSubmission(*recording.submission));
+  } catch (const std::runtime_error&) {
+    RemoveFiles(manifest, folder);
+    throw;
+  }
 }
 
 void WriteZippedRecording(const Recording& recording, std::ostream& out) {

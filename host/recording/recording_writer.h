@@ -9,6 +9,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -22,7 +23,7 @@ namespace host {
 /// Writes a recording that LoadRecording reads, with a manifest that `sha256sum -c` checks. What
 /// the format has no member for is left out: the working folder, whether there is a log folder, and
 /// a code page that is not in kRecordingCodePages. Throws std::runtime_error when a file cannot be
-/// written.
+/// written, and leaves none then.
 void WriteRecording(const Recording& recording, const std::filesystem::path& folder);
 
 /// Writes it as a ZIP file: submission.json, recording.json, manifest.sha256, then the files. The
@@ -45,6 +46,12 @@ class RecordingOutput {
   std::filesystem::path path;
   std::optional<OutputFile> zip;  ///< none: a folder
 };
+
+/// Takes each file of a recording: its name, with "/" after each folder, and its bytes.
+using RecordingFileSink = std::function<void(const std::string& name, std::string_view bytes)>;
+
+/// Makes the files of a recording, but for the manifest and submission.json.
+void VisitRecordingFiles(const Recording& recording, const RecordingFileSink& sink);
 
 /// The content key (Recording::contentKey) that `recording` has once it is written.
 std::string ComputeContentKey(const Recording& recording);

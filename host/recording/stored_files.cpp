@@ -70,8 +70,8 @@ class FolderFiles final : public StoredFiles {
 
 class ZipFiles final : public StoredFiles {
  public:
-  ZipFiles(const fs::path& path, std::uint64_t mostFiles)
-      : path(path), zip(OpenToRead(path), mostFiles) {}
+  ZipFiles(fs::path path, ZipBytes bytes, std::uint64_t mostFiles)
+      : path(std::move(path)), zip(std::move(bytes), mostFiles) {}
 
   bool Has(const std::string& name) const override { return Find(name) != nullptr; }
 
@@ -120,6 +120,21 @@ void CheckFileName(const std::string& name) {
                            "that does not leave it");
 }
 
+namespace {
+
+std::uint64_t CountMostFiles(const RecordingLimits& limits) {
+  // recording.json, manifest.sha256 and submission.json are there as well.
+  constexpr std::uint64_t kOwnFiles = 3;
+  return limits.files + kOwnFiles;
+}
+
+}  // namespace
+
+std::unique_ptr<StoredFiles> OpenZippedFiles(std::string bytes, const fs::path& name,
+                                             const RecordingLimits& limits) {
+  return std::make_unique<ZipFiles>(name, ZipBytes(std::move(bytes)), CountMostFiles(limits));
+}
+
 std::unique_ptr<StoredFiles> OpenStoredFiles(const fs::path& recording,
                                              const RecordingLimits& limits) {
   std::error_code ignored;
@@ -132,9 +147,8 @@ std::unique_ptr<StoredFiles> OpenStoredFiles(const fs::path& recording,
   if (recording.filename() == kRecordingFileName) {
     throw std::runtime_error("is one file of a recording; give the folder that it is in");
   }
-  // recording.json, manifest.sha256 and submission.json are there as well.
-  constexpr std::uint64_t kOwnFiles = 3;
-  return std::make_unique<ZipFiles>(recording, limits.files + kOwnFiles);
+  return std::make_unique<ZipFiles>(recording, ZipBytes(OpenToRead(recording)),
+                                    CountMostFiles(limits));
 }
 
 }  // namespace host

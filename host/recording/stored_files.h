@@ -36,5 +36,8 @@ void CheckFileName(const std::string& name);
 /// with the reason alone when it is neither, or a ZIP file that is not taken (ZipReader).
 std::unique_ptr<StoredFiles> OpenStoredFiles(const std::filesystem::path& recording,
                                              const RecordingLimits& limits);
+/// The same of the bytes of a ZIP file, which messages call `name`.
+std::unique_ptr<StoredFiles> OpenZippedFiles(std::string bytes, const std::filesystem::path& name,
+                                             const RecordingLimits& limits);
 
 }  // namespace host

@@ -47,7 +47,7 @@ std::optional<LocalTime> ReadTime(const Json& all) {
 std::optional<Redaction> ReadRedaction(const Json& all) {
   const Json* redacted = FindObject(all, "redacted");
   if (redacted == nullptr) return std::nullopt;
-  CheckMembers(*redacted, {"profile", "counts"});
+  CheckMembers(*redacted, {"profile", "counts", "leftOut"});
   Redaction redaction;
   ReadText(*redacted, "profile", redaction.profile);
   if (const Json* counts = FindObject(*redacted, "counts")) {
@@ -58,6 +58,12 @@ std::optional<Redaction> ReadRedaction(const Json& all) {
       }
       redaction.counts[name] = value.get<std::uint64_t>();
     }
+  }
+  if (const Json* leftOut = FindMember(*redacted, "leftOut")) {
+    if (!leftOut->is_number_unsigned()) {
+      throw MemberError("redacted.leftOut", "has to be a whole number, not " + ShowValue(*leftOut));
+    }
+    redaction.leftOut = leftOut->get<std::uint64_t>();
   }
   return redaction;
 }
@@ -108,6 +114,9 @@ std::string WriteSubmission(const Submission& submission) {
   if (submission.redacted) {
     all["redacted"] = {{"profile", submission.redacted->profile},
                        {"counts", submission.redacted->counts}};
+    if (submission.redacted->leftOut > 0) {
+      all["redacted"]["leftOut"] = submission.redacted->leftOut;
+    }
   }
   return all.dump(2, ' ', /*ensure_ascii=*/false, OrderedJson::error_handler_t::replace) + "\n";
 }

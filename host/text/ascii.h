@@ -1,4 +1,4 @@
-// Letters of ASCII. Nothing here depends on a locale; bytes above 127 stay as they are.
+// Letters and digits of ASCII. Nothing here depends on a locale; bytes above 127 stay as they are.
 #pragma once
 
 #include <algorithm>
@@ -24,8 +24,10 @@ constexpr char LowerCase(char c) {
   return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
+constexpr bool IsAsciiDigit(char c) { return c >= '0' && c <= '9'; }
+
 constexpr bool IsAsciiLetterOrDigit(char c) {
-  return (c >= '0' && c <= '9') || (LowerCase(c) >= 'a' && LowerCase(c) <= 'z');
+  return IsAsciiDigit(c) || (LowerCase(c) >= 'a' && LowerCase(c) <= 'z');
 }
 
 inline std::string LowerCase(std::string_view text) {

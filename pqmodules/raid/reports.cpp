@@ -6,6 +6,8 @@ namespace pq {
 
 ToolDescription DescribeStorcli() { return {kStorcli, "Broadcom, formerly LSI", "StorCLI"}; }
 
+ReasonLine DescribeStorcliReason() { return {kStorcli, "Description = ", "None"}; }
+
 AnswerExplanation ExplainNoLsiController(std::vector<std::string> tables) {
   return {{kStorcli, kCountArguments, kCountReportName},
           std::string(kCountLabel) + " 0",
@@ -14,9 +16,9 @@ AnswerExplanation ExplainNoLsiController(std::vector<std::string> tables) {
           std::move(tables)};
 }
 
-Omission LeaveOutOtherLsiControllers(const std::string& elsewhere) {
+Omission LeaveOutOtherLsiControllers() {
   return {.text = "Only controller 0 is read.",
-          .note = "of controller 0 alone: storcli counts {} controllers" + elsewhere,
+          .note = "of controller 0 alone: storcli counts {} controllers (see LSILINK)",
           .sign = OmissionSign::kCount,
           .command = {kStorcli, kCountArguments, kCountReportName},
           .label = std::string(kCountLabel),

@@ -31,11 +31,13 @@ inline constexpr Area kLsiArea{"LSI RAID", "an LSI controller"};
 /// Where storcli comes from.
 ToolDescription DescribeStorcli();
 
+/// Its label before the reason of a failure.
+ReasonLine DescribeStorcliReason();
+
 /// How storcli says that it counts no controller, which leaves `tables` empty.
 AnswerExplanation ExplainNoLsiController(std::vector<std::string> tables);
 
-/// That a table has only controller 0. `elsewhere` follows the number of controllers and says where
-/// the others are, with a blank before it; empty when nowhere.
-Omission LeaveOutOtherLsiControllers(const std::string& elsewhere);
+/// That a table has only controller 0. LSILINK has the reports on all.
+Omission LeaveOutOtherLsiControllers();
 
 }  // namespace pq

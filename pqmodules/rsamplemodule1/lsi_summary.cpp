@@ -79,10 +79,11 @@ void DescribeLsiSummary(ModuleDescription& module) {
                          .commands = {{kStorcli, kArguments, kReportName}}};
   for (const LabelledColumn& fact : kFacts) table.AddColumn(fact.column);
   table.EndRowsAt(std::rbegin(kFacts)->label);
-  table.leavesOut = {LeaveOutOtherLsiControllers({})};
+  table.leavesOut = {LeaveOutOtherLsiControllers()};
   module.tables.push_back(table);
   module.tools.push_back(DescribeStorcli());
   module.answers.push_back(ExplainNoLsiController({kRaidInfo}));
+  module.reasonLines.push_back(DescribeStorcliReason());
 }
 
 }  // namespace pq

@@ -81,6 +81,9 @@ constexpr LabelledColumn kFacts[] = {
 constexpr LabelledColumn kModel =
     MakePaddedColumn("Controller Model", {"Model", "Controller Model", "model of the controller"});
 
+/// Comes before the number of controllers in what the tool says and in its reports.
+constexpr char kCountLabel[] = "Controllers found:";
+
 constexpr char kConfigName[] = "Controller_1_Config.txt";
 
 /// There only where there is another controller.
@@ -237,15 +240,29 @@ void DescribeMicrochipArchive(ModuleDescription& module) {
        .sign = OmissionSign::kFile,
        .command = archive,
        .label = kNextConfig},
+      {.note = "of controller 1 alone: arcconf counts {} controllers",
+       .sign = OmissionSign::kAttachedCount,
+       .label = kCountLabel,
+       .end = std::string(kAttachedReports[0].column.key),
+       .most = 1,
+       .className = kPmcLink},
       {.text = std::string("The archive stays in `") + kArchiveFolder + "`; it is copied into `" +
                kCopyName + "` of the log folder.",
        .note = std::string("the archive, with more than is shown here, stays in ") + kArchiveFolder,
-       .sign = OmissionSign::kRows}};
+       .sign = OmissionSign::kFile,
+       .command = archive,
+       .label = kNextConfig},
+      {.note = std::string("the archive stays in ") + kArchiveFolder, .sign = OmissionSign::kRows}};
   for (TableDescription* table : {&controller, &versions, &links}) {
     table->neededCommands = {"md", "copy"};
     table->leavesOut = leavesOut;
     module.tables.push_back(*table);
   }
+  module.answers.push_back({archive,
+                            std::string(kCountLabel) + " 0",
+                            "no such device",
+                            "arcconf finds no controller",
+                            {kPmcInfo, kPmcVer, kPmcLink}});
   module.tools.push_back({kTool, "Microchip, formerly Adaptec", "ARCCONF"});
   module.AddFailures(StepFailure::kNothingToReport, {kNoConfig}, kTool);
 }

@@ -20,8 +20,4 @@ ToolCommand DescribeReport(const StorcliReport& report) {
   return {kStorcli, report.arguments, report.fileName};
 }
 
-Omission LeaveOutOtherControllers() {
-  return LeaveOutOtherLsiControllers(std::string(" (see ") + kLsiLink + ")");
-}
-
 }  // namespace pq

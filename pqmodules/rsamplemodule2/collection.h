@@ -29,9 +29,6 @@ struct StorcliReport {
 /// The report's command, for the description of tables.
 ToolCommand DescribeReport(const StorcliReport& report);
 
-/// That a table has only controller 0; the log links have the reports of the others.
-Omission LeaveOutOtherControllers();
-
 /// Has storcli write the report and opens it. Null after a failure, which is logged.
 std::unique_ptr<TextFile> RunStorcli(CallerLog log, const std::string& hostFolder,
                                      const StorcliReport& report);

@@ -8,6 +8,7 @@
 
 #include "frame/labelled_columns.h"
 #include "frame/tool_runner.h"
+#include "pqmodules/raid/reports.h"
 #include "pqmodules/rsamplemodule2/tables.h"
 
 namespace pq {
@@ -102,7 +103,7 @@ void DescribeDriveDetails(ModuleDescription& module) {
   const std::string rowEnd(std::rbegin(kFactColumns)->label);
   table.EndRowsAt(rowEnd);
   table.leavesOut = {
-      LeaveOutOtherControllers(),
+      LeaveOutOtherLsiControllers(),
       {.text = "No column has the drive's enclosure and slot; the drives are in the order of the "
                "report.",
        .note = std::string("the drives are in the order of their report, without enclosure and "

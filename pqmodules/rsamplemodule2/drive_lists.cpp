@@ -15,6 +15,7 @@
 
 #include "frame/label_table.h"
 #include "frame/tool_runner.h"
+#include "pqmodules/raid/reports.h"
 #include "pqmodules/rsamplemodule2/tables.h"
 
 namespace pq {
@@ -158,7 +159,7 @@ void DescribeDriveLists(ModuleDescription& module) {
     TableDescription table{
         .className = className, .title = title, .commands = {DescribeReport(kReport)}};
     for (const TokenColumn& token : tokens) table.AddColumn(token.column);
-    table.leavesOut = {LeaveOutOtherControllers(),
+    table.leavesOut = {LeaveOutOtherLsiControllers(),
                        {.text = "A line with fewer words than the table has columns, such as that "
                                 "of a volume without a name, is no row."}};
     module.tables.push_back(table);

@@ -22,6 +22,7 @@
 #include "frame/labelled_columns.h"
 #include "frame/report_file.h"
 #include "frame/tool_runner.h"
+#include "pqmodules/raid/reports.h"
 #include "pqmodules/rsamplemodule2/tables.h"
 
 namespace pq {
@@ -177,7 +178,7 @@ void DescribeEventLog(ModuleDescription& module) {
         .className = page.className, .title = page.title, .commands = {DescribeReport(kReport)}};
     table.isLog = true;
     table.AddColumns(kColumns);
-    table.leavesOut = {LeaveOutOtherControllers(),
+    table.leavesOut = {LeaveOutOtherLsiControllers(),
                        {.text = "The last event of the dump is on no page.",
                         .note = "the last event of the dump, with the number {}, is on no page",
                         .sign = OmissionSign::kOpenRecord,

@@ -114,6 +114,7 @@ void DescribeLogLinks(ModuleDescription& module) {
                       .command = {kStorcli, kCountArguments, kCountReportName},
                       .label = std::string(kCountLabel),
                       .most = 9}};
+  table.hasHollowRows = true;
   module.tables.push_back(table);
   module.versionLines.push_back({"storcli", kLsiLink, kStorcliVersion});
 }

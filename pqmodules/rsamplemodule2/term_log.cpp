@@ -58,7 +58,7 @@ void DescribeTermLog(ModuleDescription& module) {
                          .commands = {DescribeReport(kReport)},
                          .isLog = true};
   table.AddColumn(kLine);
-  table.leavesOut = {LeaveOutOtherControllers()};
+  table.leavesOut = {LeaveOutOtherLsiControllers()};
   module.tables.push_back(table);
   module.versionLines.push_back({"storcli", kFwTermLog, kStorcliVersion});
 }

@@ -57,6 +57,35 @@ std::vector<std::string> Note(const std::string& reason, const std::string& key 
 
 using Notes = std::vector<std::string>;
 
+/// A summary whose lines are all there, FW Version first in `facts`.
+std::string MakeSummary(const std::string& facts) {
+  std::string summary;
+  for (const char* label : {"Product Name", "Serial Number", "SAS Address", "Mfg. Date",
+                            "System Time", "Controller Time", "FW Package Build", "BIOS Version"}) {
+    summary += std::string(label) + " = 1\n";
+  }
+  summary += facts;
+  for (const char* label :
+       {"Driver Name", "Driver Version", "Bus Number", "Device Number", "Function Number"}) {
+    summary += std::string(label) + " = 1\n";
+  }
+  return summary;
+}
+
+/// A machine whose ipmiutil prints `text` when it is asked with `arguments`.
+Recording MakeBmc(const std::string& arguments, const std::string& text) {
+  Recording recording = test::LoadSamples().at("two-socket-server");
+  for (host::RecordedCommand& command : recording.commands) {
+    if (command.arguments == arguments) command.standardOutput = text;
+  }
+  return recording;
+}
+
+Notes BmcNote(const std::string& reason, const std::string& arguments) {
+  return {"columns do not fit this report: " + reason +
+          "; the report itself: what a recording keeps of ipmiutilnh.exe " + arguments};
+}
+
 TEST(ColumnsFit, OfTablesThatShowTheirReport) {
   const Recording recording = test::LoadSamples().at("two-socket-server");
   for (const char* table : {"RAIDINFO", "TINFO", "PDLIST", "EVENTLOG1", "ARPINFO"}) {
@@ -71,8 +100,10 @@ TEST(ColumnsFit, NotWhereASectorSizeOrAModelHasABlank) {
                            "2:1       3 JBOD  -  894.253 GB SAS  SSD -   -  512B KORVA_1     -\n"
                            "2:2       4 JBOD  -  894.253 GB SAS  SSD -   -  4 KB KORVA_1     -\n"
                            "2:3       5 JBOD  -  894.253 GB SAS  SSD -   -  512B KORVA NS480 -\n"));
-  EXPECT_EQ(ListNotes(recording, "PINFO"),
-            Note("row 2: SeSz is \"4\", the report has \"4 KB\" (2 rows like that)"));
+  EXPECT_EQ(
+      ListNotes(recording, "PINFO"),
+      Note("row 2: SeSz is \"4\", the report has \"4 KB\"; row 3: Model is \"KORVA\", the report "
+           "has \"KORVA NS480\""));
 }
 
 TEST(ColumnsFit, NotWhereAColumnIsMissing) {
@@ -91,6 +122,20 @@ TEST(ColumnsFit, NotWhereAVolumeHasNoName) {
                "0/3   RAID5 Optl  RW     No      RWBD  -   ON  1.089 TB Last\n"));
   EXPECT_EQ(ListNotes(recording, "VINFO"),
             Note("no row for 0/1 and 1 more: fewer words than columns"));
+}
+
+TEST(ColumnsFit, IsTheOnlyReasonWhyThereAreNoRows) {
+  host::Collection collection = host::Collect(
+      MakeMachine("Product Name = KORVA\n" +
+                  MakeList("VD LIST", "DG/VD TYPE State Access Consist Cache Cac sCC Size Name",
+                           "0/0 RAID5 Optl RW No RWBD - ON 1.089 TB\n")),
+      {});
+  host::NoteUnfitColumns(collection);
+  for (const host::CollectedTable& table : collection.tables) {
+    if (table.className != "RAIDINFO" && table.className != "VINFO") continue;
+    EXPECT_EQ(table.status.text, "no rows") << table.className;
+    EXPECT_FALSE(table.status.notes.empty()) << table.className;
+  }
 }
 
 TEST(ColumnsFit, NotTheSecondGenerationOfTheTool) {
@@ -117,38 +162,82 @@ TEST(ColumnsFit, NotTheSecondGenerationOfTheTool) {
 }
 
 TEST(ColumnsFit, NotWhereALongerLabelEndsLikeTheColumns) {
-  const Recording recording = MakeMachine(
-      "Product Name = KORVA\nFW Version = 36.00\nPSOC FW Version = 0x6E\nFunction Number = 0\n");
+  const Recording recording =
+      MakeMachine(MakeSummary("FW Version = 36.00\nPSOC FW Version = 0x6E\n"));
   EXPECT_EQ(ListNotes(recording, "RAIDINFO"),
             Note("FW Version is \"0x6E\", the report has \"36.00\""));
 }
 
+TEST(ColumnsFit, NotWhereALabelIsOfOtherCase) {
+  EXPECT_EQ(
+      ListNotes(MakeMachine("Bios Version = 5.48\nWebBIOS Version = 6.1\n"
+                            "Function Number = 0\n"),
+                "RAIDINFO")
+          .front(),
+      "columns do not fit this report: BIOS Version is \"6.1\", the report has \"5.48\"; it has "
+      "no line \"Product Name =\", \"Serial Number =\", \"SAS Address =\", \"Mfg. Date =\", "
+      "\"System Time =\", \"Controller Time =\", \"FW Package Build =\", \"FW Version =\", "
+      "\"Driver Name =\", \"Driver Version =\", \"Bus Number =\", \"Device Number =\"; the report "
+      "itself: LSILINK, row 1, lsishowall");
+}
+
+TEST(ColumnsFit, NotALogWithoutItsFirstLine) {
+  Recording recording = MakeMachine("");
+  for (host::RecordedCommand& command : recording.commands) {
+    if (command.arguments == "/c0 show termlog")
+      command.standardOutput = "11/18/26 9:41: C0: idle\n";
+  }
+  EXPECT_EQ(ListNotes(recording, "FWTERMLOG"),
+            Note("it has no line \"Firmware Term Log Information\"", "lsifwtermlog"));
+}
+
+// Cells are dealt to columns by their count.
+TEST(ColumnsFit, NotReadingsWithTalkAboutThem) {
+  std::string readings = "ipmiutil sensor version 3.18\n";
+  for (const char* name : {"P0 Temp", "P1 Temp", "P2 Temp", "P3 Temp", "P4 Temp", "P5 Temp"}) {
+    readings += std::string("0001 | Full | Temperature | 01 | ") + name +
+                " | OK | 39.00 C | Thresh 0.00:0.00:0.00:88.00:93.00:98.00\n";
+  }
+  EXPECT_EQ(ListNotes(MakeBmc("sensor -s -q", readings), "SENSORINFO"),
+            BmcNote("row 1: Name is \"ipmiutil sensor version 3.18\", the report has \"P0 Temp\" "
+                    "(and 4 more rows like that); its 6 sensors are 5 rows",
+                    "sensor -s -q"));
+}
+
+TEST(ColumnsFit, NotFactsWhoseValueHasAColon) {
+  EXPECT_EQ(ListNotes(MakeBmc("korvaxoem mc", "Device ID : 0x21\nBuilt : 2021-11-03 16:48:05\n"),
+                      "MCINFO"),
+            BmcNote("Built is \"2021-11-03 16\", the report has \"2021-11-03 16:48:05\"",
+                    "korvaxoem mc"));
+}
+
 // "Size:" is in both labels, and the last one stays.
 TEST(ColumnsFit, NotWhereAFreeSizeFollowsTheSize) {
-  EXPECT_EQ(ListNotes(test::LoadSamples().at("two-socket-server"), "ENDDEVICEINFO"),
-            Notes{"columns do not fit this report: row 1: Size is \"0 GB\", the report has "
-                  "\"1863 GB\" (3 rows like that); the report itself: rstcli64.txt in the log "
-                  "folder"});
+  EXPECT_EQ(
+      ListNotes(test::LoadSamples().at("two-socket-server"), "ENDDEVICEINFO"),
+      Notes{"columns do not fit this report: row 1: Size is \"0 GB\", the report has "
+            "\"1863 GB\" (and 2 more rows like that); the report itself: rstcli64.txt in the log "
+            "folder"});
 }
 
 TEST(ColumnsFit, OfWhatTheSecondToolLeftWhereTheFirstFailed) {
-  EXPECT_EQ(ListNotes(test::LoadSamples().at("vroc"), "ENDDEVICEINFO"),
-            Notes{"columns do not fit this report: row 1: Size is \"621 GB\", the report has "
-                  "\"1863 GB\" (3 rows like that); the report itself: rstcli64.txt in the log "
-                  "folder"});
+  EXPECT_EQ(
+      ListNotes(test::LoadSamples().at("vroc"), "ENDDEVICEINFO"),
+      Notes{"columns do not fit this report: row 1: Size is \"621 GB\", the report has "
+            "\"1863 GB\" (and 2 more rows like that); the report itself: rstcli64.txt in the log "
+            "folder"});
 }
 
 TEST(ColumnsFit, AreToldInShort) {
   const std::string name(100, 'x');
   const Recording recording =
-      MakeMachine("FW Version = " + name + "\nPSOC FW Version = 6\n" + "Function Number = 0\n");
+      MakeMachine(MakeSummary("FW Version = " + name + "\nPSOC FW Version = 6\n"));
   EXPECT_EQ(ListNotes(recording, "RAIDINFO"),
             Note("FW Version is \"6\", the report has \"" + name.substr(0, 59) + "…\""));
 }
 
 TEST(ColumnsFit, OfReportsThatAreNotAttachedToo) {
-  const Recording recording =
-      MakeMachine("FW Version = 36\nPSOC FW Version = 6\nFunction Number = 0\n");
+  const Recording recording = MakeMachine(MakeSummary("FW Version = 36\nPSOC FW Version = 6\n"));
   EXPECT_EQ(ListNotes(recording, "RAIDINFO", {"RAIDINFO"}),
             Notes{"columns do not fit this report: FW Version is \"6\", the report has \"36\"; the "
                   "report itself: c0_showall.txt in the log folder"});

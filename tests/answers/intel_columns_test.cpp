@@ -52,6 +52,20 @@ Notes Note(const std::string& reason) {
           "; the report itself: rstcli64.txt in the log folder"};
 }
 
+// Lines are taken by their number; where some are left out, what follows is taken for them.
+TEST(IntelColumns, TellWhatTheReportDoesNotSay) {
+  const std::string shorter =
+      Replace(kReport,
+              "Max Disks/Array:        8\nHW Information:\nVendor ID:              0x8086\n"
+              "Device ID:              0x28C0\nHW Revision:            7\n\n\n",
+              "...\n\n");
+  const std::vector<std::string> notes = ListNotes(shorter, "CONTROLLER");
+  ASSERT_EQ(notes.size(), 1U);
+  EXPECT_NE(notes[0].find("row 1: Vendor ID is \"FORMATION--\", the report has no such line"),
+            std::string::npos)
+      << notes[0];
+}
+
 TEST(IntelColumns, FitTheirReport) {
   for (const char* table : {"CONTROLLER", "ARRAY", "VOLUME", "ENDDEVICEINFO"}) {
     EXPECT_EQ(ListNotes(kReport, table), Notes()) << table;
@@ -65,6 +79,15 @@ TEST(IntelColumns, AreShiftedByALineMore) {
   EXPECT_EQ(ListNotes(Replace(kReport, "Vendor ID:", "Driver:                 9\nVendor ID:"),
                       "CONTROLLER"),
             Note("row 1: Vendor ID is \"9\", the report has \"0x8086\""));
+}
+
+TEST(IntelColumns, AreOfOtherSectionsWhereTheirOwnIsMissing) {
+  const std::string report = std::string(kReport).substr(std::string(kReport).find("--VOLUME"));
+  EXPECT_EQ(ListNotes(report, "CONTROLLER"),
+            Note("it has no heading \"--CONTROLLER INFORMATION--\""));
+  EXPECT_EQ(ListNotes(report, "VOLUME"), Notes());
+  EXPECT_EQ(ListNotes("--DISKS IN VOLUME: Tank --\n\nID: 0-4-0-0\n", "ENDDEVICEINFO"),
+            Note("it has no heading \"--END DEVICE INFORMATION--\""));
 }
 
 TEST(IntelColumns, HaveNoRowForARecordThatIsShorter) {

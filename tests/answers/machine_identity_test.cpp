@@ -46,7 +46,8 @@ TEST(MachineIdentity, IsThatOfTheBoardWhereTheProductHasNone) {
        "[Baseboard,20,00] Board Product Name  : B-1",
        "[Baseboard,20,00] Board Serial Number : B0001",
        "[Baseboard,20,00] Product Name        :", "[Baseboard,20,00] Product Serial Num  : "});
-  EXPECT_EQ(FindMachineIdentity(inventory.Get()), (MachineIdentity{"Boards", "B-1", "B0001", ""}));
+  EXPECT_EQ(FindMachineIdentity(inventory.Get()),
+            (MachineIdentity{"Boards", "B-1", "B0001", "", "board"}));
 }
 
 TEST(MachineIdentity, IsNotWhatNobodyFilledIn) {
@@ -68,6 +69,35 @@ TEST(MachineIdentity, IsDecodedAsTheMachinesTexts) {
   Inventory inventory({"[Baseboard,20,00] Product Name : Bl\x84tt"});
   inventory.Get().machine.codePage = 850;
   EXPECT_EQ(FindMachineIdentity(inventory.Get()).product, "Blätt");
+}
+
+TEST(MachineIdentity, TellsWhichPartItsSerialNumberIsOf) {
+  Inventory inventory({"[Baseboard,20,00] Board Serial Number : B0001",
+                       "[Baseboard,20,00] Chassis Serial Num  : C0001"});
+  EXPECT_EQ(FindMachineIdentity(inventory.Get()).serialOf, "chassis");
+}
+
+TEST(MachineIdentity, IsThatOfTheBiosWithoutAnInventory) {
+  const std::string bios =
+      "Handle 0x0000, Type 0, 26 bytes\nBIOS Information\n    Manufacturer: Firmware\n\n"
+      "Handle 0x0001, Type 1, 27 bytes\nSystem Information\n    Manufacturer: Makers\n"
+      "    Product Name: D\x84sk\n    Serial Number: D0001\n\n"
+      "Handle 0x0002, Type 2, 15 bytes\nBase Board Information\n    Serial Number: B0001\n";
+  const auto add = [&](Collection& collection) {
+    CollectedAnswer& answer = collection.answers.emplace_back();
+    answer.commandLine =
+        "/c \"\"C:\\host\\pq_tools\\getsmbios.exe\" >\"C:\\logs\\smbios_info.txt\"\"";
+    answer.file = "C:\\logs\\smbios_info.txt";
+    answer.fileText = bios;
+    collection.machine.codePage = 850;
+  };
+  Inventory nothing({});
+  add(nothing.Get());
+  EXPECT_EQ(FindMachineIdentity(nothing.Get()), (MachineIdentity{"Makers", "Däsk", "D0001", ""}));
+  EXPECT_THAT(ListMachineSerials(nothing.Get()), ElementsAre("D0001"));
+  Inventory inventory({"[Baseboard,20,00] Product Serial Num  : P0001"});
+  add(inventory.Get());
+  EXPECT_EQ(FindMachineIdentity(inventory.Get()), (MachineIdentity{"", "", "P0001", ""}));
 }
 
 TEST(MachineIdentity, HasTheSerialNumberThatTheRecordingWasGiven) {

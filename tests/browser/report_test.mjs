@@ -3,7 +3,7 @@
 // it (axe-core), and that large tables open and scroll.
 //   node tests/browser/report_test.mjs PQHOST OUTPUT_FOLDER [PART OF A TEST'S NAME]
 import { execFileSync } from "node:child_process";
-import { mkdirSync, readFileSync, readdirSync, writeFileSync } from "node:fs";
+import { cpSync, mkdirSync, readFileSync, readdirSync, rmSync, writeFileSync } from "node:fs";
 import { resolve } from "node:path";
 import { createRequire } from "node:module";
 import { pathToFileURL } from "node:url";
@@ -14,10 +14,10 @@ const [pqhost, outputArgument, only] = process.argv.slice(2);
 const output = resolve(outputArgument);
 mkdirSync(output, { recursive: true });
 
-const report = (recording, name) => {
+const report = (recording, name, more = []) => {
   const file = `${output}/${name}.html`;
   try {
-    execFileSync(pqhost, ["collect", "--replay", recording, "--format", "html", "--output", file], { stdio: "pipe" });
+    execFileSync(pqhost, ["collect", "--replay", recording, "--format", "html", "--output", file, ...more], { stdio: "pipe" });
   } catch (error) {
     if (error.status !== 1) throw error; // 1: something could not be collected, which the report says
   }
@@ -140,7 +140,7 @@ await test("searches a log and steps through its matches", async () => {
 await test("copies a table as CSV, filtered as it is shown", async () => {
   const page = await open(server, { permissions: ["clipboard-read", "clipboard-write"] });
   await section(page, "ARPINFO").getByRole("button", { name: "Copy as CSV" }).click();
-  await page.waitForFunction(() => document.querySelector(".told.seen").textContent.includes("copied"));
+  await page.waitForFunction(() => document.querySelector(".told.seen")?.textContent.includes("copied"));
   const text = await page.evaluate(() => navigator.clipboard.readText());
   const lines = text.trim().split(/\r?\n/);
   assert.equal(lines[0], tableOf("ARPINFO").columns.map((c) => c.label).join(","));
@@ -163,6 +163,16 @@ await test("folds attachments and downloads one whole under its file name", asyn
   await page.context().close();
 });
 
+await test("hands its data out as the JSON document", async () => {
+  const page = await open(server);
+  const [file] = await Promise.all([page.waitForEvent("download"), page.getByRole("button", { name: "Download data (JSON)" }).click()]);
+  assert.equal(file.suggestedFilename(), "NODE31.json");
+  const whole = JSON.parse(readFileSync(await file.path(), "utf8"));
+  assert.deepEqual(whole.tables.map((table) => table.class), collected.tables.map((table) => table.class));
+  assert.deepEqual(whole.parts, collected.parts);
+  await page.context().close();
+});
+
 await test("says why a table is empty", async () => {
   const page = await open(report("samples/no-bmc", "no-bmc"));
   const status = await section(page, "SENSORINFO").locator(".status").textContent();
@@ -176,7 +186,7 @@ await test("obeys nothing that a tool printed", async () => {
   assert.deepEqual(page.errors, []);
   assert.deepEqual(page.requests.filter((url) => !url.startsWith("file:")), []);
   assert.equal(await page.locator("img, iframe, marquee, svg:not(.chart), object, foreignObject").count(), 0);
-  assert.equal(await page.locator("script").count(), 2);
+  assert.equal(await page.locator("script").count(), 3); // two of them data
   const text = await page.locator("body").innerText();
   assert.ok(text.includes("<script>window.pwned=1</script>"));
   assert.ok(text.includes("\\x1b[31m"));
@@ -237,7 +247,7 @@ await test("has a policy that lets nothing in but its own style and script", asy
   const html = readFileSync(hostile, "utf8");
   const policy = html.match(/Content-Security-Policy" content="([^"]*)"/)[1];
   assert.match(policy, /^default-src 'none'; script-src 'nonce-[0-9a-f]{32}'; style-src 'nonce-[0-9a-f]{32}'; base-uri 'none'; form-action 'none'$/);
-  assert.equal(html.split("</script>").length, 3);
+  assert.equal(html.split("</script>").length, 4); // data, packed data, script
   const page = await open(hostile);
   await page.evaluate(() => {
     const script = document.createElement("script");
@@ -354,6 +364,10 @@ await test("fits what is wrong and every area on the first screen", async () => 
   await page.context().close();
 });
 
+// All that the tools printed.
+const filesOf = (folder) => readdirSync(folder, { recursive: true, withFileTypes: true }).filter((file) => file.isFile())
+  .map((file) => readFileSync(`${file.path}/${file.name}`, "latin1")).join("\n");
+
 await test("leads from each finding to the cell or line that it was read from", async () => {
   let followed = 0;
   for (const { name, file } of samples) {
@@ -364,14 +378,21 @@ await test("leads from each finding to the cell or line that it was read from", 
       const quote = await link.evaluate((one) => one.parentElement.querySelector("code")?.textContent ?? "");
       await link.click();
       await page.waitForFunction((hash) => location.hash === hash && document.querySelector(".marked"), address);
-      const [count, text, isSeen] = await page.evaluate(() => {
-        const marked = [...document.querySelectorAll(".marked")], box = marked[0].getBoundingClientRect();
-        return [marked.length, marked[0].textContent, box.bottom > 0 && box.top < innerHeight];
+      // It comes into sight smoothly.
+      await page.waitForFunction(() => {
+        const box = document.querySelector(".marked").getBoundingClientRect();
+        return box.bottom > 0 && box.top < innerHeight;
+      });
+      const [count, text] = await page.evaluate(() => {
+        const marked = [...document.querySelectorAll(".marked")];
+        return [marked.length, marked[0].textContent];
       });
       assert.equal(count, 1, `${name} ${address}`);
-      assert.ok(isSeen, `${name} ${address}`);
       const told = quote.replace(/\u2026$/, "").replaceAll("\\t", "\t").trim();
-      assert.ok(text.includes(told), `${name} ${address}: ${text.slice(0, 200)} / ${told}`);
+      // What no table keeps is quoted beside the table that the tool was run for.
+      const isOfTable = /^#at\/[^/]+$/.test(address);
+      const read = isOfTable ? filesOf(`samples/${name}`) : text;
+      assert.ok(read.includes(told), `${name} ${address}: ${read.slice(0, 200)} / ${told}`);
       followed += 1;
     }
     for (const link of await page.locator("a[href^='#']:not([href^='#at/'])").all()) {
@@ -424,7 +445,7 @@ await test("copies a summary for a ticket, and says when it could not", async ()
     document.execCommand = () => false;
   });
   await page.getByRole("button", { name: "Copy summary" }).click();
-  await page.waitForFunction(() => document.querySelector(".told.seen").textContent.includes("could not be copied"));
+  await page.waitForFunction(() => document.querySelector(".told.seen")?.textContent.includes("could not be copied"));
   await page.context().close();
 });
 
@@ -527,11 +548,45 @@ await test("prints every column of every row, logs when ticked, and says what it
   await page.context().close();
 });
 
+// --- what changed ---
+
+// The sample's report beside an earlier day, on which a drive was well, and another elsewhere.
+const compareWithEarlier = () => {
+  const earlier = `${output}/earlier`;
+  rmSync(earlier, { recursive: true, force: true });
+  cpSync("samples/two-socket-server", earlier, { recursive: true });
+  const edit = (file, from, to) => {
+    const text = readFileSync(`${earlier}/${file}`, "latin1");
+    assert.ok(text.search(from) >= 0, from);
+    writeFileSync(`${earlier}/${file}`, text.replace(from, to), "latin1");
+  };
+  edit("storcli/c0_show.txt", "69:14    32 Rbld", "69:14    32 Onln");
+  edit("storcli/c0_show.txt", "69:2     14 Onln", "69:40    14 Onln");
+  edit("storcli/c0_eall_sall_show_all.txt", "69:2     14 Onln", "69:40    14 Onln");
+  edit("storcli/c0_eall_sall_show_all.txt", /\/c0\/e69\/s2 /g, "/c0/e69/s40 ");
+  return report("samples/two-socket-server", "compared", ["--compare", earlier]);
+};
+const compared = compareWithEarlier();
+
+await test("tells what changed since an earlier collection, and marks it", async () => {
+  const page = await open(compared);
+  const changes = page.locator("#changes");
+  assert.match(await changes.locator("h2").textContent(), /^Changes since 2026-11-18 09:41$/);
+  await changes.getByRole("link", { name: "drive lsi0 69:14" }).first().click();
+  const row = page.locator("tr:target");
+  assert.equal(await row.locator("del").textContent(), "Onln");
+  assert.equal(await page.locator("#findings").count(), 1);
+  assert.equal(await page.locator(".parts tr", { has: page.locator("ins") }).count(), 1);
+  assert.deepEqual(page.errors, []);
+  await page.context().close();
+});
+
 // --- for everybody ---
 
 const axe = readFileSync(createRequire(import.meta.url).resolve("axe-core/axe.min.js"), "utf8");
 await test("has nothing that axe-core finds, in light and dark, and fits desktop and phone", async () => {
-  for (const { name, file } of [...samples, { name: "answer", file: answerTo("SELECT 1 AS a, 2 AS b", "axe-answer") }]) {
+  for (const { name, file } of [...samples, { name: "compared", file: compared },
+    { name: "answer", file: answerTo("SELECT 1 AS a, 2 AS b", "axe-answer") }]) {
     const page = await open(file, { viewport: { width: 1440, height: 900 }, colorScheme: "light", reducedMotion: "reduce" });
     const check = async (look, rules) => {
       await page.screenshot({ path: `${output}/${name}-${look}.png` });

@@ -56,5 +56,13 @@ TEST(Devices, AreThoseThatACollectionFound) {
               ElementsAre(Pair("Intel AMT", false), Pair("Intel RAID", false)));
 }
 
+TEST(Devices, HaveTablesThatTheirPlatformFamilyIsNeverAskedFor) {
+  test::MadeCollection made;
+  made.Table("LEDINFO").Table("SELINFO");
+  made.Get().tables[0].status.outcome = "not this platform family";
+  made.Get().tables[1].status.outcome = "no such device";
+  EXPECT_THAT(FindNeverAsked(made.Get()), ElementsAre("LEDINFO"));
+}
+
 }  // namespace
 }  // namespace host

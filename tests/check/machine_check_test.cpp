@@ -22,8 +22,11 @@ using host::CheckedTool;
 using host::CheckMachine;
 using host::Finding;
 using host::MachineCheck;
+using testing::AllOf;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 using Kind = host::Finding::Kind;
 using Rating = host::CheckedArea::Rating;
@@ -97,6 +100,30 @@ TEST(MachineCheck, FindsAllOfAWholeMachineGood) {
   }
   EXPECT_THAT(areas, ElementsAre("LSI RAID", "Intel RAID", "Microchip RAID", "LSI SAS2", "BMC",
                                  "Intel AMT", "Network", "SMBIOS"));
+}
+
+TEST(MachineCheck, CallsNoTableEmptyThatHasRowsWithoutItsTool) {
+  const CheckedArea area = FindArea(CheckMachine(MachineWithout({"storcli.exe"}), {}), "LSI RAID");
+  EXPECT_EQ(area.rating, Rating::kNothing);
+  EXPECT_THAT(area.tables, Contains("LSILINK"));
+  EXPECT_THAT(area.emptyTables, Not(Contains("LSILINK")));
+  EXPECT_THAT(FindTool(area, "storcli.exe").text,
+              AllOf(HasSubstr("these stay empty: RAIDINFO, "), Not(HasSubstr("LSILINK"))));
+}
+
+TEST(MachineCheck, TellsTablesThatAPlatformFamilyIsNeverAskedFor) {
+  CheckedMachine machine = WholeMachine();
+  machine.neverAsked = {"LEDINFO", "VERINFO"};
+  machine.devices["BMC"] = true;
+  const CheckedArea area = FindArea(CheckMachine(machine, {}), "BMC");
+  EXPECT_EQ(area.rating, Rating::kPartly);
+  EXPECT_EQ(area.text, "VERINFO, LEDINFO stay empty: this platform family is not asked for them");
+}
+
+TEST(MachineCheck, NamesSeveralMissingToolsInOneList) {
+  const MachineCheck check = CheckMachine(MachineWithout({"arp.exe", "netstat.exe", "route"}), {});
+  EXPECT_THAT(FindArea(check, "Network").text,
+              HasSubstr("arp.exe, netstat.exe and route are not there"));
 }
 
 TEST(MachineCheck, NamesEachToolOfAnAreaOnceWithItsFullPath) {

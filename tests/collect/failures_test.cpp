@@ -117,6 +117,20 @@ TEST(Failures, NameAToolThatWantedMoreMemory) {
             "wanted more memory than its limit of 64 MiB; what it printed may not be whole");
 }
 
+TEST(Failures, AreNoMissingProgramsWhereTheyAnsweredSomethingElse) {
+  FailureList list;
+  list.FindMissingPrograms([](const std::string& line) { return line.ends_with("bmc"); });
+  list.Module("AMT_Info", "");
+  list.OnProcess("cmd.exe", R"(/c "C:\H\pq_tools\check_amt_bmc.exe" amt)", true, false);
+  ASSERT_EQ(list.Failures().size(), 1U);
+  EXPECT_EQ(list.Failures()[0].text,
+            "the program is missing, so it is not known whether the machine has AMT");
+  list.OnProcess("cmd.exe", R"(/c "C:\H\pq_tools\check_amt_bmc.exe" bmc)", true, false);
+  ASSERT_EQ(list.Failures().size(), 1U);
+  EXPECT_EQ(list.Failures()[0].text,
+            "the recording has no such answer, so it is not known whether the machine has AMT");
+}
+
 TEST(Failures, TellOfALoginThatNobodyGave) {
   FailureList list;
   CollectionListeners listeners;

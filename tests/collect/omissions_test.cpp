@@ -34,12 +34,18 @@ class Omissions : public testing::Test {
                                 const std::string& module = "sampleModule2") {
     return FindOmissions(*FindTableDescription(className), module, rowCount,
                          {answers, [this](const std::string&) { return programsAreThere; },
-                          [this](const std::string& name) { return name == logFile; }});
+                          [this](const std::string& name) { return name == logFile; },
+                          [this](const std::string& table, const std::string& key) {
+                            return table + '.' + key == "PMCLINK.Controller_Config"
+                                       ? std::string_view(config)
+                                       : std::string_view();
+                          }});
   }
 
   std::vector<CollectedAnswer> answers;
   bool programsAreThere = true;
   std::string logFile;
+  std::string config;  ///< of the Microchip controller
 };
 
 TEST_F(Omissions, AreNoneWhereNothingWasCollected) {
@@ -59,7 +65,7 @@ TEST_F(Omissions, AreTheControllersAfterTheFirst) {
   }
   Answer(kCount, "Controller Count = 3\r\n", "sampleModule1");
   EXPECT_THAT(Find("RAIDINFO", 1, "sampleModule1"),
-              ElementsAre("of controller 0 alone: storcli counts 3 controllers"));
+              ElementsAre("of controller 0 alone: storcli counts 3 controllers (see LSILINK)"));
 }
 
 TEST_F(Omissions, AreNotTheOnlyController) {
@@ -112,13 +118,17 @@ TEST_F(Omissions, AreTheFilesOfAnotherMicrochipController) {
   archive.module = "sampleModule1";
   archive.commandLine = R"(/c "C:\Halyard\utilities\arcconf\arcconf.exe savesupportarchive c:\")";
   answers = {archive};
-  const std::string stays =
-      "the archive, with more than is shown here, stays in c:\\Support\\Firmware";
+  const std::string stays = "the archive stays in c:\\Support\\Firmware";
+  config = "Controllers found: 1\r\n";
   EXPECT_THAT(Find("PMCINFO", 1, "sampleModule1"), ElementsAre(stays));
+  config = "Controllers found: 2\r\n";
+  EXPECT_THAT(Find("PMCINFO", 1, "sampleModule1"),
+              ElementsAre("of controller 1 alone: arcconf counts 2 controllers", stays));
   logFile = "Firmware\\Controller_2_Config.txt";
   EXPECT_THAT(
       Find("PMCINFO", 1, "sampleModule1"),
-      ElementsAre("of controller 1 alone: the archive has files of controller 2, too", stays));
+      ElementsAre("of controller 1 alone: the archive has files of controller 2, too",
+                  "the archive, with more than is shown here, stays in c:\\Support\\Firmware"));
 }
 
 TEST_F(Omissions, AreTheLogAsTheControllerGaveIt) {

@@ -400,6 +400,102 @@ TEST(TableStatus, SaysOfRowsThatTheirToolFailed) {
             "3 rows, but storcli.exe ended with code 46");
 }
 
+constexpr char kRecordsQuery[] = R"(/c "C:\H\pq_tools\ipmiutilnh.exe" sensor)";
+
+/// A tool that printed `text`, from which rows came.
+Watched& Prints(Watched& watched, const std::string& command, const std::string& text) {
+  watched.Runs(command, 0, /*pipe=*/true);
+  watched.tracker.OnAnswer({text, {}, {}});
+  return watched;
+}
+
+TEST(TableStatus, SaysOfRowsThatTheyAreAnErrorText) {
+  for (const char* text :
+       {"Error: no session with the controller\n", "x\r\nipmiutil fru, error -1\r\n",
+        "ipmiutil sensor, cannot open IPMI driver\n", "Cannot open an IPMI driver: /dev/x\n"}) {
+    Watched watched("BMC_Info");
+    Prints(watched, kRecordsQuery, text);
+    EXPECT_EQ(watched.tracker.FindStatus("BMC_Info", "SDRINFO", 2).text,
+              "2 rows, but ipmiutilnh.exe printed an error text")
+        << text;
+    EXPECT_EQ(watched.tracker.FindFailedTools([](const auto&) { return true; }).size(), 1U) << text;
+  }
+}
+
+TEST(TableStatus, TakesNoRecordForAnErrorText) {
+  for (const char* text :
+       {"PCIe Error: none\n", "ipmiutil fru, completed successfully\n", "Memory  error -1\n", ""}) {
+    Watched watched("BMC_Info");
+    Prints(watched, kRecordsQuery, text);
+    EXPECT_EQ(watched.tracker.FindStatus("BMC_Info", "SDRINFO", 2).text, "2 rows") << text;
+  }
+}
+
+TEST(TableStatus, FindsAnErrorTextThatAFilterDropped) {
+  Watched watched("BMC_Info");
+  watched.Runs(R"(/c "C:\H\pq_tools\ipmiutilnh.exe" lan | findstr Param)", 0, /*pipe=*/true);
+  watched.tracker.OnAnswer({{}, {}, {}, "ipmiutil lan, error -1\n"});
+  EXPECT_EQ(watched.tracker.FindStatus("BMC_Info", "LANINFO", 0).text,
+            "ipmiutilnh.exe printed an error text");
+}
+
+TEST(TableStatus, SaysOfRowsThatTheyAreNoAnswer) {
+  Watched watched("BMC_Info");
+  watched.programsAreThere = false;
+  watched.Runs(kRecordsQuery, 1, /*pipe=*/true);
+  EXPECT_EQ(watched.tracker.FindStatus("BMC_Info", "SDRINFO", 2).text,
+            "2 rows, but ipmiutilnh.exe is not on this machine");
+  watched.programsAreThere = true;
+  watched.Runs(R"(/c "C:\H\pq_tools\ipmiutilnh.exe" sel)", 0, /*pipe=*/true);
+  EXPECT_EQ(watched.tracker.FindStatus("BMC_Info", "SDRINFO", 2).text,
+            "2 rows, but the recording has no such answer of ipmiutilnh.exe");
+}
+
+TEST(TableStatus, KnowsATestWithOtherAnswers) {
+  const std::string test = R"(/c "C:\H\pq_tools\check_amt_bmc.exe" )";
+  Watched watched("BMC_Info");
+  watched.Runs(test + "bmc", 5);
+  watched.programsAreThere = false;
+  watched.tracker.Module("AMT_Info", "");
+  watched.Runs(test + "amt", 1).Logs("AMT module, no parameter inputed!");
+  EXPECT_EQ(
+      watched.tracker.FindStatus("AMT_Info", "AMTLOG", 0).text,
+      "the recording has no such answer of check_amt_bmc.exe, so it is not known whether this "
+      "machine has AMT");
+}
+
+TEST(TableStatus, GivesTheReasonOfATool) {
+  const auto tell = [](const std::string& text) {
+    Watched watched("sampleModule2");
+    watched.Runs(StorcliCommand("/c0 show termlog", "fwtermlog.txt"), 46);
+    watched.tracker.OnAnswer({{}, "fwtermlog.txt", text});
+    return watched.tracker.FindStatus("sampleModule2", "FWTERMLOG", 0).text;
+  };
+  EXPECT_EQ(tell("Status = Failure\r\nDescription = No such page\r\n"),
+            "storcli.exe ended with code 46 (No such page)");
+  for (const char* text :
+       {"Description = None\n", "Description = \n", "Description = \x80\n", ""}) {
+    EXPECT_EQ(tell(text), "storcli.exe ended with code 46") << text;
+  }
+}
+
+TEST(TableStatus, TellsWhyAttachedFilesAreEmpty) {
+  Watched watched("sampleModule2");
+  watched.Runs(StorcliCommand("/c0 show", "c0_showall.txt"), 0)
+      .Runs(StorcliCommand("/c0 show termlog", "c0_fwtermlog.txt"), 46);
+  watched.programsAreThere = false;
+  watched.Runs(StorcliCommand("/c0 show events", "c0_raidevents.txt"), 1)
+      .Runs(StorcliCommand("/c0/eall/sall show all", "c0_pdlist.txt"), 1);
+  EXPECT_EQ(watched.tracker.DescribeEmptyFiles(
+                "sampleModule2", {"c0_showall", "c0_raidevents", "c0_fwtermlog", "c0_pdlist"}),
+            (std::vector<std::string>{
+                "c0_showall.txt is empty: storcli.exe printed nothing",
+                "c0_raidevents.txt, c0_pdlist.txt are empty: the recording has no such answer of "
+                "storcli.exe",
+                "c0_fwtermlog.txt is empty: storcli.exe ended with code 46"}));
+  EXPECT_TRUE(watched.tracker.DescribeEmptyFiles("sampleModule2", {}).empty());
+}
+
 /// "tool: text (tables)" of the failed tools; the tables in `filled` have rows.
 std::vector<std::string> FailedTools(const StatusTracker& tracker,
                                      const std::set<std::string>& filled = {}) {

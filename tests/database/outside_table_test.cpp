@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
 #include <string>
 #include <vector>
 
@@ -47,6 +48,24 @@ TEST(OutsideTable, IsReadWhereItIs) {
   wheels.push_back({"spare", 5});
   EXPECT_EQ(Ask(database, "SELECT name FROM wheels WHERE size < 7"), "spare|");
   EXPECT_EQ(Ask(database, "SELECT count(*) FROM wheels a JOIN wheels b ON a.name = b.name"), "3|");
+}
+
+// SQLite, through which nothing may be thrown, has words for it.
+TEST(OutsideTable, FailsTheQueryWhereMemoryEnds) {
+  Database database;
+  database.AddTable({"rows",
+                     {{"a", "TEXT"}},
+                     [] { return std::size_t{1}; },
+                     [](std::size_t, std::size_t) -> SqlValue { throw std::bad_alloc(); }});
+  database.AddTable({"none",
+                     {{"a", "TEXT"}},
+                     []() -> std::size_t { throw std::bad_alloc(); },
+                     [](std::size_t, std::size_t) { return SqlValue(); }});
+  for (const char* sql : {"SELECT a FROM rows", "SELECT a FROM none"}) {
+    EXPECT_THROW(host::PreparedQuery(database, sql).Run([](const Database::Values&) {}),
+                 host::DatabaseError)
+        << sql;
+  }
 }
 
 TEST(OutsideTable, ComesBeforeATableOfItsName) {

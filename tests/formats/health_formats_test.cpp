@@ -58,14 +58,23 @@ TEST(HealthTable, ObeysNothingThatAToolPrinted) {
   EXPECT_NE(out.str().find("bad \\x1b[2J\\nword"), std::string::npos);
 }
 
+TEST(HealthTable, SpellsWhatWasChecked) {
+  host::Health health = MakeHealth({});
+  health.checked = {{"leds", 6}, {"self_tests", 1}, {"optical_drives", 2}, {"leds", 1}};
+  std::ostringstream out;
+  host::WriteHealthTable(health, /*isBrief=*/true, {}, out);
+  EXPECT_THAT(out.str(), HasSubstr("checked 6 LEDs, 1 self-test, 2 optical drives, 1 LED\n"));
+}
+
 TEST(HealthTable, PutsNoticesOfOneRuleIntoOneLine) {
   std::ostringstream out;
-  host::WriteHealthTable(
-      MakeHealth({MakeHit(Severity::kNotice, "one", "a"), MakeHit(Severity::kNotice, "two", "b")}),
-      /*isBrief=*/true, {}, out);
-  EXPECT_NE(out.str().find("notice    drive.any, 2 drives: one (seen), two (seen)\n"),
-            std::string::npos)
-      << out.str();
+  host::WriteHealthTable(MakeHealth({MakeHit(Severity::kNotice, "one", "Look at one"),
+                                     MakeHit(Severity::kNotice, "two", "b"),
+                                     MakeHit(Severity::kNotice, "three", "c")}),
+                         /*isBrief=*/false, {}, out);
+  EXPECT_THAT(out.str(),
+              HasSubstr("notice    Look at one; likewise 2 more drives: two (seen), three (seen)\n"
+                        "          rule      drive.any\n"));
 }
 
 TEST(HealthNagios, KeepsTextsApartFromItsOwnSigns) {

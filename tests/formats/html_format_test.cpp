@@ -74,7 +74,7 @@ TEST(HtmlFormat, SaysWhatWasCollectedWhereAndWhen) {
 
 TEST(HtmlFormat, IsTitledByTheDescriptionOfANamelessMachine) {
   MadeCollection made;
-  EXPECT_THAT(ReadMarkup(made), HasSubstr("<h1>Server</h1>"));
+  EXPECT_THAT(ReadMarkup(made), HasSubstr("<h1>unnamed machine</h1>"));
   made.Get().machine.description = "two sockets";
   EXPECT_THAT(ReadMarkup(made), HasSubstr("<h1>two sockets</h1>"));
   EXPECT_THAT(ReadFacts(made, "header").front(), Pair("Recorded", "at an unknown time"));
@@ -308,7 +308,7 @@ TEST(HtmlFormat, LeavesNoPlaceOfThePageUnfilled) {
   MadeCollection made;
   const std::string page = made.As("html");
   for (const char* place : {"@NONCE@", "@TITLE@", "@STYLE@", "@HEADER@", "@SUMMARY@", "@FOOTER@",
-                            "@SCRIPT@", "@DATA@", "@UNSEEN@"}) {
+                            "@SCRIPT@", "@DATA@", "@UNSEEN@", "@PACKED@"}) {
     EXPECT_EQ(page.find(place), std::string::npos) << place;
   }
   EXPECT_TRUE(page.starts_with("<!DOCTYPE html>"));

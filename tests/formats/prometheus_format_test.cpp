@@ -292,9 +292,11 @@ TEST(PrometheusFormat, HasNoSampleForWhatNobodyTold) {
   EXPECT_THAT(
       samples,
       testing::ElementsAre(
-          StartsWith("pqhost_build_info{version="), "pqhost_health 0",
+          StartsWith("pqhost_build_info{version="), "pqhost_health 3",
           "pqhost_findings{severity=\"critical\"} 0", "pqhost_findings{severity=\"warning\"} 0",
-          "pqhost_findings{severity=\"unknown\"} 0",
+          "pqhost_findings{severity=\"unknown\"} 1",
+          "pqhost_finding{rule=\"psu.status\",part=\"power_supplies\",id=\"PSU 1\","
+          "severity=\"unknown\"} 1",
           "pqhost_controller_info{controller=\"lsi0\",vendor=\"LSI\"} 1",
           "pqhost_controller_health{controller=\"lsi0\"} 0",
           "pqhost_drive_info{controller=\"lsi0\",slot=\"69:9\"} 1",
@@ -387,7 +389,7 @@ TEST(PrometheusFormat, TellsHealthOfPartsByTheirFindings) {
   EXPECT_THAT(ListSamples(text, "pqhost_findings"),
               testing::ElementsAre("pqhost_findings{severity=\"critical\"} 1",
                                    "pqhost_findings{severity=\"warning\"} 1",
-                                   "pqhost_findings{severity=\"unknown\"} 1"));
+                                   "pqhost_findings{severity=\"unknown\"} 2"));
 }
 
 // Its entry says so, and nothing else does any more.

@@ -38,7 +38,7 @@ std::string WriteSummary(MadeCollection& made, const Assessment& assessment) {
   std::ostringstream out;
   HtmlWriter html(out);
   const CollectionView view(made.Get());
-  WriteReportSummary(view, FitIntoReport(made.Get()), assessment, html);
+  WriteReportSummary(view, FitIntoReport(made.Get()), assessment, nullptr, html);
   return out.str();
 }
 
@@ -85,7 +85,7 @@ TEST(ReportSummary, SaysTheWorstInWords) {
 
 TEST(ReportSummary, CallsNothingWellThatWasNotLookedAt) {
   const std::string page = WriteSummary(Parts());
-  EXPECT_THAT(page, HasSubstr("<h2>Not known: Collect again"));
+  EXPECT_THAT(page, HasSubstr("<h2>Not known: Find out why nothing"));
   EXPECT_THAT(page, HasSubstr("class=\"verdict unknown\""));
   // All but the collection itself, of which there is nothing to say.
   EXPECT_THAT(CutOut(page, "class=\"tiles\"", "</section>"), Not(HasSubstr("class=\"tile ok\"")));
@@ -103,6 +103,35 @@ TEST(ReportSummary, ShowsTheWorstFirstThenByArea) {
   EXPECT_LT(failed, watched);
   EXPECT_LT(watched, fan);
   EXPECT_LT(fan, page.size());
+}
+
+// A table can leave an output out, for an error text in it; then its line is shown here.
+TEST(ReportSummary, LeadsFromAnOutputThatNoTableKeepsToItsTable) {
+  MadeCollection made;
+  made.Table("SENSORINFO");
+  CollectedAnswer& answer = made.Get().answers.emplace_back();
+  answer.commandLine = "C:\\host\\pq_tools\\ipmiutilnh.exe sensor -s -q";
+  answer.output = "ipmiutil sensor version 3.18\r\n0001 | Full | Fan | 1 | F<1>\r\n";
+  Parts parts = MakeWell();
+  Unread& unread = parts.unread.emplace_back();
+  unread.id = "1";
+  unread.text = "0001 | Full";
+  unread.readAt = {"", 0, "", 2, "ipmiutil sensor -s -q"};
+  const Assessment assessment = Assessed(std::move(parts));
+  const std::string page = WriteSummary(made, assessment);
+  EXPECT_THAT(page, HasSubstr("href=\"#at/SENSORINFO\">ipmiutil sensor -s -q, line 2</a>"));
+  EXPECT_THAT(page, HasSubstr("0001 | Full | Fan | 1 | F&lt;1&gt;"));
+}
+
+TEST(ReportSummary, LeadsFromAReportOfAFurtherControllerToTheTableOfTheFirst) {
+  MadeCollection made;
+  made.Table("PMCLINK");
+  Parts parts = MakeWell();
+  host::Drive& drive = AddDrive(parts, "mchp2 0,3", "Failed");
+  drive.readAt = {"", 0, "", 7, "arcconf savesupportarchive, Controller_2_Config.txt"};
+  const std::string page = WriteSummary(made, Assessed(std::move(parts)));
+  EXPECT_THAT(page, HasSubstr("href=\"#at/PMCLINK\">arcconf savesupportarchive, "
+                              "Controller_2_Config.txt, line 7</a>"));
 }
 
 TEST(ReportSummary, FoldsMoreThanEightFindings) {
@@ -184,6 +213,25 @@ TEST(ReportSummary, TellsWhatIsNotThereFromWhatNobodyAsked) {
               AllOf(HasSubstr(">not there<"), HasSubstr("this machine has no BMC")));
 }
 
+// A report can tell of drives and be silent on the controller.
+TEST(ReportSummary, DoesNotTakeForNotThereWhatAReportDoesNotShow) {
+  Parts parts;
+  AddSource(parts, "lsi", "read");
+  AddDrive(parts, "lsi0 69:9", "Onln");
+  EXPECT_THAT(CutOut(WriteSummary(parts), "<b>RAID controllers</b>", "</small>"),
+              AllOf(HasSubstr(">none shown<"), HasSubstr("none in what was read")));
+}
+
+TEST(ReportSummary, CallsNothingNotThereForWordsOfTheInterpreter) {
+  MadeCollection made;
+  made.Table("LEDINFO");
+  made.Get().tables[0].status = {"rows", "2 rows, but it is missing", {}, "it is missing"};
+  Parts parts;
+  AddSource(parts, "leds", "none").observed = "it is missing";
+  EXPECT_THAT(CutOut(WriteSummary(made, Assessed(parts)), "<b>BMC</b>", "</small>"),
+              HasSubstr(">not checked<"));
+}
+
 TEST(ReportSummary, CallsNoAreaWellThatAFindingOfAnotherIsOf) {
   Parts parts = MakeWell();
   Drive& drive = AddDrive(parts, "lsi0 69:9", "Offln");
@@ -194,6 +242,27 @@ TEST(ReportSummary, CallsNoAreaWellThatAFindingOfAnotherIsOf) {
   EXPECT_THAT(page, HasSubstr("<p>1 critical; 2 areas without a finding"));
   EXPECT_THAT(CutOut(page, "<b>Drives</b>", "</small>"), HasSubstr("● 1"));
   EXPECT_THAT(CutOut(page, "<b>Arrays</b>", "</small>"), HasSubstr("● 1"));
+}
+
+TEST(ReportSummary, CountsOneAsOne) {
+  Parts parts = MakeWell();
+  AddDrive(parts, "lsi0 69:1", "Onln").otherErrors = 1;
+  test::AddLsiEvent(parts, 0x60, "drives", "lsi0 69:1").level = 1;
+  EXPECT_THAT(WriteSummary(parts), HasSubstr("1 warning or worse, on 2026-11-18T06:00:00</dd>"));
+  parts.events.clear();
+  EXPECT_THAT(WriteSummary(parts),
+              HasSubstr("1 notice <span class=\"faint\">that raises no alarm</span>"));
+  AddDrive(parts, "lsi0 69:2", "Onln").otherErrors = 1;
+  EXPECT_THAT(WriteSummary(parts),
+              HasSubstr("2 notices <span class=\"faint\">that raise no alarm</span>"));
+}
+
+TEST(ReportSummary, CountsOpticalDrivesApart) {
+  Parts parts = MakeWell();
+  AddDrive(parts, "lsi0 15:0", "JBOD").media = "DVD";
+  AddDrive(parts, "lsi0 69:1", "");
+  EXPECT_THAT(CutOut(WriteSummary(parts), "<b>Drives</b>", "</small>"),
+              HasSubstr("2 drives: 1 online, 1 without a state; 1 optical drive"));
 }
 
 TEST(ReportSummary, CountsPowerSuppliesAndTheirSensors) {

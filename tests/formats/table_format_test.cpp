@@ -20,17 +20,17 @@ Screen Wide(unsigned width) { return {false, false, width}; }
 constexpr char kNothingJudged[] =
     "\n"
     "UNKNOWN   0 critical, 0 warning, 1 unknown, 0 notice; checked nothing\n"
-    "unknown   Collect again: nothing of this machine could be looked at\n"
+    "unknown   Find out why nothing of this machine could be judged\n"
     "\n";
 
 TEST(TableFormat, TellsTheVerdictAfterTheMachineAndBeforeProblems) {
   MadeCollection made;
   made.Table("ARPINFO").Row({{"Type", "dynamic"}});
   made.Get().problems = {"storcli failed"};
-  EXPECT_THAT(made.As("table"), StartsWith(std::string("Server\n"
+  EXPECT_THAT(made.As("table"), StartsWith(std::string("unnamed machine\n"
                                                        "Recorded: at an unknown time\n") +
                                            kNothingJudged +
-                                           "1 of 1 tables with 1 rows\n"
+                                           "1 of 1 table with 1 row\n"
                                            "\n"
                                            "1 problem\n"));
 }
@@ -49,10 +49,10 @@ TEST(TableFormat, AlignsColumnsUnderTheirLabels) {
   made.Table("ARPINFO")
       .Row({{"Internet Address", "10.0.0.1"}, {"Type", "dynamic"}})
       .Row({{"Internet Address", "10.0.0.254"}, {"Type", "static"}});
-  EXPECT_EQ(made.As("table"), std::string("Server\n"
+  EXPECT_EQ(made.As("table"), std::string("unnamed machine\n"
                                           "Recorded: at an unknown time\n") +
                                   kNothingJudged +
-                                  "1 of 1 tables with 2 rows\n"
+                                  "1 of 1 table with 2 rows\n"
                                   "\n"
                                   "Network\n"
                                   "  ARPINFO  ARP table\n"
@@ -195,12 +195,11 @@ TEST(TableFormat, BeginsWithMachineProblemsAndALineForEachTable) {
                          "\n"
                          "UNKNOWN   0 critical, 0 warning, 2 unknown, 0 notice; checked\n"
                          "          nothing\n"
-                         "unknown   Collect again: nothing of this machine could be\n"
-                         "          looked at\n"
+                         "unknown   Find out why nothing of this machine could be judged\n"
                          "unknown   Find out why the MegaRAID controllers could not be\n"
                          "          read: storcli.exe is not there\n"
                          "\n"
-                         "1 of 4 tables with 1 rows\n"
+                         "1 of 4 tables with 1 row\n"
                          "\n"
                          "2 problems\n"
                          "  not collected: one thing after another, for reasons of\n"

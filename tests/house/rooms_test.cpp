@@ -41,12 +41,20 @@ constexpr Room kRooms[] = {
     {"database", "collect catalogue files text repository logger"},
     {"answers", "collect database catalogue secrets text"},
     {"formats", "collect database answers catalogue files text repository logger"},
+    // It needs to know what a recording will be as files, and what a replay tells of its parts.
+    {"redact", "recorded recording collect answers catalogue secrets files text repository frame"},
     {"check", "collect catalogue recorded logger frame pqmodules text"},
     {"live", "collect recorded recording secrets files logger frame interfaces text"},
     {"program", "files text"},
+    // What commands of both programs share: how they are listed, asked for and answered.
+    {"commands", "formats program files text"},
     {"pqhost",
      "frame interfaces text files repository logger catalogue recorded secrets recording collect "
-     "database answers formats check live program"},
+     "database answers formats redact check live program commands"},
+    // A program of its own, which never collects from the machine that it runs on.
+    {"fleet",
+     "frame interfaces text files repository logger catalogue recorded recording collect database "
+     "answers formats program commands"},
 };
 
 /// Headers that only some rooms may know, wherever they include them.
@@ -59,13 +67,13 @@ constexpr Library kLibraries[] = {
      "frame/windows text/windows files/windows secrets/windows live/windows "
      "program/windows"},
     {"<sqlite3", "database"},
-    {"<CLI/", "pqhost/commands"},
+    {"<CLI/", "commands"},
     {"<nlohmann/", "text recording formats"},
     {"<nettle/", "files/posix"},
     {"<zlib", "files"},
-    {"<libpq", ""},
+    {"<libpq", "fleet"},
     // Results and messages go to the streams that a program hands in.
-    {"<iostream>", "pqhost/main"},
+    {"<iostream>", "pqhost/main fleet/main"},
 };
 
 std::vector<std::string> SplitWords(std::string_view text) {
@@ -139,7 +147,7 @@ std::vector<std::string> CheckFile(const fs::path& root, const fs::path& file) {
 
 std::vector<fs::path> ListSources(const fs::path& root) {
   std::vector<fs::path> sources;
-  for (const char* folder : {"frame", "pqmodules", "host"}) {
+  for (const char* folder : {"frame", "pqmodules", "host", "fleet"}) {
     for (const auto& entry : fs::recursive_directory_iterator(root / folder)) {
       const fs::path extension = entry.path().extension();
       if (extension == ".cpp" || extension == ".h") sources.push_back(entry.path());
@@ -183,7 +191,11 @@ TEST(Rooms, ObjectToWhatTheTableForbids) {
   EXPECT_EQ(FindObjection("frame/x.cpp", "\"pqmodules/rwininfo.h\""),
             "room frame may not include pqmodules/rwininfo.h");
   EXPECT_EQ(FindObjection("host/answers/x.cpp", "<sqlite3.h>"), "<sqlite3.h> belongs to database");
-  EXPECT_EQ(FindObjection("host/collect/x.cpp", "<iostream>"), "<iostream> belongs to pqhost/main");
+  EXPECT_EQ(FindObjection("host/collect/x.cpp", "<iostream>"),
+            "<iostream> belongs to pqhost/main fleet/main");
+  EXPECT_EQ(FindObjection("fleet/x.cpp", "\"host/pqhost/source.h\""),
+            "room fleet may not include host/pqhost/source.h");
+  EXPECT_EQ(FindObjection("host/pqhost/x.cpp", "<libpq-fe.h>"), "<libpq-fe.h> belongs to fleet");
   EXPECT_EQ(FindObjection("host/new/x.cpp", "\"host/text/ascii.h\""),
             "there is no room new in the table");
   EXPECT_EQ(FindObjection("host/formats/x.cpp", "\"host/collect/trace.h\""), "");

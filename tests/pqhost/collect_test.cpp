@@ -344,6 +344,9 @@ TEST(Collect, IsDoneOnAMachineThatLacksVendorsTools) {
                                 "--module", "Windows_Related_Info"});
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_THAT(run.error, AllOf(HasSubstr("RAIDINFO       storcli.exe is not on this machine\n"),
+                               HasSubstr("LSILINK        1 row; c0_showall.txt, c0_raidevents.txt, "
+                                         "c0_fwtermlog.txt, c0_pdlist.txt are empty: storcli.exe "
+                                         "is not on this machine\n"),
                                Not(HasSubstr("pqhost: "))));
 }
 
@@ -364,6 +367,10 @@ TEST(Collect, IsDoneWhereToolsFindNoController) {
   const HostRun run = Replay(Sample("no-controller"), {"--format", "none"});
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_THAT(run.error, Not(HasSubstr("pqhost: ")));
+  for (const char* table : {"PMCINFO", "PMCLINK", "PMCVER"}) {
+    EXPECT_THAT(run.error,
+                testing::ContainsRegex(std::string(table) + " +arcconf finds no controller\n"));
+  }
 }
 
 TEST(Collect, NamesTheToolWhoseCommandLineIsTooLong) {
@@ -416,10 +423,12 @@ TEST(Collect, SaysOnceThatNobodyKnowsWhetherThereIsAmt) {
   const MadeRecording recording("");
   const HostRun run = Replay(recording.Path(), {"--table", "AMTLOG", "--table", "AMTLOG"});
   EXPECT_EQ(run.exitCode, 1);
-  EXPECT_EQ(run.error,
-            "pqhost: not collected: AMT_Info, check_amt_bmc.exe: the program is missing, so it is "
-            "not known whether the machine has AMT\n"
-            "AMTLOG  no AMT address and credentials were given\n");
+  EXPECT_EQ(
+      run.error,
+      "pqhost: not collected: AMT_Info, check_amt_bmc.exe: the program is missing, so it is "
+      "not known whether the machine has AMT\n"
+      "AMTLOG  check_amt_bmc.exe is not on this machine, so it is not known whether this machine "
+      "has AMT\n");
 }
 
 TEST(Collect, RefusesARecordingThatIsNotThere) {
@@ -574,9 +583,8 @@ TEST(Program, ComplainsInOneLineOnStandardError) {
   EXPECT_EQ(run.exitCode, 2);
   EXPECT_EQ(run.out, "");
   EXPECT_EQ(run.error,
-            "pqhost: nothing to do: give a command (collect, health, modules, query, check, "
-            "verify, help; "
-            "see pqhost --help)\n");
+            "pqhost: nothing to do: give a command (collect, health, diff, modules, query, show, "
+            "check, setup, verify, redact, help; see pqhost --help)\n");
 }
 
 }  // namespace

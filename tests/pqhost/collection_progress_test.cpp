@@ -27,6 +27,15 @@ TEST(CollectionProgress, ShowsModuleAndTool) {
   EXPECT_THAT(out.str(), HasSubstr("s  sampleModule1: storcli.exe (0.0 s)"));
 }
 
+TEST(CollectionProgress, CountsTheModules) {
+  std::ostringstream out;
+  CollectionProgress progress(out, 80);
+  progress.Plan(5);
+  progress.Module("sampleModule1", "");
+  progress.Module("sampleModule2", "");
+  EXPECT_THAT(out.str(), EndsWith("s  2 of 5  sampleModule2"));
+}
+
 TEST(CollectionProgress, ForgetsAToolThatHasEnded) {
   std::ostringstream out;
   CollectionProgress progress(out, 80);

@@ -54,6 +54,20 @@ TEST(HealthCommand, EndsWithUnknownWhenItCannotJudge) {
   EXPECT_EQ(JudgeSample("hba-only", {"--rules", "nowhere.sql"}).exitCode, 3);
 }
 
+// They read standard output alone.
+TEST(HealthCommand, TellsProgramsWhyItCannotJudge) {
+  const HostRun nagios = RunHost({"health", "--replay", "nowhere", "--format", "nagios"});
+  EXPECT_EQ(nagios.exitCode, 3);
+  EXPECT_THAT(nagios.out, StartsWith("UNKNOWN - Read or collect this machine again: nowhere: "));
+  EXPECT_THAT(nagios.error, StartsWith("pqhost: nowhere: "));
+  const HostRun run = RunHost({"health", "--replay", "nowhere", "--format", "json"});
+  EXPECT_EQ(run.exitCode, 3);
+  const nlohmann::json json = nlohmann::json::parse(run.out);
+  EXPECT_EQ(json["verdict"], "unknown");
+  EXPECT_THAT(json["findings"][0]["observed"].get<std::string>(), StartsWith("nowhere: "));
+  EXPECT_EQ(RunHost({"health", "--replay", "nowhere"}).out, "");
+}
+
 TEST(HealthCommand, TellsFindingsWithEvidenceReasonAndNextStep) {
   const HostRun run = JudgeSample("two-socket-server");
   EXPECT_THAT(run.out, StartsWith("WARNING   0 critical, 4 warning, 0 unknown, 3 notice; checked"));
@@ -89,8 +103,10 @@ TEST(HealthCommand, WritesJson) {
 
 TEST(HealthCommand, WritesWhatNagiosReads) {
   const HostRun run = JudgeSample("hba-only", {"--format", "nagios"});
-  EXPECT_EQ(run.out,
-            "OK - checked 2 controllers, 4 drives | critical=0 warning=0 unknown=0 notice=0\n");
+  EXPECT_EQ(
+      run.out,
+      "OK - checked 2 controllers, 3 drives, 1 optical drive | critical=0 warning=0 unknown=0 "
+      "notice=0\n");
   EXPECT_THAT(JudgeSample("vroc", {"--format", "nagios"}).out,
               StartsWith("CRITICAL - Replace drive 2-4-0-0"));
 }
@@ -132,6 +148,28 @@ TEST_F(HealthFiles, NamesFileAndLineOfAWrongRule) {
   EXPECT_EQ(run.exitCode, 3);
   EXPECT_EQ(run.out, "");
   EXPECT_EQ(run.error, "pqhost: " + rules + ":3: mine: no such column: sate\n");
+}
+
+TEST_F(HealthFiles, NamesFileAndLineOfASuppressionOfNoRule) {
+  const std::string known = Write("known.txt", "drive.* * # any\n\ndrive.media-error * # a slip\n");
+  const HostRun run = JudgeSample("hba-only", {"--suppress", known});
+  EXPECT_EQ(run.exitCode, 3);
+  EXPECT_EQ(run.error, "pqhost: " + known +
+                           ":3: there is no rule drive.media-error; did you mean "
+                           "drive.media-errors?\n");
+  const std::string others = Write("others.txt", "collection.nothing all # no tools there\n");
+  EXPECT_EQ(JudgeSample("no-bmc", {"--suppress", others}).exitCode, 0);
+}
+
+TEST_F(HealthFiles, TellsWhatMakesARecordingDoubtful) {
+  std::filesystem::copy(Sample("hba-only"), folder / "it",
+                        std::filesystem::copy_options::recursive);
+  Write("it/submission.json", "{");
+  const HostRun run = RunHost({"health", "--replay", folder / "it", "--format", "json"});
+  EXPECT_THAT(run.error, HasSubstr("submission.json"));
+  const nlohmann::json json = nlohmann::json::parse(run.out);
+  EXPECT_EQ(json["findings"][0]["key"], "collection.doubt recording");
+  EXPECT_THAT(json["findings"][0]["text"].get<std::string>(), HasSubstr("submission.json"));
 }
 
 TEST_F(HealthFiles, RefusesTextsThatAreNoUtf8) {
@@ -194,7 +232,7 @@ TEST_F(HealthOfRecordings, ComesFromRecordingsNamedOneByOne) {
   EXPECT_EQ(run.exitCode, 2);
   EXPECT_THAT(run.out, StartsWith("CRITICAL - 2 machines: 1 critical, 0 warning, 1 unknown, 0 OK; "
                                   "vroc: Replace drive 2-4-0-0"));
-  EXPECT_THAT(run.out, HasSubstr("\nUNKNOWN - no-bmc: Collect again"));
+  EXPECT_THAT(run.out, HasSubstr("\nUNKNOWN - no-bmc: Find out why nothing"));
 }
 
 TEST_F(HealthOfRecordings, JudgesTheOthersWhenOneCannotBeRead) {
@@ -211,6 +249,34 @@ TEST_F(HealthOfRecordings, JudgesTheOthersWhenOneCannotBeRead) {
   EXPECT_EQ(all["machines"][2]["recordedAt"], "2026-11-18T09:41:12+01:00");
   std::filesystem::remove_all(folder / "two-socket-server");
   EXPECT_EQ(Judge({}).exitCode, 3);
+}
+
+// It may be half of a recording that is still on its way.
+TEST_F(HealthOfRecordings, KnowsNothingOfAFolderWithoutADescription) {
+  std::filesystem::remove_all(folder / "two-socket-server");
+  std::filesystem::create_directory(folder / "empty");
+  std::filesystem::create_directory(folder / ".hidden");
+  Write(".hidden/a", "");
+  EXPECT_EQ(Judge({}).exitCode, 0);
+  std::filesystem::create_directory(folder / "half");
+  Write("half/sel.txt", "");
+  const HostRun run = Judge({"--brief"});
+  EXPECT_EQ(run.exitCode, 3);
+  EXPECT_THAT(run.out, HasSubstr("UNKNOWN   half: "));
+}
+
+TEST_F(HealthOfRecordings, JudgesTheOthersWhenOneIsTooMuchForARule) {
+  const std::string rules = Write("house.sql",
+                                  "-- @rule big\n-- @part volumes\n"
+                                  "SELECT 'notice', id, zeroblob(300000000) FROM volumes");
+  const HostRun run = Judge({"--rules", rules, "--format", "json"});
+  EXPECT_EQ(run.exitCode, 3);
+  const nlohmann::json all = nlohmann::json::parse(run.out);
+  EXPECT_EQ(all["machines"][0]["health"]["verdict"], "ok");
+  EXPECT_EQ(all["machines"][1]["health"]["findings"][0]["observed"],
+            rules +
+                ":3: big: for this machine the query makes a value of more than 256 MiB; take "
+                "the rule away, or let it ask for less");
 }
 
 // A script that asks a folder gets the same answer however many recordings have come.
@@ -240,10 +306,14 @@ TEST_F(HealthOfRecordings, AreNotJudgedByAWrongRule) {
   EXPECT_FALSE(std::filesystem::exists(folder / "verdict.txt"));
 }
 
-TEST_F(HealthOfRecordings, RefusesOneLogFolderForAll) {
-  const HostRun run = Judge({"--log-folder", folder / "logs"});
-  EXPECT_EQ(run.exitCode, 3);
-  EXPECT_THAT(run.error, HasSubstr("--log-folder is for the files of one machine"));
+TEST_F(HealthOfRecordings, RefusesALogFolderThatItWouldNotFill) {
+  for (const HostRun& run :
+       {Judge({"--log-folder", folder / "logs"}),
+        RunHost({"health", "--replay", Sample("blade"), "--log-folder", folder / "logs"})}) {
+    EXPECT_EQ(run.exitCode, 3);
+    EXPECT_THAT(run.error, HasSubstr("--log-folder has no use here without this machine's tools"));
+    EXPECT_FALSE(std::filesystem::exists(folder / "logs"));
+  }
 }
 
 TEST_F(HealthOfRecordings, WritesNothingIntoThem) {

@@ -96,20 +96,19 @@ TEST(Options, ReadAllOfModules) {
 }
 
 TEST(Options, WantsACommand) {
-  EXPECT_EQ(
-      Complaint({}),
-      "nothing to do: give a command (collect, health, modules, query, check, verify, help; see "
-      "pqhost --help)");
+  EXPECT_EQ(Complaint({}),
+            "nothing to do: give a command (collect, health, diff, modules, query, show, check, "
+            "setup, verify, redact, help; see pqhost --help)");
 }
 
 TEST(Options, SuggestsTheCommandThatWasMeant) {
   EXPECT_EQ(Complaint({"colect"}),
             "there is no command colect; did you mean collect? (commands: collect, health, "
-            "modules, query, check, verify, help; see pqhost --help)");
-  EXPECT_EQ(Complaint({"zzz"}),
-            "there is no command zzz (commands: collect, health, modules, query, check, verify, "
-            "help; see pqhost "
-            "--help)");
+            "diff, modules, query, show, check, setup, verify, redact, help; see pqhost --help)");
+  EXPECT_EQ(
+      Complaint({"zzz"}),
+      "there is no command zzz (commands: collect, health, diff, modules, query, show, check, "
+      "setup, verify, redact, help; see pqhost --help)");
 }
 
 TEST(Options, SuggestsTheOptionThatWasMeant) {
@@ -144,11 +143,18 @@ TEST(Options, RefusesASecondCommand) {
 }
 
 TEST(Options, RefusesAnOptionWithoutItsValue) {
-  for (const char* option :
-       {"--module", "--table", "--replay", "--log-folder", "--plugin", "--format", "--output",
-        "--trace", "--record", "--tool-limit", "--tool-memory"}) {
+  for (const char* option : {"--module", "--table", "--replay", "--log-folder", "--plugin",
+                             "--format", "--output", "--trace", "--tool-limit", "--tool-memory"}) {
     EXPECT_THAT(Complaint({"collect", option}), HasSubstr(option)) << option;
   }
+}
+
+// A recording without a name is named after machine and time.
+TEST(Options, TakeARecordingWithoutAName) {
+  EXPECT_THAT(Complaint({"collect", "--record", "--replay", "a"}),
+              HasSubstr("--record has no use with --replay"));
+  EXPECT_THAT(Complaint({"collect", "--replay", "a", "--record"}),
+              HasSubstr("--record has no use with --replay"));
 }
 
 TEST(Options, RefusesAnEmptyPath) {
@@ -275,7 +281,8 @@ TEST(Options, HelpIsAWordAsWell) {
   EXPECT_EQ(Answer({"help"}), Answer({"--help"}));
   EXPECT_EQ(Answer({"help", "collect"}), Answer({"collect", "--help"}));
   EXPECT_EQ(Complaint({"help", "colect"}), Complaint({"colect"}));
-  EXPECT_THAT(Complaint({"help", "collect", "query"}), HasSubstr("At Most 1"));
+  EXPECT_THAT(Complaint({"help", "collect", "query"}),
+              HasSubstr("there are too many arguments: help takes 1 at most"));
 }
 
 TEST(Options, HelpIsGivenAsProgramsOfWindowsGiveIt) {
@@ -284,6 +291,23 @@ TEST(Options, HelpIsGivenAsProgramsOfWindowsGiveIt) {
     EXPECT_EQ(Answer({"check", word}), Answer({"check", "--help"})) << word;
   }
   EXPECT_THAT(test::RunHost({"collect", "--replay", "/?"}).error, HasSubstr("/?"));
+}
+
+TEST(Options, AreGivenAsOftenAndWithAsManyValuesAsTheyTake) {
+  EXPECT_THAT(Complaint({"collect", "--output"}),
+              HasSubstr("--output needs a value: --output FILE (see pqhost collect --help)"));
+  EXPECT_THAT(Complaint({"collect", "--format", "csv", "--format", "json"}),
+              HasSubstr("--format is given twice (see pqhost collect --help)"));
+  EXPECT_THAT(Complaint({"health", "--brief=no"}),
+              HasSubstr("--brief takes no value (see pqhost health --help)"));
+}
+
+TEST(Options, TakeNumbersWithinTheirRange) {
+  for (const char* number : {"x", "0", "-1", "86401", "1.5", "1s", ""}) {
+    EXPECT_THAT(
+        Complaint({"check", "--time-limit", number}),
+        HasSubstr(std::string("--time-limit ") + number + ": give a number from 1 to 86400"));
+  }
 }
 
 TEST(Options, SaysItsVersion) {
@@ -296,10 +320,10 @@ TEST(Options, TakeAQueryWithOrWithoutADatabase) {
   EXPECT_THAT(Complaint({"query", "nowhere.db", "SELECT 2"}), HasSubstr("nowhere.db"));
 }
 
-TEST(Options, RefusesALogFolderForTheFilesOfSeveralMachines) {
+TEST(Options, RefusesALogFolderForTheFilesOfOtherMachines) {
   EXPECT_THAT(
       Complaint({"query", "server.db", "SELECT 1", "--replay", kSample, "--log-folder", "l"}),
-      StartsWith("--log-folder is for the files of one machine"));
+      StartsWith("--log-folder has no use here without this machine's tools"));
 }
 
 TEST(Options, RefuseToIdentifyRowsThatNeedNot) {

@@ -131,6 +131,15 @@ TEST(Query, TellsAndLeavesOutWhatCannotBeRead) {
   EXPECT_EQ(none.exitCode, 2);
 }
 
+TEST(Query, RefusesALogFolderThatItWouldNotFill) {
+  const test::TemporaryFolder folder;
+  const HostRun run =
+      RunHost({"query", "--replay", Sample("blade"), "--log-folder", folder / "logs", "SELECT 1"});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_THAT(run.error, HasSubstr("--log-folder has no use here without this machine's tools"));
+  EXPECT_FALSE(std::filesystem::exists(folder / "logs"));
+}
+
 TEST(QueryOptions, BoundTheTimeFromOneSecondToADay) {
   for (const char* seconds : {"0", "86401", "soon"}) {
     EXPECT_THAT(RunHost({"query", "x.db", "SELECT 1", "--time-limit", seconds}).error,

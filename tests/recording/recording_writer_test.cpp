@@ -74,6 +74,16 @@ TEST_F(WrittenRecording, NamesItsFilesByCommandAndPath) {
                                    "files/001_lmhosts.sam", "manifest.sha256", "recording.json"));
 }
 
+TEST_F(WrittenRecording, IsNotLeftByHalf) {
+  Recording recording;
+  recording.commands = {{"net", "share", "shares", "warning"}};
+  recording.files["C:\\Windows\\hosts"] = "hosts";
+  folder.Write("manifest.sha256/in the way", "");
+  EXPECT_THROW(host::WriteRecording(recording, folder.Path()), std::runtime_error);
+  EXPECT_THAT(folder.Files(), testing::ElementsAre("manifest.sha256/in the way"));
+  EXPECT_FALSE(std::filesystem::exists(folder.Path() / "commands"));
+}
+
 TEST_F(WrittenRecording, HasAManifestOfItsFiles) {
   Recording recording;
   recording.commands = {{"net", "share", "shares", ""}};
@@ -115,7 +125,7 @@ TEST_F(WrittenRecording, SaysWhichMachineItIsAndWhen) {
                                     .serials = {"NGR208-0031", "Gr\u00F6\u00DFe"},
                                     .program = "pqhost 0.1.0",
                                     .tools = {{"storcli", "007.2612"}},
-                                    .redacted = Redaction{"support", {{"user", 3}}}};
+                                    .redacted = Redaction{"support", {{"user", 3}}, 2}};
   const Recording read = WriteAndLoad(recording);
   EXPECT_EQ(read.submission, recording.submission);
   EXPECT_THAT(read.doubts, testing::IsEmpty());

@@ -64,6 +64,8 @@ TEST_F(SubmissionFile, SaysWhichMemberIsWrongAndHow) {
        "submission.json: redacted: has to be an object, { ... }, not true"},
       {R"({"format": 1, "redacted": {"counts": {"user": -1}}})",
        "submission.json: redacted.counts[\"user\"]: has to be a whole number, not -1"},
+      {R"({"format": 1, "redacted": {"leftOut": "two"}})",
+       "submission.json: redacted.leftOut: has to be a whole number, not \"two\""},
       {R"({"format": 1, "name": "A", "name": "B"})", "submission.json: line 1, column "},
       {R"({"format": 1,)", "submission.json: line 1, column "}};
   for (const auto& [text, words] : kWrong) EXPECT_THAT(Complain(text), HasSubstr(words)) << text;

@@ -52,6 +52,7 @@ TEST_F(ZippedRecording, IsTheSameAsItsFolder) {
     SCOPED_TRACE(sample.path());
     const Recording whole = LoadRecording(sample.path());
     const Recording zipped = LoadRecording(Zip(sample.path()));
+    EXPECT_EQ(LoadZippedRecording(place.Read("r.zip"), "r.zip").contentKey, whole.contentKey);
     EXPECT_EQ(zipped.commands, whole.commands);
     EXPECT_EQ(zipped.files, whole.files);
     EXPECT_EQ(zipped.contentKey, whole.contentKey);

@@ -190,15 +190,16 @@ void Inject(host::Recording& recording, const FaultRun& whole, std::size_t row, 
   }
 }
 
-constexpr std::size_t kFloodLineLength = 400;
+constexpr std::size_t kFloodLineLength = 200;
 
-/// Lines of four words each, shared by everything that prints too much.
+/// Lines of four words each, shared by everything that prints too much. Longer ones keep the heap
+/// of Wine searching for minutes.
 const std::string& GetFloodBlock() {
   static const std::string block = [] {
     std::string line = std::string(kFloodLineLength - 1, 'x') + '\n';
-    for (std::size_t column = 0; column < line.size(); column += 100) line[column] = ' ';
+    for (std::size_t column = 0; column < line.size(); column += 50) line[column] = ' ';
     std::string lines;
-    for (int i = 0; i < 2500; ++i) lines += line;
+    for (int i = 0; i < 5000; ++i) lines += line;
     return lines;
   }();
   return block;

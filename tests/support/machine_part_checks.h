@@ -152,7 +152,7 @@ inline std::string FindUnsoundPart(const host::Recording& machine) {
     }
   }
   if (count > CountLines(collection)) return "more parts than lines";
-  return parts.sources.size() == 10 ? "" : "a source is missing";
+  return parts.sources.size() == 11 ? "" : "a source is missing";
 }
 
 }  // namespace test

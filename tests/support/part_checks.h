@@ -25,7 +25,7 @@ using Reports = std::map<std::string, std::string>;
 /// The parts of storcli's reports on controller 0, whose keys are those of LSILINK.
 inline host::Parts ReadLsiReports(const Reports& reports) {
   host::Parts parts;
-  const auto read = [&](const char* key, void (*reader)(const host::Report&, host::Parts&)) {
+  const auto read = [&](const char* key, auto* reader) {
     const auto found = reports.find(key);
     if (found == reports.end()) return;
     reader({found->second, {"LSILINK", 1, key, 0, "storcli"}, "lsi0"}, parts);

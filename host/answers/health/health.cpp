@@ -10,6 +10,7 @@
 #include "host/answers/health/findings.h"
 #include "host/answers/health/rule_database.h"
 #include "host/answers/health/wall_time.h"
+#include "host/answers/parts/optical_drives.h"
 #include "host/answers/parts/part_tables.h"
 #include "host/text/time_text.h"
 
@@ -23,6 +24,7 @@ constexpr std::array<const char*, 4> kWords{"notice", "unknown", "warning", "cri
 struct AsOf {
   std::string time;
   std::string from;
+  bool isDated = true;
 };
 
 /// The latest time that a part of `table` tells; empty without any.
@@ -43,10 +45,13 @@ AsOf FindAsOf(const Parts& parts, const HealthOptions& options, const std::strin
   if (auto time = FindLatest(parts.controllers, &Controller::systemTime); !time.empty()) {
     return {std::move(time), "the machine's clock, as its controller tells"};
   }
+  if (auto time = FindLatest(parts.sources, &PartSource::time); !time.empty()) {
+    return {std::move(time), "the machine's clock, as the list of its sensors tells"};
+  }
   if (auto time = FindLatest(parts.events, &Event::time); !time.empty()) {
     return {std::move(time), "the newest entry of the logs"};
   }
-  return {collected, "now, since nothing tells when it was"};
+  return {collected, "now, since nothing tells when it was", /*isDated=*/false};
 }
 
 // --- what users add ---
@@ -97,10 +102,19 @@ void Suppress(const HealthOptions& options, const std::string& today,
 bool IsOfCollection(std::string_view table) { return table == "sources" || table == "unread"; }
 
 void CountParts(const Parts& parts, Health& health) {
+  const auto count = [&](std::string name, std::size_t number) {
+    if (number > 0) health.checked.emplace_back(std::move(name), number);
+  };
+  const std::size_t optical = CountOpticalDrives(parts);
+  const auto absent = static_cast<std::size_t>(
+      std::ranges::count(parts.cacheBackups, "absent", &CacheBackup::condition));
   for (const PartTable& table : GetPartTables()) {
-    const std::size_t count = table.count(parts);
-    if (count > 0 && !IsOfCollection(table.name)) {
-      health.checked.emplace_back(table.name, count);
+    const std::size_t all = table.count(parts);
+    if (table.name == "drives") {
+      count("drives", all - optical);
+      count("optical_drives", optical);
+    } else if (!IsOfCollection(table.name)) {
+      count(std::string(table.name), table.name == "cache_backups" ? all - absent : all);
     }
   }
 }
@@ -111,23 +125,39 @@ HealthHit MakeNothingChecked() {
   hit.severity = Severity::kUnknown;
   hit.part = "sources";
   hit.id = "all";
-  hit.observed = "no part of the machine could be read";
-  hit.text = "Collect again: nothing of this machine could be looked at";
+  hit.observed = "nothing that could be judged was read";
+  hit.text = "Find out why nothing of this machine could be judged";
   hit.area = "collection";
   hit.why = "What nobody has looked at may be well or not.";
   hit.next = "pqhost check tells which tools are missing.";
   return hit;
 }
 
+HealthHit MakeDoubt(const std::string& doubt) {
+  HealthHit hit;
+  hit.rule = "collection.doubt";
+  hit.severity = Severity::kNotice;
+  hit.part = "sources";
+  hit.id = "recording";
+  hit.observed = doubt;
+  hit.text = "Get the recording again, if it matters: " + doubt;
+  hit.area = "collection";
+  hit.why = "What is judged may not be what was recorded, or not when it was.";
+  hit.next = "pqhost verify tells what differs.";
+  return hit;
+}
+
 Health Judge(RuleDatabase& rules, const Parts& parts, const AsOf& asOf,
-             const HealthOptions& options) {
+             const HealthOptions& options, const std::vector<std::string>& doubts = {}) {
   Health health;
   health.asOf = asOf.time;
   health.asOfFrom = asOf.from;
+  health.isDated = asOf.isDated;
   health.sources = parts.sources;
   CountParts(parts, health);
   std::vector<HealthHit> hits = rules.Ask(parts, ReadWallTime(asOf.time));
   if (health.checked.empty()) hits.push_back(MakeNothingChecked());
+  for (const std::string& doubt : doubts) hits.push_back(MakeDoubt(doubt));
   AddRequired(parts, options, hits);
   constexpr std::size_t kDay = 10;
   Suppress(options, asOf.time.substr(0, kDay), hits);
@@ -176,10 +206,10 @@ Health HealthJudge::Judge(const Collection& collection, const Parts& parts) {
   // The user's rules can ask the classes, too, which are others for each machine.
   if (HasOwnRules()) {
     RuleDatabase ofMachine(options, &collection);
-    return host::Judge(ofMachine, parts, asOf, options);
+    return host::Judge(ofMachine, parts, asOf, options, collection.doubts);
   }
   if (rules == nullptr) rules = std::make_unique<RuleDatabase>(options, nullptr);
-  return host::Judge(*rules, parts, asOf, options);
+  return host::Judge(*rules, parts, asOf, options, collection.doubts);
 }
 
 Health HealthJudge::JudgeParts(const Parts& parts, const std::string& collected) {

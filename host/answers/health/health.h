@@ -50,6 +50,7 @@ struct HealthFinding {
 struct Health {
   std::string asOf;  ///< the time that entries of logs are compared with, "2026-11-18T09:41:12"
   std::string asOfFrom;
+  bool isDated = true;                  ///< something told the time; otherwise it is now
   std::optional<Severity> worst;        ///< none: nothing is wrong
   std::vector<HealthFinding> findings;  ///< the worst first
   /// How many parts of each kind were looked at: "drives", 32. Without those of which there is

@@ -33,8 +33,13 @@ constexpr HealthSetting kSettings[] = {
 };
 
 constexpr std::string_view kSources[] = {
-    "lsi", "microchip", "intel", "sensors", "sel", "fru", "power supplies", "leds", "amt", "sas2",
+    "lsi",  "microchip", "intel", "sensors", "sel", "fru", "power supplies",
+    "leds", "self-test", "amt",   "sas2",
 };
+
+/// What is judged without a question to the parts.
+constexpr const char* kRulesOfProgram[] = {"collection.doubt", "collection.not-judged",
+                                           "collection.nothing", "collection.required"};
 
 /// The text before a # outside quotation marks, and the one after it.
 struct Commented {
@@ -143,6 +148,8 @@ std::vector<Suppression> ReadSuppressions(std::string_view text, const std::stri
     one.rule = words[0];
     one.id = words[1];
     one.reason = reason;
+    one.file = file;
+    one.line = static_cast<std::size_t>(line.number);
     read.push_back(std::move(one));
   }
   return read;
@@ -168,6 +175,20 @@ bool FitsPattern(std::string_view text, std::string_view pattern) {
     }
   }
   return pattern.find_first_not_of('*', next) == pattern.npos;
+}
+
+void RefuseUnknownRules(const HealthOptions& options) {
+  std::vector<std::string> rules(std::begin(kRulesOfProgram), std::end(kRulesOfProgram));
+  for (const Rule& rule : options.rules) rules.push_back(rule.id);
+  for (const Suppression& one : options.suppressions) {
+    const bool isKnown = std::any_of(rules.begin(), rules.end(), [&](const std::string& rule) {
+      return FitsPattern(rule, one.rule);
+    });
+    if (isKnown) continue;
+    throw HealthFileError(
+        one.file, one.line,
+        fmt::format("there is no rule {}{}", one.rule, SuggestName(one.rule, rules)));
+  }
 }
 
 void TakeRequired(std::string_view text, std::vector<std::string>& required) {

@@ -33,6 +33,8 @@ struct Suppression {
   std::string id;     ///< of the part, or its serial number; * is any text
   std::string until;  ///< a day as in "2026-12-31", the last on which it holds; empty: for ever
   std::string reason;
+  std::string file = {};  ///< that says so
+  std::size_t line = 0;   ///< of it, from 1
 };
 /// Reads lines "RULE ID [until=DATE] # REASON"; an id with blanks is in quotation marks. Throws
 /// HealthFileError.
@@ -47,6 +49,10 @@ struct HealthOptions {
   std::vector<std::string> required = {};  ///< sources that have to be there
   std::optional<std::string> asOf = {};    ///< as ReadWallTime reads it
 };
+
+/// Throws HealthFileError for the first suppression that is of none of the rules, the user's among
+/// them.
+void RefuseUnknownRules(const HealthOptions& options);
 
 /// Takes the sources of "lsi,sensors" into `required`. Throws UsageError for one that there is not.
 void TakeRequired(std::string_view text, std::vector<std::string>& required);

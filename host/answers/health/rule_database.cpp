@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <map>
+#include <stdexcept>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -40,16 +41,22 @@ std::string_view ViewText(const SqlValue& value) {
   return text == nullptr ? std::string_view() : *text;
 }
 
-/// 1 for a time of the window, 0 for another; nothing for none.
+constexpr std::int64_t kDay = 86'400;  // seconds
+
+/// 1 for a time of the window, 0 for an earlier one; nothing for none. The clock of a log may be
+/// ahead of the one that told when the collection was: what comes after it may well be of today.
 SqlValue IsRecent(std::optional<std::int64_t> now, double days, std::string_view time) {
-  constexpr std::int64_t kDay = 86'400;
   const std::optional<std::int64_t> at = ReadWallTime(time);
   if (!at || !now) return {};
-  // The machine's clock may be ahead of the one that told when the collection was.
   const std::int64_t age = *now - *at;
-  const bool isRecent =
-      age >= -kDay && static_cast<double>(age) <= days * static_cast<double>(kDay);
-  return std::int64_t{isRecent};
+  return std::int64_t{static_cast<double>(age) <= days * static_cast<double>(kDay)};
+}
+
+/// 1 for a time that had not come, time zones aside; 0 for another; nothing for none.
+SqlValue IsAhead(std::optional<std::int64_t> now, std::string_view time) {
+  const std::optional<std::int64_t> at = ReadWallTime(time);
+  if (!at || !now) return {};
+  return std::int64_t{*at - *now > kDay};
 }
 
 // --- parts by table and id ---
@@ -151,6 +158,20 @@ std::string TakeText(const Database::Values& values, std::size_t column,
   return values[column].text;
 }
 
+/// A line of a tool can have any length; a sentence that quotes it must not. The parts have all of
+/// it.
+std::string Shorten(std::string text) {
+  constexpr std::size_t kMost = 500;  // bytes
+  const auto isWithin = [](char c) { return (static_cast<unsigned char>(c) & 0xc0) == 0x80; };
+  if (text.size() <= kMost) return text;
+  std::size_t end = kMost;
+  while (end > 0 && isWithin(text[end])) --end;
+  const auto rest = std::count_if(text.begin() + static_cast<std::ptrdiff_t>(end), text.end(),
+                                  [&](char c) { return !isWithin(c); });
+  text.resize(end);
+  return text + fmt::format("… ({} more characters)", rest);
+}
+
 /// A hit whose part has still to be looked for.
 struct NamedHit {
   HealthHit hit;
@@ -171,13 +192,13 @@ NamedHit ReadHit(const Rule& rule, const AnswerColumns& columns, const Database:
   hit.severity = *severity;
   hit.part = TakeText(values, columns.part, rule.part);
   hit.id = TakeText(values, AnswerColumns::kId);
-  hit.observed = TakeText(values, AnswerColumns::kObserved);
+  hit.observed = Shorten(TakeText(values, AnswerColumns::kObserved));
   hit.area = TakeText(values, columns.area, rule.area);
   hit.why = rule.why;
   hit.next = rule.next;
   hit.isOfLog = rule.isOfLog;
   hit.because = SplitIds(TakeText(values, AnswerColumns::kBecause), hit.id);
-  hit.text = TakeText(values, AnswerColumns::kText);
+  hit.text = Shorten(TakeText(values, AnswerColumns::kText));
   if (hit.text.empty()) hit.text = hit.id + ": " + hit.observed;
   const PartTable* table = FindPartTable(hit.part);
   if (table == nullptr) throw DatabaseError(fmt::format("there is no table of parts {}", hit.part));
@@ -206,9 +227,18 @@ std::vector<HealthHit> FindParts(std::vector<NamedHit> named, const Parts& parts
   return hits;
 }
 
+std::string NameFile(const Rule& rule) { return rule.file.empty() ? "rules.sql" : rule.file; }
+
+/// Throws why `rule` could not be asked: HealthFileError, except where only this machine is too
+/// much for it.
 [[noreturn]] void Refuse(const Rule& rule, const DatabaseError& error) {
-  throw HealthFileError(rule.file.empty() ? "rules.sql" : rule.file, rule.line,
-                        rule.id + ": " + error.what());
+  // The rule is one that other machines can be judged by.
+  if (const auto* limit = dynamic_cast<const DatabaseLimitError*>(&error)) {
+    throw std::runtime_error(
+        fmt::format("{}:{}: {}: for this machine {}; take the rule away, or let it ask for less",
+                    NameFile(rule), rule.line, rule.id, limit->Excess()));
+  }
+  throw HealthFileError(NameFile(rule), rule.line, rule.id + ": " + error.what());
 }
 
 bool IsOfUser(const Rule& rule) { return !rule.file.empty(); }
@@ -255,6 +285,8 @@ void RuleDatabase::AddFunctions() {
   });
   database.AddFunction(
       "recent", [this](const SqlValue& time) { return IsRecent(now, recentDays, ViewText(time)); });
+  database.AddFunction("ahead",
+                       [this](const SqlValue& time) { return IsAhead(now, ViewText(time)); });
 }
 
 void RuleDatabase::AddPartTables() {

@@ -17,8 +17,9 @@
 -- "-- @log" marks rules about what was, which weigh less than what is. A text goes on in the next
 -- line where that begins with "--" and three blanks.
 --
--- setting('NAME') is a setting, recent(TIME) is 1 for a time within recent_days before the
--- collection, 0 for another, NULL for none.
+-- setting('NAME') is a setting. recent(TIME) is 1 for a time within recent_days before the
+-- collection, or after it; 0 for another, NULL for none. ahead(TIME) is 1 for a time more than a
+-- day after the collection, 0 for another, NULL for none.
 
 -- ------------------------------------------------------------------------------------------ words
 
@@ -149,8 +150,8 @@ FROM (VALUES
   (0x6f, 0x29, 0, 'warning',  'battery low', 1),
   (0x6f, 0x29, 1, 'critical', 'battery failed', 1));
 
--- ipmiutil's words that have one meaning only; "Faulty", "Absent", "Present" and "Asserted" have
--- several. A type of NULL is any.
+-- ipmiutil's words, in lower case, that have one meaning only; "Faulty", "Absent", "Present" and
+-- "Asserted" have several. A type of NULL is any.
 -- @words ipmiutil_words
 SELECT column1 AS word, CAST(column2 AS INTEGER) AS type, column3 AS severity
 FROM (VALUES
@@ -169,7 +170,17 @@ FROM (VALUES
   ('non-critical', NULL, 'warning'), ('critical', NULL, 'critical'),
   ('non-recoverable', NULL, 'critical'), ('exceeded', NULL, 'warning'));
 
--- Status words of sensors with limits, in both listings.
+-- Words that tell of no trouble, and those of several meanings, of which only the state bits tell
+-- which. Any other word is not understood.
+-- @words plain_words
+SELECT column1 AS word
+FROM (VALUES
+  ('_'), ('present'), ('procpresent'), ('inserted'), ('enabled'), ('asserted'), ('deasserted'),
+  ('redundant'), ('fullyredund'), ('full redundancy'), ('logcleared'), ('working'), ('sleeping'),
+  ('off'), ('on'), ('online'), ('good'), ('healthy'), ('unused'), ('faulty'), ('faulty faulty'),
+  ('absent,fault'));
+
+-- Status words of sensors with limits, in both listings, in lower case.
 -- @words threshold_words
 SELECT column1 AS word, column2 AS condition
 FROM (VALUES
@@ -192,6 +203,7 @@ FROM (VALUES
   ('intel', 'the Intel RAID', 'Intel'), ('sensors', 'the sensors of the BMC', NULL),
   ('sel', 'the log of the BMC', NULL), ('fru', 'the FRU data', NULL),
   ('power supplies', 'the power supplies', NULL), ('leds', 'the lights', NULL),
+  ('self-test', 'the self-test of the BMC', NULL),
   ('amt', 'the AMT log', NULL), ('sas2', 'the log of the SAS2 controller', NULL));
 
 -- @words sensor_areas
@@ -228,8 +240,8 @@ FROM (VALUES
   (0x0a1, 0x090), (0x0a2, 0x0a3), (0x0a2, 0x090), (0x0a6, 0x0a7), (0x0a8, 0x0d0), (0x0ab, 0x0cd),
   (0x0b2, 0x0e9), (0x0b3, 0x0e9), (0x0b4, 0x0e9), (0x0bc, 0x0a7), (0x0c3, 0x0c2), (0x0ce, 0x0cf),
   (0x0d8, 0x0d7), (0x0da, 0x0db), (0x0da, 0x0dc), (0x0fa, 0x0f9), (0x0fb, 0x0f9), (0x0fc, 0x0f9),
-  (0x121, 0x120), (0x143, 0x146), (0x144, 0x146), (0x182, 0x090), (0x188, 0x189), (0x18b, 0x090),
-  (0x191, 0x190));
+  (0x0fc, 0x0fb), (0x121, 0x120), (0x143, 0x146), (0x144, 0x146), (0x182, 0x090), (0x188, 0x189),
+  (0x18b, 0x090), (0x191, 0x190));
 
 -- All codes that a rule looks at; "ends" is 1 for those that end trouble.
 -- @words lsi_looked_at
@@ -260,6 +272,19 @@ SELECT v.*,
             ELSE 1 END AS redundant
 FROM volumes v;
 
+-- What its volumes amount to for each group: a group can have as many volumes as it has drives, and
+-- each must not be compared with all of the others. Here and below.
+-- @table group_volumes
+-- @index grp
+SELECT grp, count(*) AS volumes, max(NOT redundant) AS unprotected, min(id) AS id
+FROM volume_states WHERE grp IS NOT NULL GROUP BY grp;
+
+-- The first volume of each group that is not whole.
+-- @table group_troubles
+-- @index grp
+SELECT grp, id, min(rowid) AS first FROM volume_states
+WHERE grp IS NOT NULL AND condition IN ('degraded', 'partly', 'recovering') GROUP BY grp;
+
 -- @table drive_states
 -- @index grp
 -- @index controller
@@ -269,27 +294,58 @@ SELECT d.*,
             ELSE '' END ||
        coalesce(' (' || nullif(trim(coalesce(d.model, '') || coalesce(', serial ' || d.serial, ''),
                                     ', '), '') || ')', '') AS called,
-       (SELECT count(*) FROM volume_states v WHERE v.grp = d.grp) AS volumes,
-       EXISTS (SELECT 1 FROM volume_states v WHERE v.grp = d.grp AND NOT v.redundant)
-       AS unprotected,
+       coalesce(g.volumes, 0) AS volumes, coalesce(g.unprotected, 0) AS unprotected,
        d.condition IN ('rebuilding', 'copying') OR d.member_state LIKE 'Rebuilding%' AS rebuilds
-FROM drives d;
+FROM drives d LEFT JOIN group_volumes g ON g.grp = d.grp;
+
+-- @table group_drives
+-- @index grp
+SELECT grp, max(coalesce(rebuilds, 0)) AS rebuilds,
+       group_concat(CASE WHEN condition IN ('failed', 'missing') THEN id END, ';') AS failed,
+       min(CASE WHEN condition IN ('failed', 'missing') THEN id END) AS first_failed
+FROM drive_states WHERE grp IS NOT NULL GROUP BY grp;
+
+-- @table group_gaps
+-- @index grp
+SELECT grp, group_concat(id, ';') AS missing, min(id) AS first_missing FROM missing_drives
+WHERE grp IS NOT NULL GROUP BY grp;
+
+-- Why volumes lack drives. The first of a group names all of them, which belong to one finding
+-- then; the others name one.
+-- @table volume_causes
+-- @index id
+SELECT v.id, coalesce(d.rebuilds, 0) AS rebuilds,
+       CASE v.id WHEN f.id THEN d.failed ELSE d.first_failed END AS failed,
+       CASE v.id WHEN f.id THEN m.missing ELSE m.first_missing END AS missing
+FROM volume_states v
+JOIN (SELECT grp, id, min(rowid) FROM volume_states
+      WHERE condition IN ('degraded', 'partly', 'offline') GROUP BY grp) f ON f.grp = v.grp
+LEFT JOIN group_drives d ON d.grp = v.grp
+LEFT JOIN group_gaps m ON m.grp = v.grp
+WHERE v.condition IN ('degraded', 'partly', 'offline');
+
+-- Those that tell no group have one of NULL.
+-- @table lost_drives
+-- @index controller, grp
+SELECT controller, grp, count(*) AS drives, min(id) AS id FROM drive_states
+WHERE condition IN ('failed', 'missing') GROUP BY controller, grp;
 
 -- "condition" of a sensor with limits; 'discrete' has state bits, 'word' only ipmiutil's word.
 -- @table sensor_states
 -- @index id
-SELECT s.*, coalesce(s.name, s.id) AS called, coalesce(a.area, 'sensors') AS area,
+SELECT s.*, lower(s.status) AS word, coalesce(s.name, s.id) AS called,
+       coalesce(a.area, 'sensors') AS area,
        CASE WHEN s.states IS NOT NULL THEN 'discrete' ELSE coalesce(w.condition, 'word') END
        AS condition
 FROM sensors s
-LEFT JOIN threshold_words w ON w.word = coalesce(s.status, '')
+LEFT JOIN threshold_words w ON w.word = coalesce(lower(s.status), '')
 LEFT JOIN sensor_areas a ON a.type = s.type;
 
 -- State bits that are set now and mean trouble. ipmiutil calls a processor present by bit 7 alone;
 -- a listing with that word and a lower bit contradicts itself: which is true, nobody knows.
 -- @table sensor_bits
 SELECT s.id, s.called, s.area, s.type, s.event_type, s.status, i.meaning,
-       CASE WHEN s.type = 0x07 AND s.status = 'procpresent' AND i.bit < 7 THEN 'unknown'
+       CASE WHEN s.type = 0x07 AND s.word = 'procpresent' AND i.bit < 7 THEN 'unknown'
             ELSE i.severity END AS severity
 FROM sensor_states s
 JOIN ipmi_states i ON i.event_type = s.event_type AND (i.type IS NULL OR i.type = s.type)
@@ -301,7 +357,7 @@ WHERE s.states IS NOT NULL AND (s.states >> i.bit) & 1 AND i.event_type <> 0x01;
 SELECT 'drives' AS part, id, called FROM drive_states
 UNION ALL SELECT 'volumes', id, called FROM volume_states
 UNION ALL SELECT 'sensors', id, called FROM sensor_states
-UNION ALL SELECT 'cache_backups', id, coalesce(kind || ' of ' || controller, id)
+UNION ALL SELECT 'cache_backups', id, coalesce('the ' || kind || ' of ' || controller, id)
 FROM cache_backups
 UNION ALL SELECT 'controllers', id, 'controller ' || id || coalesce(' (' || model || ')', '')
 FROM controllers;
@@ -368,6 +424,17 @@ LEFT JOIN ipmi_states i ON i.event_type = e.event_type AND i.bit = e."offset"
                            AND (i.type IS NULL OR i.type = e.code)
 WHERE e.source = 'SEL';
 
+-- Sources of which something was read, whole or not.
+-- @table told_sources
+-- @index id
+SELECT n.id FROM source_names n JOIN controllers c ON c.vendor = n.vendor
+UNION SELECT n.id FROM source_names n JOIN drives d ON d.vendor = n.vendor
+UNION SELECT 'sensors' FROM sensors
+UNION SELECT lower(source) FROM other_events
+UNION SELECT 'power supplies' FROM power_supplies
+UNION SELECT 'leds' FROM leds
+UNION SELECT 'self-test' FROM self_tests;
+
 -- The last entry that says a state is over. Redundancy that is back ends each loss of it.
 -- @table sel_ended
 -- @index sensor, event_type
@@ -413,8 +480,7 @@ FROM drive_states WHERE condition IN ('bad', 'unsupported', 'shielded');
 -- @source check_raid #47
 SELECT 'warning', id,
        CASE WHEN condition IN ('rebuilding', 'copying') THEN state ELSE member_state END,
-       (SELECT v.id FROM volume_states v
-        WHERE v.grp = d.grp AND v.condition IN ('degraded', 'partly', 'recovering') LIMIT 1),
+       (SELECT t.id FROM group_troubles t WHERE t.grp = d.grp),
        'Wait until ' || called ||
        ' has been rebuilt, and leave the other drives of its array in place'
 FROM drive_states d WHERE rebuilds;
@@ -462,7 +528,8 @@ FROM drive_states WHERE media_errors > setting('media_errors');
 -- @next Compare the count with an earlier collection; if it grows, reseat drive and cable.
 -- @source check_lsi_raid -Io
 SELECT 'notice', id, 'other errors ' || other_errors, NULL,
-       'Look at the connection of ' || called || ' if its ' || other_errors || ' other errors grow'
+       'Look at the connection of ' || called || ' if its count of other errors (' ||
+       other_errors || ') grows'
 FROM drive_states WHERE other_errors > setting('other_errors');
 
 -- @rule drive.unreadable-sectors
@@ -580,11 +647,18 @@ WHERE lower(failure_reason) NOT IN ('no failure', 'none', 'not applicable', 'n/a
 -- @part drives
 -- @area drives
 -- @column state
--- @why The tool calls the drive's state by a word that is not known here.
--- @next Look the word up in the tool's manual; a rule of your own (--rules) can judge it.
+-- @why The tool calls the drive's state by a word that is not known here, or tells none, as in a
+--   report that was cut off.
+-- @next Look the word up in the tool's manual; a rule of your own (--rules) can judge it. Where
+--   there is none, collect again.
 -- @source Checkmk werk on JBOD, 2025
-SELECT 'unknown', id, state, NULL, 'Find out what "' || state || '" means of ' || called
-FROM drive_states WHERE condition = 'unknown';
+SELECT 'unknown', id, coalesce(state, 'no state in the report'), NULL,
+       coalesce('Find out what "' || state || '" means of ' || called,
+                'Collect again: the report shows no state of ' || called)
+FROM drive_states
+WHERE condition = 'unknown'
+      OR (condition = 'untold'
+          AND vendor IN (SELECT vendor FROM drive_states WHERE condition <> 'untold'));
 
 -- ----------------------------------------------------------------------------------------- arrays
 
@@ -594,9 +668,7 @@ FROM drive_states WHERE condition = 'unknown';
 -- @column state
 -- @why The volume cannot be used, and what is on it may be lost.
 -- @next Write nothing, leave all drives where they are, and call the maker's support.
-SELECT 'critical', v.id, v.state,
-       (SELECT group_concat(d.id, ';') FROM drive_states d
-        WHERE d.grp = v.grp AND d.condition IN ('failed', 'missing')),
+SELECT 'critical', v.id, v.state, (SELECT c.failed FROM volume_causes c WHERE c.id = v.id),
        'Leave all drives in place and call support: ' || called || ' is offline (' || v.state || ')'
 FROM volume_states v WHERE condition = 'offline';
 
@@ -615,12 +687,10 @@ SELECT CASE WHEN rebuilds THEN 'warning' ELSE 'critical' END, id,
             ELSE 'Replace the failed drive of ' || called || ': it is degraded (' || state || ')'
             END
 FROM (SELECT v.*,
-             EXISTS (SELECT 1 FROM drive_states d WHERE d.grp = v.grp AND d.rebuilds) AS rebuilds,
-             (SELECT group_concat(d.id, ';') FROM drive_states d
-              WHERE d.grp = v.grp AND d.condition IN ('failed', 'missing')) AS failed,
-             (SELECT group_concat(m.id, ';') FROM missing_drives m WHERE m.grp = v.grp) AS missing,
+             coalesce(c.rebuilds, 0) AS rebuilds, c.failed, c.missing,
              (SELECT l.id FROM loose_drives l WHERE l.controller = v.controller) AS loose
-      FROM volume_states v WHERE condition = 'degraded');
+      FROM volume_states v LEFT JOIN volume_causes c ON c.id = v.id
+      WHERE condition = 'degraded');
 
 -- @rule volume.partly-degraded
 -- @part volumes
@@ -629,9 +699,7 @@ FROM (SELECT v.*,
 -- @why A drive of the volume has failed or is missing; it survives one more failure.
 -- @next Replace the failed drive.
 -- @source Checkmk megaraid
-SELECT 'warning', v.id, v.state,
-       (SELECT group_concat(d.id, ';') FROM drive_states d
-        WHERE d.grp = v.grp AND d.condition IN ('failed', 'missing')),
+SELECT 'warning', v.id, v.state, (SELECT c.failed FROM volume_causes c WHERE c.id = v.id),
        'Replace the failed drive of ' || called || ': it is partly degraded (' || v.state || ')'
 FROM volume_states v WHERE condition = 'partly';
 
@@ -683,10 +751,14 @@ WHERE consistent = 'No' AND redundant AND condition = 'optimal'
 -- @part volumes
 -- @area arrays
 -- @column state
--- @why The tool calls the volume's state by a word that is not known here.
--- @next Look the word up in the tool's manual; a rule of your own (--rules) can judge it.
-SELECT 'unknown', id, state, NULL, 'Find out what "' || state || '" means of ' || called
-FROM volume_states WHERE condition = 'unknown';
+-- @why The tool calls the volume's state by a word that is not known here, or tells none, as in a
+--   report that was cut off.
+-- @next Look the word up in the tool's manual; a rule of your own (--rules) can judge it. Where
+--   there is none, collect again.
+SELECT 'unknown', id, coalesce(state, 'no state in the report'), NULL,
+       coalesce('Find out what "' || state || '" means of ' || called,
+                'Collect again: the report shows no state of ' || called)
+FROM volume_states WHERE condition IN ('unknown', 'untold');
 
 -- @rule group.degraded
 -- @part groups
@@ -698,11 +770,9 @@ SELECT CASE WHEN condition IN ('partly', 'recovering') OR rebuilds THEN 'warning
             ELSE 'critical' END,
        id, state, failed,
        'Look at the drives of group ' || id || ': it is not whole (' || state || ')'
-FROM (SELECT g.*,
-             EXISTS (SELECT 1 FROM drive_states d WHERE d.grp = g.id AND d.rebuilds) AS rebuilds,
-             (SELECT group_concat(d.id, ';') FROM drive_states d
-              WHERE d.grp = g.id AND d.condition IN ('failed', 'missing')) AS failed
-      FROM groups g WHERE g.condition IN ('degraded', 'partly', 'offline', 'recovering'))
+FROM (SELECT g.*, coalesce(d.rebuilds, 0) AS rebuilds, d.failed
+      FROM groups g LEFT JOIN group_drives d ON d.grp = g.id
+      WHERE g.condition IN ('degraded', 'partly', 'offline', 'recovering'))
       g
 WHERE NOT EXISTS (SELECT 1 FROM volume_states v
                   WHERE v.grp = g.id AND v.condition NOT IN ('optimal', 'untold', 'unknown'));
@@ -714,14 +784,15 @@ WHERE NOT EXISTS (SELECT 1 FROM volume_states v
 -- @why A place of the array has no drive.
 -- @next Put a drive in. Start the rebuild, if it does not start by itself.
 SELECT 'critical', m.id, m.state,
-       (SELECT CASE WHEN count(*) = 1 THEN min(d.id) END FROM drive_states d
-        WHERE d.controller = m.controller AND d.condition IN ('failed', 'missing')
-              AND (d.grp IS NULL OR d.grp = m.grp)),
+       CASE WHEN coalesce(own.drives, 0) + coalesce(loose.drives, 0) = 1
+            THEN coalesce(own.id, loose.id) END,
        'Put a drive in: ' || m.id ||
-       coalesce(' of the array ' ||
-                (SELECT min(v.id) FROM volume_states v WHERE v.grp = m.grp), '') ||
+       coalesce(' of the array ' || (SELECT v.id FROM group_volumes v WHERE v.grp = m.grp), '') ||
        ' is missing'
-FROM missing_drives m WHERE m.state LIKE 'Msng%' OR m.state LIKE 'Missing%';
+FROM missing_drives m
+LEFT JOIN lost_drives own ON own.controller = m.controller AND own.grp = m.grp
+LEFT JOIN lost_drives loose ON loose.controller = m.controller AND loose.grp IS NULL
+WHERE m.state LIKE 'Msng%' OR m.state LIKE 'Missing%';
 
 -- @rule group.no-spare
 -- @part volumes
@@ -733,9 +804,9 @@ SELECT 'notice', v.id, 'no hot spare on ' || v.controller, NULL,
        'Give ' || v.controller || ' a spare drive: ' || v.called || ' has nothing to be rebuilt on'
 FROM volume_states v
 WHERE v.condition IN ('degraded', 'partly')
-      AND NOT EXISTS (SELECT 1 FROM drive_states d WHERE d.grp = v.grp AND d.rebuilds)
-      AND NOT EXISTS (SELECT 1 FROM drive_states d
-                      WHERE d.controller = v.controller AND d.condition = 'spare');
+      AND NOT coalesce((SELECT d.rebuilds FROM group_drives d WHERE d.grp = v.grp), 0)
+      AND NOT coalesce(v.controller IN (SELECT controller FROM drive_states
+                                        WHERE condition = 'spare'), 0);
 
 -- ------------------------------------------------------------------------------------ controllers
 
@@ -745,7 +816,8 @@ WHERE v.condition IN ('degraded', 'partly')
 -- @column state
 -- @why Nothing keeps the write cache when power fails. Either its contents would be lost, or it is
 --   switched off and writing is slow.
--- @next Replace battery or capacitor. Until then, use write-through for data that must not be lost.
+-- @next While it charges or learns, look again in some hours. Otherwise replace battery or
+--   capacitor. Until then, use write-through for data that must not be lost.
 -- @source check_lsi_raid; check_raid (arcconf); check_adaptec_raid
 SELECT CASE condition
        WHEN 'passing' THEN 'notice'
@@ -758,10 +830,12 @@ SELECT CASE condition
        CASE condition
        WHEN 'passing' THEN 'Look again at ' || called || ': ' || state
        WHEN 'unknown' THEN 'Find out what "' || state || '" means of ' || called
-       ELSE 'See to ' || called || ': it does not protect the write cache (' || state || ')' END
+       ELSE 'See to ' || called || CASE kind WHEN 'cache' THEN ': it is not in use ('
+                                   ELSE ': it does not protect the write cache (' END ||
+            state || ')' END
 FROM (SELECT b.*, p.called FROM cache_backups b
       JOIN called_parts p ON p.part = 'cache_backups' AND p.id = b.id) c
-WHERE condition NOT IN ('good', 'untold');
+WHERE condition NOT IN ('good', 'absent', 'untold');
 
 -- @rule cache.hot
 -- @part cache_backups
@@ -882,7 +956,7 @@ WHERE NOT (n.part = 'volumes' AND EXISTS (SELECT 1 FROM volume_states v WHERE v.
                                           AND v.condition = 'optimal'))
       AND NOT (n.part = 'cache_backups'
                AND EXISTS (SELECT 1 FROM cache_backups b
-                           WHERE b.id = n.part_id AND b.condition = 'good'));
+                           WHERE b.id = n.part_id AND b.condition IN ('good', 'absent')));
 
 -- @rule lsi.event-class
 -- @part controllers
@@ -992,7 +1066,7 @@ SELECT b.severity, b.id, b.meaning || coalesce(' (' || b.status || ')', ''),
                    WHERE o.type = b.type AND o.condition IN ('critical', 'warning'))) END,
        CASE b.severity
        WHEN 'unknown'
-       THEN 'Find out how ' || b.called || ' is: its state bits say "' || b.meaning ||
+       THEN 'Find out what state ' || b.called || ' is in: its bits say "' || b.meaning ||
             '", its word "' || b.status || '"'
        ELSE 'Look at ' || b.called || ': ' || b.meaning END, b.area AS area
 FROM sensor_bits b;
@@ -1008,22 +1082,28 @@ SELECT CASE WHEN w.word IS NULL THEN 'unknown' ELSE max(w.severity) END, s.id, s
        CASE WHEN w.word IS NULL THEN 'Find out what "' || s.status || '" means of ' || s.called
             ELSE 'Look at ' || s.called || ': ' || s.status END, s.area AS area
 FROM sensor_states s
-LEFT JOIN ipmiutil_words w ON w.word = s.status
+LEFT JOIN ipmiutil_words w ON w.word = s.word
                               AND (w.type IS NULL OR s.type IS NULL OR w.type = s.type)
-WHERE s.condition = 'word' AND (w.word IS NOT NULL OR s.event_type = 0x01)
+WHERE s.condition = 'word'
+      AND (w.word IS NOT NULL OR s.event_type = 0x01
+           OR (s.word NOT GLOB '0x*' AND s.word NOT IN (SELECT word FROM plain_words)
+               AND s.word NOT IN (SELECT word FROM ipmiutil_words)))
 GROUP BY s.id;
 
 -- @rule psu.status
 -- @part power_supplies
 -- @area power
 -- @column status
--- @why The power supply tells of a fault, gets no power, or is not there.
--- @next Look at cord and socket; then replace the power supply.
-SELECT CASE WHEN faulty OR ac_volts = 0 THEN 'critical' ELSE 'warning' END, id, told, NULL,
+-- @why The power supply tells of a fault, gets no power, is not there, or tells no status, as in a
+--   report that was cut off.
+-- @next Look at cord and socket; then replace the power supply. Without a status, collect again.
+SELECT CASE WHEN faulty OR ac_volts = 0 THEN 'critical' WHEN gone THEN 'warning'
+            ELSE 'unknown' END, id, told, NULL,
        'Look at ' || id || ': ' || told
 FROM (SELECT *, substr(CASE WHEN faulty THEN ', ' || status ELSE '' END ||
                        CASE WHEN ac_volts = 0 THEN ', AC input 0 V' ELSE '' END ||
-                       CASE WHEN gone THEN ', absent' ELSE '' END, 3) AS told
+                       CASE WHEN gone THEN ', absent'
+                            WHEN status IS NULL THEN ', no status' ELSE '' END, 3) AS told
       FROM (SELECT *, coalesce(lower(status) NOT IN ('ok', 'present', 'good', ''), 0) AS faulty,
                    text LIKE '%absent%' OR text LIKE '%not present%' AS gone
             FROM power_supplies))
@@ -1161,7 +1241,10 @@ FROM other_events WHERE source = 'AMT' AND level >= 1 AND recent(time) GROUP BY 
 -- @source check_raid #163
 SELECT CASE WHEN id = 'fru' THEN 'notice' ELSE 'unknown' END, id,
        coalesce(class || ': ', '') || coalesce(observed, 'no answer'), NULL,
-       'Find out why ' || called || ' could not be read: ' || coalesce(observed, 'no answer')
+       CASE WHEN id IN (SELECT id FROM told_sources)
+            THEN 'Find out why not all of ' || called || ' could be read: '
+            ELSE 'Find out why ' || called || ' could not be read: ' END ||
+       coalesce(observed, 'no answer')
 FROM sources JOIN source_names USING (id) WHERE state = 'failed';
 
 -- @rule collection.no-state
@@ -1198,7 +1281,9 @@ WHERE id = 'sensors' AND state = 'read'
 -- @why The controller counts more volumes or drives than its report shows, so some were not judged.
 -- @next Look at the report itself.
 -- @source arcconf counts cache devices as well
-SELECT CASE vendor WHEN 'Microchip' THEN 'notice' ELSE 'unknown' END, id, told, NULL,
+SELECT CASE WHEN vendor = 'Microchip'
+                 AND NOT coalesce(listed_volumes = 0 AND volumes_declared > 0, 0) THEN 'notice'
+            ELSE 'unknown' END, id, told, NULL,
        'Look at the report of controller ' || id || ': it shows ' || told
 FROM (SELECT *, substr(CASE WHEN listed_volumes < volumes_declared
                             THEN ', ' || listed_volumes || ' of ' || volumes_declared || ' volumes'
@@ -1212,6 +1297,22 @@ FROM (SELECT *, substr(CASE WHEN listed_volumes < volumes_declared
                    (SELECT count(*) FROM drive_states d WHERE d.controller = c.id) AS listed_drives
             FROM controllers c))
 WHERE told <> '';
+
+-- @rule collection.clock-ahead
+-- @part sources
+-- @area log
+-- @why Entries of the log are of a time after this collection, so its clock is ahead, or the one
+--   that told the time of the collection is behind. How old they are, nobody knows: they count as
+--   recent.
+-- @next Set the clock of the device right.
+SELECT 'notice', lower(source),
+       coalesce(controller || ': ', '') || 'newest entry ' || max(time), NULL,
+       'Set the clock of ' ||
+       coalesce('controller ' || controller, (SELECT called FROM source_names n
+                                              WHERE n.id = lower(source)), source) ||
+       ' right: its log has entries up to ' || max(time) || ', after this collection',
+       id AS event
+FROM events WHERE ahead(time) GROUP BY source, controller;
 
 -- @rule collection.unread
 -- @part unread

@@ -22,6 +22,9 @@
 #include <algorithm>
 #include <cstddef>
 #include <optional>
+#include <set>
+#include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -64,6 +67,8 @@ class ConfigReader {
     const std::string_view text = Trim(line.text);
     if (text.empty()) return;
     at = PlaceOfLine(report, line);
+    if (text.starts_with("Controllers found")) hasHead = true;
+    if (text.starts_with("Command completed successfully")) hasEnd = true;
     if (IsRule(text, '-', kShortestRule)) {
       // A rule closes the heading before it, or announces one.
       headingIsNext = !std::exchange(headingIsOpen, false);
@@ -93,16 +98,37 @@ class ConfigReader {
     }
   }
 
-  void Finish() {
+  /// As ReadArcconfConfig.
+  std::string Finish() {
     EndDevice();
     JoinArcconfMembers(segments, {controller.id, firstVolume, firstDrive}, parts);
-    if (hasController) parts.controllers.push_back(std::move(controller));
     for (CacheBackup& backup : backups) {
       if (!backup.state.empty()) parts.cacheBackups.push_back(std::move(backup));
     }
+    if (!hasController) return "tells of no controller";
+    parts.controllers.push_back(std::move(controller));
+    if (hasHead && !hasEnd) return "breaks off: it does not say that the command completed";
+    if (!hasDevices) return "breaks off before its drives";
+    const std::size_t drives = parts.drives.size() - firstDrive;
+    if (const std::size_t members = CountMembers(); drives < members) {
+      return "breaks off: it tells of " + std::to_string(drives) + " of the " +
+             std::to_string(members) + " drives of its volumes";
+    }
+    return hasEnd || report.text.ends_with('\n') ? "" : "breaks off within a line";
   }
 
  private:
+  /// Drives that volumes name as present; each can be in several.
+  std::size_t CountMembers() const {
+    std::set<std::string_view> members;
+    for (const ArcconfSegment& segment : segments) {
+      if (LowerCase(segment.state) != "present") continue;
+      members.insert(segment.place.empty() ? segment.serial : segment.place);
+    }
+    members.erase(std::string_view());
+    return members.size();
+  }
+
   enum class Section { kOther, kController, kArrays, kVolumes, kDevices };
   enum class Device { kNone, kUntold, kDrive, kEnclosure, kOther };
 
@@ -138,6 +164,7 @@ class ConfigReader {
       section = Section::kVolumes;
     }
     if (section == Section::kController) controller.readAt = at;
+    hasDevices = hasDevices || section == Section::kDevices;
   }
 
   // --- the controller ---
@@ -355,6 +382,10 @@ class ConfigReader {
   const std::size_t firstDrive;
   const std::size_t firstVolume;
 
+  bool hasHead = false;     ///< the tool's first words
+  bool hasEnd = false;      ///< its last ones
+  bool hasDevices = false;  ///< the section that every controller has
+
   Section section = Section::kOther;
   std::string subsection;  ///< in lower case; empty: the section's or the volume's own lines
   bool headingIsNext = false;
@@ -379,11 +410,11 @@ class ConfigReader {
 
 }  // namespace
 
-void ReadArcconfConfig(const Report& report, Parts& parts) {
+std::string ReadArcconfConfig(const Report& report, Parts& parts) {
   ConfigReader reader(report, parts);
   ReportLine line;
   for (ReportLines lines(report.text); lines.Next(line);) reader.Take(line);
-  reader.Finish();
+  return reader.Finish();
 }
 
 }  // namespace host

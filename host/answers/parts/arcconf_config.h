@@ -9,7 +9,8 @@ namespace host {
 inline constexpr std::string_view kMicrochipId = "mchp";
 
 /// Appends the controller, its drives, volumes, groups, missing drives, cache backups and
-/// enclosures that the report on "mchpN" tells of.
-void ReadArcconfConfig(const Report& report, Parts& parts);
+/// enclosures that the report on "mchpN" tells of. That the report is not whole, in words; empty
+/// when it is, as far as it tells.
+std::string ReadArcconfConfig(const Report& report, Parts& parts);
 
 }  // namespace host

@@ -16,6 +16,7 @@
 #include "host/answers/parts/sources.h"
 #include "host/text/ascii.h"
 #include "host/text/decoder.h"
+#include "host/text/screen_text.h"
 
 namespace host {
 namespace {
@@ -27,30 +28,45 @@ constexpr char kRecordsArguments[] = "sensor";
 constexpr char kReadingsTool[] = "ipmiutil sensor -s -q";
 constexpr char kRecordsTool[] = "ipmiutil sensor";
 
-/// What a listing of ipmiutil says of itself. It ends with
+/// What a listing of ipmiutil says of itself. It begins with
+///   ipmiutil sensor version 3.18
+/// and ends with
 ///   ipmiutil sensor, completed successfully
-/// or with what went wrong in place of the last two words. Some builds end without either.
+/// or with what went wrong in place of the last two words. Some builds print none of these.
 class ListingEnd {
  public:
   void Take(std::string_view line) {
     const std::string_view text = Trim(line);
-    if (first.empty()) first = CleanUtf8(text.substr(0, kLongestWords));
+    if (first.empty() && text.starts_with("ipmiutil ")) hasHead = text.find(" ver") != text.npos;
+    if (first.empty()) first = CutText(text, kLongestWords);
     const std::vector<std::string_view> words = ListWords(text);
     if (words.size() < 3 || words[0] != "ipmiutil" || !words[1].ends_with(',')) return;
-    closing = CleanUtf8(text.substr(0, kLongestWords));
+    closing = CutText(text, kLongestWords);
     endedWell = text.ends_with("completed successfully");
+  }
+  /// What else tells that it is not whole.
+  void TakeGap(std::string gap) {
+    if (otherGap.empty()) otherGap = std::move(gap);
   }
 
   bool EndedWell() const { return endedWell; }
   bool EndedBadly() const { return !closing.empty() && !endedWell; }
+  /// Why it is not whole although it does not end in an error, in words; empty when it is, as far
+  /// as it tells.
+  std::string DescribeGap() const {
+    if (!otherGap.empty()) return otherGap;
+    return hasHead && closing.empty() ? "it breaks off without its last line" : std::string();
+  }
   /// Why nothing could be read: the listing's own words.
   const std::string& Words() const { return EndedBadly() ? closing : first; }
 
  private:
-  static constexpr std::size_t kLongestWords = 200;  // bytes
+  static constexpr std::size_t kLongestWords = 200;  // columns
 
   std::string first;
   std::string closing;
+  std::string otherGap;
+  bool hasHead = false;
   bool endedWell = false;
 };
 
@@ -65,38 +81,62 @@ bool IsTalk(std::string_view line) {
          line.starts_with("-- BMC version");
 }
 
+/// The interpreter's words, in the system's language, in place of the tool's.
+bool IsInterpreters(const ListingEnd& end) { return NamesProgram(end.Words()); }
+
 /// Appends the source `id` of the table `className`. `hasParts`: something was read.
 void AddBmcSource(const CollectedRows& rows, Parts& parts, const char* id, const char* className,
                   bool hasParts, const std::vector<ListingEnd>& ends) {
   const auto find = [&](auto test) { return std::find_if(ends.begin(), ends.end(), test); };
   const auto bad = find([](const ListingEnd& end) { return end.EndedBadly(); });
-  const auto told = find([](const ListingEnd& end) { return !end.Words().empty(); });
+  const auto told =
+      find([](const ListingEnd& end) { return !end.Words().empty() && !IsInterpreters(end); });
+  const auto cut = find([](const ListingEnd& end) { return !end.DescribeGap().empty(); });
   if (bad != ends.end()) {
     AddSource(parts, id, className, SourceState::kFailed,
               (hasParts ? "cut short: " : "") + bad->Words());
+  } else if (hasParts && cut != ends.end()) {
+    AddSource(parts, id, className, SourceState::kFailed, "cut short: " + cut->DescribeGap());
   } else if (hasParts ||
              find([](const ListingEnd& end) { return end.EndedWell(); }) != ends.end()) {
     AddSource(parts, id, className, SourceState::kRead);
-  } else if (told == ends.end()) {
-    AddSourceWithoutParts(parts, id, className, rows.FindTable(className));
+  } else if (told != ends.end()) {
+    AddSource(parts, id, className, SourceState::kFailed, told->Words());
   } else {
-    // The interpreter tells in the system's language that there is no such program.
-    const bool isMissing = NamesProgram(told->Words());
-    AddSource(parts, id, className, isMissing ? SourceState::kNone : SourceState::kFailed,
-              told->Words());
+    const CollectedTable* table = rows.FindTable(className);
+    const bool isTold =
+        table == nullptr || table->RowCount() == 0 || !table->status.missing.empty();
+    if (isTold || find(IsInterpreters) == ends.end()) {
+      AddSourceWithoutParts(parts, id, className, table);
+    } else {
+      AddSource(parts, id, className, SourceState::kNone,
+                fmt::format("{} is not on this machine", kProgram));
+    }
   }
 }
 
-/// Reads the lines of a class that carries one a row under its own name.
+/// Lets `end` know how ipmiutil ended. A listing that says it is complete is.
+void TakeExitCode(const CollectedRows& rows, std::string_view arguments, ListingEnd& end) {
+  if (end.EndedWell()) return;
+  const CollectedAnswer* const answer = rows.FindAnswer(kProgram, arguments);
+  std::string how = DescribeEnd(answer);
+  if (how.empty() && answer != nullptr && end.Words().empty()) how = "printed nothing";
+  if (!how.empty()) end.TakeGap("ipmiutil " + std::string(arguments) + " " + how);
+}
+
+/// Reads the lines of a class that carries one a row under its own name, printed by ipmiutil with
+/// `arguments`.
 template <typename TakeLine>
 ListingEnd ReadLineRows(const CollectedRows& rows, std::string_view className,
-                        std::string_view tool, const TakeLine& take) {
+                        std::string_view arguments, const TakeLine& take) {
+  const std::string tool = "ipmiutil " + std::string(arguments);
   ListingEnd end;
   for (const CollectedRow& row : rows.ListRows(className)) {
     const std::string line = row.Get(className);
     end.Take(line);
     take(std::string_view(line), row.PlaceOf(className, tool));
   }
+  TakeExitCode(rows, arguments, end);
   return end;
 }
 
@@ -156,14 +196,16 @@ ListingEnd ReadReadings(const CollectedRows& rows, SensorReader& reader, Parts& 
     }
     cells.Pass(line.text);
   }
+  TakeExitCode(rows, kReadingsArguments, end);
   return end;
 }
 
 ListingEnd ReadRecords(const CollectedRows& rows, SensorReader& reader, Parts& parts) {
   if (rows.FindTable("SDRINFO") != nullptr && rows.FindTable("SDRINFO")->RowCount() > 0) {
-    return ReadLineRows(rows, "SDRINFO", kRecordsTool, [&](std::string_view line, const Place& at) {
-      if (!reader.TakeRecord(line, at)) KeepUnread(parts, line, at);
-    });
+    return ReadLineRows(rows, "SDRINFO", kRecordsArguments,
+                        [&](std::string_view line, const Place& at) {
+                          if (!reader.TakeRecord(line, at)) KeepUnread(parts, line, at);
+                        });
   }
   // Some platforms are not asked for their records, but leave the same listing as a file.
   ListingEnd end;
@@ -179,6 +221,7 @@ ListingEnd ReadRecords(const CollectedRows& rows, SensorReader& reader, Parts& p
     const Place at{{}, 0, {}, line.number, kRecordsTool};
     if (!reader.TakeRecord(line.text, at)) KeepUnread(parts, Trim(line.text), at);
   }
+  TakeExitCode(rows, kRecordsArguments, end);
   return end;
 }
 
@@ -190,6 +233,7 @@ void ReadSensors(const CollectedRows& rows, Parts& parts) {
   AddBmcSource(rows, parts, "sensors",
                rows.FindTable("SENSORINFO") != nullptr ? "SENSORINFO" : "SDRINFO",
                !parts.sensors.empty(), ends);
+  parts.sources.back().time = reader.LatestTime();
 }
 
 // --- logs and inventory ---
@@ -201,10 +245,12 @@ void ReadSel(const CollectedRows& rows, Parts& parts) {
   }
   std::optional<SelSize> size;
   bool hasEvents = false;
-  const ListingEnd end =
-      ReadLineRows(rows, "SELINFO", "ipmiutil sel", [&](std::string_view line, const Place& at) {
+  std::int64_t listed = 0;
+  ListingEnd end =
+      ReadLineRows(rows, "SELINFO", "sel", [&](std::string_view line, const Place& at) {
         if (const auto told = ReadSelSize(line)) size = told;
         if (!LooksLikeSelRecord(line)) return;
+        ++listed;
         std::optional<Event> event = ReadSelRecord(line, at);
         if (!event) {
           KeepUnread(parts, line, at);
@@ -220,6 +266,9 @@ void ReadSel(const CollectedRows& rows, Parts& parts) {
         }
         parts.events.push_back(std::move(*event));
       });
+  if (size && listed < size->used) {
+    end.TakeGap(fmt::format("{} of {} records", listed, size->used));
+  }
   AddBmcSource(rows, parts, "sel", "SELINFO", hasEvents || size.has_value(), {end});
   if (!size) return;
   parts.sources.back().records = size->used;
@@ -229,7 +278,7 @@ void ReadSel(const CollectedRows& rows, Parts& parts) {
 void ReadFru(const CollectedRows& rows, Parts& parts) {
   bool hasFacts = false;
   const ListingEnd end = ReadLineRows(
-      rows, "FRUINFO", "ipmiutil fru", [&](std::string_view line, const Place& /*at*/) {
+      rows, "FRUINFO", "korvaxoem fru", [&](std::string_view line, const Place& /*at*/) {
         // "[Baseboard,20,00] Product Name        : R208"
         hasFacts = hasFacts || (line.starts_with('[') && line.find("] ") != std::string_view::npos);
       });
@@ -266,8 +315,8 @@ void ReadPowerSupplies(const CollectedRows& rows, Parts& parts) {
   constexpr std::string_view kBegin = "PSU";
   constexpr std::string_view kStatus = "status ";
   PowerSupply* supply = nullptr;
-  const ListingEnd end = ReadLineRows(
-      rows, "PSUINFO", "ipmiutil korvaxoem psu", [&](std::string_view line, const Place& at) {
+  const ListingEnd end =
+      ReadLineRows(rows, "PSUINFO", "korvaxoem psu", [&](std::string_view line, const Place& at) {
         const Integer number = line.starts_with(kBegin)
                                    ? ReadLeadingInteger(line.substr(kBegin.size()))
                                    : std::nullopt;
@@ -296,8 +345,8 @@ void ReadPowerSupplies(const CollectedRows& rows, Parts& parts) {
 //   Fan fault LED      amber   off
 void ReadLeds(const CollectedRows& rows, Parts& parts) {
   bool isMissing = false;
-  const ListingEnd end = ReadLineRows(
-      rows, "LEDINFO", "ipmiutil korvaxoem led", [&](std::string_view line, const Place& at) {
+  const ListingEnd end =
+      ReadLineRows(rows, "LEDINFO", "korvaxoem led", [&](std::string_view line, const Place& at) {
         isMissing = isMissing || NamesProgram(line);
         if (IsTalk(line) || isMissing) return;
         const std::vector<std::string_view> words = ListWords(line);
@@ -320,6 +369,7 @@ void ReadLeds(const CollectedRows& rows, Parts& parts) {
 //   SDR repository empty
 void ReadSelfTest(const CollectedRows& rows, Parts& parts) {
   constexpr std::string_view kCodes[] = {"55", "56", "57", "58", "ff"};
+  ListingEnd end;
   for (const CollectedRow& row : rows.ListRows("SELFINFO")) {
     SelfTest test;
     test.id = "BMC self-test";
@@ -331,6 +381,7 @@ void ReadSelfTest(const CollectedRows& rows, Parts& parts) {
       if (!test.text.empty()) test.text += ' ';
       test.text.append(label).append(": ").append(value);
     }
+    end.Take(test.text);
     // "55h", "0x55"
     for (std::string_view word : ListWords(test.text)) {
       if (word.starts_with("0x")) word.remove_prefix(2);
@@ -345,6 +396,8 @@ void ReadSelfTest(const CollectedRows& rows, Parts& parts) {
     }
     if (!test.text.empty() && !NamesProgram(test.text)) parts.selfTests.push_back(std::move(test));
   }
+  TakeExitCode(rows, "korvaxoem selftest", end);
+  AddOwnSource(rows, parts, "self-test", "SELFINFO", !parts.selfTests.empty(), end);
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "host/answers/parts/collected_rows.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 
 #include "host/answers/parts/report_lines.h"
@@ -49,6 +51,20 @@ std::vector<const CollectedAnswer*> CollectedRows::ListAnswers(std::string_view 
   return found;
 }
 
+const CollectedAnswer* CollectedRows::FindAnswer(std::string_view program,
+                                                 std::string_view arguments) const {
+  // The interpreter names a program that it does not find, in the system's language.
+  constexpr std::uint32_t kNotFound[] = {1, 9009};
+  const auto answers = ListAnswers(program, arguments);
+  if (answers.empty()) return nullptr;
+  const CollectedAnswer& last = *answers.back();
+  const bool mayBeMissing =
+      std::find(std::begin(kNotFound), std::end(kNotFound), last.exitCode) != std::end(kNotFound);
+  const bool isMissing =
+      mayBeMissing && LowerCase(last.output.Text()).find(program) != std::string::npos;
+  return isMissing ? nullptr : &last;
+}
+
 std::optional<DecodedText> CollectedRows::FindFile(std::string_view path) const {
   const std::string wanted = LowerCase(path);
   for (const auto& [name, text] : collection.files) {
@@ -66,6 +82,11 @@ std::vector<CollectedRow> CollectedRows::ListRows(std::string_view className) co
     rows.emplace_back(decoder, row, static_cast<std::int64_t>(rows.size()) + 1);
   }
   return rows;
+}
+
+std::string DescribeEnd(const CollectedAnswer* answer) {
+  if (answer == nullptr || answer->exitCode.value_or(0) == 0) return {};
+  return fmt::format("ended with code {}", *answer->exitCode);
 }
 
 }  // namespace host

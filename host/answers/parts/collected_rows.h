@@ -47,6 +47,9 @@ class CollectedRows {
   /// with these `arguments`.
   std::vector<const CollectedAnswer*> ListAnswers(std::string_view program,
                                                   std::string_view arguments) const;
+  /// The last of them, which the classes show. Null when nobody asked, or when the machine does not
+  /// have the program.
+  const CollectedAnswer* FindAnswer(std::string_view program, std::string_view arguments) const;
   /// The text of a file of the recorded machine, by its path in any case. None without it, and on a
   /// live machine.
   std::optional<DecodedText> FindFile(std::string_view path) const;
@@ -58,5 +61,8 @@ class CollectedRows {
   const Collection& collection;
   TextDecoder decoder;
 };
+
+/// "ended with code 5"; empty for a program that ended well, and for null.
+std::string DescribeEnd(const CollectedAnswer* answer);
 
 }  // namespace host

@@ -115,6 +115,12 @@ RowCells TableHeads::CutBelowHeads(std::string_view row) const {
   return RowCells(std::move(cells));
 }
 
+std::string TableScan::DescribeBreak() const {
+  if (!broken && !IsInTable()) return {};
+  const std::string_view name = broken.value_or(title);
+  return name.empty() ? "breaks off in a table" : "breaks off in the table " + std::string(name);
+}
+
 TableScan::LineKind TableScan::Take(std::string_view line) {
   const std::string_view text = Trim(line);
   if (IsRule(text, '-', kShortestRule)) {
@@ -131,6 +137,7 @@ TableScan::LineKind TableScan::Take(std::string_view line) {
     return LineKind::kHeads;
   }
   if (IsLetter(text.front()) && text.ends_with(':') && text.find('=') == std::string_view::npos) {
+    if (!broken && IsInTable()) broken = title;
     title = Trim(text.substr(0, text.size() - 1));
     rules = 0;
     return LineKind::kTitle;

@@ -76,8 +76,14 @@ class TableScan {
   /// Of the table that is being read, or was read last: "VD LIST".
   std::string_view Title() const { return title; }
   const TableHeads& Heads() const { return heads; }
+  /// After the last line: which table lacks its last rule, the first of several, as in "breaks off
+  /// in the table VD LIST"; empty when all are whole.
+  std::string DescribeBreak() const;
 
  private:
+  bool IsInTable() const { return rules == 1 || rules == 2; }
+
+  std::optional<std::string_view> broken;
   std::string_view title;
   TableHeads heads;
   int rules = 0;  ///< of the table so far

@@ -285,10 +285,13 @@ constexpr Tool kTools[] = {
     {"intelvroccli.exe", "IntelVROCCli -I"},
 };
 
-void AddIntelSource(const CollectedRows& rows, Parts& parts, bool hasParts) {
+/// `end`: how the tool ended that told of the parts, in words; empty when it ended well.
+void AddIntelSource(const CollectedRows& rows, Parts& parts, bool hasParts,
+                    const std::string& end) {
   constexpr const char* kClasses[] = {"ENDDEVICEINFO", "VOLUME", "CONTROLLER"};
   if (hasParts) {
-    AddSource(parts, "intel", kClasses[0], SourceState::kRead);
+    AddSource(parts, "intel", kClasses[0], end.empty() ? SourceState::kRead : SourceState::kFailed,
+              end);
     return;
   }
   const CollectedTable* asked = nullptr;
@@ -311,14 +314,17 @@ void ReadIntel(const CollectedRows& rows, Parts& parts) {
            parts.volumes.size() > volumes;
   };
   // A machine has one of the tools' controllers; two modules ask for the same report.
+  std::string end;
   for (const Tool& tool : kTools) {
     const auto answers = rows.ListAnswers(tool.program, "-I");
     for (auto answer = answers.rbegin(); answer != answers.rend() && !hasParts(); ++answer) {
       const DecodedText text = rows.Decode((*answer)->fileText);
       ReadReport({text.View(), {{}, 0, {}, 0, std::string(tool.name)}, kIntel}, &rows, parts);
+      const std::string how = DescribeEnd(*answer);
+      if (hasParts() && !how.empty()) end = std::string(tool.name) + " " + how;
     }
   }
-  AddIntelSource(rows, parts, hasParts());
+  AddIntelSource(rows, parts, hasParts(), end);
 }
 
 }  // namespace host

@@ -36,7 +36,10 @@ std::string JoinWords(const std::vector<std::string_view>& words, std::size_t fi
 }
 
 /// A sensor with these words has nothing to read: the number beside it means nothing.
-bool HasReading(const std::string& status) { return status != "absent" && status != "init"; }
+bool HasReading(std::string_view status) {
+  const std::string word = LowerCase(status);
+  return word != "absent" && word != "init";
+}
 
 void SetReading(Sensor& sensor, std::string_view reading, std::string_view unit) {
   if (unit == "na" || !HasReading(sensor.status)) return;
@@ -132,7 +135,7 @@ bool SensorReader::TakeReading(std::string_view line, const Place& at) {
   if (isStock ? cells.size() <= kReading : !IsBareReading(cells)) return false;
   if (!isStock) {
     Sensor& sensor = Add(std::string(cells[0]), at);
-    sensor.status = LowerCase(cells[kBareStatus]);
+    sensor.status = cells[kBareStatus];
     SetReading(sensor, cells[1], cells[2]);
     SetThresholds(sensor, cells);
     unnumbered[sensor.name].push_back(parts.sensors.size() - 1);
@@ -141,7 +144,7 @@ bool SensorReader::TakeReading(std::string_view line, const Place& at) {
   Sensor& sensor = Add(std::string(cells[kName]), at);
   sensor.type = FindSensorType(cells[kType]);
   sensor.number = ReadHexDigits(cells[kNumber], 2, 2);
-  sensor.status = LowerCase(cells[kStatus]);
+  sensor.status = cells[kStatus];
   if (cells[kSdrType] == "Full") {
     const std::vector<std::string_view> words = ListWords(cells[kReading]);
     if (!words.empty()) SetReading(sensor, words[0], words.size() > 1 ? words[1] : "");
@@ -149,6 +152,7 @@ bool SensorReader::TakeReading(std::string_view line, const Place& at) {
   } else {
     SetPrintedStates(sensor, cells[kStatus]);
   }
+  latestTime = std::max(latestTime, ReadTime(cells.back()));
   if (sensor.number) {
     numbered.emplace(std::pair(sensor.name, *sensor.number), parts.sensors.size() - 1);
   } else {
@@ -201,7 +205,7 @@ bool SensorReader::TakeRecord(std::string_view line, const Place& at) {
   }
   if (!sensor.status.empty()) return true;
   sensor.readAt = at;
-  sensor.status = LowerCase(isDiscrete ? JoinWords(told, 1) : told.size() > 1 ? told[1] : "");
+  sensor.status = isDiscrete ? JoinWords(told, 1) : std::string(told.size() > 1 ? told[1] : "");
   if (!isDiscrete && !isEventOnly && told.size() > 2) {
     SetReading(sensor, told[2], JoinWords(told, 3));
   }

@@ -29,6 +29,8 @@ class SensorReader {
   /// The same for a line of the records. What it tells is added to the sensor of its name and
   /// number, or to a new one.
   bool TakeRecord(std::string_view line, const Place& at);
+  /// When the last of the readings was taken; empty where their lines do not tell.
+  const std::string& LatestTime() const { return latestTime; }
 
  private:
   Sensor& Add(std::string name, const Place& at);
@@ -39,6 +41,7 @@ class SensorReader {
   std::map<std::pair<std::string, std::int64_t>, std::size_t> numbered;
   std::map<std::string, std::vector<std::size_t>> unnumbered;  ///< the first one last
   bool hasRecords = false;
+  std::string latestTime;
 };
 
 }  // namespace host

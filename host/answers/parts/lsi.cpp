@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "host/answers/parts/lsi_drives.h"
 #include "host/answers/parts/report.h"
@@ -19,27 +20,41 @@ namespace host {
 namespace {
 
 constexpr char kReports[] = "LSILINK";
+constexpr char kNothing[] = "printed nothing";
 
 struct LinkedReport {
   std::string_view key;
   std::string_view arguments;  ///< after /cN
-  void (*read)(const Report& report, Parts& parts);
+  /// Where the report breaks off, in words; empty when it does not, or when nobody can tell.
+  std::string (*read)(const Report& report, Parts& parts);
 };
+
+/// A log ends where its entries do.
+template <void (*read)(const Report& report, Parts& parts)>
+std::string ReadLog(const Report& report, Parts& parts) {
+  read(report, parts);
+  return {};
+}
+
 // Events are about drives, and the term log repeats events.
 constexpr LinkedReport kLinkedReports[] = {
     {"lsishowall", " show", ReadStorcliShow},
     {"pdlist", "/eall/sall show all", ReadStorcliDrives},
-    {"lsieventlog", " show events", ReadStorcliEvents},
-    {"lsifwtermlog", " show termlog", ReadStorcliTermLog},
+    {"lsieventlog", " show events", ReadLog<ReadStorcliEvents>},
+    {"lsifwtermlog", " show termlog", ReadLog<ReadStorcliTermLog>},
 };
+
+constexpr char kProgram[] = "storcli.exe";
+constexpr char kCountArguments[] = "show ctrlcount";
+constexpr char kCountLabel[] = "Controller Count";
 
 /// How the reports answered.
 struct Answers {
   bool hasText = false;
   bool tellsNoController = false;
-  std::string failure;  ///< the first, in words
-  /// The first controller of which nothing is told, in words; a failure where others were read.
-  std::string gap;
+  std::vector<std::string> failures;  ///< reports that say they failed, a clause each
+  /// What is not told, or not all of it, a clause each; failures where others were read.
+  std::vector<std::string> gaps;
 };
 
 bool HasNoEnclosure(const Parts& parts, const std::string& controller) {
@@ -65,24 +80,62 @@ bool HasController(const Parts& parts, const std::string& id) {
 }
 
 /// False when the tool printed nothing.
-bool ReadReport(const LinkedReport& linked, const CollectedRow& row, const std::string& number,
-                Parts& parts, Answers& answers) {
+bool ReadReport(const LinkedReport& linked, const CollectedRows& rows, const CollectedRow& row,
+                const std::string& number, Parts& parts, Answers& answers) {
+  const std::string arguments = "/c" + number + std::string(linked.arguments);
+  const std::string tool = "storcli " + arguments;
+  const CollectedAnswer* const answer = rows.FindAnswer(kProgram, arguments);
+  const std::string end = DescribeEnd(answer);
   const auto text = row.FindText(linked.key);
-  if (!text || Trim(text->View()).empty()) return false;
+  if (!text || Trim(text->View()).empty()) {
+    if (answer != nullptr) answers.gaps.push_back(tool + " " + (end.empty() ? kNothing : end));
+    return false;
+  }
   answers.hasText = true;
   answers.tellsNoController = answers.tellsNoController || TellsNoController(text->View());
-  const std::string tool = "storcli /c" + number + std::string(linked.arguments);
   const Report report{text->View(), row.PlaceOf(linked.key, tool),
                       std::string(kLsiIdPrefix) + number};
-  linked.read(report, parts);
+  const std::string brokenOff = linked.read(report, parts);
   const auto failure = FindStorcliFailure(report.text);
-  if (failure && answers.failure.empty() && !IsToBeExpected(*failure, report, parts)) {
-    answers.failure = tool + ": Status = Failure, " + *failure;
-  } else if (&linked == kLinkedReports && answers.gap.empty() &&
-             !HasController(parts, report.controller) && !TellsNoController(report.text)) {
-    answers.gap = tool + ": no controller in what it printed";
+  if (failure && !IsToBeExpected(*failure, report, parts)) {
+    answers.failures.push_back(tool + ": Status = Failure, " + *failure);
+  } else if (&linked == kLinkedReports && !HasController(parts, report.controller)) {
+    if (!TellsNoController(report.text)) {
+      answers.gaps.push_back(tool + ": no controller in what it printed");
+    }
+  } else if (!failure && !end.empty()) {
+    answers.gaps.push_back(tool + " " + end);
+  } else if (!failure && !brokenOff.empty()) {
+    answers.gaps.push_back(tool + " " + brokenOff);
   }
   return true;
+}
+
+/// Reads the reports on one controller.
+void ReadController(const CollectedRows& rows, const CollectedRow& row, const std::string& number,
+                    Parts& parts, Answers& answers) {
+  const std::size_t gapsBefore = answers.gaps.size();
+  bool printedAny = false;
+  for (const LinkedReport& linked : kLinkedReports) {
+    if (ReadReport(linked, rows, row, number, parts, answers)) printedAny = true;
+  }
+  if (printedAny) return;
+  answers.gaps.resize(gapsBefore);
+  answers.gaps.push_back("storcli /c" + number + " show " + kNothing);
+}
+
+/// Without a count the classes have the first controller only.
+void CheckCount(const CollectedRows& rows, Answers& answers) {
+  const auto asked = rows.ListAnswers(kProgram, kCountArguments);
+  const bool isTold = std::any_of(asked.begin(), asked.end(), [](const CollectedAnswer* answer) {
+    return answer->fileText.Text().find(kCountLabel) != std::string::npos ||
+           answer->output.Text().find(kCountLabel) != std::string::npos;
+  });
+  if (asked.empty() || isTold) return;
+  std::string end = DescribeEnd(asked.back());
+  if (end.empty()) end = "told no number";
+  answers.gaps.push_back("storcli show ctrlcount " + end +
+                         ", so there may be more controllers than one");
 }
 
 /// The number in "Controller0"; the place of the row without one.
@@ -172,10 +225,58 @@ void ReadVolumeRows(const CollectedRows& rows, Parts& parts) {
   }
 }
 
+void ReadTopologyRows(const CollectedRows& rows, Parts& parts) {
+  for (const CollectedRow& row : rows.ListRows("TINFO")) {
+    const auto get = [&](const char* key) { return row.Get(key); };
+    const std::string group = get("DG"), array = get("Arr"), number = get("Row");
+    const std::string drive = get("EID"), type = get("Type"), state = get("State");
+    const std::string busy = get("BT");
+    const bool fits = AddTopologyRow({group, array, number, drive, type, state, busy}, "lsi0",
+                                     row.PlaceOf("State", "storcli /c0 show"), parts);
+    if (!fits) KeepUnread(row, "DG", parts);
+  }
+}
+
+/// After drives and volumes, which events are about. A report can have told of events alone.
+void ReadEventRows(const CollectedRows& rows, Parts& parts) {
+  if (std::any_of(parts.events.begin(), parts.events.end(),
+                  [](const Event& event) { return event.source == kLsi; })) {
+    return;
+  }
+  Report report;
+  report.place.tool = "storcli /c0 show events";
+  report.controller = "lsi0";
+  for (const char* page : {"EVENTLOG1", "EVENTLOG2", "EVENTLOG3", "EVENTLOG4", "EVENTLOG5"}) {
+    ReadStorcliEventRows(rows.ListRows(page), report, parts);
+  }
+}
+
 bool HasLsi(const Parts& parts) {
   const auto isLsi = [](const auto& part) { return part.vendor == kLsi; };
   return std::any_of(parts.controllers.begin(), parts.controllers.end(), isLsi) ||
          std::any_of(parts.drives.begin(), parts.drives.end(), isLsi);
+}
+
+/// Why not all entries of the log are there, in words; empty when they are, as far as it tells.
+std::string FindSas2Gap(const CollectedRows& rows) {
+  const CollectedAnswer* const log = rows.FindAnswer("sas2ir_windows_x64.exe", "logir.log");
+  if (log == nullptr) return {};
+  const std::string end = DescribeEnd(log);
+  if (!end.empty()) return "SAS2IR_windows_x64 " + end;
+  // "Entries: 8", then "LogSequence: 1" and so on
+  const std::string_view text = log->file.empty() ? log->output.Text() : log->fileText.Text();
+  std::int64_t declared = 0;
+  std::int64_t listed = 0;
+  ReportLines lines(text);
+  for (ReportLine line; lines.Next(line);) {
+    const auto split = SplitLabel(line.text, ':');
+    if (!split) continue;
+    if (split->label == "Entries") declared = ReadInteger(split->value).value_or(0);
+    if (split->label == "LogSequence") ++listed;
+  }
+  if (listed >= declared) return {};
+  return "the log breaks off: " + std::to_string(listed) + " of " + std::to_string(declared) +
+         " entries";
 }
 
 }  // namespace
@@ -183,27 +284,26 @@ bool HasLsi(const Parts& parts) {
 void ReadLsi(const CollectedRows& rows, Parts& parts) {
   Answers answers;
   for (const CollectedRow& row : rows.ListRows(kReports)) {
-    const std::string number = FindNumber(row);
-    bool printedAny = false;
-    for (const LinkedReport& linked : kLinkedReports) {
-      if (ReadReport(linked, row, number, parts, answers)) printedAny = true;
-    }
-    if (!printedAny && answers.gap.empty()) {
-      answers.gap = "storcli /c" + number + " show printed nothing";
-    }
+    ReadController(rows, row, FindNumber(row), parts, answers);
   }
-  if (HasLsi(parts) && answers.failure.empty()) answers.failure = answers.gap;
-  if (!HasLsi(parts)) {
+  CheckCount(rows, answers);
+  std::vector<std::string> gaps = std::move(answers.failures);
+  if (HasLsi(parts)) {
+    gaps.insert(gaps.end(), answers.gaps.begin(), answers.gaps.end());
+  } else {
     ReadSummaryRow(rows, parts);
     ReadDriveRows(rows, parts);
     ReadVolumeRows(rows, parts);
+    ReadTopologyRows(rows, parts);
+    ReadEventRows(rows, parts);
   }
-  if (!answers.failure.empty()) {
-    AddSource(parts, "lsi", kReports, SourceState::kFailed, answers.failure);
+  if (!gaps.empty()) {
+    AddSource(parts, "lsi", kReports, SourceState::kFailed, JoinGaps(gaps));
   } else if (HasLsi(parts)) {
     AddSource(parts, "lsi", kReports, SourceState::kRead);
   } else if (answers.tellsNoController) {
     AddSource(parts, "lsi", kReports, SourceState::kNone, "storcli finds no controller");
+    parts.sources.back().saysNone = true;
   } else if (answers.hasText) {
     AddSource(parts, "lsi", kReports, SourceState::kFailed,
               "no controller and no drive in the reports of storcli");
@@ -240,7 +340,10 @@ void ReadSas2(const CollectedRows& rows, Parts& parts) {
   const CollectedTable* table = rows.FindTable(kLog);
   // A log without entries is one that was read.
   const bool isEmpty = table != nullptr && table->status.outcome == "no rows in output";
-  if (hasEvents || isEmpty) {
+  const std::string gap = FindSas2Gap(rows);
+  if (hasEvents && !gap.empty()) {
+    AddSource(parts, "sas2", kLog, SourceState::kFailed, gap);
+  } else if (hasEvents || isEmpty) {
     AddSource(parts, "sas2", kLog, SourceState::kRead);
   } else {
     AddSourceWithoutParts(parts, "sas2", kLog, table);

@@ -1,12 +1,18 @@
 #include "host/answers/parts/microchip.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "host/answers/parts/arcconf_config.h"
 #include "host/answers/parts/arcconf_events.h"
+#include "host/answers/parts/report_values.h"
 #include "host/answers/parts/sources.h"
 #include "host/catalogue/table_sources.h"
 
@@ -18,42 +24,92 @@ constexpr char kProgram[] = "arcconf.exe";
 constexpr char kArguments[] = "savesupportarchive c:\\";
 constexpr char kTool[] = "arcconf savesupportarchive";
 constexpr char kArchive[] = "c:\\Support\\Firmware\\";
-constexpr char kNoController[] = "Controllers found: 0";
+constexpr std::string_view kConfigEnd = "_Config.txt";
+constexpr std::string_view kEventsEnd = "_Event_Log.txt";
+constexpr std::string_view kCountLabel = "Controllers found";
 
 // The row has the files of the archive's first controller.
 constexpr int kFirstFurther = 2;
 constexpr int kMostControllers = 32;  // PCI slots of a large server
 
+/// How many controllers arcconf finds, as its texts begin with.
+Integer FindCount(std::string_view text) {
+  ReportLines lines(text);
+  for (ReportLine line; lines.Next(line);) {
+    const auto told = SplitLabel(line.text, ':');
+    if (told && told->label == kCountLabel) return ReadInteger(told->value);
+  }
+  return std::nullopt;
+}
+
+bool SaysNoController(const CollectedAnswer& answer) {
+  return FindCount(answer.output.Text()) == 0;
+}
+
 /// Whether the tool said that there is no controller, or ended well without writing of one.
 bool TellsNoController(const CollectedRows& rows, const CollectedTable& table) {
   const auto answers = rows.ListAnswers(kProgram, kArguments);
   return std::any_of(answers.begin(), answers.end(), [&](const CollectedAnswer* answer) {
-    const bool saysSo = answer->output.Text().find(kNoController) != std::string::npos;
-    return saysSo || (table.status.outcome == "output could not be opened" &&
-                      answer->exitCode.value_or(1) == 0);
+    return SaysNoController(*answer) || (table.status.outcome == "output could not be opened" &&
+                                         answer->exitCode.value_or(1) == 0);
   });
+}
+
+/// A controller's volumes or drives are cached, logged and so on; an adapter without them need not
+/// have a log.
+bool HasArrays(const Parts& parts, const std::string& controller) {
+  return std::any_of(
+      parts.controllers.begin(), parts.controllers.end(),
+      [&](const Controller& one) { return one.id == controller && one.volumesDeclared; });
+}
+
+/// Reads one of the archive's files, `name`, and notes that it is not whole.
+void ReadFile(const Report& report, const std::string& name, Parts& parts,
+              std::vector<std::string>& gaps) {
+  const bool isConfig = name.ends_with(kConfigEnd);
+  const bool isEmpty = Trim(report.text).empty();
+  std::string gap = isEmpty ? "is empty" : "";
+  if (isConfig && !isEmpty) gap = ReadArcconfConfig(report, parts);
+  if (!isConfig) ReadArcconfEvents(report, parts);
+  if (gap.empty() || (!isConfig && !HasArrays(parts, report.controller))) return;
+  gaps.push_back(name + " " + gap);
 }
 
 /// The archive's files of a controller that the row of the class has not; false without them. They
 /// are where arcconf left them, and known of a recording only.
-bool ReadFurtherController(const CollectedRows& rows, const std::string& number, Parts& parts) {
-  struct File {
-    std::string_view end;
-    void (*read)(const Report& report, Parts& parts);
-  };
-  constexpr File kFiles[] = {{"_Config.txt", ReadArcconfConfig},
-                             {"_Event_Log.txt", ReadArcconfEvents}};
+bool ReadFurtherController(const CollectedRows& rows, const std::string& number, Parts& parts,
+                           std::vector<std::string>& gaps) {
   bool isThere = false;
-  for (const File& file : kFiles) {
-    const std::string name = "Controller_" + number + std::string(file.end);
+  for (const std::string_view end : {kConfigEnd, kEventsEnd}) {
+    const std::string name = "Controller_" + number + std::string(end);
     const std::optional<DecodedText> text = rows.FindFile(kArchive + name);
     if (!text) continue;
     isThere = true;
     Place place;
     place.tool = std::string(kTool) + ", " + name;
-    file.read({text->View(), place, std::string(kMicrochipId) + number}, parts);
+    ReadFile({text->View(), place, std::string(kMicrochipId) + number}, name, parts, gaps);
   }
   return isThere;
+}
+
+/// The files of the row of the class. How many controllers they tell of; 0 where they do not.
+std::int64_t ReadFirstController(const CollectedRows& rows, Parts& parts,
+                                 std::vector<std::string>& gaps) {
+  std::int64_t count = 0;
+  for (const CollectedRow& row : rows.ListRows(kClass)) {
+    const auto read = [&](const char* key, std::string_view end) {
+      const std::string name = "Controller_1" + std::string(end);
+      const std::optional<DecodedText> text = row.FindText(key);
+      // A file that is not there has an empty text as well.
+      if (!text || (text->View().empty() && !rows.FindFile(kArchive + name))) return;
+      if (end == kConfigEnd) count = FindCount(text->View()).value_or(0);
+      ReadFile({text->View(), row.PlaceOf(key, kTool), std::string(kMicrochipId) + "1"}, name,
+               parts, gaps);
+    };
+    read("Controller_Config", kConfigEnd);
+    read("Controller_Event_Log", kEventsEnd);
+  }
+  return count;
 }
 
 /// Whether the collection noticed that the archive has files of further controllers.
@@ -69,15 +125,20 @@ bool TellsOfFurtherController(const CollectedTable& table) {
 }
 
 void AddMicrochipSource(const CollectedRows& rows, Parts& parts, bool hasParts,
-                        bool lacksController) {
+                        std::vector<std::string> gaps) {
   const CollectedTable* table = rows.FindTable(kClass);
-  if (lacksController) {
-    AddSource(parts, "microchip", kClass, SourceState::kFailed,
-              "the report of the second controller was not read");
+  const std::string end = DescribeEnd(rows.FindAnswer(kProgram, kArguments));
+  if (hasParts && !end.empty()) gaps.insert(gaps.begin(), std::string(kTool) + " " + end);
+  if (!gaps.empty()) {
+    AddSource(parts, "microchip", kClass, SourceState::kFailed, JoinGaps(gaps));
   } else if (hasParts) {
     AddSource(parts, "microchip", kClass, SourceState::kRead);
   } else if (table != nullptr && TellsNoController(rows, *table)) {
     AddSource(parts, "microchip", kClass, SourceState::kNone, "arcconf finds no controller");
+    const auto answers = rows.ListAnswers(kProgram, kArguments);
+    parts.sources.back().saysNone =
+        std::any_of(answers.begin(), answers.end(),
+                    [](const auto* answer) { return SaysNoController(*answer); });
   } else if (table != nullptr && table->RowCount() > 0) {
     AddSource(parts, "microchip", kClass, SourceState::kFailed, "no controller in the report");
   } else {
@@ -90,25 +151,27 @@ void AddMicrochipSource(const CollectedRows& rows, Parts& parts, bool hasParts,
 void ReadMicrochip(const CollectedRows& rows, Parts& parts) {
   const std::size_t controllers = parts.controllers.size();
   const std::size_t drives = parts.drives.size();
-  for (const CollectedRow& row : rows.ListRows(kClass)) {
-    const std::string controller = std::string(kMicrochipId) + "1";
-    if (const std::optional<DecodedText> text = row.FindText("Controller_Config")) {
-      ReadArcconfConfig({text->View(), row.PlaceOf("Controller_Config", kTool), controller}, parts);
-    }
-    if (const std::optional<DecodedText> text = row.FindText("Controller_Event_Log")) {
-      ReadArcconfEvents({text->View(), row.PlaceOf("Controller_Event_Log", kTool), controller},
-                        parts);
-    }
-  }
+  std::vector<std::string> gaps;
+  const std::int64_t counted = ReadFirstController(rows, parts, gaps);
   const CollectedTable* table = rows.FindTable(kClass);
   const bool hasArchive = table != nullptr && table->RowCount() > 0;
   bool lacksController = hasArchive && TellsOfFurtherController(*table);
+  std::int64_t filesRead = 1;
   for (int number = kFirstFurther; hasArchive && number <= kMostControllers; ++number) {
-    if (ReadFurtherController(rows, std::to_string(number), parts)) lacksController = false;
+    if (ReadFurtherController(rows, std::to_string(number), parts, gaps)) {
+      lacksController = false;
+      ++filesRead;
+    }
+  }
+  if (hasArchive && counted > filesRead) {
+    gaps.push_back(fmt::format("arcconf counts {} controllers, of which {} {} read", counted,
+                               filesRead, filesRead == 1 ? "was" : "were"));
+  } else if (lacksController) {
+    gaps.emplace_back("the report of the second controller was not read");
   }
   AddMicrochipSource(rows, parts,
                      parts.controllers.size() > controllers || parts.drives.size() > drives,
-                     lacksController);
+                     std::move(gaps));
 }
 
 }  // namespace host

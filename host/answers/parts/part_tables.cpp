@@ -18,6 +18,21 @@ PartValue MakeValue(const std::optional<Number>& number) {
   return number ? PartValue(*number) : PartValue();
 }
 
+void SetValue(std::string& text, const PartValue& value) {
+  if (const auto* given = std::get_if<std::string_view>(&value)) text = *given;
+}
+void SetValue(Integer& number, const PartValue& value) {
+  if (const auto* given = std::get_if<std::int64_t>(&value)) number = *given;
+}
+void SetValue(Real& number, const PartValue& value) {
+  if (const auto* given = std::get_if<double>(&value)) number = *given;
+  // 40.0 is written as 40.
+  if (const auto* given = std::get_if<std::int64_t>(&value)) number = static_cast<double>(*given);
+}
+void SetValue(std::int64_t& number, const PartValue& value) {
+  if (const auto* given = std::get_if<std::int64_t>(&value)) number = *given;
+}
+
 template <typename Member>
 struct MemberOf;
 template <typename Owner, typename Value>
@@ -37,8 +52,11 @@ constexpr PartType FindType() {
 template <auto member>
 PartColumn Column(std::string_view name, std::string_view description) {
   using Member = MemberOf<decltype(member)>;
-  return {name, FindType<typename Member::ValueType>(), description, [](const Part& part) {
-            return MakeValue(static_cast<const typename Member::OwnerType&>(part).*member);
+  using Owner = typename Member::OwnerType;
+  return {name, FindType<typename Member::ValueType>(), description,
+          [](const Part& part) { return MakeValue(static_cast<const Owner&>(part).*member); },
+          [](Part& part, const PartValue& value) {
+            SetValue(static_cast<Owner&>(part).*member, value);
           }};
 }
 
@@ -46,14 +64,17 @@ PartColumn Column(std::string_view name, std::string_view description) {
 template <auto member>
 PartColumn PlaceColumn(std::string_view name, std::string_view description) {
   using Value = typename MemberOf<decltype(member)>::ValueType;
+  const auto set = [](Part& part, const PartValue& value) { SetValue(part.readAt.*member, value); };
   if constexpr (std::is_same_v<Value, std::int64_t>) {
-    return {name, PartType::kInteger, description, [](const Part& part) {
+    return {name, PartType::kInteger, description,
+            [](const Part& part) {
               const std::int64_t number = part.readAt.*member;
               return number == 0 ? PartValue() : PartValue(number);
-            }};
+            },
+            set};
   } else {
     return {name, PartType::kText, description,
-            [](const Part& part) { return MakeValue(part.readAt.*member); }};
+            [](const Part& part) { return MakeValue(part.readAt.*member); }, set};
   }
 }
 
@@ -65,7 +86,9 @@ PartTable Table(std::string_view name, std::string_view description,
       description,
       {},
       [](const Parts& parts) { return (parts.*table).size(); },
-      [](const Parts& parts, std::size_t row) -> const Part& { return (parts.*table)[row]; }};
+      [](const Parts& parts, std::size_t row) -> const Part& { return (parts.*table)[row]; },
+      [](Parts& parts, std::size_t row) -> Part& { return (parts.*table)[row]; },
+      [](Parts& parts) -> Part& { return (parts.*table).emplace_back(); }};
   made.columns.push_back(Column<&Part::id>("id", "what it is called; unique in this table"));
   made.columns.insert(made.columns.end(), columns);
   made.columns.push_back(PlaceColumn<&Place::className>("class", "table class it was read from"));
@@ -197,8 +220,8 @@ const std::vector<PartTable>& MakeTables() {
               Column<&CacheBackup::state>("state", "state in the tool's own word"),
               Column<&CacheBackup::condition>(
                   "condition",
-                  "the state in a word that is the same for all tools: good, passing, bad, "
-                  "failed; unknown: a word of no list; untold: no state"),
+                  "the state in a word that is the same for all tools: good, absent, passing, "
+                  "bad, failed; unknown: a word of no list; untold: no state"),
               Column<&CacheBackup::temperature>("temperature", "in °C"),
           }),
       Table<&Parts::enclosures>(
@@ -223,7 +246,7 @@ const std::vector<PartTable>& MakeTables() {
               Column<&Sensor::eventType>("event_type", "event/reading type of IPMI"),
               Column<&Sensor::reading>("reading", "in the sensor's unit"),
               Column<&Sensor::unit>("unit", "of reading and limits"),
-              Column<&Sensor::status>("status", "status in the tool's own word, in lower case"),
+              Column<&Sensor::status>("status", "status in the tool's own word"),
               Column<&Sensor::states>("states", "bits of a discrete sensor that are set"),
               Column<&Sensor::lnr>("lnr", "limit: lower non-recoverable"),
               Column<&Sensor::lc>("lc", "limit: lower critical"),
@@ -282,6 +305,8 @@ const std::vector<PartTable>& MakeTables() {
               Column<&PartSource::observed>("observed", "why it is not read"),
               Column<&PartSource::records>("records", "of a log: how many records it has"),
               Column<&PartSource::capacity>("capacity", "of a log: how many it has room for"),
+              Column<&PartSource::time>("time",
+                                        "of the machine, where the list of its sensors tells it"),
           }),
       Table<&Parts::unread>("unread", "what looks like a part and could not be read as one",
                             {

@@ -29,6 +29,8 @@ struct PartColumn {
   PartType type;
   std::string_view description;  ///< for people, with the unit
   PartValue (*get)(const Part& part);
+  /// A value of another type leaves the part as it is.
+  void (*set)(Part& part, const PartValue& value);
 };
 
 struct PartTable {
@@ -37,6 +39,8 @@ struct PartTable {
   std::vector<PartColumn> columns;  ///< "id" first, the place last
   std::size_t (*count)(const Parts& parts);
   const Part& (*at)(const Parts& parts, std::size_t row);  ///< rows count from 0
+  Part& (*change)(Parts& parts, std::size_t row);
+  Part& (*add)(Parts& parts);  ///< an empty one at the end
 };
 
 /// All tables, in the order in which they are shown.

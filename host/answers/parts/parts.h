@@ -225,12 +225,15 @@ struct SelfTest : Part {
 };
 
 /// One of the groups of tools that a collection asks: "lsi", "microchip", "intel", "sensors",
-/// "sel", "fru", "power supplies", "leds", "amt", "sas2".
+/// "sel", "fru", "power supplies", "leds", "self-test", "amt", "sas2".
 struct PartSource : Part {
   std::string state;
   std::string observed;
   Integer records;
   Integer capacity;
+  std::string time;  ///< of the machine when its tool answered
+  /// Its tool was asked, and said that there is nothing for it here.
+  bool saysNone = false;
 };
 
 /// A line, or a row, that looks like a part and could not be read as one.

@@ -12,6 +12,7 @@
 #include "host/answers/parts/intel.h"
 #include "host/answers/parts/lsi.h"
 #include "host/answers/parts/microchip.h"
+#include "host/answers/parts/part_tables.h"
 
 namespace host {
 namespace {
@@ -63,21 +64,57 @@ void MakeIdsUnique(Parts& parts) {
   MakeIdsUnique(parts.sources);
 }
 
+/// What was true when a file was written need not be true now.
+void DoubtOldFiles(const CollectedRows& rows, Parts& parts) {
+  for (PartSource& source : parts.sources) {
+    const CollectedTable* table = rows.FindTable(source.readAt.className);
+    if (source.state != "read" || table == nullptr || table->status.oldFiles.empty()) continue;
+    source.state = "failed";
+    source.observed = "what there is comes " + table->status.oldFiles;
+  }
+}
+
 void NumberUnread(Parts& parts) {
   for (std::size_t i = 0; i < parts.unread.size(); ++i) {
     parts.unread[i].id = std::to_string(i + 1);
   }
 }
 
-}  // namespace
-
-Parts ReadParts(const Collection& collection) {
+Parts ReadFromReports(const Collection& collection) {
   const CollectedRows rows(collection);
   Parts parts;
   for (const Reader read : kReaders) read(rows, parts);
+  DoubtOldFiles(rows, parts);
   FindConditions(parts);
   MakeIdsUnique(parts);
   NumberUnread(parts);
+  return parts;
+}
+
+/// A result does not say of each column where it was read; its rows do, of the parts that are in
+/// them.
+void FindColumnPlaces(const Parts& read, Parts& parts) {
+  for (const PartTable& table : GetPartTables()) {
+    std::unordered_map<std::string_view, const Part*> known;
+    for (std::size_t row = 0; row < table.count(read); ++row) {
+      known.emplace(table.at(read, row).id, &table.at(read, row));
+    }
+    for (std::size_t row = 0; row < table.count(parts); ++row) {
+      Part& part = table.change(parts, row);
+      const auto found = known.find(part.id);
+      if (found == known.end() || found->second->readAt != part.readAt) continue;
+      part.columnPlaces = found->second->columnPlaces;
+    }
+  }
+}
+
+}  // namespace
+
+Parts ReadParts(const Collection& collection) {
+  Parts read = ReadFromReports(collection);
+  if (!collection.parts) return read;
+  Parts parts = *collection.parts;
+  FindColumnPlaces(read, parts);
   return parts;
 }
 

@@ -1,5 +1,7 @@
 #include "host/answers/parts/sources.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <string_view>
 #include <utility>
@@ -43,10 +45,26 @@ void AddSourceWithoutParts(Parts& parts, std::string id, std::string className,
     AddSource(parts, std::move(id), std::move(className), SourceState::kNone, "not collected");
     return;
   }
+  if (!table->status.missing.empty()) {
+    AddSource(parts, std::move(id), std::move(className), SourceState::kNone,
+              table->status.missing);
+    return;
+  }
   const bool isHere = std::find(std::begin(kNotHere), std::end(kNotHere), table->status.outcome) ==
                       std::end(kNotHere);
   AddSource(parts, std::move(id), std::move(className),
             isHere ? SourceState::kFailed : SourceState::kNone, table->status.text);
+}
+
+std::string JoinGaps(const std::vector<std::string>& gaps) {
+  constexpr std::size_t kMost = 3;
+  std::string text;
+  for (std::size_t i = 0; i < std::min(gaps.size(), kMost); ++i) {
+    if (i > 0) text += "; ";
+    text += gaps[i];
+  }
+  if (gaps.size() > kMost) text += fmt::format("; and {} more", gaps.size() - kMost);
+  return text;
 }
 
 }  // namespace host

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "host/answers/parts/parts.h"
 #include "host/collect/collection.h"
@@ -10,8 +11,10 @@ namespace host {
 
 enum class SourceState {
   kRead,
-  kFailed,  ///< asked, and no answer that is understood, or one that ends in an error
-  kNone,    ///< not on this machine, or not asked
+  /// Asked, and no answer that is understood, or one that ends in an error or is not whole. Some of
+  /// it can have been read.
+  kFailed,
+  kNone,  ///< not on this machine, or not asked
 };
 
 /// `observed`: why it is not read.
@@ -22,5 +25,8 @@ void AddSource(Parts& parts, std::string id, std::string className, SourceState 
 /// table was not collected.
 void AddSourceWithoutParts(Parts& parts, std::string id, std::string className,
                            const CollectedTable* table);
+
+/// What is not known of a source, a clause each, in one text. Of many the first are told.
+std::string JoinGaps(const std::vector<std::string>& gaps);
 
 }  // namespace host

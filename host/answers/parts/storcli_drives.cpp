@@ -9,7 +9,10 @@
 
 #include "host/answers/parts/storcli_drives.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <unordered_set>
 #include <utility>
 
 #include "host/answers/parts/header_table.h"
@@ -83,7 +86,7 @@ class DrivesReader {
   DrivesReader(const Report& report, Parts& parts)
       : report(report), parts(parts), drives(parts, report.controller) {}
 
-  void Read() {
+  std::string Read() {
     ReportLines lines(report.text);
     for (ReportLine line; lines.Next(line);) {
       const TableScan::LineKind kind = scan.Take(line.text);
@@ -97,9 +100,24 @@ class DrivesReader {
         TakeFact(line);
       }
     }
+    return DescribeBreak();
   }
 
  private:
+  std::string DescribeBreak() const {
+    if (std::string text = scan.DescribeBreak(); !text.empty()) return text;
+    if (!lastLabel.empty() && !hasLastLabel) return "breaks off at drive " + place;
+    std::size_t listed = 0;
+    std::size_t told = 0;
+    for (const Drive& drive : parts.drives) {
+      // Drives without an enclosure are not among those of all enclosures.
+      if (drive.controller != report.controller || drive.place.starts_with(':')) continue;
+      ++listed;
+      if (mentioned.contains(drive.place)) ++told;
+    }
+    return told < listed ? fmt::format("tells of {} of {} drives", told, listed) : std::string();
+  }
+
   /// The drive in a place, which `line` mentions.
   Drive& Open(const std::string& where, const ReportLine& line) {
     if (Drive* known = drives.FindByPlace(where)) return *known;
@@ -115,13 +133,22 @@ class DrivesReader {
     if (at == std::string_view::npos) return;
     const auto where = ReadLsiDrivePath(line.text.substr(at + kWord.size()));
     if (!where) return;
-    place = *where;
+    if (place != *where) BeginDrive(*where);
     Open(place, line);
+  }
+
+  void BeginDrive(const std::string& where) {
+    if (mentioned.size() == 1) lastLabel = label;
+    place = where;
+    mentioned.insert(place);
+    hasLastLabel = false;
   }
 
   void TakeFact(const ReportLine& line) {
     const auto split = SplitLabel(line.text, '=');
     if (!split) return;
+    label = split->label;
+    hasLastLabel = hasLastLabel || label == lastLabel;
     const auto* const fact =
         std::find_if(std::begin(kFacts), std::end(kFacts),
                      [&](const DriveFact& known) { return known.label == split->label; });
@@ -171,6 +198,7 @@ class DrivesReader {
     if (!where || end == std::string_view::npos) return;
     const std::string_view answer = Trim(text.substr(end));
     if (!answer.starts_with("Fail")) return;
+    mentioned.insert(*where);
     Drive& drive = Open(*where, line);
     drive.answer = answer;
     NotePlace(drive, "answer", PlaceOfLine(report, line));
@@ -180,11 +208,18 @@ class DrivesReader {
   Parts& parts;
   LsiDrives drives;
   TableScan scan;
-  std::string place;  ///< of the drive that the lines are about
+  std::string place;                          ///< of the drive that the lines are about
+  std::unordered_set<std::string> mentioned;  ///< places
+  std::string_view label;                     ///< of the last fact
+  /// What is told of a drive ends with it, as that of the first does. Empty while that is read.
+  std::string_view lastLabel;
+  bool hasLastLabel = false;  ///< the drive that the lines are about
 };
 
 }  // namespace
 
-void ReadStorcliDrives(const Report& report, Parts& parts) { DrivesReader(report, parts).Read(); }
+std::string ReadStorcliDrives(const Report& report, Parts& parts) {
+  return DrivesReader(report, parts).Read();
+}
 
 }  // namespace host

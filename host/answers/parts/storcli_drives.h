@@ -6,7 +6,8 @@
 namespace host {
 
 /// Adds to the drives what the report tells of each, and drives that are not known yet. Read it
-/// after the controller's own report.
-void ReadStorcliDrives(const Report& report, Parts& parts);
+/// after the controller's own report. Where the report breaks off, in words; empty when it is whole
+/// as far as it tells.
+std::string ReadStorcliDrives(const Report& report, Parts& parts);
 
 }  // namespace host

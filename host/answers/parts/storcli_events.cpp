@@ -148,13 +148,14 @@ class EventList {
   }
 
   /// `target` is the volume that the data of the event name.
-  void Add(Event&& event, const ReportLine& line, const Integer& target) {
-    event.readAt = PlaceOfLine(report, line);
+  void Add(Event&& event, Place at, const Integer& target) {
     event.source = kLsi;
     event.controller = report.controller;
     event.sense = FindSense(event.text);
-    event.id = event.number ? MakeEventId(report.controller, *event.number)
-                            : fmt::format("{} line {}", report.controller, line.number);
+    event.id = event.number
+                   ? MakeEventId(report.controller, *event.number)
+                   : fmt::format("{} line {}", report.controller, at.line > 0 ? at.line : at.row);
+    event.readAt = std::move(at);
     FindPart(event, target);
     parts.events.push_back(std::move(event));
   }
@@ -202,6 +203,25 @@ class EventList {
   std::string cacheBackup;
 };
 
+Integer ReadSequenceNumber(std::string_view text) {
+  return text.starts_with("0x") ? ReadHex(text) : ReadInteger(text);
+}
+
+/// Takes one of the lines of an event before its data.
+void TakeEventFact(Event& event, std::string_view label, std::string_view value) {
+  if (label == "Time") event.time = ReadTime(value);
+  if (label == "Code" && value.starts_with("0x")) event.code = ReadHex(value);
+  if (label == "Class") event.level = ReadClass(value);
+  if (label == "Event Description") event.text = value;
+}
+
+/// The same of its data.
+void TakeEventData(Integer& target, std::string_view label, std::string_view value) {
+  if (label == "Target Id") target = ReadInteger(value);
+}
+
+bool TellsNothing(const Event& event) { return event.text.empty() && !event.code; }
+
 /// An event whose lines are being read.
 struct OpenEvent {
   Event event;
@@ -229,33 +249,24 @@ class DumpReader {
       End();
       open.emplace();
       open->line = line;
-      open->event.number =
-          split->value.starts_with("0x") ? ReadHex(split->value) : ReadInteger(split->value);
+      open->event.number = ReadSequenceNumber(split->value);
       return;
     }
     if (!open) return;
     if (open->inData) {
-      if (split->label == "Target Id") open->target = ReadInteger(split->value);
+      TakeEventData(open->target, split->label, split->value);
       return;
     }
-    TakeFact(*open, split->label, split->value);
-  }
-
-  static void TakeFact(OpenEvent& open, std::string_view label, std::string_view value) {
-    Event& event = open.event;
-    if (label == "Time") event.time = ReadTime(value);
-    if (label == "Code" && value.starts_with("0x")) event.code = ReadHex(value);
-    if (label == "Class") event.level = ReadClass(value);
-    if (label == "Event Description") event.text = value;
-    open.inData = label == "Event Data";
+    TakeEventFact(open->event, split->label, split->value);
+    open->inData = split->label == "Event Data";
   }
 
   void End() {
     if (!open) return;
-    if (open->event.text.empty() && !open->event.code) {
+    if (TellsNothing(open->event)) {
       KeepUnread(parts, report, open->line);
     } else {
-      events.Add(std::move(open->event), open->line, open->target);
+      events.Add(std::move(open->event), PlaceOfLine(report, open->line), open->target);
     }
     open.reset();
   }
@@ -305,7 +316,35 @@ void ReadStorcliTermLog(const Report& report, Parts& parts) {
     if (!event) {
       KeepUnread(parts, report, line);
     } else if (known.insert(*event->number).second) {
-      events.Add(std::move(*event), line, std::nullopt);
+      events.Add(std::move(*event), PlaceOfLine(report, line), std::nullopt);
+    }
+  }
+}
+
+void ReadStorcliEventRows(const std::vector<CollectedRow>& rows, const Report& report,
+                          Parts& parts) {
+  EventList events(report, parts);
+  for (const CollectedRow& row : rows) {
+    Event event;
+    event.number = ReadSequenceNumber(row.Get("seqNum"));
+    for (const char* key : {"Time", "Code", "Class", "EventDescription"}) {
+      TakeEventFact(event, row.GetLabel(key), row.Get(key));
+    }
+    const std::string data = row.Get("EventData");
+    Integer target;
+    ReportLines lines(data);
+    for (ReportLine line; lines.Next(line);) {
+      const auto split = SplitLabel(line.text, ':');
+      if (split) TakeEventData(target, split->label, split->value);
+    }
+    const Place at = row.PlaceOf("EventDescription", report.place.tool);
+    if (TellsNothing(event)) {
+      Unread unread;
+      unread.readAt = at;
+      unread.text = row.Get("seqNum");
+      parts.unread.push_back(std::move(unread));
+    } else {
+      events.Add(std::move(event), at, target);
     }
   }
 }

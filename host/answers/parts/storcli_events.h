@@ -1,6 +1,9 @@
 // The logs of an LSI controller: its events, and the term log of its firmware, which repeats some.
 #pragma once
 
+#include <vector>
+
+#include "host/answers/parts/collected_rows.h"
 #include "host/answers/parts/report.h"
 
 namespace host {
@@ -8,6 +11,9 @@ namespace host {
 /// storcli /cN show events: appends its events. Read it after the controller's drives and volumes,
 /// which events are about.
 void ReadStorcliEvents(const Report& report, Parts& parts);
+/// The same from rows of a table of events; `report` has controller and tool, and no text.
+void ReadStorcliEventRows(const std::vector<CollectedRow>& rows, const Report& report,
+                          Parts& parts);
 
 /// storcli /cN show termlog: appends the events in it that are not known yet.
 void ReadStorcliTermLog(const Report& report, Parts& parts);

@@ -68,12 +68,19 @@ constexpr CacheBackupTable kCacheBackupTables[] = {
     {"Cachevault_Info", "CacheVault"},
 };
 
+/// The list after that of the drives.
+bool HasEnclosureHeads(const TableHeads& heads) { return heads.Has("EID") && heads.Has("Slots"); }
+
+std::string MakeGroupId(const std::string& controller, std::string_view number) {
+  return controller + " g" + std::string(number);
+}
+
 class ShowReader {
  public:
   ShowReader(const Report& report, Parts& parts)
       : report(report), parts(parts), drives(parts, report.controller) {}
 
-  void Read() {
+  std::string Read() {
     ReportLines lines(report.text);
     for (ReportLine line; lines.Next(line);) {
       const TableScan::LineKind kind = scan.Take(line.text);
@@ -83,13 +90,18 @@ class ShowReader {
         TakeFact(line);
       }
     }
-    if (!hasParts && controller.columnPlaces.empty()) return;
+    if (!hasParts && controller.columnPlaces.empty()) return {};
+    // Of no drives there is neither a number nor a list.
+    const bool isBeforeDrives = !passedDrives && !controller.drivesDeclared;
     controller.id = report.controller;
     controller.number = report.controller.substr(kLsiIdPrefix.size());
     controller.vendor = kLsi;
     controller.readAt = controller.columnPlaces.empty() ? PlaceOfLine(report, {{}, 1})
                                                         : controller.columnPlaces.front().place;
     parts.controllers.push_back(std::move(controller));
+    std::string brokenOff = scan.DescribeBreak();
+    if (brokenOff.empty() && isBeforeDrives) brokenOff = "breaks off before its drives";
+    return brokenOff;
   }
 
  private:
@@ -106,7 +118,9 @@ class ShowReader {
 
   void TakeRow(const ReportLine& line) {
     const TableHeads& heads = scan.Heads();
-    hasParts = hasParts || HasDriveHeads(heads) || heads.Has("DG/VD");
+    const bool hasDrives = HasDriveHeads(heads);
+    hasParts = hasParts || hasDrives || heads.Has("DG/VD");
+    passedDrives = passedDrives || hasDrives || HasEnclosureHeads(heads);
     if (!TakeRowOf(heads, line)) KeepUnread(parts, report, line);
   }
 
@@ -115,7 +129,7 @@ class ShowReader {
     if (HasDriveHeads(heads)) return TakeDrive(line);
     if (heads.Has("DG/VD") && heads.Has("State")) return TakeVolume(line);
     if (heads.Has("DG") && heads.Has("Arr") && heads.Has("Row")) return TakeTopology(line);
-    if (heads.Has("EID") && heads.Has("Slots")) return TakeEnclosure(line);
+    if (HasEnclosureHeads(heads)) return TakeEnclosure(line);
     return TakeCacheBackup(line);
   }
 
@@ -152,7 +166,7 @@ class ShowReader {
     volume.access = (*cells)["Access"];
     volume.consistent = (*cells)["Consist"];
     volume.cache = (*cells)[heads.Has("Cache") ? "Cache" : "CurrentCache"];
-    if (IsNumber(group)) volume.group = MakeGroupId(group);
+    if (IsNumber(group)) volume.group = MakeGroupId(report.controller, group);
     parts.volumes.push_back(std::move(volume));
     return true;
   }
@@ -161,42 +175,9 @@ class ShowReader {
   bool TakeTopology(const ReportLine& line) {
     const std::optional<RowCells> cells = scan.Heads().DealWords(line.text, {});
     if (!cells) return false;
-    const std::string_view group = (*cells)["DG"];
-    const std::string_view array = (*cells)["Arr"];
-    const std::string_view type = (*cells)["Type"];
-    const std::string_view state = (*cells)["State"];
-    if (type.empty() || state.empty()) return false;
-    if (type == "DRIVE") {
-      if (state == "Msng" || (*cells)["EID:Slot"] == "-") {
-        AddMissingDrive(line, group, array, (*cells)["Row"], state);
-      }
-    } else if (array == "-" && IsNumber(group)) {
-      Group made;
-      made.id = MakeGroupId(group);
-      made.readAt = PlaceOfLine(report, line);
-      made.vendor = kLsi;
-      made.controller = report.controller;
-      made.number = group;
-      made.level = type;
-      made.state = state;
-      made.busy = (*cells)["BT"];
-      parts.groups.push_back(std::move(made));
-    }
-    return true;
-  }
-
-  void AddMissingDrive(const ReportLine& line, std::string_view group, std::string_view array,
-                       std::string_view row, std::string_view state) {
-    MissingDrive missing;
-    missing.group = MakeGroupId(group);
-    // Every array counts its rows from 0.
-    missing.place = array == "0" ? "row " : "array " + std::string(array) + " row ";
-    missing.place += row;
-    missing.id = missing.group + " " + missing.place;
-    missing.readAt = PlaceOfLine(report, line);
-    missing.controller = report.controller;
-    missing.state = state;
-    parts.missingDrives.push_back(std::move(missing));
+    return AddTopologyRow({(*cells)["DG"], (*cells)["Arr"], (*cells)["Row"], (*cells)["EID:Slot"],
+                           (*cells)["Type"], (*cells)["State"], (*cells)["BT"]},
+                          report.controller, PlaceOfLine(report, line), parts);
   }
 
   bool TakeEnclosure(const ReportLine& line) {
@@ -226,6 +207,7 @@ class ShowReader {
     if (table == std::end(kCacheBackupTables) || !heads.Has("State") || !heads.Has("Temp")) {
       return true;
     }
+    passedDrives = true;
     RowCells cells = heads.CutBelowHeads(line.text);
     const auto isTemperature = [](std::string_view cell) {
       return ReadLeadingReal(cell) || !IsTold(cell);
@@ -250,18 +232,29 @@ class ShowReader {
     return true;
   }
 
-  std::string MakeGroupId(std::string_view number) const {
-    return report.controller + " g" + std::string(number);
-  }
-
   const Report& report;
   Parts& parts;
   LsiDrives drives;
   TableScan scan;
   Controller controller;
   bool hasParts = false;
+  bool passedDrives = false;  ///< their list, or one of those after it
   std::array<bool, std::size(kFacts)> known{};
 };
+
+void AddMissingDrive(const TopologyRow& row, const std::string& controller, const Place& at,
+                     Parts& parts) {
+  MissingDrive missing;
+  missing.group = MakeGroupId(controller, row.group);
+  // Every array counts its rows from 0.
+  missing.place = row.array == "0" ? "row " : "array " + std::string(row.array) + " row ";
+  missing.place += row.row;
+  missing.id = missing.group + " " + missing.place;
+  missing.readAt = at;
+  missing.controller = controller;
+  missing.state = row.state;
+  parts.missingDrives.push_back(std::move(missing));
+}
 
 /// The values below a label of the head of a report.
 template <typename Take>
@@ -275,7 +268,29 @@ void FindFact(std::string_view text, std::string_view label, const Take& take) {
 
 }  // namespace
 
-void ReadStorcliShow(const Report& report, Parts& parts) { ShowReader(report, parts).Read(); }
+std::string ReadStorcliShow(const Report& report, Parts& parts) {
+  return ShowReader(report, parts).Read();
+}
+
+bool AddTopologyRow(const TopologyRow& row, const std::string& controller, const Place& at,
+                    Parts& parts) {
+  if (row.type.empty() || row.state.empty()) return false;
+  if (row.type == "DRIVE") {
+    if (row.state == "Msng" || row.drive == "-") AddMissingDrive(row, controller, at, parts);
+  } else if (row.array == "-" && IsNumber(row.group)) {
+    Group made;
+    made.id = MakeGroupId(controller, row.group);
+    made.readAt = at;
+    made.vendor = kLsi;
+    made.controller = controller;
+    made.number = row.group;
+    made.level = row.type;
+    made.state = row.state;
+    made.busy = row.busy;
+    parts.groups.push_back(std::move(made));
+  }
+  return true;
+}
 
 std::optional<std::string> FindStorcliFailure(std::string_view text) {
   constexpr std::string_view kWord = "Failure";

@@ -23,7 +23,7 @@ constexpr mode_t kForOthers = 0077;
 
 FileHandle CreateNewFile(const fs::path& path, Readers readers) {
   return FileHandle(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
-                         readers == Readers::kOwner ? kOwnerOnly : kAsUmaskSays));
+                         readers == Readers::kAsUsual ? kAsUmaskSays : kOwnerOnly));
 }
 
 FileHandle OpenToOverwrite(const fs::path& path) {

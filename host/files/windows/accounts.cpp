@@ -1,5 +1,10 @@
 #include "host/files/windows/accounts.h"
 
+// After windows.h.
+#include <sddl.h>
+
+#include <string>
+
 namespace host {
 
 ThisUser::ThisUser() {
@@ -14,6 +19,23 @@ ThisUser::ThisUser() {
 
 PSID ThisUser::Sid() const {
   return user.empty() ? nullptr : reinterpret_cast<const TOKEN_USER*>(user.data())->User.Sid;
+}
+
+OwnAccess::OwnAccess() {
+  std::wstring access = L"D:P(A;OICI;FA;;;BA)";
+  const ThisUser user;
+  wchar_t* sid = nullptr;
+  if (user.Sid() != nullptr && ConvertSidToStringSidW(user.Sid(), &sid)) {
+    const LocalMemory owned(sid);
+    access += L"(A;OICI;FA;;;" + std::wstring(sid) + L")";
+  }
+  PSECURITY_DESCRIPTOR made = nullptr;
+  if (!ConvertStringSecurityDescriptorToSecurityDescriptorW(access.c_str(), SDDL_REVISION_1, &made,
+                                                            nullptr)) {
+    return;
+  }
+  descriptor.reset(made);
+  attributes = {sizeof(attributes), made, FALSE};
 }
 
 bool IsOurs(PSID account) {

@@ -28,6 +28,19 @@ class ThisUser {
   std::vector<char> user;  ///< a TOKEN_USER
 };
 
+/// Full access for administrators and the user, in a folder also below it; nothing is inherited
+/// from above.
+class OwnAccess {
+ public:
+  OwnAccess();
+  /// Null when the system cannot make it, which leaves its reason in GetLastError().
+  SECURITY_ATTRIBUTES* Get() { return descriptor == nullptr ? nullptr : &attributes; }
+
+ private:
+  LocalMemory descriptor;
+  SECURITY_ATTRIBUTES attributes{};
+};
+
 /// Whether the account is this user's, the administrators' or the system's own.
 bool IsOurs(PSID account);
 

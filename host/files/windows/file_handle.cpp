@@ -36,12 +36,13 @@ int ErrnoOf(DWORD error) {
   }
 }
 
-FileHandle OpenFile(const fs::path& path, DWORD access, DWORD disposition, DWORD flags) {
-  // Without security attributes no program that is started inherits it. Whoever may delete the file
+FileHandle OpenFile(const fs::path& path, DWORD access, DWORD disposition, DWORD flags,
+                    SECURITY_ATTRIBUTES* security = nullptr) {
+  // No program that is started inherits it. Whoever may delete the file
   // may do so while it is open, as on other systems.
   const HANDLE handle =
       CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                  nullptr, disposition, FILE_ATTRIBUTE_NORMAL | flags, nullptr);
+                  security, disposition, FILE_ATTRIBUTE_NORMAL | flags, nullptr);
   if (handle == INVALID_HANDLE_VALUE) {
     errno = ErrnoOf(GetLastError());
     return FileHandle();
@@ -90,9 +91,11 @@ bool AllowsOthers(void* entry) {
 
 }  // namespace
 
-FileHandle CreateNewFile(const fs::path& path, Readers /*readers*/) {
-  // Access is the folder's, which the new file inherits.
-  return OpenFile(path, GENERIC_WRITE, CREATE_NEW, FILE_FLAG_OPEN_REPARSE_POINT);
+FileHandle CreateNewFile(const fs::path& path, Readers readers) {
+  // Otherwise access is the folder's, which the new file inherits.
+  OwnAccess own;
+  SECURITY_ATTRIBUTES* access = readers == Readers::kOwnerAnywhere ? own.Get() : nullptr;
+  return OpenFile(path, GENERIC_WRITE, CREATE_NEW, FILE_FLAG_OPEN_REPARSE_POINT, access);
 }
 
 FileHandle OpenToOverwrite(const fs::path& path) {

@@ -4,12 +4,11 @@
 // After windows.h, which it needs.
 #include <bcrypt.h>
 
-#include <array>
 #include <stdexcept>
 #include <string>
 
 #include "host/files/sha256.h"
-#include "host/text/hex_text.h"
+#include "host/files/windows/library_function.h"
 
 namespace host {
 namespace {
@@ -24,12 +23,6 @@ struct Cryptography {
   decltype(&BCryptFinishHash) finishHash = nullptr;
   decltype(&BCryptDestroyHash) destroyHash = nullptr;
 };
-
-template <typename Function>
-bool FindFunction(HMODULE library, const char* name, Function& function) {
-  function = reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library, name)));
-  return function != nullptr;
-}
 
 /// Throws std::runtime_error.
 Cryptography LoadCryptography() {
@@ -51,9 +44,9 @@ Cryptography LoadCryptography() {
 
 }  // namespace
 
-std::string ComputeSha256(std::string_view bytes) {
+Sha256Digest ComputeSha256Digest(std::string_view bytes) {
   static const Cryptography kSystem = LoadCryptography();
-  std::array<UCHAR, 32> digest{};
+  Sha256Digest digest{};
   BCRYPT_ALG_HANDLE algorithm = nullptr;
   BCRYPT_HASH_HANDLE hash = nullptr;
   NTSTATUS status = kSystem.openAlgorithm(&algorithm, BCRYPT_SHA256_ALGORITHM, nullptr, 0);
@@ -67,14 +60,15 @@ std::string ComputeSha256(std::string_view bytes) {
     status = kSystem.hashData(hash, data, static_cast<ULONG>(piece.size()), 0);
     bytes.remove_prefix(piece.size());
   }
-  if (status >= 0) status = kSystem.finishHash(hash, digest.data(), digest.size(), 0);
+  if (status >= 0)
+    status = kSystem.finishHash(hash, reinterpret_cast<PUCHAR>(digest.data()), digest.size(), 0);
   if (hash != nullptr) kSystem.destroyHash(hash);
   if (algorithm != nullptr) kSystem.closeAlgorithm(algorithm, 0);
   if (status < 0) {
     throw std::runtime_error("the system cannot compute SHA-256: status " +
                              std::to_string(static_cast<std::uint32_t>(status)));
   }
-  return HexText({reinterpret_cast<const char*>(digest.data()), digest.size()});
+  return digest;
 }
 
 }  // namespace host

@@ -178,9 +178,21 @@ const switchTheme = () => {
   } catch { /* Then it lasts as long as the page. */ }
 };
 const findButton = make("button", { type: "button", onclick: openFind, "aria-keyshortcuts": "/" }, "Find in report");
+// The same document as pqhost collect --format json writes.
+const downloadData = async () => {
+  const packed = Uint8Array.from(atob(document.getElementById("packed").textContent), (c) => c.charCodeAt(0));
+  const name = `${document.querySelector("h1").textContent.replace(/[^\w.-]+/g, "-")}.json`;
+  try {
+    const json = new Blob([packed]).stream().pipeThrough(new DecompressionStream("gzip"));
+    download(name, await new Response(json).blob(), "application/json");
+  } catch {
+    download(`${name}.gz`, packed, "application/gzip"); // An old browser cannot unpack it.
+  }
+};
 const tools = document.getElementById("tools");
 tools.append(findButton,
   ...document.getElementById("verdict") ? [make("button", { type: "button", onclick: () => copyText(summaryText(), "Summary") }, "Copy summary")] : [],
+  ...document.getElementById("packed").textContent ? [make("button", { type: "button", class: "data", onclick: downloadData }, "Download data (JSON)")] : [],
   make("button", { type: "button", onclick: switchTheme }, "Light / dark"));
 main.prepend(findPanel);
 

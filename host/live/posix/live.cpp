@@ -31,6 +31,8 @@ LiveMachine PrepareLiveMachine(const std::filesystem::path& /*logFolder*/,
   throw LiveError(kNeedsWindows);
 }
 
+bool IsElevated() { return false; }
+
 Surroundings LookAround(const std::filesystem::path& /*logFolder*/) {
   throw LiveError(kNeedsWindows);
 }

@@ -124,6 +124,8 @@ bool IsFile(const std::string& path) {
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
+}  // namespace
+
 bool IsElevated() {
   HANDLE token = nullptr;
   if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token)) return false;
@@ -134,8 +136,6 @@ bool IsElevated() {
   CloseHandle(token);
   return isRead && elevation.TokenIsElevated != 0;
 }
-
-}  // namespace
 
 std::optional<std::string> LocateProgram(const std::string& program) {
   std::string extensions = ReadVariable("PATHEXT");

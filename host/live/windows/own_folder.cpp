@@ -3,38 +3,15 @@
 #include <windows.h>
 // After windows.h.
 #include <aclapi.h>
-#include <sddl.h>
-
-#include <string>
 
 #include "host/files/windows/accounts.h"
 
 namespace host {
-namespace {
-
-/// Full access for administrators and the user, here and below; nothing is inherited from above.
-std::wstring DescribeAccess() {
-  std::wstring access = L"D:P(A;OICI;FA;;;BA)";
-  const ThisUser user;
-  wchar_t* sid = nullptr;
-  if (user.Sid() != nullptr && ConvertSidToStringSidW(user.Sid(), &sid)) {
-    const LocalMemory owned(sid);
-    access += L"(A;OICI;FA;;;" + std::wstring(sid) + L")";
-  }
-  return access;
-}
-
-}  // namespace
 
 std::uint32_t CreateOwnFolder(const std::filesystem::path& folder) {
-  PSECURITY_DESCRIPTOR descriptor = nullptr;
-  if (!ConvertStringSecurityDescriptorToSecurityDescriptorW(
-          DescribeAccess().c_str(), SDDL_REVISION_1, &descriptor, nullptr)) {
-    return GetLastError();
-  }
-  const LocalMemory owned(descriptor);
-  SECURITY_ATTRIBUTES security{sizeof(security), descriptor, FALSE};
-  if (CreateDirectoryW(folder.c_str(), &security)) return 0;
+  OwnAccess access;
+  if (access.Get() == nullptr) return GetLastError();
+  if (CreateDirectoryW(folder.c_str(), access.Get())) return 0;
   const DWORD error = GetLastError();
   return error == ERROR_ALREADY_EXISTS ? 0 : error;
 }

@@ -18,6 +18,7 @@
 #include "host/pqhost/commands/shared_options.h"
 #include "host/pqhost/source.h"
 #include "host/recorded/interpreter.h"
+#include "host/recorded/program_search.h"
 #include "host/recording/recording_reader.h"
 #include "host/text/json_text.h"
 #include "host/text/screen_text.h"
@@ -73,10 +74,12 @@ CheckedMachine LookAtRecording(const SourceOptions& options) {
     return isThere ? std::optional(program) : std::nullopt;
   };
   const auto isThere = [&](const std::string& program) { return locate(program).has_value(); };
+  const Collection collection = Collect(recording);
   return {.facts = DescribeRecording(recording),
           .locate = locate,
           .surroundings = std::nullopt,
-          .devices = FindDevices(Collect(recording), isThere)};
+          .devices = FindDevices(collection, isThere),
+          .neverAsked = FindNeverAsked(collection)};
 }
 
 /// How a line begins.
@@ -160,6 +163,15 @@ void WriteJson(const MachineCheck& check, const Console& console) {
   }
 }
 
+/// Whether a tool is missing that has a place below the host's folder.
+bool LacksTool(const MachineCheck& check) {
+  return std::ranges::any_of(check.areas, [](const CheckedArea& area) {
+    return std::ranges::any_of(area.tools, [](const CheckedTool& tool) {
+      return tool.state == CheckedTool::State::kMissing && NamesFolder(tool.path);
+    });
+  });
+}
+
 int RunCheck(const CheckOptions& options, const Console& console) {
   const SourceOptions& source = options.source;
   RefuseMisuseOfReplay(source);
@@ -170,6 +182,9 @@ int RunCheck(const CheckOptions& options, const Console& console) {
     WriteJson(check, console);
   } else {
     CheckWriter(console).Write(check);
+    if (!source.replay && LacksTool(check)) {
+      console.out << "\"pqhost setup\" looks for missing tools on this machine.\n";
+    }
   }
   return check.isComplete ? kExitDone : kExitIncomplete;
 }

@@ -2,27 +2,29 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
 
+#include "host/answers/columns_fit.h"
 #include "host/check/dry_machine.h"
-#include "host/collect/recorded_source.h"
 #include "host/files/places.h"
-#include "host/files/whole_file.h"
-#include "host/formats/csv_folder.h"
-#include "host/formats/formats.h"
 #include "host/live/live.h"
+#include "host/pqhost/commands/collection_output.h"
 #include "host/pqhost/commands/commands.h"
 #include "host/pqhost/commands/shared_options.h"
+#include "host/pqhost/elevation.h"
 #include "host/pqhost/gather.h"
+#include "host/pqhost/report_place.h"
 #include "host/pqhost/trace_output.h"
 #include "host/program/deadline.h"
-#include "host/program/result_output.h"
-#include "host/recording/recording_reader.h"
+#include "host/redact/kinds.h"
 #include "host/text/decoder.h"
+#include "host/text/path_text.h"
 #include "host/text/screen_text.h"
 #include "host/text/usage_error.h"
 
@@ -34,6 +36,9 @@ constexpr char kFooter[] = R"(Examples:
   pqhost collect --replay RECORDING --format json --output server.json
   pqhost collect --replay RECORDING --log-folder logs --format none
   pqhost collect --record server.zip --tool-limit 120
+  pqhost collect --replay RECORDING --redact --format html --output to-send.html
+  pqhost collect --report
+  pqhost collect --report --compare november.zip
   pqhost collect --module BMC_Info --dry-run
 
 Exit codes: 0 done; 1 something could not be collected, with a line for each on
@@ -45,16 +50,18 @@ constexpr unsigned kLongestToolLimit = 86400;
 /// A tebibyte, more than a machine has.
 constexpr unsigned kLargestToolMemory = 1U << 20;
 
-constexpr char kCsvFormat[] = "csv";
+constexpr char kReportFormat[] = "html";
 
 struct CollectOptions {
   Selection selection;
   SourceOptions source;
   ResultOptions result;
   std::optional<Destination> trace;
-  bool leavesAttachmentsOut = false;
-  bool showsAll = false;  ///< also old lines of logs on a screen
-  bool dryRun = false;    ///< show the commands instead of running them
+  ShownMuch much;
+  std::optional<std::filesystem::path> compared;  ///< an earlier collection
+  bool dryRun = false;                            ///< show the commands instead of running them
+  bool makesReport = false;  ///< --report: results are a report, with the recording beside it
+  bool opensNothing = false;
 };
 
 /// Keeps the trace and the results from going to one place.
@@ -109,42 +116,92 @@ void RefuseWithReplay(const SourceOptions& source) {
   RefuseMisuseOfReplay(source);
 }
 
+void RefuseWithReport(const OptionSet& set) {
+  if (set.IsGiven("--format") || set.IsGiven("--record")) {
+    throw UsageError(
+        "--report writes a report and a recording: leave --format and --record away, or give them "
+        "without --report");
+  }
+  if (set.IsGiven("--unverified")) {
+    throw UsageError(
+        "--report would make a good recording of one that is not as it was made: leave "
+        "--unverified or --report away");
+  }
+}
+
+/// Names the files that are written, where the user did not.
+void ChoosePlaces(CollectOptions& options) {
+  SourceOptions& source = options.source;
+  const auto makeName = [&] { return NameCollection(source); };
+  if (options.makesReport) {
+    const ReportPlace place = ChooseReportPlace(options.result.output, makeName);
+    options.result.format = kReportFormat;
+    options.result.output.path = place.report;
+    source.record = place.recording;
+  } else if (source.record && source.record->empty()) {
+    source.record = ChooseRecordingPlace(makeName);
+  }
+}
+
 void RefuseWithDryRun(const OptionSet& set) {
   for (const char* option :
-       {"--record", "--format", "--output", "--all", "--tool-limit", "--tool-memory", "--trace",
-        "--plugin", "--unsafe-folder", "--amt-login", "--no-input"}) {
+       {"--report", "--no-open", "--compare", "--record", "--redact", "--key", "--format",
+        "--output", "--all", "--tool-limit", "--tool-memory", "--trace", "--plugin",
+        "--unsafe-folder", "--amt-login", "--no-input"}) {
     if (!set.IsGiven(option)) continue;
     throw UsageError(fmt::format(
         "{} has no use with --dry-run, which collects nothing: leave one of them away", option));
   }
 }
 
-/// Whether the results go into a folder, a file for each table.
-bool IsFolder(const Destination& output) {
-  if (output.IsStandardOutput()) return false;
-  std::error_code error;
-  return !output.path.has_filename() || std::filesystem::is_directory(output.path, error);
+void RefuseMisuseOfRedaction(const CollectOptions& options) {
+  if (!options.source.redactProfile) {
+    if (!options.source.redactionKey) return;
+    throw UsageError("--key has no use without --redact: add that, or leave it away");
+  }
+  if (options.source.replay) return;
+  if (!options.source.record) {
+    throw UsageError(
+        "--redact works on a recording: name a place for it with --record, or one that there is "
+        "with --replay");
+  }
+  if (options.trace) {
+    throw UsageError(
+        "--trace tells all that --redact replaces: leave one of them away, or trace the replay of "
+        "the recording");
+  }
 }
 
-/// Whether rows of the format can tell their machine.
-bool TakesIdentity(const std::string& format) {
-  return format == kCsvFormat || format == "ndjson" || format == "prometheus";
+void RefuseMisuseOfComparison(const CollectOptions& options) {
+  if (!options.compared) return;
+  if (options.result.format != kReportFormat) {
+    throw UsageError(
+        "--compare is for the report: add --format html or --report, or compare two recordings "
+        "with pqhost diff");
+  }
+  if (options.source.redactProfile) {
+    throw UsageError(
+        "--compare shows the older collection as it is, of which --redact replaces nothing: leave "
+        "one of them away, or compare two recordings that pqhost redact made");
+  }
 }
 
 /// Throws UsageError for options that contradict each other.
 void SettleOptions(CollectOptions& options, const OptionSet& set) {
-  if (options.result.identifiesRows && !TakesIdentity(options.result.format)) {
-    throw UsageError(
-        fmt::format("--identify is for csv and prometheus: {} tells the machine in its own place; "
-                    "leave it away",
-                    options.result.format));
+  if (options.dryRun) RefuseWithDryRun(set);
+  if (options.makesReport) RefuseWithReport(set);
+  if (options.source.replay) RefuseWithReplay(options.source);
+  if (options.opensNothing && !options.makesReport) {
+    throw UsageError("--no-open is for --report: leave it away");
   }
+  ChoosePlaces(options);
+  RefuseIdentityOfOthers(options.result);
   if (options.trace) SeparateTrace(options, set.IsGiven("--format"));
   KeepRecordingApart(options);
-  if (options.source.replay) RefuseWithReplay(options.source);
+  RefuseMisuseOfRedaction(options);
+  RefuseMisuseOfComparison(options);
   RefuseInRecording(options.source, "--output", options.result.output);
   if (options.trace) RefuseInRecording(options.source, "--trace", *options.trace);
-  if (options.dryRun) RefuseWithDryRun(set);
   if (options.source.replay) return;
   if (options.source.asksNobody && options.source.amtLogin == kStandardStream) {
     throw UsageError(
@@ -156,78 +213,96 @@ void SettleOptions(CollectOptions& options, const OptionSet& set) {
   if (options.trace) options.trace->MakeAbsolute();
 }
 
-/// Whether problems and statuses are on the terminal already that standard error leads to.
-bool IsOnScreen(const Format& format, const Destination& output, const Console& console) {
-  return format.tellsStatus && output.IsStandardOutput() && console.outIsTerminal &&
-         console.errorIsTerminal;
+/// The same tables of a recording that was just made.
+Collection CollectAgain(const Recording& recording, const Selection& selection,
+                        const Format& format) {
+  CollectionListeners nobody;
+  Collection collection =
+      Collect(recording, selection, nobody, format.wantsLog ? KeepLog::kYes : KeepLog::kNo);
+  NoteUnfitColumns(collection);
+  return collection;
 }
 
-/// A line on standard error for every problem and for every table: its rows, or why there are none.
-void ReportStatus(const Collection& collection, const Console& console) {
-  for (const std::string& problem : collection.problems) Complain(console, problem);
-  std::size_t width = 0;
-  for (const CollectedTable& table : collection.tables) {
-    width = std::max(width, table.className.size());
+/// The last words of --report, for somebody who never used this program before.
+void TellWhatToSend(const CollectOptions& options, const Console& console) {
+  console.error << fmt::format(
+      "Send {}: it holds what the tools of this machine printed, so that the report can be made "
+      "from it again, {}.\n",
+      EscapeControls(PathText(options.source.record->filename())),
+      options.source.redactProfile
+          ? "without what the profile " + *options.source.redactProfile + " replaces"
+          : "with names, addresses and serial numbers, but not the AMT password");
+  if (IsInterruptionRequested()) {
+    console.error << "It is not complete, as the collection was interrupted.\n";
   }
-  for (const CollectedTable& table : collection.tables) {
-    console.error << fmt::format("{:<{}}  {}\n", EscapeControls(table.className), width,
-                                 EscapeControls(DescribeStatus(table.status)));
-  }
+}
+
+/// Somebody who looks at a screen sees the report.
+void OpenReport(const CollectOptions& options, const Console& console) {
+  if (options.opensNothing || !console.openFile || !console.errorIsTerminal) return;
+  console.openFile(options.result.output.path);
+}
+
+bool IsHandedOver(const CollectOptions& options, const Console& console) {
+  if (!options.makesReport || options.source.replay || IsElevated()) return false;
+  std::function<int()> read;
+  if (!options.source.asksNobody) read = [] { return std::getc(stdin); };
+  return OfferElevation(console, read);
+}
+
+/// What the report is compared with, if anything.
+std::optional<ComparedFile> OpenEarlier(const CollectOptions& options, const Console& console) {
+  if (!options.compared) return std::nullopt;
+  SourceOptions source;
+  source.replay = options.compared;
+  source.rules = options.source.rules;
+  return OpenComparedFile(source, console, [] {});
 }
 
 int RunCollect(const CollectOptions& options, const Console& console) {
-  const Format& format = ChooseFormat(options.result, console);
+  if (IsHandedOver(options, console)) return kExitDone;
+  CollectionOutput output(options.result, options.much, console);
+  const std::optional<ComparedFile> earlier = OpenEarlier(options, console);
+  if (earlier) output.CompareWith(*earlier);
   // Anything that can be refused is refused before a tool runs.
-  std::optional<ResultOutput> output;
   std::optional<TraceOutput> trace;
-  const bool isFolder = options.result.format == kCsvFormat && IsFolder(options.result.output);
   const auto openOutputs = [&](CollectionListeners& listeners) {
-    if (isFolder) {
-      CreateEmptyFolder(options.result.output.path, "--output");
-    } else {
-      output.emplace(options.result.output, console);
-    }
+    output.Open();
     if (!options.trace) return;
     trace.emplace(*options.trace, console);
     listeners.Add(trace->Writer());
   };
   auto [interruption, source, collection] =
       Gather(options.source, options.selection, console,
-             format.wantsLog ? KeepLog::kYes : KeepLog::kNo, openOutputs);
+             output.GetFormat().wantsLog ? KeepLog::kYes : KeepLog::kNo, openOutputs);
 
-  // The results are shown even when the recording cannot be written.
+  // The results are shown even when the recording cannot be written, but for those that would tell
+  // what was to be redacted.
+  bool isRecordingKept = false;
   try {
-    source->KeepRecording(collection);
+    const std::optional<Recording> redacted = source->KeepRecording(collection);
+    isRecordingKept = true;
+    if (redacted) {
+      const bool wasWhole = collection.problems.empty();
+      collection = CollectAgain(*redacted, options.selection, output.GetFormat());
+      if (!wasWhole) collection.problems.emplace_back("the machine was not collected as a whole");
+    }
   } catch (const std::runtime_error& error) {
+    if (options.source.redactProfile) throw;
     collection.problems.emplace_back(error.what());
   }
   for (std::string& problem : source->KeepLogFiles(collection)) {
     collection.problems.push_back(std::move(problem));
   }
-  if (format.describeCuts != nullptr) {
-    for (std::string& cut : format.describeCuts(collection)) {
-      collection.problems.push_back(std::move(cut));
-    }
-  }
-  if (isFolder) {
-    WriteCsvFolder(collection,
-                   {.identifiesRows = options.result.identifiesRows,
-                    .leavesAttachmentsOut = options.leavesAttachmentsOut},
-                   options.result.output.path);
-  } else {
-    output->Write([&, &results = collection](Screen screen, std::ostream& out) {
-      screen.showsAll = options.showsAll;
-      screen.leavesAttachmentsOut = options.leavesAttachmentsOut;
-      screen.identifiesRows = options.result.identifiesRows;
-      format.write(results, screen, out);
-    });
-  }
+  output.Write(collection);
   if (trace) trace->Close();
-  if (!IsOnScreen(format, options.result.output, console)) ReportStatus(collection, console);
+  output.TellStatus(collection);
   source->TellKept(console);
   if (options.trace) TellWritten("Trace", *options.trace, console);
-  if (options.result.format != "none") {
-    TellWritten(format.resultName, options.result.output, console);
+  output.TellPlace();
+  if (options.makesReport) {
+    if (isRecordingKept) TellWhatToSend(options, console);
+    OpenReport(options, console);
   }
   const bool isWhole = collection.problems.empty() && !IsInterruptionRequested();
   return isWhole ? kExitDone : kExitIncomplete;
@@ -236,9 +311,7 @@ int RunCollect(const CollectOptions& options, const Console& console) {
 /// Shows the command lines of a collection without running them.
 int ShowCommands(const CollectOptions& options, const Console& console) {
   const SourceOptions& source = options.source;
-  const MachineFacts facts = source.replay
-                                 ? DescribeRecording(LoadRecording(*source.replay, source.rules))
-                                 : DescribeThisMachine(ChooseLogFolder(source));
+  const MachineFacts facts = DescribeMachine(source);
   const TextDecoder decode(facts.codePage);
   std::string module;
   for (const DryCommand& command :
@@ -260,19 +333,28 @@ CommandRun Define(OptionSet& set) {
   set.AddNames("--table", OptionValue::kTable, options->selection.tables,
                "Enumerate this table; may be repeated");
   AddReplay(set, source);
-  set.AddPath("--record", OptionValue::kRecording, source.record,
-              "Keep what the tools print in this new folder, or ZIP file with a name that ends in "
-              ".zip, to be replayed (Windows)");
+  set.AddFlag("--report", options->makesReport,
+              "Write a report, and a recording to send, as NAME.html and NAME.zip; --output gives "
+              "NAME or a folder, otherwise NAME is machine and time; opens the report (Windows)");
+  set.AddFlag("--no-open", options->opensNothing, "Open no report");
+  set.AddPath("--compare", OptionValue::kRecording, options->compared,
+              "Tell in the report what has changed since this recording or result");
+  set.AddPathOrNone(
+      "--record", OptionValue::kRecording, source.record,
+      "Keep what the tools print in this new folder, or ZIP file with a name that ends in .zip, to "
+      "be replayed; without a name, a ZIP file named after machine and time (Windows)");
+  set.AddOptionalChoice("--redact", {std::string(kPublicProfile), std::string(kSupportProfile)},
+                        source.redactProfile,
+                        "Replace what must not be passed on in the results and in the recording "
+                        "that is made: public, unless given");
+  AddRedactionKey(set, source);
   AddLogFolder(set, source);
   AddPlugin(set, source);
   AddUnsafeFolder(set, source);
   AddFormat(set, options->result, "results", FormatsFor::kMachine);
   AddOutput(set, options->result, "results");
   AddIdentify(set, options->result);
-  set.AddFlag("--no-attachments", options->leavesAttachmentsOut,
-              "Leave the whole files out of the results, such as the tools' reports");
-  set.AddFlag("--all", options->showsAll,
-              "Show all of each log; without it, --format table shows its newest lines");
+  AddShownMuch(set, options->much);
   set.AddSeconds("--tool-limit", source.toolLimits.seconds, kLongestToolLimit,
                  "End a tool that runs for more than so many seconds (Windows)");
   set.AddMebibytes("--tool-memory", source.toolLimits.mebibytes, kLargestToolMemory,

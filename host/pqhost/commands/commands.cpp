@@ -4,8 +4,9 @@ namespace host {
 
 const std::vector<const Command*>& GetCommands() {
   static const std::vector<const Command*> kCommands = {
-      &kCollectCommand, &kHealthCommand, &kModulesCommand, &kQueryCommand,
-      &kCheckCommand,   &kVerifyCommand, &kHelpCommand,    &kCompletionCommand,
+      &kCollectCommand, &kHealthCommand, &kDiffCommand,  &kModulesCommand,
+      &kQueryCommand,   &kShowCommand,   &kCheckCommand, &kSetupCommand,
+      &kVerifyCommand,  &kRedactCommand, &kHelpCommand,  &kCompletionCommand,
   };
   return kCommands;
 }

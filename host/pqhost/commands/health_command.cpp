@@ -101,6 +101,7 @@ HealthOptions SettleOptions(const HealthCommandOptions& given) {
       options.suppressions.push_back(std::move(one));
     }
   }
+  RefuseUnknownRules(options);
   for (const std::string& names : given.required) TakeRequired(names, options.required);
   if (!given.asOf.empty()) {
     if (!ReadWallTime(given.asOf.back())) {
@@ -158,6 +159,9 @@ std::vector<JudgedMachine> JudgeRecordings(const std::vector<std::filesystem::pa
     one.replay = recording;
     try {
       Judged judged = JudgeMachine(one, judge, console, [] {});
+      for (const std::string& doubt : judged.collection.doubts) {
+        Complain(console, machine.machine + ": " + doubt);
+      }
       Identify(judged.collection, machine);
       if (database != nullptr) {
         AddCollection(*database, CollectionView(judged.collection), judged.assessment,
@@ -176,13 +180,48 @@ std::vector<JudgedMachine> JudgeRecordings(const std::vector<std::filesystem::pa
   return machines;
 }
 
+/// For programs, which read no standard error: why there is no verdict, in the form of one.
+void WriteUnjudged(const std::string& reason, const HealthCommandOptions& given,
+                   ResultOutput& output) {
+  const Health health = MakeUnjudged(reason);
+  output.Write([&](const Screen& screen, std::ostream& out) {
+    if (given.format == "json") {
+      WriteHealthJson(health, out);
+    } else if (given.format == "csv") {
+      const std::string name =
+          given.source.replay ? SourceNames().Take(*given.source.replay) : std::string();
+      WriteHealthCsv({JudgedMachine{.machine = name, .health = health}}, screen, out);
+    } else {
+      WriteHealthNagios(health, out);
+    }
+  });
+}
+
+/// As JudgeMachine; what could not be judged is told in the format that was asked for as well.
+Judged JudgeOrTellWhyNot(const HealthCommandOptions& given, HealthJudge& judge,
+                         const Console& console, std::optional<ResultOutput>& output) {
+  try {
+    return JudgeMachine(given.source, judge, console,
+                        [&] { output.emplace(given.output, console); });
+  } catch (const UsageError&) {
+    throw;
+  } catch (const HealthFileError&) {
+    throw;
+  } catch (const std::runtime_error& error) {
+    if (given.format == "table" || given.format == kDatabaseFormat) throw;
+    if (!output) output.emplace(given.output, console);
+    WriteUnjudged(error.what(), given, *output);
+    throw;
+  }
+}
+
 /// The exit code.
 int JudgeOne(const HealthCommandOptions& given, const HealthOptions& options,
              const Console& console) {
   std::optional<ResultOutput> output;
   HealthJudge judge(options);
-  const Judged judged =
-      JudgeMachine(given.source, judge, console, [&] { output.emplace(given.output, console); });
+  const Judged judged = JudgeOrTellWhyNot(given, judge, console, output);
+  for (const std::string& doubt : judged.collection.doubts) Complain(console, doubt);
   const Health& health = judged.assessment.health;
   output->Write([&](const Screen& screen, std::ostream& out) {
     if (given.format == kDatabaseFormat) {
@@ -244,7 +283,7 @@ int RunHealth(HealthCommandOptions& given, const Console& console) {
   }
   if (given.format == kDatabaseFormat) RefuseBytesOnTerminal(given.format, given.output, console);
   const HealthOptions options = SettleOptions(given);
-  const std::vector<std::filesystem::path> recordings = FindRecordings(given.replays);
+  const std::vector<std::filesystem::path> recordings = FindRecordingsAndRests(given.replays);
   if (recordings.empty()) given.output.MakeAbsolute();
   for (const std::filesystem::path& recording : recordings) {
     given.source.replay = recording;
@@ -253,10 +292,7 @@ int RunHealth(HealthCommandOptions& given, const Console& console) {
   }
   // What the answer looks like follows from what was asked, not from what is in a folder.
   const bool isSeveral = given.replays.size() > 1 || recordings != given.replays;
-  if (isSeveral && given.source.logFolder) {
-    throw UsageError(
-        "--log-folder is for the files of one machine: leave it away, or judge one recording");
-  }
+  if (!recordings.empty()) RefuseLogFolder(given.source);
   const int exitCode = isSeveral ? JudgeSeveral(recordings, given, options, console)
                                  : JudgeOne(given, options, console);
   TellWritten(given.format == kDatabaseFormat ? "Database" : "Verdict", given.output, console);

@@ -1,26 +1,12 @@
 #include "host/pqhost/commands/shared_options.h"
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include "host/files/places.h"
-#include "host/program/result_output.h"
 #include "host/text/path_text.h"
-#include "host/text/screen_text.h"
 #include "host/text/usage_error.h"
 
 namespace host {
-namespace {
-
-std::vector<std::string> ListFormatNames(FormatsFor purpose) {
-  std::vector<std::string> names;
-  for (const Format& format : Formats()) {
-    if (purpose == FormatsFor::kMachine || !format.isOfMachine) names.emplace_back(format.name);
-  }
-  return names;
-}
-
-}  // namespace
 
 void AddModules(OptionSet& set, std::vector<std::string>& modules, const char* help) {
   set.AddNames("--module", OptionValue::kModule, modules, help);
@@ -52,6 +38,12 @@ void AddReadingRules(OptionSet& set, SourceOptions& source) {
               "Read a recording also when it is not as it was made, and say so");
 }
 
+void AddRedactionKey(OptionSet& set, SourceOptions& source) {
+  set.AddPath("--key", OptionValue::kFile, source.redactionKey,
+              "Take the key of the pseudonyms from this file, made if need be; your own unless "
+              "given");
+}
+
 void AddLogFolder(OptionSet& set, SourceOptions& source) {
   set.AddPath("--log-folder", OptionValue::kFolder, source.logFolder,
               "Folder for the files that the tools leave; live: logs, unless given");
@@ -67,11 +59,6 @@ void AddUnsafeFolder(OptionSet& set, SourceOptions& source) {
               "Run although the interpreter may read a folder's path as another (Windows)");
 }
 
-void AddTimeLimit(OptionSet& set, std::optional<unsigned>& seconds, const char* help) {
-  constexpr unsigned kDay = 86400;
-  set.AddSeconds("--time-limit", seconds, kDay, help);
-}
-
 void RefuseInRecording(const SourceOptions& source, const char* option, const Destination& place) {
   if (!source.replay || place.IsStandardOutput()) return;
   const std::filesystem::path& recording = *source.replay;
@@ -79,6 +66,13 @@ void RefuseInRecording(const SourceOptions& source, const char* option, const De
   throw UsageError(
       fmt::format("{} {} is in the recording, which stays as it is: name another place", option,
                   PathText(place.path)));
+}
+
+void RefuseLogFolder(const SourceOptions& source) {
+  if (!source.logFolder) return;
+  throw UsageError(
+      "--log-folder has no use here without this machine's tools: leave it away, or take a "
+      "recording's files out with pqhost collect --replay RECORDING --log-folder FOLDER");
 }
 
 void RefuseMisuseOfReplay(const SourceOptions& source) {
@@ -93,34 +87,6 @@ void RefuseMisuseOfReplay(const SourceOptions& source) {
     throw UsageError(
         "--unsafe-folder has no use with --replay, which runs no tools: leave one of them away");
   }
-}
-
-void AddFormat(OptionSet& set, ResultOptions& result, const char* noun, FormatsFor purpose) {
-  const std::vector<std::string> names = ListFormatNames(purpose);
-  set.AddChoice("--format", names, result.format,
-                fmt::format("Format of the {}: {}; {} unless given", noun, fmt::join(names, ", "),
-                            result.format));
-}
-
-void AddIdentify(OptionSet& set, ResultOptions& result) {
-  set.AddFlag("--identify", result.identifiesRows,
-              "Begin each row of csv with machine, serial number, time and collection, as ndjson "
-              "always does; label each sample of prometheus with the machine");
-}
-
-void AddOutput(OptionSet& set, ResultOptions& result, const char* noun) {
-  set.AddDestination("--output", result.output, fmt::format("Write the {} to this file", noun));
-}
-
-void TellWritten(const char* what, const Destination& destination, const Console& console) {
-  if (destination.IsStandardOutput()) return;
-  console.error << what << ": " << EscapeControls(PathText(destination.path)) << '\n';
-}
-
-const Format& ChooseFormat(const ResultOptions& result, const Console& console) {
-  const Format& format = *FindFormat(result.format);
-  if (format.isBinary) RefuseBytesOnTerminal(result.format, result.output, console);
-  return format;
 }
 
 }  // namespace host

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "host/formats/formats.h"
-#include "host/pqhost/commands/option_set.h"
+#include "host/commands/common_options.h"
+#include "host/commands/option_set.h"
 #include "host/pqhost/source.h"
 #include "host/program/console.h"
 #include "host/program/destination.h"
@@ -22,10 +22,16 @@ void AddReplay(OptionSet& set, SourceOptions& source);
 void AddLimits(OptionSet& set, RecordingLimits& limits);
 /// --limit, --unverified
 void AddReadingRules(OptionSet& set, SourceOptions& source);
+/// --key, of the pseudonyms
+void AddRedactionKey(OptionSet& set, SourceOptions& source);
 /// --log-folder
 void AddLogFolder(OptionSet& set, SourceOptions& source);
 /// --plugin
 void AddPlugin(OptionSet& set, SourceOptions& source);
+
+/// For commands that write no files of a recording: throws UsageError when a folder for them was
+/// given.
+void RefuseLogFolder(const SourceOptions& source);
 
 /// Throws UsageError when an option was given that all live commands share, and a recording as
 /// well, and for a --log-folder in the recording.
@@ -35,31 +41,5 @@ void RefuseMisuseOfReplay(const SourceOptions& source);
 void RefuseInRecording(const SourceOptions& source, const char* option, const Destination& place);
 /// --unsafe-folder
 void AddUnsafeFolder(OptionSet& set, SourceOptions& source);
-
-/// --time-limit, up to a day; the help says what is over then.
-void AddTimeLimit(OptionSet& set, std::optional<unsigned>& seconds, const char* help);
-
-/// How a result is written, and where.
-struct ResultOptions {
-  std::string format = Formats().front().name;
-  Destination output;
-  bool identifiesRows = false;
-};
-
-/// What formats are asked to show: a machine, or a table that may be about many.
-enum class FormatsFor { kMachine, kAnswer };
-
-/// --format; the help calls the result `noun`, as in "answer".
-void AddFormat(OptionSet& set, ResultOptions& result, const char* noun, FormatsFor purpose);
-/// --identify
-void AddIdentify(OptionSet& set, ResultOptions& result);
-/// --output
-void AddOutput(OptionSet& set, ResultOptions& result, const char* noun);
-
-/// Tells on standard error where a result is, unless that is standard output.
-void TellWritten(const char* what, const Destination& destination, const Console& console);
-
-/// The format asked for. Throws UsageError when it is nothing for a terminal and would go to one.
-const Format& ChooseFormat(const ResultOptions& result, const Console& console);
 
 }  // namespace host

@@ -5,14 +5,25 @@
 
 #include "host/pqhost/commands/command_line.h"
 #include "host/pqhost/pqhost.h"
+#include "host/pqhost/start.h"
+#include "host/program/desktop.h"
 #include "host/program/interruption.h"
 #include "host/program/terminal.h"
 
 int main(int argc, char** argv) {
-  const std::vector<std::string> arguments = host::GetProgramArguments(argc, argv);
+  const host::Start start = host::PlanStart(host::GetProgramArguments(argc, argv),
+                                            host::HasOwnConsole(), &host::FindDesktopFolder);
+  const std::vector<std::string>& arguments = start.arguments;
   host::EndCleanlyWhenAsked(host::ChooseFailureExit(arguments, host::kExitIncomplete));
   const host::TerminalFacts facts = host::PrepareTerminal();
   const std::unique_ptr<std::ostream> results = host::TakeStandardOutput();
+  bool isHandedOver = false;
+  const auto restartElevated = [&] {
+    std::vector<std::string> again = arguments;
+    again.emplace_back(host::kOwnWindow);
+    isHandedOver = host::StartElevated(again);
+    return isHandedOver;
+  };
   const host::Console console{.programName = "pqhost",
                               .out = results ? *results : std::cout,
                               .error = std::cerr,
@@ -21,6 +32,13 @@ int main(int argc, char** argv) {
                               .errorIsTerminal = facts.errorIsTerminal,
                               .colors = facts.colors,
                               .width = facts.width,
-                              .programFolder = host::FindProgramFolder()};
-  return host::RunPqhost(arguments, console);
+                              .programFolder = host::FindProgramFolder(),
+                              .openFile = &host::OpenOnDesktop,
+                              .restartElevated = restartElevated};
+  const int exitCode = host::RunPqhost(arguments, console);
+  if (start.waitsForEnter && !isHandedOver) {
+    console.error << "Press Enter to close this window." << std::endl;
+    host::WaitForEnter();
+  }
+  return exitCode;
 }

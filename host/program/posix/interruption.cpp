@@ -19,6 +19,8 @@ static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<int>::is_alw
 void OnSignal(int signal) {
   if (signal == SIGINT && isWatched && !requested.exchange(true)) return;
   RemovePartialFiles();
+  // Nobody is left whom a failure could be told.
+  [[maybe_unused]] const auto written = write(STDERR_FILENO, kLastWords.data(), kLastWords.size());
   _exit(exitCodeWhenAsked);
 }
 

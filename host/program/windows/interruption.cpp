@@ -18,6 +18,9 @@ BOOL WINAPI OnControl(DWORD event) {
   const bool isKey = event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT;
   if (isKey && isWatched && !requested.exchange(true)) return TRUE;
   RemovePartialFiles();
+  DWORD written = 0;
+  WriteFile(GetStdHandle(STD_ERROR_HANDLE), kLastWords.data(),
+            static_cast<DWORD>(kLastWords.size()), &written, nullptr);
   // Not ExitProcess: it waits for locks that the main thread may hold.
   TerminateProcess(GetCurrentProcess(), static_cast<UINT>(exitCodeWhenAsked));
   return TRUE;

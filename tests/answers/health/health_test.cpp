@@ -195,8 +195,29 @@ TEST(Health, TakesItsTimeFromTheMachine) {
   AddLsiEvent(parts, 1, "controllers", "lsi0", "2026-03-01T00:00:00");
   AddLsiEvent(parts, 1, "controllers", "lsi0", "2026-02-01T00:00:00");
   EXPECT_EQ(host::JudgeParts(parts, kNow, {}).asOf, "2026-03-01T00:00:00");
+  AddSource(parts, "sensors", "read").time = "2026-02-03T00:00:00";
+  EXPECT_EQ(host::JudgeParts(parts, kNow, {}).asOf, "2026-02-03T00:00:00");
+  EXPECT_EQ(host::JudgeParts(parts, kNow, {}).asOfFrom,
+            "the machine's clock, as the list of its sensors tells");
   parts.controllers[0].systemTime = "2026-02-02T00:00:00";
   EXPECT_EQ(host::JudgeParts(parts, kNow, {}).asOf, "2026-02-02T00:00:00");
+}
+
+TEST(Health, CountsWhatThereIsToLookAt) {
+  Parts parts;
+  AddDrive(parts, "lsi0 69:9", "Onln");
+  for (const auto& [media, model] :
+       {std::pair("DVD", "QL-24X"), std::pair("Unknown", "BD-RE  BH10")}) {
+    host::Drive& drive = AddDrive(parts, std::string("lsi0 15:") + media, "JBOD");
+    drive.media = media;
+    drive.model = model;
+    drive.size = 0;
+  }
+  AddCacheBackup(parts, "BBU", "Optimal");
+  AddCacheBackup(parts, "ZMM", "ZMM not installed");
+  const std::vector<std::pair<std::string, std::size_t>> expected{
+      {"drives", 1}, {"optical_drives", 2}, {"cache_backups", 1}};
+  EXPECT_EQ(Judge(parts).checked, expected);
 }
 
 TEST(Health, AsksRulesOfAUser) {
@@ -396,11 +417,12 @@ TEST(Health, JudgesTheSamplesAsPeopleDo) {
        "UNKNOWN",
        {"unknown collection.nothing all", "unknown collection.failed leds",
         "unknown collection.failed power supplies", "unknown collection.failed sel",
-        "unknown collection.failed sensors", "unknown collection.unread 1"}},
+        "unknown collection.failed self-test", "unknown collection.failed sensors",
+        "unknown collection.unread 1"}},
       {"hba-only", "OK", {}},
       {"hostile",
        "UNKNOWN",
-       {"unknown collection.failed sensors", "unknown collection.no-state lsi",
+       {"unknown collection.failed lsi", "unknown collection.failed sensors",
         "unknown collection.unread 1", "unknown collection.unread 5"}},
       {"no-bmc", "UNKNOWN", {"unknown collection.nothing all"}},
       {"no-controller", "UNKNOWN", {"unknown collection.nothing all"}},

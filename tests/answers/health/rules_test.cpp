@@ -35,6 +35,9 @@ constexpr int kPowerSupply = 0x08;
 constexpr int kMemory = 0x0c;
 constexpr int kDriveSlot = 0x0d;
 
+constexpr char kLater[] = "2026-11-21T11:00:00";  // within the hours of a time zone
+constexpr char kInTwoMonths[] = "2027-01-18T06:00:00";
+
 void AddMember(Parts& parts, const std::string& id, const std::string& state) {
   host::Drive& drive = AddDrive(parts, id, state);
   drive.group = drive.controller + " g0";
@@ -325,6 +328,15 @@ const RuleCase kCases[] = {
        AddController(p).drivesDeclared = 1;
        AddDrive(p, "lsi0 69:9", "Onln");
      }},
+    {"collection.clock-ahead", "lsi", kNotice,
+     [](Parts& p) {
+       AddSource(p, "lsi", "read");
+       AddLsiEvent(p, 0, "controllers", "lsi0", kInTwoMonths);
+     },
+     [](Parts& p) {
+       AddSource(p, "lsi", "read");
+       AddLsiEvent(p, 0, "controllers", "lsi0", kLater);
+     }},
     {"collection.unread", "1", kUnknown,
      [](Parts& p) {
        host::Unread& line = p.unread.emplace_back();
@@ -464,27 +476,141 @@ TEST(HealthRules, BelieveNeitherSideOfAContradiction) {
     AddDiscrete(parts, "P0 Status", kProcessor, kDiscrete, states).status = word;
     return Judge(parts);
   };
-  const host::Health health = judge("procpresent", 1);
+  const host::Health health = judge("ProcPresent", 1);
   const host::HealthHit& hit = GetHit(health, "sensor.state", "P0 Status");
   EXPECT_EQ(hit.severity, kUnknown);
   EXPECT_EQ(hit.text,
-            "Find out how P0 Status is: its state bits say \"internal error (IERR)\", its "
-            "word \"procpresent\"");
-  EXPECT_STREQ(host::GetVerdict(judge("procpresent", 1 << 7)), "OK");
-  EXPECT_STREQ(host::GetVerdict(judge("procpresent", (1 << 7) | (1 << 8))), "CRITICAL");
+            "Find out what state P0 Status is in: its bits say \"internal error (IERR)\", its word "
+            "\"ProcPresent\"");
+  EXPECT_STREQ(host::GetVerdict(judge("ProcPresent", 1 << 7)), "OK");
+  EXPECT_STREQ(host::GetVerdict(judge("ProcPresent", (1 << 7) | (1 << 8))), "CRITICAL");
   EXPECT_STREQ(host::GetVerdict(judge("ierr", 1)), "CRITICAL");
   EXPECT_STREQ(host::GetVerdict(judge("", 1)), "CRITICAL");
 }
 
+// What the tool calls it can be found again in its report.
+TEST(HealthRules, QuoteWordsOfSensorsAsTheToolWritesThem) {
+  Parts parts;
+  AddSensor(parts, "CPU1 Status", kProcessor, "ProcDisabled");
+  AddSensor(parts, "FAN1", 4, "Crit-lo");
+  AddSensor(parts, "FAN2", 4, "OK");
+  const host::Health health = Judge(parts);
+  EXPECT_EQ(GetHit(health, "sensor.word").text, "Look at CPU1 Status: ProcDisabled");
+  EXPECT_EQ(GetHit(health, "sensor.threshold").observed, "Crit-lo");
+  EXPECT_EQ(health.findings.size(), 2U);
+}
+
+// A volume that was off-line is degraded once its log says so.
+TEST(HealthRules, BelieveTheLaterEntryAboutAVolume) {
+  constexpr int kDegraded = 0xfb;
+  constexpr int kOffline = 0xfc;
+  Parts parts;
+  AddLsiEvent(parts, kOffline, "volumes", "lsi0 v0");
+  EXPECT_EQ(GetHit(Judge(parts), "lsi.event").text,
+            "Look at lsi0 v0: \"event 252\" on " + std::string(kRecently));
+  AddLsiEvent(parts, kDegraded, "volumes", "lsi0 v0");
+  const host::Health health = Judge(parts);
+  ASSERT_EQ(health.findings.size(), 1U);
+  EXPECT_EQ(health.findings[0].hits.size(), 1U);
+  EXPECT_EQ(health.findings[0].hits[0].text,
+            "Look at lsi0 v0: \"event 251\" on " + std::string(kRecently));
+  AddLsiEvent(parts, kOffline, "volumes", "lsi0 v0");
+  EXPECT_EQ(Judge(parts).findings[0].hits.size(), 2U);
+}
+
+TEST(HealthRules, TellCachesFromWhatKeepsThem) {
+  const auto tell = [](const char* kind, const char* state) {
+    Parts parts;
+    AddCacheBackup(parts, kind, state);
+    return GetHit(Judge(parts), "cache.backup").text;
+  };
+  EXPECT_EQ(tell("BBU", "Failed"),
+            "See to the BBU of lsi0: it does not protect the write cache (Failed)");
+  EXPECT_EQ(tell("cache", "Temporarily Disabled"),
+            "See to the cache of lsi0: it is not in use (Temporarily Disabled)");
+  EXPECT_EQ(tell("cache backup", "Not Fully Charged"),
+            "Look again at the cache backup of lsi0: Not Fully Charged");
+  EXPECT_EQ(tell("ZMM", "Wxyz"), "Find out what \"Wxyz\" means of the ZMM of lsi0");
+}
+
 TEST(HealthRules, CallSourcesByTheirNames) {
   for (const char* id : {"lsi", "microchip", "intel", "sensors", "sel", "fru", "power supplies",
-                         "leds", "amt", "sas2"}) {
+                         "leds", "self-test", "amt", "sas2"}) {
     Parts parts;
     AddSource(parts, id, "failed").observed = "error -1";
     const host::Health health = Judge(parts);
     EXPECT_TRUE(GetHit(health, "collection.failed", id).text.starts_with("Find out why the "))
         << id;
   }
+}
+
+TEST(HealthRules, TellFailedSourcesFromThoseOfWhichSomethingWasRead) {
+  Parts parts;
+  AddSource(parts, "lsi", "failed").observed = "storcli /c0 show events: Status = Failure";
+  EXPECT_EQ(GetHit(Judge(parts), "collection.failed").text,
+            "Find out why the MegaRAID controllers could not be read: storcli /c0 show events: "
+            "Status = Failure");
+  AddDrive(parts, "lsi0 69:9", "Onln");
+  EXPECT_EQ(GetHit(Judge(parts), "collection.failed").text,
+            "Find out why not all of the MegaRAID controllers could be read: storcli /c0 show "
+            "events: Status = Failure");
+}
+
+TEST(HealthRules, KnowNothingOfPartsWithoutAState) {
+  Parts parts;
+  AddDrive(parts, "lsi0 69:9", "");
+  AddDrive(parts, "lsi0 69:10", "Onln");
+  AddVolume(parts, "lsi0 v0", "");
+  parts.powerSupplies.emplace_back().id = "PSU 2";
+  parts.powerSupplies.back().text = "PSU 2 present";
+  const host::Health health = Judge(parts);
+  EXPECT_EQ(GetHit(health, "drive.state-not-known", "lsi0 69:9").severity, kUnknown);
+  EXPECT_EQ(GetHit(health, "drive.state-not-known").text,
+            "Collect again: the report shows no state of drive 69:9");
+  EXPECT_EQ(GetHit(health, "volume.state-not-known", "lsi0 v0").severity, kUnknown);
+  EXPECT_EQ(GetHit(health, "psu.status", "PSU 2").severity, kUnknown);
+  EXPECT_EQ(FindHit(health, "drive.state-not-known", "lsi0 69:10"), nullptr);
+}
+
+TEST(HealthRules, KnowNothingOfAMicrochipControllerWithoutAnyOfItsVolumes) {
+  Parts parts;
+  AddController(parts, "mchp1").volumesDeclared = 2;
+  EXPECT_EQ(GetHit(Judge(parts), "collection.incomplete").severity, kUnknown);
+  AddVolume(parts, "mchp1 v0", "Optimal", "1");
+  EXPECT_EQ(GetHit(Judge(parts), "collection.incomplete").severity, kNotice);
+}
+
+TEST(HealthRules, DoNotUnderstandWordsOfSensorsThatAreInNoList) {
+  const auto judge = [](const char* word) {
+    Parts parts;
+    AddSensor(parts, "Drive 3", kDriveSlot, word);
+    return Judge(parts);
+  };
+  EXPECT_EQ(GetHit(judge("inoperable"), "sensor.word", "Drive 3").severity, kUnknown);
+  // It means several things, and no trouble for some.
+  EXPECT_STREQ(host::GetVerdict(judge("faulty")), "OK");
+  EXPECT_STREQ(host::GetVerdict(judge("0x0180")), "OK");
+}
+
+TEST(HealthRules, CountEntriesAfterTheCollectionAsRecent) {
+  Parts parts;
+  AddSource(parts, "sel", "read");
+  AddSelEvent(parts, "CPU1 Status", kProcessor, kDiscrete, 1, true, kInTwoMonths);
+  const host::Health health = Judge(parts);
+  EXPECT_EQ(GetHit(health, "sel.event").severity, kCritical);
+  EXPECT_EQ(GetHit(health, "collection.clock-ahead", "sel").text,
+            "Set the clock of the log of the BMC right: its log has entries up to "
+            "2027-01-18T06:00:00, after this collection");
+}
+
+TEST(HealthRules, QuoteNoMoreThanPeopleRead) {
+  Parts parts;
+  std::string text(499, 'x');
+  for (int i = 0; i < 600; ++i) text += "\xc3\xa4";
+  parts.unread.emplace_back().id = "1";
+  parts.unread.back().text = text;
+  const std::string observed = GetHit(Judge(parts), "collection.unread").observed;
+  EXPECT_EQ(observed, text.substr(0, 499) + "\xe2\x80\xa6 (600 more characters)");
 }
 
 TEST(HealthRules, HaveLinesOfAHundredColumns) {

@@ -169,12 +169,12 @@ const Word kCacheBackupWords[] = {
     {"Ok", "good", kNone},
     {"Operational", "good", kNone},
     {"ZMM Optimal", "good", kNone},
-    {"Not Installed", "good", kNone},
-    {"ZMM Not Installed", "good", kNone},
-    {"Not Present", "good", kNone},
+    {"Not Installed", "absent", kNone},
+    {"ZMM Not Installed", "absent", kNone},
+    {"Not Present", "absent", kNone},
     {"Not Configured", "good", kNone},
-    {"Not Applicable", "good", kNone},
-    {"N/A", "good", kNone},
+    {"Not Applicable", "absent", kNone},
+    {"N/A", "absent", kNone},
     {"Charging", "passing", kNotice},
     {"Not Fully Charged", "passing", kNotice},
     {"Learning", "passing", kNotice},
@@ -259,7 +259,7 @@ struct Code {
 
 const Code kCodes[] = {
     {0x0fb, kCritical, {0x0f9}},
-    {0x0fc, kCritical, {0x0f9}},
+    {0x0fc, kCritical, {0x0f9, 0x0fb}},
     {0x061, kCritical, {}},
     {0x06d, kCritical, {}},
     {0x065, kCritical, {0x063, 0x064}},
@@ -407,7 +407,7 @@ TEST(HealthWords, OfTheLsiLogAreEndedCodeByCode) {
       ended += isEnded ? 1 : 0;
     }
   }
-  EXPECT_EQ(ended, 37);
+  EXPECT_EQ(ended, 38);
 }
 
 // --- IPMI ---

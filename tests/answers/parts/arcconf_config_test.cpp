@@ -190,6 +190,20 @@ TEST(ArcconfConfig, TakesNoFailureReasonWhereThereWasNoFailure) {
   EXPECT_EQ(parts.drives.at(0).failureReason, "");
 }
 
+// Between two drives a report without the tool's own words ends as a whole one does.
+TEST(ArcconfConfig, BreaksOffWithFewerDrivesThanItsVolumesHave) {
+  const std::string volumes =
+      Volumes(Volume(0, "   Segment 0 : Present (0,0) A\n   Segment 1 : Present (0,1) B\n") +
+              Volume(1, "   Segment 0 : Present (0,0) A\n   Segment 1 : Missing\n"));
+  const auto tell = [&](const std::string& drives) {
+    Parts parts;
+    return host::ReadArcconfConfig({Controller("") + volumes + Drives(drives), {}, "mchp1"}, parts);
+  };
+  EXPECT_EQ(tell(DriveLines(0, "Online")),
+            "breaks off: it tells of 1 of the 2 drives of its volumes");
+  EXPECT_EQ(tell(DriveLines(0, "Online") + DriveLines(1, "Online")), "");
+}
+
 TEST(ArcconfConfig, KnowsMembersBySerialNumberThenAddressThenSlot) {
   const Parts parts = Read(
       Volumes(Volume(0,

@@ -178,6 +178,26 @@ TEST(BmcSources, AreReadOnlyWhenSomethingIsUnderstood) {
   EXPECT_THAT(parts.unread, IsEmpty());
 }
 
+// The later of two clocks: the listing takes a while.
+TEST(BmcSources, TellWhenTheSensorsWereRead) {
+  const std::string begin = "0001 | Full | Fan | 1";
+  const Parts parts =
+      ReadWith("sensor -s -q",
+               begin + "1 | F1 | OK | 40.00 RPM \t| Thresh 0 | Fri Nov 20 09:23:10 2026\r\n" +
+                   begin + "2 | F2 | OK | 40.00 RPM \t| Thresh 0 | Fri Nov 20 09:23:12 2026\r\n" +
+                   begin + "3 | F3 | OK | 40.00 RPM \t| Thresh 0 | never\r\n");
+  const auto sensors = std::find_if(parts.sources.begin(), parts.sources.end(),
+                                    [](const auto& one) { return one.id == "sensors"; });
+  ASSERT_NE(sensors, parts.sources.end());
+  EXPECT_EQ(sensors->time, "2026-11-20T09:23:12");
+}
+
+TEST(BmcSources, ShowWhereWordsWereCut) {
+  const std::string words(300, 'w');
+  EXPECT_EQ(FindSource(ReadWith("korvaxoem fru", words + "\r\n"), "fru"),
+            "failed: " + words.substr(0, 199) + "…");
+}
+
 TEST(BmcSources, AreReadWhenAListingIsWholeAndEmpty) {
   EXPECT_EQ(FindSource(ReadWith("sel", "ipmiutil sel, completed successfully\r\n"), "sel"),
             "read: ");
@@ -191,6 +211,53 @@ TEST(BmcSources, KnowTheFruByItsFields) {
       FindSource(ReadWith("korvaxoem fru", "[Baseboard,20,00] Product Name : R208\r\n"), "fru"),
       "read: ");
   EXPECT_EQ(FindSource(ReadWith("korvaxoem fru", "nonsense\r\n"), "fru"), "failed: nonsense");
+}
+
+TEST(BmcSources, AreCutShortWithoutTheLastLineOfAListingThatHasTheFirst) {
+  const std::string entry = "0001 INF e0 OEM Event 42\r\n";
+  EXPECT_EQ(FindSource(ReadWith("sel", entry), "sel"), "read: ");
+  EXPECT_EQ(FindSource(ReadWith("sel", "ipmiutil sel version 3.18\r\n" + entry), "sel"),
+            "failed: cut short: it breaks off without its last line");
+}
+
+TEST(BmcSources, AreCutShortWithFewerRecordsThanTheLogSaysItHas) {
+  const auto read = [](const std::string& used) {
+    return FindSource(ReadWith("sel", "SEL Ver 51 Support 0a, Size = 512 records (Used=" + used +
+                                          ", Free=486)\r\n0001 INF e0 OEM Event 42\r\n"),
+                      "sel");
+  };
+  EXPECT_EQ(read("1"), "read: ");
+  EXPECT_EQ(read("26"), "failed: cut short: 1 of 26 records");
+}
+
+TEST(BmcSources, AreCutShortWithAnExitCodeUnlessTheListingIsWhole) {
+  host::Recording machine = test::MakeBmcMachine();
+  host::RecordedCommand& sel = test::AnswerOf(machine, "sel");
+  sel.exitCode = 3;
+  sel.standardOutput = "0001 INF e0 OEM Event 42\r\n";
+  EXPECT_EQ(FindSource(Read(machine), "sel"), "failed: cut short: ipmiutil sel ended with code 3");
+  sel.standardOutput = "0001 INF e0 OEM Event 42\r\nipmiutil sel, completed successfully\r\n";
+  EXPECT_EQ(FindSource(Read(machine), "sel"), "read: ");
+}
+
+TEST(BmcSources, KnowWhetherThereWasASelfTest) {
+  EXPECT_EQ(
+      FindSource(ReadWith("korvaxoem selftest", "Selftest result : 55h 00h\r\n"), "self-test"),
+      "read: ");
+  host::Recording machine = test::MakeBmcMachine();
+  host::RecordedCommand& test = test::AnswerOf(machine, "korvaxoem selftest");
+  test.standardOutput = "";
+  test.exitCode = 3;
+  EXPECT_THAT(FindSource(Read(machine), "self-test"), testing::StartsWith("failed: "));
+}
+
+TEST(BmcSources, AreCutShortWhereOneOfTwoListingsIsEmpty) {
+  host::Recording machine = test::MakeBmcMachine();
+  test::AnswerOf(machine, "sensor -s -q").standardOutput =
+      "P0 Temp | 41 | C | ok | na | na | na | 85 | 92 | 100\r\n";
+  test::AnswerOf(machine, "sensor").standardOutput = "";
+  EXPECT_EQ(FindSource(Read(machine), "sensors"),
+            "failed: cut short: ipmiutil sensor printed nothing");
 }
 
 TEST(BmcSources, AreCutShortWhenTheListingEndsWithAnError) {
@@ -217,11 +284,24 @@ TEST(BmcSources, AreNoneWhereTheToolIsMissing) {
   std::erase_if(machine.commands,
                 [](const auto& command) { return command.tool == "ipmiutilnh.exe"; });
   const Parts parts = Read(machine);
-  for (const char* id : {"sensors", "sel", "fru", "power supplies", "leds"}) {
-    EXPECT_THAT(FindSource(parts, id), testing::StartsWith("none: ")) << id;
+  for (const char* id : {"sensors", "sel", "fru", "power supplies", "leds", "self-test"}) {
+    EXPECT_EQ(FindSource(parts, id), "none: ipmiutilnh.exe is not on this machine") << id;
   }
   EXPECT_THAT(parts.selfTests, IsEmpty());
   EXPECT_THAT(parts.unread, IsEmpty());
+}
+
+// The interpreter's words in place of one answer say nothing of the other.
+TEST(BmcSources, AreNotNoneWhereOneOfTwoListingsFails) {
+  host::Recording machine = test::MakeBmcMachine();
+  std::erase_if(machine.commands,
+                [](const auto& command) { return command.arguments == "sensor -s -q"; });
+  test::AnswerOf(machine, "sensor").standardOutput = "Cannot open an IPMI driver\r\n";
+  EXPECT_EQ(FindSource(Read(machine), "sensors"), "failed: Cannot open an IPMI driver");
+  std::erase_if(machine.commands,
+                [](const auto& command) { return command.arguments == "korvaxoem led"; });
+  EXPECT_EQ(FindSource(Read(machine), "leds"),
+            "none: the recording has no such answer of ipmiutilnh.exe");
 }
 
 TEST(BmcSources, AreNoneWhereTheMakersQueryHasNoAnswer) {

@@ -77,7 +77,7 @@ TEST(SensorReadings, HaveNoReadingThatIsNone) {
   const Sensor absent = ReadOne(
       "0007 | Full    | Temperature     | 07 | DIMM B1 Temp     | Absent | 0.00 na \t| Thresh "
       "83.00:82.00:81.00:0.00:0.00:0.00 | Fri Nov 20 09:23:10 2026");
-  EXPECT_EQ(absent.status, "absent");
+  EXPECT_EQ(absent.status, "Absent");
   EXPECT_EQ(absent.reading, Real());
   EXPECT_EQ(absent.unit, "");
   EXPECT_EQ(ReadOne("0007 | Full | Fan | 07 | F | Init  | 0.00 RPM \t| ").reading, Real());
@@ -90,7 +90,7 @@ TEST(SensorReadings, HaveTheStockLayoutAsWell) {
   EXPECT_EQ(sensor.id, "N12V");
   EXPECT_EQ(sensor.number, Integer(0x25));
   EXPECT_EQ(sensor.type, Integer(2));
-  EXPECT_EQ(sensor.status, "ok");
+  EXPECT_EQ(sensor.status, "OK");
   EXPECT_EQ(sensor.reading, Real(-12));
   EXPECT_EQ(sensor.unit, "V");
   EXPECT_EQ(sensor.lnc, Real(-13));
@@ -141,14 +141,14 @@ TEST(SensorRecords, TellTypeEventTypeAndStates) {
   EXPECT_EQ(fan.type, Integer(4));
   EXPECT_EQ(fan.eventType, Integer(1));
   EXPECT_EQ(fan.states, Integer());
-  EXPECT_EQ(fan.status, "warn-lo");
+  EXPECT_EQ(fan.status, "Warn-lo");
   EXPECT_EQ(fan.reading, Real(1050));
   EXPECT_EQ(fan.unit, "RPM");
   const Sensor& supply = parts.sensors[1];
   EXPECT_EQ(supply.type, Integer(8));
   EXPECT_EQ(supply.eventType, Integer(0x6f));
   EXPECT_EQ(supply.states, Integer(9));
-  EXPECT_EQ(supply.status, "ac_lost");
+  EXPECT_EQ(supply.status, "AC_Lost");
   EXPECT_EQ(supply.reading, Real());
   EXPECT_EQ(supply.readAt.row, 2);
 }
@@ -198,7 +198,7 @@ TEST(SensorRecords, KeepSensorsOfOneNameApart) {
 TEST(SensorRecords, HaveDiscreteStatesOfTwoDigitsToo) {
   const Parts parts = Read({}, {"0001 SDR Full 01 6f 20 a 07 snum 40 CPU = 80 ProcPresent"});
   EXPECT_EQ(parts.sensors.at(0).states, Integer(0x80));
-  EXPECT_EQ(parts.sensors[0].status, "procpresent");
+  EXPECT_EQ(parts.sensors[0].status, "ProcPresent");
 }
 
 TEST(SensorRecords, GiveNoStatesToASensorOfEventsOnly) {

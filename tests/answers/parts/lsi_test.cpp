@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,6 +24,7 @@ Parts ReadParts(const Recording& recording, const std::vector<std::string>& tabl
   std::erase_if(parts.controllers, isOther);
   std::erase_if(parts.drives, isOther);
   std::erase_if(parts.volumes, isOther);
+  std::erase_if(parts.groups, isOther);
   return parts;
 }
 
@@ -102,6 +104,60 @@ TEST(ReadLsi, ReadsTheListsWhereThereIsNoReport) {
   EXPECT_EQ(Tell(parts, "lsi"), "read: ");
 }
 
+TEST(ReadLsi, ReadsGroupsWhereThereIsNoReport) {
+  const Parts parts = ReadParts(LoadSample("two-socket-server"), {"TINFO", "PINFO"});
+  const Parts whole = ReadParts(LoadSample("two-socket-server"), {"LSILINK"});
+  ASSERT_EQ(parts.groups.size(), 3U);
+  for (std::size_t i = 0; i < parts.groups.size(); ++i) {
+    const host::Group& group = parts.groups[i];
+    EXPECT_EQ(group.id, whole.groups.at(i).id);
+    EXPECT_EQ(group.level, whole.groups[i].level);
+    EXPECT_EQ(group.state, whole.groups[i].state);
+    EXPECT_EQ(group.busy, whole.groups[i].busy);
+    EXPECT_EQ(group.readAt.className, "TINFO");
+  }
+}
+
+TEST(ReadLsi, ReadsEventsWhereThereIsNoReport) {
+  const Parts parts = ReadParts(LoadSample("two-socket-server"), {"EVENTLOG1", "PINFO"});
+  const Parts whole = ReadParts(LoadSample("two-socket-server"), {"LSILINK"});
+  ASSERT_EQ(parts.events.size(), 278U);
+  for (std::size_t i = 0; i < parts.events.size(); ++i) {
+    const host::Event& event = parts.events[i];
+    const host::Event& same = whole.events.at(i);
+    EXPECT_EQ(event.id, same.id);
+    EXPECT_EQ(event.time, same.time) << event.id;
+    EXPECT_EQ(event.code, same.code);
+    EXPECT_EQ(event.level, same.level);
+    EXPECT_EQ(event.text, same.text);
+    EXPECT_EQ(event.sense, same.sense);
+    // Nothing but the report tells of a cache backup.
+    if (same.part != "cache_backups") {
+      EXPECT_EQ(event.part + event.partId, same.part + same.partId) << event.id;
+    }
+    EXPECT_EQ(event.readAt.className, "EVENTLOG1");
+    EXPECT_EQ(event.readAt.row, static_cast<std::int64_t>(i) + 1);
+  }
+}
+
+// The report of events has them all; its table lacks some.
+TEST(ReadLsi, ReadsEventsOnce) {
+  Recording recording = LoadSample("two-socket-server");
+  for (const char* report : {"/c0 show", "/c0/eall/sall show all", "/c0 show termlog"}) {
+    Answer(recording, report, "");
+  }
+  std::string events;
+  for (const char* number : {"1", "2", "3"}) {
+    events += std::string("seqNum: 0x0000000") + number +
+              "\nTime: Tue Jun  2 18:02:08 2015\n\nCode: 0x000000fb\nClass: 2\nLocale: 0x01\n"
+              "Event Description: VD 00/0 is now DEGRADED\nEvent Data:\n===========\nNone\n\n";
+  }
+  Answer(recording, "/c0 show events", events);
+  Answer(recording, "show ctrlcount", "Controller Count = 1\n");
+  ASSERT_FALSE(ReadParts(recording, {"EVENTLOG1"}).events.empty());
+  EXPECT_EQ(ReadParts(recording, {"LSILINK", "EVENTLOG1"}).events.size(), 3U);
+}
+
 TEST(ReadLsi, KeepsRowsOfListsThatDoNotFit) {
   Recording recording = LoadSample("two-socket-server");
   Answer(recording, "/c0 show",
@@ -128,6 +184,69 @@ TEST(ReadLsi, FailsWhenAReportDoes) {
   EXPECT_EQ(Tell(ReadParts(recording, {"LSILINK"}), "lsi"),
             "failed: storcli /c0/eall/sall show all: Status = Failure, Show Drive Information "
             "Failed.");
+}
+
+/// The first lines of a text, up to the one that begins with `end`.
+std::string CutBefore(const std::string& text, const std::string& end) {
+  const std::size_t at = text.find("\n" + end);
+  if (at == std::string::npos) throw std::runtime_error("there is no line " + end);
+  return text.substr(0, at + 1);
+}
+
+std::string GetAnswer(const Recording& recording, std::string_view arguments) {
+  for (const host::RecordedCommand& command : recording.commands) {
+    if (command.tool == "storcli.exe" && command.arguments == arguments) {
+      return command.standardOutput.Text();
+    }
+  }
+  throw std::runtime_error("storcli is not asked " + std::string(arguments));
+}
+
+/// What is told of the MegaRAID controllers of the sample when the answer to `arguments` ends
+/// before a line.
+std::string TellCut(const std::string& arguments, const std::string& end) {
+  Recording recording = LoadSample("two-socket-server");
+  Answer(recording, arguments, CutBefore(GetAnswer(recording, arguments), end));
+  return Tell(ReadParts(recording, {"LSILINK"}), "lsi");
+}
+
+TEST(ReadLsi, FailsWhereAReportBreaksOff) {
+  EXPECT_EQ(TellCut("/c0 show", "69:7 "),
+            "failed: storcli /c0 show breaks off in the table PD LIST");
+  EXPECT_EQ(TellCut("/c0 show", "1/2 "),
+            "failed: storcli /c0 show breaks off in the table VD LIST");
+  EXPECT_EQ(TellCut("/c1 show", "TOPOLOGY"),
+            "failed: storcli /c1 show breaks off before its drives");
+  EXPECT_EQ(TellCut("/c0/eall/sall show all", "Drive /c0/e69/s7 :"),
+            "failed: storcli /c0/eall/sall show all tells of 7 of 24 drives");
+  EXPECT_EQ(TellCut("/c0/eall/sall show all", "Drive /c0/e69/s7 Device attributes"),
+            "failed: storcli /c0/eall/sall show all breaks off at drive 69:7");
+}
+
+TEST(ReadLsi, TellsAllThatFailed) {
+  Recording recording = LoadSample("two-socket-server");
+  Answer(recording, "/c0 show events", "");
+  Answer(recording, "/c1/eall/sall show all", "");
+  recording.commands.back().exitCode = 5;
+  EXPECT_EQ(Tell(ReadParts(recording, {"LSILINK"}), "lsi"),
+            "failed: storcli /c0 show events printed nothing; storcli /c1/eall/sall show all ended "
+            "with code 5");
+}
+
+TEST(ReadLsi, FailsWhereNobodyKnowsHowManyControllersThereAre) {
+  Recording recording = LoadSample("two-socket-server");
+  Answer(recording, "show ctrlcount", "Status = Failure\nDescription = busy\n");
+  EXPECT_EQ(Tell(ReadParts(recording, {"LSILINK"}), "lsi"),
+            "failed: storcli show ctrlcount told no number, so there may be more controllers than "
+            "one");
+}
+
+TEST(ReadLsi, DoesNotMissReportsThatNobodyAskedFor) {
+  Recording recording = LoadSample("hba-only");
+  std::erase_if(recording.commands, [](const host::RecordedCommand& command) {
+    return command.arguments == "/c0 show events";
+  });
+  EXPECT_EQ(Tell(ReadParts(recording), "lsi"), "read: ");
 }
 
 TEST(ReadLsi, FailsWhereOneOfSeveralControllersPrintsNothing) {
@@ -161,6 +280,25 @@ TEST(ReadLsi, IsNotThereWithoutAToolOrAController) {
   EXPECT_EQ(Tell(ReadParts(LoadSample("bare-machine")), "lsi").substr(0, 6), "none: ");
   EXPECT_EQ(Tell(ReadParts(LoadSample("two-socket-server"), {"ARPINFO"}), "lsi"),
             "none: not collected");
+}
+
+TEST(ReadSas2, FailsWhereTheLogBreaksOff) {
+  Recording recording = LoadSample("two-socket-server");
+  for (host::RecordedCommand& command : recording.commands) {
+    if (command.arguments != "logir.log") continue;
+    command.standardOutput = CutBefore(command.standardOutput.Text(), "LogSequence: 6");
+  }
+  EXPECT_EQ(Tell(ReadParts(recording, {"SAS2IRLOG"}), "sas2"),
+            "failed: the log breaks off: 5 of 8 entries");
+}
+
+TEST(ReadSas2, FailsWithTheTool) {
+  Recording recording = LoadSample("two-socket-server");
+  for (host::RecordedCommand& command : recording.commands) {
+    if (command.arguments == "logir.log") command.exitCode = 1;
+  }
+  EXPECT_EQ(Tell(ReadParts(recording, {"SAS2IRLOG"}), "sas2"),
+            "failed: SAS2IR_windows_x64 ended with code 1");
 }
 
 TEST(ReadSas2, ReadsTheLog) {

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <optional>
 #include <string>
 
 #include "host/answers/parts/read_parts.h"
@@ -20,6 +21,11 @@ constexpr char kConfig[] =
     "Controller information\n"
     "----------------------------------------------------------------------\n"
     "   Controller Status                          : Optimal\n";
+constexpr char kDevices[] =
+    "----------------------------------------------------------------------\n"
+    "Physical Device information\n"
+    "----------------------------------------------------------------------\n"
+    "   No physical drives attached\n";
 
 host::Recording MakeMachine(const std::string& printed, std::uint32_t exitCode = 0) {
   host::Recording machine;
@@ -39,7 +45,7 @@ std::string FindSource(const Parts& parts) {
 
 TEST(MicrochipParts, AreInTheAttachedReports) {
   host::Recording machine = MakeMachine("");
-  machine.files["c:\\Support\\Firmware\\Controller_1_Config.txt"] = kConfig;
+  machine.files["c:\\Support\\Firmware\\Controller_1_Config.txt"] = std::string(kConfig) + kDevices;
   machine.files["c:\\Support\\Firmware\\Controller_1_Event_Log.txt"] =
       "2026-11-14 17:22:08  WARNING  Charge low (14 \xb0\x43)\n";
   const Parts parts = Read(machine);
@@ -55,9 +61,9 @@ TEST(MicrochipParts, AreInTheAttachedReports) {
 
 host::Recording MakeMachineOfTwoControllers() {
   host::Recording machine = MakeMachine("");
-  machine.files["c:\\Support\\Firmware\\Controller_1_Config.txt"] = kConfig;
+  machine.files["c:\\Support\\Firmware\\Controller_1_Config.txt"] = std::string(kConfig) + kDevices;
   machine.files["C:\\support\\Firmware\\Controller_2_Config.txt"] =
-      std::string(kConfig) + "   Controller Serial Number                   : OV2\n";
+      std::string(kConfig) + "   Controller Serial Number                   : OV2\n" + kDevices;
   machine.files["c:\\Support\\Firmware\\Controller_2_Event_Log.txt"] =
       "2026-11-14 17:22:08  WARNING  Cable lost\n";
   return machine;
@@ -87,6 +93,32 @@ TEST(MicrochipSource, FailsWhenAFurtherControllerIsNotRead) {
   EXPECT_EQ(FindSource(parts), "failed: the report of the second controller was not read");
 }
 
+// Each report begins with how many the tool finds.
+TEST(MicrochipSource, FailsWithFewerControllersThanTheToolCounts) {
+  host::Recording machine = MakeMachine("");
+  const std::string report =
+      std::string(kConfig) + kDevices + "\nCommand completed successfully.\n";
+  auto& file = machine.files["c:\\Support\\Firmware\\Controller_1_Config.txt"];
+  file = "Controllers found: 1\n" + report;
+  EXPECT_EQ(FindSource(Read(machine)), "read: ");
+  file = "Controllers found: 2\n" + report;
+  EXPECT_EQ(FindSource(Read(machine)), "failed: arcconf counts 2 controllers, of which 1 was read");
+  machine.files["c:\\Support\\Firmware\\Controller_2_Config.txt"] =
+      "Controllers found: 2\n" + report;
+  EXPECT_EQ(FindSource(Read(machine)), "read: ");
+}
+
+// An array that was whole yesterday may have lost a drive since.
+TEST(MicrochipSource, FailsWithFilesOfAnotherDay) {
+  host::Recording machine;
+  machine.files["c:\\Support\\Firmware\\Controller_1_Config.txt"] = std::string(kConfig) + kDevices;
+  const Parts parts = Read(machine);
+  EXPECT_EQ(parts.controllers.size(), 1U);
+  EXPECT_EQ(FindSource(parts),
+            "failed: what there is comes from files of an unknown time; arcconf.exe is not on this "
+            "machine");
+}
+
 TEST(MicrochipSource, IsNoneWithoutToolOrController) {
   EXPECT_EQ(FindSource(Read({})), "none: arcconf.exe is not on this machine");
   EXPECT_EQ(FindSource(Read(MakeMachine("Controllers found: 0\n"))),
@@ -102,7 +134,48 @@ TEST(MicrochipSource, FailsWithTheTool) {
 TEST(MicrochipSource, FailsWhenTheReportIsNotUnderstood) {
   host::Recording machine = MakeMachine("");
   machine.files["c:\\Support\\Firmware\\Controller_1_Config.txt"] = "<html></html>\n";
-  EXPECT_EQ(FindSource(Read(machine)), "failed: no controller in the report");
+  EXPECT_EQ(FindSource(Read(machine)), "failed: Controller_1_Config.txt tells of no controller");
+}
+
+/// What is told of the source when the first controller's files are these.
+std::string TellOf(const std::string& config, const std::optional<std::string>& eventLog = {}) {
+  host::Recording machine = MakeMachine("");
+  machine.files["c:\\Support\\Firmware\\Controller_1_Config.txt"] = config;
+  if (eventLog) machine.files["c:\\Support\\Firmware\\Controller_1_Event_Log.txt"] = *eventLog;
+  return FindSource(Read(machine));
+}
+
+TEST(MicrochipSource, FailsWhereTheConfigurationBreaksOff) {
+  const std::string whole = "Controllers found: 1\n" + std::string(kConfig) + kDevices +
+                            "\nCommand completed successfully.\n";
+  EXPECT_EQ(TellOf(whole), "read: ");
+  for (std::size_t end = whole.find("Status") + 40; end < whole.rfind("Command"); ++end) {
+    EXPECT_THAT(TellOf(whole.substr(0, end)),
+                testing::StartsWith("failed: Controller_1_Config.txt breaks off: "))
+        << end;
+  }
+  // An archive may lack the tool's own words.
+  const std::string bare = std::string(kConfig) + kDevices;
+  EXPECT_EQ(TellOf(bare), "read: ");
+  EXPECT_EQ(TellOf(bare.substr(0, bare.size() - 5)),
+            "failed: Controller_1_Config.txt breaks off within a line");
+  EXPECT_EQ(TellOf(kConfig), "failed: Controller_1_Config.txt breaks off before its drives");
+}
+
+TEST(MicrochipSource, FailsWhereAFileIsEmpty) {
+  EXPECT_EQ(TellOf(""), "failed: Controller_1_Config.txt is empty");
+  const std::string adapter = std::string(kConfig) + kDevices;
+  const std::string raid =
+      std::string(kConfig) + "   Logical devices/Failed/Degraded            : 0/0/0\n" + kDevices;
+  EXPECT_EQ(TellOf(raid, ""), "failed: Controller_1_Event_Log.txt is empty");
+  EXPECT_EQ(TellOf(raid), "read: ");
+  EXPECT_EQ(TellOf(adapter, ""), "read: ");
+}
+
+TEST(MicrochipSource, FailsWithTheToolAlthoughItLeftFiles) {
+  host::Recording machine = MakeMachine("", 3);
+  machine.files["c:\\Support\\Firmware\\Controller_1_Config.txt"] = std::string(kConfig) + kDevices;
+  EXPECT_EQ(FindSource(Read(machine)), "failed: arcconf savesupportarchive ended with code 3");
 }
 
 }  // namespace

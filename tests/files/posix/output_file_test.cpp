@@ -20,6 +20,8 @@ namespace {
 
 namespace fs = std::filesystem;
 using test::TemporaryFolder;
+using testing::HasSubstr;
+using testing::ThrowsMessage;
 using testing::UnorderedElementsAre;
 
 void WriteText(const fs::path& path, const std::string& text) {
@@ -81,9 +83,14 @@ TEST(OutputFile, WritesIntoAPipe) {
 }
 
 TEST(OutputFile, SaysWhenTheDiskIsFull) {
-  OutputFile file("/dev/full");
-  file.Stream() << "text";
-  EXPECT_THROW(file.Complete(), std::runtime_error);
+  // What fits into the stream's buffer fails at the end, what does not before.
+  for (const std::size_t size : {4U, 1U << 20}) {
+    OutputFile file("/dev/full");
+    file.Stream() << std::string(size, 'x') << '.';
+    EXPECT_THAT([&] { file.Complete(); },
+                ThrowsMessage<std::runtime_error>(HasSubstr("No space left on device")))
+        << size;
+  }
 }
 
 }  // namespace

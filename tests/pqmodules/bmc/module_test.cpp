@@ -392,10 +392,13 @@ std::vector<std::string> CallsOf(const ResultStep& step, const std::string& outp
     count = output.copy(buffer, size);
     return !std::exchange(isRead, true);
   };
-  const pq::MachineInUse inUse(machine);
-  pq::RRepository repository;
-  pq::RBMCInfo module;
-  step.step(module, repository);
+  // The host folder of a thread is that of its last collection.
+  std::thread([&] {
+    const pq::MachineInUse inUse(machine);
+    pq::RRepository repository;
+    pq::RBMCInfo module;
+    step.step(module, repository);
+  }).join();
   return machine.calls;
 }
 

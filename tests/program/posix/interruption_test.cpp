@@ -51,7 +51,7 @@ TEST_F(Interruption, IsForgottenByTheNextWatch) {
 
 TEST_F(InterruptionDeathTest, EndsTheProgramAtOnceWithoutAWatch) {
   for (const int signal : test::HeardSignals::kSignals) {
-    EXPECT_EXIT(raise(signal), testing::ExitedWithCode(7), "") << signal;
+    EXPECT_EXIT(raise(signal), testing::ExitedWithCode(7), "^pqhost: interrupted\n$") << signal;
   }
 }
 

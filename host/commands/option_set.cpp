@@ -1,4 +1,4 @@
-#include "host/pqhost/commands/option_set.h"
+#include "host/commands/option_set.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -39,6 +39,13 @@ const char* NameValue(OptionValue value) {
   }
 }
 
+/// A number of decimal digits; 0 for anything else.
+std::uint64_t ReadNumber(std::string_view digits) {
+  std::uint64_t number = 0;
+  const auto read = std::from_chars(digits.begin(), digits.end(), number);
+  return read.ec == std::errc() && read.ptr == digits.end() ? number : 0;
+}
+
 void RefuseUnknownChoice(const OptionDescription& option, const std::string& given) {
   const std::vector<std::string>& choices = option.choices;
   if (std::find(choices.begin(), choices.end(), given) != choices.end()) return;
@@ -50,7 +57,8 @@ void RefuseUnknownChoice(const OptionDescription& option, const std::string& giv
 }  // namespace
 
 void OptionSet::AddFlag(const char* name, bool& flag, const char* help) {
-  rows.push_back({app.add_flag(name, flag, help), {name, OptionValue::kNone, {}}, nullptr});
+  CLI::Option* option = app.add_flag(name, flag, help)->disable_flag_override();
+  rows.push_back({option, {name, OptionValue::kNone, {}}, nullptr});
 }
 
 void OptionSet::AddNames(const char* name, OptionValue value, std::vector<std::string>& names,
@@ -64,6 +72,13 @@ void OptionSet::AddPath(const char* name, OptionValue value,
                         std::optional<std::filesystem::path>& path, const char* help) {
   AddPathOption(
       name, value, [&](auto given) { path = std::move(given); }, help, "give a path");
+}
+
+void OptionSet::AddPathOrNone(const char* name, OptionValue value,
+                              std::optional<std::filesystem::path>& path, const char* help) {
+  AddPathOption(
+      name, value, [&](auto given) { path = std::move(given); }, help, nullptr);
+  rows.back().option->expected(0, 1);
 }
 
 void OptionSet::AddPaths(const char* name, OptionValue value,
@@ -104,6 +119,14 @@ void OptionSet::AddChoice(const char* name, std::vector<std::string> choices, st
   rows.push_back({option, {name, OptionValue::kChoice, std::move(choices)}, nullptr});
 }
 
+void OptionSet::AddOptionalChoice(const char* name, std::vector<std::string> choices,
+                                  std::optional<std::string>& choice, const std::string& help) {
+  CLI::Option* option = app.add_option_function<std::string>(
+      name, [&choice](const std::string& given) { choice = given; }, help);
+  option->type_name(NameValue(OptionValue::kChoice))->expected(0, 1)->default_str(choices.front());
+  rows.push_back({option, {name, OptionValue::kChoice, std::move(choices)}, nullptr});
+}
+
 void OptionSet::AddTexts(const char* name, const char* form, std::vector<std::string>& texts,
                          const char* help) {
   CLI::Option* option = app.add_option(name, texts, help);
@@ -123,9 +146,17 @@ void OptionSet::AddMebibytes(const char* name, std::optional<unsigned>& mebibyte
 
 void OptionSet::AddCount(const char* name, const char* form, std::optional<unsigned>& count,
                          unsigned most, const char* help) {
-  CLI::Option* option = app.add_option_function<unsigned>(
-      name, [&count](unsigned given) { count = given; }, help);
-  option->type_name(form)->check(CLI::Range(1U, most));
+  CLI::Option* option = app.add_option_function<std::string>(
+      name,
+      [name, &count, most](const std::string& given) {
+        const std::uint64_t number = ReadNumber(given);
+        if (number == 0 || number > most) {
+          throw UsageError(fmt::format("{} {}: give a number from 1 to {}", name, given, most));
+        }
+        count = static_cast<unsigned>(number);
+      },
+      help);
+  option->type_name(form);
   rows.push_back({option, {name, OptionValue::kAny, {}}, nullptr});
 }
 
@@ -137,14 +168,11 @@ void OptionSet::AddNumbers(const char* name, std::vector<std::string> names,
       [name, names = std::move(names), set = std::move(set)](const std::vector<std::string>& all) {
         for (const std::string& given : all) {
           const std::size_t end = std::min(given.find('='), given.size());
-          const std::string_view digits =
-              std::string_view(given).substr(std::min(end + 1, given.size()));
-          std::uint64_t number = 0;
-          const auto read = std::from_chars(digits.begin(), digits.end(), number);
-          const bool isNumber = read.ec == std::errc() && read.ptr == digits.end() && number > 0 &&
-                                number <= kMostNumber;
+          const std::uint64_t number =
+              ReadNumber(std::string_view(given).substr(std::min(end + 1, given.size())));
           const std::string key = given.substr(0, end);
-          if (!isNumber || std::find(names.begin(), names.end(), key) == names.end()) {
+          if (number == 0 || number > kMostNumber ||
+              std::find(names.begin(), names.end(), key) == names.end()) {
             throw UsageError(
                 fmt::format("{} {}: give one of {}, \"=\" and a number from 1 to {}, such as {}=1",
                             name, given, fmt::join(names, ", "), kMostNumber, names.front()));

@@ -52,6 +52,9 @@ class OptionSet {
   /// kFolder, kFile or kRecording.
   void AddPath(const char* name, OptionValue value, std::optional<std::filesystem::path>& path,
                const char* help);
+  /// The same, whose value may be left away: `path` is empty then.
+  void AddPathOrNone(const char* name, OptionValue value,
+                     std::optional<std::filesystem::path>& path, const char* help);
   /// The same; may be repeated.
   void AddPaths(const char* name, OptionValue value, std::vector<std::filesystem::path>& paths,
                 const char* help);
@@ -60,10 +63,16 @@ class OptionSet {
   /// One of `choices`; `choice` keeps its value unless given.
   void AddChoice(const char* name, std::vector<std::string> choices, std::string& choice,
                  const std::string& help);
+  /// The same; given without a value, it is the first of them.
+  void AddOptionalChoice(const char* name, std::vector<std::string> choices,
+                         std::optional<std::string>& choice, const std::string& help);
   /// Any text, called `form` in the help; may be repeated.
   void AddTexts(const char* name, const char* form, std::vector<std::string>& texts,
                 const char* help);
-  /// From one to `most`.
+  /// A number from one to `most`, called `form` in the help.
+  void AddCount(const char* name, const char* form, std::optional<unsigned>& count, unsigned most,
+                const char* help);
+  /// The same, of seconds.
   void AddSeconds(const char* name, std::optional<unsigned>& seconds, unsigned most,
                   const char* help);
   /// NAME=NUMBER with one of `names`, and a number from one; may be repeated. `set` is told of
@@ -93,8 +102,6 @@ class OptionSet {
     const char* whenEmpty;  ///< the remedy for an empty value; null: it may be empty
   };
 
-  void AddCount(const char* name, const char* form, std::optional<unsigned>& count, unsigned most,
-                const char* help);
   void AddPathOption(const char* name, OptionValue value,
                      std::function<void(std::filesystem::path)> set, const std::string& help,
                      const char* whenEmpty);

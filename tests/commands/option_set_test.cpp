@@ -1,4 +1,4 @@
-#include "host/pqhost/commands/option_set.h"
+#include "host/commands/option_set.h"
 
 #include <gmock/gmock.h>
 

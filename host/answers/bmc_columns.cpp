@@ -1,0 +1,81 @@
+#include "host/answers/bmc_columns.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+#include <string>
+
+#include "host/answers/parts/ipmiutil_sensors.h"
+#include "host/answers/parts/parts.h"
+#include "host/answers/parts/report_lines.h"
+#include "host/text/count_text.h"
+
+namespace host {
+namespace {
+
+/// Cells are dealt by their count, so that talk before the readings, or cells less in a line, shift
+/// all that follow:
+///
+///   CPU0 Temp        |   47.00 | C | ok |     na |     na |     na |  85.00 |  92.00 | 100.00
+///   0001 | Full | Temperature | 01 | P0 Temp | OK | 39.00 C | Thresh ... | Thu Mar  9 06:41:52
+///   2023
+std::string FindReadingsMisfit(const TableBesideReport& table) {
+  Parts parts;
+  SensorReader reader(parts);
+  ReportLines lines(table.report);
+  for (ReportLine line; lines.Next(line);) reader.TakeReading(line.text, {});
+  OtherRows otherRows;
+  const std::size_t both = std::min(parts.sensors.size(), table.rows.size());
+  for (std::size_t i = 0; i < both; ++i) {
+    const std::string shown = table.rows[i].Get("item1");
+    const std::string& printed = parts.sensors[i].name;
+    if (shown != printed) otherRows.Take(table.rows[i].Number(), "Name", shown, printed);
+  }
+  std::vector<std::string> reasons;
+  if (!otherRows.IsEmpty()) reasons.push_back(otherRows.Tell());
+  if (!parts.sensors.empty() && parts.sensors.size() != table.rows.size()) {
+    reasons.push_back(fmt::format("its {} are {}", FormatCount(parts.sensors.size(), "sensor"),
+                                  FormatCount(table.rows.size(), "row")));
+  }
+  return fmt::format("{}", fmt::join(reasons, "; "));
+}
+
+/// A colon in a value ends it, and begins another fact:
+///
+///   Built              : 2021-11-03 16:48:05
+std::string FindFactsMisfit(const TableBesideReport& table, std::string_view prefix) {
+  if (table.rows.empty()) return {};
+  const CollectedRow& row = table.rows.front();
+  ReportLines lines(table.report);
+  for (ReportLine line; lines.Next(line);) {
+    const auto fact = SplitLabel(line.text, ':');
+    if (!fact) continue;
+    for (int number = 1;; ++number) {
+      const std::string key = fmt::format("{}{}", prefix, number);
+      const std::string label = row.GetLabel(key);
+      if (label.empty()) break;
+      const std::string shown = row.Get(key);
+      if (label != fact->label || shown == fact->value) continue;
+      return TellOtherValue(label, shown, fact->value);
+    }
+  }
+  return {};
+}
+
+std::string FindControllerMisfit(const TableBesideReport& table) {
+  return FindFactsMisfit(table, "MC");
+}
+std::string FindVersionsMisfit(const TableBesideReport& table) {
+  return FindFactsMisfit(table, "VER");
+}
+
+}  // namespace
+
+std::vector<ColumnCheck> ListBmcColumnChecks() {
+  return {{"SENSORINFO", {}, {}, FindReadingsMisfit},
+          {"MCINFO", {}, {}, FindControllerMisfit},
+          {"VERINFO", {}, {}, FindVersionsMisfit}};
+}
+
+}  // namespace host

@@ -1,0 +1,94 @@
+#include "host/answers/difference/findings_comparison.h"
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <string>
+#include <tuple>
+#include <utility>
+
+namespace host {
+namespace {
+
+using Key = std::pair<std::string, std::string>;  ///< rule, and id as the later collection has it
+
+/// The worst hit of each key, without notices, which count as none.
+std::map<Key, const HealthHit*> ListHits(const Side& side, const Renaming& renaming) {
+  std::map<Key, const HealthHit*> hits;
+  for (const HealthFinding& finding : side.GetHealth().findings) {
+    for (const HealthHit& hit : finding.hits) {
+      if (hit.severity == Severity::kNotice) continue;
+      const auto [known, isNew] = hits.try_emplace({hit.rule, renaming.Rename(hit.id)}, &hit);
+      if (!isNew && known->second->severity < hit.severity) known->second = &hit;
+    }
+  }
+  return hits;
+}
+
+/// Whether the other side could not see whether a hit of `teller` is still there, or was before.
+bool IsUnchecked(const Sides& sides, const Side& teller, const HealthHit& hit) {
+  return !sides.Other(teller)
+              .FindWhyUntold(hit.part, sides.Translate(teller, hit.id), hit.place)
+              .empty();
+}
+
+Severity FindWorst(const FindingDifference& one) {
+  return std::max(one.before.value_or(Severity::kNotice), one.after.value_or(Severity::kNotice));
+}
+
+class FindingsComparison {
+ public:
+  FindingsComparison(const Sides& sides, const DifferenceOptions& options, Difference& difference)
+      : sides(sides), options(options), difference(difference) {}
+
+  void Compare() {
+    const auto before = ListHits(sides.before, sides.renaming);
+    const auto after = ListHits(sides.after, {});
+    for (const auto& [key, hit] : after) {
+      const auto old = before.find(key);
+      if (old == before.end()) {
+        Add(key, *hit,
+            IsUnchecked(sides, sides.after, *hit) ? FindingChange::kNotCheckedBefore
+                                                  : FindingChange::kNew,
+            std::nullopt, hit->severity);
+      } else if (old->second->severity != hit->severity) {
+        Add(key, *hit, FindingChange::kChanged, old->second->severity, hit->severity);
+      }
+    }
+    for (const auto& [key, hit] : before) {
+      if (after.contains(key)) continue;
+      Add(key, *hit,
+          IsUnchecked(sides, sides.before, *hit) ? FindingChange::kNotCheckedAnyMore
+                                                 : FindingChange::kGone,
+          hit->severity, std::nullopt);
+    }
+    std::ranges::sort(difference.findings,
+                      [](const FindingDifference& one, const FindingDifference& other) {
+                        const Severity worst = FindWorst(one);
+                        if (worst != FindWorst(other)) return worst > FindWorst(other);
+                        return std::tie(one.id, one.rule) < std::tie(other.id, other.rule);
+                      });
+  }
+
+ private:
+  void Add(const Key& key, const HealthHit& hit, FindingChange change,
+           std::optional<Severity> before, std::optional<Severity> after) {
+    const bool isWanted =
+        options.parts.empty() || std::ranges::find(options.parts, hit.part) != options.parts.end();
+    if (!isWanted) return;
+    difference.findings.push_back({hit.rule, hit.part, key.second, hit.serial, change, before,
+                                   after, hit.observed, hit.text});
+  }
+
+  const Sides& sides;
+  const DifferenceOptions& options;
+  Difference& difference;
+};
+
+}  // namespace
+
+void CompareFindings(const Sides& sides, const DifferenceOptions& options, Difference& difference) {
+  FindingsComparison(sides, options, difference).Compare();
+}
+
+}  // namespace host

@@ -1,0 +1,109 @@
+#include "host/files/gzip.h"
+
+#include <zlib.h>
+
+#include <algorithm>
+#include <array>
+#include <new>
+#include <stdexcept>
+#include <streambuf>
+
+namespace host {
+namespace {
+
+constexpr std::size_t kPiece = 1U << 16;
+/// Has zlib write, or expect, gzip's head and checksum.
+constexpr int kAsGzip = MAX_WBITS + 16;
+
+}  // namespace
+
+class GzipStream::Buffer final : public std::streambuf {
+ public:
+  explicit Buffer(std::size_t most) : most(most) {
+    constexpr int kMemory = 8;  // zlib's own
+    if (deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kAsGzip, kMemory,
+                     Z_DEFAULT_STRATEGY) != Z_OK) {
+      throw std::bad_alloc();
+    }
+    setp(input.data(), input.data() + input.size());
+  }
+  Buffer(const Buffer&) = delete;
+  Buffer& operator=(const Buffer&) = delete;
+  ~Buffer() override { deflateEnd(&stream); }
+
+  std::string Take() {
+    Pack(Z_FINISH);
+    return isTooLarge ? std::string() : std::move(packed);
+  }
+
+ protected:
+  int_type overflow(int_type c) override {
+    Pack(Z_NO_FLUSH);
+    if (!traits_type::eq_int_type(c, traits_type::eof())) sputc(traits_type::to_char_type(c));
+    return traits_type::not_eof(c);
+  }
+
+ private:
+  /// What was written since the last time.
+  void Pack(int flush) {
+    stream.next_in = reinterpret_cast<Bytef*>(pbase());
+    stream.avail_in = static_cast<uInt>(pptr() - pbase());
+    do {
+      stream.next_out = reinterpret_cast<Bytef*>(output.data());
+      stream.avail_out = static_cast<uInt>(output.size());
+      deflate(&stream, flush);
+      Keep({output.data(), output.size() - stream.avail_out});
+    } while (stream.avail_out == 0);
+    setp(input.data(), input.data() + input.size());
+  }
+
+  void Keep(std::string_view bytes) {
+    isTooLarge = isTooLarge || packed.size() + bytes.size() > most;
+    if (isTooLarge) {
+      packed = std::string();
+    } else {
+      packed += bytes;
+    }
+  }
+
+  const std::size_t most;
+  z_stream stream{};
+  std::array<char, kPiece> input;
+  std::array<char, kPiece> output;
+  std::string packed;
+  bool isTooLarge = false;
+};
+
+GzipStream::GzipStream(std::size_t most)
+    : std::ostream(nullptr), buffer(std::make_unique<Buffer>(most)) {
+  rdbuf(buffer.get());
+}
+
+GzipStream::~GzipStream() = default;
+
+std::string GzipStream::Take() { return buffer->Take(); }
+
+std::string UnpackGzip(std::string_view packed, std::size_t most) {
+  z_stream stream{};
+  if (inflateInit2(&stream, kAsGzip) != Z_OK) throw std::bad_alloc();
+  const std::unique_ptr<z_stream, int (*)(z_stream*)> owner(&stream, &inflateEnd);
+  // It only reads, whatever its declaration says.
+  stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(packed.data()));
+  stream.avail_in = static_cast<uInt>(packed.size());
+  std::string bytes;
+  std::array<char, kPiece> output;
+  int result = Z_OK;
+  while (result == Z_OK) {
+    stream.next_out = reinterpret_cast<Bytef*>(output.data());
+    stream.avail_out = static_cast<uInt>(output.size());
+    result = inflate(&stream, Z_NO_FLUSH);
+    bytes.append(output.data(), output.size() - stream.avail_out);
+    if (bytes.size() > most) throw std::runtime_error("holds more data than is read");
+  }
+  if (result != Z_STREAM_END || stream.avail_in != 0) {
+    throw std::runtime_error("has data that is damaged or not whole");
+  }
+  return bytes;
+}
+
+}  // namespace host

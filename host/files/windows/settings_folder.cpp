@@ -1,0 +1,12 @@
+#include <cstdlib>
+
+#include "host/files/places.h"
+
+namespace host {
+
+std::filesystem::path FindSettingsFolder() {
+  const wchar_t* own = _wgetenv(L"LOCALAPPDATA");
+  return own == nullptr ? std::filesystem::path() : std::filesystem::path(own) / "pqhost";
+}
+
+}  // namespace host
