@@ -67,6 +67,7 @@ counted() {  # NAME
 check "build native" scripts/build.sh native all pq_tests_by_room
 check "build windows" scripts/build.sh windows
 run windows scripts/wine_tests.sh &
+run packages nice scripts/package_tests.sh &
 check "build asan" nice scripts/build.sh asan
 check "build tsan" nice scripts/build.sh tsan pq_tests_threads
 nice scripts/lint.sh >build/logs/lint.log 2>&1 &
@@ -89,6 +90,7 @@ check lint wait "$lint"
 cat build/logs/lint.log
 wait
 counted windows
+counted packages
 
 [[ ${#failures[@]} -eq 0 ]] || echo "Failed: ${failures[*]}"
 echo "$passed passed, $failed failed"
