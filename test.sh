@@ -81,9 +81,10 @@ TSAN_OPTIONS=suppressions=tests/thread_sanitizer.supp \
   run tsan scripts/gtest.sh build/tsan/bin/pq_tests_threads
 run browser scripts/browser_tests.sh
 run metrics scripts/metrics_tests.sh
+run fleet scripts/fleet_tests.sh
 run fuzz scripts/fuzz.sh --replay
 run verdicts scripts/judge_folder.sh samples/*
-for name in native state binaries asan tsan browser metrics fuzz verdicts; do counted "$name"; done
+for name in native state binaries asan tsan browser metrics fleet fuzz verdicts; do counted "$name"; done
 check schema scripts/check_schema.sh build/native/bin/pqhost
 check format scripts/format.sh
 check lint wait "$lint"

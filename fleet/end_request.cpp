@@ -1,0 +1,31 @@
+#include "fleet/end_request.h"
+
+#include <cerrno>
+#include <ctime>
+
+namespace fleet {
+
+EndRequest::EndRequest() {
+  sigemptyset(&ends);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&ends, signal);
+  endsAndChild = ends;
+  sigaddset(&endsAndChild, SIGCHLD);
+  sigprocmask(SIG_BLOCK, &endsAndChild, nullptr);
+}
+
+bool EndRequest::IsMade() {
+  const timespec now{};
+  if (!isMade) isMade = sigtimedwait(&ends, nullptr, &now) > 0;
+  return isMade;
+}
+
+bool EndRequest::Await() {
+  int signal = -1;
+  do {
+    signal = sigwaitinfo(&endsAndChild, nullptr);
+  } while (signal < 0 && errno == EINTR);
+  if (signal != SIGCHLD) isMade = true;
+  return signal != SIGCHLD;
+}
+
+}  // namespace fleet

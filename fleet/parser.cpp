@@ -1,0 +1,255 @@
+#include "fleet/parser.h"
+
+#include <ctime>
+#include <exception>
+#include <map>
+#include <new>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include "fleet/copy_text.h"
+#include "fleet/parser_sources.h"
+#include "host/answers/assessment.h"
+#include "host/answers/columns_fit.h"
+#include "host/answers/health/finding_tables.h"
+#include "host/answers/parts/part_tables.h"
+#include "host/collect/collect.h"
+#include "host/collect/table_view.h"
+#include "host/files/sha256.h"
+#include "host/recording/recording_format.h"
+#include "host/recording/recording_reader.h"
+#include "host/text/ascii.h"
+#include "host/text/json_text.h"
+#include "host/text/version.h"
+
+namespace fleet {
+namespace {
+
+/// Of a verdict as many are kept as anybody reads.
+constexpr std::size_t kMostReasons = 50;
+
+/// A whole file is in the recording; its cell says which, and how to know it again.
+std::string DescribeFile(std::string_view name, std::string_view bytes) {
+  return host::JsonObject()
+      .AddText("file", name)
+      .AddNumber("bytes", bytes.size())
+      .AddText("sha256", host::ComputeSha256(bytes))
+      .Take();
+}
+
+/// The rows of a class, dealt over the columns of its table.
+class ClassRows {
+ public:
+  explicit ClassRows(const RowTable& table) : table(table) {
+    for (std::size_t i = 0; i < table.columns.size(); ++i) places[table.columns[i].name] = i;
+  }
+
+  std::string Write(const host::TableView& view) {
+    for (std::size_t row = 0; row < view.RowCount(); ++row) {
+      AddRow(view.RowAt(row), view.StoredRow(row));
+    }
+    return std::move(rows);
+  }
+
+ private:
+  void AddRow(const host::RowView& row, const host::Row& stored) {
+    std::vector<std::optional<std::string>> cells(table.columns.size());
+    std::optional<host::JsonObject> more;
+    for (std::size_t place = 0; place < row.CellCount(); ++place) {
+      const host::CellView cell = row.CellAt(place);
+      if (cell.Kind() == host::CellKind::kNothing) continue;
+      const host::DecodedText key = cell.Key();
+      const auto column = places.find(std::string(key.View()));
+      const bool isText = cell.Kind() == host::CellKind::kText;
+      std::string text(cell.Text().View());
+      if (cell.IsFile()) {
+        const std::optional<host::DecodedText> name = cell.FileName();
+        text = DescribeFile(name ? name->View() : std::string_view(), stored.Value(place));
+      }
+      if (isText && column != places.end()) {
+        cells[column->second] = std::move(text);
+        continue;
+      }
+      if (!more) more.emplace();
+      more->Add(key.View(), [&](std::string& json) {
+        if (isText) {
+          host::AppendJsonText(json, text);
+        } else {
+          json += text;
+        }
+      });
+    }
+    if (more) cells.back() = more->Take();
+    AppendCells(cells);
+  }
+
+  void AppendCells(const std::vector<std::optional<std::string>>& cells) {
+    const char* separator = "";
+    for (const std::optional<std::string>& cell : cells) {
+      rows += separator;
+      separator = "\t";
+      if (cell) {
+        AppendCopyCell(rows, *cell);
+      } else {
+        rows += kCopyNull;
+      }
+    }
+    rows += '\n';
+  }
+
+  const RowTable& table;
+  std::map<std::string, std::size_t, std::less<>> places;
+  std::string rows;
+};
+
+void AppendValue(std::string& rows, const host::PartValue& value) {
+  if (std::holds_alternative<std::monostate>(value)) {
+    rows += kCopyNull;
+  } else {
+    AppendCopyCell(rows, host::FormatPartValue(value, ""));
+  }
+}
+
+/// A row of what `columns` get of `described`.
+template <typename Columns, typename Described>
+void AppendDescribed(std::string& rows, const Columns& columns, const Described& described) {
+  const char* separator = "";
+  for (const auto& column : columns) {
+    rows += separator;
+    separator = "\t";
+    AppendValue(rows, column.get(described));
+  }
+  rows += '\n';
+}
+
+bool IsUnwell(const host::Drive& drive) {
+  return drive.mediaErrors.value_or(0) > 0 || drive.otherErrors.value_or(0) > 0 ||
+         drive.predictiveFailures.value_or(0) > 0 || drive.smartAlert.starts_with("Yes");
+}
+
+std::string WriteDriveErrors(const host::Parts& parts) {
+  std::string rows;
+  for (const host::Drive& drive : parts.drives) {
+    if (!IsUnwell(drive)) continue;
+    // In the order of kDriveErrorColumns.
+    for (const std::string* text :
+         {&drive.id, &drive.controller, &drive.serial, &drive.model, &drive.firmware}) {
+      AppendCopyCell(rows, *text);
+      rows += '\t';
+    }
+    for (const host::Integer& number :
+         {drive.mediaErrors, drive.otherErrors, drive.predictiveFailures}) {
+      AppendValue(rows, number ? host::PartValue(*number) : host::PartValue());
+      rows += '\t';
+    }
+    AppendCopyCell(rows, drive.smartAlert);
+    rows += '\n';
+  }
+  return rows;
+}
+
+std::string WriteStatuses(const host::CollectionView& view) {
+  host::JsonObject statuses;
+  for (const host::CollectedTable& table : view.GetCollection().tables) {
+    if (table.status.outcome == "rows") continue;
+    statuses.AddText(view.ViewTable(table).ClassName().View(), table.status.outcome);
+  }
+  return statuses.Take();
+}
+
+void AddVerdict(const host::Health& health, Parsed& parsed) {
+  parsed.verdict = host::LowerCase(host::GetVerdict(health));
+  const auto count = [&](host::Severity severity) {
+    return static_cast<std::uint32_t>(host::CountFindings(health, severity));
+  };
+  parsed.counts = {count(host::Severity::kCritical), count(host::Severity::kWarning),
+                   count(host::Severity::kUnknown), count(host::Severity::kNotice)};
+  for (const host::HealthFinding& finding : health.findings) {
+    if (finding.severity == host::Severity::kNotice) continue;
+    if (parsed.reasons.size() == kMostReasons) break;
+    parsed.reasons.push_back(finding.hits.front().text);
+  }
+}
+
+Parsed Refuse(std::string reason) {
+  Parsed refused;
+  refused.refusal = std::move(reason);
+  return refused;
+}
+
+}  // namespace
+
+std::string DescribeParser() {
+  constexpr std::size_t kEnoughDigits = 12;
+  return std::string(host::kVersion) + "+" +
+         std::string(host::kParserSources.substr(0, kEnoughDigits));
+}
+
+Parser::Parser(const RowTables& tables) : tables(tables) {
+  tzset();
+  for (const std::uint32_t codePage : host::kRecordingCodePages) {
+    decoders.push_back(std::make_unique<host::TextDecoder>(codePage));
+    // The first character of two bytes is looked up by the system.
+    (*decoders.back())("\x88\x9f\xe4");
+  }
+  // An empty machine takes every step that loads something.
+  Read(host::Recording{}, {});
+}
+
+Parsed Parser::Parse(std::string zip, const std::string& key,
+                     const std::optional<host::LocalTime>& taken) {
+  try {
+    host::Recording recording = host::LoadZippedRecording(std::move(zip), "recording");
+    if (recording.contentKey != key) {
+      return Refuse("what is in the store has another content key than its name says");
+    }
+    return Read(std::move(recording), taken);
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const std::exception& error) {
+    return Refuse(error.what());
+  }
+}
+
+Parsed Parser::Read(host::Recording recording, const std::optional<host::LocalTime>& taken) {
+  // The same content gives the same rows, whoever sent it: of its submission only the time counts.
+  recording.submission = host::Submission{.recordedAt = taken};
+  host::Collection collection = host::Collect(recording);
+  host::NoteUnfitColumns(collection);
+  const host::Assessment assessment = host::Assess(collection, judge);
+  const host::CollectionView view(collection);
+  Parsed parsed;
+  const auto add = [&](std::size_t table, std::string rows) {
+    if (!rows.empty()) {
+      parsed.tables.push_back({static_cast<std::uint32_t>(table), std::move(rows)});
+    }
+  };
+  for (const host::CollectedTable& table : collection.tables) {
+    if (table.RowCount() == 0) continue;
+    const auto place = tables.Find(NameClassTable(table.className));
+    if (!place) return Refuse("no module describes the class " + table.className);
+    add(*place, ClassRows(tables.At(*place)).Write(view.ViewTable(table)));
+  }
+  for (const host::PartTable& part : host::GetPartTables()) {
+    std::string rows;
+    for (std::size_t row = 0; row < part.count(assessment.parts); ++row) {
+      AppendDescribed(rows, part.columns, part.at(assessment.parts, row));
+    }
+    add(*tables.Find(NamePartTable(part.name)), std::move(rows));
+  }
+  for (const host::FindingTable& table : host::GetFindingTables()) {
+    std::string rows;
+    for (const host::FindingRow& row : host::ListRows(table, assessment.health)) {
+      AppendDescribed(rows, table.columns, row);
+    }
+    add(*tables.Find(NamePartTable(table.name)), std::move(rows));
+  }
+  parsed.problems = static_cast<std::uint32_t>(collection.problems.size());
+  parsed.statuses = WriteStatuses(view);
+  AddVerdict(assessment.health, parsed);
+  parsed.driveErrors = WriteDriveErrors(assessment.parts);
+  return parsed;
+}
+
+}  // namespace fleet

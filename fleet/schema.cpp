@@ -1,0 +1,212 @@
+#include "fleet/schema.h"
+
+#include <fmt/format.h>
+
+#include <map>
+#include <string_view>
+
+#include "fleet/parser.h"
+#include "fleet/schema_texts.h"
+#include "host/text/usage_error.h"
+
+namespace fleet {
+namespace {
+
+/// Any number that no other program of this database uses: one installation at a time.
+constexpr char kLock[] = "select pg_advisory_xact_lock(7065669)";
+
+constexpr char kDoor[] = "fleet_door";
+constexpr char kWorker[] = "fleet_worker";
+constexpr char kReader[] = "fleet_reader";
+
+void MakeRoles(Connection& connection) {
+  for (const char* role : {kDoor, kWorker, kReader}) {
+    const bool isThere =
+        connection.Ask("select 1 from pg_roles where rolname = $1", {role}).RowCount() > 0;
+    if (!isThere) connection.Run(fmt::format("create role {} nologin", role));
+    // Who installs it may act as each of them.
+    const bool isMember =
+        connection.Ask("select 1 where pg_has_role(current_user, $1, 'member')", {role})
+            .RowCount() > 0;
+    if (!isMember) connection.Run(fmt::format("grant {} to current_user", role));
+  }
+}
+
+void GrantRights(Connection& connection, const RowTables& tables) {
+  std::string rowTables;
+  for (const RowTable& table : tables.All()) rowTables += ", " + table.name;
+  connection.Run(
+      fmt::format("grant usage on schema fleet to {0}, {1}, {2};"
+                  "grant select, insert on site, server, object, submission, job to {0};"
+                  "grant update on server, job to {0};"
+                  "grant select on parser, server_state to {0};"
+                  "grant select on parser to {2};"
+                  "grant select on all tables in schema fleet to {1};"
+                  "grant update on job, server to {1};"
+                  "grant insert, delete on result, drive_error, server_state{3} to {1};"
+                  "grant usage on sequence claim to {1};",
+                  kDoor, kWorker, kReader, rowTables));
+  const Answer views = connection.Ask(
+      "select table_name from information_schema.views where table_schema = 'fleet'");
+  for (std::size_t row = 0; row < views.RowCount(); ++row) {
+    connection.Run(fmt::format("grant select on {} to {}", QuoteName(views.At(row, 0)), kReader));
+  }
+}
+
+void DropViews(Connection& connection) {
+  const Answer views = connection.Ask(
+      "select table_name from information_schema.views where table_schema = 'fleet'");
+  for (std::size_t row = 0; row < views.RowCount(); ++row) {
+    connection.Run("drop view if exists " + QuoteName(views.At(row, 0)) + " cascade");
+  }
+}
+
+/// The server's names, then what pqhost shows of a part.
+void MakeView(Connection& connection, const RowTable& table) {
+  std::string columns;
+  for (const RowColumn& column : table.columns) columns += ", r." + QuoteName(column.name);
+  connection.Run(
+      fmt::format("create view {} as select v.name as server, t.name as site{} from {} r "
+                  "join server v on v.id = r._server join site t on t.id = v.site",
+                  QuoteName(table.view), columns, QuoteName(table.name)));
+  connection.Run(fmt::format("comment on view {} is {}", QuoteName(table.view),
+                             QuoteLiteral(table.description)));
+  for (const RowColumn& column : table.columns) {
+    connection.Run(fmt::format("comment on column {}.{} is {}", QuoteName(table.view),
+                               QuoteName(column.name), QuoteLiteral(column.description)));
+  }
+}
+
+/// Column names and types of a table; none when it is not there.
+std::map<std::string, std::string> FindColumns(Connection& connection, const std::string& table) {
+  const Answer answer = connection.Ask(
+      "select column_name, data_type from information_schema.columns "
+      "where table_schema = 'fleet' and table_name = $1",
+      {table});
+  std::map<std::string, std::string> columns;
+  for (std::size_t row = 0; row < answer.RowCount(); ++row) {
+    columns.emplace(answer.At(row, 0), answer.At(row, 1));
+  }
+  return columns;
+}
+
+void MakeRowTable(Connection& connection, const RowTable& table, SchemaChanges& changes) {
+  const std::map<std::string, std::string> there = FindColumns(connection, table.name);
+  if (there.empty()) {
+    std::string columns;
+    for (const RowColumn& column : table.columns) {
+      columns += fmt::format(", {} {}", QuoteName(column.name), column.type);
+    }
+    connection.Run(
+        fmt::format("create table {} (_server int not null, _row int not null{}, "
+                    "primary key (_server, _row)) with (fillfactor = 90)",
+                    QuoteName(table.name), columns));
+    connection.Ask("insert into row_table (name) values ($1) on conflict do nothing", {table.name});
+    changes.push_back("new table " + table.name);
+    return;
+  }
+  for (const RowColumn& column : table.columns) {
+    const auto found = there.find(column.name);
+    if (found != there.end() && found->second == column.type) continue;
+    if (found != there.end()) {
+      connection.Run(fmt::format("alter table {} drop column {}", QuoteName(table.name),
+                                 QuoteName(column.name)));
+    }
+    connection.Run(fmt::format("alter table {} add column {} {}", QuoteName(table.name),
+                               QuoteName(column.name), column.type));
+    changes.push_back(fmt::format("new column {} of {}", column.name, table.name));
+  }
+}
+
+/// Makes this build the one whose workers write.
+void MakeParser(Connection& connection, SchemaChanges& changes) {
+  const std::string version = DescribeParser();
+  const Answer current = connection.Ask("select id, version from parser where state = 'current'");
+  if (current.RowCount() > 0 && current.At(0, 1) == version) return;
+  connection.Run("update parser set state = 'old' where state = 'current'");
+  const Answer answer = connection.Ask(
+      "insert into parser (version, state) values ($1, 'current') "
+      "on conflict (version) do update set state = 'current' returning id",
+      {version});
+  const std::string id(answer.At(0, 0));
+  connection.Run(
+      fmt::format("create table if not exists job_{0} partition of job for values in ({0}) "
+                  "with (fillfactor = 70);"
+                  // Ready or claimed ones alone: a claim costs the same however many are done.
+                  "create index if not exists job_{0}_open on job_{0} (object) where state < 2",
+                  id));
+  changes.push_back("readers " + version);
+  if (current.RowCount() == 0) return;
+  const std::string before(current.At(0, 0));
+  connection.Ask(
+      "insert into job (parser, object) select $1, object from job "
+      "where parser = $2 and state <> 2 on conflict (parser, object) "
+      "do update set state = 0, attempts = 0, lost = 0, reason = null",
+      {id, before});
+  connection.Ask("delete from job where parser = $1 and state <> 2", {before});
+  // So that a submission of what the former readers did is no new job.
+  connection.Ask(
+      "insert into job (parser, object, state) select $1, object, 2 from job "
+      "where parser = $2 on conflict do nothing",
+      {id, before});
+  connection.Ask("delete from job where parser = $1", {before});
+}
+
+}  // namespace
+
+SchemaState FindSchema(Connection& connection) {
+  const Answer there = connection.Ask("select to_regclass('fleet.parser') is not null");
+  if (there.At(0, 0) != "t") return SchemaState::kNone;
+  const Answer current = connection.Ask(
+      "select 1 from fleet.parser where state = 'current' and version = $1", {DescribeParser()});
+  return current.RowCount() > 0 ? SchemaState::kCurrent : SchemaState::kOther;
+}
+
+SchemaChanges InstallSchema(Connection& connection, const RowTables& tables) {
+  return RunTransaction(connection, [&] {
+    SchemaChanges changes;
+    connection.Ask(kLock);
+    MakeRoles(connection);
+    if (FindSchema(connection) == SchemaState::kNone) {
+      connection.Run("create schema if not exists fleet");
+      connection.Run(std::string(host::kSchemaSql));
+    }
+    DropViews(connection);
+    for (const RowTable& table : tables.All()) MakeRowTable(connection, table, changes);
+    MakeParser(connection, changes);
+    for (const RowTable& table : tables.All()) {
+      if (!table.view.empty()) MakeView(connection, table);
+    }
+    connection.Run(std::string(host::kViewsSql));
+    GrantRights(connection, tables);
+    return changes;
+  });
+}
+
+void RequireSchema(Connection& connection) {
+  if (FindSchema(connection) != SchemaState::kNone) return;
+  throw host::UsageError("there is no fleet in this database yet: make one with pqfleet init");
+}
+
+Schema OpenSchema(Connection& connection, const RowTables& tables) {
+  RequireSchema(connection);
+  const std::string version = DescribeParser();
+  const Answer parser =
+      connection.Ask("select id from parser where state = 'current' and version = $1", {version});
+  if (parser.RowCount() == 0) {
+    throw host::UsageError(
+        fmt::format("the database is made for other readers than those of this program ({}): use "
+                    "the program that it was made with, or pqfleet init --upgrade",
+                    version));
+  }
+  Schema schema{std::string(parser.At(0, 0)), {}};
+  const Answer answer = connection.Ask("select name, id from row_table");
+  std::map<std::string, std::uint16_t, std::less<>> numbers;
+  for (std::size_t row = 0; row < answer.RowCount(); ++row) {
+    numbers.emplace(answer.At(row, 0), static_cast<std::uint16_t>(answer.NumberAt(row, 1)));
+  }
+  for (const RowTable& table : tables.All()) schema.tableNumbers.push_back(numbers.at(table.name));
+  return schema;
+}
+
+}  // namespace fleet

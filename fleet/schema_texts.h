@@ -1,0 +1,11 @@
+// schema.sql and views.sql as texts of the program.
+#pragma once
+
+#include <string_view>
+
+namespace host {
+
+extern const std::string_view kSchemaSql;
+extern const std::string_view kViewsSql;
+
+}  // namespace host

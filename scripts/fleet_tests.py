@@ -1,0 +1,872 @@
+#!/usr/bin/env python3
+"""Tries pqfleet as its users do, and as nobody should.
+
+    scripts/fleet_tests.py FOLDER_OF_PROGRAMS [NAME...]
+
+Only the tests whose names are given, otherwise all. Ends with "N passed, N failed".
+"""
+
+import contextlib
+import csv
+import hashlib
+import io
+import json
+import os
+import pathlib
+import random
+import shutil
+import signal
+import subprocess
+import sys
+import time
+import zipfile
+
+from private_postgres import PrivatePostgres
+from tally import Tally
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+SAMPLES = sorted((ROOT / "samples").iterdir())
+BIN = pathlib.Path(sys.argv[1]).resolve()
+PQFLEET, PQHOST, RANDOM = (str(BIN / name)
+                           for name in ("pqfleet", "pqhost", "write_random_recordings"))
+
+tally = Tally()
+expect = tally.expect
+
+
+class Fleet:
+    """A database with a fleet, a store, and pqfleet for them."""
+
+    first = None  # of which the others are copies: to make one takes its time
+    count = 0
+
+    def __init__(self, server):
+        if Fleet.first is None and Fleet.count == 0:
+            Fleet.count += 1
+            Fleet.first = Fleet(server)
+        self.server = server
+        self.database = f"fleet{Fleet.count}"
+        self.store = pathlib.Path(server.folder) / f"store{Fleet.count}"
+        self.environment = {**os.environ, "PGHOST": server.folder, "PGUSER": "fleet",
+                            "PGDATABASE": self.database, "PQFLEET_STORE": str(self.store)}
+        Fleet.count += 1
+        if Fleet.first is None:
+            sql("postgres", server, f"create database {self.database}")
+            expect(self.run("init").returncode == 0, "init")
+            self.tables = [row[0] for row in
+                           self.sql("select name from fleet.row_table order by name")]
+            return
+        self.tables = Fleet.first.tables
+        sql("postgres", server,
+            f"create database {self.database} template {Fleet.first.database}"
+            f" strategy file_copy")
+        shutil.copytree(Fleet.first.store, self.store)
+
+    def start(self, *words, user=None, **more):
+        environment = {**self.environment, **({"PGUSER": user} if user else {})}
+        return subprocess.Popen([PQFLEET, *map(str, words)], env=environment, text=True,
+                                stdout=subprocess.PIPE, stderr=subprocess.PIPE, **more)
+
+    def run(self, *words, user=None, **more):
+        process = self.start(*words, user=user, **more)
+        try:
+            process.stdout, process.stderr = process.communicate(timeout=120)
+        except subprocess.TimeoutExpired:
+            process.kill()
+            expect(False, f"{' '.join(map(str, words))} hangs")
+            process.stdout, process.stderr = process.communicate()
+        return process
+
+    def submit(self, *paths):
+        for begin in range(0, len(paths), 1000):
+            ended = self.run("submit", "--server-by-file", *paths[begin:begin + 1000])
+            expect(ended.returncode == 0, f"submit: {ended.stdout[-300:]}{ended.stderr}")
+
+    def work(self, *words):
+        """How many rows were written."""
+        ended = self.run("work", "--once", *words)
+        expect(ended.returncode in (0, 1), f"work: {ended.stderr}")
+        return int(ended.stderr.strip().split(" row")[0].split()[-1])
+
+    def sql(self, text):
+        return sql(self.database, self.server, text)
+
+    def value(self, text):
+        return self.sql(text)[0][0]
+
+    def query(self, text, *more, **who):
+        return self.run("query", text, "--format", "csv", *more, **who)
+
+
+def sql(database, server, text):
+    """Rows of the answer to one statement; cells are texts, None for null."""
+    ended = subprocess.run(
+        ["psql", "-XqAt", "-h", server.folder, "-U", "fleet", "-d", database, "-F", "\x1f",
+         "-R", "\x1e", "-P", "null=\x1d", "-v", "ON_ERROR_STOP=1", "-c", text],
+        capture_output=True, text=True, timeout=120)
+    if ended.returncode != 0:
+        raise RuntimeError(f"{text[:200]}: {ended.stderr}")
+    rows = ended.stdout.removesuffix("\n").removesuffix("\x1e")
+    return [[None if cell == "\x1d" else cell for cell in row.split("\x1f")]
+            for row in rows.split("\x1e")] if rows else []
+
+
+def read_rows(fleet, prefix):
+    """Of each server the rows of each table whose name begins so: column to value, null left out."""
+    servers = {}
+    tables = [table for table in fleet.tables if table.startswith(prefix)]
+    parts = [f"select v.name, '{table}', r._row, to_jsonb(r) from fleet.{table} r "
+             f"join fleet.server v on v.id = r._server" for table in tables]
+    for server, table, number, row in fleet.sql(" union all ".join(parts) + " order by 1, 2, 3"):
+        cells = {name: value for name, value in json.loads(row).items() if value is not None}
+        of_table = servers.setdefault(server, {}).setdefault(table.removeprefix(prefix), [])
+        expect(cells.pop("_row") == len(of_table) + 1, f"{server} {table}: numbers of rows")
+        cells.pop("_server")
+        cells.update(cells.pop("_more", {}))
+        of_table.append(cells)
+    return servers
+
+
+def digest(fleet):
+    """All that is known, apart from when and how it was found out."""
+    questions = [
+        f"select count(*) || coalesce(md5(string_agg(v.name || (to_jsonb(r) - '_server'), ''"
+        f" order by v.name, r._row)), '') from fleet.{table} r"
+        f" join fleet.server v on v.id = r._server" for table in fleet.tables]
+    questions += [
+        "select count(*) || md5(string_agg(encode(o.key, 'hex') || (to_jsonb(r)"
+        " - '{object,cpu_us,finished,parser}'::text[]), '' order by o.key))"
+        " from fleet.result r join fleet.object o on o.id = r.object",
+        "select count(*) || coalesce(md5(string_agg(encode(o.key, 'hex') || (to_jsonb(e)"
+        " - 'object'), '' order by o.key, e.drive)), '')"
+        " from fleet.drive_error e join fleet.object o on o.id = e.object",
+        "select count(*) || md5(string_agg(v.name || encode(o.key, 'hex'), '' order by v.name))"
+        " from fleet.server_state s join fleet.server v on v.id = s.server"
+        " join fleet.object o on o.id = s.object",
+        "select string_agg(state || ':' || n, ' ' order by state) from"
+        " (select state, count(*) n from fleet.job group by 1) s",
+        "select count(*)::text from fleet.submission"]
+    return fleet.sql("select " + ", ".join(f"({question})" for question in questions))[0]
+
+
+def differences(one, other):
+    return [f"{a} {b}" for a, b in zip(one, other) if a != b]
+
+
+def make_random(server, servers, nights=1, first=0):
+    """Files in the order of servers, then nights."""
+    folder = pathlib.Path(server.folder) / f"random{servers}_{nights}_{first}"
+    if not folder.exists():
+        folder.mkdir()
+        subprocess.run([RANDOM, folder, str(servers), str(nights), str(first)], check=True)
+    return [folder / f"srv-{one}_{night}.zip" for one in range(first, first + servers)
+            for night in range(nights)]
+
+
+def count_processes():
+    """Those of pqfleet that this script or its ended children left."""
+    listed = subprocess.run(["ps", "-eo", "args"], capture_output=True, text=True).stdout
+    return sum(line.split()[0] == PQFLEET for line in listed.splitlines() if line.split())
+
+
+# --- what is found is what pqhost finds ---
+
+def expected_cells(table, number, row):
+    """A class's row of pqhost's JSON, as the database has it."""
+    cells = {key: value.replace("\0", "\ufffd") if isinstance(value, str) else value
+             for key, value in row.items()}
+    for attachment in table["attachments"]:
+        if attachment["row"] == number and attachment["attributes"].get("raw") == "true":
+            cells[attachment["key"]] = (attachment["attributes"].get("filename", ""),
+                                        attachment["bytes"])
+    return cells
+
+
+def found_cells(row, expected):
+    cells = dict(row)
+    for key, value in expected.items():
+        if isinstance(value, tuple):
+            file = json.loads(cells[key])
+            expect(len(file["sha256"]) == 64, "digest of a file")
+            cells[key] = (file["file"], file["bytes"])
+    return cells
+
+
+def compare_with_pqhost(fleet, recordings):
+    """`recordings`: paths by the names of their servers."""
+    classes, parts = read_rows(fleet, "class_"), read_rows(fleet, "part_")
+    verdicts = {row[0]: row[1:] for row in fleet.sql(
+        "select server, verdict, critical, warning, unknown, notice from fleet.verdict_now")}
+    for server, path in recordings.items():
+        collected = json.loads(subprocess.run(
+            [PQHOST, "collect", "--replay", path, "--format", "json"], capture_output=True,
+            text=True).stdout)
+        rows = classes.get(server, {})
+        for table in collected["tables"]:
+            name = table["class"].lower()
+            expected = [expected_cells(table, number, row)
+                        for number, row in enumerate(table["rows"])]
+            got = rows.pop(name, [])
+            same = len(got) == len(expected) and all(
+                found_cells(one, other) == other for one, other in zip(got, expected))
+            expect(same, f"{server}: {name} differs")
+        expect(not rows, f"{server}: more tables: {list(rows)}")
+        of_server = parts.get(server, {})
+        findings, evidence = of_server.pop("findings", []), of_server.pop("evidence", [])
+        for name, listed in collected["parts"].items():
+            expected = [{key: value.replace("\0", "\ufffd") if isinstance(value, str) else value
+                         for key, value in part.items() if value is not None} for part in listed]
+            expect(of_server.pop(name, []) == expected, f"{server}: parts {name} differ")
+        expect(not of_server, f"{server}: more parts: {list(of_server)}")
+        health = collected["health"]
+        counts = [str(health["counts"][word])
+                  for word in ("critical", "warning", "unknown", "notice")]
+        expect(verdicts.get(server) == [health["verdict"], *counts], f"{server}: verdict differs")
+        expect([one["finding"] for one in findings] ==
+               [one["key"] for one in health["findings"]], f"{server}: findings differ")
+        expect(bool(evidence) == bool(findings), f"{server}: evidence")
+
+
+def test_samples(server):
+    fleet = Fleet(server)
+    fleet.submit(*SAMPLES)
+    fleet.work()
+    named = {"two-socket-server": "NODE31"}
+    compare_with_pqhost(fleet, {named.get(path.name, path.name): path for path in SAMPLES})
+    integers = fleet.value("select count(*) from fleet.class_s2table1"
+                           " where jsonb_typeof(_more -> 'item1') = 'number'")
+    expect(integers != "0", "integers come back as integers")
+    again = fleet.run("submit", ROOT / "samples" / "two-socket-server")
+    expect(again.stdout.startswith("known "), f"submitted again: {again.stdout}")
+    expect(fleet.work() == 0, "nothing to do writes nothing")
+    check_show(fleet)
+    check_asking(fleet)
+    check_document(fleet)
+    check_commands(fleet)
+
+
+def check_show(fleet):
+    shown = fleet.run("show", "NODE31", "--format", "json")
+    replayed = subprocess.run([PQHOST, "collect", "--replay", ROOT / "samples/two-socket-server",
+                               "--format", "json"], capture_output=True, text=True).stdout
+    one, other = json.loads(shown.stdout), json.loads(replayed)
+    one.pop("collected"), other.pop("collected")
+    expect(one == other, "show is what pqhost shows")
+    expect(fleet.run("show", "nobody").returncode == 2, "show of nobody")
+    early = fleet.run("show", "NODE31", "--at", "2020-01-01")
+    expect(early.returncode == 2 and "as old as that" in early.stderr, "show before all")
+    wrong = fleet.run("show", "NODE31", "--at", "yesterdayish")
+    expect(wrong.returncode == 2 and "--at needs" in wrong.stderr, f"show --at: {wrong.stderr}")
+
+
+def check_asking(fleet):
+    ended = fleet.query("select server, serial, media_errors from drives where media_errors > 0")
+    expect(ended.stdout.splitlines()[1:] == ["NODE31,Z4K002C9144,37"], f"query: {ended.stdout}")
+    trend = fleet.query("select server, taken, serial, media_errors from media_error_trend"
+                        " where media_errors > 0")
+    expect("NODE31,2026-11-18 08:41:12+00,Z4K002C9144,37" in trend.stdout, f"trend: {trend.stdout}")
+    typed = fleet.run("query", "select 1 as i, 1.5::float8 as r, 'a' as t, null as n, true as b",
+                      "--format", "json")
+    row = json.loads(typed.stdout)["tables"][0]["rows"][0]
+    expect(row == {"i": 1, "r": 1.5, "t": "a", "n": None, "b": "yes"}, f"types: {row}")
+    for refused in ("delete from server", "select * from class_pdlist", "select 1; select 2",
+                    "create table x (i int)", "select * from submission", "selec", ""):
+        ended = fleet.query(refused)
+        expect(ended.returncode == 1 and ended.stderr.startswith("pqfleet: "),
+               f"query {refused!r}: {ended.returncode} {ended.stderr}")
+    begin = time.monotonic()
+    late = fleet.query("select pg_sleep(20)", "--time-limit", "1")
+    expect(late.returncode == 1 and time.monotonic() - begin < 10 and "timeout" in late.stderr,
+           f"a query that takes long: {late.stderr}")
+    for view in fleet.sql("select table_name from information_schema.views"
+                          " where table_schema = 'fleet'"):
+        ended = fleet.query(f"select * from {view[0]} limit 3")
+        expect(ended.returncode == 0, f"view {view[0]}: {ended.stderr}")
+
+
+def check_document(fleet):
+    """The questions of docs/fleet.md have the answers that are written there."""
+    text = (ROOT / "docs" / "fleet.md").read_text().split("```sql\n")[1].split("```")[0]
+    questions = 0
+    for block in text.split("\n\n"):
+        lines = block.strip().splitlines()
+        answers = [line.removeprefix("--   ") for line in lines if line.startswith("--   ")]
+        statement = " ".join(line for line in lines if not line.startswith("--"))
+        ended = fleet.query(statement)
+        rows = [" | ".join(row) for row in csv.reader(io.StringIO(ended.stdout))][1:]
+        if answers and answers[-1] == "…":
+            answers.pop()
+            rows = rows[:len(answers)]
+        expect(ended.returncode == 0 and rows == answers,
+               f"{lines[0]} {rows} {ended.stderr}")
+        questions += 1
+    expect(questions == 12, f"{questions} questions")
+
+
+def check_commands(fleet):
+    status = json.loads(fleet.run("status", "--format", "json").stdout)
+    expect((status["done"], status["ready"], status["parked"], status["servers"]) ==
+           (len(SAMPLES), 0, 0, len(SAMPLES)), f"status: {status}")
+    expect("done" in fleet.run("status").stdout, "status for people")
+    # One line for people, not what libpq or a library says by itself.
+    for words, code in ((["init"], 2), (["work", "--store", "/nowhere"], 2), (["submit"], 2),
+                        (["query"], 2), (["show"], 2), (["reparse"], 2), (["nothing"], 2),
+                        (["status", "--database", "host=/nowhere"], 2),
+                        (["status", "--database", "hots=x"], 2),
+                        (["status", "--database", "dbname=postgres"], 2),
+                        (["submit", "/nowhere.zip"], 1), (["--help"], 0), (["--version"], 0),
+                        (["init", "--upgrade"], 0)):
+        ended = fleet.run(*words)
+        expect(ended.returncode == code, f"{words}: {ended.returncode} {ended.stderr}")
+        expect(code != 2 or ended.stderr.count("\n") == 1, f"{words}: {ended.stderr!r}")
+    for command in ("init", "submit", "work", "status", "parked", "reparse", "rebuild", "query", "show",
+                    "history", "export", "forget", "expire", "metrics"):
+        text = fleet.run(command, "--help").stdout
+        expect("Examples:" in text and "Exit codes:" in text, f"{command} --help")
+    file = pathlib.Path(fleet.server.folder) / "pqfleet.conf"
+    file.write_text(f"database = host={fleet.server.folder} user=fleet dbname={fleet.database}\n")
+    bare = {name: value for name, value in os.environ.items() if not name.startswith("PG")}
+    ended = subprocess.run([PQFLEET, "status", "--config", file], env=bare, capture_output=True)
+    expect(ended.returncode == 0, f"configuration file: {ended.stderr}")
+    ended = subprocess.run([PQFLEET, "status", "--config", file], capture_output=True,
+                           env={**bare, "PGDATABASE": "postgres"})
+    expect(ended.returncode == 2, "the environment is nearer than the file")
+
+
+def test_random(server):
+    fleet = Fleet(server)
+    files = make_random(server, 100)
+    fleet.submit(*files)
+    fleet.work("--workers", "2")
+    compare_with_pqhost(fleet, {path.name.split("_")[0]: path for path in files})
+    before = digest(fleet)
+    expect(fleet.run("reparse", "--all").stdout == "100 recordings ready\n", "reparse")
+    expect(fleet.work("--workers", "2") == 0, "unchanged, nothing is written")
+    expect(digest(fleet) == before, "unchanged, all is as before")
+    # Rows that are not as their recording says are put right, and no others.
+    fleet.sql("update fleet.server_state set rows = ''"
+              " where server = (select min(id) from fleet.server)")
+    fleet.sql("delete from fleet.result where object = (select min(object) from fleet.result)")
+    fleet.sql("; ".join(f"delete from fleet.{table} where _server = (select min(id) from"
+                        f" fleet.server)" for table in fleet.tables))
+    fleet.run("reparse", "--current")
+    expect(fleet.work() > 0 and digest(fleet) == before, "what was taken away is made again")
+
+
+# --- what nobody should send ---
+
+def zip_bytes(files, method=zipfile.ZIP_DEFLATED):
+    out = io.BytesIO()
+    with zipfile.ZipFile(out, "w", method) as archive:
+        for name, content in files.items():
+            archive.writestr(zipfile.ZipInfo(name), content, compress_type=method)
+    return out.getvalue()
+
+
+def commands_json(files):
+    return json.dumps({"format": 1, "commands": [
+        {"tool": "arp.exe", "arguments": f"-{number}", "stdout": name}
+        for number, name in enumerate(files)]})
+
+
+def hostile_recordings():
+    """By name: bytes, and words of the reason."""
+    good = zip_bytes({"recording.json": commands_json(["a"]), "a": "text"})
+    manifest = "".join(f"{hashlib.sha256(text.encode()).hexdigest()}  {name}\n" for name, text in
+                       (("a", "text"), ("recording.json", commands_json(["a"]))))
+    damaged = bytearray(good)
+    damaged[good.index(b"recording.json") + 20] ^= 0xff
+    return {
+        "bomb": (zip_bytes({"recording.json": commands_json(["a", "b", "c"]),
+                            **{name: b"\0" * (100 << 20) for name in "abc"}}), "recording-size"),
+        "repeated": (zip_bytes({"recording.json": commands_json([f"{n}" for n in range(5000)]),
+                                **{f"{n}": "x" for n in range(5000)}}), "files"),
+        "deep": (zip_bytes({"recording.json": '{"format": 1, "commands": ' + "[" * 200_000}),
+                 "recording.json"),
+        "upward": (zip_bytes({"recording.json": commands_json(["a"]), "../a": "x"}), "leads out"),
+        "outside": (zip_bytes({"recording.json": commands_json(["../../etc/passwd"])}), "path"),
+        "cut": (good[:-40], "no ZIP file"),
+        "damaged": (bytes(damaged), ""),
+        "changed": (zip_bytes({"recording.json": commands_json(["a"]), "a": "other",
+                               "manifest.sha256": manifest}), "differs from manifest.sha256"),
+        "empty": (b"", "no ZIP file"),
+        "text": (b"<html>" * 100, "no ZIP file"),
+        "unnamed": (zip_bytes({"a": "x"}), "no such file"),
+        "member": (zip_bytes({"recording.json": '{"format": 1, "comands": []}'}), "comands"),
+    }
+
+
+def place(fleet, name, content, server):
+    """Puts it into the store and registers it, past all that submit looks at."""
+    key = hashlib.sha256(name.encode()).hexdigest()
+    if content is not None:
+        path = fleet.store / key[:2] / f"{key}.zip"
+        path.parent.mkdir(exist_ok=True)
+        path.write_bytes(content)
+    fleet.sql(f"select fleet.register('default', '{server}', '\\x{key}', 1, '2026-01-01', 0)")
+    return key
+
+
+def test_hostile(server):
+    fleet = Fleet(server)
+    files = hostile_recordings()
+    folder = pathlib.Path(server.folder) / "hostile"
+    folder.mkdir()
+    for name, (content, words) in files.items():
+        path = folder / f"{name}.zip"
+        path.write_bytes(content)
+        ended = fleet.run("submit", "--server", "x", path)
+        refusal = ended.stdout.splitlines()
+        expect(ended.returncode == 1 and len(refusal) == 1 and words in refusal[0] and
+               refusal[0].startswith("refused "), f"submit of {name}: {ended.stdout}{ended.stderr}")
+    large = folder / "large.zip"
+    with large.open("wb") as file:
+        file.truncate(65 << 20)
+    ended = fleet.run("submit", large)
+    expect(ended.returncode == 1 and "more than 64 MiB" in ended.stdout, "submit of 65 MiB")
+    expect(fleet.value("select count(*) from fleet.submission") == "0", "none was registered")
+
+    keys = {place(fleet, name, content, name): words for name, (content, words) in files.items()}
+    keys[place(fleet, "missing", None, "missing")] = "not in the store"
+    stolen = (folder / "good.zip")
+    stolen.write_bytes(zip_bytes({"recording.json": commands_json(["a"]), "a": "text"}))
+    keys[place(fleet, "wrong key", stolen.read_bytes(), "wrong")] = "another content key"
+    fleet.submit(*SAMPLES)
+    here = pathlib.Path(server.folder) / "work"
+    here.mkdir()
+    kept = sorted(fleet.store.rglob("*"))
+    ended = fleet.run("work", "--once", cwd=here)
+    expect(ended.returncode == 1, f"work that parks: {ended.returncode} {ended.stderr}")
+    parked = {row[0]: row[1] for row in fleet.sql("select recording, reason from fleet.parked")}
+    for key, words in keys.items():
+        expect(words in parked.pop(key, "not parked"), f"parked for {words!r}: {parked.get(key)}")
+    expect(not parked, f"others are parked: {parked}")
+    expect(fleet.value("select count(*) from fleet.job where state = 2") == str(len(SAMPLES)),
+           "good neighbours are done")
+    expect(not list(here.iterdir()) and sorted(fleet.store.rglob("*")) == kept, "no file is left")
+    expect(count_processes() == 0, "no process is left")
+    shown = fleet.run("parked", "--reason", "not in the store", "--format", "csv").stdout
+    expect(shown.count("\n") == 2 and "missing" in shown, f"parked --reason: {shown}")
+    check_retry(fleet)
+
+
+def test_refused_values(server):
+    """Rows that PostgreSQL takes exception to park their recording alone."""
+    fleet = Fleet(server)
+    fleet.submit(*SAMPLES)
+    # What is wrong with the database itself parks nothing.
+    fleet.sql("alter table fleet.part_volumes rename to gone")
+    ended = fleet.run("work", "--once")
+    expect(ended.returncode == 2 and "does not exist" in ended.stderr, f"no table: {ended.stderr}")
+    expect(fleet.value("select count(*) from fleet.job where state = 0") == str(len(SAMPLES)),
+           "all are ready for others")
+    fleet.sql("alter table fleet.gone rename to part_volumes")
+    fleet.sql("alter table fleet.part_drives add check (serial <> 'Z4K002C9144')")
+    ended = fleet.run("work", "--once")
+    expect(ended.returncode == 1 and f"{len(SAMPLES) - 1} done, 1 parked" in ended.stderr,
+           f"refused values: {ended.stderr}")
+    parked = fleet.sql("select servers, reason from fleet.parked")
+    expect(len(parked) == 1 and parked[0][0] == "{NODE31}" and
+           parked[0][1].startswith("the database refuses its rows: "), f"parked: {parked}")
+    expect(fleet.value("select count(*) from fleet.server_state") == str(len(SAMPLES) - 1),
+           "its neighbours are written")
+
+
+def check_retry(fleet):
+    """A file that was lost is submitted again; another one is mended in the store."""
+    sample = ROOT / "samples" / "vroc"
+    key = fleet.value("select encode(o.key, 'hex') from fleet.server v join fleet.submission s"
+                      " on s.server = v.id join fleet.object o on o.id = s.object"
+                      " where v.name = 'vroc'")
+    path = fleet.store / key[:2] / f"{key}.zip"
+    content = path.read_bytes()
+    before = digest(fleet)
+    for heal in (lambda: fleet.submit(sample),
+                 lambda: (path.write_bytes(content), fleet.run("parked", "--reason", "content key",
+                                                               "--retry"),
+                          fleet.run("parked", "--reason", "not in the store", "--retry"))):
+        path.unlink()
+        fleet.run("reparse", "--server", "vroc")
+        fleet.work()
+        expect(fleet.value(f"select count(*) from fleet.parked where recording = '{key}'") == "1",
+               "what is lost is parked")
+        heal()
+        fleet.work()
+        expect(digest(fleet) == before, "what came back is done")
+    moved = fleet.store.with_name("moved")
+    fleet.store.rename(moved)
+    fleet.run("reparse", "--all")
+    ended = fleet.run("work", "--once")
+    expect(ended.returncode == 2 and "no store of recordings" in ended.stderr,
+           f"work without the store: {ended.stderr}")
+    expect(fleet.value("select count(*) from fleet.parked where reason like '%submit%'") == "1",
+           "nothing is parked for a store that is not there")
+    moved.rename(fleet.store)
+    fleet.work()
+    expect(digest(fleet) == before, "the store is there again")
+
+
+# --- workers that end ---
+
+def test_kills(server):
+    files = make_random(server, 40, 5, 1000)
+    calm, chaos = Fleet(server), Fleet(server)
+    for fleet in (calm, chaos):
+        fleet.submit(*files)
+    calm.work("--workers", "2")
+    draw = random.Random(7)
+    turn = kills = terminated = stopped = 0
+    asleep = []
+    team = chaos.start("work", "--once", "--workers", "2", "--batch", "16", "--lease", "1")
+    end = time.monotonic() + 60
+    while team.poll() is None and time.monotonic() < end:
+        time.sleep(draw.uniform(0.02, 0.12))
+        children = subprocess.run(["pgrep", "-P", str(team.pid)], capture_output=True,
+                                  text=True).stdout.split()
+        for pid, since in list(asleep):
+            if time.monotonic() - since > 2:
+                with contextlib.suppress(ProcessLookupError):
+                    os.kill(pid, signal.SIGCONT)
+                asleep.remove((pid, since))
+        if not children or kills >= 12:
+            continue
+        chosen, turn = int(draw.choice(children)), turn + 1
+        with contextlib.suppress(ProcessLookupError):
+            if turn % 4 < 2:
+                os.kill(chosen, signal.SIGKILL)
+                kills += 1
+            elif turn % 4 == 2 and not asleep:
+                os.kill(chosen, signal.SIGSTOP)
+                asleep.append((chosen, time.monotonic()))
+                stopped += 1
+            else:
+                terminated += len(chaos.sql(
+                    "select pg_terminate_backend(pid) from pg_stat_activity where datname ="
+                    " current_database() and application_name = 'pqfleet work' limit 1"))
+    team.communicate(timeout=60)
+    expect(kills >= 5, f"{kills} kills of workers are too few to tell")
+    print(f"kill -9 of workers {kills}, of their backends {terminated}, stopped {stopped}")
+    # Who was asleep may have been the last one.
+    chaos.work("--lease", "1")
+    expect(not differences(digest(calm), digest(chaos)),
+           f"lost or doubled: {differences(digest(calm), digest(chaos))}")
+    expect(count_processes() == 0, "no process is left")
+
+
+def test_fence(server):
+    fleet = Fleet(server)
+    fleet.submit(*make_random(server, 40, 5, 1000))
+    team = fleet.start("work", "--once")
+    stolen = []
+    for _ in range(500):
+        time.sleep(0.01)
+        worker = subprocess.run(["pgrep", "-P", str(team.pid)], capture_output=True,
+                                text=True).stdout.split()
+        if not worker:
+            continue
+        os.kill(int(worker[0]), signal.SIGSTOP)
+        # Another worker took over what this one is at, unless it writes that just now.
+        stolen = fleet.sql(
+            "update fleet.job set claim = -1, worker = 'other', lease = 'infinity' where object in"
+            " (select object from fleet.job where state = 1 for update skip locked)"
+            " returning object")
+        os.kill(int(worker[0]), signal.SIGCONT)
+        if stolen:
+            break
+    for _ in range(300):
+        time.sleep(0.05)
+        if fleet.value("select count(*) from fleet.job where state = 0") == "0":
+            break
+    team.send_signal(signal.SIGTERM)
+    team.communicate(timeout=60)
+    expect(stolen and fleet.value("select count(*) from fleet.job where state = 1 and claim = -1")
+           == str(len(stolen)), "what another worker has is left to it")
+    expect(fleet.value("select count(*) from fleet.result r join fleet.job using (object)"
+                       " where state = 1") == "0", "and nothing is written of it")
+    fleet.sql("update fleet.job set lease = now() where state = 1")
+    fleet.work()
+    expect(fleet.value("select count(*) from fleet.job where state = 2 and claim is null")
+           == fleet.value("select count(*) from fleet.object"), "all are done in the end")
+
+
+def test_end_request(server):
+    fleet = Fleet(server)
+    fleet.submit(*make_random(server, 40, 5, 1000))
+    team = fleet.start("work", "--workers", "2")
+    for _ in range(200):
+        time.sleep(0.02)
+        if fleet.value("select count(*) from fleet.job where state = 2") != "0":
+            break
+    team.send_signal(signal.SIGTERM)
+    begin = time.monotonic()
+    team.communicate(timeout=60)
+    expect(team.returncode == 0 and time.monotonic() - begin < 5, "it ends when it is asked to")
+    expect(fleet.value("select count(*) from fleet.job where state = 1") == "0",
+           "what was not begun is ready for others")
+    expect(count_processes() == 0, "no process is left")
+    server.stop("immediate")
+    team = fleet.start("work", "--once")
+    expect(team.wait(timeout=20) == 2, "no database: wrong use")
+    server.start()
+    team = fleet.start("work", "--workers", "2", "--batch", "16")
+    time.sleep(0.1)
+    server.stop("immediate")
+    server.start()
+    for _ in range(300):
+        time.sleep(0.05)
+        if fleet.value("select count(*) from fleet.job where state < 2") == "0":
+            break
+    team.send_signal(signal.SIGTERM)
+    team.communicate(timeout=60)
+    other = Fleet(server)
+    other.submit(*make_random(server, 40, 5, 1000))
+    other.work("--workers", "2")
+    expect(not differences(digest(fleet), digest(other)), "PostgreSQL killed: nothing is lost")
+
+
+# --- nights ---
+
+def test_order(server):
+    files = make_random(server, 15, 6, 2000)
+    ordered, shuffled = Fleet(server), Fleet(server)
+    for night in range(6):
+        ordered.submit(*files[night::6])
+        ordered.work()
+    draw = random.Random(11)
+    rest = list(files)
+    draw.shuffle(rest)
+    for begin in range(0, len(rest), 30):
+        shuffled.submit(*rest[begin:begin + 30])
+        shuffled.work("--workers", "2")
+    expect(not differences(digest(ordered), digest(shuffled)),
+           f"the order of nights counts: {differences(digest(ordered), digest(shuffled))}")
+    distinct = ordered.value("select count(*) from fleet.object")
+    expect(distinct == str(15 * 4), f"the same content is kept once: {distinct}")
+    history = ordered.value("select count(*) from fleet.verdict_history")
+    expect(history == str(15 * 6), f"each night has a verdict: {history}")
+    newest = ordered.value("select count(*) from fleet.verdict_now where taken ="
+                           " '2026-01-06 00:00:00+00'")
+    expect(newest == "15", f"the newest night shows: {newest}")
+
+
+    server_of = "srv-2003"
+    ended = ordered.run("history", server_of, "--part", "drives", "--format", "json")
+    rows = json.loads(ended.stdout)["tables"][0]["rows"]
+    expected = []
+    for night, path in enumerate(files[18:24]):
+        collected = json.loads(subprocess.run([PQHOST, "collect", "--replay", path, "--format",
+                                               "json"], capture_output=True, text=True).stdout)
+        expected += [{"taken": f"2026-01-0{night + 1} 00:00:00", **part}
+                     for part in collected["parts"]["drives"]]
+    expect(ended.returncode == 0 and rows == expected and rows, f"history: {ended.stderr}")
+    since = ordered.run("history", server_of, "--class", "ARPINFO", "--since", "2026-01-04",
+                        "--format", "csv").stdout
+    expect("2026-01-04" in since and "2026-01-03" not in since, "history --since")
+    for words in (["history", server_of], ["history", server_of, "--part", "x"],
+                  ["history", "nobody", "--part", "drives"],
+                  ["history", server_of, "--part", "drives", "--since", "x"], ["export"],
+                  ["export", "--part", "x"], ["export", "--all", "--since", "x"]):
+        ended = ordered.run(*words)
+        expect(ended.returncode == 2 and ended.stderr.count("\n") == 1, f"{words} {ended.stderr}")
+    lines = ordered.run("export", "--part", "drives", "--part", "findings").stdout.splitlines()
+    counted = ordered.value("select (select count(*) from fleet.drives)"
+                            " + (select count(*) from fleet.findings)")
+    expect(str(len(lines)) == counted and counted != "0", f"export: {len(lines)} of {counted}")
+    texts = [json.loads(line) for line in lines]
+    drives = sorted(json.dumps(row) for row in texts if row.pop("view") == "drives"
+                    and row.pop("taken"))
+    listed = sorted(json.dumps(json.loads(row[0])) for row in ordered.sql(
+        "select row_to_json(d) from fleet.drives d"))
+    expect(drives == listed, "export has the rows of the view")
+    expect(ordered.run("export", "--all", "--since", "2026-01-07").stdout == "", "export --since")
+
+
+def test_clocks(server):
+    fleet = Fleet(server)
+    files = make_random(server, 1, 2, 3000)
+    future = pathlib.Path(server.folder) / "future.zip"
+    with zipfile.ZipFile(files[0]) as old, zipfile.ZipFile(future, "w") as new:
+        for entry in old.infolist():
+            text = old.read(entry)
+            if entry.filename == "submission.json":
+                text = text.replace(b"2026-01-01", b"2099-01-01")
+            new.writestr(entry.filename, text)
+    ended = fleet.run("submit", future)
+    expect(ended.returncode == 0, f"a clock that is ahead: {ended.stdout}{ended.stderr}")
+    row = fleet.sql("select note, taken <= now() from fleet.submission")[0]
+    expect(row[0].startswith("the clock was ahead: 2099-01-01") and row[1] == "t", f"flag: {row}")
+    expect(fleet.run("submit", future).stdout.startswith("known"), "it is known by its flag")
+    fleet.work()
+    fleet.sql("update fleet.submission set taken = '2026-01-01', received = '2026-01-01'")
+    fleet.submit(files[1])
+    fleet.work()
+    expect(fleet.value("select count(*) from fleet.verdict_now where note is null") == "1",
+           "a later night is not held up")
+    expect(fleet.query("select server from silent").stdout.count("\n") == 1, "nobody is silent")
+    fleet.sql("update fleet.submission set received = now() - interval '3 days'")
+    expect("srv-3000" in fleet.query("select server from silent").stdout, "a silent server")
+
+
+def test_first_time(server):
+    """Content is judged as of when it was first seen, whichever submission comes first."""
+    sample = ROOT / "samples" / "amt-desktop"
+    files = {str(path.relative_to(sample)): path.read_bytes()
+             for path in sorted(sample.rglob("*")) if path.is_file()}
+    nights = []
+    for night in ("2022-06-03", "2026-06-03"):
+        told = {"format": 1, "name": "one", "recordedAt": f"{night}T00:00:00Z"}
+        nights.append(pathlib.Path(server.folder) / f"{night}.zip")
+        nights[-1].write_bytes(zip_bytes({**files, "submission.json": json.dumps(told)}))
+    verdicts = []
+    for order in (nights, nights[::-1]):
+        fleet = Fleet(server)
+        for file in order:
+            fleet.submit(file)
+            fleet.work()
+        verdicts.append(fleet.sql("select server, verdict from fleet.verdict_now order by 1"))
+    expect(verdicts[0] == verdicts[1] == [["one", "critical"]],
+           f"the order of submissions counts: {verdicts}")
+
+
+# --- what goes, and what is made anew ---
+
+def list_store(fleet):
+    return sorted(path.stem for path in fleet.store.rglob("*.zip"))
+
+
+def list_objects(fleet):
+    return [row[0] for row in fleet.sql("select encode(key, 'hex') from fleet.object order by 1")]
+
+
+def test_removal(server):
+    files = make_random(server, 6, 6, 2000)
+    fleet, other = Fleet(server), Fleet(server)
+    fleet.submit(*files, ROOT / "samples" / "vroc")
+    # Of the same content as the first server's.
+    fleet.run("submit", "--site", "berlin", "--server", "twin", *files[:6])
+    fleet.run("submit", "--site", "berlin", *files[:6])
+    fleet.work()
+    ended = fleet.run("forget", "srv-2000")
+    expect(ended.returncode == 2 and "name its --site" in ended.stderr, f"two: {ended.stderr}")
+    ended = fleet.run("forget", "srv-2000", "--site", "default")
+    expect(ended.stdout == "forgot 1 server, 6 submissions, 0 recordings\n", f"{ended.stdout}")
+    ended = fleet.run("forget", "--whole-site", "berlin")
+    expect(ended.stdout == "forgot 2 servers, 12 submissions, 4 recordings\n", f"{ended.stdout}")
+    for words in (["forget", "srv-2000"], ["forget", "--whole-site", "x"], ["forget"], ["expire"]):
+        expect(fleet.run(*words).returncode == 2, f"{words}")
+    expect(list_store(fleet) == list_objects(fleet), "the store has what is known, no more")
+    other.submit(*files[6:], ROOT / "samples" / "vroc")
+    other.work()
+    expect(not differences(digest(fleet), digest(other)), "nothing is left of who was forgotten")
+    # A run that was ended before it came to the store.
+    key = list_objects(fleet)[0]
+    stray = "ab" * 32
+    path = fleet.store / stray[:2] / f"{stray}.zip"
+    path.parent.mkdir(exist_ok=True)
+    path.write_bytes(b"x")
+    fleet.sql(f"insert into fleet.removal values ('\\x{stray}'), ('\\x{key}')")
+    ended = fleet.run("expire", "--older-than", "36500")
+    expect(ended.stdout == "removed 0 submissions, 0 recordings\n", f"{ended.stdout}")
+    expect(list_store(fleet) == list_objects(fleet), "what was left over goes, what is known stays")
+    ended = fleet.run("expire", "--older-than", "1")
+    # Of night 5 and what is the same as in it only night 5 is left.
+    expect(ended.stdout == "removed 25 submissions, 15 recordings\n", f"{ended.stdout}")
+    expect(list_store(fleet) == list_objects(fleet), "old ones are out of the store")
+    expect(fleet.value("select count(*) from fleet.verdict_now") == "6", "the newest ones stay")
+
+
+def test_rebuild(server):
+    fleet = Fleet(server)
+    fleet.submit(*make_random(server, 15, 6, 2000))
+    place(fleet, "missing", None, "missing")
+    fleet.work()
+    before = digest(fleet)
+    ended = fleet.run("rebuild")
+    expect(ended.stdout == "61 recordings ready\n", f"{ended.stdout}{ended.stderr}")
+    expect(fleet.value("select count(*) from fleet.verdict_now") == "0", "nothing is known")
+    fleet.work("--workers", "2")
+    expect(not differences(before, digest(fleet)), "all is as before")
+    check_metrics(fleet)
+
+
+def check_metrics(fleet):
+    file = pathlib.Path(fleet.server.folder) / "pqfleet.prom"
+    fleet.run("metrics", "--output", file)
+    lines = file.read_text().splitlines()
+    for line in ('pqfleet_recordings{state="done"} 60', 'pqfleet_recordings{state="parked"} 1',
+                 "pqfleet_servers 16", "pqfleet_silent_servers 0",
+                 "pqfleet_oldest_waiting_seconds 0"):
+        expect(line in lines, f"metrics without {line}")
+    promtool = ROOT / "build" / "tools" / "promtool"
+    if promtool.exists():
+        ended = subprocess.run([promtool, "check", "metrics"], input=file.read_bytes(),
+                               capture_output=True)
+        expect(not ended.stderr + ended.stdout and ended.returncode == 0,
+               f"promtool: {ended.stderr}{ended.stdout}")
+
+
+# --- who may do what ---
+
+def test_roles(server):
+    fleet = Fleet(server)
+    for who in ("door", "worker", "reader"):
+        fleet.sql(f"do $$ begin create role the_{who} login; exception when duplicate_object"
+                  f" then null; end $$")
+        fleet.sql(f"grant fleet_{who} to the_{who}")
+    sample = ROOT / "samples" / "two-socket-server"
+    ended = fleet.run("submit", sample, user="the_door")
+    expect(ended.returncode == 0, f"the door submits: {ended.stdout}{ended.stderr}")
+    ended = fleet.run("work", "--once", user="the_worker")
+    expect(ended.returncode == 0, f"the worker works: {ended.stderr}")
+    ended = fleet.run("submit", sample, "--server", "again", user="the_door")
+    expect(ended.returncode == 0, f"the door submits again: {ended.stderr}")
+    fleet.run("reparse", "--all")
+    ended = fleet.run("work", "--once", user="the_worker")
+    expect(ended.returncode == 0, f"the worker writes again: {ended.stderr}")
+    ended = fleet.query("select count(*) from drives", user="the_reader")
+    expect(ended.returncode == 0, f"the reader asks: {ended.stderr}")
+    for who, command in (("the_door", ["query", "select 1"]), ("the_reader", ["work", "--once"]),
+                         ("the_reader", ["submit", sample]), ("the_worker", ["query", "select 1"])):
+        ended = fleet.run(*command, user=who)
+        expect(ended.returncode == 1 and "permission denied" in ended.stderr + ended.stdout,
+               f"{who} {command[0]}: {ended.returncode} {ended.stderr}")
+
+
+# --- builds whose readers differ ---
+
+def test_upgrade(server):
+    fleet = Fleet(server)
+    fleet.submit(*SAMPLES)
+    fleet.work()
+    before = digest(fleet)
+    # As a former build would have left it.
+    fleet.sql("update fleet.parser set version = '0.0.9+former'")
+    fleet.sql("alter table fleet.part_drives drop column media_errors cascade")
+    fleet.sql("drop table fleet.class_pdlist")
+    fleet.sql("update fleet.server_state set rows = ''")
+    fleet.sql("; ".join(f"delete from fleet.{table}" for table in fleet.tables
+                        if table != "class_pdlist"))
+    ended = fleet.run("work", "--once")
+    expect(ended.returncode == 2 and "init --upgrade" in ended.stderr, f"former: {ended.stderr}")
+    ended = fleet.run("init", "--upgrade")
+    expect(ended.returncode == 0 and "new column media_errors of part_drives" in ended.stdout and
+           "new table class_pdlist" in ended.stdout, f"upgrade: {ended.stdout}{ended.stderr}")
+    fleet.run("reparse", "--all")
+    fleet.work()
+    expect(not differences(before, digest(fleet)), "after an upgrade all is made again")
+    expect(fleet.value("select count(distinct parser) from fleet.result") == "1", "all anew")
+
+
+TESTS = {name.removeprefix("test_"): function for name, function in list(globals().items())
+         if name.startswith("test_")}
+
+if __name__ == "__main__":
+    with PrivatePostgres() as postgres:
+        for test in sys.argv[2:] or TESTS:
+            start = time.monotonic()
+            try:
+                TESTS[test](postgres)
+            except Exception as error:  # What one test meets, the others do without.
+                expect(False, f"{test}: {type(error).__name__} {error}")
+            print(f"{test}: {time.monotonic() - start:.1f} s")
+    sys.exit(tally.end())
