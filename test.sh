@@ -27,25 +27,31 @@ passed=0
 failed=0
 failures=()
 
+TIMEFORMAT='%R %U %S'
+
 count() {  # NAME PASSED FAILED
+  local elapsed user system
   passed=$((passed + $2))
   failed=$((failed + $3))
   [[ $3 -eq 0 ]] || failures+=("$1")
-  printf '%-28s %6d passed %4d failed %5ds\n' "$1" "$2" "$3" "$SECONDS"
+  read -r elapsed user system <"build/logs/$1.time"
+  printf '%-28s %6d passed %4d failed %5.0f s, %5.0f s of processor\n' \
+    "$1" "$2" "$3" "$elapsed" "$((${user%.*} + ${system%.*}))"
 }
 
 # A step that either holds or does not.
 check() {  # NAME COMMAND...
-  local name=$1
+  local name=$1 status=0
   shift
-  if "$@"; then count "$name" 1 0; else count "$name" 0 1; fi
+  { time "$@" 2>&3; } 3>&2 2>"build/logs/$name.time" || status=$?
+  if [[ $status -eq 0 ]]; then count "$name" 1 0; else count "$name" 0 1; fi
 }
 
 # A command that ends with "N passed, N failed"; counted once it has ended.
 run() {  # NAME COMMAND...
   local name=$1
   shift
-  "$@" >"build/logs/$name.log" 2>&1
+  { time "$@" >"build/logs/$name.log" 2>&1; } 2>"build/logs/$name.time"
   echo $? >"build/logs/$name.status"
 }
 
@@ -63,6 +69,12 @@ counted() {  # NAME
   [[ $status -eq 0 ]] || { grep -E -B 30 '^\[  FAILED|FAILED|failed' "$log" || cat "$log"; } | tail -n 80
 }
 
+# One that runs beside others, once it has ended.
+held() {  # NAME
+  if [[ $(cat "build/logs/$1.status") -eq 0 ]]; then count "$1" 1 0; else count "$1" 0 1; fi
+  cat "build/logs/$1.log"
+}
+
 # Wine mostly waits, so it starts as soon as it can, and all else works in the time that it leaves.
 check "build native" scripts/build.sh native all pq_tests_by_room
 check "build windows" scripts/build.sh windows
@@ -70,8 +82,7 @@ run windows scripts/wine_tests.sh &
 run packages nice scripts/package_tests.sh &
 check "build asan" nice scripts/build.sh asan
 check "build tsan" nice scripts/build.sh tsan pq_tests_threads
-nice scripts/lint.sh >build/logs/lint.log 2>&1 &
-lint=$!
+run lint nice scripts/lint.sh &
 
 PQ_REPETITIONS=1000 run native scripts/gtest.sh build/native/bin/pq_tests
 run state scripts/check_state.sh
@@ -87,11 +98,9 @@ run verdicts scripts/judge_folder.sh samples/*
 for name in native state binaries asan tsan browser metrics fleet fuzz verdicts; do counted "$name"; done
 check schema scripts/check_schema.sh build/native/bin/pqhost
 check format scripts/format.sh
-check lint wait "$lint"
-cat build/logs/lint.log
 wait
-counted windows
-counted packages
+held lint
+for name in windows packages; do counted "$name"; done
 
 [[ ${#failures[@]} -eq 0 ]] || echo "Failed: ${failures[*]}"
 echo "$passed passed, $failed failed"
