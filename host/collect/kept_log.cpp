@@ -2,33 +2,44 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
+
+#include "host/files/gzip.h"
 
 namespace host {
 namespace {
 
 constexpr std::size_t kPieceSize = 1 << 20;
 
+std::string Pack(const std::string& piece) {
+  GzipStream stream(std::numeric_limits<std::size_t>::max(), GzipEffort::kLeast);
+  stream << piece;
+  return stream.Take();
+}
+
 }  // namespace
 
 void KeptLog::Add(const LogLine& line) {
   const Head head{line.text.size(), line.line, NumberFile(line.file),
                   static_cast<std::uint16_t>(line.level)};
-  const std::size_t size = sizeof(head) + line.text.size();
-  if (pieces.empty() || pieces.back().capacity() - pieces.back().size() < size) {
-    pieces.emplace_back().reserve(std::max(kPieceSize, size));
+  if (last.size() > kPieceSize) {
+    packed.push_back(Pack(last));
+    last.clear();
   }
-  std::vector<char>& piece = pieces.back();
-  const auto* bytes = reinterpret_cast<const char*>(&head);
-  piece.insert(piece.end(), bytes, bytes + sizeof(head));
-  piece.insert(piece.end(), line.text.begin(), line.text.end());
+  last.append(reinterpret_cast<const char*>(&head), sizeof(head));
+  last += line.text;
   ++count;
 }
 
-KeptLog::Line KeptLog::ReadLine(const std::vector<char>& piece, std::size_t& at) const {
+std::string KeptLog::Unpack(const std::string& piece) {
+  return UnpackGzip(piece, std::numeric_limits<std::size_t>::max());
+}
+
+KeptLog::Line KeptLog::TakeLine(std::string_view& piece) const {
   Head head;
-  std::memcpy(&head, piece.data() + at, sizeof(head));
-  const std::string_view text(piece.data() + at + sizeof(head), head.size);
-  at += sizeof(head) + head.size;
+  std::memcpy(&head, piece.data(), sizeof(head));
+  const std::string_view text = piece.substr(sizeof(head), head.size);
+  piece.remove_prefix(sizeof(head) + head.size);
   return {head.level, files[head.file], head.line, text};
 }
 

@@ -1,5 +1,5 @@
-// The log of a collection, in little more memory than its texts: what tools print is logged line by
-// line and, in places, word by word.
+// The log of a collection. What tools print is logged line by line and, in places, word by word, which
+// is many times what they printed: a long log is packed.
 #pragma once
 
 #include <cstddef>
@@ -15,7 +15,7 @@ namespace host {
 
 class KeptLog {
  public:
-  /// A line; its texts are valid as long as the log.
+  /// A line; its text is valid for the call that is given it.
   struct Line {
     unsigned level;
     std::string_view file;
@@ -29,9 +29,8 @@ class KeptLog {
   /// Calls take(Line) for each, in the order in which they came.
   template <typename Take>
   void ForEach(const Take& take) const {
-    for (const std::vector<char>& piece : pieces) {
-      for (std::size_t at = 0; at < piece.size();) take(ReadLine(piece, at));
-    }
+    for (const std::string& piece : packed) TakeLines(Unpack(piece), take);
+    TakeLines(last, take);
   }
 
  private:
@@ -42,12 +41,18 @@ class KeptLog {
     std::uint16_t level;
   };
 
-  /// Moves `at` on to the next line.
-  Line ReadLine(const std::vector<char>& piece, std::size_t& at) const;
+  template <typename Take>
+  void TakeLines(std::string_view piece, const Take& take) const {
+    while (!piece.empty()) take(TakeLine(piece));
+  }
+
+  static std::string Unpack(const std::string& piece);
+  Line TakeLine(std::string_view& piece) const;
   std::uint16_t NumberFile(const std::string& file);
 
-  std::deque<std::vector<char>> pieces;  ///< each of the memory that it was given first
-  std::deque<std::string> files;         ///< a few: one for each module
+  std::vector<std::string> packed;  ///< all pieces but the last
+  std::string last;
+  std::deque<std::string> files;  ///< a few: one for each module
   std::size_t count = 0;
 };
 

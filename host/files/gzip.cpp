@@ -19,10 +19,10 @@ constexpr int kAsGzip = MAX_WBITS + 16;
 
 class GzipStream::Buffer final : public std::streambuf {
  public:
-  explicit Buffer(std::size_t most) : most(most) {
+  Buffer(std::size_t most, GzipEffort effort) : most(most) {
     constexpr int kMemory = 8;  // zlib's own
-    if (deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kAsGzip, kMemory,
-                     Z_DEFAULT_STRATEGY) != Z_OK) {
+    const int level = effort == GzipEffort::kLeast ? Z_BEST_SPEED : Z_DEFAULT_COMPRESSION;
+    if (deflateInit2(&stream, level, Z_DEFLATED, kAsGzip, kMemory, Z_DEFAULT_STRATEGY) != Z_OK) {
       throw std::bad_alloc();
     }
     setp(input.data(), input.data() + input.size());
@@ -74,8 +74,8 @@ class GzipStream::Buffer final : public std::streambuf {
   bool isTooLarge = false;
 };
 
-GzipStream::GzipStream(std::size_t most)
-    : std::ostream(nullptr), buffer(std::make_unique<Buffer>(most)) {
+GzipStream::GzipStream(std::size_t most, GzipEffort effort)
+    : std::ostream(nullptr), buffer(std::make_unique<Buffer>(most, effort)) {
   rdbuf(buffer.get());
 }
 

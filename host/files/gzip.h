@@ -9,11 +9,16 @@
 
 namespace host {
 
+enum class GzipEffort {
+  kUsual,
+  kLeast,  ///< many times as fast
+};
+
 /// Packs what is written to it. The same bytes give the same packed ones.
 class GzipStream final : public std::ostream {
  public:
   /// Nothing more than `most` packed bytes is kept.
-  explicit GzipStream(std::size_t most);
+  explicit GzipStream(std::size_t most, GzipEffort effort = GzipEffort::kUsual);
   GzipStream(const GzipStream&) = delete;
   GzipStream& operator=(const GzipStream&) = delete;
   ~GzipStream() override;

@@ -36,7 +36,9 @@ constexpr Room kRooms[] = {
     {"recorded", "frame text"},
     {"secrets", "recorded text"},
     {"recording", "recorded secrets files text frame"},
-    {"collect", "recorded catalogue secrets text repository logger frame interfaces pqmodules"},
+    // Of files only how a long log is packed.
+    {"collect",
+     "recorded catalogue secrets files text repository logger frame interfaces pqmodules"},
     // Rules are asked in SQL, and their answers, like a collection, are a database.
     {"database", "collect catalogue files text repository logger"},
     {"answers", "collect database catalogue secrets text"},
