@@ -42,14 +42,17 @@ examine() {  # TARGET; its report, begun with "ok" or "bad", goes to a file
   local program=build/asan/bin/$target found=$PWD/build/fuzz/found/$target
   local grown=build/fuzz/grown/$target log=build/fuzz/$target.log
   local before status=0 runs seeds
+  local dictionary=build/fuzz/$target.dict words=()
   mkdir -p "$found" "$grown"
+  scripts/fuzz_dictionary.py "$target" >"$dictionary"
+  [[ ! -s $dictionary ]] || words=(-dict="$dictionary")
   before=$(ls "$found" | wc -l)
   # libFuzzer takes files for inputs and folders for corpora.
   seeds=(fuzz/corpus/"$target"/*)
   "$program" -artifact_prefix="$found/" "${seeds[@]}" >"$log" 2>&1 || status=$?
   if [[ $status -eq 0 ]]; then
     "$program" -artifact_prefix="$found/" -max_total_time="$seconds" -timeout=25 -rss_limit_mb=2560 \
-      -print_final_stats=1 "$grown" "fuzz/corpus/$target" >>"$log" 2>&1 || status=$?
+      -print_final_stats=1 "${words[@]}" "$grown" "fuzz/corpus/$target" >>"$log" 2>&1 || status=$?
   fi
   if [[ $status -eq 0 ]]; then
     runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log" | tail -n 1)
