@@ -131,6 +131,14 @@ TEST(Health, TellsWhereItsEvidenceIs) {
   EXPECT_EQ(GetHit(health, "lsi.event").place, parts.events[0].readAt);
 }
 
+TEST(Health, ShowsTheLastEntryOfTheLogThatIsMeant) {
+  Parts parts;
+  AddOtherEvent(parts, "SAS2", 1, "volume degraded", "").readAt = {"SAS2LOG", 1, "log", 5, "sas2"};
+  AddOtherEvent(parts, "SAS2", 0, "started", "");
+  AddOtherEvent(parts, "Microchip", 3, "cable lost");
+  EXPECT_EQ(GetHit(Judge(parts), "sas2.event").place.line, 5);
+}
+
 TEST(Health, DoesNotDependOnTheOrderOfParts) {
   const Parts parts = MakeTroubledParts();
   const std::vector<std::string> expected = ListFindings(Judge(parts));
