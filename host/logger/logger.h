@@ -34,7 +34,7 @@ class LOGGER_API LogSinkInUse {
 
  private:
   std::function<void(const LogLine&)> sink;
-  std::exception_ptr failure;
+  mutable std::exception_ptr failure;  ///< also of a constant object
   LogSinkInUse* before;
 };
 
