@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# Builds and tests everything: native, sanitizers, Windows under Wine, how binaries are guarded,
-# packages, fuzz corpora, the report in a browser, metrics in promtool, pqfleet on a PostgreSQL of its
-# own, the JSON schema, formatting and lint. A step's whole output is left in build/logs.
+# Builds and tests everything: native, sanitizers, Windows under Wine, the plug-in by the production
+# host's compiler family, how binaries are guarded, packages, fuzz corpora, the report in a browser,
+# metrics in promtool, pqfleet on a PostgreSQL of its own, the JSON schema, formatting and lint. A
+# step's whole output is left in build/logs.
 # Ends with one line that counts over all of them.
 #   ./test.sh                  everything
 #   ./test.sh ROOM [FILTER]    only what the native tests of one folder of tests/ need and do, in
@@ -87,6 +88,7 @@ run lint nice scripts/lint.sh &
 PQ_REPETITIONS=1000 run native scripts/gtest.sh build/native/bin/pq_tests
 run state scripts/check_state.sh
 run binaries scripts/check_binaries.sh
+run msvc python3 scripts/check_msvc.py
 run asan scripts/gtest.sh build/asan/bin/pq_tests
 TSAN_OPTIONS=suppressions=tests/thread_sanitizer.supp \
   run tsan scripts/gtest.sh build/tsan/bin/pq_tests_threads
@@ -95,7 +97,7 @@ run metrics scripts/metrics_tests.sh
 run fleet scripts/fleet_tests.sh
 run fuzz scripts/fuzz.sh --replay
 run verdicts scripts/judge_folder.sh samples/*
-for name in native state binaries asan tsan browser metrics fleet fuzz verdicts; do counted "$name"; done
+for name in native state binaries msvc asan tsan browser metrics fleet fuzz verdicts; do counted "$name"; done
 check schema scripts/check_schema.sh build/native/bin/pqhost
 check format scripts/format.sh
 wait

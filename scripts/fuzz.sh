@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Looks for inputs that break a fuzz target.
 #   scripts/fuzz.sh MINUTES [TARGET]...   runs each target that long and prints what it found
-#   scripts/fuzz.sh --replay              runs every seed, then 10 seconds a target; ends with a count;
+#   scripts/fuzz.sh --replay              runs every seed, then 5 seconds a target; ends with a count;
 #                                         what is tried is the same every time
 # What is found lies in build/fuzz/found/TARGET/, new inputs worth keeping in build/fuzz/grown/TARGET/.
 set -uo pipefail
@@ -14,7 +14,7 @@ usage() {
 
 [[ $# -ge 1 ]] || usage
 if [[ $1 == --replay ]]; then
-  seconds=10
+  seconds=5
   chance=(-seed=1)
 elif [[ $1 =~ ^[0-9]+$ && $1 -gt 0 ]]; then
   seconds=$(($1 * 60))
@@ -45,15 +45,19 @@ examine() {  # TARGET; its report, begun with "ok" or "bad", goes to a file
   local program=build/asan/bin/$target found=$PWD/build/fuzz/found/$target
   local grown=build/fuzz/grown/$target log=build/fuzz/$target.log
   local before status=0 runs seeds
+  local dictionary=build/fuzz/$target.dict words=()
   [[ $replay != --replay ]] || grown=$(mktemp -d)
   mkdir -p "$found" "$grown"
+  scripts/fuzz_dictionary.py "$target" >"$dictionary"
+  [[ ! -s $dictionary ]] || words=(-dict="$dictionary")
   before=$(ls "$found" | wc -l)
   # libFuzzer takes files for inputs and folders for corpora.
   seeds=(fuzz/corpus/"$target"/*)
   "$program" -artifact_prefix="$found/" "${seeds[@]}" >"$log" 2>&1 || status=$?
   if [[ $status -eq 0 ]]; then
-    "$program" -artifact_prefix="$found/" "${chance[@]}" -max_total_time="$seconds" \
-      -timeout=25 -rss_limit_mb=2560 -print_final_stats=1 "$grown" "fuzz/corpus/$target" >>"$log" 2>&1 || status=$?
+    "$program" -artifact_prefix="$found/" "${chance[@]}" "${words[@]}" -max_total_time="$seconds" \
+      -timeout=25 -rss_limit_mb=2560 -print_final_stats=1 "$grown" "fuzz/corpus/$target" \
+      >>"$log" 2>&1 || status=$?
   fi
   [[ $replay != --replay ]] || rm -rf "$grown"
   if [[ $status -eq 0 ]]; then

@@ -23,6 +23,8 @@ fi
 if [[ $purpose == test ]]; then
   packages+=(
     clang libclang-rt-14-dev lld                  # fuzz targets; links what tests in seconds
+    libc++-14-dev libwine-dev                     # headers for the other compiler family
+    gcovr                                         # which lines the tests run
     clang-format clang-tidy
     libbenchmark-dev
     valgrind                                      # counts instructions in a test

@@ -58,6 +58,7 @@ void CollectionRun::EnumerateModule(const ModuleSelection& one, RRepository& rep
       listener.Enumerate(module.name, table);
       module.module->Tables().at(table).enumHandler(repository);
     }
+    if (logSink) logSink->RethrowFailure();
     if (!HasTable(collection, table)) {
       collection.tables.push_back({table, module.name, layout, nullptr, {}});
     }

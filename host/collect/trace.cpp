@@ -1,5 +1,7 @@
 #include "host/collect/trace.h"
 
+#include <new>
+
 #include "host/text/json_text.h"
 
 namespace host {
@@ -75,7 +77,14 @@ void TraceWriter::OnAttribute(std::uint64_t id, const std::string& propertyKey,
 
 void TraceWriter::OnAdd(std::uint64_t id) { Write(BeginEvent("add").AddNumber("id", id)); }
 
-void TraceWriter::OnRelease(std::uint64_t id) { Write(BeginEvent("release").AddNumber("id", id)); }
+void TraceWriter::OnRelease(std::uint64_t id) {
+  try {
+    Write(BeginEvent("release").AddNumber("id", id));
+  } catch (const std::bad_alloc&) {
+    // A destructor calls, out of which nothing can be thrown; whoever completes the file sees this.
+    out.setstate(std::ios::badbit);
+  }
+}
 
 JsonObject TraceWriter::BeginLayout(const char* call, const std::vector<std::string>& names) const {
   JsonObject event = BeginEvent("layout");

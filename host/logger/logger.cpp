@@ -1,6 +1,7 @@
 #include "host/logger/logger.h"
 
 #include <cstring>
+#include <new>
 #include <utility>
 
 #include "frame/logkit/log.h"
@@ -8,7 +9,7 @@
 namespace host {
 namespace {
 
-thread_local const LogSinkInUse* sinkInUse = nullptr;
+thread_local LogSinkInUse* sinkInUse = nullptr;
 thread_local const LogFolderInUse* folderInUse = nullptr;
 
 }  // namespace
@@ -17,6 +18,21 @@ LogSinkInUse::LogSinkInUse(std::function<void(const LogLine&)> given)
     : sink(std::move(given)), before(std::exchange(sinkInUse, this)) {}
 
 LogSinkInUse::~LogSinkInUse() { sinkInUse = before; }
+
+void LogSinkInUse::Take(unsigned level, const char* file, int line,
+                        std::ostringstream&& text) noexcept {
+  try {
+    // A stream for which there was no memory has cut the line, and only says so.
+    if (!text) throw std::bad_alloc();
+    sink({level, file, line, std::move(text).str()});
+  } catch (...) {
+    if (!failure) failure = std::current_exception();
+  }
+}
+
+void LogSinkInUse::RethrowFailure() {
+  if (failure) std::rethrow_exception(std::exchange(failure, nullptr));
+}
 
 LogFolderInUse::LogFolderInUse(std::string given, std::function<void()> heard)
     : folder(std::move(given)),
@@ -37,9 +53,7 @@ Log::Log(unsigned level, const char* file, int line) : level(level), file(file),
 }
 
 Log::~Log() {
-  if (host::sinkInUse != nullptr) {
-    host::sinkInUse->Take({level, file, line, std::move(stream).str()});
-  }
+  if (host::sinkInUse != nullptr) host::sinkInUse->Take(level, file, line, std::move(stream));
 }
 
 std::ostringstream& Log::Stream() { return stream; }

@@ -1,7 +1,9 @@
 // The host's side of the logger: where a thread's log lines go, and where its log folder is.
 #pragma once
 
+#include <exception>
 #include <functional>
+#include <sstream>
 #include <string>
 
 namespace host {
@@ -24,11 +26,16 @@ class LOGGER_API LogSinkInUse {
   LogSinkInUse& operator=(const LogSinkInUse&) = delete;
   ~LogSinkInUse();
 
-  void Take(const LogLine& line) const { sink(line); }
+  /// Hands a line on. What `sink` throws is kept: a line is written by a destructor, out of which
+  /// nothing can be thrown.
+  void Take(unsigned level, const char* file, int line, std::ostringstream&& text) noexcept;
+  /// Throws what the sink threw first, and forgets it. To be called after each step that logs.
+  void RethrowFailure();
 
  private:
   std::function<void(const LogLine&)> sink;
-  const LogSinkInUse* before;
+  mutable std::exception_ptr failure;  ///< also of a constant object
+  LogSinkInUse* before;
 };
 
 /// Sets the answer of LogKit::GetLogDir; a missing backslash at the end is added. `onAsked` hears

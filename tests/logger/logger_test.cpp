@@ -39,6 +39,26 @@ struct LogDir {
 /// A path of `length` characters that ends with a backslash.
 std::string PathOf(std::size_t length) { return "C:" + std::string(length - 3, 'p') + "\\"; }
 
+TEST(LogSink, ThrowsNothingOutOfALineButAsksItBackLater) {
+  LogSinkInUse sink([](const LogLine& line) { throw std::runtime_error(line.text); });
+  LogKit::Log(3, "file", 1).Stream() << "first";
+  LogKit::Log(3, "file", 2).Stream() << "second";
+  EXPECT_THAT([&] { sink.RethrowFailure(); }, testing::ThrowsMessage<std::runtime_error>("first"));
+  EXPECT_NO_THROW(sink.RethrowFailure());
+}
+
+TEST(LogSink, TakesNoLineThatWasCutForWantOfMemory) {
+  int taken = 0;
+  LogSinkInUse sink([&](const LogLine&) { ++taken; });
+  {
+    LogKit::Log log(3, "file", 1);
+    log.Stream() << "begun";
+    log.Stream().setstate(std::ios::badbit);  // as the stream itself does then
+  }
+  EXPECT_EQ(taken, 0);
+  EXPECT_THROW(sink.RethrowFailure(), std::bad_alloc);
+}
+
 TEST(Log, IsWrittenWhenItIsDestroyed) {
   const KeptLog log;
   {

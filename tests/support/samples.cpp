@@ -1,6 +1,7 @@
 #include "tests/support/samples.h"
 
 #include <filesystem>
+#include <new>
 #include <sstream>
 
 #include "host/collect/collect.h"
@@ -22,6 +23,7 @@ std::string CollectTrace(const host::Recording& recording) {
   std::ostringstream text;
   host::TraceWriter trace(text);
   host::Collect(recording, {}, trace);
+  if (!text) throw std::bad_alloc();  // the only reason for a stream in memory
   return std::move(text).str();
 }
 

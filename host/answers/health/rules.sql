@@ -909,8 +909,10 @@ FROM controllers c WHERE drives_defunct > 0;
 -- @next See that air gets to the card.
 -- @source arcconf's own word; check_lsi_raid
 SELECT CASE WHEN temperature >= setting('roc_critical') THEN 'critical' ELSE 'warning' END, id,
-       trim(coalesce(printf('%.1f C', temperature), '') || ' ' || coalesce(temperature_word, '')),
-       NULL, 'Cool controller ' || id || coalesce(printf(': %.1f °C', temperature), '')
+       trim(iif(temperature IS NULL, '', printf('%.1f C', temperature)) || ' ' ||
+            coalesce(temperature_word, '')),
+       NULL, 'Cool controller ' || id ||
+       iif(temperature IS NULL, '', printf(': %.1f °C', temperature))
 FROM controllers
 WHERE lower(temperature_word) NOT IN ('normal', 'not supported', 'not applicable', 'n/a', '')
       OR (vendor = 'LSI' AND temperature >= setting('roc_warning'));
@@ -967,8 +969,8 @@ WHERE NOT (n.part = 'volumes' AND EXISTS (SELECT 1 FROM volume_states v WHERE v.
 -- @next Look the code up in the controller's manual.
 -- @source MegaRAID event classes
 SELECT CASE WHEN max(e.level) >= 3 THEN 'critical' ELSE 'warning' END, e.part_id,
-       printf('%d x %s%s, last %s', count(*), coalesce(printf('0x%02x ', e.code), ''), e.text,
-              max(e.time)),
+       printf('%d x %s%s, last %s', count(*), iif(e.code IS NULL, '', printf('0x%02x ', e.code)),
+              e.text, max(e.time)),
        NULL, 'Look at ' || e.called || ': "' || e.text || '" on ' || max(e.time),
        e.part AS part, e.id AS event,
        CASE e.part WHEN 'drives' THEN 'drives' WHEN 'volumes' THEN 'arrays' ELSE 'controllers' END

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/answers/parts/collected_rows.h"
@@ -89,6 +90,37 @@ TEST(Health, JoinsHitsOfOneCause) {
                 "critical sel.event CPU1 Status", "warning sensor.threshold FAN1"}));
 }
 
+TEST(Health, NamesEveryPartThatMayBeTheCause) {
+  Parts parts;
+  AddController(parts).status = "Needs Attention";
+  AddCacheBackup(parts, "BBU", "Failed");
+  AddCacheBackup(parts, "CacheVault", "Failed");
+  EXPECT_EQ(GetHit(Judge(parts), "controller.status").because,
+            (std::vector<std::string>{"lsi0 BBU", "lsi0 CacheVault"}));
+}
+
+TEST(Health, SaysOfEachSourceWhetherSomethingOfItWasRead) {
+  const std::pair<const char*, void (*)(Parts&)> sources[] = {
+      {"lsi", [](Parts& p) { AddController(p); }},
+      {"microchip", [](Parts& p) { AddDrive(p, "mchp1 0,1", "Online"); }},
+      {"sensors", [](Parts& p) { AddSensor(p, "FAN1", 4, "ok"); }},
+      {"sel", [](Parts& p) { AddSelEvent(p, "CPU1 Status", 7, 0x6f, 1, true, kLongAgo); }},
+      {"amt", [](Parts& p) { AddOtherEvent(p, "AMT", 0, "entry", kLongAgo); }},
+      {"power supplies", [](Parts& p) { p.powerSupplies.emplace_back().id = "PSU 1"; }},
+      {"leds", [](Parts& p) { p.leds.emplace_back().id = "ID"; }},
+      {"self-test", [](Parts& p) { p.selfTests.emplace_back().id = "BMC self-test"; }},
+  };
+  for (const auto& [id, addPart] : sources) {
+    Parts parts;
+    AddSource(parts, id, "failed");
+    const std::string nothing = GetHit(Judge(parts), "collection.failed").text;
+    EXPECT_EQ(nothing.find("not all of"), std::string::npos) << nothing;
+    addPart(parts);
+    const std::string some = GetHit(Judge(parts), "collection.failed").text;
+    EXPECT_NE(some.find("not all of"), std::string::npos) << some;
+  }
+}
+
 TEST(Health, TellsWhereItsEvidenceIs) {
   Parts parts = MakeTroubledParts();
   NotePlace(parts.drives[2], "media_errors",
@@ -97,6 +129,14 @@ TEST(Health, TellsWhereItsEvidenceIs) {
   EXPECT_EQ(GetHit(health, "drive.media-errors").place.line, 77);
   EXPECT_EQ(GetHit(health, "drive.failed").place, parts.drives[1].readAt);
   EXPECT_EQ(GetHit(health, "lsi.event").place, parts.events[0].readAt);
+}
+
+TEST(Health, ShowsTheLastEntryOfTheLogThatIsMeant) {
+  Parts parts;
+  AddOtherEvent(parts, "SAS2", 1, "volume degraded", "").readAt = {"SAS2LOG", 1, "log", 5, "sas2"};
+  AddOtherEvent(parts, "SAS2", 0, "started", "");
+  AddOtherEvent(parts, "Microchip", 3, "cable lost");
+  EXPECT_EQ(GetHit(Judge(parts), "sas2.event").place.line, 5);
 }
 
 TEST(Health, DoesNotDependOnTheOrderOfParts) {

@@ -8,6 +8,7 @@
 #include "host/answers/health/built_in_rules.h"
 #include "host/answers/parts/report_lines.h"
 #include "tests/answers/health/judged.h"
+#include "tests/support/collected.h"
 
 namespace {
 
@@ -358,6 +359,33 @@ TEST(HealthRules, FireOnWhatTheyAreFor) {
     EXPECT_FALSE(hit->text.empty()) << one.rule;
     EXPECT_NE(hit->text, hit->id + ": " + hit->observed) << one.rule << " has no sentence";
   }
+}
+
+// Each rule, what it says of its first machine, and what was seen there. To be renewed with what
+// this prints, once somebody has read it.
+TEST(HealthRules, SayWhatTheySaid) {
+  std::string said;
+  for (const RuleCase& one : kCases) {
+    Parts parts;
+    one.fires(parts);
+    const host::Health health = Judge(parts);
+    const host::HealthHit& hit = GetHit(health, one.rule, one.id);
+    said += std::string(one.rule) + "\n  " + hit.text + "\n  " + hit.observed + "\n  " + hit.area +
+            ", " + hit.part + "\n";
+  }
+  EXPECT_EQ(said, TestData("health/sentences.txt"));
+}
+
+TEST(HealthRules, TellNoNumberThatIsNotKnown) {
+  Parts parts;
+  AddController(parts, "mchp1").temperatureWord = "Abnormal";
+  host::Event& event = AddLsiEvent(parts, 0xfff, "controllers", "lsi0");
+  event.level = 2;
+  event.code.reset();
+  const host::Health health = Judge(parts);
+  EXPECT_EQ(GetHit(health, "controller.hot").text, "Cool controller mchp1");
+  EXPECT_EQ(GetHit(health, "controller.hot").observed, "Abnormal");
+  EXPECT_EQ(GetHit(health, "lsi.event-class").observed, "1 x event 4095, last 2026-11-18T06:00:00");
 }
 
 TEST(HealthRules, AreSilentOtherwise) {

@@ -118,6 +118,23 @@ TEST(ReadLsi, ReadsGroupsWhereThereIsNoReport) {
   }
 }
 
+TEST(ReadLsi, MissesDrivesWithoutAPlaceWhereThereIsNoReport) {
+  Recording recording = LoadSample("two-socket-server");
+  Answer(recording, "/c0 show",
+         "TOPOLOGY :\n========\n\n"
+         "-----------------------------------------------------------------------------\n"
+         "DG Arr Row EID:Slot DID Type  State BT       Size PDC  PI SED DS3  FSpace TR\n"
+         "-----------------------------------------------------------------------------\n"
+         " 0 -   -   -        -   RAID1 Optl  N  446.625 GB dflt N  N   dflt N      N\n"
+         " 0 0   0   69:0     12  DRIVE Onln  N  446.625 GB dflt N  N   dflt -      N\n"
+         " 0 0   1   -        -   DRIVE Offln -  446.625 GB dflt N  N   dflt -      N\n"
+         "-----------------------------------------------------------------------------\n");
+  const Parts parts = ReadParts(recording, {"TINFO"});
+  ASSERT_EQ(parts.missingDrives.size(), 1U);
+  EXPECT_EQ(parts.missingDrives[0].id, "lsi0 g0 row 1");
+  EXPECT_EQ(parts.missingDrives[0].readAt.className, "TINFO");
+}
+
 TEST(ReadLsi, ReadsEventsWhereThereIsNoReport) {
   const Parts parts = ReadParts(LoadSample("two-socket-server"), {"EVENTLOG1", "PINFO"});
   const Parts whole = ReadParts(LoadSample("two-socket-server"), {"LSILINK"});
