@@ -20,7 +20,7 @@ namespace {
 ///   CPU0 Temp        |   47.00 | C | ok |     na |     na |     na |  85.00 |  92.00 | 100.00
 ///   0001 | Full | Temperature | 01 | P0 Temp | OK | 39.00 C | Thresh ... | Thu Mar  9 06:41:52
 ///   2023
-std::string FindReadingsMisfit(const TableBesideReport& table) {
+Misfit FindReadingsMisfit(const TableBesideReport& table) {
   Parts parts;
   SensorReader reader(parts);
   ReportLines lines(table.report);
@@ -44,38 +44,61 @@ std::string FindReadingsMisfit(const TableBesideReport& table) {
 /// A colon in a value ends it, and begins another fact:
 ///
 ///   Built              : 2021-11-03 16:48:05
-std::string FindFactsMisfit(const TableBesideReport& table, std::string_view prefix) {
+Misfit FindFactsMisfit(const TableBesideReport& table, std::string_view prefix) {
   if (table.rows.empty()) return {};
   const CollectedRow& row = table.rows.front();
-  ReportLines lines(table.report);
-  for (ReportLine line; lines.Next(line);) {
-    const auto fact = SplitLabel(line.text, ':');
-    if (!fact) continue;
-    for (int number = 1;; ++number) {
-      const std::string key = fmt::format("{}{}", prefix, number);
-      const std::string label = row.GetLabel(key);
-      if (label.empty()) break;
-      const std::string shown = row.Get(key);
-      if (label != fact->label || shown == fact->value) continue;
-      return TellOtherValue(label, shown, fact->value);
+  std::string first;
+  std::vector<std::string> labels;
+  for (int number = 1;; ++number) {
+    const std::string key = fmt::format("{}{}", prefix, number);
+    const std::string label = row.GetLabel(key);
+    if (label.empty()) break;
+    const std::string shown = row.Get(key);
+    bool isThere = false;
+    std::string other;
+    ReportLines lines(table.report);
+    for (ReportLine line; lines.Next(line);) {
+      const auto fact = SplitLabel(line.text, ':');
+      if (!fact || fact->label != label) continue;
+      isThere = isThere || shown == fact->value;
+      if (other.empty()) other = TellOtherValue(label, shown, fact->value);
+    }
+    if (isThere) continue;
+    labels.push_back(label);
+    if (first.empty()) first = other;
+  }
+  return {first, labels};
+}
+
+Misfit FindControllerMisfit(const TableBesideReport& table) { return FindFactsMisfit(table, "MC"); }
+Misfit FindNetworkMisfit(const TableBesideReport& table) { return FindFactsMisfit(table, "LAN"); }
+
+/// Words of a line without a colon become a label, and those of the next line its value.
+Misfit FindSelfTestMisfit(const TableBesideReport& table) {
+  if (table.rows.empty()) return {};
+  const CollectedRow& row = table.rows.front();
+  for (const char* key : {"self1", "self2"}) {
+    const std::string label = row.GetLabel(key);
+    const std::string shown = row.Get(key);
+    if (label.empty() || shown.empty()) continue;
+    ReportLine line;
+    for (ReportLines lines(table.report); lines.Next(line);) {
+      if (Trim(line.text) == label) return TellStranger(label, shown);
     }
   }
   return {};
 }
 
-std::string FindControllerMisfit(const TableBesideReport& table) {
-  return FindFactsMisfit(table, "MC");
-}
-std::string FindVersionsMisfit(const TableBesideReport& table) {
-  return FindFactsMisfit(table, "VER");
-}
+Misfit FindVersionsMisfit(const TableBesideReport& table) { return FindFactsMisfit(table, "VER"); }
 
 }  // namespace
 
 std::vector<ColumnCheck> ListBmcColumnChecks() {
   return {{"SENSORINFO", {}, {}, FindReadingsMisfit},
           {"MCINFO", {}, {}, FindControllerMisfit},
-          {"VERINFO", {}, {}, FindVersionsMisfit}};
+          {"VERINFO", {}, {}, FindVersionsMisfit},
+          {"LANINFO", {}, {}, FindNetworkMisfit},
+          {"SELFINFO", {}, {}, FindSelfTestMisfit}};
 }
 
 }  // namespace host

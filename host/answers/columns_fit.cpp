@@ -103,11 +103,12 @@ void NoteUnfitColumns(Collection& collection) {
       if (!left) left = FindPrintedReport(rows, table);
       const auto attached = FindAttachedReport(rows, check);
       if (!left && !attached) continue;
-      const std::string misfit = check.findMisfit(
+      const Misfit misfit = check.findMisfit(
           {table.className, rows.ListRows(table.className), (left ? left : attached)->text.View()});
-      if (misfit.empty()) continue;
+      if (misfit.text.empty()) continue;
+      table.status.unfitLabels = misfit.labels;
       table.status.notes.push_back(
-          fmt::format("columns do not fit this report: {}; the report itself: {}", misfit,
+          fmt::format("columns do not fit this report: {}; the report itself: {}", misfit.text,
                       (attached ? attached : left)->where));
       // The note tells, more closely, why there are none.
       if (table.status.outcome == "no rows in output") table.status.text = "no rows";

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "host/answers/parts/collected_rows.h"
@@ -24,14 +25,24 @@ struct TableBesideReport {
   std::string_view report;  ///< UTF-8
 };
 
+/// What does not fit.
+struct Misfit {
+  /// All cells may be of it.
+  Misfit(std::string text = {}) : text(std::move(text)) {}  // NOLINT(google-explicit-constructor)
+  Misfit(std::string text, std::vector<std::string> labels)
+      : text(std::move(text)), labels(std::move(labels)) {}
+
+  std::string text;                        ///< for people; empty when all fits
+  std::vector<std::string> labels = {""};  ///< as TableStatus::unfitLabels
+};
+
 struct ColumnCheck {
   std::string_view className;
   /// Class and property whose first row has the report whole; none where only the tool's file or
   /// its output has it.
   std::string_view attachmentClass;
   std::string_view attachmentKey;
-  /// What does not fit, for people; empty when all does.
-  std::string (*findMisfit)(const TableBesideReport& table);
+  Misfit (*findMisfit)(const TableBesideReport& table);
 };
 
 /// How a value that differs from the report's is told; long ones are cut.

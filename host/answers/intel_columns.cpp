@@ -112,7 +112,7 @@ class SectionComparison {
   bool hasOthers = false;
 };
 
-std::string FindIntelMisfit(const TableBesideReport& table) {
+Misfit FindIntelMisfit(const TableBesideReport& table) {
   const auto* known = std::find_if(std::begin(kTables), std::end(kTables), [&](const auto& one) {
     return one.className == table.className;
   });

@@ -120,7 +120,7 @@ class ListComparison {
   std::string firstLeftOut;
 };
 
-std::string FindListMisfit(const TableBesideReport& table) {
+Misfit FindListMisfit(const TableBesideReport& table) {
   const auto* const list =
       std::find_if(std::begin(kLists), std::end(kLists),
                    [&](const ListTitle& known) { return known.className == table.className; });
@@ -129,7 +129,7 @@ std::string FindListMisfit(const TableBesideReport& table) {
 
 /// Each value should be that of a line with its column's label, and of no longer one; products
 /// differ in the label's case.
-std::string FindSummaryMisfit(const TableBesideReport& table) {
+Misfit FindSummaryMisfit(const TableBesideReport& table) {
   std::map<std::string, std::vector<std::string>, std::less<>> facts;
   ReportLines lines(table.report);
   for (ReportLine line; lines.Next(line);) {
@@ -141,11 +141,11 @@ std::string FindSummaryMisfit(const TableBesideReport& table) {
   if (table.rows.empty()) {
     const bool isSummary = facts.contains(LowerCase(columns.front().label));
     const bool ends = facts.contains(LowerCase(columns.back().label));
-    return isSummary && !ends
-               ? fmt::format("it has no line \"{} =\", which ends a row", columns.back().label)
-               : "";
+    if (!isSummary || ends) return {};
+    return fmt::format("it has no line \"{} =\", which ends a row", columns.back().label);
   }
   std::vector<std::string> reasons;
+  std::vector<std::string> labels;
   std::vector<std::string> missing;
   for (const pq::ColumnDescription& column : columns) {
     const auto fact = facts.find(LowerCase(column.label));
@@ -157,24 +157,25 @@ std::string FindSummaryMisfit(const TableBesideReport& table) {
     const std::vector<std::string>& printed = fact->second;
     if (std::find(printed.begin(), printed.end(), shown) != printed.end()) continue;
     reasons.push_back(TellOtherValue(column.label, shown, printed.front()));
+    labels.push_back(column.label);
   }
-  // Of some products there is less to tell; where values are others, labels may be as well.
-  if (!reasons.empty() && !missing.empty()) {
+  // Nobody else tells why their cells are empty.
+  if (!missing.empty()) {
     reasons.push_back(fmt::format("it has no line {}", fmt::join(missing, ", ")));
   }
-  return JoinReasons(reasons);
+  return {JoinReasons(reasons), labels};
 }
 
 /// A log begins with a line of its own, or it is not taken for one.
-std::string FindTermLogMisfit(const TableBesideReport& table) {
+Misfit FindTermLogMisfit(const TableBesideReport& table) {
   if (!table.rows.empty() || Trim(table.report).empty()) return {};
   // What the tool says when it has no log is in lines like this one.
   if (table.report.find("Status = ") != std::string_view::npos) return {};
-  return "it has no line \"Firmware Term Log Information\"";
+  return Misfit("it has no line \"Firmware Term Log Information\"");
 }
 
 /// Every drive that has details should have a row.
-std::string FindDetailsMisfit(const TableBesideReport& table) {
+Misfit FindDetailsMisfit(const TableBesideReport& table) {
   std::size_t drives = 0;
   std::string last;
   ReportLines lines(table.report);
@@ -192,7 +193,7 @@ std::string FindDetailsMisfit(const TableBesideReport& table) {
 }
 
 /// Events of the tool's second generation begin with another label.
-std::string FindEventMisfit(const TableBesideReport& table) {
+Misfit FindEventMisfit(const TableBesideReport& table) {
   constexpr std::string_view kOtherStart = "Sequence Number";
   std::size_t events = 0;
   ReportLines lines(table.report);

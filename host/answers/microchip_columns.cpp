@@ -80,7 +80,7 @@ std::string TellOther(const OtherValue& other) {
   return TellStranger(other.label, other.shown);
 }
 
-std::string FindMicrochipMisfit(const TableBesideReport& table) {
+Misfit FindMicrochipMisfit(const TableBesideReport& table) {
   if (table.rows.empty()) return {};
   const CollectedRow& row = table.rows.front();
   const auto facts = ListFacts(table.report);

@@ -28,6 +28,8 @@ struct TableStatus {
   /// Of rows from files that were there before: since when, and why there are no newer ones. A note
   /// as well.
   std::string oldFiles = {};
+  /// Labels of cells that show something else than the report; "" for those of any. A note tells.
+  std::vector<std::string> unfitLabels = {};
 
   /// Whether an output was read for the table, with rows for it or without.
   bool IsOfAnOutput() const { return outcome == "rows" || outcome == "no rows in output"; }

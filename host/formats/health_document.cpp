@@ -70,11 +70,11 @@ what a tool printed, and says how much it leaves out; the parts have all of it.
 
 The object of a machine ([health.schema.json](health.schema.json)) has `verdict`, `exit`, `asOf`, `asOfFrom`,
 `counts` of findings by severity, `checked` (how many parts of each kind; burners and the like are `optical_drives`,
-and cache backups that are not there do not count), `sources`, and `findings`. A finding has `key` (the same in the
-next collection), `severity`, `area`, `part` and `id`, `serial`, `rule`, `observed`, `text` (a sentence for whoever
-has to act), `why`, `next` and `evidence`: its hits, each with the `place` where it was read. Each of `machines` has
-`machine` (the name of the recording's folder or file), `name`, `serial` and `recordedAt`, empty where not known, and
-its object as `health`.
+and missing drives and cache backups that are not there do not count), `sources`, and `findings`. A finding has `key`
+(the same in the next collection), `severity`, `area`, `part` and `id`, `serial`, `rule`, `observed`, `text` (a sentence
+for whoever has to act), `why`, `next` and `evidence`: its hits, each with the `place` where it was read. Each of
+`machines` has `machine` (the name of the recording's folder or file), `name`, `serial` and `recordedAt`, empty where
+not known, and its object as `health`.
 
 CSV begins with `machine`, `machine_name`, `machine_serial`, `verdict` and `as_of`; the columns of `findings` follow.
 Databases have both of these tables, as folders of CSV have both files:

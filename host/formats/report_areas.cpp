@@ -239,7 +239,7 @@ class AreaFinder {
   }
 
   std::string DescribeSelfTest() const {
-    if (parts.selfTests.empty()) return FormatCount(parts.leds.size(), "light");
+    if (parts.selfTests.empty()) return FormatCount(parts.leds.size(), "LED");
     const std::string& text = parts.selfTests.front().text;
     const std::size_t colon = text.find(':');
     return "self-test" + (colon == std::string::npos ? ": " + text : text.substr(colon));
@@ -288,7 +288,9 @@ class AreaFinder {
     if (!collection.problems.empty()) return collection.problems.front();
     std::vector<std::string> states;
     for (const PartSource& source : parts.sources) {
-      states.push_back(source.state == "none" ? "not there" : source.state);
+      states.push_back(source.state != "none" ? source.state
+                       : WasNotAsked(source)  ? "not asked"
+                                              : "not there");
     }
     return states.empty() ? "nothing asked" : "sources: " + CountWords(states);
   }

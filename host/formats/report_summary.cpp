@@ -164,7 +164,7 @@ class SummaryWriter {
 
   /// What was looked at.
   std::string DescribeChecked() const {
-    if (health.checked.empty()) return "Nothing of this machine could be looked at.";
+    if (health.checked.empty()) return "Nothing that could be judged was read.";
     std::vector<std::string> kinds;
     for (const auto& [table, count] : health.checked) {
       kinds.push_back(fmt::format("{} {}", NameParts(table, 0), count));

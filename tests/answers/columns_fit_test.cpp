@@ -211,6 +211,23 @@ TEST(ColumnsFit, NotFactsWhoseValueHasAColon) {
                     "korvaxoem mc"));
 }
 
+TEST(ColumnsFit, NotAddressesWithColons) {
+  EXPECT_EQ(
+      ListNotes(MakeBmc("lan", "Lan Param(5) MAC addr: 5e:10:7b:00:c4:19\n"), "LANINFO"),
+      BmcNote("Lan Param(5) MAC addr is \"5e\", the report has \"5e:10:7b:00:c4:19\"", "lan"));
+  EXPECT_EQ(ListNotes(MakeBmc("lan", "Lan Param(3) IP address: 192.0.2.7\n"), "LANINFO"), Notes{});
+}
+
+TEST(ColumnsFit, NotASelfTestOfLinesWithoutColons) {
+  EXPECT_EQ(
+      ListNotes(MakeBmc("korvaxoem selftest", "Result : 57h 02h\nSDR empty\nplease reload\n"),
+                "SELFINFO"),
+      BmcNote("SDR empty is \"please reload\", the report has no such line", "korvaxoem selftest"));
+  EXPECT_EQ(
+      ListNotes(MakeBmc("korvaxoem selftest", "Result : 55h 00h,\nall answered\n"), "SELFINFO"),
+      Notes{});
+}
+
 // "Size:" is in both labels, and the last one stays.
 TEST(ColumnsFit, NotWhereAFreeSizeFollowsTheSize) {
   EXPECT_EQ(

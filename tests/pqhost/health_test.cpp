@@ -114,7 +114,7 @@ TEST(HealthCommand, WritesWhatNagiosReads) {
 TEST(HealthCommand, AsksForWhatIsRequired) {
   const HostRun run = JudgeSample("hba-only", {"--require", "sensors"});
   EXPECT_EQ(run.exitCode, 3);
-  EXPECT_THAT(run.out, HasSubstr("Find out why there is nothing of sensors"));
+  EXPECT_THAT(run.out, HasSubstr("Find out why the source \"sensors\" tells nothing"));
 }
 
 TEST(HealthCommand, JudgesAsOfAnotherDay) {
@@ -294,7 +294,7 @@ TEST_F(HealthOfRecordings, ObeysOptionsForEach) {
   const std::string settings = Write("our.settings", "media_errors = 1000000\n");
   EXPECT_THAT(Judge({"--settings", settings}).out, Not(HasSubstr("drive.media-errors")));
   EXPECT_THAT(Judge({"--require", "amt"}).out,
-              HasSubstr("Find out why there is nothing of amt: this machine has no AMT"));
+              HasSubstr("Find out why the source \"amt\" tells nothing: this machine has no AMT"));
   EXPECT_THAT(Judge({"--as-of", "2030-01-01"}).out, HasSubstr("as of 2030-01-01 (--as-of)"));
 }
 

@@ -61,6 +61,8 @@ inline const std::set<std::string_view> kColumnsAsPrinted{
     "serial",
     "firmware",
     "status",
+    "cache_status",
+    "cache_reason",
     "interface",
     "name",
     "level",

@@ -13,6 +13,7 @@
 #include "host/answers/difference/compared.h"
 #include "host/answers/parts/report_lines.h"
 #include "host/collect/table_view.h"
+#include "host/text/count_text.h"
 #include "host/text/trim.h"
 
 namespace host {
@@ -212,11 +213,25 @@ bool HaveKeyInCommon(const KeyedCells& before, const KeyedCells& after) {
                              [&](const std::string& key) { return after.Find(key) != nullptr; });
 }
 
+/// Takes the cells away that show something else than what the tool told; returns how many. In a
+/// table of rows all of them may.
+std::size_t DropUnfit(const ComparedTable& compared, const std::vector<std::string>& labels,
+                      std::vector<CellDifference>& cells) {
+  if (labels.empty() || compared.form != TableForm::kLabels) return 0;
+  return std::erase_if(cells, [&](const CellDifference& cell) {
+    return std::ranges::any_of(labels, [&](const std::string& label) {
+      return label.empty() || SimplifyKey(label) == cell.key;
+    });
+  });
+}
+
 void CompareTable(const Sides& sides, const ComparedTable& compared,
                   const DifferenceOptions& options, Difference& difference) {
   const std::string className(compared.className);
   const std::string whyNotBefore = sides.before.FindWhyUnread(className);
   const std::string whyNotAfter = sides.after.FindWhyUnread(className);
+  // The parts tell.
+  if (sides.before.SaysNone(className) || sides.after.SaysNone(className)) return;
   if (!whyNotBefore.empty() && !whyNotAfter.empty()) return;
   if (!whyNotBefore.empty() || !whyNotAfter.empty()) {
     const bool isBefore = !whyNotBefore.empty();
@@ -242,7 +257,15 @@ void CompareTable(const Sides& sides, const ComparedTable& compared,
                                       "nothing of what the other collection has is in it"});
     return;
   }
-  TableComparison(compared, before, after, difference).Compare();
+  Difference all;
+  TableComparison(compared, before, after, all).Compare();
+  for (const Side* side : {&sides.before, &sides.after}) {
+    const std::size_t unfit = DropUnfit(compared, side->ListUnfitLabels(className), all.cells);
+    if (unfit == 0) continue;
+    difference.notCompared.push_back({FormatCount(unfit, "cell") + " of " + className,
+                                      side->Which(), "its columns do not fit its report"});
+  }
+  std::ranges::move(all.cells, std::back_inserter(difference.cells));
 }
 
 // --- reports ---

@@ -21,6 +21,8 @@ constexpr ComparedColumn kControllers[] = {
     {"serial", kValue},
     {"firmware", kValue},
     {"status", kValue},
+    {"cache_status", kValue},
+    {"cache_reason", kSign},
     {"system_time", kLeftOut, "a clock"},
     {"temperature", kLeftOut, kReading},
     {"temperature_word", kLeftOut, kReading},
@@ -45,7 +47,7 @@ constexpr ComparedColumn kDrives[] = {
     {"size", kValue},
     {"state", kValue},
     {"condition", kLeftOut, kInOtherWords},
-    {"member_state", kSign},
+    {"member_state", kValue},
     {"grp", kSign},
     {"member", kLeftOut, "follows grp"},
     {"media_errors", kCounter},
@@ -63,13 +65,21 @@ constexpr ComparedColumn kDrives[] = {
 };
 
 constexpr ComparedColumn kVolumes[] = {
-    {"vendor", kLeftOut, kInId}, {"controller", kLeftOut, kInId},
-    {"number", kLeftOut, kInId}, {"name", kSign},  // it need not have one
-    {"level", kValue},           {"size", kValue},
-    {"state", kValue},           {"condition", kLeftOut, kInOtherWords},
-    {"access", kValue},          {"consistent", kValue},
-    {"cache", kValue},           {"initialized", kValue},
-    {"failed_stripes", kValue},  {"grp", kLeftOut, "follows its drives"},
+    {"vendor", kLeftOut, kInId},
+    {"controller", kLeftOut, kInId},
+    {"number", kLeftOut, kInId},
+    {"name", kSign},  // it need not have one
+    {"level", kValue},
+    {"size", kValue},
+    {"state", kValue},
+    {"condition", kLeftOut, kInOtherWords},
+    {"access", kValue},
+    {"consistent", kValue},
+    {"cache", kValue},
+    {"write_back", kValue},
+    {"initialized", kValue},
+    {"failed_stripes", kValue},
+    {"grp", kLeftOut, "follows its drives"},
 };
 
 constexpr ComparedColumn kGroups[] = {

@@ -4,6 +4,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <tuple>
 #include <utility>
 
@@ -12,13 +13,48 @@ namespace {
 
 using Key = std::pair<std::string, std::string>;  ///< rule, and id as the later collection has it
 
+/// What a log entry is about has the sensor's name only where sensors were read; elsewhere the
+/// log's own. The names of `before` for what `after` calls otherwise, found by entries that both
+/// have.
+using SensorNames = std::map<std::string, std::string, std::less<>>;
+
+bool IsOfSensorLog(const HealthHit& hit) { return hit.isOfLog && hit.part == "sensors"; }
+
+SensorNames FindSensorNames(const Sides& sides) {
+  SensorNames names;
+  for (const HealthFinding& finding : sides.before.GetHealth().findings) {
+    for (const HealthHit& hit : finding.hits) {
+      if (IsOfSensorLog(hit)) names.emplace(hit.id, hit.id);
+    }
+  }
+  if (names.empty()) return names;
+  using Entry = std::tuple<Integer, std::string_view, std::string_view>;
+  std::map<Entry, std::string*> entries;
+  for (const Event& event : sides.before.GetParts().events) {
+    if (event.source != "SEL") continue;
+    const auto name = names.find(event.partId);
+    if (name == names.end()) continue;
+    entries.try_emplace({event.number, event.time, event.text}, &name->second);
+  }
+  for (const Event& event : sides.after.GetParts().events) {
+    if (event.source != "SEL" || event.partId.empty()) continue;
+    const auto entry = entries.find({event.number, event.time, event.text});
+    if (entry != entries.end()) *entry->second = event.partId;
+  }
+  return names;
+}
+
 /// The worst hit of each key, without notices, which count as none.
-std::map<Key, const HealthHit*> ListHits(const Side& side, const Renaming& renaming) {
+std::map<Key, const HealthHit*> ListHits(const Side& side, const Renaming& renaming,
+                                         const SensorNames& sensors) {
   std::map<Key, const HealthHit*> hits;
   for (const HealthFinding& finding : side.GetHealth().findings) {
     for (const HealthHit& hit : finding.hits) {
       if (hit.severity == Severity::kNotice) continue;
-      const auto [known, isNew] = hits.try_emplace({hit.rule, renaming.Rename(hit.id)}, &hit);
+      std::string id = renaming.Rename(hit.id);
+      const auto sensor = IsOfSensorLog(hit) ? sensors.find(hit.id) : sensors.end();
+      if (sensor != sensors.end()) id = sensor->second;
+      const auto [known, isNew] = hits.try_emplace({hit.rule, std::move(id)}, &hit);
       if (!isNew && known->second->severity < hit.severity) known->second = &hit;
     }
   }
@@ -42,8 +78,8 @@ class FindingsComparison {
       : sides(sides), options(options), difference(difference) {}
 
   void Compare() {
-    const auto before = ListHits(sides.before, sides.renaming);
-    const auto after = ListHits(sides.after, {});
+    const auto before = ListHits(sides.before, sides.renaming, FindSensorNames(sides));
+    const auto after = ListHits(sides.after, {}, {});
     for (const auto& [key, hit] : after) {
       const auto old = before.find(key);
       if (old == before.end()) {

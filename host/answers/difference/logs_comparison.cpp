@@ -101,8 +101,11 @@ class LogsComparison {
     if (!whyNotAfter.empty()) tell(DifferenceSide::kAfter, whyNotAfter);
     // With a reason, the entries of the other side have been dropped for it.
     if (!whyNotBefore.empty() || !whyNotAfter.empty()) return;
-    tell(log.before.empty() ? DifferenceSide::kBefore : DifferenceSide::kAfter,
-         "it shows no entry");
+    if (log.before.empty() && log.after.empty()) return;
+    const Side& silent = log.before.empty() ? sides.before : sides.after;
+    Event entry = log.before.empty() ? *log.after.front() : *log.before.front();
+    entry.controller = sides.Translate(sides.Other(silent), entry.controller);
+    tell(silent.Which(), silent.FindWhyLogEmpty(entry));
   }
 
   const Sides& sides;

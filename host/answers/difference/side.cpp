@@ -62,6 +62,18 @@ std::string NameOrigin(std::string_view id, const Place& place) {
   return place.className + ' ' + place.key + ' ' + std::string(GetFirstWord(id));
 }
 
+/// Whether a tool, called as in Place, was not run, or there is no answer of it. What it printed is
+/// not always known.
+bool WasNotAnswered(const Collection& collection, std::string_view tool) {
+  constexpr std::pair<std::string_view, std::string_view> kPrograms[] = {
+      {"storcli", "storcli.exe"}, {"ipmiutil", "ipmiutilnh.exe"}};
+  const std::string_view program = FindSecond(kPrograms, GetFirstWord(tool));
+  if (program.empty() || collection.answers.empty()) return false;
+  const std::string_view arguments =
+      tool.substr(std::min(GetFirstWord(tool).size() + 1, tool.size()));
+  return CollectedRows(collection).FindAnswer(program, arguments) == nullptr;
+}
+
 /// Controllers by their serial numbers, where only one has it.
 std::unordered_map<std::string_view, const Controller*> MapBySerial(const Parts& parts) {
   std::unordered_map<std::string_view, const Controller*> bySerial;
@@ -123,9 +135,14 @@ std::string Side::FindWhyUntold(std::string_view table, std::string_view id,
   std::string_view sourceId = FindSecond(kSourcesOfClasses, place.className);
   if (sourceId.empty()) sourceId = FindSourceId(table, id);
   const PartSource* source = FindSource(sourceId);
-  if (source != nullptr && source->state != "read") return FindWhySourceUnread(*source);
+  if (source != nullptr && !HasRead(*source, id)) return FindWhySourceUnread(*source);
   // All of its classes are made of one report.
   if (sourceId == "intel") return {};
+  // Of each of its controllers there is a report.
+  if (sourceId == "microchip" && source != nullptr && source->state == "read" &&
+      !HasController(GetFirstWord(id))) {
+    return {};
+  }
   return FindWhyOriginUnread(id, place);
 }
 
@@ -143,13 +160,38 @@ std::string Side::FindWhyNoEntries(const Side& teller, const Place& place) const
 
 std::string Side::FindWhyUnread(std::string_view className) const {
   const PartSource* source = FindSource(FindSecond(kSourcesOfClasses, className));
-  if (source != nullptr && source->state == "failed") return FindWhySourceUnread(*source);
+  if (source != nullptr && source->state == "failed" && !source->lacksControllersOnly) {
+    return FindWhySourceUnread(*source);
+  }
   return FindWhyWithoutRows(className);
+}
+
+std::string Side::FindWhyLogEmpty(const Event& entry) const {
+  if (entry.source == "LSI") {
+    if (!HasController(entry.controller)) return "there is no controller " + entry.controller;
+    const auto found = tables.find("EVENTLOG1");
+    if (found != tables.end() && found->second->RowCount() == 0) return found->second->status.text;
+  }
+  return "it shows no entry";
+}
+
+bool Side::SaysNone(std::string_view className) const {
+  const PartSource* source = FindSource(FindSecond(kSourcesOfClasses, className));
+  return source != nullptr && source->saysNone;
+}
+
+std::vector<std::string> Side::ListUnfitLabels(std::string_view className) const {
+  const auto found = tables.find(className);
+  return found == tables.end() ? std::vector<std::string>() : found->second->status.unfitLabels;
 }
 
 bool Side::IsSourceRead(std::string_view table, std::string_view id) const {
   const PartSource* source = FindSource(FindSourceId(table, id));
-  return source == nullptr || source->state == "read";
+  return source == nullptr || HasRead(*source, id);
+}
+
+bool Side::HasRead(const PartSource& source, std::string_view id) const {
+  return source.state == "read" || (source.lacksControllersOnly && HasController(GetFirstWord(id)));
 }
 
 std::string Side::NameSource(std::string_view table, std::string_view id) const {
@@ -171,7 +213,8 @@ std::string Side::FindWhySourceUnread(const PartSource& source) const {
 std::string Side::FindWhyWithoutRows(std::string_view className) const {
   const auto found = tables.find(className);
   if (found == tables.end()) return "not collected";
-  return found->second->RowCount() == 0 ? found->second->status.text : std::string();
+  const TableStatus& status = found->second->status;
+  return found->second->RowCount() == 0 ? status.text : status.missing;
 }
 
 std::string Side::FindWhyOriginUnread(std::string_view id, const Place& place) const {
@@ -184,6 +227,7 @@ std::string Side::FindWhyOriginUnread(std::string_view id, const Place& place) c
       TellsAllLsiControllers()) {
     return {};
   }
+  if (WasNotAnswered(assessed.collection, place.tool)) return place.tool + " has no answer";
   return (place.tool.empty() ? place.className : place.tool) + " told nothing that is understood";
 }
 

@@ -45,6 +45,12 @@ class Side {
   std::string FindWhyUntold(std::string_view table, std::string_view id, const Place& place) const;
   /// Why the log entries that `teller` has read at `place` cannot be compared with this side's.
   std::string FindWhyNoEntries(const Side& teller, const Place& place) const;
+  /// Why a log that the other side has entries of, such as `entry`, has none here.
+  std::string FindWhyLogEmpty(const Event& entry) const;
+  /// The tool that a class is made of said that there is nothing for it here.
+  bool SaysNone(std::string_view className) const;
+  /// Labels of a class's cells that show something else than its report; as in TableStatus.
+  std::vector<std::string> ListUnfitLabels(std::string_view className) const;
   /// Why a class could not be read; empty when it was.
   std::string FindWhyUnread(std::string_view className) const;
   /// Whether all of the source of such a part was read.
@@ -58,6 +64,7 @@ class Side {
   std::string FindWhyWithoutRows(std::string_view className) const;
   std::string FindWhyOriginUnread(std::string_view id, const Place& place) const;
   bool HasController(std::string_view id) const;
+  bool HasRead(const PartSource& source, std::string_view id) const;
   bool TellsAllLsiControllers() const;
 
   AssessedCollection assessed;

@@ -6,6 +6,8 @@
 #include <tuple>
 #include <utility>
 
+#include "host/text/numbered_text.h"
+
 namespace host {
 namespace {
 
@@ -32,7 +34,7 @@ class Clusters {
 };
 
 /// Less is nearer to the title.
-using Rank = std::tuple<bool, bool, bool, int, std::size_t, const std::string&, const std::string&,
+using Rank = std::tuple<bool, bool, bool, int, std::size_t, const std::string&, NumberedText,
                         const std::string&>;
 Rank RankForTitle(const HealthHit& hit) {
   return {hit.severity == Severity::kNotice,
@@ -41,7 +43,7 @@ Rank RankForTitle(const HealthHit& hit) {
           -static_cast<int>(hit.severity),
           hit.ruleNumber,
           hit.part,
-          hit.id,
+          {hit.id},
           hit.observed};
 }
 

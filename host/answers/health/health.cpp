@@ -68,7 +68,8 @@ void AddRequired(const Parts& parts, const HealthOptions& options, std::vector<H
     hit.id = required;
     hit.observed = source == parts.sources.end() || source->observed.empty() ? "not collected"
                                                                              : source->observed;
-    hit.text = fmt::format("Find out why there is nothing of {}: {}", required, hit.observed);
+    hit.text =
+        fmt::format("Find out why the source \"{}\" tells nothing: {}", required, hit.observed);
     hit.area = "collection";
     hit.why = "--require says that this machine has it.";
     hit.next = "Look whether the tool is there: pqhost check.";
@@ -98,8 +99,11 @@ void Suppress(const HealthOptions& options, const std::string& today,
 
 // --- what was looked at ---
 
-/// Tables that say nothing of the machine itself.
-bool IsOfCollection(std::string_view table) { return table == "sources" || table == "unread"; }
+/// Tables that are not of things that were looked at: they say nothing of the machine itself, or
+/// what is not there.
+bool IsNothingToSee(std::string_view table) {
+  return table == "sources" || table == "unread" || table == "missing_drives";
+}
 
 void CountParts(const Parts& parts, Health& health) {
   const auto count = [&](std::string name, std::size_t number) {
@@ -113,7 +117,7 @@ void CountParts(const Parts& parts, Health& health) {
     if (table.name == "drives") {
       count("drives", all - optical);
       count("optical_drives", optical);
-    } else if (!IsOfCollection(table.name)) {
+    } else if (!IsNothingToSee(table.name)) {
       count(std::string(table.name), table.name == "cache_backups" ? all - absent : all);
     }
   }

@@ -202,7 +202,7 @@ FROM (VALUES
   ('microchip', 'the Microchip controllers', 'Microchip'),
   ('intel', 'the Intel RAID', 'Intel'), ('sensors', 'the sensors of the BMC', NULL),
   ('sel', 'the log of the BMC', NULL), ('fru', 'the FRU data', NULL),
-  ('power supplies', 'the power supplies', NULL), ('leds', 'the lights', NULL),
+  ('power supplies', 'the power supplies', NULL), ('leds', 'the LEDs', NULL),
   ('self-test', 'the self-test of the BMC', NULL),
   ('amt', 'the AMT log', NULL), ('sas2', 'the log of the SAS2 controller', NULL));
 
@@ -243,6 +243,13 @@ FROM (VALUES
   (0x0fc, 0x0fb), (0x121, 0x120), (0x143, 0x146), (0x144, 0x146), (0x182, 0x090), (0x188, 0x189),
   (0x18b, 0x090), (0x191, 0x190));
 
+-- The same of logs without codes, by their texts.
+-- @words text_ends
+SELECT column1 AS text, column2 AS ended_by
+FROM (VALUES
+  ('write cache disabled%', 'write cache enabled%'),
+  ('%degraded%', '%optimal%'), ('%degraded%', '%resync complete%'));
+
 -- All codes that a rule looks at; "ends" is 1 for those that end trouble.
 -- @words lsi_looked_at
 -- @index code
@@ -269,7 +276,9 @@ SELECT v.*,
                  ('0', 'Simple_volume', 'Simple_Volume', 'Volume', 'JBOD') THEN 0
             WHEN v.condition IN ('degraded', 'offline') AND coalesce(v.level, '') NOT LIKE '%6%'
             THEN 0
-            ELSE 1 END AS redundant
+            ELSE 1 END AS redundant,
+       -- whatever becomes of what backs the cache up
+       coalesce(v.write_back, v.cache LIKE '%AWB%', 0) AS writes_back
 FROM volumes v;
 
 -- What its volumes amount to for each group: a group can have as many volumes as it has drives, and
@@ -387,13 +396,13 @@ WHERE code IN (0x70, 0xf8) AND source = 'LSI' AND part = 'drives' GROUP BY part_
 -- What is trouble matters for a while, what ends trouble always.
 -- @table lsi_events
 -- @index part_id, code
-SELECT e.id, e.number, e.time, e.code, e.level, e.text, e.sense, e.part, e.part_id,
+SELECT e.id, e.controller, e.number, e.time, e.code, e.level, e.text, e.sense, e.part, e.part_id,
        coalesce(c.called, e.part_id) AS called
 FROM events e
 LEFT JOIN lsi_looked_at l ON l.code = e.code
 LEFT JOIN removed_drives r ON r.part_id = e.part_id AND e.part = 'drives'
 LEFT JOIN called_parts c ON c.part = e.part AND c.id = e.part_id
-WHERE (l.code IS NOT NULL OR e.level >= 2 OR e.text LIKE 'PD % reset (Type%') AND e.source = 'LSI'
+WHERE (l.code IS NOT NULL OR e.level >= 2 OR e.level >= 1 AND e.code IS NULL) AND e.source = 'LSI'
       AND (coalesce(l.sense, '*') = '*' OR e.sense GLOB l.sense OR e.level >= 2)
       AND (l.ends OR recent(e.time))
       AND (r.number IS NULL OR coalesce(e.number > r.number, 1));
@@ -409,6 +418,17 @@ GROUP BY e.part_id, n.code;
 -- The logs of all but MegaRAID controllers.
 -- @table other_events
 SELECT * FROM events WHERE source <> 'LSI';
+
+-- Which later entry of the same log says that what one tells of is over: texts, since these logs
+-- have no code for it.
+-- @table other_ended
+-- @index began
+SELECT e.id AS began, o.number, o.time, o.text, min(o.number) AS first
+FROM other_events e
+JOIN text_ends n ON e.text LIKE n.text
+JOIN other_events o ON o.source = e.source AND o.part_id = e.part_id AND o.number > e.number
+                       AND o.text LIKE n.ended_by
+WHERE e.level >= 1 AND e.source IN ('Microchip', 'SAS2') GROUP BY e.id;
 
 -- Entries of the BMC's log with their meaning, if they have one here.
 -- @table sel_events
@@ -490,7 +510,8 @@ FROM drive_states d WHERE rebuilds;
 -- @area drives
 -- @column predictive_failures, smart_alert, state
 -- @why The drive's own monitoring expects it to fail.
--- @next Replace it while the array is whole. Where nothing else holds its data, copy them first.
+-- @next Replace it; one that belongs to an array, while that is whole. Copy what nothing else
+--   holds first.
 -- @source check_raid #49; check_lsi_raid
 SELECT CASE WHEN unprotected OR condition = 'jbod' THEN 'critical' ELSE 'warning' END, id, told,
        NULL,
@@ -676,8 +697,10 @@ FROM volume_states v WHERE condition = 'offline';
 -- @part volumes
 -- @area arrays
 -- @column state
--- @why A drive of the volume has failed or is missing. The next failure can cost the data.
--- @next Replace the failed drive. While a rebuild runs, wait for its end.
+-- @why A drive of the volume has failed, is missing or is not rebuilt yet. The next failure can
+--   cost the data.
+-- @next While a rebuild runs, wait for its end and leave the drives where they are. Where none
+--   runs, replace the failed drive.
 -- @source check_raid #47
 SELECT CASE WHEN rebuilds THEN 'warning' ELSE 'critical' END, id,
        state || CASE WHEN rebuilds THEN ', being rebuilt' ELSE '' END,
@@ -696,12 +719,17 @@ FROM (SELECT v.*,
 -- @part volumes
 -- @area arrays
 -- @column state
--- @why A drive of the volume has failed or is missing; it survives one more failure.
--- @next Replace the failed drive.
+-- @why A drive of the volume has failed, is missing or is not rebuilt yet; the volume survives one
+--   more failure.
+-- @next While a rebuild runs, wait for its end. Where none runs, replace the failed drive.
 -- @source Checkmk megaraid
-SELECT 'warning', v.id, v.state, (SELECT c.failed FROM volume_causes c WHERE c.id = v.id),
-       'Replace the failed drive of ' || called || ': it is partly degraded (' || v.state || ')'
-FROM volume_states v WHERE condition = 'partly';
+SELECT 'warning', v.id, v.state || CASE WHEN c.rebuilds THEN ', being rebuilt' ELSE '' END,
+       c.failed,
+       CASE WHEN c.rebuilds
+            THEN 'Wait for the rebuild of ' || called || ', and leave its drives in place'
+            ELSE 'Replace the failed drive of ' || called || ': it is partly degraded (' ||
+                 v.state || ')' END
+FROM volume_states v LEFT JOIN volume_causes c ON c.id = v.id WHERE condition = 'partly';
 
 -- @rule volume.recovering
 -- @part volumes
@@ -824,18 +852,49 @@ SELECT CASE condition
        WHEN 'failed' THEN 'critical'
        WHEN 'bad' THEN CASE WHEN EXISTS (SELECT 1 FROM volume_states v
                                          WHERE v.controller = c.controller
-                                               AND v.cache LIKE '%AWB%')
+                                               AND v.writes_back)
                             THEN 'critical' ELSE 'warning' END
        ELSE 'unknown' END, id, state, NULL,
        CASE condition
        WHEN 'passing' THEN 'Look again at ' || called || ': ' || state
        WHEN 'unknown' THEN 'Find out what "' || state || '" means of ' || called
-       ELSE 'See to ' || called || CASE kind WHEN 'cache' THEN ': it is not in use ('
-                                   ELSE ': it does not protect the write cache (' END ||
-            state || ')' END
+       ELSE 'See to ' || called || ': it does not protect the write cache (' || state || ')' END
 FROM (SELECT b.*, p.called FROM cache_backups b
       JOIN called_parts p ON p.part = 'cache_backups' AND p.id = b.id) c
 WHERE condition NOT IN ('good', 'absent', 'untold');
+
+-- @rule cache.unprotected
+-- @part volumes
+-- @area controllers
+-- @column write_back, cache
+-- @why Writing ends in a cache that no battery, capacitor or flash keeps: what is in it when power
+--   fails is lost, and the volume may be damaged. Somebody chose that; it is no fault.
+-- @next Unless that is meant, set the volume to write-through, or have a cache backup fitted.
+-- @source arcconf's write-cache status; storcli's AWB
+SELECT 'notice', id, 'writing ends in the cache, no cache backup on ' || v.controller, NULL,
+       'Set ' || called || ' to write-through, unless losing its cache with the power is meant: '
+       || 'nothing backs up the cache of ' || v.controller
+FROM volume_states v
+WHERE writes_back
+      AND NOT EXISTS (SELECT 1 FROM cache_backups b
+                      WHERE b.controller = v.controller AND b.condition <> 'absent');
+
+-- @rule cache.status
+-- @part controllers
+-- @area controllers
+-- @column cache_status
+-- @why The controller does not use its cache, or not as it is set, so writing is slow.
+-- @next Where its battery or capacitor still charges, look again in some hours; otherwise replace
+--   that.
+-- @source check_raid (arcconf); check_adaptec_raid
+SELECT CASE WHEN lower(cache_status) LIKE '%fail%' THEN 'critical'
+            WHEN lower(cache_status) LIKE '%disabled%' THEN 'warning' ELSE 'unknown' END, id, told,
+       (SELECT group_concat(b.id, ';') FROM cache_backups b
+        WHERE b.controller = c.id AND b.condition IN ('passing', 'bad', 'failed')),
+       'See to the cache of controller ' || id || ': it is not in use (' || told || ')'
+FROM (SELECT *, cache_status || coalesce(': ' || cache_reason, '') AS told FROM controllers) c
+WHERE lower(cache_status) NOT IN ('ok', 'optimal', 'not configured', 'not applicable',
+                                  'not present', 'not installed', 'not supported', 'n/a', '');
 
 -- @rule cache.hot
 -- @part cache_backups
@@ -893,13 +952,14 @@ WHERE (volumes_failed > 0 OR volumes_degraded > 0)
 -- @area controllers
 -- @column drives_defunct
 -- @why The controller counts a drive that it can no longer use.
--- @next Find it among the drives and replace it.
+-- @next Find it: among the drives, or one that was taken out and never taken off its books.
 SELECT 'warning', id, drives_defunct || ' defunct',
-       (SELECT group_concat(d.id, ';') FROM drive_states d
-        WHERE d.controller = c.id AND (d.condition IN ('failed', 'missing', 'predicted')
-              OR d.predictive_failures > 0 OR d.smart_alert LIKE 'Yes%')),
-       'Replace what controller ' || id || ' counts as defunct drives: ' || drives_defunct
-FROM controllers c WHERE drives_defunct > 0;
+       lost,
+       'Find what controller ' || id || ' counts as defunct drives (' || drives_defunct || ')' ||
+       CASE WHEN lost IS NULL THEN ': none of those listed has failed' ELSE '' END
+FROM (SELECT c.*, (SELECT group_concat(d.id, ';') FROM drive_states d
+                   WHERE d.controller = c.id AND d.condition IN ('failed', 'missing')) AS lost
+      FROM controllers c WHERE drives_defunct > 0);
 
 -- @rule controller.hot
 -- @part controllers
@@ -964,9 +1024,9 @@ WHERE NOT (n.part = 'volumes' AND EXISTS (SELECT 1 FROM volume_states v WHERE v.
 -- @part controllers
 -- @area controllers
 -- @log
--- @why The controller's firmware calls this critical, fatal or dead, lately; its code is in no list
---   here.
--- @next Look the code up in the controller's manual.
+-- @why The controller's firmware calls this critical, fatal or dead, lately, and its code is in no
+--   list here; or its entries have no codes that are known, and these are warnings.
+-- @next Look the entries up in the controller's manual.
 -- @source MegaRAID event classes
 SELECT CASE WHEN max(e.level) >= 3 THEN 'critical' ELSE 'warning' END, e.part_id,
        printf('%d x %s%s, last %s', count(*), iif(e.code IS NULL, '', printf('0x%02x ', e.code)),
@@ -977,7 +1037,14 @@ SELECT CASE WHEN max(e.level) >= 3 THEN 'critical' ELSE 'warning' END, e.part_id
        AS area
 FROM lsi_events e LEFT JOIN lsi_codes c ON c.code = e.code
 WHERE e.level >= 2 AND recent(e.time) AND c.code IS NULL
-GROUP BY e.part_id, coalesce(e.code, e.text);
+GROUP BY e.part_id, coalesce(e.code, e.text)
+UNION ALL
+SELECT 'notice', controller,
+       printf('%d warning%s, last %s %s', count(*), CASE count(*) WHEN 1 THEN '' ELSE 's' END,
+              max(time), text), NULL,
+       'Look at the log of controller ' || controller || ': "' || text || '" on ' || max(time),
+       'controllers', id, 'controllers'
+FROM lsi_events WHERE level = 1 AND code IS NULL AND recent(time) GROUP BY controller;
 
 -- @rule lsi.recovered
 -- @part volumes
@@ -998,14 +1065,15 @@ WHERE e.code IN (0xfb, 0xfc) AND e.part = 'volumes' AND recent(e.time) GROUP BY 
 -- @next Look at the entries.
 SELECT CASE WHEN worst >= 2 THEN 'warning' ELSE 'notice' END, part_id,
        printf('%d %s, last %s %s', times, CASE times WHEN 1 THEN 'entry' ELSE 'entries' END, time,
-              text), NULL,
-       'Look at the log of controller ' || part_id || ': "' || text || '" on ' || time,
+              text) || over, NULL,
+       'Look at the log of controller ' || part_id || ': "' || text || '" on ' || time || over,
        event AS event
-FROM (SELECT part_id, count(*) AS times, text, max(time) AS time, id AS event,
-             (SELECT max(o.level) FROM other_events o WHERE o.source = 'Microchip'
-              AND o.part_id = e.part_id AND recent(o.time)) AS worst
-      FROM other_events e WHERE source = 'Microchip' AND level >= 1 AND recent(time)
-      GROUP BY part_id);
+FROM (SELECT e.part_id, count(*) AS times, e.text, max(e.time) AS time, e.id AS event,
+             max(CASE WHEN o.number IS NULL THEN e.level END) AS worst,
+             coalesce(', over since ' || o.time, '') AS over
+      FROM other_events e LEFT JOIN other_ended o ON o.began = e.id
+      WHERE e.source = 'Microchip' AND e.level >= 1 AND recent(e.time)
+      GROUP BY e.part_id);
 
 -- @rule sas2.event
 -- @part controllers
@@ -1014,21 +1082,18 @@ FROM (SELECT part_id, count(*) AS times, text, max(time) AS time, id AS event,
 -- @why The controller's log has warnings. It counts time from its start, so nobody knows how old
 --   they are.
 -- @next Look at the entries; sas2ircu 0 display tells how things are now.
-SELECT CASE WHEN worst >= 2 AND NOT EXISTS
-                 (SELECT 1 FROM other_events o WHERE o.source = 'SAS2' AND o.number > last
-                  AND (o.text LIKE '%optimal%' OR o.text LIKE '%resync complete%'))
-            THEN 'warning' ELSE 'notice' END, 'sas2',
+SELECT CASE WHEN standing >= 2 THEN 'warning' ELSE 'notice' END, 'sas2',
        printf('%d %s, highest class %d: %s', times,
               CASE times WHEN 1 THEN 'entry' ELSE 'entries' END, worst, texts), NULL,
        'Look at the log of the SAS2 controller: ' || texts, event AS event
-FROM (SELECT count(*) AS times, max(level) AS worst, 
-             (SELECT group_concat(text, '; ')
-              FROM (SELECT text FROM other_events WHERE source = 'SAS2' AND level >= 1
-                    GROUP BY text ORDER BY min(number))) AS texts,
-             (SELECT max(number) FROM other_events WHERE source = 'SAS2' AND level >= 1) AS last,
-             (SELECT id FROM other_events WHERE source = 'SAS2' AND level >= 1
-              ORDER BY number DESC LIMIT 1) AS event
-      FROM other_events WHERE source = 'SAS2' AND level >= 1)
+FROM (SELECT count(*) AS times, max(level) AS worst, max(standing) AS standing,
+             group_concat(told, '; ') AS texts, max(event) AS event
+      FROM (SELECT e.level, CASE WHEN o.number IS NULL THEN e.level END AS standing,
+                   CASE WHEN e.number = max(e.number) OVER (PARTITION BY e.text)
+                        THEN e.text || coalesce(', over since "' || o.text || '"', '') END AS told,
+                   first_value(e.id) OVER (ORDER BY e.number DESC) AS event
+            FROM other_events e LEFT JOIN other_ended o ON o.began = e.id
+            WHERE e.source = 'SAS2' AND e.level >= 1 ORDER BY e.number))
 WHERE times > 0;
 
 -- ------------------------------------------------------------------------------------ BMC: sensors
@@ -1077,19 +1142,26 @@ FROM sensor_bits b;
 -- @part sensors
 -- @area sensors
 -- @column status
--- @why Of this sensor only ipmiutil's word is known, not its state bits.
+-- @why Of this sensor only ipmiutil's word is known, not its state bits; or the word tells of
+--   trouble and the bits do not.
 -- @next Look at the device that it watches; ipmiutil sensor tells the bits.
 -- @source ipmiutil
-SELECT CASE WHEN w.word IS NULL THEN 'unknown' ELSE max(w.severity) END, s.id, s.status, NULL,
-       CASE WHEN w.word IS NULL THEN 'Find out what "' || s.status || '" means of ' || s.called
+SELECT CASE WHEN s.condition = 'discrete' THEN 'notice'
+            WHEN w.word IS NULL THEN 'unknown' ELSE max(w.severity) END, s.id, s.status, NULL,
+       CASE WHEN s.condition = 'discrete'
+            THEN 'Find out what state ' || s.called || ' is in: its word is "' || s.status ||
+                 '", and its bits say nothing of the kind'
+            WHEN w.word IS NULL THEN 'Find out what "' || s.status || '" means of ' || s.called
             ELSE 'Look at ' || s.called || ': ' || s.status END, s.area AS area
 FROM sensor_states s
 LEFT JOIN ipmiutil_words w ON w.word = s.word
                               AND (w.type IS NULL OR s.type IS NULL OR w.type = s.type)
-WHERE s.condition = 'word'
-      AND (w.word IS NOT NULL OR s.event_type = 0x01
-           OR (s.word NOT GLOB '0x*' AND s.word NOT IN (SELECT word FROM plain_words)
-               AND s.word NOT IN (SELECT word FROM ipmiutil_words)))
+WHERE (s.condition = 'word'
+       AND (w.word IS NOT NULL OR s.event_type = 0x01
+            OR (s.word NOT GLOB '0x*' AND s.word NOT IN (SELECT word FROM plain_words)
+                AND s.word NOT IN (SELECT word FROM ipmiutil_words))))
+      OR (s.condition = 'discrete' AND s.word IN (SELECT word FROM ipmiutil_words)
+          AND s.id NOT IN (SELECT id FROM sensor_bits))
 GROUP BY s.id;
 
 -- @rule psu.status
@@ -1115,7 +1187,7 @@ WHERE told <> '';
 -- @part leds
 -- @area bmc
 -- @column state
--- @why A light that tells of a fault is on.
+-- @why An LED that tells of a fault is on.
 -- @next Look at the part that it belongs to.
 SELECT CASE WHEN colour = 'red' THEN 'critical' ELSE 'warning' END, id,
        coalesce(colour || ' ', '') || state, NULL,
@@ -1239,7 +1311,7 @@ FROM other_events WHERE source = 'AMT' AND level >= 1 AND recent(time) GROUP BY 
 -- @column observed
 -- @why The tool was asked, and what it answered is not understood or not complete. What it would
 --   have told is not known.
--- @next Look at its words; pqhost check tells what is missing here.
+-- @next Look at what the tool printed, run it by hand until it answers, then collect again.
 -- @source check_raid #163
 SELECT CASE WHEN id = 'fru' THEN 'notice' ELSE 'unknown' END, id,
        coalesce(class || ': ', '') || coalesce(observed, 'no answer'), NULL,

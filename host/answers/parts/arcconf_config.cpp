@@ -178,25 +178,20 @@ class ConfigReader {
     if (has("supercap")) return;
     isCacheBackup = has("battery") || has("zmm") || has("backup");
     if (!isCacheBackup) return;
-    AddCacheBackup(has("battery") ? "BBU" : has("zmm") ? "ZMM" : "cache backup");
-  }
-
-  CacheBackup& AddCacheBackup(const std::string& kind) {
+    const std::string kind = has("battery") ? "BBU" : has("zmm") ? "ZMM" : "cache backup";
     CacheBackup backup;
     backup.id = controller.id + " " + kind;
     backup.readAt = at;
     backup.vendor = kVendor;
     backup.controller = controller.id;
     backup.kind = kind;
-    return backups.emplace_back(std::move(backup));
+    backups.push_back(std::move(backup));
   }
 
   void TakeControllerFact(const LabelledValue& told) {
     hasController = true;
     if (isCacheBackup) {
       LearnArcconfFact(backups.back(), told, at);
-    } else if (LowerCase(told.label) == "cache status") {
-      AddCacheBackup("cache").state = told.value;
     } else {
       LearnArcconfFact(controller, told, at);
     }

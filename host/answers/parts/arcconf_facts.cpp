@@ -60,12 +60,26 @@ bool SetVolumeCounts(Controller& controller, std::string_view value) {
   return true;
 }
 
+/// "Temporarily Disabled(Reason: Charge is low)"; "Cache State" tells the same without the word.
+bool SetCacheReason(Controller& controller, std::string_view value) {
+  constexpr std::string_view kSign = "(Reason:";
+  const std::size_t sign = value.find(kSign);
+  if (sign != std::string_view::npos) {
+    value = value.substr(sign + kSign.size());
+    if (value.ends_with(')')) value.remove_suffix(1);
+  }
+  return Set(controller.cacheReason, Trim(value));
+}
+
 constexpr Fact<Controller> kControllerFacts[] = {
     {"controller status", "status", [](auto& c, auto value) { return Set(c.status, value); }},
     {"controller model", "model", [](auto& c, auto value) { return Set(c.model, value); }},
     {"controller serial number", "serial",
      [](auto& c, auto value) { return Set(c.serial, value); }},
     {"firmware", "firmware", [](auto& c, auto value) { return Set(c.firmware, value); }},
+    {"cache status", "cache_status", [](auto& c, auto value) { return Set(c.cacheStatus, value); }},
+    {"cache state", "cache_reason", SetCacheReason},
+    {"cache state details", "cache_reason", SetCacheReason},
     {"temperature", "temperature", SetTemperature, {"temperature_word"}},
     {"defunct disk drive count", "drives_defunct",
      [](auto& c, auto value) { return Set(c.drivesDefunct, ReadInteger(value)); }},
@@ -92,6 +106,20 @@ constexpr Fact<CacheBackup> kCacheBackupFacts[] = {
      [](auto& backup, auto value) { return Set(backup.temperature, ReadLeadingReal(value)); }},
 };
 
+/// "On", "Enabled (write-back)"; "On when protected by battery/ZMM" is a setting and tells neither.
+bool SetWriteBack(Volume& volume, std::string_view value) {
+  const std::string word = LowerCase(value);
+  if (word == "on" || word == "enabled (write-back)") volume.writeBack = 1;
+  if (word == "off" || word == "disabled (write-through)") volume.writeBack = 0;
+  return volume.writeBack.has_value();
+}
+
+/// The cache as it is, which comes before the cache as it was set.
+bool SetCacheMode(Volume& volume, std::string_view value) {
+  SetWriteBack(volume, value);
+  return Set(volume.cache, value);
+}
+
 constexpr Fact<Volume> kVolumeFacts[] = {
     {"logical device name", "name",
      [](auto& volume, auto value) { return Set(volume.name, value); }},
@@ -109,8 +137,8 @@ constexpr Fact<Volume> kVolumeFacts[] = {
     {"size", "size", [](auto& volume, auto value) { return Set(volume.size, ReadSize(value)); }},
     {"write-cache setting", "cache",
      [](auto& volume, auto value) { return Set(volume.cache, value); }},
-    {"write-cache mode", "cache",
-     [](auto& volume, auto value) { return Set(volume.cache, value); }},
+    {"write-cache mode", "cache", SetCacheMode, {"write_back"}},
+    {"write-cache status", "write_back", SetWriteBack},
     {"caching", "cache", [](auto& volume, auto value) { return Set(volume.cache, value); }},
     {"parity initialization status", "initialized",
      [](auto& volume, auto value) { return Set(volume.initialized, value); }},
@@ -189,11 +217,12 @@ constexpr Fact<Drive> kDriveFacts[] = {
      }},
 };
 
-/// Of counters the highest counts, and an alert more than none.
+/// Of counters the highest counts, an alert more than none, and details more than a word.
 template <typename T>
 bool MayBeToldAgain(const Fact<T>& fact) {
   return fact.column == "predictive_failures" || fact.column == "media_errors" ||
-         fact.column == "other_errors" || fact.label == "pfa";
+         fact.column == "other_errors" || fact.label == "pfa" ||
+         fact.label == "cache state details";
 }
 
 template <typename T>

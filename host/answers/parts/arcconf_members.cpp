@@ -158,7 +158,8 @@ class MemberJoin {
   void JoinDrive(const ArcconfSegment& segment, Drive& drive) {
     if (drive.group.empty()) drive.group = parts.volumes[segment.volume].group;
     drive.member = 1;
-    if (IsPresent(segment)) return;
+    // Of several volumes the one that misses something of it counts.
+    if (IsPresent(segment) && !drive.memberState.empty()) return;
     drive.memberState = segment.state;
     NotePlace(drive, "member_state", segment.readAt);
   }

@@ -24,6 +24,7 @@ namespace {
 constexpr char kProgram[] = "ipmiutilnh.exe";
 constexpr char kReadingsArguments[] = "sensor -s -q";
 constexpr char kRecordsArguments[] = "sensor";
+constexpr char kSelfTestArguments[] = "korvaxoem selftest";
 // As a person would call them.
 constexpr char kReadingsTool[] = "ipmiutil sensor -s -q";
 constexpr char kRecordsTool[] = "ipmiutil sensor";
@@ -365,6 +366,18 @@ void ReadLeds(const CollectedRows& rows, Parts& parts) {
   AddOwnSource(rows, parts, "leds", "LEDINFO", !parts.leds.empty(), end);
 }
 
+/// Whether what the table has as a label is a line by itself, so that the value is the next line.
+bool IsLineBreak(const CollectedRows& rows, const std::string& label) {
+  const CollectedAnswer* const answer = rows.FindAnswer(kProgram, kSelfTestArguments);
+  if (answer == nullptr) return false;
+  const DecodedText text = rows.Decode(answer->output);
+  ReportLine line;
+  for (ReportLines lines(text.View()); lines.Next(line);) {
+    if (Trim(line.text) == label) return true;
+  }
+  return false;
+}
+
 //   Selftest result : 57h 02h,
 //   SDR repository empty
 void ReadSelfTest(const CollectedRows& rows, Parts& parts) {
@@ -373,13 +386,13 @@ void ReadSelfTest(const CollectedRows& rows, Parts& parts) {
   for (const CollectedRow& row : rows.ListRows("SELFINFO")) {
     SelfTest test;
     test.id = "BMC self-test";
-    test.readAt = row.PlaceOf("self1", "ipmiutil korvaxoem selftest");
+    test.readAt = row.PlaceOf("self1", "ipmiutil " + std::string(kSelfTestArguments));
     for (const char* key : {"self1", "self2"}) {
       const std::string label = row.GetLabel(key);
       const std::string value = row.Get(key);
       if (label.empty() && value.empty()) continue;
       if (!test.text.empty()) test.text += ' ';
-      test.text.append(label).append(": ").append(value);
+      test.text.append(label).append(IsLineBreak(rows, label) ? ", " : ": ").append(value);
     }
     end.Take(test.text);
     // "55h", "0x55"
@@ -396,7 +409,7 @@ void ReadSelfTest(const CollectedRows& rows, Parts& parts) {
     }
     if (!test.text.empty() && !NamesProgram(test.text)) parts.selfTests.push_back(std::move(test));
   }
-  TakeExitCode(rows, "korvaxoem selftest", end);
+  TakeExitCode(rows, kSelfTestArguments, end);
   AddOwnSource(rows, parts, "self-test", "SELFINFO", !parts.selfTests.empty(), end);
 }
 

@@ -325,6 +325,11 @@ void ReadIntel(const CollectedRows& rows, Parts& parts) {
     }
   }
   AddIntelSource(rows, parts, hasParts(), end);
+  // Each tool knows controllers of its own.
+  PartSource& source = parts.sources.back();
+  source.saysNone = source.saysNone && std::ranges::all_of(kTools, [&](const Tool& tool) {
+                      return rows.FindAnswer(tool.program, "-I") != nullptr;
+                    });
 }
 
 }  // namespace host

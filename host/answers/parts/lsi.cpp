@@ -124,18 +124,19 @@ void ReadController(const CollectedRows& rows, const CollectedRow& row, const st
   answers.gaps.push_back("storcli /c" + number + " show " + kNothing);
 }
 
-/// Without a count the classes have the first controller only.
-void CheckCount(const CollectedRows& rows, Answers& answers) {
+/// Why there may be controllers beside those that were read; empty when there is no reason. Without
+/// a count the classes have the first controller only.
+std::string FindCountGap(const CollectedRows& rows) {
   const auto asked = rows.ListAnswers(kProgram, kCountArguments);
   const bool isTold = std::any_of(asked.begin(), asked.end(), [](const CollectedAnswer* answer) {
     return answer->fileText.Text().find(kCountLabel) != std::string::npos ||
            answer->output.Text().find(kCountLabel) != std::string::npos;
   });
-  if (asked.empty() || isTold) return;
-  std::string end = DescribeEnd(asked.back());
+  if (asked.empty() || isTold) return {};
+  const CollectedAnswer* const answer = rows.FindAnswer(kProgram, kCountArguments);
+  std::string end = answer == nullptr ? "has no answer" : DescribeEnd(answer);
   if (end.empty()) end = "told no number";
-  answers.gaps.push_back("storcli show ctrlcount " + end +
-                         ", so there may be more controllers than one");
+  return "storcli show ctrlcount " + end + ", so there may be more controllers than one";
 }
 
 /// The number in "Controller0"; the place of the row without one.
@@ -237,12 +238,14 @@ void ReadTopologyRows(const CollectedRows& rows, Parts& parts) {
   }
 }
 
+bool HasLsiEvents(const Parts& parts) {
+  return std::any_of(parts.events.begin(), parts.events.end(),
+                     [](const Event& event) { return event.source == kLsi; });
+}
+
 /// After drives and volumes, which events are about. A report can have told of events alone.
 void ReadEventRows(const CollectedRows& rows, Parts& parts) {
-  if (std::any_of(parts.events.begin(), parts.events.end(),
-                  [](const Event& event) { return event.source == kLsi; })) {
-    return;
-  }
+  if (HasLsiEvents(parts)) return;
   Report report;
   report.place.tool = "storcli /c0 show events";
   report.controller = "lsi0";
@@ -286,10 +289,13 @@ void ReadLsi(const CollectedRows& rows, Parts& parts) {
   for (const CollectedRow& row : rows.ListRows(kReports)) {
     ReadController(rows, row, FindNumber(row), parts, answers);
   }
-  CheckCount(rows, answers);
   std::vector<std::string> gaps = std::move(answers.failures);
+  bool lacksControllersOnly = false;
   if (HasLsi(parts)) {
     gaps.insert(gaps.end(), answers.gaps.begin(), answers.gaps.end());
+    const std::string countGap = FindCountGap(rows);
+    lacksControllersOnly = gaps.empty();
+    if (!countGap.empty()) gaps.push_back(countGap);
   } else {
     ReadSummaryRow(rows, parts);
     ReadDriveRows(rows, parts);
@@ -299,14 +305,17 @@ void ReadLsi(const CollectedRows& rows, Parts& parts) {
   }
   if (!gaps.empty()) {
     AddSource(parts, "lsi", kReports, SourceState::kFailed, JoinGaps(gaps));
+    parts.sources.back().lacksControllersOnly = lacksControllersOnly;
   } else if (HasLsi(parts)) {
     AddSource(parts, "lsi", kReports, SourceState::kRead);
   } else if (answers.tellsNoController) {
     AddSource(parts, "lsi", kReports, SourceState::kNone, "storcli finds no controller");
     parts.sources.back().saysNone = true;
   } else if (answers.hasText) {
+    const bool hasLog = HasLsiEvents(parts);
     AddSource(parts, "lsi", kReports, SourceState::kFailed,
-              "no controller and no drive in the reports of storcli");
+              hasLog ? "of the controllers there is nothing but a log"
+                     : "what storcli printed tells of no controller by itself and of no drive");
   } else {
     // The table can have a row although the tool is missing.
     AddSourceWithoutParts(

@@ -124,13 +124,17 @@ bool TellsOfFurtherController(const CollectedTable& table) {
                      });
 }
 
+/// `otherGap`: of controllers of which nothing was read.
 void AddMicrochipSource(const CollectedRows& rows, Parts& parts, bool hasParts,
-                        std::vector<std::string> gaps) {
+                        std::vector<std::string> gaps, const std::string& otherGap) {
   const CollectedTable* table = rows.FindTable(kClass);
   const std::string end = DescribeEnd(rows.FindAnswer(kProgram, kArguments));
   if (hasParts && !end.empty()) gaps.insert(gaps.begin(), std::string(kTool) + " " + end);
+  const bool lacksControllersOnly = gaps.empty() && hasParts;
+  if (!otherGap.empty()) gaps.push_back(otherGap);
   if (!gaps.empty()) {
     AddSource(parts, "microchip", kClass, SourceState::kFailed, JoinGaps(gaps));
+    parts.sources.back().lacksControllersOnly = lacksControllersOnly;
   } else if (hasParts) {
     AddSource(parts, "microchip", kClass, SourceState::kRead);
   } else if (table != nullptr && TellsNoController(rows, *table)) {
@@ -163,15 +167,16 @@ void ReadMicrochip(const CollectedRows& rows, Parts& parts) {
       ++filesRead;
     }
   }
+  std::string otherGap;
   if (hasArchive && counted > filesRead) {
-    gaps.push_back(fmt::format("arcconf counts {} controllers, of which {} {} read", counted,
-                               filesRead, filesRead == 1 ? "was" : "were"));
+    otherGap = fmt::format("arcconf counts {} controllers, of which {} {} read", counted, filesRead,
+                           filesRead == 1 ? "was" : "were");
   } else if (lacksController) {
-    gaps.emplace_back("the report of the second controller was not read");
+    otherGap = "the report of the second controller was not read";
   }
   AddMicrochipSource(rows, parts,
                      parts.controllers.size() > controllers || parts.drives.size() > drives,
-                     std::move(gaps));
+                     std::move(gaps), otherGap);
 }
 
 }  // namespace host

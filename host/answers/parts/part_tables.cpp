@@ -110,6 +110,10 @@ const std::vector<PartTable>& MakeTables() {
               Column<&Controller::serial>("serial", "serial number"),
               Column<&Controller::firmware>("firmware", "version of the firmware package"),
               Column<&Controller::status>("status", "how the controller calls its own state"),
+              Column<&Controller::cacheStatus>("cache_status",
+                                               "what the controller says of its cache"),
+              Column<&Controller::cacheReason>("cache_reason",
+                                               "why its cache is in that state, where it tells"),
               Column<&Controller::systemTime>("system_time",
                                               "the machine's clock when the tool ran, local time"),
               Column<&Controller::temperature>("temperature", "of the controller's chip, in °C"),
@@ -147,8 +151,7 @@ const std::vector<PartTable>& MakeTables() {
                   "the state in a word that is the same for all tools: online, unconfigured, "
                   "spare, jbod, rebuilding, copying, failed, bad, unsupported, missing, "
                   "sanitizing, shielded, predicted; unknown: a word of no list; untold: no state"),
-              Column<&Drive::memberState>("member_state",
-                                          "what its volume says of it, where that is not well"),
+              Column<&Drive::memberState>("member_state", "what its volume says of it"),
               Column<&Drive::group>(
                   "grp", "id of its drive group; otherwise the tool's sign, such as - or F"),
               Column<&Drive::member>("member", "1: it belongs to a drive group"),
@@ -187,6 +190,9 @@ const std::vector<PartTable>& MakeTables() {
               Column<&Volume::consistent>("consistent",
                                           "whether its redundant data are known to be consistent"),
               Column<&Volume::cache>("cache", "read-ahead, write and I/O policy"),
+              Column<&Volume::writeBack>("write_back",
+                                         "1: writing ends in the controller's cache now; 0: not; "
+                                         "empty where the tool tells the policy only"),
               Column<&Volume::initialized>("initialized", "whether it was initialized"),
               Column<&Volume::failedStripes>("failed_stripes", "whether stripes were lost"),
               Column<&Volume::group>("grp", "id of its drive group"),
@@ -285,7 +291,7 @@ const std::vector<PartTable>& MakeTables() {
               Column<&PowerSupply::acVolts>("ac_volts", "input, in volts"),
               Column<&PowerSupply::outputWatts>("output_watts", "output, in watts"),
           }),
-      Table<&Parts::leds>("leds", "lights of the front panel",
+      Table<&Parts::leds>("leds", "LEDs of the front panel",
                           {
                               Column<&Led::colour>("colour", "in lower case"),
                               Column<&Led::state>("state", "on, off, blinking, in lower case"),

@@ -65,6 +65,8 @@ struct Controller : Part {
   std::string serial;
   std::string firmware;
   std::string status;
+  std::string cacheStatus;
+  std::string cacheReason;
   std::string systemTime;
   Real temperature;
   std::string temperatureWord;
@@ -120,6 +122,7 @@ struct Volume : Part {
   std::string access;
   std::string consistent;
   std::string cache;
+  Integer writeBack;
   std::string initialized;
   std::string failedStripes;
   std::string group;
@@ -234,6 +237,8 @@ struct PartSource : Part {
   std::string time;  ///< of the machine when its tool answered
   /// Its tool was asked, and said that there is nothing for it here.
   bool saysNone = false;
+  /// It failed for other controllers alone: of those that it tells of, everything was read.
+  bool lacksControllersOnly = false;
 };
 
 /// A line, or a row, that looks like a part and could not be read as one.

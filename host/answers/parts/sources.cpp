@@ -15,6 +15,11 @@ constexpr std::string_view kNotHere[] = {
     "declined",     "not this language", "always empty",
 };
 
+/// A BMC that says nothing of itself may be there all the same.
+bool IsOfControllers(std::string_view id) {
+  return id == "lsi" || id == "microchip" || id == "intel";
+}
+
 std::string_view GetWord(SourceState state) {
   switch (state) {
     case SourceState::kRead:
@@ -54,6 +59,8 @@ void AddSourceWithoutParts(Parts& parts, std::string id, std::string className,
                       std::end(kNotHere);
   AddSource(parts, std::move(id), std::move(className),
             isHere ? SourceState::kFailed : SourceState::kNone, table->status.text);
+  parts.sources.back().saysNone =
+      table->status.outcome == "no such device" && IsOfControllers(parts.sources.back().id);
 }
 
 std::string JoinGaps(const std::vector<std::string>& gaps) {

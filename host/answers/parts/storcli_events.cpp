@@ -13,6 +13,10 @@
 // numbering, and the class in words. The term log has a line for each event:
 //
 //   12/30/19 10:13:10: C0:EVT#87008-12/30/19 10:13:10: 218=Foreign Configuration Detected
+//
+// and counts volumes whose data the cache keeps though they are not there, in lines of its own:
+//
+//   12/30/19 10:13:10: C0:NumberOfVdsWithPinnedCache: number_of_pinned_vds = 1
 
 #include "host/answers/parts/storcli_events.h"
 
@@ -296,6 +300,23 @@ std::optional<Event> ReadTermLogEvent(std::string_view text) {
   return event;
 }
 
+/// How many volumes a line counts whose data are kept in the cache; none on other lines.
+Integer ReadPinnedCount(std::string_view line) {
+  constexpr std::string_view kSign = "number_of_pinned_vds =";
+  const std::size_t at = line.find(kSign);
+  return at == std::string_view::npos ? std::nullopt
+                                      : ReadLeadingInteger(Trim(line.substr(at + kSign.size())));
+}
+
+Event MakePinnedEvent(std::string_view line) {
+  Event event;
+  event.time = ReadTime(line);
+  event.level = 1;
+  const std::size_t text = line.find(": C");
+  event.text = Trim(text == std::string_view::npos ? line : line.substr(text + 2));
+  return event;
+}
+
 }  // namespace
 
 void ReadStorcliEvents(const Report& report, Parts& parts) { DumpReader(report, parts).Read(); }
@@ -308,8 +329,10 @@ void ReadStorcliTermLog(const Report& report, Parts& parts) {
     if (event.controller == report.controller && event.number) known.insert(*event.number);
   }
   EventList events(report, parts);
+  ReportLine pinned;  // the last word on it
   ReportLines lines(report.text);
   for (ReportLine line; lines.Next(line);) {
+    if (const Integer count = ReadPinnedCount(line.text)) pinned = *count > 0 ? line : ReportLine();
     const std::size_t at = line.text.find(kSign);
     if (at == std::string_view::npos) continue;
     std::optional<Event> event = ReadTermLogEvent(line.text.substr(at + kSign.size()));
@@ -319,6 +342,8 @@ void ReadStorcliTermLog(const Report& report, Parts& parts) {
       events.Add(std::move(*event), PlaceOfLine(report, line), std::nullopt);
     }
   }
+  if (pinned.text.empty()) return;
+  events.Add(MakePinnedEvent(pinned.text), PlaceOfLine(report, pinned), std::nullopt);
 }
 
 void ReadStorcliEventRows(const std::vector<CollectedRow>& rows, const Report& report,

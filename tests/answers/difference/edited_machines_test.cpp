@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "host/answers/columns_fit.h"
 #include "tests/answers/difference/compared_machines.h"
 
 namespace {
@@ -218,6 +219,69 @@ TEST_F(EditedMachine, LacksAController) {
     EXPECT_THAT(part.id, StartsWith("lsi1"));
   }
   EXPECT_GE(difference.parts.size(), 3U);
+}
+
+// Of those that it counts and of which it has a report, all is known.
+TEST_F(EditedMachine, LacksItsSecondMicrochipController) {
+  Exchange(after, kArcconf, "Controllers found: 2", "Controllers found: 1");
+  std::erase_if(after.files,
+                [](const auto& file) { return file.first.ends_with("Controller_2_Config.txt"); });
+  EXPECT_THAT(Differences(), ElementsAre(StartsWith("- controller mchp2")));
+}
+
+TEST_F(EditedMachine, IsCheckedAlthoughAnotherControllerIsNot) {
+  std::erase_if(after.files,
+                [](const auto& file) { return file.first.ends_with("Controller_2_Config.txt"); });
+  Recording well = after;
+  Exchange(after, kArcconf, "State                                   : Online",
+           "State                                   : Rebuilding");
+  const std::vector<std::string> lines = ListDifferences(after, well);
+  EXPECT_THAT(lines, Contains(StartsWith("gone warning drive.rebuilding mchp1 0,0")));
+  EXPECT_THAT(lines, Not(Contains(StartsWith("not checked"))));
+}
+
+TEST_F(EditedMachine, HasNoControllerAnyMore) {
+  const std::vector<std::string> lines = ListDifferences(before, test::LoadSample("no-controller"));
+  EXPECT_THAT(lines, Contains(StartsWith("- controller lsi0 ")));
+  EXPECT_THAT(lines, Contains(StartsWith("- controller intel")));
+  EXPECT_THAT(lines, Contains(StartsWith("gone warning drive.predicted intel 0-2-0-0")));
+  EXPECT_THAT(lines, Not(Contains(HasSubstr("counts no controller"))));
+}
+
+TEST_F(EditedMachine, TellsWhyALogIsEmpty) {
+  const std::vector<std::string> lines = ListDifferences(before, test::LoadSample("hba-only"));
+  EXPECT_THAT(lines, Contains(StartsWith("? not compared: log LSI lsi0: not read in the second: "
+                                         "storcli.exe ended with code 46")));
+  EXPECT_THAT(lines, Contains(HasSubstr("there is no controller lsi1")));
+}
+
+TEST_F(EditedMachine, IsNotComparedByCellsThatDoNotFit) {
+  AssessedMachine old(before);
+  AssessedMachine now(test::LoadSample("hba-only"));
+  host::NoteUnfitColumns(old.collection);
+  host::NoteUnfitColumns(now.collection);
+  const std::vector<std::string> lines = ListLines(host::FindDifference(old.Get(), now.Get()));
+  EXPECT_THAT(lines, Contains(StartsWith("~ RAIDINFO Product Name")));
+  EXPECT_THAT(lines, Not(Contains(HasSubstr("RAIDINFO FW Version"))));
+  EXPECT_THAT(lines, Not(Contains(StartsWith("~ PMCVER"))));
+  EXPECT_THAT(lines, Contains(HasSubstr("1 cell of RAIDINFO")));
+}
+
+// The log calls a sensor otherwise where its name is not known.
+TEST_F(EditedMachine, HasOneEntryThoughSensorsWereNotRead) {
+  Recording blind = before;
+  std::erase_if(blind.commands, [](const host::RecordedCommand& command) {
+    return command.arguments == kReadings || command.arguments == kRecords;
+  });
+  for (Recording* machine : {&after, &blind}) {
+    Exchange(*machine, kSel, "Used=12", "Used=13");
+    Exchange(*machine, kSel, "ipmiutil sel, completed",
+             "000d 11/17/26 10:00:00 CRT BMC  Processor #4a  Thermal Trip 6f [01 ff ff]\n"
+             "ipmiutil sel, completed");
+  }
+  const std::vector<std::string> lines = ListDifferences(after, blind);
+  EXPECT_THAT(lines, Not(Contains(StartsWith("new critical sel"))));
+  EXPECT_THAT(lines, Not(Contains(StartsWith("gone critical sel"))));
 }
 
 // --- other tools ---

@@ -1,6 +1,6 @@
 #include "host/answers/health/health.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <algorithm>
 #include <random>
@@ -375,6 +375,24 @@ TEST(Health, AsksForWhatIsRequired) {
   host::TakeRequired("lsi, sensors", options.required);
   EXPECT_STREQ(host::GetVerdict(Judge(parts, options)), "UNKNOWN");
   EXPECT_THROW(host::TakeRequired("sensor", options.required), host::UsageError);
+}
+
+TEST(Health, CountsNothingThatIsMissing) {
+  Parts parts;
+  AddDrive(parts, "mchp1 0,1", "Failed");
+  parts.missingDrives.emplace_back().id = "mchp1 v0 segment 1";
+  EXPECT_EQ(Judge(parts).checked,
+            (std::vector<std::pair<std::string, std::size_t>>{{"drives", 1}}));
+}
+
+TEST(Health, SortsByNumbers) {
+  Parts parts;
+  for (const char* id : {"lsi0 52:11", "lsi0 52:4", "lsi0 8:30"}) {
+    AddDrive(parts, id, "Onln").otherErrors = 1;
+  }
+  std::vector<std::string> ids;
+  for (const auto& finding : Judge(parts).findings) ids.push_back(finding.hits.front().id);
+  EXPECT_THAT(ids, testing::ElementsAre("lsi0 8:30", "lsi0 52:4", "lsi0 52:11"));
 }
 
 // The words that anybody may have added to a part must not become columns or reasons.

@@ -163,6 +163,21 @@ const RuleCase kCases[] = {
      }},
     {"cache.backup", "lsi0 BBU", kCritical, [](Parts& p) { AddCacheBackup(p, "BBU", "Failed"); },
      [](Parts& p) { AddCacheBackup(p, "BBU", "Optimal"); }},
+    {"cache.unprotected", "mchp1 v0", kNotice,
+     [](Parts& p) { AddVolume(p, "mchp1 v0", "Optimal", "1").writeBack = 1; },
+     [](Parts& p) {
+       AddVolume(p, "mchp1 v0", "Optimal", "1").writeBack = 0;
+       AddVolume(p, "mchp1 v1", "Optimal", "1").cache = "Enabled";  // as it is set, not as it is
+       AddCacheBackup(p, "BBU", "Optimal");
+       AddVolume(p, "lsi0 v0", "Optl").cache = "RAWBD";
+       AddVolume(p, "lsi1 v0", "Optl").cache = "RWBD";
+     }},
+    {"cache.status", "mchp1", kWarning,
+     [](Parts& p) { AddController(p, "mchp1").cacheStatus = "Temporarily Disabled"; },
+     [](Parts& p) {
+       AddController(p, "mchp1").cacheStatus = "Ok";
+       AddController(p, "mchp2").cacheStatus = "Not Configured";
+     }},
     {"cache.hot", "lsi0 CacheVault", kWarning,
      [](Parts& p) { AddCacheBackup(p, "CacheVault", "Optimal").temperature = 72; },
      [](Parts& p) { AddCacheBackup(p, "CacheVault", "Optimal").temperature = 69; }},
@@ -225,7 +240,7 @@ const RuleCase kCases[] = {
     {"sensor.word", "CPU1 Status", kCritical,
      [](Parts& p) { AddSensor(p, "CPU1 Status", kProcessor, "procdisabled"); },
      [](Parts& p) {  // its bits are known
-       AddDiscrete(p, "CPU1 Status", kProcessor, kDiscrete, 1 << 7).status = "procdisabled";
+       AddDiscrete(p, "CPU1 Status", kProcessor, kDiscrete, 1 << 8).status = "procdisabled";
      }},
     {"psu.status", "PSU 2", kCritical,
      [](Parts& p) {
@@ -468,6 +483,108 @@ TEST(HealthRules, WarnOfACacheThatNothingKeeps) {
   EXPECT_STREQ(host::GetVerdict(Judge(parts)), "CRITICAL");
 }
 
+TEST(HealthRules, TellOfACacheWithoutABackupUnit) {
+  Parts parts;
+  AddVolume(parts, "lsi0 v0", "Optl").cache = "RAWBD";
+  EXPECT_NE(FindHit(Judge(parts), "cache.unprotected", "lsi0 v0"), nullptr);
+  AddCacheBackup(parts, "BBU", "Not Installed");
+  EXPECT_NE(FindHit(Judge(parts), "cache.unprotected", "lsi0 v0"), nullptr);
+  parts.volumes[0].cache = "Enabled";
+  EXPECT_EQ(FindHit(Judge(parts), "cache.unprotected"), nullptr);
+  // That a unit is there and does not work is a finding of its own, and critical.
+  parts.volumes[0].writeBack = 1;
+  parts.cacheBackups.clear();
+  AddCacheBackup(parts, "BBU", "Degraded");
+  EXPECT_EQ(FindHit(Judge(parts), "cache.unprotected"), nullptr);
+  EXPECT_EQ(GetHit(Judge(parts), "cache.backup").severity, kCritical);
+  parts.volumes[0].writeBack = 0;
+  EXPECT_EQ(GetHit(Judge(parts), "cache.backup").severity, kWarning);
+}
+
+TEST(HealthRules, TellWhyACacheIsNotInUse) {
+  Parts parts;
+  host::Controller& controller = AddController(parts);
+  controller.cacheStatus = "Temporarily Disabled";
+  controller.cacheReason = "Charge is low";
+  AddCacheBackup(parts, "cache backup", "Not Fully Charged");
+  const host::Health health = Judge(parts);
+  ASSERT_EQ(health.findings.size(), 1U);
+  EXPECT_EQ(health.findings[0].key, "cache.status lsi0");
+  EXPECT_EQ(health.findings[0].hits[0].observed, "Temporarily Disabled: Charge is low");
+  EXPECT_NE(FindHit(health, "cache.backup"), nullptr);
+}
+
+// The second generation of storcli has codes of another numbering, and warns in words.
+TEST(HealthRules, TellOfWarningsWithoutAKnownCode) {
+  Parts parts;
+  host::Event& event = AddLsiEvent(parts, 0, "drives", "lsi0 52:11");
+  event.code.reset();
+  event.level = 1;
+  EXPECT_EQ(GetHit(Judge(parts), "lsi.event-class", "lsi0").severity, kNotice);
+  EXPECT_EQ(GetHit(Judge(parts), "lsi.event-class", "lsi0").observed,
+            std::string("1 warning, last ") + kRecently + " event 0");
+  parts.events[0].time = kLongAgo;
+  EXPECT_EQ(FindHit(Judge(parts), "lsi.event-class"), nullptr);
+}
+
+TEST(HealthRules, TellOfAWordThatTheBitsDoNotSay) {
+  constexpr int kCable = 0x1b;
+  Parts parts;
+  AddDiscrete(parts, "Chassis Link", kCable, kDiscrete, 1).status = "AC_Lost";
+  EXPECT_EQ(GetHit(Judge(parts), "sensor.word", "Chassis Link").severity, kNotice);
+  parts.sensors[0].status = "Present";
+  EXPECT_EQ(FindHit(Judge(parts), "sensor.word"), nullptr);
+  // One that the bits do say is told once.
+  parts.sensors[0].status = "AC_Lost";
+  parts.sensors[0].states = 1 << 1;
+  EXPECT_EQ(FindHit(Judge(parts), "sensor.word"), nullptr);
+}
+
+TEST(HealthRules, TellWhatALogSaysIsOver) {
+  Parts parts;
+  AddOtherEvent(parts, "Microchip", 2, "Write cache disabled: charge low");
+  EXPECT_EQ(GetHit(Judge(parts), "microchip.event").severity, kWarning);
+  AddOtherEvent(parts, "Microchip", 0, "Write cache enabled", "2026-11-18T07:00:00");
+  host::Health health = Judge(parts);
+  EXPECT_EQ(GetHit(health, "microchip.event").severity, kNotice);
+  EXPECT_TRUE(GetHit(health, "microchip.event").text.ends_with(", over since 2026-11-18T07:00:00"));
+  AddOtherEvent(parts, "Microchip", 2, "Write cache disabled: charge low", "2026-11-18T08:00:00");
+  health = Judge(parts);
+  EXPECT_EQ(GetHit(health, "microchip.event").severity, kWarning);
+  EXPECT_TRUE(GetHit(health, "microchip.event").text.ends_with("08:00:00"));
+}
+
+TEST(HealthRules, TellWhichEntriesOfTheSas2LogAreOver) {
+  Parts parts;
+  AddOtherEvent(parts, "SAS2", 1, "Failure predicted", "");
+  AddOtherEvent(parts, "SAS2", 2, "Volume is degraded", "");
+  EXPECT_EQ(GetHit(Judge(parts), "sas2.event").severity, kWarning);
+  AddOtherEvent(parts, "SAS2", 0, "Resync complete", "");
+  const host::HealthHit hit = GetHit(Judge(parts), "sas2.event");
+  EXPECT_EQ(hit.severity, kNotice);
+  EXPECT_EQ(hit.observed,
+            "2 entries, highest class 2: Failure predicted; Volume is degraded, over since "
+            "\"Resync complete\"");
+}
+
+TEST(HealthRules, DoNotAskForADriveWhileOneIsRebuilt) {
+  Parts parts;
+  AddVolume(parts, "lsi0 v0", "Pdgd", "RAID6");
+  AddMember(parts, "lsi0 69:2", "Rbld");
+  EXPECT_TRUE(GetHit(Judge(parts), "volume.partly-degraded").text.starts_with("Wait"));
+}
+
+// A drive that is about to fail need not be the one that is counted.
+TEST(HealthRules, DoNotGuessWhichDriveIsDefunct) {
+  Parts parts;
+  AddController(parts, "mchp1").drivesDefunct = 1;
+  AddDrive(parts, "mchp1 0,0", "Online").smartAlert = "Yes";
+  EXPECT_TRUE(GetHit(Judge(parts), "controller.defunct").because.empty());
+  AddDrive(parts, "mchp1 0,1", "Failed");
+  EXPECT_EQ(GetHit(Judge(parts), "controller.defunct").because,
+            std::vector<std::string>{"mchp1 0,1"});
+}
+
 // What a drive did that was taken out says nothing of the one in its place.
 TEST(HealthRules, ForgetADriveThatWasTakenOut) {
   Parts parts;
@@ -554,8 +671,6 @@ TEST(HealthRules, TellCachesFromWhatKeepsThem) {
   };
   EXPECT_EQ(tell("BBU", "Failed"),
             "See to the BBU of lsi0: it does not protect the write cache (Failed)");
-  EXPECT_EQ(tell("cache", "Temporarily Disabled"),
-            "See to the cache of lsi0: it is not in use (Temporarily Disabled)");
   EXPECT_EQ(tell("cache backup", "Not Fully Charged"),
             "Look again at the cache backup of lsi0: Not Fully Charged");
   EXPECT_EQ(tell("ZMM", "Wxyz"), "Find out what \"Wxyz\" means of the ZMM of lsi0");

@@ -224,7 +224,7 @@ TEST(ArcconfConfig, KnowsMembersBySerialNumberThenAddressThenSlot) {
     EXPECT_EQ(parts.drives[i].group, "mchp1 v0") << i;
     EXPECT_EQ(parts.drives[i].member, Integer(1)) << i;
   }
-  EXPECT_EQ(parts.drives[0].memberState, "");
+  EXPECT_EQ(parts.drives[0].memberState, "Present");
   EXPECT_EQ(parts.drives[2].memberState, "Rebuilding");
   EXPECT_EQ(FindPlace(parts.drives[2], "member_state").line, 14);
   EXPECT_EQ(parts.drives[3].group, "");
@@ -340,13 +340,43 @@ TEST(ArcconfConfig, HasWhateverBacksTheCacheUp) {
               ElementsAre("mchp1 BBU: Failed"));
   EXPECT_THAT(ListBackups(Heading("Controller ZMM Information") + "   Status : ZMM Optimal\n"),
               ElementsAre("mchp1 ZMM: ZMM Optimal"));
-  EXPECT_THAT(
-      ListBackups(Heading("Cache Properties") + "   Cache Status : Temporarily Disabled\n" +
-                  Heading("Green Backup Information") +
-                  "   Backup Power Status : Not Fully Charged\n" + Heading("RAID Properties") +
-                  "   Status : of something else\n"),
-      ElementsAre("mchp1 cache: Temporarily Disabled", "mchp1 cache backup: Not Fully Charged"));
+  EXPECT_THAT(ListBackups(Heading("Cache Properties") + "   Cache Status : Temporarily Disabled\n" +
+                          Heading("Green Backup Information") +
+                          "   Backup Power Status : Not Fully Charged\n" +
+                          Heading("RAID Properties") + "   Status : of something else\n"),
+              ElementsAre("mchp1 cache backup: Not Fully Charged"));
   EXPECT_THAT(ListBackups("   Status : of no module\n"), IsEmpty());
+}
+
+TEST(ArcconfConfig, TellsTheCacheApartFromWhatBacksItUp) {
+  const Parts parts = Read(
+      Controller(Heading("Cache Properties") + "   Cache Status : Temporarily Disabled\n" +
+                 "   Cache State : Disabled Charge Is Low\n" +
+                 "   Cache State Details : Temporarily Disabled(Reason: Too little charge)\n"));
+  ASSERT_EQ(parts.controllers.size(), 1U);
+  EXPECT_THAT(parts.cacheBackups, IsEmpty());
+  EXPECT_EQ(parts.controllers[0].cacheStatus, "Temporarily Disabled");
+  EXPECT_EQ(parts.controllers[0].cacheReason, "Too little charge");
+  const Parts word = Read(Controller("   Cache Status : Ok\n   Cache State : Enabled\n"));
+  EXPECT_EQ(word.controllers.at(0).cacheReason, "Enabled");
+}
+
+/// Whether a volume with these lines writes to the cache.
+Integer ReadWriteBack(const std::string& lines) {
+  return Read(Section("Logical device information", "Logical device number 0\n" + lines))
+      .volumes.at(0)
+      .writeBack;
+}
+
+TEST(ArcconfConfig, KnowsWhetherWritingEndsInTheCache) {
+  constexpr char kSetting[] = "   Write-cache setting : Enabled (write-back) when protected\n";
+  EXPECT_EQ(ReadWriteBack("   Write-cache status : On\n"), Integer(1));
+  EXPECT_EQ(ReadWriteBack(std::string(kSetting) + "   Write-cache status : Off\n"), Integer(0));
+  EXPECT_EQ(ReadWriteBack("   Write-cache mode : Enabled (write-back)\n"), Integer(1));
+  EXPECT_EQ(
+      ReadWriteBack(std::string("   Write-cache mode : Disabled (write-through)\n") + kSetting),
+      Integer(0));
+  EXPECT_EQ(ReadWriteBack(kSetting), Integer());
 }
 
 TEST(ArcconfConfig, EndsTheModuleWithItsSection) {

@@ -158,6 +158,8 @@ TEST(BmcParts, HaveTheCodeOfTheSelfTest) {
   };
   EXPECT_EQ(code("Selftest result : 57h 02h,\r\nFRU corrupted\r\n"),
             "57 Selftest result: 57h 02h,  FRU corrupted");
+  EXPECT_EQ(code("Result : 57h 02h\r\nSDR empty\r\nplease reload\r\n"),
+            "57 Result: 57h 02h SDR empty, please reload");
   EXPECT_EQ(code("Result : 0xFF\r\n"), "ff Result: 0xFF");
   EXPECT_EQ(code("Result : 5512\r\n"), " Result: 5512");
 }

@@ -1,4 +1,4 @@
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <algorithm>
 #include <stdexcept>
@@ -289,7 +289,25 @@ TEST(ReadLsi, FailsWithoutAControllerInTheReports) {
   Answer(recording, "/c0 show", "Segmentation fault\n");
   Answer(recording, "/c0/eall/sall show all", "Segmentation fault\n");
   EXPECT_EQ(Tell(ReadParts(recording, {"LSILINK"}), "lsi"),
-            "failed: no controller and no drive in the reports of storcli");
+            "failed: what storcli printed tells of no controller by itself and of no drive");
+}
+
+TEST(ReadLsi, FailsWithNothingButALog) {
+  Recording recording = LoadSample("two-socket-server");
+  Answer(recording, "show ctrlcount", "Controller Count = 1\n");
+  std::erase_if(recording.commands, [](const auto& command) {
+    return command.arguments == "/c0 show" || command.arguments == "/c0/eall/sall show all";
+  });
+  EXPECT_EQ(Tell(ReadParts(recording, {"LSILINK"}), "lsi"),
+            "failed: of the controllers there is nothing but a log");
+}
+
+TEST(ReadLsi, DoesNotTakeAnUnknownCommandForAFailedOne) {
+  Recording recording = LoadSample("two-socket-server");
+  std::erase_if(recording.commands,
+                [](const auto& command) { return command.arguments == "show ctrlcount"; });
+  EXPECT_THAT(Tell(ReadParts(recording, {"LSILINK"}), "lsi"),
+              testing::HasSubstr("storcli show ctrlcount has no answer, so"));
 }
 
 TEST(ReadLsi, IsNotThereWithoutAToolOrAController) {

@@ -149,4 +149,19 @@ TEST(StorcliTermLog, AddsTheEventsThatTheEventLogHasNot) {
   EXPECT_EQ(parts.unread[0].readAt.line, 5);
 }
 
+TEST(StorcliTermLog, TellsWhatIsKeptInTheCache) {
+  const auto read = [](const std::string& text) {
+    Parts parts;
+    host::ReadStorcliTermLog(test::LsiReport(text, "lsifwtermlog"), parts);
+    return parts.events;
+  };
+  const std::string kept = "06/02/15 18:02:08: C0:Scan: number_of_pinned_vds = 2 \n";
+  ASSERT_EQ(read(kept).size(), 1U);
+  EXPECT_EQ(read(kept)[0].text, "C0:Scan: number_of_pinned_vds = 2");
+  EXPECT_EQ(read(kept)[0].time, "2015-06-02T18:02:08");
+  EXPECT_EQ(read(kept)[0].level, Integer(1));
+  EXPECT_EQ(read(kept)[0].part, "controllers");
+  EXPECT_TRUE(read(kept + "06/02/15 18:03:08: C0:Scan: number_of_pinned_vds = 0\n").empty());
+}
+
 }  // namespace
