@@ -54,6 +54,8 @@ RemovedCounts ForgetServers(Connection& connection, const RowTables& tables,
 
 RemovedCounts Expire(Connection& connection, unsigned days) {
   return RunTransaction(connection, [&] {
+    connection.Ask("delete from site_day where day < now() - make_interval(days => $1)",
+                   {std::to_string(days)});
     // A server's rows can be of an older recording than its newest, which is not parsed yet.
     const Answer gone = connection.Ask(
         "delete from submission s where taken < now() - make_interval(days => $1) "

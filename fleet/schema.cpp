@@ -37,8 +37,8 @@ void GrantRights(Connection& connection, const RowTables& tables) {
   for (const RowTable& table : tables.All()) rowTables += ", " + table.name;
   connection.Run(
       fmt::format("grant usage on schema fleet to {0}, {1}, {2};"
-                  "grant select, insert on site, server, object, submission, job to {0};"
-                  "grant update on server, job to {0};"
+                  "grant select, insert on site, site_day, server, object, submission, job to {0};"
+                  "grant update on site_day, server, job to {0};"
                   "grant select on parser, server_state to {0};"
                   "grant select on parser to {2};"
                   "grant select on all tables in schema fleet to {1};"

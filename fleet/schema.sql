@@ -6,6 +6,14 @@ create table site (
   id int generated always as identity primary key,
   name text not null unique check (name <> ''));
 
+-- What a site sent on a day (UTC), for its quota.
+create table site_day (
+  site int not null references site,
+  day date not null,
+  recordings bigint not null,
+  bytes bigint not null,
+  primary key (site, day)) with (fillfactor = 50);
+
 create table server (
   id int generated always as identity primary key,
   site int not null references site,
@@ -126,6 +134,10 @@ begin
     insert into site (name) values (site_name) on conflict do nothing;
     select id into the_site from site where name = site_name;
   end if;
+  -- Whoever registers for this site at the same time waits here, not in the midst.
+  insert into site_day as d values (the_site, (now() at time zone 'UTC')::date, 1, object_bytes)
+  on conflict (site, day) do update
+  set recordings = d.recordings + 1, bytes = d.bytes + object_bytes;
   select id into the_server from server where site = the_site and name = server_name;
   if the_server is null then
     insert into server (site, name) values (the_site, server_name) on conflict do nothing;

@@ -3,11 +3,11 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
-#include <thread>
 #include <utility>
 #include <vector>
+
+#include "fleet/patience.h"
 
 namespace fleet {
 namespace {
@@ -21,8 +21,6 @@ constexpr int kMostLost = 10;
 constexpr std::size_t kMostBytes = std::size_t{64} << 20;
 /// When nothing is ready.
 constexpr std::chrono::milliseconds kIdleTime{1000};
-constexpr std::chrono::milliseconds kFirstPause{500};
-constexpr std::chrono::milliseconds kLongestPause{30'000};
 
 std::string NameWorker() {
   std::array<char, 256> host{};
@@ -143,20 +141,13 @@ void Worker::TryRelease(Connection& connection, const Schema& schema, const Clai
   }
 }
 
-void Worker::Wait(std::chrono::milliseconds time) {
-  constexpr std::chrono::milliseconds kTurn{100};
-  for (; time.count() > 0 && !wantsEnd(); time -= kTurn) {
-    std::this_thread::sleep_for(std::min(time, kTurn));
-  }
-}
-
 void Worker::WorkWith(Connection& connection) {
   // What this process had when the connection was lost need not wait for the end of its lease.
   connection.Ask(
       "update job set state = 0, claim = null, worker = null, lease = null "
       "where state = 1 and worker = $1",
       {NameWorker()});
-  while (!wantsEnd()) {
+  while (!WantsEnd()) {
     // Each time, so that a worker of former readers ends with an upgrade.
     const Schema schema = OpenSchema(connection, tables);
     Claim claim = TakeClaim(connection, schema);
@@ -165,7 +156,7 @@ void Worker::WorkWith(Connection& connection) {
           "select 1 from job where parser = $1 and state < 2 limit 1", {schema.parser});
       // What others have claimed may become ready again.
       if (rules.once && open.RowCount() == 0) return;
-      Wait(kIdleTime);
+      wait(kIdleTime);
       continue;
     }
     BatchWriter writer(connection, tables, schema);
@@ -178,7 +169,7 @@ void Worker::WorkWith(Connection& connection) {
     };
     try {
       for (const Claim::One& one : claim.recordings) {
-        if (wantsEnd()) break;
+        if (WantsEnd()) break;
         batch.push_back(WorkOn(one.key, one.taken));
         batch.back().object = one.object;
         batch.back().attempts = one.attempts;
@@ -197,27 +188,13 @@ void Worker::WorkWith(Connection& connection) {
       Release(connection, schema, claim);
       throw;
     }
-    if (wantsEnd()) Release(connection, schema, claim);
+    if (WantsEnd()) Release(connection, schema, claim);
   }
 }
 
 BatchCounts Worker::Work() {
-  std::chrono::milliseconds pause = kFirstPause;
-  while (!wantsEnd()) {
-    const std::size_t before = counts.done + counts.parked;
-    try {
-      Connection connection(database, "pqfleet work");
-      WorkWith(connection);
-      return counts;
-    } catch (const DatabaseFailure& failure) {
-      if (!failure.IsOfTheMoment()) throw;
-      if (counts.done + counts.parked > before) pause = kFirstPause;
-      tell(fmt::format("the database: {}; trying again in {} s", failure.what(),
-                       static_cast<double>(pause.count()) / 1000));
-      Wait(pause);
-      pause = std::min(pause * 2, kLongestPause);
-    }
-  }
+  WorkPatiently(
+      database, "pqfleet work", [&](Connection& connection) { WorkWith(connection); }, wait, tell);
   return counts;
 }
 

@@ -21,7 +21,8 @@ import sys
 import time
 import zipfile
 
-from private_postgres import PrivatePostgres
+from private_nginx import PrivateNginx
+from private_postgres import NOBODY, PrivatePostgres
 from tally import Tally
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
@@ -803,6 +804,252 @@ def check_metrics(fleet):
                                capture_output=True)
         expect(not ended.stderr + ended.stdout and ended.returncode == 0,
                f"promtool: {ended.stderr}{ended.stdout}")
+
+
+# --- the door ---
+
+DOOR = ROOT / "docs" / "examples" / "door"
+
+
+class Spool:
+    """A spool of two sites, the door's nginx before it, and certificates."""
+
+    def __init__(self, server, name):
+        self.folder = pathlib.Path(server.folder) / name
+        self.folder.mkdir(mode=0o755)
+        self.keys, self.spool = self.folder / "keys", self.folder / "spool"
+        self.spool.mkdir()
+        for site in ("berlin", "oslo"):
+            (self.spool / site).mkdir()
+            # As the door's group may.
+            os.chmod(self.spool / site, 0o777)
+        os.chmod(self.spool, 0o777)
+        for words in (["door", "127.0.0.1"], ["site", "berlin"], ["site", "oslo"],
+                      ["site", "nowhere"]):
+            ended = subprocess.run([DOOR / "make_ca.sh", self.keys, *words], text=True,
+                                   env={**os.environ, "PASSWORD": "x"}, capture_output=True)
+            expect(ended.returncode == 0, f"make_ca.sh {words}: {ended.stderr}")
+        readable = self.folder / "nginx-keys"
+        readable.mkdir()
+        for file in ("server.pem", "server.key", "ca.pem"):
+            shutil.copy(self.keys / file, readable)
+            if os.geteuid() == 0:
+                os.chown(readable / file, NOBODY, NOBODY)
+        self.nginx = PrivateNginx(DOOR / "pqfleet-door.conf", self.folder / "nginx",
+                                  {"/etc/pqfleet/door": readable,
+                                   "/var/spool/pqfleet": self.spool})
+
+    def curl(self, path, *words, site="berlin"):
+        """The status of the answer; 0 when there is none."""
+        certificate = ["--cert", self.keys / f"{site}.pem", "--key",
+                       self.keys / f"{site}.key"] if site else []
+        ended = subprocess.run(
+            ["curl", "--silent", "--output", "/dev/null", "--write-out", "%{http_code}", "--cacert",
+             self.keys / "ca.pem", *certificate, *words,
+             f"https://127.0.0.1:{self.nginx.port}{path}"], capture_output=True, text=True)
+        return int(ended.stdout)
+
+    def put(self, file, *words, **more):
+        digest = hashlib.sha256(pathlib.Path(file).read_bytes()).hexdigest()
+        return self.curl(f"/recordings/{digest}.zip", "--upload-file", str(file), *words, **more)
+
+    def list(self, *places):
+        return sorted(str(path.relative_to(self.spool)) for path in self.spool.rglob("*.zip"))
+
+    def send(self, folder, site):
+        return subprocess.run(
+            [DOOR / "send_recordings.sh", folder, f"https://127.0.0.1:{self.nginx.port}",
+             self.keys / f"{site}.pem", self.keys / f"{site}.key", self.keys / "ca.pem"],
+            env={**os.environ, "RETRIES": "1"}, capture_output=True, text=True)
+
+
+def await_true(holds, seconds=30):
+    end = time.monotonic() + seconds
+    while time.monotonic() < end:
+        if holds():
+            return True
+        time.sleep(0.05)
+    return False
+
+
+def end_watch(process):
+    process.send_signal(signal.SIGTERM)
+    begin = time.monotonic()
+    out, errors = process.communicate(timeout=60)
+    expect(process.returncode == 0 and time.monotonic() - begin < 5,
+           f"submit --watch ends when asked to: {process.returncode} {errors}")
+    return out, errors
+
+
+def test_door(server):
+    fleet = Fleet(server)
+    door = Spool(server, "door")
+    files = make_random(server, 2, 2, 4000)
+    with door.nginx:
+        expect(door.put(files[0], site=None) == 400, "without a certificate")
+        digest = "ab" * 32
+        for path, words, status in (
+                (f"/recordings/{digest}.zip", [], 403),
+                (f"/recordings/{digest}.zip", ["--request", "DELETE"], 403),
+                (f"/recordings/{digest}.zip", ["--request", "MKCOL"], 403),
+                ("/recordings/x.zip", ["--upload-file", files[0]], 404),
+                (f"/recordings/{digest[1:]}.zip", ["--upload-file", files[0]], 404),
+                (f"/recordings/..%2f{digest}.zip", ["--upload-file", files[0]], 404),
+                (f"/recordings/oslo/{digest}.zip", ["--upload-file", files[0]], 404), ("/", [], 404)):
+            expect(door.curl(path, *words) == status, f"{words} {path} is answered {status}")
+        expect(door.put(files[0], site="nowhere") == 403, "a site that is not one")
+        large = door.folder / "large.zip"
+        with large.open("wb") as file:
+            file.truncate(65 << 20)
+        expect(door.put(large) == 413, "65 MiB")
+        expect(not door.list(), f"nothing was let in: {door.list()}")
+        expect(door.put(files[0]) == 201 and door.put(files[0]) == 204, "a recording, twice")
+        expect(len(door.list()) == 1 and door.list()[0].startswith("berlin/"), f"{door.list()}")
+        slow = door.folder / "slow.zip"
+        slow.write_bytes(random.Random(3).randbytes(8 << 20))
+        cut = subprocess.Popen(
+            ["curl", "--silent", "--limit-rate", "200k", "--cacert", door.keys / "ca.pem", "--cert",
+             door.keys / "berlin.pem", "--key", door.keys / "berlin.key", "--upload-file", slow,
+             f"https://127.0.0.1:{door.nginx.port}/recordings/{digest}.zip"])
+        coming = lambda: [path for path in (door.spool / ".coming").rglob("*") if path.is_file()]
+        expect(await_true(coming), "an upload is on its way")
+        expect(len(door.list()) == 1, "and not there before it is whole")
+        cut.kill()
+        cut.wait()
+        expect(await_true(lambda: not coming()) and len(door.list()) == 1,
+               "of a cut upload nothing is left")
+        for mark, status in ((".closed", 503), ("berlin/.closed", 429)):
+            (door.spool / mark).touch()
+            expect(door.put(files[1]) == status, f"closed by {mark}")
+            expect((door.put(files[1], site="oslo") == 201) == (status == 429), "others are not")
+            (door.spool / mark).unlink()
+        check_senders(fleet, door, files)
+    log = (door.nginx.folder / "pqfleet-door.log").read_text()
+    for words in (' 400 127.0.0.1 "" ', ' 413 127.0.0.1 "berlin" ', ' 403 127.0.0.1 "nowhere" '):
+        expect(words in log, f"the door's log has {words!r}")
+
+
+def check_senders(fleet, door, files):
+    """Two sites send recordings of servers that are called alike."""
+    for site in ("berlin", "oslo"):
+        outgoing = door.folder / f"to-send-{site}"
+        outgoing.mkdir()
+        for path in files:
+            shutil.copy(path, outgoing)
+        (door.spool / ".closed").touch()
+        ended = door.send(outgoing, site)
+        expect(ended.returncode == 1 and len(list(outgoing.iterdir())) == 4,
+               f"what cannot be sent stays: {ended.stderr[-200:]}")
+        (door.spool / ".closed").unlink()
+        ended = door.send(outgoing, site)
+        expect(ended.returncode == 0 and not list(outgoing.iterdir()), f"send: {ended.stderr}")
+    watch = fleet.start("submit", "--watch", door.spool)
+    expect(await_true(lambda: not door.list()), f"the spool is emptied: {door.list()}")
+    end_watch(watch)
+    counted = fleet.sql("select t.name, count(distinct v.id), count(*) from fleet.submission s"
+                        " join fleet.server v on v.id = s.server join fleet.site t on t.id = v.site"
+                        " group by 1 order by 1")
+    expect(counted == [["berlin", "2", "4"], ["oslo", "2", "4"]],
+           f"each site has servers of its own: {counted}")
+
+
+def test_watch(server):
+    """A folder that others write into as they like, while who watches it is killed."""
+    fleet = Fleet(server)
+    spool = pathlib.Path(server.folder) / "watched"
+    for site in ("berlin", "oslo", ".hidden"):
+        (spool / site).mkdir(parents=True)
+    for words, reason in ((["--watch", spool / "nowhere"], "no such folder"),
+                          (["--watch", spool, "--site", "x"], "beside it"),
+                          (["--watch", spool, "x.zip"], "beside it"),
+                          (["--watch", spool, "--store", "/nowhere"], "no store")):
+        ended = fleet.run("submit", *words)
+        expect(ended.returncode == 2 and reason in ended.stderr, f"{words}: {ended.stderr}")
+    files = make_random(server, 60, 5, 5000)
+    parts = [file.read_bytes() for file in files]
+    watch = fleet.start("submit", "--watch", spool)
+    expect(await_true((spool / ".lock").exists), "it watches")
+    second = fleet.run("submit", "--watch", spool)
+    expect(second.returncode == 2 and "another pqfleet submit" in second.stderr, "one for a spool")
+    kills = 0
+    for number, content in enumerate(parts):
+        path = spool / ("berlin" if number % 2 else "oslo") / f"{number}.zip"
+        # In two halves, and some under a name that another one had.
+        if number % 50 == 49:
+            path = path.with_name(f"again-{number % 2}.zip")
+            await_true(lambda: not path.exists())
+        with path.open("wb") as file:
+            file.write(content[:len(content) // 2])
+            file.flush()
+            if number == 0:
+                time.sleep(2)  # It looks every second.
+            if number % 30 == 7:
+                watch.kill()
+                watch.communicate()
+                kills += 1
+                watch = fleet.start("submit", "--watch", spool)
+            file.write(content[len(content) // 2:])
+    (spool / ".hidden" / "0.zip").write_bytes(parts[0])
+    (spool / "berlin" / "no.txt").write_bytes(parts[0])
+    (spool / "berlin" / "link.zip").symlink_to(files[0])
+    os.mkfifo(spool / "berlin" / "pipe.zip")
+    waiting = lambda: [path for site in ("berlin", "oslo") for path in (spool / site).iterdir()
+                       if path.suffix == ".zip" and path.is_file() and not path.is_symlink()]
+    expect(await_true(lambda: not waiting(), 60), f"all are taken: {waiting()}")
+    out, errors = end_watch(watch)
+    found = fleet.value("select count(*) from fleet.submission")
+    expect(found == str(len(files)), f"killed {kills} times, {found} of {len(files)} are registered")
+    expect(not (spool / ".refused").exists(), "half-written ones are not refused")
+    expect((spool / "berlin" / "no.txt").exists() and (spool / "berlin" / "link.zip").is_symlink() and
+           (spool / ".hidden" / "0.zip").exists(), "what is no recording stays")
+    check_refusals(fleet, spool, parts)
+    check_quotas(fleet, spool, parts)
+
+
+def check_refusals(fleet, spool, parts):
+    half = spool / "oslo" / "half.zip"
+    half.write_bytes(parts[0][:1000])
+    # A name that would ring a bell wherever it is shown.
+    odd = zip_bytes({"recording.json": commands_json(["a"]), "a": "odd",
+                     "submission.json": json.dumps({"format": 1, "name": "x\u0007y",
+                                                    "recordedAt": "2026-01-01T00:00:00Z"})})
+    (spool / "oslo" / "odd.zip").write_bytes(odd)
+    (spool / "oslo" / "good.zip").write_bytes(parts[0])
+    watch = fleet.start("submit", "--watch", spool, "--patience", "1")
+    expect(await_true(lambda: len(list((spool / ".refused").rglob("*.zip"))) == 2),
+           "what stays half is refused")
+    out, errors = end_watch(watch)
+    expect(out.count("refused  ") == 2 and out.count("known  ") == 1, f"lines: {out}")
+    expect((spool / ".refused" / "oslo" / "half.zip").read_bytes() == parts[0][:1000],
+           "and kept to be looked at")
+
+
+def check_quotas(fleet, spool, parts):
+    fleet.sql("delete from fleet.site_day")
+    for number in range(8):
+        (spool / "berlin" / f"{number}.zip").write_bytes(parts[number])
+    (spool / "oslo" / "0.zip").write_bytes(parts[0])
+    watch = fleet.start("submit", "--watch", spool, "--day-recordings", "5")
+    expect(await_true((spool / "berlin" / ".closed").exists) and
+           await_true(lambda: not (spool / "oslo" / "0.zip").exists()), "a quota closes one site")
+    out, errors = end_watch(watch)
+    left = sum(path.is_file() for path in (spool / "berlin").glob("[0-7].zip"))
+    expect(left == 3 and "closed to berlin" in errors, f"{left} are left: {errors}")
+    fleet.sql("update fleet.site_day set day = day - 1")
+    watch = fleet.start("submit", "--watch", spool, "--day-recordings", "5", "--most-ready", "100")
+    expect(await_true((spool / ".closed").exists), "a full queue closes the door")
+    fleet.sql("update fleet.job set state = 2")
+    expect(await_true(lambda: not list((spool / "berlin").glob("[0-7].zip"))) and
+           await_true(lambda: not (spool / ".closed").exists() and
+                      not (spool / "berlin" / ".closed").exists()), "the next day it is open")
+    end_watch(watch)
+    fleet.sql("delete from fleet.site_day")
+    (spool / "berlin" / "0.zip").write_bytes(parts[0])
+    fleet.sql("insert into fleet.site_day select id, (now() at time zone 'UTC')::date, 1, 2 << 20"
+              " from fleet.site where name = 'berlin'")
+    watch = fleet.start("submit", "--watch", spool, "--day-mib", "2")
+    expect(await_true((spool / "berlin" / ".closed").exists), "a quota of bytes")
+    end_watch(watch)
 
 
 # --- who may do what ---
