@@ -133,7 +133,8 @@ void MakeParser(Connection& connection, SchemaChanges& changes) {
       fmt::format("create table if not exists job_{0} partition of job for values in ({0}) "
                   "with (fillfactor = 70);"
                   // Ready or claimed ones alone: a claim costs the same however many are done.
-                  "create index if not exists job_{0}_open on job_{0} (object) where state < 2",
+                  "create index if not exists job_{0}_open on job_{0} (object) where state < 2;"
+                  "create index if not exists job_{0}_parked on job_{0} (object) where state = 3",
                   id));
   changes.push_back("readers " + version);
   if (current.RowCount() == 0) return;

@@ -14,11 +14,18 @@ create table site_day (
   bytes bigint not null,
   primary key (site, day)) with (fillfactor = 50);
 
+-- severity: the verdict on its newest recording, the worst first: 0 critical, 1 warning, 2 unknown,
+-- 3 ok; 4 as long as none is parsed. It and `received` are here so that a list of all servers is read
+-- off an index.
 create table server (
   id int generated always as identity primary key,
   site int not null references site,
   name text not null check (name <> ''),
+  severity smallint not null default 4,
+  received timestamptz not null default now(),
   unique (site, name));
+create index on server (severity, name, id);
+create index on server (received);
 
 -- A recording's content, once, however many servers and nights have it. `key` names it in the store.
 create table object (
@@ -26,6 +33,7 @@ create table object (
   key bytea not null unique check (length(key) = 32),
   bytes bigint not null,
   stored timestamptz not null default now());
+create index on object (stored);
 
 -- `taken` is by the server's clock; `note` says why it is not: nothing told it, or the clock was
 -- ahead, which would leave the server at that recording for years. It is when it came then, and not
@@ -79,6 +87,7 @@ create table result (
   hash bytea not null,
   cpu_us int not null,
   finished timestamptz not null default now());
+create index on result using brin (finished);
 
 -- Of every recording the drives that are not all well; others were.
 create table drive_error (
@@ -93,7 +102,7 @@ create table drive_error (
   predictive_failures bigint,
   smart_alert text,
   primary key (object, drive));
-create index on drive_error (serial);
+create index on drive_error (serial, object) include (media_errors);
 
 -- Whose rows are in the tables of rows, and a hash of each of them.
 create table server_state (
@@ -150,7 +159,7 @@ begin
   end if;
   insert into job (parser, object) values (the_parser, the_object) on conflict do nothing;
   select state into the_state from job where parser = the_parser and object = the_object for update;
-  perform 1 from server where id = the_server for update;
+  update server set received = now() where id = the_server;
 
   if told is null then
     the_note := 'the recording does not tell its time';

@@ -19,9 +19,11 @@ import signal
 import subprocess
 import sys
 import time
+import urllib.error
+import urllib.request
 import zipfile
 
-from private_nginx import PrivateNginx
+from private_nginx import PrivateNginx, find_port
 from private_postgres import NOBODY, PrivatePostgres
 from tally import Tally
 
@@ -321,7 +323,7 @@ def check_commands(fleet):
         expect(ended.returncode == code, f"{words}: {ended.returncode} {ended.stderr}")
         expect(code != 2 or ended.stderr.count("\n") == 1, f"{words}: {ended.stderr!r}")
     for command in ("init", "submit", "work", "status", "parked", "reparse", "rebuild", "query", "show",
-                    "history", "export", "forget", "expire", "metrics"):
+                    "history", "export", "forget", "expire", "metrics", "serve"):
         text = fleet.run(command, "--help").stdout
         expect("Examples:" in text and "Exit codes:" in text, f"{command} --help")
     file = pathlib.Path(fleet.server.folder) / "pqfleet.conf"
@@ -704,7 +706,7 @@ def test_clocks(server):
     expect(fleet.value("select count(*) from fleet.verdict_now where note is null") == "1",
            "a later night is not held up")
     expect(fleet.query("select server from silent").stdout.count("\n") == 1, "nobody is silent")
-    fleet.sql("update fleet.submission set received = now() - interval '3 days'")
+    fleet.sql("update fleet.server set received = now() - interval '3 days'")
     expect("srv-3000" in fleet.query("select server from silent").stdout, "a silent server")
 
 
@@ -1050,6 +1052,73 @@ def check_quotas(fleet, spool, parts):
     watch = fleet.start("submit", "--watch", spool, "--day-mib", "2")
     expect(await_true((spool / "berlin" / ".closed").exists), "a quota of bytes")
     end_watch(watch)
+
+
+# --- the pages ---
+
+def fetch(port, path, host="localhost", method="GET"):
+    """Status and text."""
+    asked = urllib.request.Request(f"http://127.0.0.1:{port}{path}", method=method,
+                                   headers={"Host": host})
+    try:
+        with urllib.request.urlopen(asked, timeout=30) as answer:
+            return answer.status, answer.read().decode()
+    except urllib.error.HTTPError as error:
+        return error.code, error.read().decode()
+
+
+def test_serve(server):
+    fleet = Fleet(server)
+    fleet.submit(*SAMPLES, *make_random(server, 120, 1, 6000))
+    fleet.run("submit", "--server", "<script>alert(1)</script><img src=x onerror=alert(2)>", "--site",
+              "'\"><b>bold", ROOT / "samples" / "no-bmc")
+    place(fleet, "missing", None, "<iframe src=//x>")
+    fleet.work()
+    # A month ago the drive had fewer errors.
+    fleet.sql("with o as (insert into fleet.object (id, key, bytes, stored) overriding system value"
+              " values (0, sha256('x'), 1, now() - interval '20 days') returning id), s as (insert"
+              " into fleet.submission (server, taken, object) select v.id, now() - interval '20"
+              " days', o.id from o, fleet.server v where v.name = 'NODE31') insert into"
+              " fleet.drive_error (object, drive, serial, media_errors)"
+              " select id, 'x', 'Z4K002C9144', 4 from o")
+    fleet.sql("update fleet.server set received = now() - interval '3 days' where name = 'vroc'")
+    fleet.sql("do $$ begin create role the_reader login; exception when duplicate_object then null;"
+              " end $$")
+    fleet.sql("grant fleet_reader to the_reader")
+    port = find_port()
+    pages = fleet.start("serve", "--port", port)
+    expect(await_true(lambda: answers(port)), "it serves")
+    ended = fleet.run("serve", "--port", port)
+    expect(ended.returncode == 2 and "is not to be had" in ended.stderr, f"a port: {ended.stderr}")
+    # The site as its own name's owner would have it.
+    expect(fetch(port, "/", "elsewhere.example.org")[0] == 421, "another host's name")
+    expect(fetch(port, "/", method="POST")[0] == 404, "nothing can be sent")
+    ended = subprocess.run(["node", ROOT / "tests/browser/fleet_test.mjs", f"http://127.0.0.1:{port}",
+                            ROOT / "build/browser"], capture_output=True, text=True, cwd=ROOT)
+    print(ended.stdout.rsplit("\n", 2)[0])  # Its last line counts its tests, not this script's.
+    passed = ended.stdout.count("ok      ")
+    expect(ended.returncode == 0 and passed == 7, f"in Chromium: {ended.stderr[-500:]}")
+    pages.send_signal(signal.SIGTERM)
+    expect(pages.wait(timeout=20) == 0, "it ends when asked to")
+    pages.communicate()
+    # Without rights beyond a reader's, nor the store.
+    pages = fleet.start("serve", "--port", port, "--host", "fleet.example.org", user="the_reader")
+    expect(await_true(lambda: answers(port)), "it serves as a reader")
+    expect(fetch(port, "/", "fleet.example.org:80")[0] == 200, "its host's name")
+    server.stop("immediate")
+    expect(fetch(port, "/")[0] == 503, "without a database it says so")
+    server.start()
+    expect(fetch(port, "/")[0] == 200, "and goes on when it is back")
+    pages.send_signal(signal.SIGINT)
+    expect(pages.wait(timeout=20) == 0, "it ends by Ctrl-C")
+    pages.communicate()
+
+
+def answers(port):
+    try:
+        return fetch(port, "/")[0] == 200
+    except OSError:
+        return False
 
 
 # --- who may do what ---

@@ -9,7 +9,7 @@ packages=(
   g++-mingw-w64-x86-64-posix wine wine64          # Windows build and where it runs
   libboost-dev libcli11-dev nlohmann-json3-dev libfmt-dev libsqlite3-dev nettle-dev
   zlib1g-dev libz-mingw-w64-dev
-  libpq-dev                                       # pqfleet
+  libpq-dev libcpp-httplib-dev                    # pqfleet
   googletest
 )
 purpose=${1:-build}
