@@ -311,6 +311,12 @@ def check_commands(fleet):
     expect((status["done"], status["ready"], status["parked"], status["servers"]) ==
            (len(SAMPLES), 0, 0, len(SAMPLES)), f"status: {status}")
     expect("done" in fleet.run("status").stdout, "status for people")
+    watch = fleet.start("status", "--watch", "--format", "json")
+    lines = [json.loads(watch.stdout.readline()) for _ in range(2)]
+    watch.send_signal(signal.SIGINT)
+    expect(watch.wait(timeout=10) == 0 and lines[0]["done"] == lines[1]["done"] == len(SAMPLES),
+           f"status --watch: {lines}")
+    watch.communicate()
     # One line for people, not what libpq or a library says by itself.
     for words, code in ((["init"], 2), (["work", "--store", "/nowhere"], 2), (["submit"], 2),
                         (["query"], 2), (["show"], 2), (["reparse"], 2), (["nothing"], 2),
@@ -450,7 +456,25 @@ def test_hostile(server):
     expect(count_processes() == 0, "no process is left")
     shown = fleet.run("parked", "--reason", "not in the store", "--format", "csv").stdout
     expect(shown.count("\n") == 2 and "missing" in shown, f"parked --reason: {shown}")
+    check_parked(fleet, keys, folder)
     check_retry(fleet)
+
+
+def check_parked(fleet, keys, folder):
+    key = next(key for key, words in keys.items() if words == "leads out")
+    shown = fleet.run("parked", "--show", key[:12].upper(), "--format", "csv").stdout
+    for words in (f"recording,{key}", "leads out", "upward of default at 2026-01-01", f"{key}.zip"):
+        expect(words in shown, f"parked --show has {words}: {shown}")
+    fetched = folder / "fetched.zip"
+    ended = fleet.run("parked", "--fetch", key, "--output", fetched)
+    expect(ended.returncode == 0 and fetched.read_bytes() == (folder / "upward.zip").read_bytes(),
+           f"parked --fetch: {ended.stderr}")
+    missing = next(key for key, words in keys.items() if words == "not in the store")
+    expect("not in the store" in fleet.run("parked", "--show", missing).stdout, "a missing one")
+    for words in (["--show", "xyz"], ["--show", ""], ["--fetch", missing],
+                  ["--show", key, "--retry"], ["--show", key, "--fetch", key]):
+        ended = fleet.run("parked", *words)
+        expect(ended.returncode == 2 and ended.stderr.count("\n") == 1, f"parked {words}: {ended.stderr}")
 
 
 def test_refused_values(server):
@@ -771,9 +795,19 @@ def test_removal(server):
     ended = fleet.run("expire", "--older-than", "36500")
     expect(ended.stdout == "removed 0 submissions, 0 recordings\n", f"{ended.stdout}")
     expect(list_store(fleet) == list_objects(fleet), "what was left over goes, what is known stays")
+    # Of each server one of December as well: it, and the first of January, stay.
+    fleet.sql("insert into fleet.submission (server, taken, object) select distinct on (server, n)"
+              " server, timestamptz '2025-12-20 00:00Z' + n * interval '1 day', object from"
+              " fleet.submission, generate_series(0, 1) n where taken < '2026-02-01'"
+              " and taken >= '2026-01-01' order by server, n, taken")
+    ended = fleet.run("expire", "--older-than", "1", "--keep-monthly")
+    expect(ended.stdout == "removed 25 submissions, 10 recordings\n", f"{ended.stdout}")
+    left = fleet.sql("select to_char(taken, 'MM-DD'), count(*) from fleet.submission"
+                     " where taken < '2026-02-01' group by 1 order by 1")
+    expect(left == [["01-01", "5"], ["01-06", "5"], ["12-20", "5"]], f"one of a month stays: {left}")
     ended = fleet.run("expire", "--older-than", "1")
     # Of night 5 and what is the same as in it only night 5 is left.
-    expect(ended.stdout == "removed 25 submissions, 15 recordings\n", f"{ended.stdout}")
+    expect(ended.stdout == "removed 10 submissions, 5 recordings\n", f"{ended.stdout}")
     expect(list_store(fleet) == list_objects(fleet), "old ones are out of the store")
     expect(fleet.value("select count(*) from fleet.verdict_now") == "6", "the newest ones stay")
 

@@ -117,10 +117,10 @@ class PageServer {
            std::find(options.hosts.begin(), options.hosts.end(), name) != options.hosts.end();
   }
 
-  static void Send(Page page, httplib::Response& response) {
+  static void Send(const Page& page, httplib::Response& response) {
     response.status = page.status;
     response.set_header("Content-Security-Policy", kPagePolicy);
-    response.set_content(std::move(page.html), "text/html; charset=utf-8");
+    response.set_content(page.html, "text/html; charset=utf-8");
   }
 
   void SendPage(const httplib::Request& request, httplib::Response& response) const {
@@ -148,7 +148,7 @@ class PageServer {
     if (options.settings.store) {
       words.push_back("--store=" + host::PathText(*options.settings.store));
     }
-    std::optional<std::string> report = RunReport(words);
+    const std::optional<std::string> report = RunReport(words);
     if (!report) {
       Send(MakeErrorPage(404,
                          "There is no report of that: its recording is not there, or cannot "
@@ -157,7 +157,7 @@ class PageServer {
       return;
     }
     response.set_header("Content-Security-Policy", kReportPolicy);
-    response.set_content(std::move(*report), "text/html; charset=utf-8");
+    response.set_content(*report, "text/html; charset=utf-8");
   }
 
   const ServeOptions& options;
