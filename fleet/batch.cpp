@@ -21,15 +21,6 @@ namespace {
 /// As often a recording may end its process before it is parked.
 constexpr std::int64_t kMostAttempts = 3;
 
-std::string DecodeHex(std::string_view digits) {
-  const auto value = [](char c) { return c <= '9' ? c - '0' : c - 'a' + 10; };
-  std::string bytes;
-  for (std::size_t i = 0; i + 1 < digits.size(); i += 2) {
-    bytes += static_cast<char>(value(digits[i]) * 16 + value(digits[i + 1]));
-  }
-  return bytes;
-}
-
 /// A bytea, as a cell of COPY.
 std::string WriteBytes(std::string_view bytes) { return "\\\\x" + host::HexText(bytes); }
 

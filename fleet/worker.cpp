@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "fleet/isolated_parse.h"
 #include "fleet/patience.h"
 
 namespace fleet {
@@ -95,30 +96,6 @@ Worker::Claim Worker::TakeClaim(Connection& connection, const Schema& schema) {
   return claim;
 }
 
-WorkedRecording Worker::WorkOn(const std::string& key,
-                               const std::optional<host::LocalTime>& taken) {
-  WorkedRecording worked;
-  std::optional<std::string> zip = store.Read(key);
-  if (!zip) {
-    worked.failure = "it is not in the store: submit it again";
-    return worked;
-  }
-  IsolatedAnswer isolated = RunIsolated(
-      [&] { return Pack(parser.Parse(std::move(*zip), key, taken)); }, rules.limits, rules.sandbox);
-  worked.cpuMicroseconds = isolated.cpuMicroseconds;
-  worked.failure = std::move(isolated.failure);
-  worked.mayPass = isolated.mayPass;
-  if (!worked.failure.empty()) return worked;
-  try {
-    worked.parsed = Unpack(isolated.answer);
-    worked.failure = FindMisfit(worked.parsed, tables);
-  } catch (const std::runtime_error& error) {
-    worked.failure = error.what();
-  }
-  if (!worked.failure.empty()) worked.parsed = {};
-  return worked;
-}
-
 void Worker::KeepLease(Connection& connection, const Schema& schema, const Claim& claim) {
   connection.Ask(
       "update job set lease = now() + make_interval(secs => $3) "
@@ -170,7 +147,8 @@ void Worker::WorkWith(Connection& connection) {
     try {
       for (const Claim::One& one : claim.recordings) {
         if (WantsEnd()) break;
-        batch.push_back(WorkOn(one.key, one.taken));
+        batch.push_back(
+            ParseIsolated(store, parser, tables, one.key, one.taken, rules.limits, rules.sandbox));
         batch.back().object = one.object;
         batch.back().attempts = one.attempts;
         bytes += CountBytes(batch.back().parsed);

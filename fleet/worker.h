@@ -58,7 +58,6 @@ class Worker {
 
   void WorkWith(Connection& connection);
   Claim TakeClaim(Connection& connection, const Schema& schema);
-  WorkedRecording WorkOn(const std::string& key, const std::optional<host::LocalTime>& taken);
   void KeepLease(Connection& connection, const Schema& schema, const Claim& claim);
   void Release(Connection& connection, const Schema& schema, const Claim& claim);
   /// The same, if the database can be told.

@@ -10,6 +10,7 @@ import contextlib
 import csv
 import hashlib
 import io
+import itertools
 import json
 import os
 import pathlib
@@ -1205,6 +1206,63 @@ def test_upgrade(server):
     fleet.work()
     expect(not differences(before, digest(fleet)), "after an upgrade all is made again")
     expect(fleet.value("select count(distinct parser) from fleet.result") == "1", "all anew")
+
+
+def test_shadow(server):
+    """Rows of readers that read 4 where these read 37, and know no firmware."""
+    fleet = Fleet(server)
+    sample = ROOT / "samples" / "two-socket-server"
+    other = pathlib.Path(server.folder) / "other"
+    shutil.copytree(sample, other)
+    text = other / "storcli" / "c0_eall_sall_show_all.txt"
+    content = text.read_bytes()
+    expect(content.count(b"Media Error Count = 37") == 1, "one drive has errors")
+    text.write_bytes(content.replace(b"Media Error Count = 37", b"Media Error Count = 4"))
+    fleet.run("submit", other, "--server", "one")
+    fleet.run("submit", sample, "--server", "two")
+    fleet.work()
+    expect(fleet.run("reparse", "--shadow").stdout == "2 servers looked at\n", "nothing would change")
+    for table in ("submission", "server_state"):
+        fleet.sql(f"update fleet.{table} set object = (select s.object from fleet.submission s join"
+                  f" fleet.server v on v.id = s.server where v.name = 'two') where server ="
+                  f" (select id from fleet.server where name = 'one')")
+    # Nor is the database made for this program.
+    fleet.sql("update fleet.parser set version = '0.0.9+former'")
+    before = digest(fleet)
+    ended = fleet.run("reparse", "--shadow")
+    lines = ended.stdout.splitlines()
+    expect(ended.returncode == 1 and lines[-1] == "2 servers looked at", f"{ended.stdout}{ended.stderr}")
+    expect('part_drives: 1 change of 1 server' in lines and any(
+        line.startswith("  one row ") and line.endswith('media_errors "4" -> "37"')
+        for line in lines), f"the drive is told: {lines}")
+    expect(not any(line.startswith("  two ") for line in lines), "the other server has no change")
+    expect(before == digest(fleet), "nothing is written")
+    told = sum(int(line.split()[1]) for line in lines if not line.startswith(" ") and ": " in line
+               and not line.startswith("verdict"))
+    fleet.run("init", "--upgrade")
+    fleet.run("reparse", "--server", "one")
+    fleet.sql("update fleet.result set parser = (select id from fleet.parser where state = 'current')")
+    fleet.sql("update fleet.server_state set parser = (select id from fleet.parser where state ="
+              " 'current')")
+    written = fleet.work()
+    expect(written == 2 * told and told > 0, f"{told} rows are told, {written} removed and added")
+    expect(fleet.run("reparse", "--shadow").stdout == "2 servers looked at\n", "then nothing is left")
+    # A column that is not there yet, a verdict, and a recording that is lost.
+    fleet.sql("alter table fleet.part_drives drop column media_errors cascade")
+    fleet.sql("update fleet.server_state set rows = '' where server = (select id from fleet.server"
+              " where name = 'one')")
+    fleet.sql("update fleet.result set verdict = 'ok'")
+    lines = fleet.run("reparse", "--shadow", "--server", "one").stdout.splitlines()
+    expect(any('media_errors nothing -> "' in line for line in lines) and
+           "verdict: 1 change of 1 server" in lines and "  one: ok -> warning" in lines and
+           lines[-1] == "1 server looked at", f"{lines[:5]}")
+    expect(max(sum(1 for _ in group) for _, group in itertools.groupby(
+        lines, lambda line: line.startswith(" "))) <= 10, "ten examples of each")
+    for path in fleet.store.rglob("*.zip"):
+        path.unlink()
+    lines = fleet.run("reparse", "--shadow").stdout.splitlines()
+    expect(lines[0] == "parked: 2 changes of 2 servers" and "not in the store" in lines[1], f"{lines}")
+    expect(fleet.run("reparse", "--shadow", "--all").returncode == 2, "--shadow --all")
 
 
 TESTS = {name.removeprefix("test_"): function for name, function in list(globals().items())
