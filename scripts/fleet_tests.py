@@ -1149,6 +1149,19 @@ def test_serve(server):
     pages.communicate()
 
 
+def test_demo(_):
+    """scripts/fleet_demo.py brings its own server."""
+    port = find_port()
+    demo = subprocess.Popen(
+        [sys.executable, ROOT / "scripts" / "fleet_demo.py", str(BIN), "50", str(port)], text=True,
+        stdout=subprocess.PIPE, stderr=subprocess.PIPE, start_new_session=True)
+    expect(await_true(lambda: demo.poll() is not None or answers(port), 60), "it serves")
+    os.killpg(demo.pid, signal.SIGINT)  # As Ctrl-C on a screen.
+    out, errors = demo.communicate(timeout=60)
+    expect(demo.returncode == 0 and "35 done, 0 parked" in errors and
+           "$ pqfleet serve" in out and "warning" in out, f"the demonstration: {out[-500:]}{errors}")
+
+
 def answers(port):
     try:
         return fetch(port, "/")[0] == 200
