@@ -39,6 +39,8 @@ const test = async (name, body) => {
   }
 };
 const open = (path) => page.goto(address + path);
+// Clicks, and waits until the page it leads to is there.
+const follow = (link, address) => Promise.all([page.waitForURL(address), link.click()]);
 const rows = () => page.locator("tbody tr").count();
 const names = () => page.locator("tbody th").allTextContents();
 
@@ -51,7 +53,7 @@ await test("lists the servers, the worst first, a page at a time", async () => {
   assert.deepEqual(verdicts, [...verdicts].sort((a, b) => order.indexOf(a) - order.indexOf(b)));
   assert.equal(verdicts[0], "critical");
   await page.screenshot({ path: `${output}/fleet-servers.png` });
-  await page.getByRole("link", { name: "Next servers" }).click();
+  await follow(page.getByRole("link", { name: "Next servers" }), /after=/);
   const more = await names();
   assert.ok(more.length > 0 && more.length <= 100);
   assert.deepEqual(more.filter((name) => seen.includes(name)), []);
@@ -62,15 +64,15 @@ await test("lists the servers, the worst first, a page at a time", async () => {
 
 await test("finds servers by verdict, name and site", async () => {
   await open("/");
-  await page.locator(".tile.critical").click();
+  await follow(page.locator(".tile.critical"), /verdict=critical/);
   assert.ok(await rows() > 0);
   assert.deepEqual(new Set(await page.locator("tbody .chip").allTextContents()), new Set(["critical"]));
   await open("/");
   await page.getByRole("searchbox").fill("node3");
-  await page.getByRole("button", { name: "Find" }).click();
+  await follow(page.getByRole("button", { name: "Find" }), /q=node3/);
   assert.deepEqual(await names(), ["NODE31"]);
   await page.getByLabel("Site", { exact: true }).fill("nowhere");
-  await page.getByRole("button", { name: "Find" }).click();
+  await follow(page.getByRole("button", { name: "Find" }), /site=nowhere/);
   assert.equal(await rows(), 0);
   await page.getByText("No server is like that.").waitFor();
   assert.equal(await page.getByRole("searchbox").inputValue(), "node3");
@@ -78,7 +80,7 @@ await test("finds servers by verdict, name and site", async () => {
 
 await test("shows a server with its findings, its history and its report", async () => {
   await open("/?q=NODE31");
-  await page.getByRole("link", { name: "NODE31" }).click();
+  await follow(page.getByRole("link", { name: "NODE31" }), /server\?/);
   assert.equal(await page.locator("h1").textContent(), "NODE31");
   await page.getByText("37 media errors").waitFor();
   await page.screenshot({ path: `${output}/fleet-server.png` });
@@ -111,7 +113,7 @@ await test("obeys no name, whatever it is", async () => {
   await open("/?q=%3Cscript");
   const [name] = await names();
   assert.ok(name.startsWith("<script>"), name);
-  await page.getByRole("link", { name: "<script>" }).click();
+  await follow(page.getByRole("link", { name: "<script>" }), /server\?/);
   assert.ok((await page.locator("h1").textContent()).startsWith("<script>"));
   for (const path of ["/?after=x:y:z", "/?after=1:99999999999999:a", "/server?name=a&site=b&before=soon", "/no/such",
     "/silent?after=x%20y", "/report?name=--help&site=x", "/server?name=%27%22%3E%3Cimg+src%3Dx%3E&site=x"]) {
