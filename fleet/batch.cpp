@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <set>
 #include <stdexcept>
@@ -20,17 +21,14 @@ namespace {
 /// As often a recording may end its process before it is parked.
 constexpr std::int64_t kMostAttempts = 3;
 
-std::string DecodeHex(std::string_view digits) {
-  const auto value = [](char c) { return c <= '9' ? c - '0' : c - 'a' + 10; };
-  std::string bytes;
-  for (std::size_t i = 0; i + 1 < digits.size(); i += 2) {
-    bytes += static_cast<char>(value(digits[i]) * 16 + value(digits[i + 1]));
-  }
-  return bytes;
-}
-
 /// A bytea, as a cell of COPY.
 std::string WriteBytes(std::string_view bytes) { return "\\\\x" + host::HexText(bytes); }
+
+/// As the table of servers has it.
+std::int64_t FindSeverity(std::string_view verdict) {
+  constexpr std::array<std::string_view, 4> kWorstFirst = {"critical", "warning", "unknown", "ok"};
+  return std::find(kWorstFirst.begin(), kWorstFirst.end(), verdict) - kWorstFirst.begin();
+}
 
 /// Rows of a recording, ready to be compared and copied.
 struct SplitTable {
@@ -45,6 +43,7 @@ struct Changes {
     std::string added;  ///< as COPY has it
   };
   std::map<std::size_t, OfTable> tables;
+  std::vector<std::int64_t> judgedServers, severities;
   std::vector<std::int64_t> stateServers;
   std::string states;
   std::vector<std::int64_t> factObjects;
@@ -195,6 +194,8 @@ class Transaction {
       const ServerState before = UnpackState(DecodeHex(newest.At(row, 2)));
       const std::int64_t server = newest.NumberAt(row, 0);
       const WorkedRecording& one = *usable.at(newest.NumberAt(row, 1));
+      changes.judgedServers.push_back(server);
+      changes.severities.push_back(FindSeverity(one.parsed.verdict));
       const ServerState now = CompareServer(server, Split(one), before);
       const bool isSame = now == before && newest.NumberAt(row, 3) == one.object &&
                           newest.At(row, 4) == schema.parser;
@@ -247,6 +248,12 @@ class Transaction {
       std::string columns = "_server, _row";
       for (const RowColumn& column : described.columns) columns += ", " + QuoteName(column.name);
       connection.Copy(fmt::format("{} ({})", name, columns), change.added);
+    }
+    if (!changes.judgedServers.empty()) {
+      connection.Ask(
+          "update server v set severity = u.s from unnest($1::int[], $2::smallint[]) "
+          "u(v, s) where v.id = u.v and v.severity <> u.s",
+          {WriteNumbers(changes.judgedServers), WriteNumbers(changes.severities)});
     }
     if (!changes.stateServers.empty()) {
       connection.Ask("delete from server_state where server = any($1::int[])",

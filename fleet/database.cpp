@@ -106,8 +106,9 @@ Connection::Connection(const ConnectionWords& words, const std::string& purpose)
   if (!IsAlive()) throw DatabaseFailure(JoinLines(PQerrorMessage(connection.get())), "");
   PQsetNoticeProcessor(
       connection.get(), [](void*, const char*) {}, nullptr);
-  // Times as every reader understands them, names of this schema alone, and no rounded numbers.
-  Run("set search_path = fleet; set timezone = 'UTC'; set datestyle = 'ISO';"
+  // Times as every reader understands them, names of this schema alone, and no rounded numbers. No
+  // question is so long that compiling it would pay.
+  Run("set jit = off; set search_path = fleet; set timezone = 'UTC'; set datestyle = 'ISO';"
       "set extra_float_digits = 1");
 }
 

@@ -13,9 +13,13 @@ EndRequest::EndRequest() {
   sigprocmask(SIG_BLOCK, &endsAndChild, nullptr);
 }
 
-bool EndRequest::IsMade() {
-  const timespec now{};
-  if (!isMade) isMade = sigtimedwait(&ends, nullptr, &now) > 0;
+bool EndRequest::IsMade() { return Sleep(std::chrono::milliseconds(0)); }
+
+bool EndRequest::Sleep(std::chrono::milliseconds time) {
+  const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
+  const timespec length{.tv_sec = seconds.count(),
+                        .tv_nsec = std::chrono::nanoseconds(time - seconds).count()};
+  if (!isMade) isMade = sigtimedwait(&ends, nullptr, &length) > 0;
   return isMade;
 }
 

@@ -1,8 +1,8 @@
 // Somebody wants a worker to end: the signals INT, TERM and HUP.
 #pragma once
 
+#include <chrono>
 #include <csignal>
-#include <vector>
 
 namespace fleet {
 
@@ -14,6 +14,8 @@ class EndRequest {
 
   /// Whether one of them came. Not waiting.
   bool IsMade();
+  /// Waits for one of them, for so long at most. Whether one came.
+  bool Sleep(std::chrono::milliseconds time);
   /// Waits for one of them, or for the end of a process that this one forked. True for the former.
   bool Await();
 

@@ -11,6 +11,7 @@
 #include "host/recording/recording_writer.h"
 #include "host/recording/stored_files.h"
 #include "host/text/path_text.h"
+#include "host/text/screen_text.h"
 #include "host/text/trim.h"
 
 namespace fleet {
@@ -76,6 +77,22 @@ std::string ChooseServer(const host::Recording& recording, const std::filesystem
 }
 
 }  // namespace
+
+bool IsBatch(const std::vector<IncomingRecording>& recordings) {
+  constexpr std::size_t kMostRecordings = 64;
+  constexpr std::size_t kMostMemory = std::size_t{64} << 20;
+  std::size_t bytes = 0;
+  for (const IncomingRecording& recording : recordings) bytes += recording.zip.size();
+  return recordings.size() >= kMostRecordings || bytes >= kMostMemory;
+}
+
+std::string DescribeIncoming(const IncomingRecording& recording, std::string_view outcome) {
+  constexpr std::size_t kShownDigits = 12;
+  return fmt::format("{:7}  {}  {}  {}  {}", outcome, host::EscapeControls(recording.server),
+                     recording.taken ? host::FormatIsoTime(*recording.taken) : "-",
+                     recording.key.substr(0, kShownDigits),
+                     host::EscapeControls(host::PathText(recording.path)));
+}
 
 IncomingRecording ReadIncoming(const std::filesystem::path& path, const IntakeRules& rules) {
   IncomingRecording incoming{.path = path, .server = {}, .taken = {}, .key = {}, .zip = {}};

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "fleet/database.h"
@@ -27,6 +28,12 @@ struct IncomingRecording {
   std::string key;  ///< of its content
   std::string zip;  ///< its bytes as one ZIP file
 };
+
+/// As many as are registered as one transaction, and held in memory.
+bool IsBatch(const std::vector<IncomingRecording>& recordings);
+
+/// The line that tells what became of it: "stored", "known".
+std::string DescribeIncoming(const IncomingRecording& recording, std::string_view outcome);
 
 /// Throws RecordingError with a line of UTF-8 when it is refused.
 IncomingRecording ReadIncoming(const std::filesystem::path& path, const IntakeRules& rules);

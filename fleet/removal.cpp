@@ -52,8 +52,10 @@ RemovedCounts ForgetServers(Connection& connection, const RowTables& tables,
   });
 }
 
-RemovedCounts Expire(Connection& connection, unsigned days) {
+RemovedCounts Expire(Connection& connection, unsigned days, Keep keep) {
   return RunTransaction(connection, [&] {
+    connection.Ask("delete from site_day where day < now() - make_interval(days => $1)",
+                   {std::to_string(days)});
     // A server's rows can be of an older recording than its newest, which is not parsed yet.
     const Answer gone = connection.Ask(
         "delete from submission s where taken < now() - make_interval(days => $1) "
@@ -61,8 +63,11 @@ RemovedCounts Expire(Connection& connection, unsigned days) {
         "and not exists (select from server_state e"
         "  where e.server = s.server and e.object = s.object and not exists ("
         "    select from submission n where n.server = s.server and n.object = s.object"
-        "    and n.taken > s.taken)) returning object",
-        {std::to_string(days)});
+        "    and n.taken > s.taken)) "
+        "and (not $2 or exists (select from submission m where m.server = s.server"
+        "  and row(m.taken, m.object) < row(s.taken, s.object)"
+        "  and m.taken >= date_trunc('month', s.taken, 'UTC'))) returning object",
+        {std::to_string(days), keep == Keep::kFirstOfMonth ? "true" : "false"});
     return RemovedCounts{gone.RowCount(), RemoveOrphans(connection, TakeNumbers(gone))};
   });
 }

@@ -22,9 +22,12 @@ struct RemovedCounts {
 RemovedCounts ForgetServers(Connection& connection, const RowTables& tables,
                             const std::vector<std::int64_t>& servers);
 
-/// Removes submissions that are older, but for each server's newest, and with them the recordings
-/// that are of no other one. Throws DatabaseFailure; nothing was removed then.
-RemovedCounts Expire(Connection& connection, unsigned days);
+/// Which of a server's old recordings stay, beside its newest.
+enum class Keep { kNone, kFirstOfMonth };
+
+/// Removes submissions that are older, but for those to be kept, and with them the recordings that
+/// are of no other one. Throws DatabaseFailure; nothing was removed then.
+RemovedCounts Expire(Connection& connection, unsigned days, Keep keep);
 
 /// Takes out of the store what was removed from the database, also by a run that did not come to
 /// that. Throws DatabaseFailure and StoreFailure; to do it again does no harm.

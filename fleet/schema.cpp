@@ -37,8 +37,8 @@ void GrantRights(Connection& connection, const RowTables& tables) {
   for (const RowTable& table : tables.All()) rowTables += ", " + table.name;
   connection.Run(
       fmt::format("grant usage on schema fleet to {0}, {1}, {2};"
-                  "grant select, insert on site, server, object, submission, job to {0};"
-                  "grant update on server, job to {0};"
+                  "grant select, insert on site, site_day, server, object, submission, job to {0};"
+                  "grant update on site_day, server, job to {0};"
                   "grant select on parser, server_state to {0};"
                   "grant select on parser to {2};"
                   "grant select on all tables in schema fleet to {1};"
@@ -133,7 +133,8 @@ void MakeParser(Connection& connection, SchemaChanges& changes) {
       fmt::format("create table if not exists job_{0} partition of job for values in ({0}) "
                   "with (fillfactor = 70);"
                   // Ready or claimed ones alone: a claim costs the same however many are done.
-                  "create index if not exists job_{0}_open on job_{0} (object) where state < 2",
+                  "create index if not exists job_{0}_open on job_{0} (object) where state < 2;"
+                  "create index if not exists job_{0}_parked on job_{0} (object) where state = 3",
                   id));
   changes.push_back("readers " + version);
   if (current.RowCount() == 0) return;

@@ -6,11 +6,26 @@ create table site (
   id int generated always as identity primary key,
   name text not null unique check (name <> ''));
 
+-- What a site sent on a day (UTC), for its quota.
+create table site_day (
+  site int not null references site,
+  day date not null,
+  recordings bigint not null,
+  bytes bigint not null,
+  primary key (site, day)) with (fillfactor = 50);
+
+-- severity: the verdict on its newest recording, the worst first: 0 critical, 1 warning, 2 unknown,
+-- 3 ok; 4 as long as none is parsed. It and `received` are here so that a list of all servers is read
+-- off an index.
 create table server (
   id int generated always as identity primary key,
   site int not null references site,
   name text not null check (name <> ''),
+  severity smallint not null default 4,
+  received timestamptz not null default now(),
   unique (site, name));
+create index on server (severity, name, id);
+create index on server (received);
 
 -- A recording's content, once, however many servers and nights have it. `key` names it in the store.
 create table object (
@@ -18,6 +33,7 @@ create table object (
   key bytea not null unique check (length(key) = 32),
   bytes bigint not null,
   stored timestamptz not null default now());
+create index on object (stored);
 
 -- `taken` is by the server's clock; `note` says why it is not: nothing told it, or the clock was
 -- ahead, which would leave the server at that recording for years. It is when it came then, and not
@@ -71,6 +87,7 @@ create table result (
   hash bytea not null,
   cpu_us int not null,
   finished timestamptz not null default now());
+create index on result using brin (finished);
 
 -- Of every recording the drives that are not all well; others were.
 create table drive_error (
@@ -85,7 +102,7 @@ create table drive_error (
   predictive_failures bigint,
   smart_alert text,
   primary key (object, drive));
-create index on drive_error (serial);
+create index on drive_error (serial, object) include (media_errors);
 
 -- Whose rows are in the tables of rows, and a hash of each of them.
 create table server_state (
@@ -126,6 +143,10 @@ begin
     insert into site (name) values (site_name) on conflict do nothing;
     select id into the_site from site where name = site_name;
   end if;
+  -- Whoever registers for this site at the same time waits here, not in the midst.
+  insert into site_day as d values (the_site, (now() at time zone 'UTC')::date, 1, object_bytes)
+  on conflict (site, day) do update
+  set recordings = d.recordings + 1, bytes = d.bytes + object_bytes;
   select id into the_server from server where site = the_site and name = server_name;
   if the_server is null then
     insert into server (site, name) values (the_site, server_name) on conflict do nothing;
@@ -138,7 +159,7 @@ begin
   end if;
   insert into job (parser, object) values (the_parser, the_object) on conflict do nothing;
   select state into the_state from job where parser = the_parser and object = the_object for update;
-  perform 1 from server where id = the_server for update;
+  update server set received = now() where id = the_server;
 
   if told is null then
     the_note := 'the recording does not tell its time';

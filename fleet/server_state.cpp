@@ -33,6 +33,15 @@ std::uint64_t HashAll(const std::vector<std::uint64_t>& hashes, std::size_t coun
 
 }  // namespace
 
+std::string DecodeHex(std::string_view digits) {
+  const auto value = [](char c) { return c <= '9' ? c - '0' : c - 'a' + 10; };
+  std::string bytes;
+  for (std::size_t i = 0; i + 1 < digits.size(); i += 2) {
+    bytes += static_cast<char>(value(digits[i]) * 16 + value(digits[i + 1]));
+  }
+  return bytes;
+}
+
 TableState DescribeRows(const std::vector<std::uint64_t>& rowHashes, bool isLog) {
   const auto rows = static_cast<std::uint32_t>(rowHashes.size());
   if (!isLog) return {rows, isLog, rowHashes};

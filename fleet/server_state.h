@@ -24,6 +24,9 @@ using ServerState = std::map<std::uint16_t, TableState>;
 
 TableState DescribeRows(const std::vector<std::uint64_t>& rowHashes, bool isLog);
 
+/// Bytes as PostgreSQL's encode(…, 'hex') writes them.
+std::string DecodeHex(std::string_view digits);
+
 std::string PackState(const ServerState& state);
 /// Throws std::runtime_error when `bytes` are none.
 ServerState UnpackState(std::string_view bytes);

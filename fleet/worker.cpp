@@ -3,11 +3,12 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
-#include <thread>
 #include <utility>
 #include <vector>
+
+#include "fleet/isolated_parse.h"
+#include "fleet/patience.h"
 
 namespace fleet {
 namespace {
@@ -21,8 +22,6 @@ constexpr int kMostLost = 10;
 constexpr std::size_t kMostBytes = std::size_t{64} << 20;
 /// When nothing is ready.
 constexpr std::chrono::milliseconds kIdleTime{1000};
-constexpr std::chrono::milliseconds kFirstPause{500};
-constexpr std::chrono::milliseconds kLongestPause{30'000};
 
 std::string NameWorker() {
   std::array<char, 256> host{};
@@ -97,30 +96,6 @@ Worker::Claim Worker::TakeClaim(Connection& connection, const Schema& schema) {
   return claim;
 }
 
-WorkedRecording Worker::WorkOn(const std::string& key,
-                               const std::optional<host::LocalTime>& taken) {
-  WorkedRecording worked;
-  std::optional<std::string> zip = store.Read(key);
-  if (!zip) {
-    worked.failure = "it is not in the store: submit it again";
-    return worked;
-  }
-  IsolatedAnswer isolated = RunIsolated(
-      [&] { return Pack(parser.Parse(std::move(*zip), key, taken)); }, rules.limits, rules.sandbox);
-  worked.cpuMicroseconds = isolated.cpuMicroseconds;
-  worked.failure = std::move(isolated.failure);
-  worked.mayPass = isolated.mayPass;
-  if (!worked.failure.empty()) return worked;
-  try {
-    worked.parsed = Unpack(isolated.answer);
-    worked.failure = FindMisfit(worked.parsed, tables);
-  } catch (const std::runtime_error& error) {
-    worked.failure = error.what();
-  }
-  if (!worked.failure.empty()) worked.parsed = {};
-  return worked;
-}
-
 void Worker::KeepLease(Connection& connection, const Schema& schema, const Claim& claim) {
   connection.Ask(
       "update job set lease = now() + make_interval(secs => $3) "
@@ -143,20 +118,13 @@ void Worker::TryRelease(Connection& connection, const Schema& schema, const Clai
   }
 }
 
-void Worker::Wait(std::chrono::milliseconds time) {
-  constexpr std::chrono::milliseconds kTurn{100};
-  for (; time.count() > 0 && !wantsEnd(); time -= kTurn) {
-    std::this_thread::sleep_for(std::min(time, kTurn));
-  }
-}
-
 void Worker::WorkWith(Connection& connection) {
   // What this process had when the connection was lost need not wait for the end of its lease.
   connection.Ask(
       "update job set state = 0, claim = null, worker = null, lease = null "
       "where state = 1 and worker = $1",
       {NameWorker()});
-  while (!wantsEnd()) {
+  while (!WantsEnd()) {
     // Each time, so that a worker of former readers ends with an upgrade.
     const Schema schema = OpenSchema(connection, tables);
     Claim claim = TakeClaim(connection, schema);
@@ -165,7 +133,7 @@ void Worker::WorkWith(Connection& connection) {
           "select 1 from job where parser = $1 and state < 2 limit 1", {schema.parser});
       // What others have claimed may become ready again.
       if (rules.once && open.RowCount() == 0) return;
-      Wait(kIdleTime);
+      wait(kIdleTime);
       continue;
     }
     BatchWriter writer(connection, tables, schema);
@@ -178,8 +146,9 @@ void Worker::WorkWith(Connection& connection) {
     };
     try {
       for (const Claim::One& one : claim.recordings) {
-        if (wantsEnd()) break;
-        batch.push_back(WorkOn(one.key, one.taken));
+        if (WantsEnd()) break;
+        batch.push_back(
+            ParseIsolated(store, parser, tables, one.key, one.taken, rules.limits, rules.sandbox));
         batch.back().object = one.object;
         batch.back().attempts = one.attempts;
         bytes += CountBytes(batch.back().parsed);
@@ -197,27 +166,13 @@ void Worker::WorkWith(Connection& connection) {
       Release(connection, schema, claim);
       throw;
     }
-    if (wantsEnd()) Release(connection, schema, claim);
+    if (WantsEnd()) Release(connection, schema, claim);
   }
 }
 
 BatchCounts Worker::Work() {
-  std::chrono::milliseconds pause = kFirstPause;
-  while (!wantsEnd()) {
-    const std::size_t before = counts.done + counts.parked;
-    try {
-      Connection connection(database, "pqfleet work");
-      WorkWith(connection);
-      return counts;
-    } catch (const DatabaseFailure& failure) {
-      if (!failure.IsOfTheMoment()) throw;
-      if (counts.done + counts.parked > before) pause = kFirstPause;
-      tell(fmt::format("the database: {}; trying again in {} s", failure.what(),
-                       static_cast<double>(pause.count()) / 1000));
-      Wait(pause);
-      pause = std::min(pause * 2, kLongestPause);
-    }
-  }
+  WorkPatiently(
+      database, "pqfleet work", [&](Connection& connection) { WorkWith(connection); }, wait, tell);
   return counts;
 }
 

@@ -30,17 +30,19 @@ class Worker {
  public:
   /// What there is to say to people, a line each.
   using Tell = std::function<void(const std::string& line)>;
+  /// Waits, and returns whether somebody wants an end.
+  using Wait = std::function<bool(std::chrono::milliseconds time)>;
 
-  /// `parser`, which is warm, and `store` have to outlive this; `wantsEnd` is asked between
-  /// recordings.
+  /// `parser`, which is warm, and `store` have to outlive this; `wait` is asked between recordings,
+  /// for no time.
   Worker(ConnectionWords database, const Store& store, const RowTables& tables, Parser& parser,
-         WorkRules rules, std::function<bool()> wantsEnd, Tell tell)
+         WorkRules rules, Wait wait, Tell tell)
       : database(std::move(database)),
         store(store),
         tables(tables),
         parser(parser),
         rules(rules),
-        wantsEnd(std::move(wantsEnd)),
+        wait(std::move(wait)),
         tell(std::move(tell)) {}
 
   /// Works until it is asked to end, or, once, until nothing is ready. While the database cannot be
@@ -56,20 +58,18 @@ class Worker {
 
   void WorkWith(Connection& connection);
   Claim TakeClaim(Connection& connection, const Schema& schema);
-  WorkedRecording WorkOn(const std::string& key, const std::optional<host::LocalTime>& taken);
   void KeepLease(Connection& connection, const Schema& schema, const Claim& claim);
   void Release(Connection& connection, const Schema& schema, const Claim& claim);
   /// The same, if the database can be told.
   void TryRelease(Connection& connection, const Schema& schema, const Claim& claim) noexcept;
-  /// Until another attempt, or the end.
-  void Wait(std::chrono::milliseconds time);
+  bool WantsEnd() const { return wait(std::chrono::milliseconds(0)); }
 
   ConnectionWords database;
   const Store& store;
   const RowTables& tables;
   Parser& parser;
   WorkRules rules;
-  std::function<bool()> wantsEnd;
+  Wait wait;
   Tell tell;
   BatchCounts counts;
 };

@@ -10,6 +10,7 @@ import contextlib
 import csv
 import hashlib
 import io
+import itertools
 import json
 import os
 import pathlib
@@ -19,9 +20,12 @@ import signal
 import subprocess
 import sys
 import time
+import urllib.error
+import urllib.request
 import zipfile
 
-from private_postgres import PrivatePostgres
+from private_nginx import PrivateNginx, find_port
+from private_postgres import NOBODY, PrivatePostgres
 from tally import Tally
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
@@ -308,6 +312,12 @@ def check_commands(fleet):
     expect((status["done"], status["ready"], status["parked"], status["servers"]) ==
            (len(SAMPLES), 0, 0, len(SAMPLES)), f"status: {status}")
     expect("done" in fleet.run("status").stdout, "status for people")
+    watch = fleet.start("status", "--watch", "--format", "json")
+    lines = [json.loads(watch.stdout.readline()) for _ in range(2)]
+    watch.send_signal(signal.SIGINT)
+    expect(watch.wait(timeout=10) == 0 and lines[0]["done"] == lines[1]["done"] == len(SAMPLES),
+           f"status --watch: {lines}")
+    watch.communicate()
     # One line for people, not what libpq or a library says by itself.
     for words, code in ((["init"], 2), (["work", "--store", "/nowhere"], 2), (["submit"], 2),
                         (["query"], 2), (["show"], 2), (["reparse"], 2), (["nothing"], 2),
@@ -320,7 +330,7 @@ def check_commands(fleet):
         expect(ended.returncode == code, f"{words}: {ended.returncode} {ended.stderr}")
         expect(code != 2 or ended.stderr.count("\n") == 1, f"{words}: {ended.stderr!r}")
     for command in ("init", "submit", "work", "status", "parked", "reparse", "rebuild", "query", "show",
-                    "history", "export", "forget", "expire", "metrics"):
+                    "history", "export", "forget", "expire", "metrics", "serve"):
         text = fleet.run(command, "--help").stdout
         expect("Examples:" in text and "Exit codes:" in text, f"{command} --help")
     file = pathlib.Path(fleet.server.folder) / "pqfleet.conf"
@@ -447,7 +457,25 @@ def test_hostile(server):
     expect(count_processes() == 0, "no process is left")
     shown = fleet.run("parked", "--reason", "not in the store", "--format", "csv").stdout
     expect(shown.count("\n") == 2 and "missing" in shown, f"parked --reason: {shown}")
+    check_parked(fleet, keys, folder)
     check_retry(fleet)
+
+
+def check_parked(fleet, keys, folder):
+    key = next(key for key, words in keys.items() if words == "leads out")
+    shown = fleet.run("parked", "--show", key[:12].upper(), "--format", "csv").stdout
+    for words in (f"recording,{key}", "leads out", "upward of default at 2026-01-01", f"{key}.zip"):
+        expect(words in shown, f"parked --show has {words}: {shown}")
+    fetched = folder / "fetched.zip"
+    ended = fleet.run("parked", "--fetch", key, "--output", fetched)
+    expect(ended.returncode == 0 and fetched.read_bytes() == (folder / "upward.zip").read_bytes(),
+           f"parked --fetch: {ended.stderr}")
+    missing = next(key for key, words in keys.items() if words == "not in the store")
+    expect("not in the store" in fleet.run("parked", "--show", missing).stdout, "a missing one")
+    for words in (["--show", "xyz"], ["--show", ""], ["--fetch", missing],
+                  ["--show", key, "--retry"], ["--show", key, "--fetch", key]):
+        ended = fleet.run("parked", *words)
+        expect(ended.returncode == 2 and ended.stderr.count("\n") == 1, f"parked {words}: {ended.stderr}")
 
 
 def test_refused_values(server):
@@ -703,7 +731,7 @@ def test_clocks(server):
     expect(fleet.value("select count(*) from fleet.verdict_now where note is null") == "1",
            "a later night is not held up")
     expect(fleet.query("select server from silent").stdout.count("\n") == 1, "nobody is silent")
-    fleet.sql("update fleet.submission set received = now() - interval '3 days'")
+    fleet.sql("update fleet.server set received = now() - interval '3 days'")
     expect("srv-3000" in fleet.query("select server from silent").stdout, "a silent server")
 
 
@@ -768,9 +796,19 @@ def test_removal(server):
     ended = fleet.run("expire", "--older-than", "36500")
     expect(ended.stdout == "removed 0 submissions, 0 recordings\n", f"{ended.stdout}")
     expect(list_store(fleet) == list_objects(fleet), "what was left over goes, what is known stays")
+    # Of each server one of December as well: it, and the first of January, stay.
+    fleet.sql("insert into fleet.submission (server, taken, object) select distinct on (server, n)"
+              " server, timestamptz '2025-12-20 00:00Z' + n * interval '1 day', object from"
+              " fleet.submission, generate_series(0, 1) n where taken < '2026-02-01'"
+              " and taken >= '2026-01-01' order by server, n, taken")
+    ended = fleet.run("expire", "--older-than", "1", "--keep-monthly")
+    expect(ended.stdout == "removed 25 submissions, 10 recordings\n", f"{ended.stdout}")
+    left = fleet.sql("select to_char(taken, 'MM-DD'), count(*) from fleet.submission"
+                     " where taken < '2026-02-01' group by 1 order by 1")
+    expect(left == [["01-01", "5"], ["01-06", "5"], ["12-20", "5"]], f"one of a month stays: {left}")
     ended = fleet.run("expire", "--older-than", "1")
     # Of night 5 and what is the same as in it only night 5 is left.
-    expect(ended.stdout == "removed 25 submissions, 15 recordings\n", f"{ended.stdout}")
+    expect(ended.stdout == "removed 10 submissions, 5 recordings\n", f"{ended.stdout}")
     expect(list_store(fleet) == list_objects(fleet), "old ones are out of the store")
     expect(fleet.value("select count(*) from fleet.verdict_now") == "6", "the newest ones stay")
 
@@ -803,6 +841,332 @@ def check_metrics(fleet):
                                capture_output=True)
         expect(not ended.stderr + ended.stdout and ended.returncode == 0,
                f"promtool: {ended.stderr}{ended.stdout}")
+
+
+# --- the door ---
+
+DOOR = ROOT / "docs" / "examples" / "door"
+
+
+class Spool:
+    """A spool of two sites, the door's nginx before it, and certificates."""
+
+    def __init__(self, server, name):
+        self.folder = pathlib.Path(server.folder) / name
+        self.folder.mkdir(mode=0o755)
+        self.keys, self.spool = self.folder / "keys", self.folder / "spool"
+        self.spool.mkdir()
+        for site in ("berlin", "oslo"):
+            (self.spool / site).mkdir()
+            # As the door's group may.
+            os.chmod(self.spool / site, 0o777)
+        os.chmod(self.spool, 0o777)
+        for words in (["door", "127.0.0.1"], ["site", "berlin"], ["site", "oslo"],
+                      ["site", "nowhere"]):
+            ended = subprocess.run([DOOR / "make_ca.sh", self.keys, *words], text=True,
+                                   env={**os.environ, "PASSWORD": "x"}, capture_output=True)
+            expect(ended.returncode == 0, f"make_ca.sh {words}: {ended.stderr}")
+        readable = self.folder / "nginx-keys"
+        readable.mkdir()
+        for file in ("server.pem", "server.key", "ca.pem"):
+            shutil.copy(self.keys / file, readable)
+            if os.geteuid() == 0:
+                os.chown(readable / file, NOBODY, NOBODY)
+        self.nginx = PrivateNginx(DOOR / "pqfleet-door.conf", self.folder / "nginx",
+                                  {"/etc/pqfleet/door": readable,
+                                   "/var/spool/pqfleet": self.spool})
+
+    def curl(self, path, *words, site="berlin"):
+        """The status of the answer; 0 when there is none."""
+        certificate = ["--cert", self.keys / f"{site}.pem", "--key",
+                       self.keys / f"{site}.key"] if site else []
+        ended = subprocess.run(
+            ["curl", "--silent", "--output", "/dev/null", "--write-out", "%{http_code}", "--cacert",
+             self.keys / "ca.pem", *certificate, *words,
+             f"https://127.0.0.1:{self.nginx.port}{path}"], capture_output=True, text=True)
+        return int(ended.stdout)
+
+    def put(self, file, *words, **more):
+        digest = hashlib.sha256(pathlib.Path(file).read_bytes()).hexdigest()
+        return self.curl(f"/recordings/{digest}.zip", "--upload-file", str(file), *words, **more)
+
+    def list(self, *places):
+        return sorted(str(path.relative_to(self.spool)) for path in self.spool.rglob("*.zip"))
+
+    def send(self, folder, site):
+        return subprocess.run(
+            [DOOR / "send_recordings.sh", folder, f"https://127.0.0.1:{self.nginx.port}",
+             self.keys / f"{site}.pem", self.keys / f"{site}.key", self.keys / "ca.pem"],
+            env={**os.environ, "RETRIES": "1"}, capture_output=True, text=True)
+
+
+def await_true(holds, seconds=30):
+    end = time.monotonic() + seconds
+    while time.monotonic() < end:
+        if holds():
+            return True
+        time.sleep(0.05)
+    return False
+
+
+def end_watch(process):
+    process.send_signal(signal.SIGTERM)
+    begin = time.monotonic()
+    out, errors = process.communicate(timeout=60)
+    expect(process.returncode == 0 and time.monotonic() - begin < 5,
+           f"submit --watch ends when asked to: {process.returncode} {errors}")
+    return out, errors
+
+
+def test_door(server):
+    fleet = Fleet(server)
+    door = Spool(server, "door")
+    files = make_random(server, 2, 2, 4000)
+    with door.nginx:
+        expect(door.put(files[0], site=None) == 400, "without a certificate")
+        digest = "ab" * 32
+        for path, words, status in (
+                (f"/recordings/{digest}.zip", [], 403),
+                (f"/recordings/{digest}.zip", ["--request", "DELETE"], 403),
+                (f"/recordings/{digest}.zip", ["--request", "MKCOL"], 403),
+                ("/recordings/x.zip", ["--upload-file", files[0]], 404),
+                (f"/recordings/{digest[1:]}.zip", ["--upload-file", files[0]], 404),
+                (f"/recordings/..%2f{digest}.zip", ["--upload-file", files[0]], 404),
+                (f"/recordings/oslo/{digest}.zip", ["--upload-file", files[0]], 404), ("/", [], 404)):
+            expect(door.curl(path, *words) == status, f"{words} {path} is answered {status}")
+        expect(door.put(files[0], site="nowhere") == 403, "a site that is not one")
+        large = door.folder / "large.zip"
+        with large.open("wb") as file:
+            file.truncate(65 << 20)
+        expect(door.put(large) == 413, "65 MiB")
+        expect(not door.list(), f"nothing was let in: {door.list()}")
+        expect(door.put(files[0]) == 201 and door.put(files[0]) == 204, "a recording, twice")
+        expect(len(door.list()) == 1 and door.list()[0].startswith("berlin/"), f"{door.list()}")
+        slow = door.folder / "slow.zip"
+        slow.write_bytes(random.Random(3).randbytes(8 << 20))
+        cut = subprocess.Popen(
+            ["curl", "--silent", "--limit-rate", "200k", "--cacert", door.keys / "ca.pem", "--cert",
+             door.keys / "berlin.pem", "--key", door.keys / "berlin.key", "--upload-file", slow,
+             f"https://127.0.0.1:{door.nginx.port}/recordings/{digest}.zip"])
+        coming = lambda: [path for path in (door.spool / ".coming").rglob("*") if path.is_file()]
+        expect(await_true(coming), "an upload is on its way")
+        expect(len(door.list()) == 1, "and not there before it is whole")
+        cut.kill()
+        cut.wait()
+        expect(await_true(lambda: not coming()) and len(door.list()) == 1,
+               "of a cut upload nothing is left")
+        for mark, status in ((".closed", 503), ("berlin/.closed", 429)):
+            (door.spool / mark).touch()
+            expect(door.put(files[1]) == status, f"closed by {mark}")
+            expect((door.put(files[1], site="oslo") == 201) == (status == 429), "others are not")
+            (door.spool / mark).unlink()
+        check_senders(fleet, door, files)
+    log = (door.nginx.folder / "pqfleet-door.log").read_text()
+    for words in (' 400 127.0.0.1 "" ', ' 413 127.0.0.1 "berlin" ', ' 403 127.0.0.1 "nowhere" '):
+        expect(words in log, f"the door's log has {words!r}")
+
+
+def check_senders(fleet, door, files):
+    """Two sites send recordings of servers that are called alike."""
+    for site in ("berlin", "oslo"):
+        outgoing = door.folder / f"to-send-{site}"
+        outgoing.mkdir()
+        for path in files:
+            shutil.copy(path, outgoing)
+        (door.spool / ".closed").touch()
+        ended = door.send(outgoing, site)
+        expect(ended.returncode == 1 and len(list(outgoing.iterdir())) == 4,
+               f"what cannot be sent stays: {ended.stderr[-200:]}")
+        (door.spool / ".closed").unlink()
+        ended = door.send(outgoing, site)
+        expect(ended.returncode == 0 and not list(outgoing.iterdir()), f"send: {ended.stderr}")
+    watch = fleet.start("submit", "--watch", door.spool)
+    expect(await_true(lambda: not door.list()), f"the spool is emptied: {door.list()}")
+    end_watch(watch)
+    counted = fleet.sql("select t.name, count(distinct v.id), count(*) from fleet.submission s"
+                        " join fleet.server v on v.id = s.server join fleet.site t on t.id = v.site"
+                        " group by 1 order by 1")
+    expect(counted == [["berlin", "2", "4"], ["oslo", "2", "4"]],
+           f"each site has servers of its own: {counted}")
+
+
+def test_watch(server):
+    """A folder that others write into as they like, while who watches it is killed."""
+    fleet = Fleet(server)
+    spool = pathlib.Path(server.folder) / "watched"
+    for site in ("berlin", "oslo", ".hidden"):
+        (spool / site).mkdir(parents=True)
+    for words, reason in ((["--watch", spool / "nowhere"], "no such folder"),
+                          (["--watch", spool, "--site", "x"], "beside it"),
+                          (["--watch", spool, "x.zip"], "beside it"),
+                          (["--watch", spool, "--store", "/nowhere"], "no store")):
+        ended = fleet.run("submit", *words)
+        expect(ended.returncode == 2 and reason in ended.stderr, f"{words}: {ended.stderr}")
+    files = make_random(server, 60, 5, 5000)
+    parts = [file.read_bytes() for file in files]
+    watch = fleet.start("submit", "--watch", spool)
+    expect(await_true((spool / ".lock").exists), "it watches")
+    second = fleet.run("submit", "--watch", spool)
+    expect(second.returncode == 2 and "another pqfleet submit" in second.stderr, "one for a spool")
+    kills = 0
+    for number, content in enumerate(parts):
+        path = spool / ("berlin" if number % 2 else "oslo") / f"{number}.zip"
+        # In two halves, and some under a name that another one had.
+        if number % 50 == 49:
+            path = path.with_name(f"again-{number % 2}.zip")
+            await_true(lambda: not path.exists())
+        with path.open("wb") as file:
+            file.write(content[:len(content) // 2])
+            file.flush()
+            if number == 0:
+                time.sleep(2)  # It looks every second.
+            if number % 30 == 7:
+                watch.kill()
+                watch.communicate()
+                kills += 1
+                watch = fleet.start("submit", "--watch", spool)
+            file.write(content[len(content) // 2:])
+    (spool / ".hidden" / "0.zip").write_bytes(parts[0])
+    (spool / "berlin" / "no.txt").write_bytes(parts[0])
+    (spool / "berlin" / "link.zip").symlink_to(files[0])
+    os.mkfifo(spool / "berlin" / "pipe.zip")
+    waiting = lambda: [path for site in ("berlin", "oslo") for path in (spool / site).iterdir()
+                       if path.suffix == ".zip" and path.is_file() and not path.is_symlink()]
+    expect(await_true(lambda: not waiting(), 60), f"all are taken: {waiting()}")
+    out, errors = end_watch(watch)
+    found = fleet.value("select count(*) from fleet.submission")
+    expect(found == str(len(files)), f"killed {kills} times, {found} of {len(files)} are registered")
+    expect(not (spool / ".refused").exists(), "half-written ones are not refused")
+    expect((spool / "berlin" / "no.txt").exists() and (spool / "berlin" / "link.zip").is_symlink() and
+           (spool / ".hidden" / "0.zip").exists(), "what is no recording stays")
+    check_refusals(fleet, spool, parts)
+    check_quotas(fleet, spool, parts)
+
+
+def check_refusals(fleet, spool, parts):
+    half = spool / "oslo" / "half.zip"
+    half.write_bytes(parts[0][:1000])
+    # A name that would ring a bell wherever it is shown.
+    odd = zip_bytes({"recording.json": commands_json(["a"]), "a": "odd",
+                     "submission.json": json.dumps({"format": 1, "name": "x\u0007y",
+                                                    "recordedAt": "2026-01-01T00:00:00Z"})})
+    (spool / "oslo" / "odd.zip").write_bytes(odd)
+    (spool / "oslo" / "good.zip").write_bytes(parts[0])
+    watch = fleet.start("submit", "--watch", spool, "--patience", "1")
+    expect(await_true(lambda: len(list((spool / ".refused").rglob("*.zip"))) == 2),
+           "what stays half is refused")
+    out, errors = end_watch(watch)
+    expect(out.count("refused  ") == 2 and out.count("known  ") == 1, f"lines: {out}")
+    expect((spool / ".refused" / "oslo" / "half.zip").read_bytes() == parts[0][:1000],
+           "and kept to be looked at")
+
+
+def check_quotas(fleet, spool, parts):
+    fleet.sql("delete from fleet.site_day")
+    for number in range(8):
+        (spool / "berlin" / f"{number}.zip").write_bytes(parts[number])
+    (spool / "oslo" / "0.zip").write_bytes(parts[0])
+    watch = fleet.start("submit", "--watch", spool, "--day-recordings", "5")
+    expect(await_true((spool / "berlin" / ".closed").exists) and
+           await_true(lambda: not (spool / "oslo" / "0.zip").exists()), "a quota closes one site")
+    out, errors = end_watch(watch)
+    left = sum(path.is_file() for path in (spool / "berlin").glob("[0-7].zip"))
+    expect(left == 3 and "closed to berlin" in errors, f"{left} are left: {errors}")
+    fleet.sql("update fleet.site_day set day = day - 1")
+    watch = fleet.start("submit", "--watch", spool, "--day-recordings", "5", "--most-ready", "100")
+    expect(await_true((spool / ".closed").exists), "a full queue closes the door")
+    fleet.sql("update fleet.job set state = 2")
+    expect(await_true(lambda: not list((spool / "berlin").glob("[0-7].zip"))) and
+           await_true(lambda: not (spool / ".closed").exists() and
+                      not (spool / "berlin" / ".closed").exists()), "the next day it is open")
+    end_watch(watch)
+    fleet.sql("delete from fleet.site_day")
+    (spool / "berlin" / "0.zip").write_bytes(parts[0])
+    fleet.sql("insert into fleet.site_day select id, (now() at time zone 'UTC')::date, 1, 2 << 20"
+              " from fleet.site where name = 'berlin'")
+    watch = fleet.start("submit", "--watch", spool, "--day-mib", "2")
+    expect(await_true((spool / "berlin" / ".closed").exists), "a quota of bytes")
+    end_watch(watch)
+
+
+# --- the pages ---
+
+def fetch(port, path, host="localhost", method="GET"):
+    """Status and text."""
+    asked = urllib.request.Request(f"http://127.0.0.1:{port}{path}", method=method,
+                                   headers={"Host": host})
+    try:
+        with urllib.request.urlopen(asked, timeout=30) as answer:
+            return answer.status, answer.read().decode()
+    except urllib.error.HTTPError as error:
+        return error.code, error.read().decode()
+
+
+def test_serve(server):
+    fleet = Fleet(server)
+    fleet.submit(*SAMPLES, *make_random(server, 120, 1, 6000))
+    fleet.run("submit", "--server", "<script>alert(1)</script><img src=x onerror=alert(2)>", "--site",
+              "'\"><b>bold", ROOT / "samples" / "no-bmc")
+    place(fleet, "missing", None, "<iframe src=//x>")
+    fleet.work()
+    # A month ago the drive had fewer errors.
+    fleet.sql("with o as (insert into fleet.object (id, key, bytes, stored) overriding system value"
+              " values (0, sha256('x'), 1, now() - interval '20 days') returning id), s as (insert"
+              " into fleet.submission (server, taken, object) select v.id, now() - interval '20"
+              " days', o.id from o, fleet.server v where v.name = 'NODE31') insert into"
+              " fleet.drive_error (object, drive, serial, media_errors)"
+              " select id, 'x', 'Z4K002C9144', 4 from o")
+    fleet.sql("update fleet.server set received = now() - interval '3 days' where name = 'vroc'")
+    fleet.sql("do $$ begin create role the_reader login; exception when duplicate_object then null;"
+              " end $$")
+    fleet.sql("grant fleet_reader to the_reader")
+    port = find_port()
+    pages = fleet.start("serve", "--port", port)
+    expect(await_true(lambda: answers(port)), "it serves")
+    ended = fleet.run("serve", "--port", port)
+    expect(ended.returncode == 2 and "is not to be had" in ended.stderr, f"a port: {ended.stderr}")
+    # The site as its own name's owner would have it.
+    expect(fetch(port, "/", "elsewhere.example.org")[0] == 421, "another host's name")
+    expect(fetch(port, "/", method="POST")[0] == 404, "nothing can be sent")
+    ended = subprocess.run(["node", ROOT / "tests/browser/fleet_test.mjs", f"http://127.0.0.1:{port}",
+                            ROOT / "build/browser"], capture_output=True, text=True, cwd=ROOT)
+    print(ended.stdout.rsplit("\n", 2)[0])  # Its last line counts its tests, not this script's.
+    passed = ended.stdout.count("ok      ")
+    expect(ended.returncode == 0 and passed == 7, f"in Chromium: {ended.stderr[-500:]}")
+    pages.send_signal(signal.SIGTERM)
+    expect(pages.wait(timeout=20) == 0, "it ends when asked to")
+    pages.communicate()
+    # Without rights beyond a reader's, nor the store.
+    pages = fleet.start("serve", "--port", port, "--host", "fleet.example.org", user="the_reader")
+    expect(await_true(lambda: answers(port)), "it serves as a reader")
+    expect(fetch(port, "/", "fleet.example.org:80")[0] == 200, "its host's name")
+    server.stop("immediate")
+    expect(fetch(port, "/")[0] == 503, "without a database it says so")
+    server.start()
+    expect(fetch(port, "/")[0] == 200, "and goes on when it is back")
+    pages.send_signal(signal.SIGINT)
+    expect(pages.wait(timeout=20) == 0, "it ends by Ctrl-C")
+    pages.communicate()
+
+
+def test_demo(_):
+    """scripts/fleet_demo.py brings its own server."""
+    port = find_port()
+    demo = subprocess.Popen(
+        [sys.executable, ROOT / "scripts" / "fleet_demo.py", str(BIN), "50", str(port)], text=True,
+        stdout=subprocess.PIPE, stderr=subprocess.PIPE, start_new_session=True)
+    expect(await_true(lambda: demo.poll() is not None or answers(port), 60), "it serves")
+    os.killpg(demo.pid, signal.SIGINT)  # As Ctrl-C on a screen.
+    out, errors = demo.communicate(timeout=60)
+    expect(demo.returncode == 0 and "35 done, 0 parked" in errors and
+           "$ pqfleet serve" in out and "warning" in out, f"the demonstration: {out[-500:]}{errors}")
+
+
+def answers(port):
+    try:
+        return fetch(port, "/")[0] == 200
+    except OSError:
+        return False
 
 
 # --- who may do what ---
@@ -855,6 +1219,63 @@ def test_upgrade(server):
     fleet.work()
     expect(not differences(before, digest(fleet)), "after an upgrade all is made again")
     expect(fleet.value("select count(distinct parser) from fleet.result") == "1", "all anew")
+
+
+def test_shadow(server):
+    """Rows of readers that read 4 where these read 37, and know no firmware."""
+    fleet = Fleet(server)
+    sample = ROOT / "samples" / "two-socket-server"
+    other = pathlib.Path(server.folder) / "other"
+    shutil.copytree(sample, other)
+    text = other / "storcli" / "c0_eall_sall_show_all.txt"
+    content = text.read_bytes()
+    expect(content.count(b"Media Error Count = 37") == 1, "one drive has errors")
+    text.write_bytes(content.replace(b"Media Error Count = 37", b"Media Error Count = 4"))
+    fleet.run("submit", other, "--server", "one")
+    fleet.run("submit", sample, "--server", "two")
+    fleet.work()
+    expect(fleet.run("reparse", "--shadow").stdout == "2 servers looked at\n", "nothing would change")
+    for table in ("submission", "server_state"):
+        fleet.sql(f"update fleet.{table} set object = (select s.object from fleet.submission s join"
+                  f" fleet.server v on v.id = s.server where v.name = 'two') where server ="
+                  f" (select id from fleet.server where name = 'one')")
+    # Nor is the database made for this program.
+    fleet.sql("update fleet.parser set version = '0.0.9+former'")
+    before = digest(fleet)
+    ended = fleet.run("reparse", "--shadow")
+    lines = ended.stdout.splitlines()
+    expect(ended.returncode == 1 and lines[-1] == "2 servers looked at", f"{ended.stdout}{ended.stderr}")
+    expect('part_drives: 1 change of 1 server' in lines and any(
+        line.startswith("  one row ") and line.endswith('media_errors "4" -> "37"')
+        for line in lines), f"the drive is told: {lines}")
+    expect(not any(line.startswith("  two ") for line in lines), "the other server has no change")
+    expect(before == digest(fleet), "nothing is written")
+    told = sum(int(line.split()[1]) for line in lines if not line.startswith(" ") and ": " in line
+               and not line.startswith("verdict"))
+    fleet.run("init", "--upgrade")
+    fleet.run("reparse", "--server", "one")
+    fleet.sql("update fleet.result set parser = (select id from fleet.parser where state = 'current')")
+    fleet.sql("update fleet.server_state set parser = (select id from fleet.parser where state ="
+              " 'current')")
+    written = fleet.work()
+    expect(written == 2 * told and told > 0, f"{told} rows are told, {written} removed and added")
+    expect(fleet.run("reparse", "--shadow").stdout == "2 servers looked at\n", "then nothing is left")
+    # A column that is not there yet, a verdict, and a recording that is lost.
+    fleet.sql("alter table fleet.part_drives drop column media_errors cascade")
+    fleet.sql("update fleet.server_state set rows = '' where server = (select id from fleet.server"
+              " where name = 'one')")
+    fleet.sql("update fleet.result set verdict = 'ok'")
+    lines = fleet.run("reparse", "--shadow", "--server", "one").stdout.splitlines()
+    expect(any('media_errors nothing -> "' in line for line in lines) and
+           "verdict: 1 change of 1 server" in lines and "  one: ok -> warning" in lines and
+           lines[-1] == "1 server looked at", f"{lines[:5]}")
+    expect(max(sum(1 for _ in group) for _, group in itertools.groupby(
+        lines, lambda line: line.startswith(" "))) <= 10, "ten examples of each")
+    for path in fleet.store.rglob("*.zip"):
+        path.unlink()
+    lines = fleet.run("reparse", "--shadow").stdout.splitlines()
+    expect(lines[0] == "parked: 2 changes of 2 servers" and "not in the store" in lines[1], f"{lines}")
+    expect(fleet.run("reparse", "--shadow", "--all").returncode == 2, "--shadow --all")
 
 
 TESTS = {name.removeprefix("test_"): function for name, function in list(globals().items())

@@ -9,7 +9,7 @@ packages=(
   g++-mingw-w64-x86-64-posix wine wine64          # Windows build and where it runs
   libboost-dev libcli11-dev nlohmann-json3-dev libfmt-dev libsqlite3-dev nettle-dev
   zlib1g-dev libz-mingw-w64-dev
-  libpq-dev                                       # pqfleet
+  libpq-dev libcpp-httplib-dev                    # pqfleet
   googletest
 )
 purpose=${1:-build}
@@ -31,6 +31,7 @@ if [[ $purpose == test ]]; then
     python3-jsonschema                            # JSON schemas
     lintian man-db                                # what Debian says of the package
     postgresql procps                             # what pqfleet is tried on
+    curl libpcre2-8-0                             # what sends to its door, and what nginx needs
     unzip                                         # what others make of our ZIP files
     locales                                       # a machine that is not English, under Wine
     chromium                                      # what reads the HTML report in a test
@@ -50,23 +51,24 @@ install_node_modules() {
   npm ci --ignore-scripts --no-audit --no-fund --loglevel=error
 }
 
-# Debian's prometheus starts a server when it is installed. Of its package only promtool is taken,
-# which needs nothing of the rest.
-unpack_promtool() {
-  [[ -x build/tools/promtool ]] && return
-  local folder
+# Debian's prometheus and nginx start servers when they are installed. Of their packages only the
+# programs are taken, which need nothing of the rest.
+#   unpack_tool PACKAGE FILE
+unpack_tool() {
+  local package=$1 file=$2 name=${2##*/} folder
+  [[ -x build/tools/$name ]] && return
   folder=$(mktemp -d)
   chmod 755 "$folder"  # apt downloads as a user of its own
-  echo "Unpacking promtool, of Debian's package prometheus, into build/tools"
+  echo "Unpacking $name, of Debian's package $package, into build/tools"
   # Lists of another day may name a version that is gone.
   if ! { (cd "$folder" &&
-          { apt-get download prometheus ||
-            { "${as_root[@]}" apt-get update && apt-get download prometheus; }; } &&
-          dpkg-deb -x prometheus_*.deb .) >"$folder/log" 2>&1 &&
-         mkdir -p build/tools && mv "$folder/usr/bin/promtool" build/tools/; }; then
+          { apt-get download "$package" ||
+            { "${as_root[@]}" apt-get update && apt-get download "$package"; }; } &&
+          dpkg-deb -x "$package"_*.deb .) >"$folder/log" 2>&1 &&
+         mkdir -p build/tools && mv "$folder/$file" build/tools/; }; then
     tail -n 20 "$folder/log" >&2
-    echo "The tests of metrics need build/tools/promtool, and apt does not give Debian's package" \
-         "prometheus, which has it; the whole output is in $folder/log" >&2
+    echo "The tests need build/tools/$name, and apt does not give Debian's package $package, which" \
+         "has it; the whole output is in $folder/log" >&2
     return 1
   fi
   rm -rf "$folder"
@@ -83,7 +85,9 @@ make_no_postgresql_server() {
 
 install_other() {
   install_node_modules
-  [[ $purpose != test ]] || unpack_promtool
+  [[ $purpose == test ]] || return 0
+  unpack_tool prometheus usr/bin/promtool
+  unpack_tool nginx usr/sbin/nginx
 }
 
 cd "$(dirname "$0")/.."

@@ -6,7 +6,7 @@ const std::vector<const host::Command*>& GetCommands() {
   static const std::vector<const host::Command*> kCommands = {
       &kInitCommand,    &kSubmitCommand,  &kWorkCommand,   &kStatusCommand,  &kParkedCommand,
       &kReparseCommand, &kRebuildCommand, &kQueryCommand,  &kShowCommand,    &kHistoryCommand,
-      &kExportCommand,  &kForgetCommand,  &kExpireCommand, &kMetricsCommand,
+      &kExportCommand,  &kForgetCommand,  &kExpireCommand, &kMetricsCommand, &kServeCommand,
   };
   return kCommands;
 }

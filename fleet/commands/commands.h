@@ -21,6 +21,7 @@ extern const host::Command kExportCommand;
 extern const host::Command kForgetCommand;
 extern const host::Command kExpireCommand;
 extern const host::Command kMetricsCommand;
+extern const host::Command kServeCommand;
 
 /// All commands, in the order of the help.
 const std::vector<const host::Command*>& GetCommands();

@@ -20,6 +20,7 @@ namespace {
 
 constexpr char kFooter[] = R"(Examples:
   pqfleet expire --older-than 400
+  pqfleet expire --older-than 60 --keep-monthly
 
 Submissions that were taken more days ago go with their facts and recordings.
 Each server's newest one stays, and what its rows are of.
@@ -32,6 +33,7 @@ constexpr unsigned kMostDays = 36'500;
 struct ExpireOptions {
   GivenSettings settings;
   std::optional<unsigned> days;
+  bool keepsMonthly = false;
 };
 
 int RunExpire(const ExpireOptions& options, const host::Console& console) {
@@ -40,7 +42,8 @@ int RunExpire(const ExpireOptions& options, const host::Console& console) {
   const Store store(RequireStore(settings));
   Connection connection(settings.database, "pqfleet expire");
   RequireSchema(connection);
-  const RemovedCounts removed = Expire(connection, *options.days);
+  const RemovedCounts removed =
+      Expire(connection, *options.days, options.keepsMonthly ? Keep::kFirstOfMonth : Keep::kNone);
   EmptyStore(connection, store);
   console.out << fmt::format("removed {}, {}\n",
                              host::FormatCount(removed.submissions, "submission"),
@@ -52,6 +55,8 @@ host::CommandRun Define(host::OptionSet& set) {
   const auto options = std::make_shared<ExpireOptions>();
   set.AddCount("--older-than", "DAYS", options->days, kMostDays,
                "Remove what was taken more days ago");
+  set.AddFlag("--keep-monthly", options->keepsMonthly,
+              "Keep the first recording of each server and month (UTC)");
   AddSettingsOptions(set, options->settings);
   return [options](const host::Console& console) { return RunExpire(*options, console); };
 }

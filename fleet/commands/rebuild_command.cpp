@@ -31,7 +31,7 @@ int RunRebuild(const GivenSettings& given, const host::Console& console) {
   const std::size_t ready = RunTransaction(connection, [&] {
     std::string names = "server_state, result, drive_error";
     for (const RowTable& table : tables.All()) names += ", " + QuoteName(table.name);
-    connection.Run("truncate " + names);
+    connection.Run("truncate " + names + "; update server set severity = default");
     connection.Ask(
         "insert into job (parser, object) select $1, id from object "
         "on conflict (parser, object) do update set state = 0, attempts = 0, lost = 0, "

@@ -8,9 +8,15 @@
 
 #include "fleet/commands/commands.h"
 #include "fleet/database.h"
+#include "fleet/end_request.h"
+#include "fleet/parser.h"
+#include "fleet/row_tables.h"
 #include "fleet/schema.h"
 #include "fleet/settings.h"
+#include "fleet/shadow.h"
+#include "fleet/store.h"
 #include "host/text/count_text.h"
+#include "host/text/screen_text.h"
 #include "host/text/usage_error.h"
 
 namespace fleet {
@@ -21,19 +27,56 @@ constexpr char kFooter[] = R"(Examples:
   pqfleet reparse --current                           each server's newest recording
   pqfleet reparse --server NODE31
 
+  pqfleet reparse --shadow                            what would an update change?
+
 It makes recordings ready; pqfleet work parses them and writes what changed.
-Exit codes: 0 done; 1 the database refuses; 2 wrong use, or the database is not
-there.
+With --shadow nothing is made ready or written: this program, which need not be
+the one that the database is made for, parses each server's newest recording, and
+tells what the database has otherwise: of each table how many rows, with ten
+examples; verdicts; and what would be parked.
+Exit codes: 0 done, and --shadow found nothing; 1 the database refuses, or
+--shadow found something; 2 wrong use, or the database or the store is not there.
 )";
 
 struct ReparseOptions {
   GivenSettings settings;
   bool all = false;
   bool current = false;
+  bool isShadow = false;
   std::vector<std::string> servers;
 };
 
+int RunShadow(const ReparseOptions& options, const host::Console& console) {
+  const Settings settings = ReadSettings(options.settings);
+  const Store store(RequireStore(settings));
+  Connection connection(settings.database, "pqfleet reparse --shadow");
+  RequireSchema(connection);
+  connection.Run("begin read only");
+  const RowTables tables;
+  Parser parser(tables);
+  EndRequest endRequest;
+  const ShadowResult found = Shadow(connection, store, tables, parser).Look(options.servers, [&] {
+    return endRequest.IsMade();
+  });
+  for (const auto& [what, changes] : found.changes) {
+    console.out << fmt::format("{}: {} of {}\n", what, host::FormatCount(changes.rows, "change"),
+                               host::FormatCount(changes.servers, "server"));
+    for (const std::string& example : changes.examples) {
+      console.out << "  " << host::EscapeControls(example) << '\n';
+    }
+  }
+  console.out << fmt::format("{} looked at{}\n", host::FormatCount(found.servers, "server"),
+                             endRequest.IsMade() ? ", then ended" : "");
+  return found.changes.empty() ? host::kExitDone : host::kExitIncomplete;
+}
+
 int RunReparse(const ReparseOptions& options, const host::Console& console) {
+  if (options.isShadow) {
+    if (options.all || options.current) {
+      throw host::UsageError("--shadow looks at each server's newest recording: leave --all away");
+    }
+    return RunShadow(options, console);
+  }
   const int asked =
       (options.all ? 1 : 0) + (options.current ? 1 : 0) + (options.servers.empty() ? 0 : 1);
   if (asked != 1) {
@@ -63,7 +106,8 @@ host::CommandRun Define(host::OptionSet& set) {
   set.AddFlag("--all", options->all, "All recordings");
   set.AddFlag("--current", options->current, "Those whose rows are in the database");
   set.AddTexts("--server", "NAME", options->servers, "Those of this server; may be repeated");
-  AddDatabaseOptions(set, options->settings);
+  set.AddFlag("--shadow", options->isShadow, "Tell what would change, and change nothing");
+  AddSettingsOptions(set, options->settings);
   return [options](const host::Console& console) { return RunReparse(*options, console); };
 }
 

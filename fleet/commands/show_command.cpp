@@ -36,6 +36,7 @@ there.
 struct ShowOptions {
   GivenSettings settings;
   std::vector<std::string> words;
+  std::vector<std::string> servers;
   std::vector<std::string> sites;
   std::vector<std::string> times;
   host::ResultOptions result;
@@ -47,7 +48,7 @@ struct Found {
 };
 
 Found FindRecording(Connection& connection, const ShowOptions& options) {
-  const std::string& server = options.words.back();
+  const std::string& server = (options.words.empty() ? options.servers : options.words).back();
   const Value site = options.sites.empty() ? Value() : Value(options.sites.back());
   const Value time = options.times.empty() ? Value() : Value(options.times.back());
   const Answer answer = [&] {
@@ -82,7 +83,7 @@ Found FindRecording(Connection& connection, const ShowOptions& options) {
 }
 
 int RunShow(const ShowOptions& options, const host::Console& console) {
-  if (options.words.empty()) {
+  if (options.words.empty() == options.servers.empty()) {
     throw host::UsageError("there is no server: name one, as in pqfleet show NODE31");
   }
   const host::Format& format = host::ChooseFormat(options.result, console);
@@ -114,8 +115,10 @@ int RunShow(const ShowOptions& options, const host::Console& console) {
 
 host::CommandRun Define(host::OptionSet& set) {
   const auto options = std::make_shared<ShowOptions>();
-  set.AddArguments("SERVER", "SERVER", host::OptionValue::kAny, 1, options->words,
+  set.AddArguments("SERVER", "[SERVER]", host::OptionValue::kAny, 1, options->words,
                    "The server's name");
+  set.AddTexts("--server", "NAME", options->servers,
+               "The same, for a name that begins with a hyphen: --server=-x");
   set.AddTexts("--site", "NAME", options->sites, "Whose server it is, where several have the name");
   set.AddTexts("--at", "TIME", options->times,
                "The newest recording up to this time, in UTC unless it says otherwise; the newest "

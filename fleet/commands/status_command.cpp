@@ -2,13 +2,17 @@
 
 #include <fmt/format.h>
 
+#include <chrono>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "fleet/commands/commands.h"
 #include "fleet/database.h"
+#include "fleet/end_request.h"
+#include "fleet/patience.h"
 #include "fleet/schema.h"
 #include "fleet/settings.h"
 #include "host/text/json_text.h"
@@ -20,6 +24,7 @@ namespace {
 constexpr char kFooter[] = R"(Examples:
   pqfleet status
   pqfleet status --format json
+  pqfleet status --watch               every two seconds, until Ctrl-C
 
 The rate is that of the last minute. Silent are servers of which nothing came
 for 36 hours: pqfleet query "SELECT * FROM silent".
@@ -30,6 +35,7 @@ there.
 struct StatusOptions {
   GivenSettings settings;
   std::string format = "table";
+  bool isWatching = false;
 };
 
 /// Names as JSON has them.
@@ -99,16 +105,41 @@ void WriteTable(const Status& status, std::ostream& out) {
   }
 }
 
+void WriteStatus(const StatusOptions& options, Connection& connection, std::ostream& out) {
+  const Status status = FindStatus(connection);
+  if (options.format == "json") {
+    WriteJson(status, out);
+  } else {
+    WriteTable(status, out);
+  }
+}
+
+int WatchStatus(const StatusOptions& options, const ConnectionWords& database,
+                const host::Console& console) {
+  constexpr std::chrono::seconds kTurn{2};
+  constexpr char kClear[] = "\x1b[H\x1b[J";
+  EndRequest endRequest;
+  WorkPatiently(
+      database, "pqfleet status",
+      [&](Connection& connection) {
+        do {
+          if (console.outIsTerminal) console.out << kClear;
+          WriteStatus(options, connection, console.out);
+          if (!console.outIsTerminal && options.format == "table") console.out << '\n';
+          console.out.flush();
+        } while (console.out && !endRequest.Sleep(kTurn));
+      },
+      [&](std::chrono::milliseconds time) { return endRequest.Sleep(time); },
+      [&](const std::string& line) { host::Complain(console, line); });
+  return host::kExitDone;
+}
+
 int RunStatus(const StatusOptions& options, const host::Console& console) {
   const Settings settings = ReadSettings(options.settings);
   Connection connection(settings.database, "pqfleet status");
   RequireSchema(connection);
-  const Status status = FindStatus(connection);
-  if (options.format == "json") {
-    WriteJson(status, console.out);
-  } else {
-    WriteTable(status, console.out);
-  }
+  if (options.isWatching) return WatchStatus(options, settings.database, console);
+  WriteStatus(options, connection, console.out);
   return host::kExitDone;
 }
 
@@ -116,6 +147,7 @@ host::CommandRun Define(host::OptionSet& set) {
   const auto options = std::make_shared<StatusOptions>();
   set.AddChoice("--format", {"table", "json"}, options->format,
                 "Format of the answer: table, json; table unless given");
+  set.AddFlag("--watch", options->isWatching, "Tell it again every two seconds");
   AddDatabaseOptions(set, options->settings);
   return [options](const host::Console& console) { return RunStatus(*options, console); };
 }

@@ -106,7 +106,7 @@ int RunWork(const WorkOptions& options, const host::Console& console) {
     EndRequest ownRequest;
     Worker worker(
         settings.database, store, tables, parser, MakeRules(options),
-        [&] { return ownRequest.IsMade(); },
+        [&](std::chrono::milliseconds time) { return ownRequest.Sleep(time); },
         [&](const std::string& line) { host::Complain(console, line); });
     try {
       counts.Of(number) += worker.Work();
