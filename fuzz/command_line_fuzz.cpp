@@ -2,8 +2,8 @@
 // that has a recording of a machine without tools, "recording", and a database, "x.db". A word that
 // could lead out of the folder is none for this target.
 //
-// It ends with 0, 1 or 2, and health with 3 as well; says why if that is not 0, and shows nothing that
-// a terminal obeys.
+// It ends with 0, 1 or 2, and health with 3 as well; says why if that is not 0, and shows nothing
+// that a terminal obeys.
 #include <stdlib.h>
 
 #include <algorithm>

@@ -1,5 +1,5 @@
-// The log of a collection. What tools print is logged line by line and, in places, word by word, which
-// is many times what they printed: a long log is packed.
+// The log of a collection. What tools print is logged line by line and, in places, word by word,
+// which is many times what they printed: a long log is packed.
 #pragma once
 
 #include <cstddef>
