@@ -11,9 +11,9 @@ namespace {
 
 constexpr std::size_t kPieceSize = 1 << 20;
 
-std::string Pack(const std::string& piece) {
+std::string Pack(std::string_view piece, std::string_view rest = {}) {
   GzipStream stream(std::numeric_limits<std::size_t>::max(), GzipEffort::kLeast);
-  stream << piece;
+  stream << piece << rest;
   return stream.Take();
 }
 
@@ -22,12 +22,14 @@ std::string Pack(const std::string& piece) {
 void KeptLog::Add(const LogLine& line) {
   const Head head{line.text.size(), line.line, NumberFile(line.file),
                   static_cast<std::uint16_t>(line.level)};
-  if (last.size() > kPieceSize) {
-    packed.push_back(Pack(last));
-    last.clear();
-  }
   last.append(reinterpret_cast<const char*>(&head), sizeof(head));
-  last += line.text;
+  if (last.size() + line.text.size() > kPieceSize) {
+    // A text may be all that a tool printed, and is copied nowhere.
+    packed.push_back(Pack(last, line.text));
+    last.clear();
+  } else {
+    last += line.text;
+  }
   ++count;
 }
 
