@@ -52,7 +52,7 @@ TEST_F(PseudonymsTest, NeverMeetAndNeverStay) {
 TEST_F(PseudonymsTest, OfAddressesKeepNetworks) {
   std::set<std::string> all;
   std::map<std::string, std::string> networks;
-  for (int third = 0; third < 256; third += 5) {
+  for (int third = 0; third < 256; third += 17) {
     for (int fourth = 0; fourth < 256; ++fourth) {
       const std::string value = fmt::format("10.24.{}.{}", third, fourth);
       const std::string pseudonym = Make(ValueKind::kIpv4, value);
@@ -68,7 +68,7 @@ TEST_F(PseudonymsTest, OfAddressesKeepNetworks) {
       EXPECT_EQ(last == "255", fourth == 255);
     }
   }
-  EXPECT_EQ(all.size(), 52U * 256U);
+  EXPECT_EQ(all.size(), 16U * 256U);
 }
 
 TEST_F(PseudonymsTest, OfPrivateNetworksStayPrivate) {
