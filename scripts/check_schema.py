@@ -41,67 +41,54 @@ def compare(pqhost, before, after):
     return json.loads(run.stdout.decode("utf-8"))
 
 
+def change(good, what, edit):
+    """What is wrong, and `good` with that."""
+    bad = copy.deepcopy(good)
+    edit(bad)
+    return what, bad
+
+
 def damaged(good):
     """Results that a careless change could write, each with what is wrong in it."""
-    def change(what, edit):
-        bad = copy.deepcopy(good)
-        edit(bad)
-        return what, bad
-
-    yield change("another format", lambda c: c.update(format=2))
-    yield change("no machine", lambda c: c.pop("machine"))
-    yield change("a time with a zone", lambda c: c.update(collected="2026-11-18T09:41:07+01:00"))
-    yield change("a row that is a list", lambda c: c["tables"][0]["rows"].append(["a"]))
-    yield change("a value that is null", lambda c: c["tables"][0]["rows"].append({"item1": None}))
-    yield change("a column without label", lambda c: c["tables"][0]["columns"].append({"key": "a"}))
-    yield change("a table without class", lambda c: c["tables"][0].pop("class"))
-    yield change("no verdict", lambda c: c.pop("health"))
-    yield change("another verdict", lambda c: c["health"].update(verdict="fine"))
+    yield change(good, "another format", lambda c: c.update(format=2))
+    yield change(good, "no machine", lambda c: c.pop("machine"))
+    yield change(good, "a time with a zone", lambda c: c.update(collected="2026-11-18T09:41:07+01:00"))
+    yield change(good, "a row that is a list", lambda c: c["tables"][0]["rows"].append(["a"]))
+    yield change(good, "a value that is null", lambda c: c["tables"][0]["rows"].append({"item1": None}))
+    yield change(good, "a column without label", lambda c: c["tables"][0]["columns"].append({"key": "a"}))
+    yield change(good, "a table without class", lambda c: c["tables"][0].pop("class"))
+    yield change(good, "no verdict", lambda c: c.pop("health"))
+    yield change(good, "another verdict", lambda c: c["health"].update(verdict="fine"))
 
 
 def damaged_check(good):
     """The same of a machine's check."""
-    def change(what, edit):
-        bad = copy.deepcopy(good)
-        edit(bad)
-        return what, bad
-
-    yield change("a check of another format", lambda c: c.update(format=2))
-    yield change("no areas", lambda c: c.pop("areas"))
-    yield change("another rating", lambda c: c["areas"][0].update(rating="good"))
-    yield change("a tool without a path", lambda c: c["areas"][0]["tools"][0].pop("path"))
-    yield change("another state", lambda c: c["machine"][0].update(state="full"))
+    yield change(good, "a check of another format", lambda c: c.update(format=2))
+    yield change(good, "no areas", lambda c: c.pop("areas"))
+    yield change(good, "another rating", lambda c: c["areas"][0].update(rating="good"))
+    yield change(good, "a tool without a path", lambda c: c["areas"][0]["tools"][0].pop("path"))
+    yield change(good, "another state", lambda c: c["machine"][0].update(state="full"))
 
 
 def damaged_difference(good):
     """The same of a comparison of two machines."""
-    def change(what, edit):
-        bad = copy.deepcopy(good)
-        edit(bad)
-        return what, bad
-
-    yield change("a difference of another format", lambda c: c.update(format=2))
-    yield change("no list of parts", lambda c: c.pop("parts"))
-    yield change("another change", lambda c: c["parts"][0].update(change="vanished"))
-    yield change("a severity of no word", lambda c: c["findings"][0].update(new="bad"))
-    yield change("a third side", lambda c: c["notCompared"][0].update(side="both"))
+    yield change(good, "a difference of another format", lambda c: c.update(format=2))
+    yield change(good, "no list of parts", lambda c: c.pop("parts"))
+    yield change(good, "another change", lambda c: c["parts"][0].update(change="vanished"))
+    yield change(good, "a severity of no word", lambda c: c["findings"][0].update(new="bad"))
+    yield change(good, "a third side", lambda c: c["notCompared"][0].update(side="both"))
 
 
 def damaged_health(good):
     """The same of the verdicts on several machines."""
-    def change(what, edit):
-        bad = copy.deepcopy(good)
-        edit(bad)
-        return what, bad
-
     def finding(health):
         return next(m for m in health["machines"] if m["health"]["findings"])["health"]["findings"][0]
 
-    yield change("verdicts without machines", lambda h: h.pop("machines"))
-    yield change("a machine without its verdict", lambda h: h["machines"][0].pop("health"))
-    yield change("a machine's other exit code", lambda h: h["machines"][0]["health"].update(exit=4))
-    yield change("a finding without evidence", lambda h: finding(h).update(evidence=[]))
-    yield change("evidence without a place", lambda h: finding(h)["evidence"][0].pop("place"))
+    yield change(good, "verdicts without machines", lambda h: h.pop("machines"))
+    yield change(good, "a machine without its verdict", lambda h: h["machines"][0].pop("health"))
+    yield change(good, "a machine's other exit code", lambda h: h["machines"][0]["health"].update(exit=4))
+    yield change(good, "a finding without evidence", lambda h: finding(h).update(evidence=[]))
+    yield change(good, "evidence without a place", lambda h: finding(h)["evidence"][0].pop("place"))
 
 
 def make_validator(name):

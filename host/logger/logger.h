@@ -34,7 +34,7 @@ class LOGGER_API LogSinkInUse {
 
  private:
   std::function<void(const LogLine&)> sink;
-  mutable std::exception_ptr failure;  ///< also of a constant object
+  mutable std::exception_ptr failure;  ///< kept through sinkInUse, also of a const object
   LogSinkInUse* before;
 };
 
