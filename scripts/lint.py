@@ -1,8 +1,8 @@
 """Runs clang-tidy on what changed since it was last clean.
 
-Nearly all of its time goes into the libraries' headers, so it gets several files as one. Where that
-does not hold, for a warning or because two of the files use one name, they are looked at in halves,
-down to single files.
+Nearly all of its time goes into the libraries' headers, so it gets files of one folder as one, as the
+compiler does. Where that does not hold, for a warning or because two of the files use one name, they
+are looked at in halves, down to single files.
 """
 
 import concurrent.futures
@@ -112,13 +112,11 @@ def look_at(batch):
 
 
 def batches(sources):
-    """Neighbours, which are likeliest to use one name, are in different batches."""
     alike = {}
     for source in sources:
-        alike.setdefault(source.settings, []).append(source)
+        alike.setdefault((source.settings, source.path.parent), []).append(source)
     for group in alike.values():
-        count = max(-(-len(group) // BATCH_SIZE), min(len(group), os.cpu_count()))
-        yield from (group[i::count] for i in range(count))
+        yield from (group[i:i + BATCH_SIZE] for i in range(0, len(group), BATCH_SIZE))
 
 
 def list_sources(build, folder):

@@ -17,7 +17,7 @@
 namespace host {
 namespace {
 
-constexpr char kInterrupted[] =
+constexpr char kInterruptedProblem[] =
     "interrupted: the collection ended after the tool that was running; what comes after it is "
     "missing";
 
@@ -166,7 +166,7 @@ Collection Collect(Source& source, const Selection& selection, CollectionListene
     const auto rows = stored.find(className);
     return rows != stored.end() && !rows->second.rows.empty();
   }));
-  if (wasInterrupted) collection.problems.emplace_back(kInterrupted);
+  if (wasInterrupted) collection.problems.emplace_back(kInterruptedProblem);
   collection.log = std::move(log.log);
   collection.files = source.Files();
   return collection;

@@ -7,7 +7,7 @@
 namespace host {
 namespace {
 
-constexpr char kHead[] =
+constexpr char kPartsHead[] =
     "# Parts\n\nMade by `pqhost modules --format parts` from what the tables say of themselves.\n\n"
     "Parts are what is true of the machine, the same for every vendor, read from what the tools "
     "printed: by the heads\nof their tables and by their labels, wherever values begin. They are "
@@ -30,7 +30,7 @@ const char* NameType(PartType type) {
 }  // namespace
 
 std::string WritePartsDocument() {
-  std::string text = kHead;
+  std::string text = kPartsHead;
   for (const PartTable& table : GetPartTables()) {
     text += fmt::format("\n## {}\n\n{}\n\n| column | type | holds |\n|---|---|---|\n", table.name,
                         table.description);

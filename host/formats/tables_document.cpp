@@ -12,7 +12,7 @@
 namespace host {
 namespace {
 
-constexpr char kHead[] =
+constexpr char kTablesHead[] =
     "# Tables\n\nMade by `pqhost modules --format markdown` from what the modules register and "
     "describe. Tools are\nbelow the folder of the host's program; files are left in its log "
     "folder.\n";
@@ -86,7 +86,7 @@ std::string WriteTablesDocument() {
       tables.push_back({name, module.name, module.description});
     }
   }
-  std::string text = kHead;
+  std::string text = kTablesHead;
   for (const TableGroup& group : GroupByArea(tables)) {
     text += fmt::format("\n## {}\n", group.area);
     text += DescribeTables(group, tables);

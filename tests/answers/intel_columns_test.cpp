@@ -33,7 +33,7 @@ std::string Replace(std::string text, const std::string& words, const std::strin
   return text.replace(text.find(words), words.size(), by);
 }
 
-std::vector<std::string> ListNotes(const std::string& report, const std::string& className) {
+std::vector<std::string> ListIntelNotes(const std::string& report, const std::string& className) {
   host::Recording machine;
   machine.commands.push_back({"rstcli64_5.exe", "-I", report, ""});
   host::Collection collection = host::Collect(machine, {});
@@ -47,7 +47,7 @@ std::vector<std::string> ListNotes(const std::string& report, const std::string&
 
 using Notes = std::vector<std::string>;
 
-Notes Note(const std::string& reason) {
+Notes IntelNote(const std::string& reason) {
   return {"columns do not fit this report: " + reason +
           "; the report itself: rstcli64.txt in the log folder"};
 }
@@ -59,7 +59,7 @@ TEST(IntelColumns, TellWhatTheReportDoesNotSay) {
               "Max Disks/Array:        8\nHW Information:\nVendor ID:              0x8086\n"
               "Device ID:              0x28C0\nHW Revision:            7\n\n\n",
               "...\n\n");
-  const std::vector<std::string> notes = ListNotes(shorter, "CONTROLLER");
+  const std::vector<std::string> notes = ListIntelNotes(shorter, "CONTROLLER");
   ASSERT_EQ(notes.size(), 1U);
   EXPECT_NE(notes[0].find("row 1: Vendor ID is \"FORMATION--\", the report has no such line"),
             std::string::npos)
@@ -68,31 +68,31 @@ TEST(IntelColumns, TellWhatTheReportDoesNotSay) {
 
 TEST(IntelColumns, FitTheirReport) {
   for (const char* table : {"CONTROLLER", "ARRAY", "VOLUME", "ENDDEVICEINFO"}) {
-    EXPECT_EQ(ListNotes(kReport, table), Notes()) << table;
+    EXPECT_EQ(ListIntelNotes(kReport, table), Notes()) << table;
   }
 }
 
 TEST(IntelColumns, AreShiftedByALineMore) {
-  EXPECT_EQ(ListNotes(Replace(kReport, "StripeSize:", "Encrypted:              No\nStripeSize:"),
+  EXPECT_EQ(ListIntelNotes(Replace(kReport, "StripeSize:", "Encrypted:              No\nStripeSize:"),
                       "VOLUME"),
-            Note("row 1: StripeSize is \"No\", the report has \"64 KB\""));
-  EXPECT_EQ(ListNotes(Replace(kReport, "Vendor ID:", "Driver:                 9\nVendor ID:"),
+            IntelNote("row 1: StripeSize is \"No\", the report has \"64 KB\""));
+  EXPECT_EQ(ListIntelNotes(Replace(kReport, "Vendor ID:", "Driver:                 9\nVendor ID:"),
                       "CONTROLLER"),
-            Note("row 1: Vendor ID is \"9\", the report has \"0x8086\""));
+            IntelNote("row 1: Vendor ID is \"9\", the report has \"0x8086\""));
 }
 
 TEST(IntelColumns, AreOfOtherSectionsWhereTheirOwnIsMissing) {
   const std::string report = std::string(kReport).substr(std::string(kReport).find("--VOLUME"));
-  EXPECT_EQ(ListNotes(report, "CONTROLLER"),
-            Note("it has no heading \"--CONTROLLER INFORMATION--\""));
-  EXPECT_EQ(ListNotes(report, "VOLUME"), Notes());
-  EXPECT_EQ(ListNotes("--DISKS IN VOLUME: Tank --\n\nID: 0-4-0-0\n", "ENDDEVICEINFO"),
-            Note("it has no heading \"--END DEVICE INFORMATION--\""));
+  EXPECT_EQ(ListIntelNotes(report, "CONTROLLER"),
+            IntelNote("it has no heading \"--CONTROLLER INFORMATION--\""));
+  EXPECT_EQ(ListIntelNotes(report, "VOLUME"), Notes());
+  EXPECT_EQ(ListIntelNotes("--DISKS IN VOLUME: Tank --\n\nID: 0-4-0-0\n", "ENDDEVICEINFO"),
+            IntelNote("it has no heading \"--END DEVICE INFORMATION--\""));
 }
 
 TEST(IntelColumns, HaveNoRowForARecordThatIsShorter) {
-  EXPECT_EQ(ListNotes(Replace(kReport, "Model:                  PX2\n", ""), "ENDDEVICEINFO"),
-            Note("1 of 1 end devices are not in the table"));
+  EXPECT_EQ(ListIntelNotes(Replace(kReport, "Model:                  PX2\n", ""), "ENDDEVICEINFO"),
+            IntelNote("1 of 1 end devices are not in the table"));
 }
 
 }  // namespace

@@ -24,7 +24,7 @@ std::string MakeConfig(std::size_t column, const std::string& more = {}) {
          line("Firmware", "3.21") + line("Driver", "1010.84");
 }
 
-std::vector<std::string> ListNotes(const std::string& config, const std::string& className) {
+std::vector<std::string> ListMicrochipNotes(const std::string& config, const std::string& className) {
   host::Recording machine;
   machine.commands.push_back({"arcconf.exe", "savesupportarchive c:\\", "", ""});
   machine.files["c:\\Support\\Firmware\\Controller_1_Config.txt"] = config;
@@ -39,41 +39,41 @@ std::vector<std::string> ListNotes(const std::string& config, const std::string&
 
 using Notes = std::vector<std::string>;
 
-Notes Note(const std::string& reason) {
+Notes MicrochipNote(const std::string& reason) {
   return {"columns do not fit this report: " + reason +
           "; the report itself: PMCLINK, row 1, Controller_Config"};
 }
 
 TEST(MicrochipColumns, FitAReportOfTheirWidth) {
-  EXPECT_EQ(ListNotes(MakeConfig(45), "PMCINFO"), Notes());
-  EXPECT_EQ(ListNotes(MakeConfig(45), "PMCVER"), Notes());
+  EXPECT_EQ(ListMicrochipNotes(MakeConfig(45), "PMCINFO"), Notes());
+  EXPECT_EQ(ListMicrochipNotes(MakeConfig(45), "PMCVER"), Notes());
   // A blank before a value is none of it.
-  EXPECT_EQ(ListNotes(MakeConfig(46), "PMCINFO"), Notes());
+  EXPECT_EQ(ListMicrochipNotes(MakeConfig(46), "PMCINFO"), Notes());
 }
 
 TEST(MicrochipColumns, LoseWhatBeginsFurtherLeft) {
   EXPECT_EQ(
-      ListNotes(MakeConfig(43), "PMCINFO"),
-      Note("values begin further left than they are taken from and lose their first 2 "
+      ListMicrochipNotes(MakeConfig(43), "PMCINFO"),
+      MicrochipNote("values begin further left than they are taken from and lose their first 2 "
            "characters: 6 of them (Controller Status is \"timal\", the report has \"Optimal\")"));
-  EXPECT_EQ(ListNotes(MakeConfig(42), "PMCVER"),
-            Note("values begin further left than they are taken from and lose their first 3 "
+  EXPECT_EQ(ListMicrochipNotes(MakeConfig(42), "PMCVER"),
+            MicrochipNote("values begin further left than they are taken from and lose their first 3 "
                  "characters: 2 of them (Firmware is \"1\", the report has \"3.21\")"));
 }
 
 TEST(MicrochipColumns, ShowWhatIsBeforeAValueFurtherRight) {
-  EXPECT_EQ(ListNotes(MakeConfig(47), "PMCVER"),
-            Note("values begin further right than they are taken from: 2 of them (Firmware is \": "
+  EXPECT_EQ(ListMicrochipNotes(MakeConfig(47), "PMCVER"),
+            MicrochipNote("values begin further right than they are taken from: 2 of them (Firmware is \": "
                  "3.21\", the report has \"3.21\")"));
 }
 
 TEST(MicrochipColumns, TakeNoOtherLine) {
-  EXPECT_EQ(ListNotes(MakeConfig(45, "   Current Temperature                        : 19 deg C\n"),
+  EXPECT_EQ(ListMicrochipNotes(MakeConfig(45, "   Current Temperature                        : 19 deg C\n"),
                       "PMCINFO"),
-            Note("Temperature is \"\", the report has \"41 C/ 105 F (Normal)\""));
+            MicrochipNote("Temperature is \"\", the report has \"41 C/ 105 F (Normal)\""));
   std::string config = MakeConfig(45);
   config.replace(config.find("Firmware "), 9, "FirmwareX");
-  EXPECT_EQ(ListNotes(config, "PMCVER"), Note("Firmware is \"3.21\", the report has no such line"));
+  EXPECT_EQ(ListMicrochipNotes(config, "PMCVER"), MicrochipNote("Firmware is \"3.21\", the report has no such line"));
 }
 
 }  // namespace

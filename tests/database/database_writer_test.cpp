@@ -28,7 +28,7 @@ void AddRow(MadeCollection& made, const std::string& className,
 }
 
 /// Values with their types, in SQL's notation.
-std::vector<std::string> Ask(Database& database, const std::string& sql) {
+std::vector<std::string> AskWritten(Database& database, const std::string& sql) {
   std::vector<std::string> lines;
   database.Query(
       sql, [](const Database::Names&) {},
@@ -48,9 +48,9 @@ std::vector<std::string> Ask(Database& database, const std::string& sql) {
 TEST(DatabaseWriter, HasEveryDescribedClassWithItsColumns) {
   Database database;
   test::FillDatabase(database, {});
-  EXPECT_THAT(Ask(database, "SELECT seqNum, EventDescription FROM EVENTLOG2"), IsEmpty());
-  EXPECT_THAT(Ask(database, "SELECT seq_num, event_description FROM v_eventlog2"), IsEmpty());
-  EXPECT_THAT(Ask(database, "SELECT LANINFO.LAN12, v_laninfo.lan12 FROM LANINFO, v_laninfo"),
+  EXPECT_THAT(AskWritten(database, "SELECT seqNum, EventDescription FROM EVENTLOG2"), IsEmpty());
+  EXPECT_THAT(AskWritten(database, "SELECT seq_num, event_description FROM v_eventlog2"), IsEmpty());
+  EXPECT_THAT(AskWritten(database, "SELECT LANINFO.LAN12, v_laninfo.lan12 FROM LANINFO, v_laninfo"),
               IsEmpty());
 }
 
@@ -70,7 +70,7 @@ TEST(DatabaseWriter, MakesViewsOfTrimmedTextsAndOfNumbers) {
           {"item10", "1.2.3"}});
   Database database;
   test::FillDatabase(database, made.Get());
-  EXPECT_THAT(Ask(database, "SELECT * FROM v_sensorinfo"),
+  EXPECT_THAT(AskWritten(database, "SELECT * FROM v_sensorinfo"),
               ElementsAre("1 '007' 47.5 NULL NULL -3 'na' NULL '0012' '1e5' '1.2.3'"));
 }
 
@@ -84,7 +84,7 @@ TEST(DatabaseWriter, NamesColumnsOfAViewByLabelOrElseByKey) {
   row.AddToRepository(made.Repository());
   Database database;
   test::FillDatabase(database, made.Get());
-  EXPECT_THAT(Ask(database, "SELECT row, row_2, b, row_3 FROM v_t"), ElementsAre("1 '1' '2' 3"));
+  EXPECT_THAT(AskWritten(database, "SELECT row, row_2, b, row_3 FROM v_t"), ElementsAre("1 '1' '2' 3"));
 }
 
 TEST(DatabaseWriter, TellsProblems) {
@@ -92,7 +92,7 @@ TEST(DatabaseWriter, TellsProblems) {
   made.Get().problems = {"one", "two"};
   Database database;
   test::FillDatabase(database, made.Get());
-  EXPECT_THAT(Ask(database, "SELECT * FROM problems"), ElementsAre("1 'one'", "2 'two'"));
+  EXPECT_THAT(AskWritten(database, "SELECT * FROM problems"), ElementsAre("1 'one'", "2 'two'"));
 }
 
 TEST(DatabaseWriter, TellsSeveralMachinesApart) {
@@ -107,13 +107,13 @@ TEST(DatabaseWriter, TellsSeveralMachinesApart) {
     writer.Add(CollectionView(made.Get()), {}, machine);
   }
   writer.Complete();
-  EXPECT_THAT(Ask(database, "SELECT * FROM T"),
+  EXPECT_THAT(AskWritten(database, "SELECT * FROM T"),
               ElementsAre("'a' 1 'a' NULL", "'b' 1 'b' NULL", "'b' 2 NULL '1'"));
-  EXPECT_THAT(Ask(database, "SELECT machine, row, only_b FROM v_t WHERE only_b IS NOT NULL"),
+  EXPECT_THAT(AskWritten(database, "SELECT machine, row, only_b FROM v_t WHERE only_b IS NOT NULL"),
               ElementsAre("'b' 2 '1'"));
-  EXPECT_THAT(Ask(database, "SELECT machine, value FROM machine WHERE name = 'name'"),
+  EXPECT_THAT(AskWritten(database, "SELECT machine, value FROM machine WHERE name = 'name'"),
               ElementsAre("'a' 'NODE-a'", "'b' 'NODE-b'"));
-  EXPECT_THAT(Ask(database, "SELECT machine, class, rows FROM tables"),
+  EXPECT_THAT(AskWritten(database, "SELECT machine, class, rows FROM tables"),
               ElementsAre("'a' 'T' 1", "'b' 'T' 2"));
 }
 
@@ -133,10 +133,10 @@ TEST(DatabaseWriter, CopiesDatabasesAndTakesThemOutAgain) {
   }
   writer.Remove("two");
   writer.Complete();
-  EXPECT_THAT(Ask(database, "SELECT machine, row, reading, other FROM v_sensorinfo"),
+  EXPECT_THAT(AskWritten(database, "SELECT machine, row, reading, other FROM v_sensorinfo"),
               ElementsAre("'one' 1 5.5 'A'", "'one' 2 7 NULL"));
-  EXPECT_THAT(Ask(database, "SELECT * FROM machine"), ElementsAre("'one' 'name' 'A'"));
-  EXPECT_THAT(Ask(database, "SELECT machine, machine_2, n FROM own"), ElementsAre("'one' 'm' 1.5"));
+  EXPECT_THAT(AskWritten(database, "SELECT * FROM machine"), ElementsAre("'one' 'name' 'A'"));
+  EXPECT_THAT(AskWritten(database, "SELECT machine, machine_2, n FROM own"), ElementsAre("'one' 'm' 1.5"));
 }
 
 }  // namespace

@@ -15,7 +15,6 @@
 namespace host {
 namespace {
 
-using Json = nlohmann::json;
 using test::HostRun;
 using test::RunHost;
 using test::Sample;
@@ -33,12 +32,12 @@ std::vector<std::string> ListSamples() {
 }
 
 /// What docs/json.md says that no result keeps.
-void LevelLosses(Json& document) {
-  for (Json& table : document["tables"]) {
-    for (Json& attachment : table["attachments"]) attachment.erase("bytes");
+void LevelLosses(nlohmann::json& document) {
+  for (nlohmann::json& table : document["tables"]) {
+    for (nlohmann::json& attachment : table["attachments"]) attachment.erase("bytes");
   }
-  for (Json& finding : document["health"]["findings"]) {
-    for (Json& evidence : finding["evidence"]) {
+  for (nlohmann::json& finding : document["health"]["findings"]) {
+    for (nlohmann::json& evidence : finding["evidence"]) {
       const bool isOfAnswer =
           evidence["part"] == "sensors" || evidence["id"].get<std::string>().starts_with("intel");
       if (isOfAnswer) evidence.erase("place");
@@ -47,8 +46,8 @@ void LevelLosses(Json& document) {
 }
 
 /// What docs/sql.md says that a database does not keep, besides.
-void LevelLossesOfDatabase(Json& document) {
-  for (Json& table : document["tables"]) {
+void LevelLossesOfDatabase(nlohmann::json& document) {
+  for (nlohmann::json& table : document["tables"]) {
     table.erase("layout");
     table.erase("instances");
     table.erase("attachments");
@@ -67,13 +66,13 @@ class Show : public testing::Test {
     return folder / name;
   }
   /// A file as JSON, without the time at which it was written.
-  Json ShowAsJson(const std::string& file) {
+  nlohmann::json ShowAsJson(const std::string& file) {
     const HostRun run = RunHost({"show", file, "--format", "json"});
     EXPECT_LE(run.exitCode, 1) << file << ": " << run.error;
-    return Json::parse(run.out, nullptr, /*allow_exceptions=*/false);
+    return nlohmann::json::parse(run.out, nullptr, /*allow_exceptions=*/false);
   }
-  Json ReadWritten(const std::string& sample) {
-    return Json::parse(
+  nlohmann::json ReadWritten(const std::string& sample) {
+    return nlohmann::json::parse(
         folder.Read(std::filesystem::path(Write(sample, "json")).filename().string()));
   }
   /// The line of a refusal.
@@ -91,41 +90,41 @@ class Show : public testing::Test {
 
 TEST_F(Show, GivesBackADocument) {
   for (const std::string& sample : ListSamples()) {
-    Json made = ReadWritten(sample);
-    Json shown = ShowAsJson(folder / (sample + ".json"));
+    nlohmann::json made = ReadWritten(sample);
+    nlohmann::json shown = ShowAsJson(folder / (sample + ".json"));
     LevelLosses(made);
     LevelLosses(shown);
-    EXPECT_EQ(Json::diff(made, shown), Json::array()) << sample;
+    EXPECT_EQ(nlohmann::json::diff(made, shown), nlohmann::json::array()) << sample;
   }
 }
 
 TEST_F(Show, GivesBackAReport) {
   for (const std::string& sample : ListSamples()) {
-    Json made = ReadWritten(sample);
-    Json shown = ShowAsJson(Write(sample, "html"));
+    nlohmann::json made = ReadWritten(sample);
+    nlohmann::json shown = ShowAsJson(Write(sample, "html"));
     made["collected"] = shown["collected"];
     if (made["health"]["asOfFrom"] == shown["health"]["asOfFrom"]) {
       made["health"]["asOf"] = shown["health"]["asOf"];
     }
     LevelLosses(made);
     LevelLosses(shown);
-    EXPECT_EQ(Json::diff(made, shown), Json::array()) << sample;
+    EXPECT_EQ(nlohmann::json::diff(made, shown), nlohmann::json::array()) << sample;
   }
 }
 
 TEST_F(Show, GivesBackADatabase) {
   for (const std::string& sample : ListSamples()) {
-    Json made = ReadWritten(sample);
-    Json shown = ShowAsJson(Write(sample, "sqlite"));
+    nlohmann::json made = ReadWritten(sample);
+    nlohmann::json shown = ShowAsJson(Write(sample, "sqlite"));
     made["collected"] = shown["collected"];
     if (made["health"]["asOfFrom"] == shown["health"]["asOfFrom"]) {
       made["health"]["asOf"] = shown["health"]["asOf"];
     }
-    for (Json* document : {&made, &shown}) {
+    for (nlohmann::json* document : {&made, &shown}) {
       LevelLosses(*document);
       LevelLossesOfDatabase(*document);
     }
-    EXPECT_EQ(Json::diff(made, shown), Json::array()) << sample;
+    EXPECT_EQ(nlohmann::json::diff(made, shown), nlohmann::json::array()) << sample;
   }
 }
 
@@ -210,7 +209,7 @@ TEST_F(Show, RefusesWhatIsNotWhole) {
 }
 
 TEST_F(Show, RefusesMembersOfAnotherKind) {
-  const Json whole = ReadWritten("vroc");
+  const nlohmann::json whole = ReadWritten("vroc");
   const std::vector<std::string> places = {"/format",
                                            "/collected",
                                            "/machine/recorded",
@@ -235,16 +234,16 @@ TEST_F(Show, RefusesMembersOfAnotherKind) {
                                            "/parts/drives/0/id",
                                            "/problems"};
   for (const std::string& place : places) {
-    Json changed = whole;
-    ASSERT_TRUE(changed.contains(Json::json_pointer(place))) << place;
-    changed[Json::json_pointer(place)] = true;
-    if (place == "/machine/recorded") changed[Json::json_pointer(place)] = "yes";
+    nlohmann::json changed = whole;
+    ASSERT_TRUE(changed.contains(nlohmann::json::json_pointer(place))) << place;
+    changed[nlohmann::json::json_pointer(place)] = true;
+    if (place == "/machine/recorded") changed[nlohmann::json::json_pointer(place)] = "yes";
     EXPECT_THAT(Refusal(changed.dump()), StartsWith("pqhost: ")) << place;
   }
-  Json twice = whole;
+  nlohmann::json twice = whole;
   twice["tables"].push_back(twice["tables"][0]);
   EXPECT_THAT(Refusal(twice.dump()), HasSubstr("twice"));
-  Json newer = whole;
+  nlohmann::json newer = whole;
   newer["format"] = 7;
   EXPECT_THAT(Refusal(newer.dump()), HasSubstr("has the format 7"));
 }

@@ -74,9 +74,9 @@ struct Pair {
 };
 
 /// Compares one table of parts.
-class TableComparison {
+class PartTableComparison {
  public:
-  TableComparison(const Sides& sides, const DifferenceOptions& options,
+  PartTableComparison(const Sides& sides, const DifferenceOptions& options,
                   const ComparedPart& compared, Difference& difference)
       : sides(sides),
         compared(compared),
@@ -258,7 +258,7 @@ void CompareParts(const Sides& sides, const DifferenceOptions& options, Differen
   for (const ComparedPart& compared : ListComparedParts()) {
     const bool isWanted = options.parts.empty() ||
                           std::ranges::find(options.parts, compared.table) != options.parts.end();
-    if (isWanted) TableComparison(sides, options, compared, difference).Compare();
+    if (isWanted) PartTableComparison(sides, options, compared, difference).Compare();
   }
 }
 

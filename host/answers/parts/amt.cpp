@@ -17,7 +17,7 @@
 namespace host {
 namespace {
 
-constexpr char kClass[] = "AMTLOG";
+constexpr char kLogClass[] = "AMTLOG";
 
 struct Severity {
   std::string_view word;
@@ -62,15 +62,15 @@ void ReadAmt(const CollectedRows& rows, Parts& parts) {
   bool isUnderstood = false;
   std::int64_t declared = 0;
   std::int64_t listed = 0;
-  for (const CollectedRow& row : rows.ListRows(kClass)) {
-    const std::string line = row.Get(kClass);
+  for (const CollectedRow& row : rows.ListRows(kLogClass)) {
+    const std::string line = row.Get(kLogClass);
     if (line.starts_with("AMT event log of")) {
       isUnderstood = true;
       declared = ReadLeadingInteger(std::string_view(line).substr(line.find(',') + 1)).value_or(0);
     }
     if (line.empty() || line.front() < '0' || line.front() > '9') continue;
     ++listed;
-    const Place at = row.PlaceOf(kClass, "amt_log");
+    const Place at = row.PlaceOf(kLogClass, "amt_log");
     if (std::optional<Event> event = ReadEntry(line, at)) {
       isUnderstood = true;
       parts.events.push_back(std::move(*event));
@@ -80,17 +80,17 @@ void ReadAmt(const CollectedRows& rows, Parts& parts) {
       unread.text = line;
     }
   }
-  const CollectedTable* table = rows.FindTable(kClass);
+  const CollectedTable* table = rows.FindTable(kLogClass);
   if (isUnderstood && listed < declared) {
-    AddSource(parts, "amt", kClass, SourceState::kFailed,
+    AddSource(parts, "amt", kLogClass, SourceState::kFailed,
               "the log breaks off: " + std::to_string(listed) + " of " + std::to_string(declared) +
                   " records");
   } else if (isUnderstood) {
-    AddSource(parts, "amt", kClass, SourceState::kRead);
+    AddSource(parts, "amt", kLogClass, SourceState::kRead);
   } else if (table != nullptr && table->RowCount() > 0) {
-    AddSource(parts, "amt", kClass, SourceState::kFailed, "no entry in the log");
+    AddSource(parts, "amt", kLogClass, SourceState::kFailed, "no entry in the log");
   } else {
-    AddSourceWithoutParts(parts, "amt", kClass, table);
+    AddSourceWithoutParts(parts, "amt", kLogClass, table);
   }
 }
 

@@ -37,12 +37,12 @@
 namespace host {
 namespace {
 
-constexpr char kVendor[] = "Microchip";
-constexpr std::size_t kShortestRule = 20;
+constexpr char kMicrochip[] = "Microchip";
+constexpr std::size_t kShortestSectionRule = 20;
 
 /// The number that `text` has after `start`, which has to be all that comes before it: 3 of
 /// "Device #3".
-Integer ReadNumberAfter(std::string_view text, std::string_view start) {
+Integer ReadHeadNumber(std::string_view text, std::string_view start) {
   const std::string lower = LowerCase(text);
   if (!lower.starts_with(start)) return std::nullopt;
   std::string_view number = text.substr(start.size());
@@ -60,7 +60,7 @@ class ConfigReader {
         firstVolume(parts.volumes.size()) {
     controller.id = report.controller;
     controller.number = report.controller.substr(kMicrochipId.size());
-    controller.vendor = kVendor;
+    controller.vendor = kMicrochip;
   }
 
   void Take(const ReportLine& line) {
@@ -69,7 +69,7 @@ class ConfigReader {
     at = PlaceOfLine(report, line);
     if (text.starts_with("Controllers found")) hasHead = true;
     if (text.starts_with("Command completed successfully")) hasEnd = true;
-    if (IsRule(text, '-', kShortestRule)) {
+    if (IsRule(text, '-', kShortestSectionRule)) {
       // A rule closes the heading before it, or announces one.
       headingIsNext = !std::exchange(headingIsOpen, false);
       return;
@@ -182,7 +182,7 @@ class ConfigReader {
     CacheBackup backup;
     backup.id = controller.id + " " + kind;
     backup.readAt = at;
-    backup.vendor = kVendor;
+    backup.vendor = kMicrochip;
     backup.controller = controller.id;
     backup.kind = kind;
     backups.push_back(std::move(backup));
@@ -200,12 +200,12 @@ class ConfigReader {
   // --- arrays and volumes ---
 
   void TakeArrayLine(std::string_view text, const std::optional<LabelledValue>& told) {
-    if (const Integer number = ReadNumberAfter(text, "array number ")) {
+    if (const Integer number = ReadHeadNumber(text, "array number ")) {
       Group& added = parts.groups.emplace_back();
       added.number = std::to_string(*number);
       added.id = ComposeArrayId(added.number);
       added.readAt = at;
-      added.vendor = kVendor;
+      added.vendor = kMicrochip;
       added.controller = controller.id;
       group = &added;
       subsection.clear();
@@ -221,7 +221,7 @@ class ConfigReader {
   Integer ReadVolumeNumber(std::string_view text) {
     for (const std::string_view start :
          {"logical device number ", "logical drive number ", "maxcache device number "}) {
-      if (const Integer number = ReadNumberAfter(text, start)) return number;
+      if (const Integer number = ReadHeadNumber(text, start)) return number;
     }
     return std::nullopt;
   }
@@ -232,7 +232,7 @@ class ConfigReader {
       volume.number = std::to_string(*number);
       volume.id = controller.id + " v" + volume.number;
       volume.readAt = at;
-      volume.vendor = kVendor;
+      volume.vendor = kMicrochip;
       volume.controller = controller.id;
       hasVolume = true;
       subsection.clear();
@@ -273,10 +273,10 @@ class ConfigReader {
   // --- drives and enclosures ---
 
   void TakeDeviceLine(std::string_view text, const std::optional<LabelledValue>& told) {
-    if (const Integer number = ReadNumberAfter(text, "channel #")) {
+    if (const Integer number = ReadHeadNumber(text, "channel #")) {
       EndDevice();
       channel = *number;
-    } else if (const Integer device = ReadNumberAfter(text, "device #")) {
+    } else if (const Integer device = ReadHeadNumber(text, "device #")) {
       EndDevice();
       kind = Device::kUntold;
       address = std::to_string(channel) + "," + std::to_string(*device);
@@ -294,7 +294,7 @@ class ConfigReader {
       kind = Device::kDrive;
       drive = {};
       drive.readAt = PlaceOfLine(report, deviceLine);
-      drive.vendor = kVendor;
+      drive.vendor = kMicrochip;
       drive.controller = controller.id;
       drive.member = 0;
     } else if (line.find("enclosure") != std::string::npos) {

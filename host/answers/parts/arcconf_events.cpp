@@ -13,20 +13,20 @@
 namespace host {
 namespace {
 
-struct Severity {
+struct SeverityWord {
   std::string_view word;  ///< in lower case, or its beginning
   std::int64_t level;
 };
-constexpr Severity kSeverities[] = {
+constexpr SeverityWord kSeverityWords[] = {
     {"info", 0}, {"warning", 1}, {"error", 2}, {"critical", 2}, {"fatal", 3},
 };
 
 Integer FindLevel(std::string_view word) {
   const std::string lower = LowerCase(word);
   const auto* found =
-      std::find_if(std::begin(kSeverities), std::end(kSeverities),
-                   [&](const Severity& one) { return lower.starts_with(one.word); });
-  if (found == std::end(kSeverities)) return std::nullopt;
+      std::find_if(std::begin(kSeverityWords), std::end(kSeverityWords),
+                   [&](const SeverityWord& one) { return lower.starts_with(one.word); });
+  if (found == std::end(kSeverityWords)) return std::nullopt;
   return found->level;
 }
 

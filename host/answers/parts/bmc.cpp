@@ -21,7 +21,7 @@
 namespace host {
 namespace {
 
-constexpr char kProgram[] = "ipmiutilnh.exe";
+constexpr char kIpmiutil[] = "ipmiutilnh.exe";
 constexpr char kReadingsArguments[] = "sensor -s -q";
 constexpr char kRecordsArguments[] = "sensor";
 constexpr char kSelfTestArguments[] = "korvaxoem selftest";
@@ -73,7 +73,7 @@ class ListingEnd {
 
 /// The interpreter names a program that it cannot find; ipmiutil does not call itself so.
 bool NamesProgram(std::string_view line) {
-  return LowerCase(line).find(kProgram) != std::string::npos;
+  return LowerCase(line).find(kIpmiutil) != std::string::npos;
 }
 
 /// Whether a line is ipmiutil's talk about itself, not about the machine.
@@ -111,7 +111,7 @@ void AddBmcSource(const CollectedRows& rows, Parts& parts, const char* id, const
       AddSourceWithoutParts(parts, id, className, table);
     } else {
       AddSource(parts, id, className, SourceState::kNone,
-                fmt::format("{} is not on this machine", kProgram));
+                fmt::format("{} is not on this machine", kIpmiutil));
     }
   }
 }
@@ -119,7 +119,7 @@ void AddBmcSource(const CollectedRows& rows, Parts& parts, const char* id, const
 /// Lets `end` know how ipmiutil ended. A listing that says it is complete is.
 void TakeExitCode(const CollectedRows& rows, std::string_view arguments, ListingEnd& end) {
   if (end.EndedWell()) return;
-  const CollectedAnswer* const answer = rows.FindAnswer(kProgram, arguments);
+  const CollectedAnswer* const answer = rows.FindAnswer(kIpmiutil, arguments);
   std::string how = DescribeEnd(answer);
   if (how.empty() && answer != nullptr && end.Words().empty()) how = "printed nothing";
   if (!how.empty()) end.TakeGap("ipmiutil " + std::string(arguments) + " " + how);
@@ -184,7 +184,7 @@ class DealtCells {
 
 ListingEnd ReadReadings(const CollectedRows& rows, SensorReader& reader, Parts& parts) {
   ListingEnd end;
-  const auto answers = rows.ListAnswers(kProgram, kReadingsArguments);
+  const auto answers = rows.ListAnswers(kIpmiutil, kReadingsArguments);
   if (answers.empty()) return end;
   const DecodedText text = rows.Decode(answers.back()->output);
   const CollectedTable* table = rows.FindTable("SENSORINFO");
@@ -210,7 +210,7 @@ ListingEnd ReadRecords(const CollectedRows& rows, SensorReader& reader, Parts& p
   }
   // Some platforms are not asked for their records, but leave the same listing as a file.
   ListingEnd end;
-  const auto answers = rows.ListAnswers(kProgram, kRecordsArguments);
+  const auto answers = rows.ListAnswers(kIpmiutil, kRecordsArguments);
   const auto left = std::find_if(answers.begin(), answers.end(), [](const CollectedAnswer* answer) {
     return !answer->file.empty();
   });
@@ -368,7 +368,7 @@ void ReadLeds(const CollectedRows& rows, Parts& parts) {
 
 /// Whether what the table has as a label is a line by itself, so that the value is the next line.
 bool IsLineBreak(const CollectedRows& rows, const std::string& label) {
-  const CollectedAnswer* const answer = rows.FindAnswer(kProgram, kSelfTestArguments);
+  const CollectedAnswer* const answer = rows.FindAnswer(kIpmiutil, kSelfTestArguments);
   if (answer == nullptr) return false;
   const DecodedText text = rows.Decode(answer->output);
   ReportLine line;

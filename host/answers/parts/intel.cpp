@@ -33,23 +33,23 @@ namespace host {
 namespace {
 
 constexpr char kIntel[] = "intel";
-constexpr char kVendor[] = "Intel";
+constexpr char kIntelVendor[] = "Intel";
 
 template <typename T>
-struct Fact {
+struct RowFact {
   std::string_view label;
   std::string_view column;
   std::string_view key;  ///< of the class
   void (*set)(T& part, std::string_view value);
 };
 
-constexpr Fact<Controller> kControllerFacts[] = {
+constexpr RowFact<Controller> kControllerRowFacts[] = {
     {"Name", "model", "Name", [](auto& c, auto value) { c.model = value; }},
 };
-constexpr Fact<Group> kGroupFacts[] = {
+constexpr RowFact<Group> kGroupRowFacts[] = {
     {"Name", "number", "Name", [](auto& group, auto value) { group.number = value; }},
 };
-constexpr Fact<Volume> kVolumeFacts[] = {
+constexpr RowFact<Volume> kVolumeRowFacts[] = {
     {"Name", "name", "Name", [](auto& volume, auto value) { volume.name = value; }},
     {"Raid Level", "level", "RaidLevel", [](auto& volume, auto value) { volume.level = value; }},
     {"Size", "size", "Size", [](auto& volume, auto value) { volume.size = ReadSize(value); }},
@@ -59,7 +59,7 @@ constexpr Fact<Volume> kVolumeFacts[] = {
     {"Cache Policy", "cache", "CachePolicy",
      [](auto& volume, auto value) { volume.cache = value; }},
 };
-constexpr Fact<Drive> kDriveFacts[] = {
+constexpr RowFact<Drive> kDriveRowFacts[] = {
     {"ID", "place", "ID", [](auto& drive, auto value) { drive.place = value; }},
     {"Disk Type", "media", "DiskType", [](auto& drive, auto value) { drive.media = value; }},
     {"Port Interface",
@@ -107,16 +107,16 @@ class IntelReader {
         break;
       case Section::kArrays:
         if (told->label == "Name") BeginGroup(line, told->value);
-        if (hasPart) Learn<Group>(parts.groups.back(), kGroupFacts, *told, line, shownGroups);
+        if (hasPart) Learn<Group>(parts.groups.back(), kGroupRowFacts, *told, line, shownGroups);
         if (told->label == "Num Disks") DeclareDrives(*told, line);
         break;
       case Section::kVolumes:
         if (told->label == "Name") BeginVolume(line, told->value);
-        if (hasPart) Learn<Volume>(parts.volumes.back(), kVolumeFacts, *told, line, shownVolumes);
+        if (hasPart) Learn<Volume>(parts.volumes.back(), kVolumeRowFacts, *told, line, shownVolumes);
         break;
       case Section::kDrives:
         if (told->label == "ID") BeginDrive(line, told->value);
-        if (hasPart) Learn<Drive>(parts.drives.back(), kDriveFacts, *told, line, shownDrives);
+        if (hasPart) Learn<Drive>(parts.drives.back(), kDriveRowFacts, *told, line, shownDrives);
         break;
     }
   }
@@ -169,18 +169,18 @@ class IntelReader {
       controllers += 1;
       controllerId = controllers == 1 ? kIntel : kIntel + (" " + std::to_string(controllers));
       Begin(controller, line, controllerId);
-      controller.vendor = kVendor;
+      controller.vendor = kIntelVendor;
       controller.number = std::to_string(controllers - 1);
       part = controllers;
     }
     if (controllers == 0) return;
-    Learn<Controller>(parts.controllers.back(), kControllerFacts, told, line, shownControllers);
+    Learn<Controller>(parts.controllers.back(), kControllerRowFacts, told, line, shownControllers);
   }
 
   void BeginGroup(const ReportLine& line, std::string_view name) {
     Group& group = parts.groups.emplace_back();
     Begin(group, line, ComposeId(name));
-    group.vendor = kVendor;
+    group.vendor = kIntelVendor;
     group.controller = controllerId;
     part = parts.groups.size() - firstGroup;
   }
@@ -198,7 +198,7 @@ class IntelReader {
   void BeginVolume(const ReportLine& line, std::string_view name) {
     Volume& volume = parts.volumes.emplace_back();
     Begin(volume, line, ComposeId(name));
-    volume.vendor = kVendor;
+    volume.vendor = kIntelVendor;
     volume.controller = controllerId;
     part = parts.volumes.size() - firstVolume;
     volume.number = std::to_string(part);
@@ -214,7 +214,7 @@ class IntelReader {
     }
     Drive& drive = parts.drives.emplace_back();
     Begin(drive, line, ComposeId(id));
-    drive.vendor = kVendor;
+    drive.vendor = kIntelVendor;
     drive.controller = controllerId;
     drive.member = 0;
     drive.group = volumeOfDrives;
@@ -232,7 +232,7 @@ class IntelReader {
   }
 
   template <typename T>
-  void Learn(T& known, std::span<const Fact<T>> facts, const LabelledValue& told,
+  void Learn(T& known, std::span<const RowFact<T>> facts, const LabelledValue& told,
              const ReportLine& line, const Shown& shown) {
     const auto fact = std::find_if(facts.begin(), facts.end(),
                                    [&](const auto& one) { return one.label == told.label; });

@@ -11,8 +11,7 @@
 namespace host {
 namespace {
 
-constexpr std::string_view kSeverities[] = {"INF", "MIN", "MAJ", "CRT"};  // by level
-constexpr std::int64_t kThresholdEvent = 0x01;
+constexpr std::string_view kSelSeverities[] = {"INF", "MIN", "MAJ", "CRT"};  // by level
 constexpr std::int64_t kRedundancyEvent = 0x0b;
 // A controller whose clock was never set counts from 1970, or from its firmware's own beginning.
 constexpr std::string_view kFirstCredibleTime = "1998";
@@ -88,7 +87,7 @@ std::optional<Event> ReadSelRecord(std::string_view line, const Place& at) {
   // Some records have no time.
   constexpr std::size_t kTimeWords = 2;
   const auto isSeverity = [](std::string_view word) {
-    return std::find(std::begin(kSeverities), std::end(kSeverities), word) != std::end(kSeverities);
+    return std::find(std::begin(kSelSeverities), std::end(kSelSeverities), word) != std::end(kSelSeverities);
   };
   std::size_t severity = 1;
   if (words.size() > severity && !isSeverity(words[severity])) severity += kTimeWords;
@@ -99,8 +98,8 @@ std::optional<Event> ReadSelRecord(std::string_view line, const Place& at) {
   event.readAt = at;
   event.source = "SEL";
   event.number = ReadHex(words[0]);
-  event.level = std::find(std::begin(kSeverities), std::end(kSeverities), words[severity]) -
-                std::begin(kSeverities);
+  event.level = std::find(std::begin(kSelSeverities), std::end(kSelSeverities), words[severity]) -
+                std::begin(kSelSeverities);
   if (severity > 1) event.time = ReadTime(GetFrom(text, words[1]));
   if (event.time < kFirstCredibleTime) event.time.clear();
   // "BMC  Power Supply #4c  AC Lost 6f [03 ff ff]"

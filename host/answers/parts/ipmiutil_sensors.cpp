@@ -11,8 +11,6 @@
 namespace host {
 namespace {
 
-constexpr std::int64_t kThresholdEvent = 0x01;
-
 /// The cells between bars, trimmed.
 std::vector<std::string_view> SplitCells(std::string_view line) {
   std::vector<std::string_view> cells;

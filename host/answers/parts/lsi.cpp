@@ -44,7 +44,7 @@ constexpr LinkedReport kLinkedReports[] = {
     {"lsifwtermlog", " show termlog", ReadLog<ReadStorcliTermLog>},
 };
 
-constexpr char kProgram[] = "storcli.exe";
+constexpr char kStorcli[] = "storcli.exe";
 constexpr char kCountArguments[] = "show ctrlcount";
 constexpr char kCountLabel[] = "Controller Count";
 
@@ -84,7 +84,7 @@ bool ReadReport(const LinkedReport& linked, const CollectedRows& rows, const Col
                 const std::string& number, Parts& parts, Answers& answers) {
   const std::string arguments = "/c" + number + std::string(linked.arguments);
   const std::string tool = "storcli " + arguments;
-  const CollectedAnswer* const answer = rows.FindAnswer(kProgram, arguments);
+  const CollectedAnswer* const answer = rows.FindAnswer(kStorcli, arguments);
   const std::string end = DescribeEnd(answer);
   const auto text = row.FindText(linked.key);
   if (!text || Trim(text->View()).empty()) {
@@ -127,13 +127,13 @@ void ReadController(const CollectedRows& rows, const CollectedRow& row, const st
 /// Why there may be controllers beside those that were read; empty when there is no reason. Without
 /// a count the classes have the first controller only.
 std::string FindCountGap(const CollectedRows& rows) {
-  const auto asked = rows.ListAnswers(kProgram, kCountArguments);
+  const auto asked = rows.ListAnswers(kStorcli, kCountArguments);
   const bool isTold = std::any_of(asked.begin(), asked.end(), [](const CollectedAnswer* answer) {
     return answer->fileText.Text().find(kCountLabel) != std::string::npos ||
            answer->output.Text().find(kCountLabel) != std::string::npos;
   });
   if (asked.empty() || isTold) return {};
-  const CollectedAnswer* const answer = rows.FindAnswer(kProgram, kCountArguments);
+  const CollectedAnswer* const answer = rows.FindAnswer(kStorcli, kCountArguments);
   std::string end = answer == nullptr ? "has no answer" : DescribeEnd(answer);
   if (end.empty()) end = "told no number";
   return "storcli show ctrlcount " + end + ", so there may be more controllers than one";

@@ -19,14 +19,14 @@
 namespace host {
 namespace {
 
-constexpr char kClass[] = "PMCLINK";
-constexpr char kProgram[] = "arcconf.exe";
+constexpr char kConfigClass[] = "PMCLINK";
+constexpr char kArcconf[] = "arcconf.exe";
 constexpr char kArguments[] = "savesupportarchive c:\\";
 constexpr char kTool[] = "arcconf savesupportarchive";
 constexpr char kArchive[] = "c:\\Support\\Firmware\\";
 constexpr std::string_view kConfigEnd = "_Config.txt";
 constexpr std::string_view kEventsEnd = "_Event_Log.txt";
-constexpr std::string_view kCountLabel = "Controllers found";
+constexpr std::string_view kFoundLabel = "Controllers found";
 
 // The row has the files of the archive's first controller.
 constexpr int kFirstFurther = 2;
@@ -37,7 +37,7 @@ Integer FindCount(std::string_view text) {
   ReportLines lines(text);
   for (ReportLine line; lines.Next(line);) {
     const auto told = SplitLabel(line.text, ':');
-    if (told && told->label == kCountLabel) return ReadInteger(told->value);
+    if (told && told->label == kFoundLabel) return ReadInteger(told->value);
   }
   return std::nullopt;
 }
@@ -48,7 +48,7 @@ bool SaysNoController(const CollectedAnswer& answer) {
 
 /// Whether the tool said that there is no controller, or ended well without writing of one.
 bool TellsNoController(const CollectedRows& rows, const CollectedTable& table) {
-  const auto answers = rows.ListAnswers(kProgram, kArguments);
+  const auto answers = rows.ListAnswers(kArcconf, kArguments);
   return std::any_of(answers.begin(), answers.end(), [&](const CollectedAnswer* answer) {
     return SaysNoController(*answer) || (table.status.outcome == "output could not be opened" &&
                                          answer->exitCode.value_or(1) == 0);
@@ -96,7 +96,7 @@ bool ReadFurtherController(const CollectedRows& rows, const std::string& number,
 std::int64_t ReadFirstController(const CollectedRows& rows, Parts& parts,
                                  std::vector<std::string>& gaps) {
   std::int64_t count = 0;
-  for (const CollectedRow& row : rows.ListRows(kClass)) {
+  for (const CollectedRow& row : rows.ListRows(kConfigClass)) {
     const auto read = [&](const char* key, std::string_view end) {
       const std::string name = "Controller_1" + std::string(end);
       const std::optional<DecodedText> text = row.FindText(key);
@@ -114,7 +114,7 @@ std::int64_t ReadFirstController(const CollectedRows& rows, Parts& parts,
 
 /// Whether the collection noticed that the archive has files of further controllers.
 bool TellsOfFurtherController(const CollectedTable& table) {
-  const pq::TableDescription* described = FindTableDescription(kClass);
+  const pq::TableDescription* described = FindTableDescription(kConfigClass);
   if (described == nullptr) return false;
   const auto& notes = table.status.notes;
   return std::any_of(described->leavesOut.begin(), described->leavesOut.end(),
@@ -127,26 +127,26 @@ bool TellsOfFurtherController(const CollectedTable& table) {
 /// `otherGap`: of controllers of which nothing was read.
 void AddMicrochipSource(const CollectedRows& rows, Parts& parts, bool hasParts,
                         std::vector<std::string> gaps, const std::string& otherGap) {
-  const CollectedTable* table = rows.FindTable(kClass);
-  const std::string end = DescribeEnd(rows.FindAnswer(kProgram, kArguments));
+  const CollectedTable* table = rows.FindTable(kConfigClass);
+  const std::string end = DescribeEnd(rows.FindAnswer(kArcconf, kArguments));
   if (hasParts && !end.empty()) gaps.insert(gaps.begin(), std::string(kTool) + " " + end);
   const bool lacksControllersOnly = gaps.empty() && hasParts;
   if (!otherGap.empty()) gaps.push_back(otherGap);
   if (!gaps.empty()) {
-    AddSource(parts, "microchip", kClass, SourceState::kFailed, JoinGaps(gaps));
+    AddSource(parts, "microchip", kConfigClass, SourceState::kFailed, JoinGaps(gaps));
     parts.sources.back().lacksControllersOnly = lacksControllersOnly;
   } else if (hasParts) {
-    AddSource(parts, "microchip", kClass, SourceState::kRead);
+    AddSource(parts, "microchip", kConfigClass, SourceState::kRead);
   } else if (table != nullptr && TellsNoController(rows, *table)) {
-    AddSource(parts, "microchip", kClass, SourceState::kNone, "arcconf finds no controller");
-    const auto answers = rows.ListAnswers(kProgram, kArguments);
+    AddSource(parts, "microchip", kConfigClass, SourceState::kNone, "arcconf finds no controller");
+    const auto answers = rows.ListAnswers(kArcconf, kArguments);
     parts.sources.back().saysNone =
         std::any_of(answers.begin(), answers.end(),
                     [](const auto* answer) { return SaysNoController(*answer); });
   } else if (table != nullptr && table->RowCount() > 0) {
-    AddSource(parts, "microchip", kClass, SourceState::kFailed, "no controller in the report");
+    AddSource(parts, "microchip", kConfigClass, SourceState::kFailed, "no controller in the report");
   } else {
-    AddSourceWithoutParts(parts, "microchip", kClass, table);
+    AddSourceWithoutParts(parts, "microchip", kConfigClass, table);
   }
 }
 
@@ -157,7 +157,7 @@ void ReadMicrochip(const CollectedRows& rows, Parts& parts) {
   const std::size_t drives = parts.drives.size();
   std::vector<std::string> gaps;
   const std::int64_t counted = ReadFirstController(rows, parts, gaps);
-  const CollectedTable* table = rows.FindTable(kClass);
+  const CollectedTable* table = rows.FindTable(kConfigClass);
   const bool hasArchive = table != nullptr && table->RowCount() > 0;
   bool lacksController = hasArchive && TellsOfFurtherController(*table);
   std::int64_t filesRead = 1;

@@ -23,7 +23,7 @@ namespace host {
 namespace {
 
 /// How a value becomes one of a drive; false when it tells nothing.
-using SetValue = bool (*)(Drive& drive, std::string_view value);
+using SetDriveValue = bool (*)(Drive& drive, std::string_view value);
 
 template <auto member>
 bool SetText(Drive& drive, std::string_view value) {
@@ -56,11 +56,11 @@ bool SetTemperature(Drive& drive, std::string_view value) {
 struct DriveFact {
   std::string_view label;
   std::string_view column;
-  SetValue set;
+  SetDriveValue set;
 };
 
 // Both generations of the tool. Of a drive with several logical units the first one counts.
-constexpr DriveFact kFacts[] = {
+constexpr DriveFact kStorcliDriveFacts[] = {
     {"Shield Counter", "shield", SetNumber<&Drive::shield, ReadInteger>},
     {"Media Error Count", "media_errors", SetNumber<&Drive::mediaErrors, ReadInteger>},
     {"Other Error Count", "other_errors", SetNumber<&Drive::otherErrors, ReadInteger>},
@@ -150,9 +150,9 @@ class DrivesReader {
     label = split->label;
     hasLastLabel = hasLastLabel || label == lastLabel;
     const auto* const fact =
-        std::find_if(std::begin(kFacts), std::end(kFacts),
+        std::find_if(std::begin(kStorcliDriveFacts), std::end(kStorcliDriveFacts),
                      [&](const DriveFact& known) { return known.label == split->label; });
-    if (fact == std::end(kFacts)) return;
+    if (fact == std::end(kStorcliDriveFacts)) return;
     Drive& drive = Open(place, line);
     if (fact->set(drive, split->value)) {
       NotePlace(drive, fact->column, PlaceOfLine(report, line));

@@ -26,7 +26,7 @@ struct ControllerFact {
 };
 
 // The first line with one of its labels gives a fact; further down they are about something else.
-constexpr ControllerFact kFacts[] = {
+constexpr ControllerFact kStorcliControllerFacts[] = {
     {"model",
      {"Product Name", "Model"},
      [](Controller& made, std::string_view value) { made.model = value; }},
@@ -108,11 +108,11 @@ class ShowReader {
   void TakeFact(const ReportLine& line) {
     const auto split = SplitLabel(line.text, '=');
     if (!split) return;
-    for (std::size_t i = 0; i < std::size(kFacts); ++i) {
-      if (known[i] || !IsLabelOf(kFacts[i], split->label)) continue;
+    for (std::size_t i = 0; i < std::size(kStorcliControllerFacts); ++i) {
+      if (known[i] || !IsLabelOf(kStorcliControllerFacts[i], split->label)) continue;
       known[i] = true;
-      kFacts[i].set(controller, split->value);
-      NotePlace(controller, kFacts[i].column, PlaceOfLine(report, line));
+      kStorcliControllerFacts[i].set(controller, split->value);
+      NotePlace(controller, kStorcliControllerFacts[i].column, PlaceOfLine(report, line));
     }
   }
 
@@ -239,7 +239,7 @@ class ShowReader {
   Controller controller;
   bool hasParts = false;
   bool passedDrives = false;  ///< their list, or one of those after it
-  std::array<bool, std::size(kFacts)> known{};
+  std::array<bool, std::size(kStorcliControllerFacts)> known{};
 };
 
 void AddMissingDrive(const TopologyRow& row, const std::string& controller, const Place& at,

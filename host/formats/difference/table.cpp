@@ -21,7 +21,7 @@
 namespace host {
 namespace {
 
-constexpr std::size_t kMostEntries = 20;
+constexpr std::size_t kMostShownEntries = 20;
 
 char GetSign(PartChange change) {
   constexpr char kSigns[] = {'~', '>', '=', '+', '-'};
@@ -118,7 +118,7 @@ void WriteLog(const LogDifference& log, const Screen& screen, LinesWriter& lines
     text += fmt::format(", {} of them warnings or worse:", shown.size());
   }
   lines.Write(2, text);
-  const std::size_t count = screen.showsAll ? shown.size() : std::min(shown.size(), kMostEntries);
+  const std::size_t count = screen.showsAll ? shown.size() : std::min(shown.size(), kMostShownEntries);
   // The newest are the last ones.
   for (std::size_t i = shown.size() - count; i < shown.size(); ++i) {
     lines.Write(6, DescribeEntry(*shown[i]));

@@ -26,7 +26,7 @@
 namespace host {
 namespace {
 
-constexpr char kFooter[] = R"(Examples:
+constexpr char kCheckFooter[] = R"(Examples:
   pqhost check
   pqhost check --module BMC_Info --log-folder D:\logs
   pqhost check --replay RECORDING --format json
@@ -189,9 +189,9 @@ int RunCheck(const CheckOptions& options, const Console& console) {
   return check.isComplete ? kExitDone : kExitIncomplete;
 }
 
-CommandRun Define(OptionSet& set) {
+CommandRun DefineCheck(OptionSet& set) {
   const auto options = std::make_shared<CheckOptions>();
-  AddModules(set, options->modules, "Look at this module's tools; may be repeated");
+  AddModuleOption(set, options->modules, "Look at this module's tools; may be repeated");
   AddReplay(set, options->source);
   AddLogFolder(set, options->source);
   AddPlugin(set, options->source);
@@ -203,6 +203,6 @@ CommandRun Define(OptionSet& set) {
 }  // namespace
 
 const Command kCheckCommand = {"check", "Tell what a collection would find, running nothing",
-                               kFooter, &Define};
+                               kCheckFooter, &DefineCheck};
 
 }  // namespace host

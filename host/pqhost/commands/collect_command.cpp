@@ -31,7 +31,7 @@
 namespace host {
 namespace {
 
-constexpr char kFooter[] = R"(Examples:
+constexpr char kCollectFooter[] = R"(Examples:
   pqhost collect --module BMC_Info --module Windows_Related_Info
   pqhost collect --replay RECORDING --format json --output server.json
   pqhost collect --replay RECORDING --log-folder logs --format none
@@ -326,10 +326,10 @@ int ShowCommands(const CollectOptions& options, const Console& console) {
   return kExitDone;
 }
 
-CommandRun Define(OptionSet& set) {
+CommandRun DefineCollect(OptionSet& set) {
   const auto options = std::make_shared<CollectOptions>();
   SourceOptions& source = options->source;
-  AddModules(set, options->selection.modules, "Use this module; may be repeated");
+  AddModuleOption(set, options->selection.modules, "Use this module; may be repeated");
   set.AddNames("--table", OptionValue::kTable, options->selection.tables,
                "Enumerate this table; may be repeated");
   AddReplay(set, source);
@@ -378,7 +378,7 @@ CommandRun Define(OptionSet& set) {
 
 }  // namespace
 
-const Command kCollectCommand = {"collect", "Run the modules and show what they collect", kFooter,
-                                 &Define, Command::TimeLimit::kItsOwn};
+const Command kCollectCommand = {"collect", "Run the modules and show what they collect", kCollectFooter,
+                                 &DefineCollect, Command::TimeLimit::kItsOwn};
 
 }  // namespace host

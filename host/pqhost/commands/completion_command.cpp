@@ -9,7 +9,7 @@
 namespace host {
 namespace {
 
-constexpr char kFooter[] = R"(Examples:
+constexpr char kCompletionFooter[] = R"(Examples:
   pqhost completion --shell bash > completions/pqhost.bash
   pqhost completion --shell powershell > completions/pqhost.ps1
 )";
@@ -19,7 +19,7 @@ int RunCompletion(const std::string& shell, const Console& console) {
   return kExitDone;
 }
 
-CommandRun Define(OptionSet& set) {
+CommandRun DefineCompletion(OptionSet& set) {
   const auto shell = std::make_shared<std::string>("bash");
   set.AddChoice("--shell", {"bash", "powershell"}, *shell, "Shell: bash or powershell");
   return [shell](const Console& console) { return RunCompletion(*shell, console); };
@@ -29,8 +29,8 @@ CommandRun Define(OptionSet& set) {
 
 const Command kCompletionCommand = {"completion",
                                     "Write a shell's completion of this command line",
-                                    kFooter,
-                                    &Define,
+                                    kCompletionFooter,
+                                    &DefineCompletion,
                                     Command::TimeLimit::kOfProgram,
                                     Command::ExitCodes::kOfProgram,
                                     /*isHidden=*/true};

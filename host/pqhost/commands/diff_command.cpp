@@ -21,7 +21,7 @@
 namespace host {
 namespace {
 
-constexpr char kFooter[] = R"(Examples:
+constexpr char kDiffFooter[] = R"(Examples:
   pqhost diff november.zip december.zip
   pqhost diff november.json december.zip --format html --output changes.html
   pqhost diff OLD NEW --part drives
@@ -55,7 +55,7 @@ struct DiffOptions {
 };
 
 /// Ctrl-C was pressed before there was anything to compare.
-class Interrupted {};
+class ReadingInterrupted {};
 
 SourceOptions MakeSource(const std::string& word, const DiffOptions& options) {
   SourceOptions source = options.source;
@@ -66,7 +66,7 @@ SourceOptions MakeSource(const std::string& word, const DiffOptions& options) {
 ComparedFile ReadSide(const std::string& word, const DiffOptions& options, const Console& console,
                       const std::function<void()>& beforeRun) {
   ComparedFile side = OpenComparedFile(MakeSource(word, options), console, beforeRun);
-  if (IsInterruptionRequested()) throw Interrupted();
+  if (IsInterruptionRequested()) throw ReadingInterrupted();
   return side;
 }
 
@@ -123,13 +123,13 @@ int RunDiff(const DiffOptions& given, const Console& console) {
   }
   try {
     return CompareAndWrite(given, console);
-  } catch (const Interrupted&) {
+  } catch (const ReadingInterrupted&) {
     Complain(console, "interrupted: nothing was compared");
     return kExitMisused;
   }
 }
 
-CommandRun Define(OptionSet& set) {
+CommandRun DefineDiff(OptionSet& set) {
   const auto options = std::make_shared<DiffOptions>();
   set.AddArguments(
       "RECORDINGS", "OLD NEW", OptionValue::kRecording, 2, options->words,
@@ -157,8 +157,8 @@ CommandRun Define(OptionSet& set) {
 
 const Command kDiffCommand = {"diff",
                               "Tell what changed between two recordings",
-                              kFooter,
-                              &Define,
+                              kDiffFooter,
+                              &DefineDiff,
                               Command::TimeLimit::kOfProgram,
                               Command::ExitCodes::kOfDiff};
 

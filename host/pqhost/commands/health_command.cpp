@@ -36,7 +36,7 @@
 namespace host {
 namespace {
 
-constexpr char kFooter[] = R"(Examples:
+constexpr char kHealthFooter[] = R"(Examples:
   pqhost health
   pqhost health --replay RECORDING --brief
   pqhost health --replay FOLDER_OF_RECORDINGS --format nagios
@@ -113,7 +113,7 @@ HealthOptions SettleOptions(const HealthCommandOptions& given) {
 }
 
 /// Ctrl-C leaves a part of a machine, which may look well.
-class Interrupted final : public std::exception {
+class JudgingInterrupted final : public std::exception {
  public:
   const char* what() const noexcept override { return "interrupted: nothing is judged"; }
 };
@@ -125,11 +125,11 @@ struct Judged {
   Assessment assessment;
 };
 
-/// Throws Interrupted, and what Gather and Assess throw.
+/// Throws JudgingInterrupted, and what Gather and Assess throw.
 Judged JudgeMachine(const SourceOptions& source, HealthJudge& judge, const Console& console,
                     const std::function<void()>& beforeRun) {
   Gathered gathered = Gather(source, {}, console, KeepLog::kYes, [&](auto&) { beforeRun(); });
-  if (IsInterruptionRequested()) throw Interrupted();
+  if (IsInterruptionRequested()) throw JudgingInterrupted();
   // From now on Ctrl-C may end the program at once.
   gathered.interruption.reset();
   Assessment assessment = Assess(gathered.collection, judge);
@@ -299,7 +299,7 @@ int RunHealth(HealthCommandOptions& given, const Console& console) {
   return exitCode;
 }
 
-CommandRun Define(OptionSet& set) {
+CommandRun DefineHealth(OptionSet& set) {
   const auto options = std::make_shared<HealthCommandOptions>();
   options->source.asksNobody = true;  // What watches over a machine has nobody to ask.
   set.AddPaths(
@@ -334,8 +334,8 @@ CommandRun Define(OptionSet& set) {
 
 const Command kHealthCommand = {"health",
                                 "Tell whether machines are well, and what to do",
-                                kFooter,
-                                &Define,
+                                kHealthFooter,
+                                &DefineHealth,
                                 Command::TimeLimit::kOfProgram,
                                 Command::ExitCodes::kOfNagios};
 

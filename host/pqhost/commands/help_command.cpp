@@ -11,7 +11,7 @@
 namespace host {
 namespace {
 
-constexpr char kFooter[] = R"(Examples:
+constexpr char kHelpFooter[] = R"(Examples:
   pqhost help
   pqhost help collect
 )";
@@ -25,7 +25,7 @@ int ShowHelp(const std::vector<std::string>& words, const Console& console) {
   return RunCommandLine({words.front(), "--help"}, console);
 }
 
-CommandRun Define(OptionSet& set) {
+CommandRun DefineHelp(OptionSet& set) {
   const auto words = std::make_shared<std::vector<std::string>>();
   set.AddArguments("COMMAND", "[COMMAND]", OptionValue::kCommand, 1, *words,
                    "The command; none: the program");
@@ -34,7 +34,7 @@ CommandRun Define(OptionSet& set) {
 
 }  // namespace
 
-const Command kHelpCommand = {"help", "Show the help of the program or of a command", kFooter,
-                              &Define};
+const Command kHelpCommand = {"help", "Show the help of the program or of a command", kHelpFooter,
+                              &DefineHelp};
 
 }  // namespace host

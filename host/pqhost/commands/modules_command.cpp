@@ -17,7 +17,7 @@
 namespace host {
 namespace {
 
-constexpr char kFooter[] = R"(Examples:
+constexpr char kModulesFooter[] = R"(Examples:
   pqhost modules
   pqhost modules --format json
 )";
@@ -51,7 +51,7 @@ int RunModules(const ModulesOptions& options, const Console& console) {
   return kExitDone;
 }
 
-CommandRun Define(OptionSet& set) {
+CommandRun DefineModules(OptionSet& set) {
   const auto options = std::make_shared<ModulesOptions>();
   set.AddPath("--plugin", OptionValue::kFile, options->plugin, "Ask this library (Windows)");
   set.AddChoice("--format", {"table", "json", "markdown", "parts", "metrics"}, options->format,
@@ -61,6 +61,6 @@ CommandRun Define(OptionSet& set) {
 
 }  // namespace
 
-const Command kModulesCommand = {"modules", "List the modules and their tables", kFooter, &Define};
+const Command kModulesCommand = {"modules", "List the modules and their tables", kModulesFooter, &DefineModules};
 
 }  // namespace host

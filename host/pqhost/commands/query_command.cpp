@@ -27,7 +27,7 @@
 namespace host {
 namespace {
 
-constexpr char kFooter[] = R"(Examples:
+constexpr char kQueryFooter[] = R"(Examples:
   pqhost query --replay RECORDING "SELECT name, reading FROM v_sensorinfo WHERE status <> 'ok'"
   pqhost collect --format sqlite --output server.db
   pqhost query server.db "SELECT class, rows, status FROM tables" --format csv
@@ -153,7 +153,7 @@ int RunQuery(QueryOptions& options, const Console& console) {
   }
 }
 
-CommandRun Define(OptionSet& set) {
+CommandRun DefineQuery(OptionSet& set) {
   const auto options = std::make_shared<QueryOptions>();
   set.AddArguments("QUERY", "[FILE]... SQL", OptionValue::kDatabase, kMostWords, options->words,
                    "Files that pqhost wrote, if any, then one SELECT statement");
@@ -172,7 +172,7 @@ CommandRun Define(OptionSet& set) {
 
 }  // namespace
 
-const Command kQueryCommand = {"query", "Ask a collection, or the database of one, in SQL", kFooter,
-                               &Define, Command::TimeLimit::kItsOwn};
+const Command kQueryCommand = {"query", "Ask a collection, or the database of one, in SQL", kQueryFooter,
+                               &DefineQuery, Command::TimeLimit::kItsOwn};
 
 }  // namespace host

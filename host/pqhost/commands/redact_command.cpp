@@ -27,7 +27,7 @@
 namespace host {
 namespace {
 
-constexpr char kFooter[] = R"(Examples:
+constexpr char kRedactFooter[] = R"(Examples:
   pqhost redact server.zip to-send.zip
   pqhost redact --preview server.zip
   pqhost redact --profile support server.zip to-send.zip
@@ -178,7 +178,7 @@ int RunRedact(const RedactOptions& options, const RedactionRules& rules, const C
   return redacted.leftOut.empty() ? kExitDone : kExitIncomplete;
 }
 
-CommandRun Define(OptionSet& set) {
+CommandRun DefineRedact(OptionSet& set) {
   const auto options = std::make_shared<RedactOptions>();
   set.AddArguments("RECORDING", "IN OUT", OptionValue::kRecording, 2, options->words,
                    "The recording, and the new folder or ZIP file for what may be passed on");
@@ -201,6 +201,6 @@ CommandRun Define(OptionSet& set) {
 }  // namespace
 
 const Command kRedactCommand = {"redact", "Copy a recording without what must not be passed on",
-                                kFooter, &Define};
+                                kRedactFooter, &DefineRedact};
 
 }  // namespace host

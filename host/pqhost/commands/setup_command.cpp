@@ -25,7 +25,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr char kFooter[] = R"(Examples:
+constexpr char kSetupFooter[] = R"(Examples:
   pqhost setup
   pqhost setup --from D:\downloads
   pqhost setup --from D:\downloads --copy
@@ -134,7 +134,7 @@ int RunSetup(const SetupOptions& options, const Console& console) {
   return Setup(options, console).Run();
 }
 
-CommandRun Define(OptionSet& set) {
+CommandRun DefineSetup(OptionSet& set) {
   const auto options = std::make_shared<SetupOptions>();
   set.AddPaths("--from", OptionValue::kFolder, options->from,
                "Look in this folder, too, before all others; may be repeated");
@@ -146,6 +146,6 @@ CommandRun Define(OptionSet& set) {
 }  // namespace
 
 const Command kSetupCommand = {"setup", "Find the vendors' tools on this machine (Windows)",
-                               kFooter, &Define};
+                               kSetupFooter, &DefineSetup};
 
 }  // namespace host

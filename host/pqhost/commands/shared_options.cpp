@@ -8,7 +8,7 @@
 
 namespace host {
 
-void AddModules(OptionSet& set, std::vector<std::string>& modules, const char* help) {
+void AddModuleOption(OptionSet& set, std::vector<std::string>& modules, const char* help) {
   set.AddNames("--module", OptionValue::kModule, modules, help);
 }
 

@@ -14,7 +14,7 @@
 namespace host {
 
 /// --module
-void AddModules(OptionSet& set, std::vector<std::string>& modules, const char* help);
+void AddModuleOption(OptionSet& set, std::vector<std::string>& modules, const char* help);
 
 /// --replay, and how it is read: --limit, --unverified
 void AddReplay(OptionSet& set, SourceOptions& source);

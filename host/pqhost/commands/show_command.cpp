@@ -17,7 +17,7 @@
 namespace host {
 namespace {
 
-constexpr char kFooter[] = R"(Examples:
+constexpr char kShowFooter[] = R"(Examples:
   pqhost show server.zip
   pqhost show server.html --format json --output server.json
   pqhost show server.db --format html --output report.html
@@ -53,7 +53,7 @@ int RunShow(ShowOptions& options, const Console& console) {
   return collection.problems.empty() ? kExitDone : kExitIncomplete;
 }
 
-CommandRun Define(OptionSet& set) {
+CommandRun DefineShow(OptionSet& set) {
   const auto options = std::make_shared<ShowOptions>();
   set.AddArguments("FILE", "FILE", OptionValue::kFile, 1, options->words,
                    "A recording, or a result of this program");
@@ -67,7 +67,7 @@ CommandRun Define(OptionSet& set) {
 
 }  // namespace
 
-const Command kShowCommand = {"show", "Show a file that pqhost wrote, in any format", kFooter,
-                              &Define};
+const Command kShowCommand = {"show", "Show a file that pqhost wrote, in any format", kShowFooter,
+                              &DefineShow};
 
 }  // namespace host

@@ -19,7 +19,7 @@
 namespace host {
 namespace {
 
-constexpr char kFooter[] = R"(Examples:
+constexpr char kVerifyFooter[] = R"(Examples:
   pqhost verify server.zip
   pqhost verify FOLDER_OF_RECORDINGS
   pqhost verify --key monday.zip tuesday.zip
@@ -75,7 +75,7 @@ int RunVerify(const VerifyOptions& options, const Console& console) {
   return exitCode;
 }
 
-CommandRun Define(OptionSet& set) {
+CommandRun DefineVerify(OptionSet& set) {
   const auto options = std::make_shared<VerifyOptions>();
   set.AddArguments("RECORDING", "RECORDING...", OptionValue::kRecording, kMostRecordings,
                    options->words, "Folders or ZIP files, or folders of them");
@@ -87,7 +87,7 @@ CommandRun Define(OptionSet& set) {
 
 }  // namespace
 
-const Command kVerifyCommand = {"verify", "Tell whether recordings are as they were made", kFooter,
-                                &Define};
+const Command kVerifyCommand = {"verify", "Tell whether recordings are as they were made", kVerifyFooter,
+                                &DefineVerify};
 
 }  // namespace host

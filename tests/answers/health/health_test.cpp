@@ -23,7 +23,7 @@ using host::HealthOptions;
 using host::Parts;
 
 /// Severity and key of each finding.
-std::vector<std::string> ListFindings(const host::Health& health) {
+std::vector<std::string> ListKeys(const host::Health& health) {
   std::vector<std::string> list;
   for (const host::HealthFinding& finding : health.findings) {
     list.push_back(std::string(host::GetWord(finding.severity)) + " " + finding.key);
@@ -83,7 +83,7 @@ TEST(Health, IsOkWhenNothingIsWrong) {
 }
 
 TEST(Health, JoinsHitsOfOneCause) {
-  EXPECT_EQ(ListFindings(Judge(MakeTroubledParts())),
+  EXPECT_EQ(ListKeys(Judge(MakeTroubledParts())),
             (std::vector<std::string>{
                 // Nothing protects the other drives of the volume any more.
                 "critical drive.failed lsi0 69:2", "critical drive.media-errors lsi0 69:3",
@@ -141,14 +141,14 @@ TEST(Health, ShowsTheLastEntryOfTheLogThatIsMeant) {
 
 TEST(Health, DoesNotDependOnTheOrderOfParts) {
   const Parts parts = MakeTroubledParts();
-  const std::vector<std::string> expected = ListFindings(Judge(parts));
+  const std::vector<std::string> expected = ListKeys(Judge(parts));
   std::mt19937 random(7);
   for (int i = 0; i < 10; ++i) {
     Parts shuffled = parts;
     std::shuffle(shuffled.drives.begin(), shuffled.drives.end(), random);
     std::shuffle(shuffled.events.begin(), shuffled.events.end(), random);
     std::shuffle(shuffled.sources.begin(), shuffled.sources.end(), random);
-    EXPECT_EQ(ListFindings(Judge(shuffled)), expected);
+    EXPECT_EQ(ListKeys(Judge(shuffled)), expected);
   }
 }
 
@@ -407,12 +407,12 @@ TEST(Health, TakesTextsOfToolsAsTexts) {
 TEST(Health, OfOneMachineSaysNothingOfTheNext) {
   host::HealthJudge judge;
   const Parts troubled = MakeTroubledParts();
-  const std::vector<std::string> expected = ListFindings(Judge(troubled));
+  const std::vector<std::string> expected = ListKeys(Judge(troubled));
   Parts well;
   AddDrive(well, "lsi0 69:2", "Onln");
   AddSensor(well, "FAN1", 4, "ok");
   for (int i = 0; i < 3; ++i) {
-    EXPECT_EQ(ListFindings(judge.JudgeParts(troubled, kNow)), expected);
+    EXPECT_EQ(ListKeys(judge.JudgeParts(troubled, kNow)), expected);
     EXPECT_STREQ(host::GetVerdict(judge.JudgeParts(well, kNow)), "OK");
     EXPECT_STREQ(host::GetVerdict(judge.JudgeParts({}, kNow)), "UNKNOWN");
   }
@@ -498,7 +498,7 @@ TEST(Health, JudgesTheSamplesAsPeopleDo) {
         host::JudgeCollection(collection, host::ReadParts(collection), HealthOptions());
     EXPECT_STREQ(host::GetVerdict(health), expected.verdict) << expected.sample;
     std::vector<std::string> alarms;
-    for (const std::string& finding : ListFindings(health)) {
+    for (const std::string& finding : ListKeys(health)) {
       if (!finding.starts_with("notice")) alarms.push_back(finding);
     }
     EXPECT_EQ(alarms, expected.findings) << expected.sample;

@@ -24,10 +24,7 @@ struct RuleCase {
   void (*isSilent)(Parts& parts);
 };
 
-constexpr Severity kCritical = Severity::kCritical;
-constexpr Severity kWarning = Severity::kWarning;
-constexpr Severity kUnknown = Severity::kUnknown;
-constexpr Severity kNotice = Severity::kNotice;
+using enum Severity;
 
 constexpr int kDiscrete = 0x6f;
 constexpr int kRedundancy = 0x0b;

@@ -17,10 +17,7 @@ using host::Parts;
 using host::Severity;
 
 constexpr std::optional<Severity> kNone;
-constexpr Severity kCritical = Severity::kCritical;
-constexpr Severity kWarning = Severity::kWarning;
-constexpr Severity kUnknown = Severity::kUnknown;
-constexpr Severity kNotice = Severity::kNotice;
+using enum Severity;
 
 std::string NameSeverity(const std::optional<Severity>& severity) {
   return severity ? host::GetWord(*severity) : "nothing";

@@ -10,7 +10,7 @@ using host::Integer;
 using host::Parts;
 using testing::IsEmpty;
 
-Parts Read(const std::string& text) {
+Parts ReadArcconf(const std::string& text) {
   Parts parts;
   host::ReadArcconfEvents({text, {"PMCLINK", 1, "Controller_Event_Log", 0, "arcconf"}, "mchp1"},
                           parts);
@@ -18,7 +18,7 @@ Parts Read(const std::string& text) {
 }
 
 TEST(ArcconfEvents, HaveTimeSeverityAndText) {
-  const Parts parts = Read(
+  const Parts parts = ReadArcconf(
       "Event Log for Controller 1\r\n-----------------------------\r\n"
       "2026-11-14 17:22:08  WARNING  Write cache disabled: charge low\r\n"
       "2026-11-14 17:23:40  INFO     Write cache enabled\r\n"
@@ -42,7 +42,7 @@ TEST(ArcconfEvents, HaveTimeSeverityAndText) {
 }
 
 TEST(ArcconfEvents, AreUnreadOnceForLinesInARow) {
-  const Parts parts = Read(
+  const Parts parts = ReadArcconf(
       "<event seq=\"1\"/>\n<event seq=\"2\"/>\n"
       "2026-11-14 17:23:40  INFO     Write cache enabled\n"
       "2026-11-14 17:23:40  WORSE    than that\n");

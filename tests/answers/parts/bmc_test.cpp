@@ -18,7 +18,7 @@ using host::Place;
 using host::Real;
 using testing::IsEmpty;
 
-Parts Read(const host::Recording& machine) {
+Parts ReadBmc(const host::Recording& machine) {
   return host::ReadParts(host::Collect(machine, host::Selection{{"BMC_Info"}, {}}));
 }
 
@@ -26,7 +26,7 @@ Parts ReadWith(const std::string& arguments, const std::string& output,
                std::uint32_t detection = 5) {
   host::Recording machine = test::MakeBmcMachine(detection);
   test::AnswerOf(machine, arguments).standardOutput = output;
-  return Read(machine);
+  return ReadBmc(machine);
 }
 
 /// "STATE: OBSERVED"
@@ -100,7 +100,7 @@ TEST(BmcParts, KnowWhichSensorAnEventIsAbout) {
       "0003 INF e0 OEM Event 42\r\n"
       "0004 08/21/26 11\r\n"
       "ipmiutil sel, completed successfully\r\n";
-  const Parts parts = Read(machine);
+  const Parts parts = ReadBmc(machine);
   ASSERT_EQ(parts.events.size(), 3U);
   EXPECT_EQ(parts.events[0].part, "sensors");
   EXPECT_EQ(parts.events[0].partId, "PS2 Status");
@@ -172,7 +172,7 @@ TEST(BmcSources, AreReadOnlyWhenSomethingIsUnderstood) {
   for (const char* arguments : {"sensor", "sensor -s -q", "korvaxoem fru", "sel"}) {
     test::AnswerOf(machine, arguments).standardOutput = kError;
   }
-  const Parts parts = Read(machine);
+  const Parts parts = ReadBmc(machine);
   for (const char* id : {"sensors", "fru", "sel"}) {
     EXPECT_EQ(FindSource(parts, id), "failed: ipmiutil sensor, error -1") << id;
   }
@@ -237,9 +237,9 @@ TEST(BmcSources, AreCutShortWithAnExitCodeUnlessTheListingIsWhole) {
   host::RecordedCommand& sel = test::AnswerOf(machine, "sel");
   sel.exitCode = 3;
   sel.standardOutput = "0001 INF e0 OEM Event 42\r\n";
-  EXPECT_EQ(FindSource(Read(machine), "sel"), "failed: cut short: ipmiutil sel ended with code 3");
+  EXPECT_EQ(FindSource(ReadBmc(machine), "sel"), "failed: cut short: ipmiutil sel ended with code 3");
   sel.standardOutput = "0001 INF e0 OEM Event 42\r\nipmiutil sel, completed successfully\r\n";
-  EXPECT_EQ(FindSource(Read(machine), "sel"), "read: ");
+  EXPECT_EQ(FindSource(ReadBmc(machine), "sel"), "read: ");
 }
 
 TEST(BmcSources, KnowWhetherThereWasASelfTest) {
@@ -250,7 +250,7 @@ TEST(BmcSources, KnowWhetherThereWasASelfTest) {
   host::RecordedCommand& test = test::AnswerOf(machine, "korvaxoem selftest");
   test.standardOutput = "";
   test.exitCode = 3;
-  EXPECT_THAT(FindSource(Read(machine), "self-test"), testing::StartsWith("failed: "));
+  EXPECT_THAT(FindSource(ReadBmc(machine), "self-test"), testing::StartsWith("failed: "));
 }
 
 TEST(BmcSources, AreCutShortWhereOneOfTwoListingsIsEmpty) {
@@ -258,7 +258,7 @@ TEST(BmcSources, AreCutShortWhereOneOfTwoListingsIsEmpty) {
   test::AnswerOf(machine, "sensor -s -q").standardOutput =
       "P0 Temp | 41 | C | ok | na | na | na | 85 | 92 | 100\r\n";
   test::AnswerOf(machine, "sensor").standardOutput = "";
-  EXPECT_EQ(FindSource(Read(machine), "sensors"),
+  EXPECT_EQ(FindSource(ReadBmc(machine), "sensors"),
             "failed: cut short: ipmiutil sensor printed nothing");
 }
 
@@ -269,14 +269,14 @@ TEST(BmcSources, AreCutShortWhenTheListingEndsWithAnError) {
 }
 
 TEST(BmcSources, AreNoneWithoutABmc) {
-  const Parts parts = Read(test::MakeBmcMachine(3));
+  const Parts parts = ReadBmc(test::MakeBmcMachine(3));
   for (const char* id : {"sensors", "sel", "fru", "power supplies", "leds"}) {
     EXPECT_EQ(FindSource(parts, id), "none: this machine has no BMC") << id;
   }
 }
 
 TEST(BmcSources, AreNoneWhereTheyAreNotAsked) {
-  const Parts parts = Read(test::MakeBmcMachine(9));
+  const Parts parts = ReadBmc(test::MakeBmcMachine(9));
   EXPECT_EQ(FindSource(parts, "leds"), "none: this platform family (9) is not asked for it");
   EXPECT_EQ(FindSource(parts, "sensors"), "read: ");
 }
@@ -285,7 +285,7 @@ TEST(BmcSources, AreNoneWhereTheToolIsMissing) {
   host::Recording machine = test::MakeBmcMachine();
   std::erase_if(machine.commands,
                 [](const auto& command) { return command.tool == "ipmiutilnh.exe"; });
-  const Parts parts = Read(machine);
+  const Parts parts = ReadBmc(machine);
   for (const char* id : {"sensors", "sel", "fru", "power supplies", "leds", "self-test"}) {
     EXPECT_EQ(FindSource(parts, id), "none: ipmiutilnh.exe is not on this machine") << id;
   }
@@ -299,10 +299,10 @@ TEST(BmcSources, AreNotNoneWhereOneOfTwoListingsFails) {
   std::erase_if(machine.commands,
                 [](const auto& command) { return command.arguments == "sensor -s -q"; });
   test::AnswerOf(machine, "sensor").standardOutput = "Cannot open an IPMI driver\r\n";
-  EXPECT_EQ(FindSource(Read(machine), "sensors"), "failed: Cannot open an IPMI driver");
+  EXPECT_EQ(FindSource(ReadBmc(machine), "sensors"), "failed: Cannot open an IPMI driver");
   std::erase_if(machine.commands,
                 [](const auto& command) { return command.arguments == "korvaxoem led"; });
-  EXPECT_EQ(FindSource(Read(machine), "leds"),
+  EXPECT_EQ(FindSource(ReadBmc(machine), "leds"),
             "none: the recording has no such answer of ipmiutilnh.exe");
 }
 

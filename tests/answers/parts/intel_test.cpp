@@ -54,14 +54,14 @@ Parts ReadText(const std::string& text) {
   return parts;
 }
 
-host::Recording MakeMachine(const std::string& report) {
+host::Recording MakeIntelMachine(const std::string& report) {
   host::Recording machine;
   machine.commands.push_back({"rstcli64_5.exe", "-I", report, ""});
   return machine;
 }
-Parts Read(const host::Recording& machine) { return host::ReadParts(host::Collect(machine, {})); }
+Parts ReadIntel(const host::Recording& machine) { return host::ReadParts(host::Collect(machine, {})); }
 
-std::string FindSource(const Parts& parts) {
+std::string FindIntelSource(const Parts& parts) {
   const auto source = std::find_if(parts.sources.begin(), parts.sources.end(),
                                    [](const auto& one) { return one.id == "intel"; });
   return source == parts.sources.end() ? "" : source->state + ": " + source->observed;
@@ -135,8 +135,8 @@ TEST(IntelParts, BelongToTheVolumeThatListsThem) {
 TEST(IntelParts, AreWhereTheTablesShowThem) {
   const std::string report =
       kController + Volume("Tank", "Normal") + kDrives + Drive("0-0") + Drive("0-1");
-  const Parts parts = Read(MakeMachine(report));
-  EXPECT_EQ(FindSource(parts), "read: ");
+  const Parts parts = ReadIntel(MakeIntelMachine(report));
+  EXPECT_EQ(FindIntelSource(parts), "read: ");
   ASSERT_EQ(parts.drives.size(), 2U);
   EXPECT_EQ(parts.drives[1].readAt, (Place{"ENDDEVICEINFO", 2, "ID", 0, "rstcli64 -I"}));
   EXPECT_EQ(FindPlace(parts.drives[1], "state").key, "State");
@@ -149,15 +149,15 @@ TEST(IntelParts, AreWhereTheTablesShowThem) {
 }
 
 TEST(IntelSource, IsNoneWithoutToolOrController) {
-  EXPECT_EQ(FindSource(Read({})),
+  EXPECT_EQ(FindIntelSource(ReadIntel({})),
             "none: rstcli64_5.exe and IntelVROCCli.exe are not on this machine");
   EXPECT_EQ(
-      FindSource(Read(MakeMachine("rstcli64 ERROR: No Intel(R) RST controller was found.\n"))),
+      FindIntelSource(ReadIntel(MakeIntelMachine("rstcli64 ERROR: No Intel(R) RST controller was found.\n"))),
       "none: rstcli64_5.exe finds no Intel RST controller");
 }
 
 TEST(IntelSource, FailsWhenTheReportIsNotUnderstood) {
-  EXPECT_THAT(FindSource(Read(MakeMachine("Something else\n"))), testing::StartsWith("failed: "));
+  EXPECT_THAT(FindIntelSource(ReadIntel(MakeIntelMachine("Something else\n"))), testing::StartsWith("failed: "));
 }
 
 }  // namespace

@@ -27,29 +27,29 @@ constexpr char kDevices[] =
     "----------------------------------------------------------------------\n"
     "   No physical drives attached\n";
 
-host::Recording MakeMachine(const std::string& printed, std::uint32_t exitCode = 0) {
+host::Recording MakeMicrochipMachine(const std::string& printed, std::uint32_t exitCode = 0) {
   host::Recording machine;
   machine.commands.push_back({"arcconf.exe", "savesupportarchive c:\\", printed, "", exitCode});
   return machine;
 }
 
-Parts Read(const host::Recording& machine) {
+Parts ReadMicrochip(const host::Recording& machine) {
   return host::ReadParts(host::Collect(machine, host::Selection{{"sampleModule1"}, {}}));
 }
 
-std::string FindSource(const Parts& parts) {
+std::string FindMicrochipSource(const Parts& parts) {
   const auto source = std::find_if(parts.sources.begin(), parts.sources.end(),
                                    [](const auto& one) { return one.id == "microchip"; });
   return source == parts.sources.end() ? "" : source->state + ": " + source->observed;
 }
 
 TEST(MicrochipParts, AreInTheAttachedReports) {
-  host::Recording machine = MakeMachine("");
+  host::Recording machine = MakeMicrochipMachine("");
   machine.files["c:\\Support\\Firmware\\Controller_1_Config.txt"] = std::string(kConfig) + kDevices;
   machine.files["c:\\Support\\Firmware\\Controller_1_Event_Log.txt"] =
       "2026-11-14 17:22:08  WARNING  Charge low (14 \xb0\x43)\n";
-  const Parts parts = Read(machine);
-  EXPECT_EQ(FindSource(parts), "read: ");
+  const Parts parts = ReadMicrochip(machine);
+  EXPECT_EQ(FindMicrochipSource(parts), "read: ");
   ASSERT_EQ(parts.controllers.size(), 1U);
   EXPECT_EQ(parts.controllers[0].id, "mchp1");
   EXPECT_EQ(FindPlace(parts.controllers[0], "status"),
@@ -60,7 +60,7 @@ TEST(MicrochipParts, AreInTheAttachedReports) {
 }
 
 host::Recording MakeMachineOfTwoControllers() {
-  host::Recording machine = MakeMachine("");
+  host::Recording machine = MakeMicrochipMachine("");
   machine.files["c:\\Support\\Firmware\\Controller_1_Config.txt"] = std::string(kConfig) + kDevices;
   machine.files["C:\\support\\Firmware\\Controller_2_Config.txt"] =
       std::string(kConfig) + "   Controller Serial Number                   : OV2\n" + kDevices;
@@ -70,8 +70,8 @@ host::Recording MakeMachineOfTwoControllers() {
 }
 
 TEST(MicrochipParts, AreThoseOfAllControllers) {
-  const Parts parts = Read(MakeMachineOfTwoControllers());
-  EXPECT_EQ(FindSource(parts), "read: ");
+  const Parts parts = ReadMicrochip(MakeMachineOfTwoControllers());
+  EXPECT_EQ(FindMicrochipSource(parts), "read: ");
   ASSERT_EQ(parts.controllers.size(), 2U);
   EXPECT_EQ(parts.controllers[1].id, "mchp2");
   EXPECT_EQ(parts.controllers[1].number, "2");
@@ -90,59 +90,59 @@ TEST(MicrochipSource, FailsWhenAFurtherControllerIsNotRead) {
   collection.files.clear();
   const Parts parts = host::ReadParts(collection);
   EXPECT_EQ(parts.controllers.size(), 1U);
-  EXPECT_EQ(FindSource(parts), "failed: the report of the second controller was not read");
+  EXPECT_EQ(FindMicrochipSource(parts), "failed: the report of the second controller was not read");
 }
 
 // Each report begins with how many the tool finds.
 TEST(MicrochipSource, FailsWithFewerControllersThanTheToolCounts) {
-  host::Recording machine = MakeMachine("");
+  host::Recording machine = MakeMicrochipMachine("");
   const std::string report =
       std::string(kConfig) + kDevices + "\nCommand completed successfully.\n";
   auto& file = machine.files["c:\\Support\\Firmware\\Controller_1_Config.txt"];
   file = "Controllers found: 1\n" + report;
-  EXPECT_EQ(FindSource(Read(machine)), "read: ");
+  EXPECT_EQ(FindMicrochipSource(ReadMicrochip(machine)), "read: ");
   file = "Controllers found: 2\n" + report;
-  EXPECT_EQ(FindSource(Read(machine)), "failed: arcconf counts 2 controllers, of which 1 was read");
+  EXPECT_EQ(FindMicrochipSource(ReadMicrochip(machine)), "failed: arcconf counts 2 controllers, of which 1 was read");
   machine.files["c:\\Support\\Firmware\\Controller_2_Config.txt"] =
       "Controllers found: 2\n" + report;
-  EXPECT_EQ(FindSource(Read(machine)), "read: ");
+  EXPECT_EQ(FindMicrochipSource(ReadMicrochip(machine)), "read: ");
 }
 
 // An array that was whole yesterday may have lost a drive since.
 TEST(MicrochipSource, FailsWithFilesOfAnotherDay) {
   host::Recording machine;
   machine.files["c:\\Support\\Firmware\\Controller_1_Config.txt"] = std::string(kConfig) + kDevices;
-  const Parts parts = Read(machine);
+  const Parts parts = ReadMicrochip(machine);
   EXPECT_EQ(parts.controllers.size(), 1U);
-  EXPECT_EQ(FindSource(parts),
+  EXPECT_EQ(FindMicrochipSource(parts),
             "failed: what there is comes from files of an unknown time; arcconf.exe is not on this "
             "machine");
 }
 
 TEST(MicrochipSource, IsNoneWithoutToolOrController) {
-  EXPECT_EQ(FindSource(Read({})), "none: arcconf.exe is not on this machine");
-  EXPECT_EQ(FindSource(Read(MakeMachine("Controllers found: 0\n"))),
+  EXPECT_EQ(FindMicrochipSource(ReadMicrochip({})), "none: arcconf.exe is not on this machine");
+  EXPECT_EQ(FindMicrochipSource(ReadMicrochip(MakeMicrochipMachine("Controllers found: 0\n"))),
             "none: arcconf finds no controller");
   // It writes an archive only where there is a controller.
-  EXPECT_EQ(FindSource(Read(MakeMachine("Done.\n"))), "none: arcconf finds no controller");
+  EXPECT_EQ(FindMicrochipSource(ReadMicrochip(MakeMicrochipMachine("Done.\n"))), "none: arcconf finds no controller");
 }
 
 TEST(MicrochipSource, FailsWithTheTool) {
-  EXPECT_THAT(FindSource(Read(MakeMachine("Error\n", 3))), testing::StartsWith("failed: "));
+  EXPECT_THAT(FindMicrochipSource(ReadMicrochip(MakeMicrochipMachine("Error\n", 3))), testing::StartsWith("failed: "));
 }
 
 TEST(MicrochipSource, FailsWhenTheReportIsNotUnderstood) {
-  host::Recording machine = MakeMachine("");
+  host::Recording machine = MakeMicrochipMachine("");
   machine.files["c:\\Support\\Firmware\\Controller_1_Config.txt"] = "<html></html>\n";
-  EXPECT_EQ(FindSource(Read(machine)), "failed: Controller_1_Config.txt tells of no controller");
+  EXPECT_EQ(FindMicrochipSource(ReadMicrochip(machine)), "failed: Controller_1_Config.txt tells of no controller");
 }
 
 /// What is told of the source when the first controller's files are these.
 std::string TellOf(const std::string& config, const std::optional<std::string>& eventLog = {}) {
-  host::Recording machine = MakeMachine("");
+  host::Recording machine = MakeMicrochipMachine("");
   machine.files["c:\\Support\\Firmware\\Controller_1_Config.txt"] = config;
   if (eventLog) machine.files["c:\\Support\\Firmware\\Controller_1_Event_Log.txt"] = *eventLog;
-  return FindSource(Read(machine));
+  return FindMicrochipSource(ReadMicrochip(machine));
 }
 
 TEST(MicrochipSource, FailsWhereTheConfigurationBreaksOff) {
@@ -173,9 +173,9 @@ TEST(MicrochipSource, FailsWhereAFileIsEmpty) {
 }
 
 TEST(MicrochipSource, FailsWithTheToolAlthoughItLeftFiles) {
-  host::Recording machine = MakeMachine("", 3);
+  host::Recording machine = MakeMicrochipMachine("", 3);
   machine.files["c:\\Support\\Firmware\\Controller_1_Config.txt"] = std::string(kConfig) + kDevices;
-  EXPECT_EQ(FindSource(Read(machine)), "failed: arcconf savesupportarchive ended with code 3");
+  EXPECT_EQ(FindMicrochipSource(ReadMicrochip(machine)), "failed: arcconf savesupportarchive ended with code 3");
 }
 
 }  // namespace

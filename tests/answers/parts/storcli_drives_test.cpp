@@ -11,7 +11,7 @@ using host::Integer;
 using host::Parts;
 using host::Real;
 
-Parts Read(std::string_view text, Parts parts = {}) {
+Parts ReadDrives(std::string_view text, Parts parts = {}) {
   host::ReadStorcliDrives(test::LsiReport(text, "pdlist"), parts);
   return parts;
 }
@@ -44,7 +44,7 @@ constexpr char kDetails[] =
     "SN = N/A\n";
 
 TEST(StorcliDrives, ReadsWhatIsToldOfEachDrive) {
-  const Parts parts = Read(kDetails);
+  const Parts parts = ReadDrives(kDetails);
   ASSERT_EQ(parts.drives.size(), 2U);
   const host::Drive& drive = parts.drives[0];
   EXPECT_EQ(drive.id, "lsi0 69:0");
@@ -69,7 +69,7 @@ TEST(StorcliDrives, ReadsWhatIsToldOfEachDrive) {
 
 // No drive is frozen: that one has no sensor.
 TEST(StorcliDrives, HaveNoTemperatureOfZero) {
-  const Parts parts = Read(kDetails);
+  const Parts parts = ReadDrives(kDetails);
   EXPECT_EQ(parts.drives.at(1).temperature, Real());
   EXPECT_EQ(parts.drives.at(1).serial, "");
 }
@@ -82,7 +82,7 @@ TEST(StorcliDrives, AddToTheDriveOfTheControllersList) {
                                         "-------------------------------\n"
                                         "69:0 12 Rbld 0 446.625 GB KORVA\n"),
                         parts);
-  parts = Read(kDetails, parts);
+  parts = ReadDrives(kDetails, parts);
   ASSERT_EQ(parts.drives.size(), 2U);
   EXPECT_EQ(parts.drives[0].state, "Rbld");
   EXPECT_EQ(parts.drives[0].readAt.key, "lsishowall");
@@ -91,7 +91,7 @@ TEST(StorcliDrives, AddToTheDriveOfTheControllersList) {
 }
 
 TEST(StorcliDrives, ReadTheSecondGenerationOfTheTool) {
-  const Parts parts = Read(
+  const Parts parts = ReadDrives(
       "Drive /c0/e52/s4 - Detailed Information :\n"
       "Temperature(C) = 41\n"
       "Serial Number = SN3\n"
@@ -119,7 +119,7 @@ TEST(StorcliDrives, ReadTheSecondGenerationOfTheTool) {
 }
 
 TEST(StorcliDrives, KeepWhatADriveAnswered) {
-  const Parts parts = Read(
+  const Parts parts = ReadDrives(
       "Status = Failure\n"
       "Detailed Status :\n"
       "-----------------------------\n"

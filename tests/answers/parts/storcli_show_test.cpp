@@ -13,7 +13,7 @@ using host::Integer;
 using host::Parts;
 using host::Real;
 
-Parts Read(std::string_view text) {
+Parts ReadShow(std::string_view text) {
   Parts parts;
   host::ReadStorcliShow(test::LsiReport(text), parts);
   return parts;
@@ -70,7 +70,7 @@ constexpr char kRaid[] =
     "--------------------------------------------------------------------------------\n";
 
 TEST(StorcliShow, TellsTheController) {
-  const Parts parts = Read(kRaid);
+  const Parts parts = ReadShow(kRaid);
   ASSERT_EQ(parts.controllers.size(), 1U);
   const host::Controller& controller = parts.controllers[0];
   EXPECT_EQ(controller.id, "lsi0");
@@ -85,7 +85,7 @@ TEST(StorcliShow, TellsTheController) {
 }
 
 TEST(StorcliShow, ReadsDrivesWhoseCellsHaveBlanks) {
-  const Parts parts = Read(kRaid);
+  const Parts parts = ReadShow(kRaid);
   ASSERT_EQ(parts.drives.size(), 2U);
   const host::Drive& drive = parts.drives[0];
   EXPECT_EQ(drive.id, "lsi0 69:0");
@@ -106,7 +106,7 @@ TEST(StorcliShow, ReadsDrivesWhoseCellsHaveBlanks) {
 }
 
 TEST(StorcliShow, ReadsVolumesGroupsAndWhatTheyMiss) {
-  const Parts parts = Read(kRaid);
+  const Parts parts = ReadShow(kRaid);
   ASSERT_EQ(parts.volumes.size(), 1U);
   EXPECT_EQ(parts.volumes[0].id, "lsi0 v3");
   EXPECT_EQ(parts.volumes[0].name, "Boot disk");
@@ -122,7 +122,7 @@ TEST(StorcliShow, ReadsVolumesGroupsAndWhatTheyMiss) {
 }
 
 TEST(StorcliShow, ReadsACacheBackupWhoseStateHasBlanks) {
-  const Parts parts = Read(kRaid);
+  const Parts parts = ReadShow(kRaid);
   ASSERT_EQ(parts.cacheBackups.size(), 1U);
   EXPECT_EQ(parts.cacheBackups[0].id, "lsi0 BBU");
   EXPECT_EQ(parts.cacheBackups[0].model, "iBBU-9");
@@ -132,7 +132,7 @@ TEST(StorcliShow, ReadsACacheBackupWhoseStateHasBlanks) {
 
 // Its columns are others, in another order, and the state has two of them.
 TEST(StorcliShow, ReadsTheSecondGenerationOfTheTool) {
-  const Parts parts = Read(
+  const Parts parts = ReadShow(
       "Product Name = KORVA eHBA\n"
       "Package Version = 8.17.1.0\n"
       "System Time(LocalTime yyyy/mm/dd hh:mm:sec) = 2026/08/14 18:20:59\n"
@@ -170,7 +170,7 @@ TEST(StorcliShow, ReadsTheSecondGenerationOfTheTool) {
 }
 
 TEST(StorcliShow, ReadsTheControllersOwnStateFromTheFullReport) {
-  const Parts parts = Read(
+  const Parts parts = ReadShow(
       "Basics :\n======\nModel = KORVA 9286\nSerial Number = KV1\n"
       "Current System Date/time = 06/02/2015, 18:03:22\n"
       "Status :\n======\nController Status = Needs Attention\n"
@@ -187,7 +187,7 @@ TEST(StorcliShow, KeepsWhatItCannotReadAsAPart) {
   text.replace(text.find(drive), drive.size(), "69:0     12 Onln  ?? 446 SATA");
   const std::string volume = "0/3   RAID1 Dgrd  RW     Yes     NRWTD -   ON  446.625 GB Boot";
   text.replace(text.find(volume), volume.size(), "0/3   RAID1 Boot");
-  const Parts parts = Read(text);
+  const Parts parts = ReadShow(text);
   EXPECT_EQ(parts.drives.size(), 1U);
   EXPECT_TRUE(parts.volumes.empty());
   ASSERT_EQ(parts.unread.size(), 2U);
@@ -202,7 +202,7 @@ TEST(StorcliShow, ReadsADriveOfTwoListsOnce) {
       "-----------------------------\n"
       "252:3 20 JBOD - 3.638 TB KORVA 4\n"
       "-----------------------------\n";
-  const Parts parts = Read("JBOD LIST :\n=====\n" + list + "PD LIST :\n=====\n" + list);
+  const Parts parts = ReadShow("JBOD LIST :\n=====\n" + list + "PD LIST :\n=====\n" + list);
   EXPECT_EQ(parts.drives.size(), 1U);
   EXPECT_EQ(parts.controllers.size(), 1U);
 }
@@ -210,7 +210,7 @@ TEST(StorcliShow, ReadsADriveOfTwoListsOnce) {
 TEST(StorcliShow, FindsNoControllerInOtherTexts) {
   for (const char* text : {"", "'storcli.exe' is not recognized", "Status = Failure\n",
                            "CLI Version = 7\nController Count = 0\n"}) {
-    const Parts parts = Read(text);
+    const Parts parts = ReadShow(text);
     EXPECT_TRUE(parts.controllers.empty()) << text;
     EXPECT_TRUE(parts.unread.empty()) << text;
   }
