@@ -73,11 +73,12 @@ TEST(IntelColumns, FitTheirReport) {
 }
 
 TEST(IntelColumns, AreShiftedByALineMore) {
-  EXPECT_EQ(ListIntelNotes(Replace(kReport, "StripeSize:", "Encrypted:              No\nStripeSize:"),
-                      "VOLUME"),
-            IntelNote("row 1: StripeSize is \"No\", the report has \"64 KB\""));
+  EXPECT_EQ(
+      ListIntelNotes(Replace(kReport, "StripeSize:", "Encrypted:              No\nStripeSize:"),
+                     "VOLUME"),
+      IntelNote("row 1: StripeSize is \"No\", the report has \"64 KB\""));
   EXPECT_EQ(ListIntelNotes(Replace(kReport, "Vendor ID:", "Driver:                 9\nVendor ID:"),
-                      "CONTROLLER"),
+                           "CONTROLLER"),
             IntelNote("row 1: Vendor ID is \"9\", the report has \"0x8086\""));
 }
 

@@ -24,7 +24,8 @@ std::string MakeConfig(std::size_t column, const std::string& more = {}) {
          line("Firmware", "3.21") + line("Driver", "1010.84");
 }
 
-std::vector<std::string> ListMicrochipNotes(const std::string& config, const std::string& className) {
+std::vector<std::string> ListMicrochipNotes(const std::string& config,
+                                            const std::string& className) {
   host::Recording machine;
   machine.commands.push_back({"arcconf.exe", "savesupportarchive c:\\", "", ""});
   machine.files["c:\\Support\\Firmware\\Controller_1_Config.txt"] = config;
@@ -54,26 +55,31 @@ TEST(MicrochipColumns, FitAReportOfTheirWidth) {
 TEST(MicrochipColumns, LoseWhatBeginsFurtherLeft) {
   EXPECT_EQ(
       ListMicrochipNotes(MakeConfig(43), "PMCINFO"),
-      MicrochipNote("values begin further left than they are taken from and lose their first 2 "
-           "characters: 6 of them (Controller Status is \"timal\", the report has \"Optimal\")"));
-  EXPECT_EQ(ListMicrochipNotes(MakeConfig(42), "PMCVER"),
-            MicrochipNote("values begin further left than they are taken from and lose their first 3 "
-                 "characters: 2 of them (Firmware is \"1\", the report has \"3.21\")"));
+      MicrochipNote(
+          "values begin further left than they are taken from and lose their first 2 "
+          "characters: 6 of them (Controller Status is \"timal\", the report has \"Optimal\")"));
+  EXPECT_EQ(
+      ListMicrochipNotes(MakeConfig(42), "PMCVER"),
+      MicrochipNote("values begin further left than they are taken from and lose their first 3 "
+                    "characters: 2 of them (Firmware is \"1\", the report has \"3.21\")"));
 }
 
 TEST(MicrochipColumns, ShowWhatIsBeforeAValueFurtherRight) {
   EXPECT_EQ(ListMicrochipNotes(MakeConfig(47), "PMCVER"),
-            MicrochipNote("values begin further right than they are taken from: 2 of them (Firmware is \": "
-                 "3.21\", the report has \"3.21\")"));
+            MicrochipNote(
+                "values begin further right than they are taken from: 2 of them (Firmware is \": "
+                "3.21\", the report has \"3.21\")"));
 }
 
 TEST(MicrochipColumns, TakeNoOtherLine) {
-  EXPECT_EQ(ListMicrochipNotes(MakeConfig(45, "   Current Temperature                        : 19 deg C\n"),
-                      "PMCINFO"),
-            MicrochipNote("Temperature is \"\", the report has \"41 C/ 105 F (Normal)\""));
+  EXPECT_EQ(
+      ListMicrochipNotes(
+          MakeConfig(45, "   Current Temperature                        : 19 deg C\n"), "PMCINFO"),
+      MicrochipNote("Temperature is \"\", the report has \"41 C/ 105 F (Normal)\""));
   std::string config = MakeConfig(45);
   config.replace(config.find("Firmware "), 9, "FirmwareX");
-  EXPECT_EQ(ListMicrochipNotes(config, "PMCVER"), MicrochipNote("Firmware is \"3.21\", the report has no such line"));
+  EXPECT_EQ(ListMicrochipNotes(config, "PMCVER"),
+            MicrochipNote("Firmware is \"3.21\", the report has no such line"));
 }
 
 }  // namespace

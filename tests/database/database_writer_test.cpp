@@ -49,7 +49,8 @@ TEST(DatabaseWriter, HasEveryDescribedClassWithItsColumns) {
   Database database;
   test::FillDatabase(database, {});
   EXPECT_THAT(AskWritten(database, "SELECT seqNum, EventDescription FROM EVENTLOG2"), IsEmpty());
-  EXPECT_THAT(AskWritten(database, "SELECT seq_num, event_description FROM v_eventlog2"), IsEmpty());
+  EXPECT_THAT(AskWritten(database, "SELECT seq_num, event_description FROM v_eventlog2"),
+              IsEmpty());
   EXPECT_THAT(AskWritten(database, "SELECT LANINFO.LAN12, v_laninfo.lan12 FROM LANINFO, v_laninfo"),
               IsEmpty());
 }
@@ -84,7 +85,8 @@ TEST(DatabaseWriter, NamesColumnsOfAViewByLabelOrElseByKey) {
   row.AddToRepository(made.Repository());
   Database database;
   test::FillDatabase(database, made.Get());
-  EXPECT_THAT(AskWritten(database, "SELECT row, row_2, b, row_3 FROM v_t"), ElementsAre("1 '1' '2' 3"));
+  EXPECT_THAT(AskWritten(database, "SELECT row, row_2, b, row_3 FROM v_t"),
+              ElementsAre("1 '1' '2' 3"));
 }
 
 TEST(DatabaseWriter, TellsProblems) {
@@ -136,7 +138,8 @@ TEST(DatabaseWriter, CopiesDatabasesAndTakesThemOutAgain) {
   EXPECT_THAT(AskWritten(database, "SELECT machine, row, reading, other FROM v_sensorinfo"),
               ElementsAre("'one' 1 5.5 'A'", "'one' 2 7 NULL"));
   EXPECT_THAT(AskWritten(database, "SELECT * FROM machine"), ElementsAre("'one' 'name' 'A'"));
-  EXPECT_THAT(AskWritten(database, "SELECT machine, machine_2, n FROM own"), ElementsAre("'one' 'm' 1.5"));
+  EXPECT_THAT(AskWritten(database, "SELECT machine, machine_2, n FROM own"),
+              ElementsAre("'one' 'm' 1.5"));
 }
 
 }  // namespace

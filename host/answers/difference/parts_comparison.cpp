@@ -77,7 +77,7 @@ struct Pair {
 class PartTableComparison {
  public:
   PartTableComparison(const Sides& sides, const DifferenceOptions& options,
-                  const ComparedPart& compared, Difference& difference)
+                      const ComparedPart& compared, Difference& difference)
       : sides(sides),
         compared(compared),
         table(GetPartTable(compared.table)),

@@ -112,7 +112,8 @@ class IntelReader {
         break;
       case Section::kVolumes:
         if (told->label == "Name") BeginVolume(line, told->value);
-        if (hasPart) Learn<Volume>(parts.volumes.back(), kVolumeRowFacts, *told, line, shownVolumes);
+        if (hasPart)
+          Learn<Volume>(parts.volumes.back(), kVolumeRowFacts, *told, line, shownVolumes);
         break;
       case Section::kDrives:
         if (told->label == "ID") BeginDrive(line, told->value);

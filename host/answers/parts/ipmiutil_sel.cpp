@@ -87,7 +87,8 @@ std::optional<Event> ReadSelRecord(std::string_view line, const Place& at) {
   // Some records have no time.
   constexpr std::size_t kTimeWords = 2;
   const auto isSeverity = [](std::string_view word) {
-    return std::find(std::begin(kSelSeverities), std::end(kSelSeverities), word) != std::end(kSelSeverities);
+    return std::find(std::begin(kSelSeverities), std::end(kSelSeverities), word) !=
+           std::end(kSelSeverities);
   };
   std::size_t severity = 1;
   if (words.size() > severity && !isSeverity(words[severity])) severity += kTimeWords;

@@ -144,7 +144,8 @@ void AddMicrochipSource(const CollectedRows& rows, Parts& parts, bool hasParts,
         std::any_of(answers.begin(), answers.end(),
                     [](const auto* answer) { return SaysNoController(*answer); });
   } else if (table != nullptr && table->RowCount() > 0) {
-    AddSource(parts, "microchip", kConfigClass, SourceState::kFailed, "no controller in the report");
+    AddSource(parts, "microchip", kConfigClass, SourceState::kFailed,
+              "no controller in the report");
   } else {
     AddSourceWithoutParts(parts, "microchip", kConfigClass, table);
   }

@@ -118,7 +118,8 @@ void WriteLog(const LogDifference& log, const Screen& screen, LinesWriter& lines
     text += fmt::format(", {} of them warnings or worse:", shown.size());
   }
   lines.Write(2, text);
-  const std::size_t count = screen.showsAll ? shown.size() : std::min(shown.size(), kMostShownEntries);
+  const std::size_t count =
+      screen.showsAll ? shown.size() : std::min(shown.size(), kMostShownEntries);
   // The newest are the last ones.
   for (std::size_t i = shown.size() - count; i < shown.size(); ++i) {
     lines.Write(6, DescribeEntry(*shown[i]));

@@ -378,7 +378,7 @@ CommandRun DefineCollect(OptionSet& set) {
 
 }  // namespace
 
-const Command kCollectCommand = {"collect", "Run the modules and show what they collect", kCollectFooter,
-                                 &DefineCollect, Command::TimeLimit::kItsOwn};
+const Command kCollectCommand = {"collect", "Run the modules and show what they collect",
+                                 kCollectFooter, &DefineCollect, Command::TimeLimit::kItsOwn};
 
 }  // namespace host

@@ -61,6 +61,7 @@ CommandRun DefineModules(OptionSet& set) {
 
 }  // namespace
 
-const Command kModulesCommand = {"modules", "List the modules and their tables", kModulesFooter, &DefineModules};
+const Command kModulesCommand = {"modules", "List the modules and their tables", kModulesFooter,
+                                 &DefineModules};
 
 }  // namespace host

@@ -172,7 +172,7 @@ CommandRun DefineQuery(OptionSet& set) {
 
 }  // namespace
 
-const Command kQueryCommand = {"query", "Ask a collection, or the database of one, in SQL", kQueryFooter,
-                               &DefineQuery, Command::TimeLimit::kItsOwn};
+const Command kQueryCommand = {"query", "Ask a collection, or the database of one, in SQL",
+                               kQueryFooter, &DefineQuery, Command::TimeLimit::kItsOwn};
 
 }  // namespace host

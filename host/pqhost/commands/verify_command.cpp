@@ -87,7 +87,7 @@ CommandRun DefineVerify(OptionSet& set) {
 
 }  // namespace
 
-const Command kVerifyCommand = {"verify", "Tell whether recordings are as they were made", kVerifyFooter,
-                                &DefineVerify};
+const Command kVerifyCommand = {"verify", "Tell whether recordings are as they were made",
+                                kVerifyFooter, &DefineVerify};
 
 }  // namespace host

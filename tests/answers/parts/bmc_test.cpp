@@ -237,7 +237,8 @@ TEST(BmcSources, AreCutShortWithAnExitCodeUnlessTheListingIsWhole) {
   host::RecordedCommand& sel = test::AnswerOf(machine, "sel");
   sel.exitCode = 3;
   sel.standardOutput = "0001 INF e0 OEM Event 42\r\n";
-  EXPECT_EQ(FindSource(ReadBmc(machine), "sel"), "failed: cut short: ipmiutil sel ended with code 3");
+  EXPECT_EQ(FindSource(ReadBmc(machine), "sel"),
+            "failed: cut short: ipmiutil sel ended with code 3");
   sel.standardOutput = "0001 INF e0 OEM Event 42\r\nipmiutil sel, completed successfully\r\n";
   EXPECT_EQ(FindSource(ReadBmc(machine), "sel"), "read: ");
 }

@@ -59,7 +59,9 @@ host::Recording MakeIntelMachine(const std::string& report) {
   machine.commands.push_back({"rstcli64_5.exe", "-I", report, ""});
   return machine;
 }
-Parts ReadIntel(const host::Recording& machine) { return host::ReadParts(host::Collect(machine, {})); }
+Parts ReadIntel(const host::Recording& machine) {
+  return host::ReadParts(host::Collect(machine, {}));
+}
 
 std::string FindIntelSource(const Parts& parts) {
   const auto source = std::find_if(parts.sources.begin(), parts.sources.end(),
@@ -151,13 +153,14 @@ TEST(IntelParts, AreWhereTheTablesShowThem) {
 TEST(IntelSource, IsNoneWithoutToolOrController) {
   EXPECT_EQ(FindIntelSource(ReadIntel({})),
             "none: rstcli64_5.exe and IntelVROCCli.exe are not on this machine");
-  EXPECT_EQ(
-      FindIntelSource(ReadIntel(MakeIntelMachine("rstcli64 ERROR: No Intel(R) RST controller was found.\n"))),
-      "none: rstcli64_5.exe finds no Intel RST controller");
+  EXPECT_EQ(FindIntelSource(ReadIntel(
+                MakeIntelMachine("rstcli64 ERROR: No Intel(R) RST controller was found.\n"))),
+            "none: rstcli64_5.exe finds no Intel RST controller");
 }
 
 TEST(IntelSource, FailsWhenTheReportIsNotUnderstood) {
-  EXPECT_THAT(FindIntelSource(ReadIntel(MakeIntelMachine("Something else\n"))), testing::StartsWith("failed: "));
+  EXPECT_THAT(FindIntelSource(ReadIntel(MakeIntelMachine("Something else\n"))),
+              testing::StartsWith("failed: "));
 }
 
 }  // namespace

@@ -35,8 +35,9 @@ TEST(SelRecord, HasNumberTimeSeverityAndSensor) {
 }
 
 TEST(SelRecord, TakesTheLowHalfOfTheFirstByteAsOffset) {
-  EXPECT_EQ(ReadRecord("0011 11/11/26 18:08:27 CRT BMC  Watchdog_2 #46  Hard Reset 6f [c1 01 ff]").offset,
-            Integer(1));
+  EXPECT_EQ(
+      ReadRecord("0011 11/11/26 18:08:27 CRT BMC  Watchdog_2 #46  Hard Reset 6f [c1 01 ff]").offset,
+      Integer(1));
 }
 
 TEST(SelRecord, IsDeassertedByTheTriggersHighBit) {
@@ -67,8 +68,8 @@ TEST(SelRecord, KnowsThresholdsByTheirWords) {
   EXPECT_EQ(offset("Hi Noncrit thresh"), Integer(7));
   EXPECT_EQ(offset("Hi Crit thresh"), Integer(9));
   EXPECT_EQ(offset("HiU thresh"), Integer(11));
-  const Event over =
-      ReadRecord("0007 04/17/26 22:46:55 INF BMC  Temperature #02  HiN thresh OK now act=53 thr=55");
+  const Event over = ReadRecord(
+      "0007 04/17/26 22:46:55 INF BMC  Temperature #02  HiN thresh OK now act=53 thr=55");
   EXPECT_EQ(over.offset, Integer(7));
   EXPECT_EQ(over.asserted, Integer(0));
   EXPECT_EQ(over.text, "HiN thresh OK now act=53 thr=55");

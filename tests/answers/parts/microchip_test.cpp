@@ -102,7 +102,8 @@ TEST(MicrochipSource, FailsWithFewerControllersThanTheToolCounts) {
   file = "Controllers found: 1\n" + report;
   EXPECT_EQ(FindMicrochipSource(ReadMicrochip(machine)), "read: ");
   file = "Controllers found: 2\n" + report;
-  EXPECT_EQ(FindMicrochipSource(ReadMicrochip(machine)), "failed: arcconf counts 2 controllers, of which 1 was read");
+  EXPECT_EQ(FindMicrochipSource(ReadMicrochip(machine)),
+            "failed: arcconf counts 2 controllers, of which 1 was read");
   machine.files["c:\\Support\\Firmware\\Controller_2_Config.txt"] =
       "Controllers found: 2\n" + report;
   EXPECT_EQ(FindMicrochipSource(ReadMicrochip(machine)), "read: ");
@@ -124,17 +125,20 @@ TEST(MicrochipSource, IsNoneWithoutToolOrController) {
   EXPECT_EQ(FindMicrochipSource(ReadMicrochip(MakeMicrochipMachine("Controllers found: 0\n"))),
             "none: arcconf finds no controller");
   // It writes an archive only where there is a controller.
-  EXPECT_EQ(FindMicrochipSource(ReadMicrochip(MakeMicrochipMachine("Done.\n"))), "none: arcconf finds no controller");
+  EXPECT_EQ(FindMicrochipSource(ReadMicrochip(MakeMicrochipMachine("Done.\n"))),
+            "none: arcconf finds no controller");
 }
 
 TEST(MicrochipSource, FailsWithTheTool) {
-  EXPECT_THAT(FindMicrochipSource(ReadMicrochip(MakeMicrochipMachine("Error\n", 3))), testing::StartsWith("failed: "));
+  EXPECT_THAT(FindMicrochipSource(ReadMicrochip(MakeMicrochipMachine("Error\n", 3))),
+              testing::StartsWith("failed: "));
 }
 
 TEST(MicrochipSource, FailsWhenTheReportIsNotUnderstood) {
   host::Recording machine = MakeMicrochipMachine("");
   machine.files["c:\\Support\\Firmware\\Controller_1_Config.txt"] = "<html></html>\n";
-  EXPECT_EQ(FindMicrochipSource(ReadMicrochip(machine)), "failed: Controller_1_Config.txt tells of no controller");
+  EXPECT_EQ(FindMicrochipSource(ReadMicrochip(machine)),
+            "failed: Controller_1_Config.txt tells of no controller");
 }
 
 /// What is told of the source when the first controller's files are these.
@@ -175,7 +179,8 @@ TEST(MicrochipSource, FailsWhereAFileIsEmpty) {
 TEST(MicrochipSource, FailsWithTheToolAlthoughItLeftFiles) {
   host::Recording machine = MakeMicrochipMachine("", 3);
   machine.files["c:\\Support\\Firmware\\Controller_1_Config.txt"] = std::string(kConfig) + kDevices;
-  EXPECT_EQ(FindMicrochipSource(ReadMicrochip(machine)), "failed: arcconf savesupportarchive ended with code 3");
+  EXPECT_EQ(FindMicrochipSource(ReadMicrochip(machine)),
+            "failed: arcconf savesupportarchive ended with code 3");
 }
 
 }  // namespace
