@@ -37,20 +37,20 @@ double BytesBeyondText(std::size_t rows, int columns, std::size_t length) {
 }
 
 TEST(RepositoryMemory, IsUnder100BytesARowBeyondItsText) {
-  EXPECT_LT(BytesBeyondText(1000000, 1, 80), 100);
+  EXPECT_LT(BytesBeyondText(100000, 1, 80), 100);
 }
 
 TEST(RepositoryMemory, IsUnder100BytesAlsoForARowWithoutText) {
-  EXPECT_LT(BytesBeyondText(1000000, 1, 0), 100);
+  EXPECT_LT(BytesBeyondText(100000, 1, 0), 100);
 }
 
 TEST(RepositoryMemory, IsUnder100BytesForARowOfSeveralTexts) {
-  EXPECT_LT(BytesBeyondText(200000, 5, 16), 100);
+  EXPECT_LT(BytesBeyondText(50000, 5, 16), 100);
 }
 
 TEST(RepositoryMemory, OfARowDoesNotGrowWithTheTable) {
   const double few = BytesBeyondText(10000, 7, 12);
-  const double many = BytesBeyondText(200000, 7, 12);
+  const double many = BytesBeyondText(60000, 7, 12);
   EXPECT_LT(many, few * 1.1);
 }
 
