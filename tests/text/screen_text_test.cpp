@@ -62,7 +62,9 @@ TEST(ScreenText, ListsWhatItWritesOutBesidesControlCharacters) {
     if (c >= 0xD800 && c <= 0xDFFF) continue;
     std::string text;
     AppendUtf8(text, c);
-    EXPECT_EQ(EscapeControls(text) != text, listed.contains(c)) << static_cast<unsigned>(c);
+    // No macro for each of a million characters that are as they should be.
+    if ((EscapeControls(text) != text) == listed.contains(c)) continue;
+    ADD_FAILURE() << static_cast<unsigned>(c);
   }
 }
 
