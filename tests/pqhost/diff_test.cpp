@@ -107,6 +107,12 @@ TEST_F(DiffCommand, ComparesNoCellOfAnOldResultThatTellsOfMisfits) {
   EXPECT_THAT(Diff(before, file).out, Not(HasSubstr("~ PMCVER")));
 }
 
+TEST_F(DiffCommand, NamesWhatThereIsToCompare) {
+  EXPECT_THAT(DiffLater({"--part", "disks"}).error,
+              HasSubstr("--part disks: there is no such part to compare (parts: controllers, "));
+  EXPECT_THAT(DiffLater({"--table", "DISKS"}).error, HasSubstr("there is no such table (tables: "));
+}
+
 TEST_F(DiffCommand, WritesJson) {
   const HostRun run = DiffLater({"--format", "json"});
   EXPECT_EQ(run.exitCode, 1);
