@@ -154,7 +154,7 @@ class TablesWriter {
   static std::string MentionNotes(const TableStatus& status) {
     std::string text = status.text;
     if (!status.oldFiles.empty()) text += "; " + status.oldFiles;
-    if (!status.unfitLabels.empty()) text += "; columns do not fit this report";
+    if (!status.unfitLabels.empty()) return text + "; columns do not fit";
     const std::size_t others = status.notes.size() - (status.oldFiles.empty() ? 0 : 1);
     if (others > 0) text += others == 1 ? " (see its note)" : " (see its notes)";
     return text;

@@ -96,7 +96,7 @@ TEST(TableFormat, TellsInTheOverviewWhichRowsAreNotAsTheySeem) {
                       .notes = {"from files of yesterday"},
                       .oldFiles = "from files of yesterday"};
   const std::string text = made.As("table", {.width = 120});
-  EXPECT_THAT(text, HasSubstr("  1 row; columns do not fit this report (see its notes)\n"));
+  EXPECT_THAT(text, HasSubstr("  1 row; columns do not fit\n"));
   EXPECT_THAT(text, HasSubstr("  1 row; from files of yesterday\n"));
 }
 
