@@ -11,6 +11,7 @@
 #include "host/answers/intel_columns.h"
 #include "host/answers/lsi_columns.h"
 #include "host/answers/microchip_columns.h"
+#include "host/answers/network_columns.h"
 #include "host/catalogue/table_sources.h"
 #include "host/text/ascii.h"
 #include "host/text/count_text.h"
@@ -62,8 +63,9 @@ std::optional<FoundReport> FindPrintedReport(const CollectedRows& rows,
     const std::string program = LowerCase(FindFileName(command.program));
     for (const CollectedAnswer* answer : rows.ListAnswers(program, command.arguments)) {
       if (answer->module != table.module || answer->output.empty()) continue;
-      return FoundReport{rows.Decode(answer->output), fmt::format("what a recording keeps of {} {}",
-                                                                  program, command.arguments)};
+      const std::string asked =
+          command.arguments.empty() ? program : program + ' ' + command.arguments;
+      return FoundReport{rows.Decode(answer->output), "what a recording keeps of " + asked};
     }
   }
   return std::nullopt;
@@ -84,7 +86,8 @@ constexpr std::size_t kWidth = 60;  ///< of a value in a sentence
 std::vector<ColumnCheck> ListChecks() {
   std::vector<ColumnCheck> checks;
   for (const auto& some : {ListLsiColumnChecks(), ListMicrochipColumnChecks(),
-                           ListIntelColumnChecks(), ListBmcColumnChecks()}) {
+                           ListIntelColumnChecks(), ListBmcColumnChecks(),
+                           ListNetworkColumnChecks()}) {
     checks.insert(checks.end(), some.begin(), some.end());
   }
   return checks;
@@ -108,7 +111,7 @@ void NoteUnfitColumns(Collection& collection) {
       if (misfit.text.empty()) continue;
       table.status.unfitLabels = misfit.labels;
       table.status.notes.push_back(
-          fmt::format("columns do not fit this report: {}; the report itself: {}", misfit.text,
+          fmt::format("{}{}; the report itself: {}", kUnfitNote, misfit.text,
                       (attached ? attached : left)->where));
       // The note tells, more closely, why there are none.
       if (table.status.outcome == "no rows in output") table.status.text = "no rows";

@@ -14,6 +14,9 @@
 
 namespace host {
 
+/// What the note on such a table begins with.
+constexpr std::string_view kUnfitNote = "columns do not fit this report: ";
+
 /// Notes in the status of each table that shows something else than its report says what it is, and
 /// where the report is. A note takes the place of the reason why a table has no rows.
 void NoteUnfitColumns(Collection& collection);
@@ -33,7 +36,7 @@ struct Misfit {
       : text(std::move(text)), labels(std::move(labels)) {}
 
   std::string text;                        ///< for people; empty when all fits
-  std::vector<std::string> labels = {""};  ///< as TableStatus::unfitLabels
+  std::vector<std::string> labels = {kAnyLabel};  ///< as TableStatus::unfitLabels
 };
 
 struct ColumnCheck {

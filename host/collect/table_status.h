@@ -17,6 +17,9 @@
 
 namespace host {
 
+/// Among labels: all of them.
+constexpr char kAnyLabel[] = "*";
+
 struct TableStatus {
   /// One of the words of docs/json.md, such as "rows" or "tool missing".
   std::string outcome;
@@ -28,7 +31,7 @@ struct TableStatus {
   /// Of rows from files that were there before: since when, and why there are no newer ones. A note
   /// as well.
   std::string oldFiles = {};
-  /// Labels of cells that show something else than the report; "" for those of any. A note tells.
+  /// Labels of cells that show something else than the report, or kAnyLabel. A note tells.
   std::vector<std::string> unfitLabels = {};
 
   /// Whether an output was read for the table, with rows for it or without.

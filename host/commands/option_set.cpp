@@ -46,12 +46,18 @@ std::uint64_t ReadNumber(std::string_view digits) {
   return read.ec == std::errc() && read.ptr == digits.end() ? number : 0;
 }
 
-void RefuseUnknownChoice(const OptionDescription& option, const std::string& given) {
+void RefuseUnknownChoice(const OptionDescription& option, const std::string& given,
+                         bool standsAlone) {
   const std::vector<std::string>& choices = option.choices;
   if (std::find(choices.begin(), choices.end(), given) != choices.end()) return;
-  const std::string noun = option.name.substr(2);
-  throw UsageError(fmt::format("there is no {0} {1}{2} ({0}s: {3})", noun, given,
-                               SuggestName(given, choices), fmt::join(choices, ", ")));
+  const std::string suggested = SuggestName(given, choices);
+  // An option that can stand alone says what to do; others are called like what they choose.
+  if (standsAlone) {
+    throw UsageError(fmt::format("{}={}: there is no such choice{} (choices: {})", option.name,
+                                 given, suggested, fmt::join(choices, ", ")));
+  }
+  throw UsageError(fmt::format("there is no {0} {1}{2} ({0}s: {3})", option.name.substr(2), given,
+                               suggested, fmt::join(choices, ", ")));
 }
 
 }  // namespace
@@ -201,7 +207,9 @@ void OptionSet::CheckValues() const {
     if (row.whenEmpty != nullptr && given.empty()) {
       throw UsageError(fmt::format("{} is empty: {}", row.description.name, row.whenEmpty));
     }
-    if (row.description.value == OptionValue::kChoice) RefuseUnknownChoice(row.description, given);
+    if (row.description.value == OptionValue::kChoice) {
+      RefuseUnknownChoice(row.description, given, row.option->get_expected_min() == 0);
+    }
   }
 }
 

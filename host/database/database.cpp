@@ -167,7 +167,8 @@ Database::Database(const std::filesystem::path& file, std::chrono::seconds query
         "SELECT 1 FROM sqlite_schema LIMIT 1", [](const Names&) {}, [](const Values&) {});
   } catch (const DatabaseError& error) {
     sqlite3_close(handle);
-    throw DatabaseError(fmt::format("{}: {}", PathText(file), error.what()));
+    throw DatabaseError(
+        fmt::format("{}: {}: name another file, or get it again", PathText(file), error.what()));
   }
 }
 

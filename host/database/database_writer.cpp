@@ -27,6 +27,7 @@ constexpr char kMachine[] = "machine";
 constexpr char kModules[] = "modules";
 constexpr char kTables[] = "tables";
 constexpr char kNotes[] = "notes";
+constexpr char kDoubts[] = "doubts";
 constexpr char kProblems[] = "problems";
 constexpr char kColumns[] = "columns";
 constexpr char kAttachments[] = "attachments";
@@ -43,6 +44,7 @@ constexpr OwnTable kOwnTables[] = {
     // classes and keys were given.
     {kTables, "position* class name title module rows* outcome status"},
     {kNotes, "class text"},
+    {kDoubts, "class kind text"},
     {kProblems, "position* text"},
     {kColumns, "class position* key name label"},
     {kAttachments, "class row* key filename text"},
@@ -244,6 +246,12 @@ void DatabaseWriter::AddTable(const TableView& view, std::int64_t position) {
   for (const std::string& note : status.notes) {
     (AddTo(kNotes).Begin() << view.ClassName() << note).Run();
   }
+  const auto addDoubt = [&](const char* kind, const std::string& text) {
+    if (!text.empty()) (AddTo(kDoubts).Begin() << view.ClassName() << kind << text).Run();
+  };
+  addDoubt("missing", status.missing);
+  addDoubt("old files", status.oldFiles);
+  for (const std::string& label : status.unfitLabels) addDoubt("unfit label", label);
   const std::vector<KnownColumn> columns = view.ListKnownColumns();
   std::vector<SqlColumn> wanted;
   for (const KnownColumn& column : columns) {

@@ -39,10 +39,10 @@ CSV hold it, by the program's own rules and usual settings.
 
 A report that is cut off, or one of several that failed, makes its source `failed` although the rest of it was read and
 is judged: `collection.failed` names the report. Known by what the tools print: a table of storcli without its last rule,
-fewer drives or volumes than the controller counts, a configuration of arcconf without "Command completed successfully",
-a listing of ipmiutil without its last line, a log with fewer entries than it announces, an empty file, an exit code. A
-log that was cut between two of its entries, or a report between two of its parts, looks like a whole one where nothing
-of that kind is printed.
+fewer drives or volumes than the controller counts, a configuration of arcconf without "Command completed successfully"
+(or, where its first line is gone as well, one that ends with a drive), a listing of ipmiutil without its last line, a log
+with fewer entries than it announces, an empty file, an exit code. A log that was cut between two of its entries, or a
+report between two of its parts, looks like a whole one where nothing of that kind is printed.
 
 ## Several machines
 

@@ -140,19 +140,26 @@ class JsonWriter {
     json += object.Take();
   }
 
+  static std::string FormatStatus(const TableStatus& status) {
+    const auto appendTexts = [](const std::vector<std::string>& texts) {
+      return [&texts](std::string& json) { AppendJsonList(json, texts, &AppendJsonText); };
+    };
+    JsonObject object;
+    object.AddText("outcome", status.outcome)
+        .AddText("text", status.text)
+        .Add("notes", appendTexts(status.notes));
+    if (!status.missing.empty()) object.AddText("missing", status.missing);
+    if (!status.oldFiles.empty()) object.AddText("oldFiles", status.oldFiles);
+    if (!status.unfitLabels.empty()) object.Add("unfitLabels", appendTexts(status.unfitLabels));
+    return object.Take();
+  }
+
   void WriteTable(const TableView& table) {
     json.AppendText("{\"class\": ", table.ClassName());
     json.AppendText(",\n \"title\": ", table.Title());
     json.AppendText(",\n \"module\": ", table.Module());
     json += ",\n \"status\": ";
-    const TableStatus& status = table.Status();
-    json +=
-        JsonObject()
-            .AddText("outcome", status.outcome)
-            .AddText("text", status.text)
-            .Add("notes",
-                 [&](std::string& text) { AppendJsonList(text, status.notes, &AppendJsonText); })
-            .Take();
+    json += FormatStatus(table.Status());
     json += ",\n \"layout\": ";
     AppendLayout(table);
     json += ",\n \"columns\": [";

@@ -93,10 +93,21 @@ struct KeptTable {
   std::map<std::int64_t, std::vector<Attribute>> attributes = {};  ///< by row, from 1
 };
 
-std::vector<KeptTable> ReadTables(Database& database, CollectionBuilder& builder) {
+std::vector<KeptTable> ReadTables(Database& database, const std::set<std::string>& names,
+                                  CollectionBuilder& builder) {
   std::map<std::string, std::vector<std::string>> notes;
   ForEachRow(database, "SELECT class, text FROM notes",
              [&](const Values& values) { notes[values[0].text].push_back(values[1].text); });
+  std::map<std::string, TableStatus> doubted;
+  if (names.contains("doubts")) {
+    ForEachRow(database, "SELECT class, kind, text FROM doubts", [&](const Values& values) {
+      TableStatus& status = doubted[values[0].text];
+      const std::string& kind = values[1].text;
+      if (kind == "missing") status.missing = values[2].text;
+      if (kind == "old files") status.oldFiles = values[2].text;
+      if (kind == "unfit label") status.unfitLabels.push_back(values[2].text);
+    });
+  }
   std::map<std::string, KeptTable> kept;
   std::map<std::string, std::vector<pq::ColumnDescription>> described;
   ForEachRow(database, "SELECT class, key, name, label FROM columns ORDER BY class, position",
@@ -122,7 +133,10 @@ std::vector<KeptTable> ReadTables(Database& database, CollectionBuilder& builder
                CollectedTable table;
                table.className = className;
                table.module = values[2].text;
-               table.status = {values[3].text, values[4].text, notes[className]};
+               table.status = std::move(doubted[className]);
+               table.status.outcome = values[3].text;
+               table.status.text = values[4].text;
+               table.status.notes = notes[className];
                table.columns = described[className];
                builder.AddTable(std::move(table));
                KeptTable& one = tables.emplace_back(std::move(kept[className]));
@@ -206,7 +220,7 @@ Collection ReadDatabaseCollection(Database& database) {
              [&](const Values& values) {
                collection.modules.push_back({values[0].text, values[1].text});
              });
-  for (const KeptTable& table : ReadTables(database, builder)) {
+  for (const KeptTable& table : ReadTables(database, names, builder)) {
     ReadRows(database, table, builder);
   }
   for (const PartTable& table : GetPartTables()) {

@@ -168,13 +168,23 @@ void ReadRows(const Json& table, const std::string& className,
   }
 }
 
+TableStatus ReadStatus(const Json& status) {
+  TableStatus read{.outcome = TakeText(status, "outcome"),
+                   .text = TakeText(status, "text"),
+                   .notes = TakeTexts(status, "notes"),
+                   .missing = TakeKnownText(status, "missing"),
+                   .oldFiles = TakeKnownText(status, "oldFiles")};
+  if (FindMember(status, "unfitLabels") != nullptr) {
+    read.unfitLabels = TakeTexts(status, "unfitLabels");
+  }
+  return read;
+}
+
 void ReadTable(const Json& table, CollectionBuilder& builder) {
-  const Json& status = TakeObject(table, "status");
   CollectedTable read{.className = TakeText(table, "class"),
                       .module = TakeText(table, "module"),
                       .layout = ReadLayout(TakeObject(table, "layout")),
-                      .status = {TakeText(status, "outcome"), TakeText(status, "text"),
-                                 TakeTexts(status, "notes")}};
+                      .status = ReadStatus(TakeObject(table, "status"))};
   std::map<std::string, std::string> labels;
   for (const Json& column : TakeArray(table, "columns")) {
     std::string key = TakeText(column, "key");

@@ -9,6 +9,7 @@
 #include <set>
 #include <utility>
 
+#include "host/answers/parts/collected_rows.h"
 #include "host/answers/parts/optical_drives.h"
 #include "host/text/count_text.h"
 
@@ -156,8 +157,13 @@ class AreaFinder {
     } else if (area.id == "network") {
       area.mark = "not judged";
     } else if (!area.parts.empty()) {
-      area.tone = Tone::kOk;
+      area.isReadInPart = std::ranges::any_of(parts.sources, [&](const PartSource& source) {
+        return source.state == "failed" &&
+               std::ranges::find(kind.sources, source.id) != kind.sources.end();
+      });
+      area.tone = area.isReadInPart ? Tone::kUnknown : Tone::kOk;
       area.mark = GetSign(area.tone);
+      if (area.isReadInPart) area.mark += " read in part";
     } else {
       ExplainAbsence(kind, area);
     }
@@ -168,9 +174,15 @@ class AreaFinder {
     bool wasRead = false;
     for (const PartSource& source : parts.sources) {
       if (std::ranges::find(kind.sources, source.id) == kind.sources.end()) continue;
-      if (source.state == "read") wasRead = true;
-      const bool isNotChecked = source.state == "failed" || WasNotAsked(source);
-      if (area.fact.empty() || (isNotChecked && !area.isNotChecked)) area.fact = source.observed;
+      // What told of a controller's drives need not have told its log.
+      const std::string noLog =
+          area.id == "log" && source.state == "read" ? FindWhyNoLog(source.id) : std::string();
+      if (source.state == "read" && noLog.empty()) wasRead = true;
+      const bool isNotChecked =
+          source.state == "failed" || !noLog.empty() || WasNotAsked(source);
+      if (area.fact.empty() || (isNotChecked && !area.isNotChecked)) {
+        area.fact = noLog.empty() ? source.observed : noLog;
+      }
       area.isNotChecked = area.isNotChecked || isNotChecked;
     }
     if (wasRead) {
@@ -184,6 +196,28 @@ class AreaFinder {
       area.fact = "not collected";
     }
     area.mark = area.isNotChecked ? "not checked" : "not there";
+  }
+
+  /// Empty where a log of the source was read.
+  std::string FindWhyNoLog(std::string_view source) const {
+    if (source == "microchip") {
+      const std::vector<CollectedRow> rows = CollectedRows(collection).ListRows("PMCLINK");
+      const bool hasLog = std::ranges::any_of(rows, [](const CollectedRow& row) {
+        return row.FindText("Controller_Event_Log").has_value();
+      });
+      return hasLog ? "" : "arcconf left no log of a controller";
+    }
+    constexpr std::pair<std::string_view, std::string_view> kLogs[] = {
+        {"lsi", "EVENTLOG1"}, {"lsi", "FWTERMLOG"}, {"sel", "SELINFO"}, {"sas2", "SAS2IRLOG"}};
+    std::string why;
+    for (const auto& [id, className] : kLogs) {
+      const auto table =
+          std::ranges::find(collection.tables, className, &CollectedTable::className);
+      if (id != source || table == collection.tables.end()) continue;
+      if (table->status.IsOfAnOutput()) return {};
+      if (why.empty()) why = table->status.text;
+    }
+    return why;
   }
 
   /// Nothing is known of the source, since nobody asked it. Its table may have a row all the same;

@@ -35,6 +35,8 @@ struct ReportArea {
   Tone tone = Tone::kAbsent;
   /// Could not be asked, or nobody tried; otherwise an absent area is not on the machine.
   bool isNotChecked = false;
+  /// There are parts, and one of the sources that could tell of more was not read.
+  bool isReadInPart = false;
   std::string mark;  ///< "▲ 2", "✓", "not checked"
   std::string fact;  ///< what was found, in a few words
   std::vector<AreaParts> parts;

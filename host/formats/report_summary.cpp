@@ -139,12 +139,14 @@ class SummaryWriter {
   void WriteVerdict() {
     const Tone tone = FindVerdictTone(health);
     const std::size_t well = CountAreas([](const ReportArea& a) { return a.tone == Tone::kOk; });
+    const std::size_t partly = CountAreas([](const ReportArea& a) { return a.isReadInPart; });
     const std::size_t open = CountAreas([](const ReportArea& a) { return a.isNotChecked; });
     html.Add("<section class=\"verdict ").Text(GetStyleClass(tone));
     html.Add("\" id=\"verdict\" aria-label=\"Verdict\"><span class=\"sign\" aria-hidden=\"true\">");
     html.Text(GetSign(tone)).Add("</span><div><h2>");
     if (tone == Tone::kOk) {
-      html.Text(fmt::format("Nothing found in {} of {} areas", well, well + open));
+      html.Text(fmt::format("Nothing found in {} of {} areas", well, well + partly + open));
+      if (partly > 0) html.Text(fmt::format("; {} could be read in part", partly));
       if (open > 0) html.Text(fmt::format("; {} could not be asked", open));
     } else {
       html.Text(NameVerdict(health)).Add(": ");
@@ -156,6 +158,7 @@ class SummaryWriter {
     } else {
       html.Text(CountAlarms(health)).Add("; ");
       html.Text(FormatCount(well, "area")).Add(" without a finding");
+      if (partly > 0) html.Add(", ").Number(partly).Add(" read in part");
       if (open > 0) html.Add(", ").Number(open).Add(" not checked");
       html.Add(". Every finding opens to what it was read from.");
     }

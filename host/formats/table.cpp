@@ -143,10 +143,21 @@ class TablesWriter {
       if (nameWidth + titleWidth + kLeastStatus <= width) {
         line = PadText(std::move(line.append(ShowTitle(table))), nameWidth + titleWidth);
       }
-      // Of a table with rows its notes are shown with these.
-      WriteStatus(line, EscapeControls(hasRows ? table.status.text : DescribeStatus(table.status)),
-                  hasRows ? nullptr : kDim);
+      WriteStatus(
+          line,
+          EscapeControls(hasRows ? MentionNotes(table.status) : DescribeStatus(table.status)),
+          hasRows ? nullptr : kDim);
     }
+  }
+
+  /// Of a table with rows its notes are shown with these; whoever reads no further is told of them.
+  static std::string MentionNotes(const TableStatus& status) {
+    std::string text = status.text;
+    if (!status.oldFiles.empty()) text += "; " + status.oldFiles;
+    if (!status.unfitLabels.empty()) return text + "; columns do not fit";
+    const std::size_t others = status.notes.size() - (status.oldFiles.empty() ? 0 : 1);
+    if (others > 0) text += others == 1 ? " (see its note)" : " (see its notes)";
+    return text;
   }
 
   /// The status after the names or, where these leave too little room, below them.

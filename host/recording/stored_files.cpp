@@ -48,6 +48,10 @@ class FolderFiles final : public StoredFiles {
 
   std::string Read(const std::string& name, const SizeCheck& checkSize) const override {
     const fs::path path = MakePath(name);
+    std::error_code ignored;
+    if (name == kRecordingFileName && fs::symlink_status(path, ignored).type() == fs::file_type::not_found) {
+      throw std::runtime_error("there is no such file; a folder without it is no recording");
+    }
     const FileHandle file = OpenToRead(path);
     const fs::path real = FindRealPath(file, path);
     const bool isInside =

@@ -124,6 +124,43 @@ TEST(ColumnsFit, NotWhereAVolumeHasNoName) {
             Note("no row for 0/1 and 1 more: fewer words than columns"));
 }
 
+/// A machine whose `program` prints `text`.
+Recording MakeNetwork(const std::string& program, const std::string& text) {
+  Recording recording = test::LoadSamples().at("two-socket-server");
+  for (host::RecordedCommand& command : recording.commands) {
+    if (command.tool == program) command.standardOutput = text;
+  }
+  return recording;
+}
+
+TEST(ColumnsFit, NotWhereALineHasMoreWords) {
+  const auto list = [](const std::string& processes) {
+    return ListNotes(
+        MakeNetwork("netstat.exe",
+                    "\r\nActive Connections\r\n\r\n"
+                    "  Proto  Local Address          Foreign Address        State\r\n"
+                    "  TCP    10.20.0.31:49731       10.20.0.5:445          ESTABLISHED" +
+                        processes + "\r\n" +
+                        "  TCP    10.20.0.31:49732       10.20.0.6:445          TIME_WAIT" +
+                        processes + "\r\n"),
+        "NETSTATINFO");
+  };
+  EXPECT_EQ(list(""), Notes());
+  EXPECT_EQ(list("       4"),
+            Notes{"columns do not fit this report: row 2: Protocol is \"4\", the report has \"TCP\"; "
+                  "its 2 lines are 3 rows; the report itself: what a recording keeps of "
+                  "netstat.exe"});
+  EXPECT_EQ(ListNotes(MakeNetwork("arp.exe",
+                                  "\r\nInterface: 10.20.0.31 --- 0x5\r\n"
+                                  "  Internet Address      Physical Address      Type\r\n"
+                                  "  10.20.0.1             00-1c-73-5a-90-02     dynamic\r\n"
+                                  "  10.20.0.9                                   invalid\r\n"
+                                  "  10.20.0.2             00-1c-73-5a-90-03     dynamic\r\n"),
+                      "ARPINFO")
+                .size(),
+            1U);
+}
+
 TEST(ColumnsFit, IsTheOnlyReasonWhyThereAreNoRows) {
   host::Collection collection = host::Collect(
       MakeMachine("Product Name = KORVA\n" +

@@ -222,6 +222,32 @@ TEST(ReportSummary, DoesNotTakeForNotThereWhatAReportDoesNotShow) {
               AllOf(HasSubstr(">none shown<"), HasSubstr("none in what was read")));
 }
 
+TEST(ReportSummary, DoesNotTakeALogForReadThatNobodyWasToldOf) {
+  MadeCollection made;
+  made.Table("EVENTLOG1");
+  made.Get().tables[0].status = {"tool reported an error", "storcli.exe ended with code 46"};
+  Parts parts;
+  AddSource(parts, "lsi", "read");
+  AddDrive(parts, "lsi0 69:9", "Onln");
+  const auto tell = [&] {
+    return CutOut(WriteSummary(made, Assessed(parts)), "<b>Event logs</b>", "</small>");
+  };
+  EXPECT_THAT(tell(), AllOf(HasSubstr(">not checked<"), HasSubstr("ended with code 46")));
+  made.Get().tables[0].status = {"no rows in output", "storcli.exe printed nothing that belongs here"};
+  EXPECT_THAT(tell(), AllOf(HasSubstr(">none shown<"), HasSubstr("none in what was read")));
+}
+
+// Of two controllers one may not have answered.
+TEST(ReportSummary, CallsNoAreaWellOfWhichMoreCouldNotBeRead) {
+  Parts parts;
+  AddSource(parts, "lsi", "failed").observed = "storcli /c1 show has no answer";
+  AddDrive(parts, "lsi0 69:9", "Onln");
+  const std::string page = WriteSummary(parts);
+  EXPECT_THAT(CutOut(page, "<b>Drives</b>", "</small>"),
+              AllOf(HasSubstr("? read in part"), HasSubstr("1 drive")));
+  EXPECT_THAT(page, HasSubstr("0 areas without a finding, 1 read in part"));
+}
+
 TEST(ReportSummary, CallsNothingNotThereForWordsOfTheInterpreter) {
   MadeCollection made;
   made.Table("LEDINFO");

@@ -73,13 +73,31 @@ TEST(TableFormat, ShowsNotesBelowTheTitleAndOfAnEmptyTableInTheOverview) {
     table.status = {"", table.RowCount() > 0 ? "1 row" : "none", {"one is left out"}};
   }
   const std::string text = made.As("table");
-  EXPECT_THAT(text, HasSubstr("  ARPINFO  ARP table  1 row\n"));
+  EXPECT_THAT(text, HasSubstr("  ARPINFO  ARP table  1 row (see its note)\n"));
   EXPECT_THAT(text, HasSubstr("  T        T          none; one is left out\n"));
   EXPECT_THAT(text, EndsWith("ARP table · ARPINFO · 1 row\n"
                              "Note: one is left out\n"
                              "Type\n"
                              "───────\n"
                              "dynamic\n"));
+}
+
+// Whoever reads no further than the first screen takes no row for what it is not.
+TEST(TableFormat, TellsInTheOverviewWhichRowsAreNotAsTheySeem) {
+  MadeCollection made;
+  made.Table("PINFO").Row({{"Model", "KORVA"}}).Table("VINFO").Row({{"Name", "Backup"}});
+  std::vector<CollectedTable>& tables = made.Get().tables;
+  tables[0].status = {.outcome = "rows",
+                      .text = "1 row",
+                      .notes = {"of controller 0 alone", "columns do not fit this report: Model"},
+                      .unfitLabels = {"Model"}};
+  tables[1].status = {.outcome = "rows",
+                      .text = "1 row",
+                      .notes = {"from files of yesterday"},
+                      .oldFiles = "from files of yesterday"};
+  const std::string text = made.As("table", {.width = 120});
+  EXPECT_THAT(text, HasSubstr("  1 row; columns do not fit\n"));
+  EXPECT_THAT(text, HasSubstr("  1 row; from files of yesterday\n"));
 }
 
 TEST(TableFormat, AlignsWideCharacters) {

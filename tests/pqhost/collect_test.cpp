@@ -568,7 +568,7 @@ TEST(Query, SaysWhatIsWrongWithAQuery) {
   const HostRun run =
       RunHost({"query", "--replay", Sample("two-socket-server"), "SELECT * FROM NOWHERE"});
   EXPECT_EQ(run.exitCode, 2);
-  EXPECT_EQ(run.error, "pqhost: no such table: NOWHERE\n");
+  EXPECT_EQ(run.error, "pqhost: no such table: NOWHERE; SELECT name FROM sqlite_schema lists them\n");
 }
 
 TEST(Program, SaysHowItIsUsed) {

@@ -77,6 +77,42 @@ TEST_F(DiffCommand, TellsWhatChanged) {
   EXPECT_EQ(run.error, "");
 }
 
+// What a result does not show as its tool told it is no difference there either.
+TEST_F(DiffCommand, ComparesNoCellOfAResultThatDoesNotFitItsReport) {
+  const auto keep = [&](const std::string& sample, const std::string& format) {
+    const std::string file = folder / (sample + "." + format);
+    RunHost({"collect", "--replay", Sample(sample), "--format", format, "--output", file});
+    return file;
+  };
+  for (const char* format : {"json", "sqlite", "html"}) {
+    SCOPED_TRACE(format);
+    const HostRun run = Diff(keep("two-socket-server", format), keep("hba-only", format));
+    EXPECT_THAT(run.out, HasSubstr("~ RAIDINFO Product Name"));
+    EXPECT_THAT(run.out, Not(HasSubstr("~ RAIDINFO FW Version")));
+    EXPECT_THAT(run.out, Not(HasSubstr("~ PMCVER")));
+    EXPECT_THAT(run.out, HasSubstr("1 cell of RAIDINFO, 2 cells of PMCVER: not read in the second: "
+                                   "its columns do not fit its report"));
+    // Rows with the interpreter's words are no facts.
+    EXPECT_THAT(Diff(keep("blade", format), keep("hostile", format)).out,
+                HasSubstr("LANINFO: not read in the second: the recording has no such answer"));
+  }
+}
+
+TEST_F(DiffCommand, ComparesNoCellOfAnOldResultThatTellsOfMisfits) {
+  const std::string file = folder / "old.json";
+  RunHost({"collect", "--replay", Sample("hba-only"), "--format", "json", "--output", file});
+  nlohmann::ordered_json result = nlohmann::ordered_json::parse(folder.Read("old.json"));
+  for (auto& table : result["tables"]) table["status"].erase("unfitLabels");
+  folder.Write("old.json", result.dump());
+  EXPECT_THAT(Diff(before, file).out, Not(HasSubstr("~ PMCVER")));
+}
+
+TEST_F(DiffCommand, NamesWhatThereIsToCompare) {
+  EXPECT_THAT(DiffLater({"--part", "disks"}).error,
+              HasSubstr("--part disks: there is no such part to compare (parts: controllers, "));
+  EXPECT_THAT(DiffLater({"--table", "DISKS"}).error, HasSubstr("there is no such table (tables: "));
+}
+
 TEST_F(DiffCommand, WritesJson) {
   const HostRun run = DiffLater({"--format", "json"});
   EXPECT_EQ(run.exitCode, 1);

@@ -128,6 +128,18 @@ TEST(Options, SuggestsTheFormatThatWasMeant) {
             "there is no format csv (formats: table, json, markdown, parts, metrics)");
 }
 
+TEST(Options, SayWhatThereIsToChoose) {
+  EXPECT_EQ(Complaint({"collect", "--replay", test::Sample("vroc"), "--redact=all"}),
+            "--redact=all: there is no such choice (choices: public, support)");
+}
+
+TEST(Options, SayWhatToDoWithADamagedDatabase) {
+  const test::TemporaryFolder folder;
+  folder.Write("cut.db", "SQLite format 3 and no more");
+  EXPECT_THAT(Complaint({"query", folder / "cut.db", "SELECT 1"}),
+              testing::EndsWith("name another file, or get it again"));
+}
+
 TEST(Options, RefusesWordsThatBelongToNothing) {
   EXPECT_EQ(Complaint({"collect", "ARPINFO"}),
             "collect takes no argument ARPINFO (see pqhost collect --help)");

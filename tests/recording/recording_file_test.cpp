@@ -150,7 +150,8 @@ TEST_F(RecordingFile, SaysThatAFileIsNoRecording) {
 TEST_F(RecordingFile, SaysThatTheFileIsMissing) {
   EXPECT_THAT(
       [&] { LoadRecording(folder.Path()); },
-      testing::ThrowsMessage<RecordingError>(EndsWith("recording.json: there is no such file")));
+      testing::ThrowsMessage<RecordingError>(EndsWith("recording.json: there is no such file; a folder without it is "
+                                                     "no recording")));
 }
 
 TEST_F(RecordingFile, SaysThatTheFileIsAFolder) {

@@ -220,7 +220,7 @@ std::size_t DropUnfit(const ComparedTable& compared, const std::vector<std::stri
   if (labels.empty() || compared.form != TableForm::kLabels) return 0;
   return std::erase_if(cells, [&](const CellDifference& cell) {
     return std::ranges::any_of(labels, [&](const std::string& label) {
-      return label.empty() || SimplifyKey(label) == cell.key;
+      return label == kAnyLabel || SimplifyKey(label) == cell.key;
     });
   });
 }

@@ -19,23 +19,34 @@
 namespace host {
 namespace {
 
+using Serials = std::unordered_set<std::string>;
+
 /// The numbers that tell the machine, its controllers and its drives from others.
-std::unordered_set<std::string> ListSerials(const AssessedCollection& assessed) {
-  std::unordered_set<std::string> serials;
-  const auto add = [&](const std::string& serial) {
-    if (IsUsableSerial(serial)) serials.insert(serial);
+std::array<Serials, 3> ListSerials(const AssessedCollection& assessed) {
+  std::array<Serials, 3> serials;
+  const auto add = [](Serials& kind, const std::string& serial) {
+    if (IsUsableSerial(serial)) kind.insert(serial);
   };
-  for (const std::string& serial : ListMachineSerials(assessed.collection)) add(serial);
-  for (const Controller& one : assessed.assessment.parts.controllers) add(one.serial);
-  for (const Drive& one : assessed.assessment.parts.drives) add(one.serial);
+  auto& [ofMachine, ofControllers, ofDrives] = serials;
+  for (const std::string& serial : ListMachineSerials(assessed.collection)) add(ofMachine, serial);
+  for (const Controller& one : assessed.assessment.parts.controllers)
+    add(ofControllers, one.serial);
+  for (const Drive& one : assessed.assessment.parts.drives) add(ofDrives, one.serial);
   return serials;
 }
 
+/// What tells of controllers on one side and of drives on the other says nothing of the machines.
 bool AreOtherMachines(const AssessedCollection& before, const AssessedCollection& after) {
   const auto old = ListSerials(before);
   const auto now = ListSerials(after);
-  return !old.empty() && !now.empty() &&
-         std::ranges::none_of(now, [&](const std::string& serial) { return old.contains(serial); });
+  bool isComparable = false;
+  for (std::size_t kind = 0; kind < old.size(); ++kind) {
+    if (std::ranges::any_of(now[kind],
+                            [&](const std::string& serial) { return old[kind].contains(serial); }))
+      return false;
+    isComparable = isComparable || (!old[kind].empty() && !now[kind].empty());
+  }
+  return isComparable;
 }
 
 /// When the tools answered; a time that was not known is none.

@@ -1,6 +1,7 @@
 #include "host/answers/difference/difference_options.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 
@@ -73,8 +74,9 @@ void TakeIgnored(std::string_view text, DifferenceOptions& options) {
 void TakeTable(std::string_view name, DifferenceOptions& options) {
   const ComparedTable* table = FindInAnyCase(name);
   if (table == nullptr) {
-    throw UsageError(fmt::format("--table {}: there is no such table{}", name,
-                                 SuggestName(name, ListTableNames())));
+    const std::vector<std::string> names = ListTableNames();
+    throw UsageError(fmt::format("--table {}: there is no such table{} (tables: {})", name,
+                                 SuggestName(name, names), fmt::join(names, ", ")));
   }
   if (table->form == TableForm::kNone) {
     throw UsageError(
@@ -87,8 +89,8 @@ void TakePart(std::string_view name, DifferenceOptions& options) {
   std::vector<std::string> names = ListPartNames();
   names.emplace_back("events");
   if (std::ranges::find(names, name) == names.end()) {
-    throw UsageError(fmt::format("--part {}: there is no such part to compare{}", name,
-                                 SuggestName(name, names)));
+    throw UsageError(fmt::format("--part {}: there is no such part to compare{} (parts: {})", name,
+                                 SuggestName(name, names), fmt::join(names, ", ")));
   }
   options.parts.emplace_back(name);
 }

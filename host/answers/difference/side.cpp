@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "host/answers/columns_fit.h"
 #include "host/answers/difference/compared.h"
 #include "host/answers/parts/collected_rows.h"
 #include "host/answers/parts/report_lines.h"
@@ -182,7 +183,13 @@ bool Side::SaysNone(std::string_view className) const {
 
 std::vector<std::string> Side::ListUnfitLabels(std::string_view className) const {
   const auto found = tables.find(className);
-  return found == tables.end() ? std::vector<std::string>() : found->second->status.unfitLabels;
+  if (found == tables.end()) return {};
+  const TableStatus& status = found->second->status;
+  // A result of an earlier pqhost tells that columns do not fit, not which.
+  const bool isTold = std::ranges::any_of(
+      status.notes, [](const std::string& note) { return note.starts_with(kUnfitNote); });
+  return status.unfitLabels.empty() && isTold ? std::vector<std::string>{kAnyLabel}
+                                              : status.unfitLabels;
 }
 
 bool Side::IsSourceRead(std::string_view table, std::string_view id) const {

@@ -871,10 +871,16 @@ WHERE condition NOT IN ('good', 'absent', 'untold');
 --   fails is lost, and the volume may be damaged. Somebody chose that; it is no fault.
 -- @next Unless that is meant, set the volume to write-through, or have a cache backup fitted.
 -- @source arcconf's write-cache status; storcli's AWB
-SELECT 'notice', id, 'writing ends in the cache, no cache backup told of on ' || v.controller, NULL,
-       'Set ' || called || ' to write-through, unless losing its cache with the power is meant: '
-       || 'nothing tells of a backup of the cache of ' || v.controller
-FROM volume_states v
+SELECT 'notice', id,
+       'writing ends in the cache, ' ||
+       coalesce('backup of the cache of ' || controller || ': ' || told,
+                'no cache backup told of on ' || controller), NULL,
+       'Set ' || called || ' to write-through, unless losing its cache with the power is meant: ' ||
+       coalesce('the cache of ' || controller || ' has no backup (' || told || ')',
+                'nothing tells of a backup of the cache of ' || controller)
+FROM (SELECT *, (SELECT min(b.state) FROM cache_backups b
+                 WHERE b.controller = v.controller AND b.condition = 'absent') AS told
+      FROM volume_states v) v
 WHERE writes_back
       AND NOT EXISTS (SELECT 1 FROM cache_backups b
                       WHERE b.controller = v.controller AND b.condition <> 'absent');

@@ -100,6 +100,7 @@ class ConfigReader {
 
   /// As ReadArcconfConfig.
   std::string Finish() {
+    const bool endsWithDrive = kind == Device::kDrive;
     EndDevice();
     JoinArcconfMembers(segments, {controller.id, firstVolume, firstDrive}, parts);
     for (CacheBackup& backup : backups) {
@@ -114,7 +115,13 @@ class ConfigReader {
       return "breaks off: it tells of " + std::to_string(drives) + " of the " +
              std::to_string(members) + " drives of its volumes";
     }
-    return hasEnd || report.text.ends_with('\n') ? "" : "breaks off within a line";
+    if (!hasEnd && !report.text.ends_with('\n')) return "breaks off within a line";
+    // Elsewhere an enclosure, a channel or a section comes after the last of the drives.
+    if (!hasHead && !hasEnd && endsWithDrive) {
+      return "has neither its first nor its last line and ends with a drive, so that others may be "
+             "missing";
+    }
+    return "";
   }
 
  private:

@@ -85,6 +85,12 @@ bool IsTalk(std::string_view line) {
 /// The interpreter's words, in the system's language, in place of the tool's.
 bool IsInterpreters(const ListingEnd& end) { return NamesProgram(end.Words()); }
 
+/// Whether a listing says why it, or where there are no parts at all the source, was not read.
+bool TellsTrouble(const ListingEnd& end, bool hasParts) {
+  const bool hasOwnWords = !end.Words().empty() && !IsInterpreters(end);
+  return end.EndedBadly() || !end.DescribeGap().empty() || (!hasParts && hasOwnWords);
+}
+
 /// Appends the source `id` of the table `className`. `hasParts`: something was read.
 void AddBmcSource(const CollectedRows& rows, Parts& parts, const char* id, const char* className,
                   bool hasParts, const std::vector<ListingEnd>& ends) {
@@ -231,9 +237,12 @@ void ReadSensors(const CollectedRows& rows, Parts& parts) {
   std::vector<ListingEnd> ends;
   ends.push_back(ReadReadings(rows, reader, parts));
   ends.push_back(ReadRecords(rows, reader, parts));
-  AddBmcSource(rows, parts, "sensors",
-               rows.FindTable("SENSORINFO") != nullptr ? "SENSORINFO" : "SDRINFO",
-               !parts.sensors.empty(), ends);
+  const bool hasParts = !parts.sensors.empty();
+  const bool recordsTell = rows.FindTable("SDRINFO") != nullptr &&
+                           !TellsTrouble(ends.front(), hasParts) &&
+                           TellsTrouble(ends.back(), hasParts);
+  const bool isOfRecords = rows.FindTable("SENSORINFO") == nullptr || recordsTell;
+  AddBmcSource(rows, parts, "sensors", isOfRecords ? "SDRINFO" : "SENSORINFO", hasParts, ends);
   parts.sources.back().time = reader.LatestTime();
 }
 

@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/database/database.h"
@@ -138,6 +139,15 @@ int AnswerQuery(const QueryOptions& options, const QuerySources& sources, const 
   return exitCode;
 }
 
+/// Where the names are that a query can use.
+std::string_view HintAtNames(std::string_view refusal) {
+  if (refusal.starts_with("no such table: ")) return "; SELECT name FROM sqlite_schema lists them";
+  if (refusal.starts_with("no such column: ")) {
+    return "; SELECT name FROM pragma_table_info('TABLE') lists those of a table";
+  }
+  return {};
+}
+
 int RunQuery(QueryOptions& options, const Console& console) {
   if (options.words.empty()) {
     throw UsageError(
@@ -149,7 +159,7 @@ int RunQuery(QueryOptions& options, const Console& console) {
   try {
     return AnswerQuery(options, sources, console);
   } catch (const DatabaseError& error) {
-    throw UsageError(error.what());
+    throw UsageError(error.what() + std::string(HintAtNames(error.what())));
   }
 }
 

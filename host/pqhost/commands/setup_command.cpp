@@ -43,6 +43,9 @@ struct SetupOptions {
 constexpr SearchLimits kFlat{.depth = 0};
 
 std::vector<ToolPlace> FindPlaces(const SetupOptions& options, const Console& console) {
+  if (ViewLiveMachine() == nullptr) {
+    throw UsageError("setup looks for programs on this very machine and needs Windows");
+  }
   CheckedMachine machine;
   machine.facts = DescribeThisMachine(ChooseLogFolder({}));
   machine.locate = &LocateProgram;

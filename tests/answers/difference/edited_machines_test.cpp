@@ -353,6 +353,18 @@ TEST(ComparedMachines, AreToldApartByTheirSerialNumbers) {
   Exchange(rebuilt, kFru, "NGB22-00982", "NGB26-00017");
   EXPECT_FALSE(Compare(server, rebuilt).otherMachine);
   EXPECT_FALSE(Compare(server, test::LoadSample("bare-machine")).otherMachine);
+  // Controllers on one side and drives on the other tell nothing of the machines.
+  Recording details;
+  Recording lists;
+  for (const host::RecordedCommand& command : server.commands) {
+    if (command.arguments == "/c0/eall/sall show all") details.commands.push_back(command);
+    if (command.arguments == "/c0 show") lists.commands.push_back(command);
+    if (command.arguments == "show ctrlcount") {
+      details.commands.push_back(command);
+      lists.commands.push_back(command);
+    }
+  }
+  EXPECT_FALSE(Compare(lists, details).otherMachine);
 }
 
 TEST(ComparedMachines, AreToldWhenTheSecondIsOlder) {

@@ -485,7 +485,8 @@ TEST(HealthRules, TellOfACacheWithoutABackupUnit) {
   AddVolume(parts, "lsi0 v0", "Optl").cache = "RAWBD";
   EXPECT_NE(FindHit(Judge(parts), "cache.unprotected", "lsi0 v0"), nullptr);
   AddCacheBackup(parts, "BBU", "Not Installed");
-  EXPECT_NE(FindHit(Judge(parts), "cache.unprotected", "lsi0 v0"), nullptr);
+  EXPECT_EQ(GetHit(Judge(parts), "cache.unprotected").observed,
+            "writing ends in the cache, backup of the cache of lsi0: Not Installed");
   parts.volumes[0].cache = "Enabled";
   EXPECT_EQ(FindHit(Judge(parts), "cache.unprotected"), nullptr);
   // That a unit is there and does not work is a finding of its own, and critical.

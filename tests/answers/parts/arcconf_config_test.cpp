@@ -43,6 +43,9 @@ std::string Drives(const std::string& lines) {
   return Section("Physical Device information", lines);
 }
 
+constexpr char kEnclosure[] =
+    "      Device #9\n         Device is an Enclosure services device\n";
+
 std::string Volume(int number, const std::string& segments) {
   return "Logical Device number " + std::to_string(number) +
          "\n   Logical Device name                      : Vault\n"
@@ -201,7 +204,27 @@ TEST(ArcconfConfig, BreaksOffWithFewerDrivesThanItsVolumesHave) {
   };
   EXPECT_EQ(tell(DriveLines(0, "Online")),
             "breaks off: it tells of 1 of the 2 drives of its volumes");
-  EXPECT_EQ(tell(DriveLines(0, "Online") + DriveLines(1, "Online")), "");
+  EXPECT_EQ(tell(DriveLines(0, "Online") + DriveLines(1, "Online") + kEnclosure), "");
+}
+
+// Without the tool's own words nothing but what follows the drives says that none is missing.
+TEST(ArcconfConfig, MayLackDrivesWhereNothingFollowsThem) {
+  const std::string drives = DriveLines(0, "Online") + DriveLines(1, "Online");
+  const auto tell = [&](const std::string& report) {
+    Parts parts;
+    return host::ReadArcconfConfig({report, {}, "mchp1"}, parts);
+  };
+  const std::string bare = Controller("") + Drives(drives);
+  const std::string doubt =
+      "has neither its first nor its last line and ends with a drive, so that others may be missing";
+  EXPECT_EQ(tell(bare), doubt);
+  EXPECT_EQ(tell(bare + "\n\n"), doubt);
+  EXPECT_EQ(tell(bare + "   Channel #1:\n"), "");
+  EXPECT_EQ(tell(bare + kEnclosure), "");
+  EXPECT_EQ(tell(bare + Section("Connector information", "")), "");
+  EXPECT_EQ(tell(bare + "Command completed successfully.\n"), "");
+  EXPECT_EQ(tell("Controllers found: 1\n" + bare),
+            "breaks off: it does not say that the command completed");
 }
 
 TEST(ArcconfConfig, KnowsMembersBySerialNumberThenAddressThenSlot) {

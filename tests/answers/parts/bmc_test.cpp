@@ -76,6 +76,16 @@ TEST(BmcParts, ReadAListingThatTheTableLeavesOutForAnErrorInIt) {
   EXPECT_EQ(FindSource(parts, "sensors"), "failed: cut short: ipmiutil sensor, error -1");
 }
 
+TEST(BmcParts, NameTheTableThatShowsWhyThereAreNoSensors) {
+  const auto tell = [](const std::string& arguments) {
+    const Parts parts = ReadWith(arguments, kError);
+    const auto source = std::ranges::find(parts.sources, "sensors", &host::PartSource::id);
+    return source->readAt.className + ": " + source->observed;
+  };
+  EXPECT_EQ(tell("sensor -s -q"), "SENSORINFO: ipmiutil sensor, error -1");
+  EXPECT_EQ(tell("sensor"), "SDRINFO: cut short: ipmiutil sensor, error -1");
+}
+
 TEST(BmcParts, HaveStatesOfPlatformsThatAreNotAskedForTheirRecords) {
   const std::string record =
       "0001 SDR Comp 02 6f 20 a 08 snum 43 PS2 Status       = 0009 AC_Lost\r\n";

@@ -195,4 +195,9 @@ TEST(CompletionCommand, IsNotShownToUsers) {
   EXPECT_THAT(test::RunHost({}).error, Not(HasSubstr("completion")));
 }
 
+TEST(SetupCommand, SaysWhereItWorks) {
+  EXPECT_EQ(test::RunHost({"setup"}).error,
+            "pqhost: setup looks for programs on this very machine and needs Windows\n");
+}
+
 }  // namespace
