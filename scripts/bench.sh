@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Measures and prints one table: processor time of one run and of one line, throughput, how many times
-# as long as a bare fgets pass over the same text it takes, the same without what the repository takes
-# for the rows, the highest mark of memory in sizes of the text, and in bytes what a row keeps and how
+# as long as a bare fgets pass over the same text it takes, how many times the logger does for its lines, the
+# collector without logger and without what the repository takes for the rows, the highest mark of memory in sizes of the text, and in bytes what a row keeps and how
 # much of that is the row's text.
 #   scripts/bench.sh [FILTER]     FILTER: a regular expression of benchmark names
 set -euo pipefail
@@ -38,6 +38,7 @@ def row(bench):
         number(bench, "ns/line"),
         number(bench, "bytes_per_second", 1, 1e-6),
         number(bench, "xfgets", 1),
+        number(bench, "log/fgets", 1),
         number(bench, "own/fgets", 1),
         number(bench, "heap/text", 1),
         number(bench, "kept/row"),
@@ -47,7 +48,7 @@ def row(bench):
 
 benches = json.load(open(sys.argv[1]))["benchmarks"]
 failures = [b for b in benches if b.get("error_occurred")]
-table = [("benchmark", "time", "ns/line", "MB/s", "x fgets", "own x fgets", "heap/text", "kept/row",
+table = [("benchmark", "time", "ns/line", "MB/s", "x fgets", "log x fgets", "own x fgets", "heap/text", "kept/row",
           "text/row")]
 table += [row(b) for b in benches if not b.get("error_occurred")]
 widths = [max(len(line[i]) for line in table) for i in range(len(table[0]))]

@@ -31,6 +31,7 @@ RESULTS = ROOT / "tests/mutants/results.txt"
 RULES = "host/answers/health/rules.sql"
 SEED = 1
 SECONDS = 150  # of processor time, for the tests of one room
+SLOW = 0.25  # seconds that a test takes which comes after all others
 
 # Tests of how time and memory grow run other programs, and some wait for a time to pass.
 NOT_HERE = ":".join(["*TakesTwice*", "*TakesAboutTwice*", "RepositoryMemory*", "*Deadline*", "QueryGuard*",
@@ -168,6 +169,7 @@ def draw_mutants():
 
 
 commands = {}  # of the compiler, by source; of the linker, by program
+slow_tests = {}  # by room
 
 
 def read_commands():
@@ -220,10 +222,10 @@ def is_equal_when_optimised(mutant, folder):
     return texts[0] == texts[1]
 
 
-def run_room(room, built, folder):
-    """How a room's tests end with the object linked in front; None when they pass."""
+def link_room(room, built, folder):
+    """A room's tests with the object in front of what they are made of."""
     # Programs that tests start are beside them.
-    program = BUILD / "bin" / f"mutant_{folder.name}"
+    program = BUILD / "bin" / f"mutant_{folder.name}_{room}"
     words = shlex.split(commands[room].replace("\\$", "$"))
     words[words.index("-o") + 1] = str(program)
     # What is linked first is what is called.
@@ -231,20 +233,38 @@ def run_room(room, built, folder):
     linked = run(words, BUILD)
     if linked.returncode != 0:
         sys.exit(linked.stdout)
+    return program
+
+
+def run_tests(program, which, folder, *more):
+    """How these tests end; None when they pass."""
     temporary = folder / "tmp"
     temporary.mkdir()
     try:
-        tested = run([program, f"--gtest_filter=-{NOT_HERE}", "--gtest_fail_fast", "--gtest_brief=1"],
+        tested = run([program, f"--gtest_filter={which}", "--gtest_fail_fast", "--gtest_brief=1", *more],
                      ROOT, timeout=8 * SECONDS, env=os.environ | {"TMPDIR": str(temporary)})
     except subprocess.TimeoutExpired:
         return "takes too long"
     finally:
         shutil.rmtree(temporary, ignore_errors=True)
-        program.unlink()
     if tested.returncode == 0:
         return None
     failed = re.search(r"\[  FAILED  \] ([\w/.]+)", tested.stdout)
     return failed.group(1) if failed else f"ends with {tested.returncode}"
+
+
+def measure_room(room):
+    """Keeps which of its tests are slow, if they pass without any mutant."""
+    folder = WORK / room
+    folder.mkdir(parents=True, exist_ok=True)
+    program, times = link_room(room, None, folder), folder / "times.json"
+    how = run_tests(program, "-" + NOT_HERE, folder, f"--gtest_output=json:{times}")
+    program.unlink()
+    if how:
+        sys.exit(f"The tests of {room} fail without any mutant: {how}")
+    slow_tests[room] = [f"{suite['name']}.{test['name']}"
+                        for suite in json.loads(times.read_text())["testsuites"]
+                        for test in suite["testsuite"] if float(test["time"].rstrip("s")) > SLOW]
 
 
 def try_mutant(mutant, folder):
@@ -252,10 +272,23 @@ def try_mutant(mutant, folder):
     built = compile_mutant(mutant, folder)
     if built is None:
         return "does not compile"
-    for room in ROOMS[mutant.file.split("/")[0]]:
-        how = run_room(room, built, folder)
-        if how:
-            return f"killed, {room}: {how}"
+    rooms = ROOMS[mutant.file.split("/")[0]]
+    programs = {}
+    try:
+        for is_slow in (False, True):
+            for room in rooms:
+                if room not in programs:
+                    programs[room] = link_room(room, built, folder)
+                if is_slow and not slow_tests[room]:
+                    continue
+                which = (":".join(slow_tests[room]) if is_slow
+                         else ":".join(["-" + NOT_HERE] + slow_tests[room]))
+                how = run_tests(programs[room], which, folder)
+                if how:
+                    return f"killed, {room}: {how}"
+    finally:
+        for program in programs.values():
+            program.unlink()
     return "equal" if is_equal_when_optimised(mutant, folder) else "survived"
 
 
@@ -308,11 +341,7 @@ def main():
     read_commands()
     RESULTS.parent.mkdir(exist_ok=True)
     for room in sorted({room for rooms in ROOMS.values() for room in rooms}):
-        folder = WORK / room
-        folder.mkdir(parents=True, exist_ok=True)
-        how = run_room(room, None, folder)
-        if how:
-            sys.exit(f"The tests of {room} fail without any mutant: {how}")
+        measure_room(room)
     lock, mutants = threading.Lock(), iter(drawn)
     valid = {mutant.show() for _, mutant in drawn}
     for gone in [shown for shown in results if shown not in valid]:

@@ -4,12 +4,16 @@
 #include <ctime>
 #include <memory>
 #include <stdexcept>
+#include <string_view>
 
 #include "bench/support/heap.h"
 #include "bench/support/repository_calls.h"
 #include "frame/halyard/repository.h"
+#include "frame/logkit/log.h"
+#include "frame/module.h"
 #include "host/collect/collection_run.h"
 #include "host/collect/recorded_source.h"
+#include "host/logger/logger.h"
 #include "host/repository/store.h"
 
 namespace bench {
@@ -36,8 +40,13 @@ void CountRows(benchmark::State& state, const RRepository& repository, const std
   state.counters["text/row"] = static_cast<double>(text) / rows;
 }
 
-/// What the collection asks of the repository.
-RepositoryCalls CallsOf(const CollectionCase& measured) {
+/// What the collection asks of the host.
+struct HostCalls {
+  RepositoryCalls repository;
+  std::int64_t logLines = 0;
+};
+
+HostCalls CallsOf(const CollectionCase& measured) {
   /// Writes the calls down.
   class Writer final : public host::CollectionListener {
    public:
@@ -48,9 +57,22 @@ RepositoryCalls CallsOf(const CollectionCase& measured) {
   host::RecordedSource source(measured.machine);
   RRepository repository;
   host::Collection ignored;
-  host::CollectionRun(source, {{measured.module}, {measured.table}}, writer)
-      .Enumerate(repository, ignored);
-  return std::move(writer.calls);
+  HostCalls calls;
+  {
+    const host::LogSinkInUse counter([&](const host::LogLine& /*line*/) { ++calls.logLines; });
+    host::CollectionRun(source, {{measured.module}, {measured.table}}, writer)
+        .Enumerate(repository, ignored);
+  }
+  calls.repository = std::move(writer.calls);
+  return calls;
+}
+
+/// As many lines as a collection writes, each with a short text, for a logger that nobody listens
+/// to.
+void WriteLogLines(std::int64_t count) {
+  for (std::int64_t i = 0; i < count; ++i) {
+    LogKit::Log(pq::kDetail, __FILE__, __LINE__).Stream() << "[repo] " << std::string_view("ok");
+  }
 }
 
 }  // namespace
@@ -75,10 +97,11 @@ double FgetsSeconds(const std::string& text) {
 }
 
 void MeasureCollection(benchmark::State& state, const CollectionCase& measured) {
-  const RepositoryCalls calls = CallsOf(measured);
+  const HostCalls calls = CallsOf(measured);
   std::size_t heap = 0;
   double spent = 0;
   double storing = 0;
+  double logging = 0;
   for (auto _ : state) {
     state.PauseTiming();
     host::RecordedSource source(measured.machine);
@@ -99,8 +122,11 @@ void MeasureCollection(benchmark::State& state, const CollectionCase& measured) 
     CountRows(state, *repository, measured.table, HeapInUse() - before);
     repository = std::make_unique<RRepository>();
     const double storeStart = ProcessorSeconds();
-    calls.Replay(*repository);
-    storing += ProcessorSeconds() - storeStart;
+    calls.repository.Replay(*repository);
+    const double logStart = ProcessorSeconds();
+    storing += logStart - storeStart;
+    WriteLogLines(calls.logLines);
+    logging += ProcessorSeconds() - logStart;
     repository.reset();
     state.ResumeTiming();
   }
@@ -113,8 +139,11 @@ void MeasureCollection(benchmark::State& state, const CollectionCase& measured) 
       static_cast<double>(heap) / static_cast<double>(measured.text.size());
   const double fgets = FgetsSeconds(measured.text);
   const double store = storing / static_cast<double>(state.iterations());
+  const double log = logging / static_cast<double>(state.iterations());
   state.counters["xfgets"] = seconds / fgets;
-  state.counters["own/fgets"] = (seconds - store) / fgets;
+  state.counters["log/line"] = static_cast<double>(calls.logLines) / lines;
+  state.counters["log/fgets"] = log / fgets;
+  state.counters["own/fgets"] = (seconds - store - log) / fgets;
 }
 
 }  // namespace bench

@@ -25,10 +25,11 @@ double FgetsSeconds(const std::string& text);
 
 /// Runs the collection with an empty repository and without a log in each iteration. Counters:
 /// ns/line (processor time), heap/line (bytes, the highest mark of one run; the recording does not
-/// count), heap/text (the same, in sizes of the text), xfgets (times the fgets pass), own/fgets
-/// (the same without what the repository takes for the same calls, measured in turn), kept/row and
-/// text/row (bytes that the repository holds in the end for a row of `table`, and how many of them
-/// are its texts; only when there are rows).
+/// count), heap/text (the same, in sizes of the text), xfgets (times the fgets pass), log/line
+/// (lines of the log for one of the text), log/fgets (what the logger takes for them, in fgets
+/// passes), own/fgets (all without logger, and without what the repository takes for the same
+/// calls, each measured in turn), kept/row and text/row (bytes that the repository holds in the end
+/// for a row of `table`, and how many of them are its texts; only when there are rows).
 void MeasureCollection(benchmark::State& state, const CollectionCase& measured);
 
 }  // namespace bench

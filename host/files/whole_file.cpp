@@ -49,9 +49,12 @@ void CreateWholeFile(const fs::path& path, std::string_view bytes, Readers reade
   fs::create_directories(path.parent_path(), ignored);
   errno = 0;
   FileHandle file = CreateNewFile(path, readers);
-  if (!file.IsOpen() || !file.Write(bytes) || !file.Close()) {
-    throw std::runtime_error(DescribeUnwritable(path));
-  }
+  if (!file.IsOpen()) throw std::runtime_error(DescribeUnwritable(path));
+  if (file.Write(bytes) && file.Close()) return;
+  const std::string problem = DescribeUnwritable(path);
+  file.Close();
+  fs::remove(path, ignored);
+  throw std::runtime_error(problem);
 }
 
 void CreateEmptyFolder(const fs::path& folder, std::string_view option) {

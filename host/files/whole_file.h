@@ -20,7 +20,7 @@ std::string ReadWholeFile(const std::filesystem::path& path);
 std::string ReadWholeFile(const FileHandle& file);
 
 /// Makes a new file of `bytes`, and its folders. Throws std::runtime_error with the words of
-/// DescribeUnwritable, also when there is a file, or a link, already.
+/// DescribeUnwritable, also when there is a file, or a link, already; no part of a file is left.
 void CreateWholeFile(const std::filesystem::path& path, std::string_view bytes,
                      Readers readers = Readers::kOwner);
 

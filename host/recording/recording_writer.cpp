@@ -149,10 +149,12 @@ class RecordingFiles {
 };
 
 /// Half a recording is none: takes away the files that have been written, and folders that are
-/// empty then.
-void RemoveFiles(const Manifest& written, const std::filesystem::path& folder) {
+/// empty then, that of the file `last`, which could not be, as well.
+void RemoveFiles(const Manifest& written, const std::string& last,
+                 const std::filesystem::path& folder) {
   std::error_code ignored;
   std::set<std::filesystem::path> folders;
+  if (const auto lasts = (folder / last).parent_path(); lasts != folder) folders.insert(lasts);
   for (const auto& [name, digest] : written) {
     const std::filesystem::path file = folder / name;
     std::filesystem::remove(file, ignored);
@@ -169,8 +171,10 @@ void VisitRecordingFiles(const Recording& recording, const RecordingFileSink& si
 
 void WriteRecording(const Recording& recording, const std::filesystem::path& folder) {
   Manifest manifest;
+  std::string last;
   try {
     RecordingFiles(recording, [&](const std::string& name, std::string_view bytes) {
+      last = name;
       CreateWholeFile(folder / name, bytes);
       manifest[name] = ComputeSha256(bytes);
     }).Make();
@@ -179,7 +183,7 @@ void WriteRecording(const Recording& recording, const std::filesystem::path& fol
     if (!recording.submission) return;
     CreateWholeFile(folder / kSubmissionFileName, WriteSubmission(*recording.submission));
   } catch (const std::runtime_error&) {
-    RemoveFiles(manifest, folder);
+    RemoveFiles(manifest, last, folder);
     throw;
   }
 }

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstring>
 #include <stdexcept>
+#include <string>
 #include <system_error>
 
 namespace host {
@@ -56,8 +57,10 @@ bool IsOpenToOthers(const FileHandle& file) {
 }
 
 fs::path FindRealPath(const FileHandle& file, const fs::path& path) {
+  // The kernel knows by one call; without /proc, every folder above is asked whether it is a link.
   std::error_code error;
-  fs::path real = fs::canonical(path, error);
+  fs::path real = fs::read_symlink("/proc/self/fd/" + std::to_string(file.Descriptor()), error);
+  if (error) real = fs::canonical(path, error);
   struct stat opened {};
   struct stat found {};
   const bool isSame = !error && fstat(file.Descriptor(), &opened) == 0 &&

@@ -60,6 +60,17 @@ TEST(ReportValues, GiveTimesOfEveryTool) {
   EXPECT_EQ(ReadTime("2026-08-14T18:20:59"), "2026-08-14T18:20:59");
 }
 
+TEST(ReportValues, KnowTheLastDayOfEveryMonth) {
+  constexpr int kLast[] = {31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  for (int month = 1; month <= 12; ++month) {
+    const auto on = [&](int day) {
+      return std::to_string(month) + "/" + std::to_string(day) + "/2024 01:02:03";
+    };
+    EXPECT_NE(ReadTime(on(kLast[month - 1])), "") << month;
+    EXPECT_EQ(ReadTime(on(kLast[month - 1] + 1)), "") << month;
+  }
+}
+
 TEST(ReportValues, GiveNoTimeThatCannotBe) {
   for (const char* text :
        {"", "T28", "00/00/00", "13/01/2026 00:00:00", "02/30/2026 00:00:00", "01/01/2026 24:00:00",

@@ -92,6 +92,14 @@ TEST_F(FileHandleTest, IsWhereLinksLead) {
   EXPECT_EQ(FindRealFolder(folder.Path() / "folder"), fs::canonical(folder.Path()) / "real");
 }
 
+TEST_F(FileHandleTest, IsInTheFolderThatItWasMovedWith) {
+  folder.Write("old/file", "text");
+  const fs::path path = folder.Path() / "old" / "file";
+  const FileHandle file = OpenToRead(path);
+  fs::rename(folder.Path() / "old", folder.Path() / "new");
+  EXPECT_EQ(FindRealPath(file, path), fs::canonical(folder.Path()) / "new" / "file");
+}
+
 TEST_F(FileHandleTest, IsNowhereOnceAnotherFileHasItsName) {
   folder.Write("a", "one");
   folder.Write("b", "two");

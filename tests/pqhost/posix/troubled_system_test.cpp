@@ -1,0 +1,145 @@
+// A disk that fills up, a drive that no longer answers, a clock that jumps: told in words, with the
+// exit code of the command, and nothing half is left.
+#include <gmock/gmock.h>
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tests/support/posix/shell_command.h"
+#include "tests/support/program/host_run.h"
+#include "tests/support/temporary_folder.h"
+
+namespace {
+
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+class TroubledSystem : public testing::Test {
+ protected:
+  /// The exit status of pqhost with `trouble` on the disk that `folder` is on.
+  int Run(const std::string& trouble, const std::string& arguments) {
+    return RunOn(folder.Path().string(), trouble, arguments);
+  }
+
+  int RunOn(const std::string& disk, const std::string& trouble, const std::string& arguments) {
+    const std::string line = "ASAN_OPTIONS=verify_asan_link_order=0 PQ_DISK='" + disk + "' " +
+                             trouble + " LD_PRELOAD='" +
+                             test::FindBuiltProgram("troubled_system.so").string() + "' '" +
+                             test::FindBuiltProgram("pqhost").string() + "' " + arguments + " 2>'" +
+                             (said / "error") + "' >'" + (said / "out") + "'";
+    return WEXITSTATUS(std::system(line.c_str()));
+  }
+
+  std::string Error() const { return said.Read("error"); }
+
+  static std::string Quote(const std::string& text) { return "'" + text + "'"; }
+
+  test::TemporaryFolder folder;  ///< where results go
+  test::TemporaryFolder said;    ///< elsewhere: what the program says
+  const std::string blade = Quote(test::Sample("blade"));
+  const std::string server = Quote(test::Sample("two-socket-server"));
+};
+
+/// One without room, and one on which a part fits.
+constexpr const char* kFullDisks[] = {"PQ_ROOM=0", "PQ_ROOM=500"};
+
+TEST_F(TroubledSystem, KeepsTheOldResultWhenTheDiskIsFull) {
+  struct Writer {
+    std::string arguments;
+    std::vector<std::string> formats;
+    int exitCode;
+  };
+  const std::string result = said / "result.json";
+  ASSERT_LE(Run("", "collect --replay " + server + " --format json --output " + Quote(result)), 1);
+  const std::vector<Writer> writers = {
+      {"collect --replay " + server,
+       {"table", "json", "ndjson", "csv", "html", "sqlite", "prometheus"},
+       1},
+      {"health --replay " + server, {"table", "json", "csv", "sqlite"}, 3},
+      {"diff " + blade + " " + server, {"table", "json", "csv", "html", "sqlite"}, 2},
+      {"show " + Quote(result), {"table", "json", "csv", "html", "sqlite"}, 1},
+      {"query --replay " + server + " 'SELECT * FROM SENSORINFO'", {"json", "csv", "sqlite"}, 1},
+  };
+  const std::string file = folder / "o";
+  for (const Writer& writer : writers) {
+    for (const std::string& format : writer.formats) {
+      for (const char* disk : kFullDisks) {
+        SCOPED_TRACE(writer.arguments + " --format " + format + " " + disk);
+        folder.Write("o", "old");
+        EXPECT_EQ(Run(disk, writer.arguments + " --format " + format + " --output " + Quote(file)),
+                  writer.exitCode);
+        EXPECT_THAT(Error(), HasSubstr("cannot write " + file + ": No space left on device"));
+        EXPECT_EQ(folder.Read("o"), "old");
+        EXPECT_THAT(folder.Files(), ElementsAre("o"));
+      }
+    }
+  }
+}
+
+TEST_F(TroubledSystem, LeavesNoPartOfARecordingOrOfAKeyWhenTheDiskIsFull) {
+  const std::string key = " --key " + Quote(said / "key");
+  for (const char* disk : {"PQ_ROOM=0", "PQ_ROOM=10", "PQ_ROOM=20000"}) {
+    for (const char* name : {"new", "new.zip"}) {
+      SCOPED_TRACE(std::string(disk) + " " + name);
+      EXPECT_EQ(Run(disk, "redact --profile public " + server + " " + Quote(folder / name) + key),
+                1);
+      EXPECT_THAT(Error(), AllOf(HasSubstr("cannot write " + (folder / name)),
+                                 HasSubstr("No space left on device")));
+      EXPECT_THAT(folder.Files(), IsEmpty());
+      // Another try finds nothing in its way.
+      EXPECT_EQ(Run("", "redact --profile public " + server + " " + Quote(folder / name) + key), 0);
+      std::filesystem::remove_all(folder / name);
+    }
+  }
+  EXPECT_EQ(Run("PQ_ROOM=10", "redact --profile public " + server + " " + Quote(said / "copy") +
+                                  " --key " + Quote(folder / "key")),
+            2);
+  EXPECT_THAT(Error(), HasSubstr("cannot write " + (folder / "key")));
+  EXPECT_THAT(folder.Files(), IsEmpty());
+}
+
+TEST_F(TroubledSystem, EndsInTimeWhenADriveDoesNotAnswer) {
+  const std::string limit = " --time-limit 1";
+  const std::string file = " --output " + Quote(folder / "o");
+  const std::string drive = test::Sample("two-socket-server");
+  for (const auto& [arguments, exitCode] : std::vector<std::pair<std::string, int>>{
+           {"health --replay " + server, 3},
+           {"diff " + blade + " " + server, 2},
+           {"redact --profile public " + server + " " + Quote(folder / "new") + " --key " +
+                Quote(said / "key"),
+            1}}) {
+    SCOPED_TRACE(arguments);
+    EXPECT_EQ(RunOn(drive, "PQ_HANGS=1", arguments + limit), exitCode);
+    EXPECT_THAT(Error(), HasSubstr("took longer than 1 second (--time-limit)"));
+  }
+  for (const auto& [arguments, exitCode] : std::vector<std::pair<std::string, int>>{
+           {"health --replay " + server, 3}, {"diff " + blade + " " + server, 2}}) {
+    SCOPED_TRACE(arguments);
+    EXPECT_EQ(Run("PQ_HANGS=1", arguments + limit + file), exitCode);
+    EXPECT_THAT(Error(), HasSubstr("took longer than 1 second (--time-limit)"));
+    EXPECT_THAT(folder.Files(), IsEmpty());
+  }
+}
+
+TEST_F(TroubledSystem, KeepsToItsTimeLimitsWhileTheClockJumps) {
+  for (const std::string& arguments :
+       {"health --as-of 2026-01-01 --format table --replay " + server,
+        "query --format csv --replay " + server + " 'SELECT * FROM SENSORINFO'",
+        "diff --format table " + blade + " " + server, "collect --format csv --replay " + server}) {
+    SCOPED_TRACE(arguments);
+    const int exitCode = Run("", arguments + " --time-limit 60");
+    const std::string whole = said.Read("out");
+    EXPECT_EQ(Run("PQ_JUMPING=1", arguments + " --time-limit 60"), exitCode);
+    EXPECT_EQ(said.Read("out"), whole);
+    EXPECT_THAT(Error(), Not(HasSubstr("took longer")));
+  }
+}
+
+}  // namespace
