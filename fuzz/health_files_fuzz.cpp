@@ -27,9 +27,10 @@ host::Parts MakeParts() {
     drive.state = "Onln";
     drive.condition = "online";
     drive.serial = "S" + std::to_string(i);
-    host::Event& event = parts.events.emplace_back();
+    host::Event event;
     event.id = "lsi0 " + std::to_string(i);
     event.time = "2026-11-18T06:00:00";
+    parts.events.push_back(event);
   }
   return parts;
 }

@@ -41,7 +41,7 @@ bool HasPart(const host::Parts& parts, std::string_view name, const std::string&
   for (const host::PartTable& table : host::GetPartTables()) {
     if (table.name != name) continue;
     for (std::size_t i = 0; i < table.count(parts); ++i) {
-      if (table.at(parts, i).id == id) return true;
+      if (table.at(parts, i)->id == id) return true;
     }
   }
   return false;

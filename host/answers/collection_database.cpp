@@ -1,5 +1,6 @@
 #include "host/answers/collection_database.h"
 
+#include <memory>
 #include <string>
 #include <utility>
 #include <variant>
@@ -54,6 +55,12 @@ DatabaseWriter::Facts ListVerdict(const Health& health) {
           {"asOfFrom", health.asOfFrom}};
 }
 
+DatabaseWriter::Facts ListFacts(const Collection& collection, const Health& health) {
+  DatabaseWriter::Facts facts = ListIdentity(collection);
+  for (auto& fact : ListVerdict(health)) facts.push_back(std::move(fact));
+  return facts;
+}
+
 /// Of the machine added last.
 void AddFindings(DatabaseWriter& writer, const Health& health) {
   for (const FindingTable& table : GetFindingTables()) {
@@ -67,15 +74,24 @@ void AddFindings(DatabaseWriter& writer, const Health& health) {
   }
 }
 
+void AddCollection(DatabaseWriter& writer, const CollectionView& view,
+                   const DatabaseWriter::Facts& facts, const Assessment& assessment,
+                   std::string_view machine) {
+  ReserveTables(writer);
+  writer.Add(view, facts, machine);
+  AddParts(writer, assessment.parts);
+  AddFindings(writer, assessment.health);
+}
+
 }  // namespace
 
 void AddParts(DatabaseWriter& writer, const Parts& parts) {
   for (const PartTable& table : GetPartTables()) {
     writer.AddRows(table.name, ListSqlColumns(table.columns), table.count(parts),
                    [&](std::size_t row, Statement& values) {
-                     const Part& part = table.at(parts, row);
+                     const std::shared_ptr<const Part> part = table.at(parts, row);
                      for (const PartColumn& column : table.columns) {
-                       AddValue(values, column.get(part));
+                       AddValue(values, column.get(*part));
                      }
                    });
   }
@@ -83,12 +99,8 @@ void AddParts(DatabaseWriter& writer, const Parts& parts) {
 
 void AddCollection(DatabaseWriter& writer, const CollectionView& view, const Assessment& assessment,
                    std::string_view machine) {
-  ReserveTables(writer);
-  DatabaseWriter::Facts facts = ListIdentity(view.GetCollection());
-  for (auto& fact : ListVerdict(assessment.health)) facts.push_back(std::move(fact));
-  writer.Add(view, facts, machine);
-  AddParts(writer, assessment.parts);
-  AddFindings(writer, assessment.health);
+  AddCollection(writer, view, ListFacts(view.GetCollection(), assessment.health), assessment,
+                machine);
 }
 
 void AddCollection(DatabaseWriter& writer, const CollectionView& view, std::string_view machine) {
@@ -109,6 +121,16 @@ void AddVerdict(DatabaseWriter& writer, const Health& health, std::string_view m
 void FillDatabase(Database& database, const CollectionView& view) {
   DatabaseWriter writer(database, Machines::kOne);
   AddCollection(writer, view);
+  writer.Complete();
+}
+
+void FillDatabase(Database& database, Collection collection) {
+  const Assessment assessment = Assess(collection);
+  const DatabaseWriter::Facts facts = ListFacts(collection, assessment.health);
+  collection.answers.clear();
+  collection.files.clear();
+  DatabaseWriter writer(database, Machines::kOne);
+  AddCollection(writer, CollectionView(collection), facts, assessment, {});
   writer.Complete();
 }
 

@@ -24,6 +24,9 @@ void AddVerdict(DatabaseWriter& writer, const Health& health, std::string_view m
 
 /// Makes the whole of a database, which is empty, from one collection. Throws DatabaseError.
 void FillDatabase(Database& database, const CollectionView& view);
+/// The same of a known machine's, which nobody else needs: of what its tools printed, nothing is
+/// kept longer than it takes to read it.
+void FillDatabase(Database& database, Collection collection);
 /// The same of a known machine that was assessed already.
 void FillDatabase(Database& database, const CollectionView& view, const Assessment& assessment);
 

@@ -21,6 +21,13 @@ void AddTexts(JsonObject& event, std::string_view name, const std::vector<std::s
 
 void TraceWriter::Write(JsonObject& event) { out << event.Take() << '\n'; }
 
+void TraceWriter::Write(JsonObject& event, std::string_view name, std::string_view bytes,
+                        std::string_view rest) {
+  out << event.TakeBefore(name);
+  WriteJsonBytes(out, bytes);
+  out << rest << "}\n";
+}
+
 void TraceWriter::Module(const std::string& name, const std::string& description) {
   Write(BeginEvent("module").AddBytes("name", name).AddBytes("description", description));
 }
@@ -32,10 +39,8 @@ void TraceWriter::Enumerate(const std::string& module, const std::string& table)
 }
 
 void TraceWriter::Log(const LogLine& line) {
-  Write(BeginEvent("log")
-            .AddNumber("level", line.level)
-            .AddBytes("file", line.file)
-            .AddBytes("text", line.text));
+  Write(BeginEvent("log").AddNumber("level", line.level).AddBytes("file", line.file), "text",
+        line.text);
 }
 
 void TraceWriter::OnInstance(std::uint64_t id, const std::string& className, const std::string& key,
@@ -49,12 +54,8 @@ void TraceWriter::OnInstance(std::uint64_t id, const std::string& className, con
 
 void TraceWriter::OnProperty(std::uint64_t id, const std::string& key, const std::string& label,
                              const std::string& value, bool flag) {
-  Write(BeginEvent("property")
-            .AddNumber("id", id)
-            .AddBytes("key", key)
-            .AddBytes("label", label)
-            .AddBytes("value", value)
-            .AddFlag("flag", flag));
+  Write(BeginEvent("property").AddNumber("id", id).AddBytes("key", key).AddBytes("label", label),
+        "value", value, flag ? R"(,"flag":true)" : R"(,"flag":false)");
 }
 
 void TraceWriter::OnProperty(std::uint64_t id, const std::string& key, const std::string& label,
@@ -126,7 +127,8 @@ void TraceWriter::OnOpen(const std::string& path, const std::string& mode) {
 }
 
 void TraceWriter::OnConsole(std::string_view text) {
-  Write(BeginEvent("console").AddBytes("text", text));
+  JsonObject event = BeginEvent("console");
+  Write(event, "text", text);
 }
 
 }  // namespace host

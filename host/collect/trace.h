@@ -50,6 +50,9 @@ class TraceWriter : public RepositoryObserver, public CollectionListener {
  private:
   JsonObject BeginLayout(const char* call, const std::vector<std::string>& names) const;
   void Write(JsonObject& event);
+  /// With one more member, which may be all that a tool printed, and `rest` behind it.
+  void Write(JsonObject& event, std::string_view name, std::string_view bytes,
+             std::string_view rest = {});
 
   std::ostream& out;
   std::string layoutTable;

@@ -137,8 +137,18 @@ DatabaseLimitError MakeTimeout(std::chrono::seconds timeLimit) {
           "ask for less, or allow more with --time-limit"};
 }
 
-Database::Database(std::chrono::seconds queryTime) : queryTime(queryTime) {
-  if (sqlite3_open(":memory:", &handle) != SQLITE_OK) FailAsSqlite(handle);
+Database::Database(std::chrono::seconds queryTime, Temporary temporary)
+    : queryTime(queryTime), temporary(temporary) {
+  // SQLite's own temporary file: made when the memory for it is used up, and deleted at once.
+  constexpr char kNoName[] = "";
+  constexpr char kMemory[] = "PRAGMA cache_size=-8192";  // KiB
+  try {
+    if (sqlite3_open(kNoName, &handle) != SQLITE_OK) FailAsSqlite(handle);
+    Execute(handle, kMemory);
+  } catch (const DatabaseError&) {
+    sqlite3_close(handle);
+    throw;
+  }
 }
 
 Database::Database(const NewFile& file) : queryTime(kUsualQueryTime) {
@@ -193,6 +203,9 @@ void Database::AddTable(OutsideTable table) {
 void Database::Harden() {
   if (isHardened) return;
   HardenConnection(handle);
+  if (temporary == Temporary::kInFile) {
+    Execute(handle, "PRAGMA temp_store=FILE; PRAGMA temp.cache_size=-4096");
+  }
   isHardened = true;
 }
 

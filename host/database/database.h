@@ -64,8 +64,15 @@ struct OutsideTable {
 
 class Database {
  public:
-  /// An empty one in memory.
-  explicit Database(std::chrono::seconds queryTime = kUsualQueryTime);
+  /// Where temporary tables are, and what is sorted.
+  enum class Temporary {
+    kInMemory,  ///< so that an endless query meets its limit
+    kInFile,    ///< of nobody but the owner, gone with the program; for queries of our own
+  };
+  /// An empty one of no name. Beyond a few megabytes it is in such a file, too: rows take many
+  /// times the memory of the text that they are of.
+  explicit Database(std::chrono::seconds queryTime = kUsualQueryTime,
+                    Temporary temporary = Temporary::kInMemory);
   /// An empty file that nobody else uses.
   struct NewFile {
     std::filesystem::path path;
@@ -116,6 +123,7 @@ class Database {
 
   sqlite3* handle = nullptr;
   std::chrono::seconds queryTime;
+  Temporary temporary = Temporary::kInMemory;
   bool isHardened = false;
   std::map<std::string, Function> functions;  ///< by name
   std::list<OutsideTable> outsideTables;      ///< where they are is known to SQLite

@@ -183,7 +183,8 @@ void DatabaseWriter::Add(const CollectionView& view, const Facts& facts, std::st
   position = 0;
   collection.log.ForEach([&](const KeptLog::Line& line) {
     (log.Begin() << ++position << static_cast<std::int64_t>(line.level) << line.file
-                 << static_cast<std::int64_t>(line.line) << view.LogText(line))
+                 << static_cast<std::int64_t>(line.line))
+        .Borrow(view.LogText(line))
         .Run();
   });
 }
@@ -279,7 +280,10 @@ void DatabaseWriter::AddRows(const TableView& view, const std::vector<KnownColum
   for (std::size_t i = 0; i < columns.size(); ++i) sources[places[i]] = columns[i].place;
   Rows rows(*this, table);
   Rows& attachments = AddTo(kAttachments);
+  std::vector<DecodedText> texts;  // of the row, which the database borrows
+  texts.reserve(sources.size());
   for (std::size_t i = 0; i < view.RowCount(); ++i) {
+    texts.clear();
     const RowView row = view.RowAt(i);
     const auto number = static_cast<std::int64_t>(i + 1);
     const std::size_t most = FindMostValueBytes(view.StoredRow(i));
@@ -287,7 +291,9 @@ void DatabaseWriter::AddRows(const TableView& view, const std::vector<KnownColum
     for (std::size_t column = isForSeveral ? 2 : 1; column < sources.size(); ++column) {
       const std::optional<CellView> cell =
           sources[column] == kNoColumn ? std::nullopt : row.FindCell(sources[column]);
-      if (cell) {
+      if (cell && cell->Kind() == CellKind::kText) {
+        values.Borrow(KeepEnd(texts.emplace_back(cell->Text()), most));
+      } else if (cell) {
         values.Add(cell->Kind(), KeepEnd(cell->Text(), most));
       } else {
         values << nullptr;
@@ -297,10 +303,15 @@ void DatabaseWriter::AddRows(const TableView& view, const std::vector<KnownColum
     for (std::size_t place = 0; place < row.CellCount(); ++place) {
       const CellView cell = row.CellAt(place);
       if (!cell.IsFile()) continue;
-      (attachments.Begin() << view.ClassName() << number << cell.Key()
-                           << cell.FileName().value_or(cell.Key()))
-          .Add(cell.Kind(), KeepEnd(cell.Text(), most))
-          .Run();
+      const DecodedText text = cell.Text();
+      Statement& values = attachments.Begin() << view.ClassName() << number << cell.Key()
+                                              << cell.FileName().value_or(cell.Key());
+      if (cell.Kind() == CellKind::kText) {
+        values.Borrow(KeepEnd(text, most));
+      } else {
+        values.Add(cell.Kind(), KeepEnd(text, most));
+      }
+      values.Run();
     }
   }
 }

@@ -60,6 +60,12 @@ Statement& Statement::operator<<(std::string_view text) {
   return *this;
 }
 
+Statement& Statement::Borrow(std::string_view text) {
+  Check(sqlite3_bind_text64(statement.get(), ++bound, text.data(), text.size(), SQLITE_STATIC,
+                            SQLITE_UTF8));
+  return *this;
+}
+
 Statement& Statement::operator<<(std::int64_t number) {
   Check(sqlite3_bind_int64(statement.get(), ++bound, number));
   return *this;

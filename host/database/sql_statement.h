@@ -42,6 +42,9 @@ class Statement {
   }
   /// A cell's text, as what it is.
   Statement& Add(CellKind kind, std::string_view text);
+  /// A text that stays where it is until Run() is over: it may be a whole report, which is not
+  /// copied once more.
+  Statement& Borrow(std::string_view text);
 
   /// To be called when each place has its value.
   void Run();

@@ -15,6 +15,20 @@ constexpr std::size_t kPiece = 1U << 16;
 /// Has zlib write, or expect, gzip's head and checksum.
 constexpr int kAsGzip = MAX_WBITS + 16;
 
+/// The bytes that it says it holds, modulo 4 GiB; nothing of what is too short to be gzip.
+std::size_t ReadPackedSize(std::string_view packed) {
+  constexpr std::size_t kSizeBytes = 4;
+  std::size_t size = 0;
+  if (packed.size() < kSizeBytes) return size;
+  for (std::size_t i = packed.size(); i-- > packed.size() - kSizeBytes;) {
+    // The lowest byte comes first.
+    size = size << 8 | static_cast<unsigned char>(packed[i]);
+  }
+  // What a stranger's bytes say may be more than they can hold.
+  constexpr std::size_t kMostRatio = 1032;
+  return std::min(size, packed.size() * kMostRatio);
+}
+
 }  // namespace
 
 class GzipStream::Buffer final : public std::streambuf {
@@ -91,6 +105,7 @@ std::string UnpackGzip(std::string_view packed, std::size_t most) {
   stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(packed.data()));
   stream.avail_in = static_cast<uInt>(packed.size());
   std::string bytes;
+  bytes.reserve(std::min(ReadPackedSize(packed), most));
   std::array<char, kPiece> output;
   int result = Z_OK;
   while (result == Z_OK) {

@@ -29,8 +29,9 @@ void CollectionBuilder::AddRow(const RowShape& shape, const std::vector<std::str
 
 void CollectionBuilder::AddPart(const PartTable& table,
                                 const std::function<PartValue(const PartColumn& column)>& find) {
-  Part& part = table.add(*parts);
-  for (const PartColumn& column : table.columns) column.set(part, find(column));
+  table.add(*parts, [&](Part& part) {
+    for (const PartColumn& column : table.columns) column.set(part, find(column));
+  });
 }
 
 Collection CollectionBuilder::Take() {

@@ -64,7 +64,7 @@ class CsvWriter {
   void Write(const PartTable& table, const Parts& parts) {
     WriteHead(table);
     for (std::size_t row = 0; row < table.count(parts); ++row) {
-      WriteRow(table, table.at(parts, row));
+      WriteRow(table, *table.at(parts, row));
     }
   }
 

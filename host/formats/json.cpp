@@ -186,7 +186,7 @@ class JsonWriter {
       json += ": [";
       for (std::size_t row = 0; row < table.count(parts); ++row) {
         json += row == 0 ? "\n  " : ",\n  ";
-        AppendPart(table, table.at(parts, row));
+        AppendPart(table, *table.at(parts, row));
         json.Flush();
       }
       json += "]";

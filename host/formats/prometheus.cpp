@@ -403,10 +403,10 @@ void AddPartTables(const Parts& parts, const Health& health, MetricTables& table
     const auto table = std::ranges::find(GetPartTables(), sampled.name, &PartTable::name);
     MetricTable& rows = tables[sampled.name];
     for (std::size_t i = 0; i < table->count(parts); ++i) {
-      const Part& part = table->at(parts, i);
-      MetricRow& row = rows.emplace_back(MakeRow(*table, part));
+      const std::shared_ptr<const Part> part = table->at(parts, i);
+      MetricRow& row = rows.emplace_back(MakeRow(*table, *part));
       const std::string controller = FormatValue(Get(row, "controller"));
-      Severity worst = known.Find(sampled.name, part.id);
+      Severity worst = known.Find(sampled.name, part->id);
       if (IsTold(row, sampled)) {
         toldControllers.insert(controller);
       } else {
@@ -470,7 +470,7 @@ std::string NameSeverityOfLevel(Integer level) {
   return *level <= 0 ? "information" : *level == 1 ? "warning" : "critical";
 }
 
-void AddLogs(const std::vector<Event>& events, MetricTables& tables) {
+void AddLogs(const Events& events, MetricTables& tables) {
   struct Log {
     std::int64_t entries = 0;
     Integer newest;

@@ -48,10 +48,10 @@ constexpr std::pair<std::string_view, std::string_view> kAreasOfTables[] = {
     {"self_tests", "bmc"},          {"sources", "collection"},    {"unread", "collection"},
 };
 
-std::string_view FindAreaOfPart(const PartTable& table, const Part& part) {
-  if (table.name == "sensors") return FindSensorArea(static_cast<const Sensor&>(part));
+std::string_view FindAreaOfPart(const PartTable& table, const Parts& parts, std::size_t row) {
+  if (table.name == "sensors") return FindSensorArea(parts.sensors[row]);
   if (table.name == "events") {
-    return static_cast<const Event&>(part).source == "AMT" ? "amt" : "log";
+    return parts.events.GetText(row, EventColumn::kSource) == "AMT" ? "amt" : "log";
   }
   for (const auto& [name, area] : kAreasOfTables) {
     if (name == table.name) return area;
@@ -105,7 +105,7 @@ class AreaFinder {
     for (const AreaKind& kind : kAreaKinds) areas.push_back(MakeArea(kind));
     for (const PartTable& table : GetPartTables()) {
       for (std::size_t row = 0; row < table.count(parts); ++row) {
-        ReportArea& area = areas[RankReportArea(FindAreaOfPart(table, table.at(parts, row)))];
+        ReportArea& area = areas[RankReportArea(FindAreaOfPart(table, parts, row))];
         if (area.parts.empty() || area.parts.back().table != &table)
           area.parts.push_back({&table, {}});
         area.parts.back().rows.push_back(row);
@@ -280,14 +280,16 @@ class AreaFinder {
   }
 
   std::string DescribeEvents(const ReportArea& area) const {
-    std::string newest;
+    std::string_view newest;
     std::size_t count = 0;
     for (const AreaParts& list : area.parts) {
       count += list.rows.size();
-      for (const std::size_t row : list.rows) newest = std::max(newest, parts.events[row].time);
+      for (const std::size_t row : list.rows) {
+        newest = std::max(newest, parts.events.GetText(row, EventColumn::kTime));
+      }
     }
     std::string text = count == 1 ? "1 entry" : fmt::format("{} entries", count);
-    return newest.empty() ? text : text + ", newest " + KeepDay(newest);
+    return newest.empty() ? text : text + ", newest " + KeepDay(std::string(newest));
   }
 
   std::string DescribeSensors(const ReportArea& area) const {

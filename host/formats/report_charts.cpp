@@ -91,16 +91,17 @@ std::string DescribeDay(std::int64_t day, const DayCounts& counts) {
                      counts.warning, counts.other);
 }
 
-MonthCounts CountByDay(const std::vector<const Event*>& events, std::int64_t lastDay) {
+MonthCounts CountByDay(const Events& events, const std::vector<std::size_t>& rows,
+                       std::int64_t lastDay) {
   MonthCounts days;
-  for (const Event* event : events) {
-    const auto seconds = ReadWallTime(event->time);
+  for (const std::size_t row : rows) {
+    const auto seconds = ReadWallTime(events.GetText(row, EventColumn::kTime));
     if (!seconds) continue;
     // A clock ahead of the one that tells when the collection was is of the last day, too.
     const std::int64_t age = std::max<std::int64_t>(lastDay - *seconds / kSecondsOfDay, 0);
     if (age >= static_cast<std::int64_t>(kDaysShown)) continue;
     DayCounts& day = days[kDaysShown - 1 - static_cast<std::size_t>(age)];
-    const std::int64_t level = event->level.value_or(0);
+    const std::int64_t level = events.GetInteger(row, EventColumn::kLevel).value_or(0);
     ++(level >= 2 ? day.critical : level == 1 ? day.warning : day.other);
   }
   return days;
@@ -168,13 +169,13 @@ void WriteGauge(const Gauge& gauge, HtmlWriter& html) {
   html.Add("\"/></svg>");
 }
 
-void WriteEventsByDay(const std::vector<const Event*>& events, std::string_view asOf,
-                      HtmlWriter& html) {
+void WriteEventsByDay(const Events& events, const std::vector<std::size_t>& rows,
+                      std::string_view asOf, HtmlWriter& html) {
   const auto now = ReadWallTime(asOf);
   if (!now) return;
   const std::int64_t lastDay = *now / kSecondsOfDay;
   const std::int64_t firstDay = lastDay - static_cast<std::int64_t>(kDaysShown) + 1;
-  const MonthCounts days = CountByDay(events, lastDay);
+  const MonthCounts days = CountByDay(events, rows, lastDay);
   std::size_t most = 0;
   std::string words;
   for (std::size_t i = 0; i < days.size(); ++i) {

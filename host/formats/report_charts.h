@@ -32,7 +32,7 @@ void WriteGauge(const Gauge& gauge, HtmlWriter& html);
 
 /// How many entries of logs are of each day in the month before `asOf`, by how grave they are.
 /// Nothing without any.
-void WriteEventsByDay(const std::vector<const Event*>& events, std::string_view asOf,
-                      HtmlWriter& html);
+void WriteEventsByDay(const Events& events, const std::vector<std::size_t>& rows,
+                      std::string_view asOf, HtmlWriter& html);
 
 }  // namespace host

@@ -46,10 +46,10 @@ const UnkeptOutput* FindUnkeptOutput(const Place& place) {
 }  // namespace
 
 EvidenceIndex::EvidenceIndex(const CollectionView& view, const std::vector<ShownPart>& shown,
-                             const std::vector<const Place*>& places) {
-  for (const Place* place : places) {
-    if (place->row > 0) {
-      cells[{place->className, place->row, place->key}].lines[place->line];
+                             const std::vector<Place>& places) {
+  for (const Place& place : places) {
+    if (place.row > 0) {
+      cells[{place.className, place.row, place.key}].lines[place.line];
     }
   }
   const std::vector<CollectedTable>& collected = view.GetCollection().tables;
@@ -61,9 +61,9 @@ EvidenceIndex::EvidenceIndex(const CollectionView& view, const std::vector<Shown
 }
 
 void EvidenceIndex::ReadUnkeptOutputs(const Collection& collection,
-                                      const std::vector<const Place*>& places) {
-  for (const Place* place : places) {
-    if (FindUnkeptOutput(*place) != nullptr) unkeptLines[place->tool][place->line];
+                                      const std::vector<Place>& places) {
+  for (const Place& place : places) {
+    if (FindUnkeptOutput(place) != nullptr) unkeptLines[place.tool][place.line];
   }
   const CollectedRows rows(collection);
   for (const UnkeptOutput& output : kUnkeptOutputs) {

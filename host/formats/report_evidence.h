@@ -26,7 +26,7 @@ class EvidenceIndex {
   /// Reads each text that `places` point into once. `view` and `shown`, one for each table of its
   /// collection, must outlive the index.
   EvidenceIndex(const CollectionView& view, const std::vector<ShownPart>& shown,
-                const std::vector<const Place*>& places);
+                const std::vector<Place>& places);
 
   Evidence Find(const Place& place) const;
 
@@ -40,7 +40,7 @@ class EvidenceIndex {
   };
 
   void ReadTable(const TableView& table, const ShownPart& part);
-  void ReadUnkeptOutputs(const Collection& collection, const std::vector<const Place*>& places);
+  void ReadUnkeptOutputs(const Collection& collection, const std::vector<Place>& places);
 
   std::map<CellKey, Cell> cells;
   std::map<std::string, std::string, std::less<>> tables;  ///< title by class

@@ -94,8 +94,9 @@ std::vector<const PartColumn*> ChooseColumns(const PartTable& table, const Parts
   const TableShape& shape = FindShape(table);
   std::vector<const PartColumn*> columns;
   const auto add = [&](const PartColumn& column) {
+    const auto number = static_cast<std::size_t>(&column - table.columns.data());
     const bool hasValue = std::ranges::any_of(
-        rows, [&](std::size_t row) { return column.get(table.at(parts, row)).index() != 0; });
+        rows, [&](std::size_t row) { return table.Get(parts, row, number).index() != 0; });
     if (hasValue) columns.push_back(&column);
   };
   std::string_view first = shape.columns;
@@ -144,8 +145,8 @@ ReportParts::ReportParts(const Assessment& assessment, const std::vector<ReportA
     for (const AreaParts& list : area.parts) {
       for (const std::size_t row : ChooseRows(list)) {
         shownRows[list.table].insert(row);
-        const Part& part = list.table->at(assessment.parts, row);
-        rowIds[{std::string(list.table->name), part.id}] =
+        const std::shared_ptr<const Part> part = list.table->at(assessment.parts, row);
+        rowIds[{std::string(list.table->name), part->id}] =
             fmt::format("part-{}-{}", list.table->name, row + 1);
       }
     }
@@ -156,18 +157,18 @@ ReportParts::ReportParts(const Assessment& assessment, const std::vector<ReportA
 std::vector<std::size_t> ReportParts::ChooseRows(const AreaParts& list) const {
   if (list.table->name == "events") {
     std::vector<std::size_t> rows = list.rows;
-    const std::vector<Event>& events = assessment.parts.events;
-    std::ranges::stable_sort(
-        rows, std::ranges::greater(),
-        [&](std::size_t row) -> const std::string& { return events[row].time; });
+    const Events& events = assessment.parts.events;
+    std::ranges::stable_sort(rows, std::ranges::greater(), [&](std::size_t row) {
+      return events.GetText(row, EventColumn::kTime);
+    });
     rows.resize(std::min(rows.size(), kMostEvents));
     return rows;
   }
   if (list.rows.size() <= kMostRows) return list.rows;
   std::vector<std::size_t> rows;
   const auto isJudged = [&](std::size_t row) {
-    const Part& part = list.table->at(assessment.parts, row);
-    return hits.contains({std::string(list.table->name), part.id});
+    const std::shared_ptr<const Part> part = list.table->at(assessment.parts, row);
+    return hits.contains({std::string(list.table->name), part->id});
   };
   for (const bool judged : {true, false}) {
     for (const std::size_t row : list.rows) {
@@ -183,11 +184,11 @@ std::string ReportParts::FindRowId(std::string_view table, const std::string& id
   return found == rowIds.end() ? std::string() : found->second;
 }
 
-std::vector<const Place*> ReportParts::ListPlaces() const {
-  std::vector<const Place*> places;
+std::vector<Place> ReportParts::ListPlaces() const {
+  std::vector<Place> places;
   for (const auto& [table, rows] : shownRows) {
     for (const std::size_t row : rows) {
-      places.push_back(&table->at(assessment.parts, row).readAt);
+      places.push_back(table->at(assessment.parts, row)->readAt);
     }
   }
   return places;
@@ -197,9 +198,7 @@ void ReportParts::WriteArea(const ReportArea& area, const EvidenceIndex& evidenc
                             HtmlWriter& html) const {
   for (const AreaParts& list : area.parts) {
     if (list.table->name == "events") {
-      std::vector<const Event*> events;
-      for (const std::size_t row : list.rows) events.push_back(&assessment.parts.events[row]);
-      WriteEventsByDay(events, assessment.health.asOf, html);
+      WriteEventsByDay(assessment.parts.events, list.rows, assessment.health.asOf, html);
     }
     WriteTable(area, list, evidence, html);
   }
@@ -242,7 +241,8 @@ void ReportParts::WriteTable(const ReportArea& area, const AreaParts& list,
 void ReportParts::WriteRow(const PartTable& table, std::size_t row,
                            const std::vector<const PartColumn*>& columns,
                            const EvidenceIndex& evidence, HtmlWriter& html) const {
-  const Part& part = table.at(assessment.parts, row);
+  const std::shared_ptr<const Part> shown = table.at(assessment.parts, row);
+  const Part& part = *shown;
   html.Add("<tr id=\"").Text(FindRowId(table.name, part.id)).Add("\"><th scope=\"row\">");
   const std::string address = evidence.Find(part.readAt).address;
   if (!address.empty()) html.Add("<a href=\"").Text(address).Add("\">");

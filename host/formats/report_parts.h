@@ -28,7 +28,7 @@ class ReportParts {
   std::string FindRowId(std::string_view table, const std::string& id) const;
 
   /// The places that the tables link to.
-  std::vector<const Place*> ListPlaces() const;
+  std::vector<Place> ListPlaces() const;
 
   void WriteArea(const ReportArea& area, const EvidenceIndex& evidence, HtmlWriter& html) const;
 

@@ -72,21 +72,24 @@ std::vector<const HealthFinding*> SortFindings(const Health& health) {
 /// What logs tell of a part.
 struct PartLog {
   std::size_t count = 0;
-  std::string first;
-  std::string last;
+  std::string_view first;
+  std::string_view last;
 };
 using PartLogs = std::map<std::pair<std::string_view, std::string_view>, PartLog>;
 
 /// Warnings and worse, by table and id of the part.
 PartLogs ReadPartLogs(const Parts& parts) {
   PartLogs logs;
-  for (const Event& event : parts.events) {
-    if (event.partId.empty() || event.level.value_or(0) < 1) continue;
-    PartLog& log = logs[{event.part, event.partId}];
+  const Events& events = parts.events;
+  for (std::size_t row = 0; row < events.size(); ++row) {
+    const std::string_view id = events.GetText(row, EventColumn::kPartId);
+    if (id.empty() || events.GetInteger(row, EventColumn::kLevel).value_or(0) < 1) continue;
+    PartLog& log = logs[{events.GetText(row, EventColumn::kPart), id}];
     ++log.count;
-    if (event.time.empty()) continue;
-    if (log.first.empty() || event.time < log.first) log.first = event.time;
-    log.last = std::max(log.last, event.time);
+    const std::string_view time = events.GetText(row, EventColumn::kTime);
+    if (time.empty()) continue;
+    if (log.first.empty() || time < log.first) log.first = time;
+    log.last = std::max(log.last, time);
   }
   return logs;
 }
@@ -122,10 +125,10 @@ class SummaryWriter {
   }
 
  private:
-  std::vector<const Place*> ListPlaces() const {
-    std::vector<const Place*> places = parts.ListPlaces();
+  std::vector<Place> ListPlaces() const {
+    std::vector<Place> places = parts.ListPlaces();
     for (const HealthFinding* finding : findings) {
-      for (const HealthHit& hit : finding->hits) places.push_back(&hit.place);
+      for (const HealthHit& hit : finding->hits) places.push_back(hit.place);
     }
     return places;
   }

@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <new>
+#include <streambuf>
 #include <utility>
 
 #include "frame/logkit/log.h"
@@ -14,17 +15,46 @@ thread_local const LogFolderInUse* folderInUse = nullptr;
 
 }  // namespace
 
+/// A string stream doubles its room, old and new at once; a tool's whole output can be one line.
+class LogSinkInUse::Text final : public std::streambuf {
+ public:
+  std::string text;
+
+ protected:
+  int_type overflow(int_type c) override {
+    if (!traits_type::eq_int_type(c, traits_type::eof())) text += traits_type::to_char_type(c);
+    return traits_type::not_eof(c);
+  }
+  std::streamsize xsputn(const char* more, std::streamsize count) override {
+    constexpr std::streamsize kLong = 1 << 16;
+    if (count >= kLong) text.reserve(text.size() + static_cast<std::size_t>(count));
+    text.append(more, static_cast<std::size_t>(count));
+    return count;
+  }
+};
+
 LogSinkInUse::LogSinkInUse(std::function<void(const LogLine&)> given)
     : sink(std::move(given)), before(std::exchange(sinkInUse, this)) {}
 
 LogSinkInUse::~LogSinkInUse() { sinkInUse = before; }
 
-void LogSinkInUse::Take(unsigned level, const char* file, int line,
-                        std::ostringstream&& text) noexcept {
+void LogSinkInUse::Begin(std::ostream& stream) noexcept {
   try {
+    if (openLines == texts.size()) texts.push_back(std::make_unique<Text>());
+    stream.rdbuf(texts[openLines++].get());
+  } catch (const std::bad_alloc&) {
+    stream.setstate(std::ios::badbit);
+  }
+}
+
+void LogSinkInUse::Take(unsigned level, const char* file, int line, std::ostream& stream) noexcept {
+  try {
+    const bool isOpen = openLines > 0 && stream.rdbuf() == texts[openLines - 1].get();
+    std::string text;
+    if (isOpen) text = std::exchange(texts[--openLines]->text, {});
     // A stream for which there was no memory has cut the line, and only says so.
-    if (!text) throw std::bad_alloc();
-    sink({level, file, line, std::move(text).str()});
+    if (!stream || !isOpen) throw std::bad_alloc();
+    sink({level, file, line, std::move(text)});
   } catch (...) {
     if (!failure) failure = std::current_exception();
   }
@@ -49,11 +79,15 @@ namespace LogKit {
 
 Log::Log(unsigned level, const char* file, int line) : level(level), file(file), line(line) {
   // A text that nobody takes is not put together: a tool's whole output can be one.
-  if (host::sinkInUse == nullptr) stream.setstate(std::ios::badbit);
+  if (host::sinkInUse == nullptr) {
+    stream.setstate(std::ios::badbit);
+  } else {
+    host::sinkInUse->Begin(stream);
+  }
 }
 
 Log::~Log() {
-  if (host::sinkInUse != nullptr) host::sinkInUse->Take(level, file, line, std::move(stream));
+  if (host::sinkInUse != nullptr) host::sinkInUse->Take(level, file, line, stream);
 }
 
 std::ostringstream& Log::Stream() { return stream; }

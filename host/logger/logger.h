@@ -1,10 +1,13 @@
 // The host's side of the logger: where a thread's log lines go, and where its log folder is.
 #pragma once
 
+#include <cstddef>
 #include <exception>
 #include <functional>
-#include <sstream>
+#include <memory>
+#include <ostream>
 #include <string>
+#include <vector>
 
 namespace host {
 
@@ -26,14 +29,20 @@ class LOGGER_API LogSinkInUse {
   LogSinkInUse& operator=(const LogSinkInUse&) = delete;
   ~LogSinkInUse();
 
-  /// Hands a line on. What `sink` throws is kept: a line is written by a destructor, out of which
-  /// nothing can be thrown.
-  void Take(unsigned level, const char* file, int line, std::ostringstream&& text) noexcept;
+  /// Has `stream`, which lives until the line is handed on, keep what is written to it.
+  void Begin(std::ostream& stream) noexcept;
+  /// Hands on the line that was begun last. What `sink` throws is kept: a line is written by a
+  /// destructor, out of which nothing can be thrown.
+  void Take(unsigned level, const char* file, int line, std::ostream& stream) noexcept;
   /// Throws what the sink threw first, and forgets it. To be called after each step that logs.
   void RethrowFailure();
 
  private:
+  class Text;
+
   std::function<void(const LogLine&)> sink;
+  std::vector<std::unique_ptr<Text>> texts;  ///< of lines, one within the other, to be used again
+  std::size_t openLines = 0;
   mutable std::exception_ptr failure;  ///< kept through sinkInUse, also of a const object
   LogSinkInUse* before;
 };

@@ -3,6 +3,9 @@
 #include <fmt/format.h>
 
 #include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "host/answers/collection_database.h"
 #include "host/database/database_writer.h"
@@ -67,11 +70,12 @@ class SourceAdder {
 int FillFromOne(Database& database, const SourceOptions& options, const Console& console,
                 const std::function<void()>& beforeRun) {
   // The recording is let go of at once: the database holds all of it again.
-  const Collection collection =
+  Collection collection =
       Gather(options, {}, console, KeepLog::kYes, [&](auto&) { beforeRun(); }).collection;
-  FillDatabase(database, CollectionView(collection));
-  for (const std::string& problem : collection.problems) Complain(console, problem);
-  return collection.problems.empty() ? kExitDone : kExitIncomplete;
+  const std::vector<std::string> problems = collection.problems;
+  FillDatabase(database, std::move(collection));
+  for (const std::string& problem : problems) Complain(console, problem);
+  return problems.empty() ? kExitDone : kExitIncomplete;
 }
 
 int FillFromResult(Database& database, const std::filesystem::path& result) {

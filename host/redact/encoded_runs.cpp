@@ -5,8 +5,6 @@
 #include <string_view>
 #include <vector>
 
-#include "host/text/ascii.h"
-
 namespace host {
 namespace {
 
@@ -33,11 +31,17 @@ constexpr std::array<std::int8_t, 256> kBase64Values = [] {
 
 int Base64Value(char c) { return kBase64Values[static_cast<unsigned char>(c)]; }
 
-int HexValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  const char lower = LowerCase(c);
-  return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
-}
+constexpr std::array<std::int8_t, 256> kHexValues = [] {
+  std::array<std::int8_t, 256> values{};
+  values.fill(-1);
+  for (int i = 0; i < 16; ++i) {
+    values[static_cast<unsigned char>("0123456789abcdef"[i])] = static_cast<std::int8_t>(i);
+    values[static_cast<unsigned char>("0123456789ABCDEF"[i])] = static_cast<std::int8_t>(i);
+  }
+  return values;
+}();
+
+int HexValue(char c) { return kHexValues[static_cast<unsigned char>(c)]; }
 
 /// The places of the Base64 characters from `at` on; `at` becomes the end of them.
 void CollectBase64(std::string_view text, std::size_t& at, std::vector<std::size_t>& places) {
@@ -59,10 +63,10 @@ void CollectBase64(std::string_view text, std::size_t& at, std::vector<std::size
 }
 
 /// The bytes that begin with the character number `phase`.
-std::string DecodeBase64(std::string_view text, const std::vector<std::size_t>& places,
-                         std::size_t phase) {
-  std::string bytes;
-  bytes.reserve(places.size());
+void DecodeBase64(std::string_view text, const std::vector<std::size_t>& places, std::size_t phase,
+                  std::string& bytes) {
+  bytes.resize((places.size() - phase) * kSextet / kByte);
+  char* next = bytes.data();
   std::uint32_t bits = 0;
   std::size_t count = 0;
   for (std::size_t i = phase; i < places.size(); ++i) {
@@ -70,9 +74,8 @@ std::string DecodeBase64(std::string_view text, const std::vector<std::size_t>& 
     count += kSextet;
     if (count < kByte) continue;
     count -= kByte;
-    bytes += static_cast<char>(bits >> count & 0xff);
+    *next++ = static_cast<char>(bits >> count & 0xff);
   }
-  return bytes;
 }
 
 /// Bits beyond the last whole byte stay.
@@ -98,12 +101,20 @@ void EncodeBase64(std::string& text, const std::vector<std::size_t>& places, std
 void ChangeBase64(std::string& text, const ChangeBytes& change,
                   const std::function<void(const Stretch&)>& noteChange) {
   std::vector<std::size_t> places;
+  std::string bytes;
   for (std::size_t at = 0; at < text.size(); ++at) {
     if (Base64Value(text[at]) < 0) continue;
+    // Most are words, too short for any value.
+    std::size_t end = at + 1;
+    while (end < text.size() && end - at < kShortestBase64 && Base64Value(text[end]) >= 0) ++end;
+    if (end - at < kShortestBase64) {
+      at = end;
+      continue;
+    }
     CollectBase64(text, at, places);
-    if (places.size() < kShortestBase64) continue;
     for (std::size_t phase = 0; phase < 4; ++phase) {
-      std::string bytes = DecodeBase64(text, places, phase);
+      if (places.size() - phase < kShortestBase64) break;
+      DecodeBase64(text, places, phase, bytes);
       if (!change(bytes)) continue;
       EncodeBase64(text, places, phase, bytes);
       noteChange({places.front(), places.back() + 1});

@@ -226,10 +226,10 @@ class RecordingRedactor {
     const Collection collection = Collect(result.recording);
     const Parts parts = ReadParts(collection);
     for (const PartTable& table : GetPartTables()) {
-      for (const PartColumn& column : table.columns) {
-        if (column.name != "serial") continue;
+      for (std::size_t column = 0; column < table.columns.size(); ++column) {
+        if (table.columns[column].name != "serial") continue;
         for (std::size_t row = 0; row < table.count(parts); ++row) {
-          const PartValue value = column.get(table.at(parts, row));
+          const PartValue value = table.Get(parts, row, column);
           if (const auto* text = std::get_if<std::string_view>(&value)) {
             values.Add(ValueKind::kSerial, *text);
           }

@@ -49,15 +49,20 @@ struct RowShape {
 struct Row {
   /// `values` has one text per column of `shape`, which has to outlive the row.
   Row(const RowShape& shape, const std::vector<std::string>& values) : shape(&shape) {
-    const std::size_t beforeTexts = values.size() * sizeof(std::size_t);
-    std::size_t size = beforeTexts;
-    for (const std::string& value : values) size += value.size();
-    memory = std::make_unique_for_overwrite<std::byte[]>(size);
+    std::size_t textSize = 0;
+    for (const std::string& value : values) textSize += value.size();
+    std::size_t width = 1;
+    while (width < sizeof(textSize) && textSize >> (8 * width) != 0) width *= 2;
+    const std::size_t beforeTexts = 1 + values.size() * width;
+    memory = std::make_unique_for_overwrite<unsigned char[]>(beforeTexts + textSize);
+    memory[0] = static_cast<unsigned char>(width);
     std::size_t end = 0;
     for (std::size_t i = 0; i < values.size(); ++i) {
       std::memcpy(memory.get() + beforeTexts + end, values[i].data(), values[i].size());
       end += values[i].size();
-      std::memcpy(memory.get() + i * sizeof(end), &end, sizeof(end));
+      for (std::size_t byte = 0; byte < width; ++byte) {
+        memory[1 + i * width + byte] = static_cast<unsigned char>(end >> (8 * byte));
+      }
     }
   }
 
@@ -65,7 +70,7 @@ struct Row {
   /// Of a column of the shape; numbers as decimal ones, nothing as an empty text.
   std::string_view Value(std::size_t place) const {
     const std::size_t begin = place == 0 ? 0 : EndOf(place - 1);
-    const auto* texts = reinterpret_cast<const char*>(memory.get()) + ValueCount() * sizeof(begin);
+    const auto* texts = reinterpret_cast<const char*>(memory.get()) + 1 + ValueCount() * memory[0];
     return {texts + begin, EndOf(place) - begin};
   }
   std::vector<std::string_view> Values() const {
@@ -78,14 +83,17 @@ struct Row {
 
  private:
   std::size_t EndOf(std::size_t place) const {
+    const std::size_t width = memory[0];
     std::size_t end = 0;
-    std::memcpy(&end, memory.get() + place * sizeof(end), sizeof(end));
+    for (std::size_t byte = 0; byte < width; ++byte) {
+      end |= std::size_t{memory[1 + place * width + byte]} << (8 * byte);
+    }
     return end;
   }
 
-  /// Of each value where it ends, counted from the first, then all of them: a string for each would
-  /// take more memory than most values.
-  std::unique_ptr<std::byte[]> memory;
+  /// How many bytes a place takes; of each value where it ends, counted from the first; then all of
+  /// them: a string for each would take more memory than most values.
+  std::unique_ptr<unsigned char[]> memory;
 };
 
 struct Table {

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstdint>
 
 #include "host/text/decoder.h"
@@ -35,6 +36,16 @@ void AppendByte(std::string& text, char c) {
   }
 }
 
+void AppendByteCharacters(std::string& json, std::string_view bytes) {
+  for (const char c : bytes) {
+    if (IsEscaped(c)) {
+      AppendEscaped(json, c);
+    } else {
+      AppendByte(json, c);
+    }
+  }
+}
+
 }  // namespace
 
 std::string ByteText(std::string_view bytes) {
@@ -63,14 +74,20 @@ void AppendJsonText(std::string& json, std::string_view text) {
 
 void AppendJsonBytes(std::string& json, std::string_view bytes) {
   json += '"';
-  for (const char c : bytes) {
-    if (IsEscaped(c)) {
-      AppendEscaped(json, c);
-    } else {
-      AppendByte(json, c);
-    }
-  }
+  AppendByteCharacters(json, bytes);
   json += '"';
+}
+
+void WriteJsonBytes(std::ostream& out, std::string_view bytes) {
+  constexpr std::size_t kPiece = std::size_t{1} << 16;
+  std::string json;
+  out << '"';
+  for (; !bytes.empty(); bytes.remove_prefix(std::min(kPiece, bytes.size()))) {
+    json.clear();
+    AppendByteCharacters(json, bytes.substr(0, kPiece));
+    out << json;
+  }
+  out << '"';
 }
 
 std::string& JsonObject::Begin(std::string_view name) {

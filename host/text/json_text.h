@@ -20,6 +20,8 @@ void AppendJsonCharacters(std::string& json, std::string_view text);
 
 /// Appends a text of the machine, each byte as in ByteText, as a JSON text, quotes included.
 void AppendJsonBytes(std::string& json, std::string_view bytes);
+/// Writes the same, however long, without a copy of it in memory.
+void WriteJsonBytes(std::ostream& out, std::string_view bytes);
 
 /// Appends a JSON array of the elements of `list`; `appendOne(json, element)` appends one of them.
 template <typename List, typename AppendOne>
@@ -68,6 +70,11 @@ class JsonObject {
     return *this;
   }
 
+  /// Begins a member whose value is written after what Take() gives, and then the closing brace.
+  std::string TakeBefore(std::string_view name) {
+    Begin(name);
+    return std::move(json);
+  }
   /// The object; nothing can be added afterwards.
   std::string Take() { return std::move(json += '}'); }
 

@@ -265,7 +265,7 @@ TEST(PrometheusFormat, HasASampleForWhatIsToldAlone) {
       const auto values = std::ranges::find(parts->columns, column, &PartColumn::name);
       std::size_t told = 0;
       for (std::size_t row = 0; row < parts->count(assessment.parts); ++row) {
-        const PartValue value = values->get(parts->at(assessment.parts, row));
+        const PartValue value = values->get(*parts->at(assessment.parts, row));
         if (!std::holds_alternative<std::monostate>(value)) ++told;
       }
       EXPECT_EQ(ListSamples(out.str(), family).size(), told) << name << " " << family;

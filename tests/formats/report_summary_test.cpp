@@ -275,7 +275,7 @@ TEST(ReportSummary, CountsOneAsOne) {
   AddDrive(parts, "lsi0 69:1", "Onln").otherErrors = 1;
   test::AddLsiEvent(parts, 0x60, "drives", "lsi0 69:1").level = 1;
   EXPECT_THAT(WriteSummary(parts), HasSubstr("1 warning or worse, on 2026-11-18T06:00:00</dd>"));
-  parts.events.clear();
+  parts.events = {};
   EXPECT_THAT(WriteSummary(parts),
               HasSubstr("1 notice <span class=\"faint\">that raises no alarm</span>"));
   AddDrive(parts, "lsi0 69:2", "Onln").otherErrors = 1;
@@ -315,11 +315,12 @@ TEST(ReportSummary, DrawsAReadingBetweenItsLimits) {
 TEST(ReportSummary, DrawsTheEntriesOfEachDayByHowGraveTheyAre) {
   Parts parts = MakeWell();
   const auto add = [&](const std::string& time, std::int64_t level) {
-    Event& event = parts.events.emplace_back();
-    event.id = "sel " + std::to_string(parts.events.size());
+    Event event;
+    event.id = "sel " + std::to_string(parts.events.size() + 1);
     event.source = "SEL";
     event.time = time;
     event.level = level;
+    parts.events.push_back(event);
   };
   add("2026-11-18T10:00:00", 2);
   add("2026-11-18T11:00:00", 1);
@@ -334,12 +335,13 @@ TEST(ReportSummary, DrawsTheEntriesOfEachDayByHowGraveTheyAre) {
 // A dead clock: not every system's own function knows days before 1970.
 TEST(ReportSummary, DrawsTheMonthBeforeTheFirstDayOfClocks) {
   Parts parts = MakeWell();
-  Event& event = parts.events.emplace_back();
+  Event event;
   event.id = "sel 1";
   event.time = "1970-01-05T00:00:10";
+  parts.events.push_back(event);
   std::ostringstream out;
   HtmlWriter html(out);
-  WriteEventsByDay({&event}, "1970-01-05T01:00:00", html);
+  WriteEventsByDay(parts.events, {0}, "1970-01-05T01:00:00", html);
   EXPECT_THAT(out.str(), AllOf(HasSubstr("1969-12-07"), HasSubstr("1970-01-05: 0 critical, 0")));
 }
 
@@ -347,11 +349,12 @@ TEST(ReportSummary, TakesAnyNumberForALevel) {
   for (const std::int64_t level :
        {std::numeric_limits<std::int64_t>::max(), std::numeric_limits<std::int64_t>::min()}) {
     Parts parts = MakeWell();
-    Event& event = parts.events.emplace_back();
+    Event event;
     event.id = "lsi0 1";
     event.source = "LSI";
     event.time = "2026-11-18T10:00:00";
     event.level = level;
+    parts.events.push_back(event);
     EXPECT_THAT(WriteSummary(parts), HasSubstr(std::to_string(level)));
   }
 }

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <memory>
 #include <set>
 #include <string>
 #include <string_view>
@@ -141,9 +142,10 @@ inline std::string FindUnsoundPart(const host::Recording& machine) {
   std::size_t count = 0;
   for (const host::PartTable& table : host::GetPartTables()) {
     if (table.name != "sources") count += table.count(parts);
-    std::set<std::string_view> ids;
+    std::set<std::string> ids;
     for (std::size_t i = 0; i < table.count(parts); ++i) {
-      const host::Part& part = table.at(parts, i);
+      const std::shared_ptr<const host::Part> shared = table.at(parts, i);
+      const host::Part& part = *shared;
       const std::string name = std::string(table.name) + " " + part.id;
       if (!ids.insert(part.id).second) return name + " is there twice";
       for (const host::PartColumn& column : table.columns) {

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <set>
 #include <string>
 #include <string_view>
@@ -130,7 +131,8 @@ inline std::string FindUnsoundPart(const Reports& reports, const host::Parts& pa
   for (const host::PartTable& table : host::GetPartTables()) {
     count += table.count(parts);
     for (std::size_t i = 0; i < table.count(parts); ++i) {
-      const host::Part& part = table.at(parts, i);
+      const std::shared_ptr<const host::Part> shared = table.at(parts, i);
+      const host::Part& part = *shared;
       for (const host::PartColumn& column : table.columns) {
         const std::string line = places.FindText(host::FindPlace(part, column.name));
         if (!ShowsCell(line, column.name, column.get(part))) {

@@ -30,16 +30,25 @@ SensorNames FindSensorNames(const Sides& sides) {
   if (names.empty()) return names;
   using Entry = std::tuple<Integer, std::string_view, std::string_view>;
   std::map<Entry, std::string*> entries;
-  for (const Event& event : sides.before.GetParts().events) {
-    if (event.source != "SEL") continue;
-    const auto name = names.find(event.partId);
-    if (name == names.end()) continue;
-    entries.try_emplace({event.number, event.time, event.text}, &name->second);
+  const auto identify = [](const Events& events, std::size_t row) {
+    return Entry{events.GetInteger(row, EventColumn::kNumber),
+                 events.GetText(row, EventColumn::kTime), events.GetText(row, EventColumn::kText)};
+  };
+  const auto isOfSel = [](const Events& events, std::size_t row) {
+    return events.GetText(row, EventColumn::kSource) == "SEL";
+  };
+  const Events& before = sides.before.GetParts().events;
+  for (std::size_t row = 0; row < before.size(); ++row) {
+    if (!isOfSel(before, row)) continue;
+    const auto name = names.find(before.GetText(row, EventColumn::kPartId));
+    if (name != names.end()) entries.try_emplace(identify(before, row), &name->second);
   }
-  for (const Event& event : sides.after.GetParts().events) {
-    if (event.source != "SEL" || event.partId.empty()) continue;
-    const auto entry = entries.find({event.number, event.time, event.text});
-    if (entry != entries.end()) *entry->second = event.partId;
+  const Events& after = sides.after.GetParts().events;
+  for (std::size_t row = 0; row < after.size(); ++row) {
+    const std::string_view part = after.GetText(row, EventColumn::kPartId);
+    if (part.empty() || !isOfSel(after, row)) continue;
+    const auto entry = entries.find(identify(after, row));
+    if (entry != entries.end()) *entry->second = part;
   }
   return names;
 }

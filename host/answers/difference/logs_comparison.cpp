@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -13,53 +14,63 @@ namespace host {
 namespace {
 
 /// Numbers begin anew when some logs are cleared, so time and text are part of the identity.
-struct IsSameEntry {
-  bool operator()(const Event* one, const Event* other) const {
-    return one->number == other->number && one->time == other->time && one->text == other->text;
+struct Entry {
+  const Events* events;
+  std::size_t row;
+
+  Integer Number() const { return events->GetInteger(row, EventColumn::kNumber); }
+  std::string_view Time() const { return events->GetText(row, EventColumn::kTime); }
+  std::string_view Text() const { return events->GetText(row, EventColumn::kText); }
+  bool operator==(const Entry& other) const {
+    return Number() == other.Number() && Time() == other.Time() && Text() == other.Text();
   }
 };
 struct HashEntry {
-  std::size_t operator()(const Event* event) const {
+  std::size_t operator()(const Entry& entry) const {
     const std::hash<std::string_view> hash;
     constexpr std::size_t kSpread = 0x9E3779B9;
-    return (static_cast<std::size_t>(event->number.value_or(-1)) * kSpread + hash(event->time)) *
+    return (static_cast<std::size_t>(entry.Number().value_or(-1)) * kSpread + hash(entry.Time())) *
                kSpread +
-           hash(event->text);
+           hash(entry.Text());
   }
 };
-using Entries = std::unordered_set<const Event*, HashEntry, IsSameEntry>;
+using Entries = std::unordered_set<Entry, HashEntry>;
 
 /// The entries of a log on both sides, in their order.
 struct Log {
-  std::vector<const Event*> before;
-  std::vector<const Event*> after;
+  std::vector<Entry> before;
+  std::vector<Entry> after;
 };
 
 std::map<std::string, Log> ListLogs(const Sides& sides) {
   std::map<std::string, Log> logs;
-  const auto find = [&](const Event& event, const std::string& controller) -> Log& {
-    return logs[NameLog(event.source, controller)];
+  const auto add = [&](const Events& events, auto rename, std::vector<Entry> Log::*side) {
+    for (std::size_t row = 0; row < events.size(); ++row) {
+      const std::string source(events.GetText(row, EventColumn::kSource));
+      const std::string controller = rename(events.GetText(row, EventColumn::kController));
+      (logs[NameLog(source, controller)].*side).push_back({&events, row});
+    }
   };
-  for (const Event& event : sides.before.GetParts().events) {
-    find(event, sides.renaming.Rename(event.controller)).before.push_back(&event);
-  }
-  for (const Event& event : sides.after.GetParts().events) {
-    find(event, event.controller).after.push_back(&event);
-  }
+  add(
+      sides.before.GetParts().events,
+      [&](std::string_view controller) { return sides.renaming.Rename(controller); }, &Log::before);
+  add(
+      sides.after.GetParts().events,
+      [](std::string_view controller) { return std::string(controller); }, &Log::after);
   return logs;
 }
 
 /// Takes the entries of `teller` away whose report `other` could not read; returns why not, if
 /// there are any.
-std::string DropUntold(const Side& teller, const Side& other, std::vector<const Event*>& entries) {
+std::string DropUntold(const Side& teller, const Side& other, std::vector<Entry>& entries) {
   std::string firstWhy;
   std::string why;  // of the entry before, which mostly is of the same report
-  const Place* place = nullptr;
-  std::erase_if(entries, [&](const Event* event) {
-    const Place& at = event->readAt;
-    if (place == nullptr || place->className != at.className || place->key != at.key) {
+  std::optional<Place> place;
+  std::erase_if(entries, [&](const Entry& entry) {
+    Place at = (*entry.events)[entry.row].readAt;
+    if (!place || place->className != at.className || place->key != at.key) {
       why = other.FindWhyNoEntries(teller, at);
-      place = &at;
+      place = std::move(at);
     }
     if (firstWhy.empty()) firstWhy = why;
     return !why.empty();
@@ -81,11 +92,12 @@ class LogsComparison {
     }
     const Entries known(log.before.begin(), log.before.end());
     LogDifference found{name, /*wasCleared=*/true, {}};
-    for (const Event* event : log.after) {
-      if (known.contains(event)) {
+    for (const Entry& entry : log.after) {
+      if (known.contains(entry)) {
         found.wasCleared = false;
       } else {
-        found.entries.push_back({event->number, event->time, event->level, event->text});
+        const Event event = (*entry.events)[entry.row];
+        found.entries.push_back({event.number, event.time, event.level, event.text});
       }
     }
     if (!found.entries.empty()) difference.logs.push_back(std::move(found));
@@ -103,7 +115,8 @@ class LogsComparison {
     if (!whyNotBefore.empty() || !whyNotAfter.empty()) return;
     if (log.before.empty() && log.after.empty()) return;
     const Side& silent = log.before.empty() ? sides.before : sides.after;
-    Event entry = log.before.empty() ? *log.after.front() : *log.before.front();
+    const Entry& first = log.before.empty() ? log.after.front() : log.before.front();
+    Event entry = (*first.events)[first.row];
     entry.controller = sides.Translate(sides.Other(silent), entry.controller);
     tell(silent.Which(), silent.FindWhyLogEmpty(entry));
   }

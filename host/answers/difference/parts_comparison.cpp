@@ -131,7 +131,7 @@ class PartTableComparison {
     return found == table.columns.end() ? nullptr : &*found;
   }
 
-  const Part& GetPart(const Side& side, std::size_t row) const {
+  std::shared_ptr<const Part> GetPart(const Side& side, std::size_t row) const {
     return table.at(side.GetParts(), row);
   }
 
@@ -146,7 +146,8 @@ class PartTableComparison {
     Candidates candidates;
     const std::size_t count = table.count(side.GetParts());
     for (std::size_t row = 0; row < count; ++row) {
-      const Part& part = GetPart(side, row);
+      const std::shared_ptr<const Part> shared = GetPart(side, row);
+      const Part& part = *shared;
       candidates.Add(&side == &sides.before ? sides.renaming.Rename(part.id) : part.id,
                      compared.hasSerials ? GetText(serial, part) : std::string_view());
     }
@@ -185,8 +186,10 @@ class PartTableComparison {
   }
 
   void ComparePair(const Pair& pair, const std::string& id) {
-    const Part& before = GetPart(sides.before, pair.before);
-    const Part& after = GetPart(sides.after, pair.after);
+    const std::shared_ptr<const Part> partBefore = GetPart(sides.before, pair.before);
+    const std::shared_ptr<const Part> partAfter = GetPart(sides.after, pair.after);
+    const Part& before = *partBefore;
+    const Part& after = *partAfter;
     PartDifference found{std::string(table.name), id, std::string(GetText(serial, after)),
                          PartChange::kChanged,    {}, {}};
     if (found.serial.empty()) found.serial = GetText(serial, before);
@@ -217,7 +220,8 @@ class PartTableComparison {
   /// A part of `side` that the other one does not tell of.
   void TakeLone(const Side& side, std::size_t row, const std::string& id, PartChange change) {
     const Side& other = sides.Other(side);
-    const Part& part = GetPart(side, row);
+    const std::shared_ptr<const Part> shared = GetPart(side, row);
+    const Part& part = *shared;
     std::string why = other.FindWhyUntold(table.name, sides.Translate(side, part.id), part.readAt);
     if (why.empty()) {
       difference.parts.push_back({std::string(table.name),

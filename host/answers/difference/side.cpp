@@ -125,7 +125,7 @@ Side::Side(const AssessedCollection& assessed, DifferenceSide side)
   for (const PartTable& table : GetPartTables()) {
     if (FindComparedPart(table.name) == nullptr) continue;
     const std::size_t count = table.count(GetParts());
-    for (std::size_t i = 0; i < count; ++i) add(table.at(GetParts(), i));
+    for (std::size_t i = 0; i < count; ++i) add(*table.at(GetParts(), i));
   }
   for (const Event& event : GetParts().events) add(event);
 }

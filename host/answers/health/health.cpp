@@ -37,6 +37,15 @@ std::string FindLatest(const Table& table, std::string Table::value_type::*membe
   return latest;
 }
 
+std::string FindLatestTime(const Events& events) {
+  std::string_view latest;
+  for (std::size_t row = 0; row < events.size(); ++row) {
+    const std::string_view time = events.GetText(row, EventColumn::kTime);
+    if (time > latest && ReadWallTime(time)) latest = time;
+  }
+  return std::string(latest);
+}
+
 /// When a recording was made need not be known; the machine tells its time in other ways.
 AsOf FindAsOf(const Parts& parts, const HealthOptions& options, const std::string& recordedAt,
               const std::string& collected) {
@@ -48,7 +57,7 @@ AsOf FindAsOf(const Parts& parts, const HealthOptions& options, const std::strin
   if (auto time = FindLatest(parts.sources, &PartSource::time); !time.empty()) {
     return {std::move(time), "the machine's clock, as the list of its sensors tells"};
   }
-  if (auto time = FindLatest(parts.events, &Event::time); !time.empty()) {
+  if (auto time = FindLatestTime(parts.events); !time.empty()) {
     return {std::move(time), "the newest entry of the logs"};
   }
   return {collected, "now, since nothing tells when it was", /*isDated=*/false};

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <map>
+#include <memory>
 #include <stdexcept>
 #include <string_view>
 #include <unordered_map>
@@ -76,17 +78,20 @@ class PartSearch {
   void Run(const PartTable& table, const Parts& parts) {
     const std::size_t count = table.count(parts);
     for (std::size_t row = 0; row < count; ++row) {
-      const Part& part = table.at(parts, row);
-      const auto wanted = found.find(part.id);
-      if (wanted != found.end() && wanted->second == nullptr) wanted->second = &part;
+      const PartValue id = table.Get(parts, row, kIdColumn);
+      const auto* text = std::get_if<std::string_view>(&id);
+      const auto wanted = found.find(text == nullptr ? std::string_view() : *text);
+      if (wanted != found.end() && !wanted->second) wanted->second = table.at(parts, row);
     }
   }
 
   /// Null when there is none.
-  const Part* Get(const std::string& id) const { return found.at(id); }
+  const Part* Get(const std::string& id) const { return found.at(id).get(); }
 
  private:
-  std::unordered_map<std::string, const Part*> found;
+  static constexpr std::size_t kIdColumn = 0;
+
+  std::map<std::string, std::shared_ptr<const Part>, std::less<>> found;
 };
 
 std::string FindSerial(const PartTable& table, const Part& part) {
@@ -298,7 +303,7 @@ void RuleDatabase::AddPartTables() {
     }
     outside.countRows = [this, &table] { return table.count(*parts); };
     outside.getValue = [this, &table](std::size_t row, std::size_t column) {
-      return table.columns[column].get(table.at(*parts, row));
+      return table.Get(*parts, row, column);
     };
     database.AddTable(std::move(outside));
   }

@@ -73,7 +73,7 @@ void ReadAmt(const CollectedRows& rows, Parts& parts) {
     const Place at = row.PlaceOf(kLogClass, "amt_log");
     if (std::optional<Event> event = ReadEntry(line, at)) {
       isUnderstood = true;
-      parts.events.push_back(std::move(*event));
+      parts.events.push_back(*event);
     } else {
       Unread& unread = parts.unread.emplace_back();
       unread.readAt = at;

@@ -51,7 +51,7 @@ void ReadArcconfEvents(const Report& report, Parts& parts) {
       continue;
     }
     wasUnread = false;
-    Event& event = parts.events.emplace_back();
+    Event event;
     event.id = report.controller + " " + time;
     event.readAt = PlaceOfLine(report, line);
     event.source = "Microchip";
@@ -63,6 +63,7 @@ void ReadArcconfEvents(const Report& report, Parts& parts) {
     if (words.size() > 3) event.text = GetFrom(told, words[3]);
     event.part = "controllers";
     event.partId = report.controller;
+    parts.events.push_back(event);
   }
 }
 

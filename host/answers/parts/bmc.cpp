@@ -274,7 +274,7 @@ void ReadSel(const CollectedRows& rows, Parts& parts) {
                               ? sensor->second
                               : fmt::format("{} #{:02x}", event->kind, *event->sensor);
         }
-        parts.events.push_back(std::move(*event));
+        parts.events.push_back(*event);
       });
   if (size && listed < size->used) {
     end.TakeGap(fmt::format("{} of {} records", listed, size->used));

@@ -239,8 +239,10 @@ void ReadTopologyRows(const CollectedRows& rows, Parts& parts) {
 }
 
 bool HasLsiEvents(const Parts& parts) {
-  return std::any_of(parts.events.begin(), parts.events.end(),
-                     [](const Event& event) { return event.source == kLsi; });
+  for (std::size_t row = 0; row < parts.events.size(); ++row) {
+    if (parts.events.GetText(row, EventColumn::kSource) == kLsi) return true;
+  }
+  return false;
 }
 
 /// After drives and volumes, which events are about. A report can have told of events alone.
@@ -343,7 +345,7 @@ void ReadSas2(const CollectedRows& rows, Parts& parts) {
     event.level = ReadInteger(row.Get("LogClass"));
     event.part = "controllers";
     event.partId = "sas2";
-    parts.events.push_back(std::move(event));
+    parts.events.push_back(event);
     hasEvents = true;
   }
   const CollectedTable* table = rows.FindTable(kLog);

@@ -78,17 +78,43 @@ PartColumn PlaceColumn(std::string_view name, std::string_view description) {
   }
 }
 
+/// The way to the parts of a table that is a list of them.
+template <auto table>
+void Reach(PartTable& made) {
+  using List = typename MemberOf<decltype(table)>::ValueType;
+  made.count = [](const Parts& parts) { return (parts.*table).size(); };
+  if constexpr (std::is_same_v<List, Events>) {
+    made.at = [](const Parts& parts, std::size_t row) -> std::shared_ptr<const Part> {
+      return std::make_shared<const Event>((parts.*table)[row]);
+    };
+    made.get = [](const Parts& parts, std::size_t row, std::size_t column) {
+      return (parts.*table).Get(row, static_cast<EventColumn>(column));
+    };
+    made.change = nullptr;
+    made.add = [](Parts& parts, const std::function<void(Part&)>& fill) {
+      Event event;
+      fill(event);
+      (parts.*table).push_back(event);
+    };
+  } else {
+    made.at = [](const Parts& parts, std::size_t row) {
+      return std::shared_ptr<const Part>(std::shared_ptr<const Part>(), &(parts.*table)[row]);
+    };
+    made.get = nullptr;
+    made.change = [](Parts& parts, std::size_t row) -> Part* { return &(parts.*table)[row]; };
+    made.add = [](Parts& parts, const std::function<void(Part&)>& fill) {
+      fill((parts.*table).emplace_back());
+    };
+  }
+}
+
 template <auto table>
 PartTable Table(std::string_view name, std::string_view description,
                 std::initializer_list<PartColumn> columns) {
-  PartTable made{
-      name,
-      description,
-      {},
-      [](const Parts& parts) { return (parts.*table).size(); },
-      [](const Parts& parts, std::size_t row) -> const Part& { return (parts.*table)[row]; },
-      [](Parts& parts, std::size_t row) -> Part& { return (parts.*table)[row]; },
-      [](Parts& parts) -> Part& { return (parts.*table).emplace_back(); }};
+  PartTable made;
+  made.name = name;
+  made.description = description;
+  Reach<table>(made);
   made.columns.push_back(Column<&Part::id>("id", "what it is called; unique in this table"));
   made.columns.insert(made.columns.end(), columns);
   made.columns.push_back(PlaceColumn<&Place::className>("class", "table class it was read from"));
@@ -333,6 +359,10 @@ const char* NameSqlType(PartType type) {
     default:
       return "TEXT";
   }
+}
+
+PartValue PartTable::Get(const Parts& parts, std::size_t row, std::size_t column) const {
+  return get == nullptr ? columns[column].get(*at(parts, row)) : get(parts, row, column);
 }
 
 std::string FormatPartValue(const PartValue& value, std::string_view none) {

@@ -3,11 +3,11 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
+#include <functional>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
-#include <variant>
 #include <vector>
 
 #include "host/answers/parts/parts.h"
@@ -17,9 +17,6 @@ namespace host {
 enum class PartType { kText, kInteger, kReal };
 /// "TEXT", "INTEGER", "REAL".
 const char* NameSqlType(PartType type);
-
-/// Nothing, or a value of the column's type. A text is a view of the part's own.
-using PartValue = std::variant<std::monostate, std::int64_t, double, std::string_view>;
 
 /// A number as JSON and CSV have it, a text as it is, nothing as `none`.
 std::string FormatPartValue(const PartValue& value, std::string_view none);
@@ -38,9 +35,18 @@ struct PartTable {
   std::string_view description;
   std::vector<PartColumn> columns;  ///< "id" first, the place last
   std::size_t (*count)(const Parts& parts);
-  const Part& (*at)(const Parts& parts, std::size_t row);  ///< rows count from 0
-  Part& (*change)(Parts& parts, std::size_t row);
-  Part& (*add)(Parts& parts);  ///< an empty one at the end
+  /// Rows count from 0. The table's own part, or one that was unpacked for the caller.
+  std::shared_ptr<const Part> (*at)(const Parts& parts, std::size_t row);
+  /// A value of a table that is packed; null otherwise: see Get().
+  PartValue (*get)(const Parts& parts, std::size_t row, std::size_t column);
+  /// Null of a table whose parts have no places of single columns.
+  Part* (*change)(Parts& parts, std::size_t row);
+  /// Adds a part at the end, which `fill` fills.
+  void (*add)(Parts& parts, const std::function<void(Part& part)>& fill);
+
+  /// A value of a part, which need not be unpacked for it. A text stays while the parts do not
+  /// change.
+  PartValue Get(const Parts& parts, std::size_t row, std::size_t column) const;
 };
 
 /// All tables, in the order in which they are shown.

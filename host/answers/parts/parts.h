@@ -3,12 +3,17 @@
 // empty text and an absent number say that nothing was told.
 #pragma once
 
+#include <compare>
+#include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
+
+#include "host/answers/parts/packed_rows.h"
 
 namespace host {
 
@@ -207,6 +212,87 @@ struct Event : Part {
   std::string partId;
 };
 
+/// Columns of the table of events, in its order.
+enum class EventColumn : std::size_t {
+  kId,
+  kSource,
+  kController,
+  kNumber,
+  kTime,
+  kCode,
+  kLevel,
+  kKind,
+  kSensor,
+  kEventType,
+  kOffset,
+  kAsserted,
+  kText,
+  kSense,
+  kPart,
+  kPartId,
+};
+
+/// The entries of logs, of which there can be many hundred thousands: each is packed, and unpacked
+/// for whoever asks. Without places of single columns.
+class Events {
+ public:
+  using value_type = Event;
+
+  Events() = default;
+  template <typename Range>
+  explicit Events(const Range& events) {
+    for (const Event& event : events) push_back(event);
+  }
+
+  std::size_t size() const { return rows.size(); }
+  bool empty() const { return rows.size() == 0; }
+  Event operator[](std::size_t row) const;
+  /// One column alone, which is much faster. The text stays as long as this is not changed.
+  PartValue Get(std::size_t row, EventColumn column) const {
+    return rows.Get(row, static_cast<std::size_t>(column));
+  }
+  std::string_view GetText(std::size_t row, EventColumn column) const;
+  Integer GetInteger(std::size_t row, EventColumn column) const;
+
+  void push_back(const Event& event);
+  void SetId(std::size_t row, std::string_view id) { rows.ReplaceFirst(row, id); }
+  /// The second of two with one id becomes "ID #2".
+  void MakeIdsUnique();
+
+  class Iterator {
+   public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = Event;
+    using difference_type = std::ptrdiff_t;
+    using pointer = void;
+    using reference = Event;
+
+    Iterator() = default;
+    Iterator(const Events& events, std::size_t row) : events(&events), row(row) {}
+    Event operator*() const { return (*events)[row]; }
+    Iterator& operator++() {
+      ++row;
+      return *this;
+    }
+    Iterator operator++(int) {
+      Iterator before = *this;
+      ++row;
+      return before;
+    }
+    bool operator==(const Iterator& other) const { return row == other.row; }
+
+   private:
+    const Events* events = nullptr;
+    std::size_t row = 0;
+  };
+  using const_iterator = Iterator;
+  Iterator begin() const { return {*this, 0}; }
+  Iterator end() const { return {*this, size()}; }
+
+ private:
+  PackedRows rows;
+};
+
 /// "PSU 1".
 struct PowerSupply : Part {
   std::string text;
@@ -255,7 +341,7 @@ struct Parts {
   std::vector<CacheBackup> cacheBackups;
   std::vector<Enclosure> enclosures;
   std::vector<Sensor> sensors;
-  std::vector<Event> events;
+  Events events;
   std::vector<PowerSupply> powerSupplies;
   std::vector<Led> leds;
   std::vector<SelfTest> selfTests;

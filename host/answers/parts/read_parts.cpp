@@ -57,7 +57,7 @@ void MakeIdsUnique(Parts& parts) {
   MakeIdsUnique(parts.cacheBackups);
   MakeIdsUnique(parts.enclosures);
   MakeIdsUnique(parts.sensors);
-  MakeIdsUnique(parts.events);
+  parts.events.MakeIdsUnique();
   MakeIdsUnique(parts.powerSupplies);
   MakeIdsUnique(parts.leds);
   MakeIdsUnique(parts.selfTests);
@@ -95,12 +95,14 @@ Parts ReadFromReports(const Collection& collection) {
 /// them.
 void FindColumnPlaces(const Parts& read, Parts& parts) {
   for (const PartTable& table : GetPartTables()) {
-    std::unordered_map<std::string_view, const Part*> known;
+    if (table.change == nullptr) continue;
+    std::unordered_map<std::string_view, std::shared_ptr<const Part>> known;
     for (std::size_t row = 0; row < table.count(read); ++row) {
-      known.emplace(table.at(read, row).id, &table.at(read, row));
+      const std::shared_ptr<const Part> part = table.at(read, row);
+      known.emplace(part->id, part);
     }
     for (std::size_t row = 0; row < table.count(parts); ++row) {
-      Part& part = table.change(parts, row);
+      Part& part = *table.change(parts, row);
       const auto found = known.find(part.id);
       if (found == known.end() || found->second->readAt != part.readAt) continue;
       part.columnPlaces = found->second->columnPlaces;

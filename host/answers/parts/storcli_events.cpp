@@ -161,7 +161,7 @@ class EventList {
                    : fmt::format("{} line {}", report.controller, at.line > 0 ? at.line : at.row);
     event.readAt = std::move(at);
     FindPart(event, target);
-    parts.events.push_back(std::move(event));
+    parts.events.push_back(event);
   }
 
  private:
@@ -325,8 +325,10 @@ void ReadStorcliTermLog(const Report& report, Parts& parts) {
   constexpr std::string_view kSign = "EVT#";
   std::unordered_set<std::int64_t> known;
   known.reserve(parts.events.size());
-  for (const Event& event : parts.events) {
-    if (event.controller == report.controller && event.number) known.insert(*event.number);
+  for (std::size_t row = 0; row < parts.events.size(); ++row) {
+    if (parts.events.GetText(row, EventColumn::kController) != report.controller) continue;
+    const Integer number = parts.events.GetInteger(row, EventColumn::kNumber);
+    if (number) known.insert(*number);
   }
   EventList events(report, parts);
   ReportLine pinned;  // the last word on it

@@ -40,14 +40,14 @@ struct MadeMachine {
     return one;
   }
 
-  host::Event& AddEntry(std::int64_t number, const std::string& text) {
-    host::Event& event = assessment.parts.events.emplace_back();
+  void AddEntry(std::int64_t number, const std::string& text, std::int64_t level = 0) {
+    host::Event event;
     event.id = "sel " + std::to_string(number);
     event.source = "SEL";
     event.number = number;
     event.text = text;
-    event.level = 0;
-    return event;
+    event.level = level;
+    assessment.parts.events.push_back(event);
   }
 
   host::Collection collection;
@@ -140,7 +140,7 @@ TEST(ComparedLogs, TellTheSerious) {
   MadeMachine after;
   after.AddEntry(1, "known");
   for (int number = 2; number < 40; ++number) {
-    after.AddEntry(number, "entry " + std::to_string(number)).level = number < 37 ? 1 : 0;
+    after.AddEntry(number, "entry " + std::to_string(number), number < 37 ? 1 : 0);
   }
   const std::vector<std::string> lines = ListLines(before, after);
   EXPECT_EQ(lines.front(), "log SEL: 38 new, 35 of them warnings or worse:");

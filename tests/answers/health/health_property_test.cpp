@@ -75,7 +75,7 @@ TEST(HealthOfAnyMachine, DoesNotDependOnTheOrderOfRows) {
     Shuffle(parts.cacheBackups, random);
     Shuffle(parts.enclosures, random);
     Shuffle(parts.sensors, random);
-    Shuffle(parts.events, random);
+    test::ShuffleEvents(parts, random);
     Shuffle(parts.powerSupplies, random);
     Shuffle(parts.leds, random);
     Shuffle(parts.selfTests, random);
@@ -101,7 +101,7 @@ void AddOldEntries(Parts& parts) {
   const std::size_t first = parts.events.size();
   for (const Named& one : named) {
     for (int code = 0; code < 0x200; ++code) {
-      host::Event& event = AddLsiEvent(parts, code, one.table, one.id, kLongAgo);
+      test::AddedEvent event = AddLsiEvent(parts, code, one.table, one.id, kLongAgo);
       event.level = 4;
       event.sense = "3/11/00";
     }
@@ -114,10 +114,12 @@ void AddOldEntries(Parts& parts) {
     }
   }
   for (const char* source : {"AMT", "Microchip"}) AddOtherEvent(parts, source, 3, "old", kLongAgo);
-  for (std::size_t i = first; i < parts.events.size(); ++i) {
-    parts.events[i].id = "old " + std::to_string(i);
-    parts.events[i].number = static_cast<std::int64_t>(i) - 10'000'000;
+  std::vector<host::Event> events(parts.events.begin(), parts.events.end());
+  for (std::size_t i = first; i < events.size(); ++i) {
+    events[i].id = "old " + std::to_string(i);
+    events[i].number = static_cast<std::int64_t>(i) - 10'000'000;
   }
+  parts.events = host::Events(events);
 }
 
 TEST(HealthOfAnyMachine, IsNotChangedByWhatIsOld) {

@@ -146,7 +146,7 @@ TEST(Health, DoesNotDependOnTheOrderOfParts) {
   for (int i = 0; i < 10; ++i) {
     Parts shuffled = parts;
     std::shuffle(shuffled.drives.begin(), shuffled.drives.end(), random);
-    std::shuffle(shuffled.events.begin(), shuffled.events.end(), random);
+    test::ShuffleEvents(shuffled, random);
     std::shuffle(shuffled.sources.begin(), shuffled.sources.end(), random);
     EXPECT_EQ(ListKeys(Judge(shuffled)), expected);
   }
@@ -222,7 +222,7 @@ TEST(Health, CountsTheDaysOfTheWindow) {
   HealthOptions options;
   options.settings["recent_days"] = 10;
   EXPECT_STREQ(host::GetVerdict(Judge(parts, options)), "WARNING");
-  parts.events[0].time = "2026-11-10T11:59:59";
+  test::ChangeEvent(parts, 0, [](host::Event& event) { event.time = "2026-11-10T11:59:59"; });
   EXPECT_STREQ(host::GetVerdict(Judge(parts, options)), "OK");
   options.asOf = "2026-11-19";
   EXPECT_STREQ(host::GetVerdict(Judge(parts, options)), "WARNING");

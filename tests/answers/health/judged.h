@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "host/answers/health/health.h"
 #include "host/answers/parts/condition_words.h"
@@ -122,11 +123,38 @@ inline host::PartSource& AddSource(host::Parts& parts, const std::string& id,
   return one;
 }
 
+/// An entry of a log that is added once it is as it shall be, when its statement or block ends.
+class AddedEvent : public host::Event {
+ public:
+  AddedEvent(host::Parts& parts, const host::Event& event) : host::Event(event), parts(parts) {}
+  AddedEvent(const AddedEvent&) = delete;
+  AddedEvent& operator=(const AddedEvent&) = delete;
+  ~AddedEvent() { parts.events.push_back(*this); }
+
+ private:
+  host::Parts& parts;
+};
+
+/// Replaces an entry by what `change` makes of it.
+template <typename Change>
+void ChangeEvent(host::Parts& parts, std::size_t row, const Change& change) {
+  std::vector<host::Event> events(parts.events.begin(), parts.events.end());
+  change(events[row]);
+  parts.events = host::Events(events);
+}
+
+template <typename Random>
+void ShuffleEvents(host::Parts& parts, Random& random) {
+  std::vector<host::Event> events(parts.events.begin(), parts.events.end());
+  std::shuffle(events.begin(), events.end(), random);
+  parts.events = host::Events(events);
+}
+
 /// An entry of a MegaRAID controller's log.
-inline host::Event& AddLsiEvent(host::Parts& parts, int code, const std::string& part,
-                                const std::string& partId, const std::string& time = kRecently) {
-  host::Event& one = parts.events.emplace_back();
-  one.number = static_cast<std::int64_t>(parts.events.size());
+inline AddedEvent AddLsiEvent(host::Parts& parts, int code, const std::string& part,
+                              const std::string& partId, const std::string& time = kRecently) {
+  host::Event one;
+  one.number = static_cast<std::int64_t>(parts.events.size()) + 1;
   one.id = "lsi0 " + std::to_string(*one.number);
   one.source = "LSI";
   one.controller = "lsi0";
@@ -137,15 +165,15 @@ inline host::Event& AddLsiEvent(host::Parts& parts, int code, const std::string&
   one.part = part;
   one.partId = partId;
   one.readAt = {"LSILINK", 1, "lsieventlog", 100 + *one.number, "storcli /c0 show events"};
-  return one;
+  return {parts, one};
 }
 
 /// An entry of the BMC's log.
-inline host::Event& AddSelEvent(host::Parts& parts, const std::string& sensor, int type,
-                                int eventType, int offset, bool asserted = true,
-                                const std::string& time = kRecently) {
-  host::Event& one = parts.events.emplace_back();
-  one.number = static_cast<std::int64_t>(parts.events.size());
+inline AddedEvent AddSelEvent(host::Parts& parts, const std::string& sensor, int type,
+                              int eventType, int offset, bool asserted = true,
+                              const std::string& time = kRecently) {
+  host::Event one;
+  one.number = static_cast<std::int64_t>(parts.events.size()) + 1;
   one.id = "sel " + std::to_string(*one.number);
   one.source = "SEL";
   one.code = type;
@@ -159,13 +187,13 @@ inline host::Event& AddSelEvent(host::Parts& parts, const std::string& sensor, i
   one.text = "entry";
   one.part = "sensors";
   one.partId = sensor;
-  return one;
+  return {parts, one};
 }
 
-inline host::Event& AddOtherEvent(host::Parts& parts, const std::string& source, int level,
-                                  const std::string& text, const std::string& time = kRecently) {
-  host::Event& one = parts.events.emplace_back();
-  one.number = static_cast<std::int64_t>(parts.events.size());
+inline AddedEvent AddOtherEvent(host::Parts& parts, const std::string& source, int level,
+                                const std::string& text, const std::string& time = kRecently) {
+  host::Event one;
+  one.number = static_cast<std::int64_t>(parts.events.size()) + 1;
   one.id = source + " " + std::to_string(*one.number);
   one.source = source;
   one.level = level;
@@ -173,7 +201,7 @@ inline host::Event& AddOtherEvent(host::Parts& parts, const std::string& source,
   one.text = text;
   one.part = "controllers";
   one.partId = source == "Microchip" ? "mchp1" : "sas2";
-  return one;
+  return {parts, one};
 }
 
 }  // namespace test

@@ -391,9 +391,11 @@ TEST(HealthRules, SayWhatTheySaid) {
 TEST(HealthRules, TellNoNumberThatIsNotKnown) {
   Parts parts;
   AddController(parts, "mchp1").temperatureWord = "Abnormal";
-  host::Event& event = AddLsiEvent(parts, 0xfff, "controllers", "lsi0");
-  event.level = 2;
-  event.code.reset();
+  {
+    test::AddedEvent event = AddLsiEvent(parts, 0xfff, "controllers", "lsi0");
+    event.level = 2;
+    event.code.reset();
+  }
   const host::Health health = Judge(parts);
   EXPECT_EQ(GetHit(health, "controller.hot").text, "Cool controller mchp1");
   EXPECT_EQ(GetHit(health, "controller.hot").observed, "Abnormal");
@@ -515,13 +517,15 @@ TEST(HealthRules, TellWhyACacheIsNotInUse) {
 // The second generation of storcli has codes of another numbering, and warns in words.
 TEST(HealthRules, TellOfWarningsWithoutAKnownCode) {
   Parts parts;
-  host::Event& event = AddLsiEvent(parts, 0, "drives", "lsi0 52:11");
-  event.code.reset();
-  event.level = 1;
+  {
+    test::AddedEvent event = AddLsiEvent(parts, 0, "drives", "lsi0 52:11");
+    event.code.reset();
+    event.level = 1;
+  }
   EXPECT_EQ(GetHit(Judge(parts), "lsi.event-class", "lsi0").severity, kNotice);
   EXPECT_EQ(GetHit(Judge(parts), "lsi.event-class", "lsi0").observed,
             std::string("1 warning, last ") + kRecently + " event 0");
-  parts.events[0].time = kLongAgo;
+  test::ChangeEvent(parts, 0, [](host::Event& event) { event.time = kLongAgo; });
   EXPECT_EQ(FindHit(Judge(parts), "lsi.event-class"), nullptr);
 }
 

@@ -82,8 +82,8 @@ TEST(ReadLsi, GivesIdsOnce) {
   Answer(recording, "/c0 show events", event + event);
   Answer(recording, "/c0 show termlog", "");
   const Parts parts = ReadParts(recording, {"LSILINK"});
-  EXPECT_EQ(parts.events.at(0).id, "lsi0 00000001");
-  EXPECT_EQ(parts.events.at(1).id, "lsi0 00000001 #2");
+  EXPECT_EQ(parts.events[0].id, "lsi0 00000001");
+  EXPECT_EQ(parts.events[1].id, "lsi0 00000001 #2");
 }
 
 TEST(ReadLsi, ReadsTheListsWhereThereIsNoReport) {
@@ -141,7 +141,7 @@ TEST(ReadLsi, ReadsEventsWhereThereIsNoReport) {
   ASSERT_EQ(parts.events.size(), 278U);
   for (std::size_t i = 0; i < parts.events.size(); ++i) {
     const host::Event& event = parts.events[i];
-    const host::Event& same = whole.events.at(i);
+    const host::Event& same = whole.events[i];
     EXPECT_EQ(event.id, same.id);
     EXPECT_EQ(event.time, same.time) << event.id;
     EXPECT_EQ(event.code, same.code);

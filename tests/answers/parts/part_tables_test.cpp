@@ -25,7 +25,7 @@ const PartTable& FindTable(std::string_view name) {
 PartValue Get(const PartTable& table, const host::Parts& parts, std::string_view column) {
   const auto found = std::find_if(table.columns.begin(), table.columns.end(),
                                   [&](const PartColumn& c) { return c.name == column; });
-  return found == table.columns.end() ? PartValue() : found->get(table.at(parts, 0));
+  return found == table.columns.end() ? PartValue() : found->get(*table.at(parts, 0));
 }
 
 TEST(PartTables, GiveEachValueInItsType) {

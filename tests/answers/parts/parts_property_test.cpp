@@ -38,7 +38,7 @@ TEST(PartsOfSamples, AreThere) {
     add(all.drives, parts.drives);
     add(all.volumes, parts.volumes);
     add(all.sensors, parts.sensors);
-    add(all.events, parts.events);
+    for (const host::Event& event : parts.events) all.events.push_back(event);
     add(all.powerSupplies, parts.powerSupplies);
     add(all.leds, parts.leds);
     add(all.selfTests, parts.selfTests);

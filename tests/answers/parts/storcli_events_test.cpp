@@ -36,7 +36,7 @@ std::string FindPart(const std::string& text, const std::string& code = "0x71",
                      const std::string& data = "None") {
   const Parts parts = ReadEvents("seqNum: 0x01\nCode: " + code + "\nEvent Description: " + text +
                                  "\nEvent Data:\n===========\n" + data + "\n");
-  return parts.events.at(0).part + " " + parts.events.at(0).partId;
+  return parts.events[0].part + " " + parts.events[0].partId;
 }
 
 constexpr char kDump[] =

@@ -15,11 +15,12 @@ host::Parts MakeParts(long count, long first) {
   host::Parts parts;
   for (long i = first; i < first + count; ++i) {
     const std::string number = std::to_string(i);
-    host::Event& event = parts.events.emplace_back();
+    host::Event event;
     event.id = "sel " + number;
     event.source = "SEL";
     event.number = i;
     event.text = "Correctable ECC, DIMM(C1)";
+    parts.events.push_back(event);
     host::Drive& drive = parts.drives.emplace_back();
     drive.id = "lsi0 1:" + number;
     drive.place = "1:" + number;

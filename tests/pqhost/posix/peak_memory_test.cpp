@@ -1,0 +1,141 @@
+// How much memory a result takes at its peak, in sizes of what was read.
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "host/recording/recording_writer.h"
+#include "tests/support/posix/shell_command.h"
+#include "tests/support/samples.h"
+#include "tests/support/sanitizers.h"
+#include "tests/support/temporary_folder.h"
+
+namespace {
+
+/// Bytes that `pqhost` had in memory at most.
+double MeasurePeak(const std::vector<std::string>& arguments) {
+  const std::string program = test::FindBuiltProgram("pqhost").string();
+  std::vector<char*> words{const_cast<char*>(program.c_str())};
+  for (const std::string& argument : arguments)
+    words.push_back(const_cast<char*>(argument.c_str()));
+  words.push_back(nullptr);
+  const pid_t child = fork();
+  if (child == 0) {
+    if (std::freopen("/dev/null", "w", stdout) == nullptr) _exit(2);
+    if (std::freopen("/dev/null", "w", stderr) == nullptr) _exit(2);
+    execv(program.c_str(), words.data());
+    _exit(2);
+  }
+  int status = 0;
+  rusage usage{};
+  EXPECT_EQ(wait4(child, &status, 0, &usage), child);
+  EXPECT_TRUE(WIFEXITED(status)) << arguments.front();
+  constexpr double kKibibyte = 1024;
+  return static_cast<double>(usage.ru_maxrss) * kKibibyte;
+}
+
+/// What a tool prints, `bytes` long or a little more.
+using MakeText = std::string (*)(std::size_t bytes);
+
+std::string MakeConnections(std::size_t bytes) {
+  std::string text =
+      "\r\nActive Connections\r\n\r\n"
+      "  Proto  Local Address          Foreign Address        State\r\n";
+  for (std::size_t i = 0; text.size() < bytes; ++i) {
+    text += fmt::format("  TCP    10.24.{}.{}:445         client-{:07}:50112     ESTABLISHED\r\n",
+                        i / 200 % 200, i % 200 + 1, i);
+  }
+  return text;
+}
+
+std::string MakeSel(std::size_t bytes) {
+  std::string text = "ipmiutil sel version 3.18\r\n";
+  for (std::size_t i = 0; text.size() < bytes; ++i) {
+    text += fmt::format(
+        "{:04x} 03/21/22 08:{:02}:{:02} MIN BMC  Memory #0e  ECC, DIMM(C{}) "
+        "6f [00 ff 08]\r\n",
+        i % 0x10000, i / 60 % 60, i % 60, i % 8);
+  }
+  return text + "ipmiutil sel, completed successfully\r\n";
+}
+
+std::string MakeEvents(std::size_t bytes) {
+  std::string text = "Controller = 0\r\nStatus = Success\r\nDescription = None\r\n\r\n\r\n";
+  for (std::size_t i = 0; text.size() < bytes; ++i) {
+    text += fmt::format(
+        "seqNum: 0x{:08x}\r\nTime: Tue Jun  2 18:{:02}:{:02} 2015\r\n\r\nCode: 0x00000067\r\n"
+        "Class: 0\r\nLocale: 0x02\r\nEvent Description: Command timeout on PD {:02x}(e0x45/s{}), "
+        "CDB: {:x}\r\nEvent Data:\r\n===========\r\nDevice ID: {}\r\n\r\n\r\n",
+        i + 1, i / 60 % 60, i % 60, i % 24, i % 24, i, i % 24);
+  }
+  return text;
+}
+
+struct Output {
+  const char* name;
+  const char* arguments;  ///< of the command that prints it
+  MakeText make;
+};
+constexpr std::array<Output, 3> kOutputs{{{"ListOfConnections", "", &MakeConnections},
+                                          {"Sel", "sel", &MakeSel},
+                                          {"ListOfEvents", "/c0 show events", &MakeEvents}}};
+
+class PeakMemory : public testing::TestWithParam<Output> {
+ protected:
+  void WriteRecording(const std::string& name, std::size_t bytes) {
+    host::Recording machine = test::LoadSamples().at("two-socket-server");
+    for (host::RecordedCommand& command : machine.commands) {
+      const bool isConnections = command.tool.starts_with("netstat");
+      const bool isWanted = GetParam().arguments[0] == '\0'
+                                ? isConnections
+                                : command.arguments == GetParam().arguments;
+      if (isWanted) command.standardOutput = GetParam().make(bytes);
+    }
+    host::RecordingOutput output(folder.Path() / name, "--record");
+    output.Write(machine);
+  }
+
+  const test::TemporaryFolder folder;
+};
+
+// What the program takes by itself, and what it takes in any case, does not count: how much more it
+// takes for so much more of a report.
+TEST_P(PeakMemory, IsAtMostFourTimesTheInput) {
+  if (PQ_HAS_ADDRESS_SANITIZER) return;
+  constexpr double kMost = 4;
+  constexpr std::size_t kBytes = 6'000'000;
+  WriteRecording("small", kBytes);
+  WriteRecording("large", 2 * kBytes);
+  std::vector<std::vector<std::string>> works = {
+      {"collect", "--format", "table", "--replay", "IN"},
+      {"collect", "--format", "json", "--replay", "IN"},
+      {"collect", "--format", "prometheus", "--replay", "IN", "--output", folder / "prom"},
+      {"collect", "--format", "none", "--trace", "-", "--replay", "IN"},
+      {"query", "--replay", "IN", "SELECT count(*) FROM log"},
+  };
+  // It keeps the log, of which a pipe's whole output is one line.
+  if (GetParam().make != &MakeConnections) works.push_back({"health", "--replay", "IN"});
+  for (const std::vector<std::string>& work : works) {
+    const auto measure = [&](const std::string& name) {
+      std::vector<std::string> words = work;
+      for (std::string& word : words) {
+        if (word == "IN") word = folder / name;
+      }
+      return MeasurePeak(words);
+    };
+    const double growth = (measure("large") - measure("small")) / kBytes;
+    EXPECT_LE(growth, kMost) << work[0] << ' ' << work[2];
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(OfALong, PeakMemory, testing::ValuesIn(kOutputs),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+}  // namespace
