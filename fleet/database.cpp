@@ -108,7 +108,8 @@ Connection::Connection(const ConnectionWords& words, const std::string& purpose)
       connection.get(), [](void*, const char*) {}, nullptr);
   // Times as every reader understands them, names of this schema alone, and no rounded numbers. No
   // question is so long that compiling it would pay, and what indexes lead to is mostly in memory.
-  Run("set jit = off; set random_page_cost = 1.1; set search_path = fleet; set timezone = 'UTC'; set datestyle = 'ISO';"
+  Run("set jit = off; set random_page_cost = 1.1; set search_path = fleet; set timezone = 'UTC'; "
+      "set datestyle = 'ISO';"
       "set extra_float_digits = 1");
 }
 

@@ -40,19 +40,19 @@ void MakeRoles(Connection& connection) {
 void GrantRights(Connection& connection, const RowTables& tables) {
   std::string rowTables;
   for (const RowTable& table : tables.All()) rowTables += ", " + table.name;
-  connection.Run(
-      fmt::format("grant usage on schema fleet to {0}, {1}, {2};"
-                  "grant select, insert on site, site_day, server, object, submission, job to {0};"
-                  "grant update on site_day, server, job to {0};"
-                  "grant select on parser, server_state to {0};"
-                  "grant select on parser to {2};"
-                  "grant select on schema_version to {0}, {2};"
-                  "grant select on all tables in schema fleet to {1};"
-                  "grant update on job, server to {1};"
-                  "grant insert, delete on result, drive_error, drive_growth, server_state{3} to {1};"
-                  "grant update on drive_growth to {1};"
-                  "grant usage on sequence claim to {1};",
-                  kDoor, kWorker, kReader, rowTables));
+  connection.Run(fmt::format(
+      "grant usage on schema fleet to {0}, {1}, {2};"
+      "grant select, insert on site, site_day, server, object, submission, job to {0};"
+      "grant update on site_day, server, job to {0};"
+      "grant select on parser, server_state to {0};"
+      "grant select on parser to {2};"
+      "grant select on schema_version to {0}, {2};"
+      "grant select on all tables in schema fleet to {1};"
+      "grant update on job, server to {1};"
+      "grant insert, delete on result, drive_error, drive_growth, server_state{3} to {1};"
+      "grant update on drive_growth to {1};"
+      "grant usage on sequence claim to {1};",
+      kDoor, kWorker, kReader, rowTables));
   const Answer views = connection.Ask(
       "select table_name from information_schema.views where table_schema = 'fleet'");
   for (std::size_t row = 0; row < views.RowCount(); ++row) {
@@ -130,14 +130,16 @@ void MakeParser(Connection& connection, SchemaChanges& changes) {
   const std::string version = DescribeParser();
   const Answer current = connection.Ask(
       "select id, version, (select string_agg(coalesce(a.key, b.key), ', '"
-      "  order by coalesce(a.key, b.key)) from jsonb_each(readers) a full join jsonb_each($1) b on b.key = a.key"
+      "  order by coalesce(a.key, b.key)) from jsonb_each(readers) a full join jsonb_each($1) b on "
+      "b.key = a.key"
       "  where a.value is distinct from b.value and readers <> '{}') "
       "from parser where state = 'current'",
       {DescribeReaders()});
   connection.Run("update parser set state = 'old' where state = 'current'");
   const Answer answer = connection.Ask(
-      "insert into parser (version, state, readers) values ($1, 'current', $2) on conflict (version) "
-      "do update set state = 'current', readers = excluded.readers returning id",
+      "insert into parser (version, state, readers) values ($1, 'current', $2) "
+      "on conflict (version) do update set state = 'current', readers = excluded.readers returning "
+      "id",
       {version, DescribeReaders()});
   if (current.RowCount() > 0 && current.At(0, 1) == version) return;
   const std::string id(answer.At(0, 0));
