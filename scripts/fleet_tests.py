@@ -18,6 +18,7 @@ import random
 import re
 import shutil
 import signal
+import socket
 import subprocess
 import sys
 import time
@@ -325,7 +326,7 @@ def check_commands(fleet):
     watch.communicate()
     # One line for people, not what libpq or a library says by itself.
     for words, code in ((["init"], 2), (["work", "--store", "/nowhere"], 2), (["submit"], 2),
-                        (["query"], 2), (["show"], 2), (["reparse"], 2), (["nothing"], 2),
+                        (["query"], 2), (["show"], 2), (["reparse", "--all", "--current"], 2), (["nothing"], 2),
                         (["status", "--database", "host=/nowhere"], 2),
                         (["status", "--database", "hots=x"], 2),
                         (["status", "--database", "dbname=postgres"], 2),
@@ -1194,6 +1195,32 @@ def test_roles(server):
         ended = fleet.run(*command, user=who)
         expect(ended.returncode == 1 and "permission denied" in ended.stderr + ended.stdout,
                f"{who} {command[0]}: {ended.returncode} {ended.stderr}")
+
+
+def test_watchdog(server):
+    """A service manager hears of each command that goes on, of its workers too."""
+    fleet = Fleet(server)
+    fleet.submit(*SAMPLES)
+    path = f"{server.folder}/notify"
+    with socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM) as manager:
+        manager.bind(path)
+        manager.settimeout(20)
+        spool = pathlib.Path(server.folder) / "notified"
+        spool.mkdir()
+        fleet.environment["NOTIFY_SOCKET"] = path
+        for words in (["work"], ["submit", "--watch", spool], ["serve", "--port", find_port()]):
+            process = fleet.start(*words)
+            try:
+                expect(manager.recv(100) == b"READY=1\nWATCHDOG=1", f"{words[0]} tells that it lives")
+            except TimeoutError:
+                expect(False, f"{words[0]} tells nothing")
+            process.send_signal(signal.SIGTERM)
+            process.communicate(timeout=20)
+            manager.setblocking(False)
+            with contextlib.suppress(BlockingIOError):
+                while manager.recv(100):
+                    pass
+            manager.settimeout(20)
 
 
 # --- builds whose readers differ ---
