@@ -1170,6 +1170,31 @@ def answers(port):
         return False
 
 
+def test_parquet(server):
+    """docs/examples/parquet.sql: what DuckDB finds in the Parquet file is what the fleet answers."""
+    fleet = Fleet(server)
+    fleet.submit(*SAMPLES, *make_random(server, 120, 1, 8000))
+    fleet.work()
+    folder = pathlib.Path(server.folder) / "parquet"
+    folder.mkdir()
+    ended = fleet.run("export", "--part", "drives", "--output", folder / "drives.ndjson")
+    expect(ended.returncode == 0, f"export: {ended.stderr}")
+    script = ROOT / "docs" / "examples" / "parquet.sql"
+    ran = subprocess.run(["node", ROOT / "tests/fleet/run_duckdb.mjs", script], cwd=folder,
+                         capture_output=True, text=True, timeout=120)
+    expect(ran.returncode == 0, f"DuckDB: {ran.stderr[-500:]}")
+    told = json.loads(ran.stdout)
+    question = "select server, id, serial, firmware, media_errors from drives" \
+               " where media_errors > 0 order by media_errors desc, server, id"
+    asked = list(csv.reader(io.StringIO(fleet.query(question).stdout)))[1:]
+    expect(len(asked) > 3 and [[str(cell) for cell in row] for row in told["rows"]] == asked,
+           f"{len(told['rows'])} rows in DuckDB, {len(asked)} in PostgreSQL")
+    expect(told["types"] == ["VARCHAR"] * 4 + ["BIGINT"], f"types: {told['types']}")
+    parquet = (folder / "drives.parquet").read_bytes()
+    expect(parquet[:4] == parquet[-4:] == b"PAR1" and
+           len(parquet) < (folder / "drives.ndjson").stat().st_size / 5, "it is packed")
+
+
 # --- who may do what ---
 
 def test_roles(server):
