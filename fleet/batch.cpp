@@ -70,6 +70,7 @@ class Transaction {
     CompareFacts();
     CompareRows();
     Apply();
+    UpdateGrowth();
     EndJobs();
     return counts;
   }
@@ -174,10 +175,13 @@ class Transaction {
   /// The servers whose newest recording, as far as any is parsed, is one of these.
   void CompareRows() {
     const std::string objects = WriteNumbers(ListUsable());
-    connection.Ask(
-        "select 1 from server where id in "
+    const Answer locked = connection.Ask(
+        "select id from server where id in "
         "(select server from submission where object = any($1::bigint[])) order by id for update",
         {objects});
+    for (std::size_t row = 0; row < locked.RowCount(); ++row) {
+      servers.push_back(locked.NumberAt(row, 0));
+    }
     const Answer newest = connection.Ask(
         "with candidate as ("
         "  select distinct on (s.server) s.server, s.object, s.taken, o.key"
@@ -279,6 +283,26 @@ class Transaction {
     }
   }
 
+  /// Which of the servers' drives have more errors than a month ago, where that is another answer
+  /// now: by their rows, or by the facts of an older recording that has come.
+  void UpdateGrowth() {
+    connection.Ask(
+        "with growth as materialized (select * from find_growth($1::int[])),"
+        "gone as (delete from drive_growth where server = any($1::int[])"
+        "  and row(server, drive) not in (select server, drive from growth)) "
+        "insert into drive_growth as g (server, drive, controller, serial, model, firmware,"
+        "  media_errors, media_errors_before, before) select * from growth "
+        "on conflict (server, drive) do update set controller = excluded.controller,"
+        "  serial = excluded.serial, model = excluded.model, firmware = excluded.firmware,"
+        "  media_errors = excluded.media_errors,"
+        "  media_errors_before = excluded.media_errors_before, before = excluded.before "
+        "where row(g.controller, g.serial, g.model, g.firmware, g.media_errors,"
+        "  g.media_errors_before, g.before) is distinct from row(excluded.controller,"
+        "  excluded.serial, excluded.model, excluded.firmware, excluded.media_errors,"
+        "  excluded.media_errors_before, excluded.before)",
+        {WriteNumbers(servers)});
+  }
+
   void EndJobs() {
     std::vector<std::int64_t> done;
     for (const auto& [object, one] : usable) done.push_back(object);
@@ -310,6 +334,7 @@ class Transaction {
   std::vector<const WorkedRecording*> mine;
   std::map<std::int64_t, const WorkedRecording*> usable;  ///< of these, by object
   std::map<std::int64_t, std::map<std::size_t, SplitTable>> splits;
+  std::vector<std::int64_t> servers;  ///< locked: those that sent one of these
   Changes changes;
   BatchCounts counts;
 };

@@ -3,6 +3,8 @@
 #include <cerrno>
 #include <ctime>
 
+#include "fleet/watchdog.h"
+
 namespace fleet {
 
 EndRequest::EndRequest() {
@@ -16,6 +18,7 @@ EndRequest::EndRequest() {
 bool EndRequest::IsMade() { return Sleep(std::chrono::milliseconds(0)); }
 
 bool EndRequest::Sleep(std::chrono::milliseconds time) {
+  TellAlive();
   const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
   const timespec length{.tv_sec = seconds.count(),
                         .tv_nsec = std::chrono::nanoseconds(time - seconds).count()};

@@ -14,7 +14,8 @@ class EndRequest {
 
   /// Whether one of them came. Not waiting.
   bool IsMade();
-  /// Waits for one of them, for so long at most. Whether one came.
+  /// Waits for one of them, for so long at most. Whether one came. Who asks is alive, which the
+  /// service manager is told.
   bool Sleep(std::chrono::milliseconds time);
   /// Waits for one of them, or for the end of a process that this one forked. True for the former.
   bool Await();

@@ -339,12 +339,11 @@ Page MakeDrivesPage(const PageWords&, Connection& connection) {
   const Answer answer = connection.Ask(
       fmt::format("select server, site, drive, controller, serial, model, firmware,"
                   "  media_errors_before, media_errors, to_char(before, 'YYYY-MM-DD') "
-                  "from growing_drives where media_errors > media_errors_before "
-                  "order by media_errors - media_errors_before desc, server, site, drive limit {}",
+                  "from growing_drives order by grown desc, server_id, drive limit {}",
                   kRowsOfPage));
   PageWriter page("Drives that grow errors", "drives");
   page.Html().Add(
-      "<p class=\"faint\">Media errors now, and in the oldest recording of a month.</p>\n");
+      "<p class=\"faint\">Media errors now, and in the oldest recording of a month before.</p>\n");
   page.BeginTable("Drives", {"Server", "Site", "Drive", "Serial", "Model", "Firmware", "#Before",
                              "#Now", "Since"});
   for (std::size_t row = 0; row < answer.RowCount(); ++row) {

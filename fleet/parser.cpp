@@ -28,6 +28,8 @@ namespace {
 
 /// Of a verdict as many are kept as anybody reads.
 constexpr std::size_t kMostReasons = 50;
+/// Of a digest as many tell one build from another.
+constexpr std::size_t kEnoughDigits = 12;
 
 /// A whole file is in the recording; its cell says which, and how to know it again.
 std::string DescribeFile(std::string_view name, std::string_view bytes) {
@@ -181,9 +183,16 @@ Parsed Refuse(std::string reason) {
 }  // namespace
 
 std::string DescribeParser() {
-  constexpr std::size_t kEnoughDigits = 12;
   return std::string(host::kVersion) + "+" +
          std::string(host::kParserSources.substr(0, kEnoughDigits));
+}
+
+std::string DescribeReaders() {
+  host::JsonObject readers;
+  for (std::size_t i = 0; i < host::kReaderCount; ++i) {
+    readers.AddText(host::kReaders[i].name, host::kReaders[i].digest.substr(0, kEnoughDigits));
+  }
+  return readers.Take();
 }
 
 Parser::Parser(const RowTables& tables) : tables(tables) {

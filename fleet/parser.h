@@ -17,6 +17,8 @@ namespace fleet {
 
 /// Which readers this program has: its version, and a digest of their sources.
 std::string DescribeParser();
+/// A digest of the sources of each of them, as a JSON object.
+std::string DescribeReaders();
 
 class Parser {
  public:

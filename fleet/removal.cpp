@@ -44,7 +44,9 @@ RemovedCounts ForgetServers(Connection& connection, const RowTables& tables,
       connection.Ask("delete from " + QuoteName(table.name) + " where _server = any($1::int[])",
                      {ids});
     }
-    connection.Ask("delete from server_state where server = any($1::int[])", {ids});
+    for (const char* table : {"server_state", "drive_growth"}) {
+      connection.Ask(std::string("delete from ") + table + " where server = any($1::int[])", {ids});
+    }
     const Answer gone = connection.Ask(
         "delete from submission where server = any($1::int[]) returning object", {ids});
     connection.Ask("delete from server where id = any($1::int[])", {ids});

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <iterator>
 #include <map>
 #include <string_view>
 
@@ -14,6 +15,10 @@ namespace {
 
 /// Any number that no other program of this database uses: one installation at a time.
 constexpr char kLock[] = "select pg_advisory_xact_lock(7065669)";
+
+/// What brings the tables from each version to the next; the first one's are made from schema.sql.
+constexpr std::string_view const* kSteps[] = {&host::kSchema2Sql};
+constexpr std::int64_t kVersion = 1 + std::size(kSteps);
 
 constexpr char kDoor[] = "fleet_door";
 constexpr char kWorker[] = "fleet_worker";
@@ -35,17 +40,19 @@ void MakeRoles(Connection& connection) {
 void GrantRights(Connection& connection, const RowTables& tables) {
   std::string rowTables;
   for (const RowTable& table : tables.All()) rowTables += ", " + table.name;
-  connection.Run(
-      fmt::format("grant usage on schema fleet to {0}, {1}, {2};"
-                  "grant select, insert on site, site_day, server, object, submission, job to {0};"
-                  "grant update on site_day, server, job to {0};"
-                  "grant select on parser, server_state to {0};"
-                  "grant select on parser to {2};"
-                  "grant select on all tables in schema fleet to {1};"
-                  "grant update on job, server to {1};"
-                  "grant insert, delete on result, drive_error, server_state{3} to {1};"
-                  "grant usage on sequence claim to {1};",
-                  kDoor, kWorker, kReader, rowTables));
+  connection.Run(fmt::format(
+      "grant usage on schema fleet to {0}, {1}, {2};"
+      "grant select, insert on site, site_day, server, object, submission, job to {0};"
+      "grant update on site_day, server, job to {0};"
+      "grant select on parser, server_state to {0};"
+      "grant select on parser to {2};"
+      "grant select on schema_version to {0}, {2};"
+      "grant select on all tables in schema fleet to {1};"
+      "grant update on job, server to {1};"
+      "grant insert, delete on result, drive_error, drive_growth, server_state{3} to {1};"
+      "grant update on drive_growth to {1};"
+      "grant usage on sequence claim to {1};",
+      kDoor, kWorker, kReader, rowTables));
   const Answer views = connection.Ask(
       "select table_name from information_schema.views where table_schema = 'fleet'");
   for (std::size_t row = 0; row < views.RowCount(); ++row) {
@@ -67,7 +74,7 @@ void MakeView(Connection& connection, const RowTable& table) {
   for (const RowColumn& column : table.columns) columns += ", r." + QuoteName(column.name);
   connection.Run(
       fmt::format("create view {} as select v.name as server, t.name as site{} from {} r "
-                  "join server v on v.id = r._server join site t on t.id = v.site",
+                  "join server v on v.id = r._server left join site t on t.id = v.site",
                   QuoteName(table.view), columns, QuoteName(table.name)));
   connection.Run(fmt::format("comment on view {} is {}", QuoteName(table.view),
                              QuoteLiteral(table.description)));
@@ -121,13 +128,20 @@ void MakeRowTable(Connection& connection, const RowTable& table, SchemaChanges& 
 /// Makes this build the one whose workers write.
 void MakeParser(Connection& connection, SchemaChanges& changes) {
   const std::string version = DescribeParser();
-  const Answer current = connection.Ask("select id, version from parser where state = 'current'");
-  if (current.RowCount() > 0 && current.At(0, 1) == version) return;
+  const Answer current = connection.Ask(
+      "select id, version, (select string_agg(coalesce(a.key, b.key), ', '"
+      "  order by coalesce(a.key, b.key)) from jsonb_each(readers) a full join jsonb_each($1) b on "
+      "b.key = a.key"
+      "  where a.value is distinct from b.value and readers <> '{}') "
+      "from parser where state = 'current'",
+      {DescribeReaders()});
   connection.Run("update parser set state = 'old' where state = 'current'");
   const Answer answer = connection.Ask(
-      "insert into parser (version, state) values ($1, 'current') "
-      "on conflict (version) do update set state = 'current' returning id",
-      {version});
+      "insert into parser (version, state, readers) values ($1, 'current', $2) "
+      "on conflict (version) do update set state = 'current', readers = excluded.readers returning "
+      "id",
+      {version, DescribeReaders()});
+  if (current.RowCount() > 0 && current.At(0, 1) == version) return;
   const std::string id(answer.At(0, 0));
   connection.Run(
       fmt::format("create table if not exists job_{0} partition of job for values in ({0}) "
@@ -136,7 +150,11 @@ void MakeParser(Connection& connection, SchemaChanges& changes) {
                   "create index if not exists job_{0}_open on job_{0} (object) where state < 2;"
                   "create index if not exists job_{0}_parked on job_{0} (object) where state = 3",
                   id));
-  changes.push_back("readers " + version);
+  std::string changed;
+  if (current.RowCount() > 0 && !current.IsNull(0, 2)) {
+    changed = fmt::format(", of which others: {}", current.At(0, 2));
+  }
+  changes.push_back(fmt::format("readers {}{}", version, changed));
   if (current.RowCount() == 0) return;
   const std::string before(current.At(0, 0));
   connection.Ask(
@@ -153,11 +171,33 @@ void MakeParser(Connection& connection, SchemaChanges& changes) {
   connection.Ask("delete from job where parser = $1", {before});
 }
 
+std::int64_t FindVersion(Connection& connection) {
+  const Answer there = connection.Ask("select to_regclass('fleet.schema_version') is not null");
+  if (there.At(0, 0) != "t") return 1;
+  return connection.Ask("select version from fleet.schema_version").NumberAt(0, 0);
+}
+
+[[noreturn]] void RefuseNewer(Connection& connection) {
+  throw host::UsageError(
+      fmt::format("the tables are of version {}, and this program knows them up to {}: use the "
+                  "pqfleet that made them, or a newer one",
+                  FindVersion(connection), kVersion));
+}
+
+/// Brings tables of `version` to this build's.
+void TakeSteps(Connection& connection, std::int64_t version) {
+  for (; version < kVersion; ++version) {
+    connection.Run(std::string(*kSteps[version - 1]));
+  }
+}
+
 }  // namespace
 
 SchemaState FindSchema(Connection& connection) {
   const Answer there = connection.Ask("select to_regclass('fleet.parser') is not null");
   if (there.At(0, 0) != "t") return SchemaState::kNone;
+  const std::int64_t version = FindVersion(connection);
+  if (version != kVersion) return version < kVersion ? SchemaState::kOlder : SchemaState::kNewer;
   const Answer current = connection.Ask(
       "select 1 from fleet.parser where state = 'current' and version = $1", {DescribeParser()});
   return current.RowCount() > 0 ? SchemaState::kCurrent : SchemaState::kOther;
@@ -168,25 +208,52 @@ SchemaChanges InstallSchema(Connection& connection, const RowTables& tables) {
     SchemaChanges changes;
     connection.Ask(kLock);
     MakeRoles(connection);
-    if (FindSchema(connection) == SchemaState::kNone) {
+    const SchemaState before = FindSchema(connection);
+    if (before == SchemaState::kNewer) RefuseNewer(connection);
+    if (before == SchemaState::kNone) {
       connection.Run("create schema if not exists fleet");
       connection.Run(std::string(host::kSchemaSql));
+      TakeSteps(connection, 1);
     }
     DropViews(connection);
+    if (before == SchemaState::kOlder) {
+      const std::int64_t version = FindVersion(connection);
+      TakeSteps(connection, version);
+      changes.push_back(fmt::format("tables of version {} brought to {}", version, kVersion));
+    }
     for (const RowTable& table : tables.All()) MakeRowTable(connection, table, changes);
     MakeParser(connection, changes);
     for (const RowTable& table : tables.All()) {
       if (!table.view.empty()) MakeView(connection, table);
     }
     connection.Run(std::string(host::kViewsSql));
+    if (before == SchemaState::kOlder) {
+      connection.Run(
+          "truncate drive_growth; insert into drive_growth (server, drive, controller, serial,"
+          "  model, firmware, media_errors, media_errors_before, before) "
+          "select * from find_growth(array(select id from server))");
+    }
     GrantRights(connection, tables);
     return changes;
   });
 }
 
-void RequireSchema(Connection& connection) {
-  if (FindSchema(connection) != SchemaState::kNone) return;
-  throw host::UsageError("there is no fleet in this database yet: make one with pqfleet init");
+void RequireSchema(Connection& connection, Older older) {
+  switch (FindSchema(connection)) {
+    case SchemaState::kNone:
+      throw host::UsageError("there is no fleet in this database yet: make one with pqfleet init");
+    case SchemaState::kOlder:
+      if (older == Older::kAccepted) return;
+      throw host::UsageError(
+          fmt::format("the tables are of version {}, and this program's are {}: bring them to it "
+                      "with pqfleet init --upgrade",
+                      FindVersion(connection), kVersion));
+    case SchemaState::kNewer:
+      RefuseNewer(connection);
+    case SchemaState::kOther:
+    case SchemaState::kCurrent:
+      return;
+  }
 }
 
 Schema OpenSchema(Connection& connection, const RowTables& tables) {

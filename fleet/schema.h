@@ -12,6 +12,8 @@ namespace fleet {
 
 enum class SchemaState {
   kNone,
+  kOlder,    ///< its tables are of an older version
+  kNewer,    ///< its tables are of a version that this build does not know
   kOther,    ///< made by a build with other readers
   kCurrent,  ///< by one with the same as this
 };
@@ -23,7 +25,7 @@ using SchemaChanges = std::vector<std::string>;
 
 /// Makes the schema, its roles and its views, or brings them to what this build describes; jobs
 /// that are not done become jobs of this build. Nothing is lost but columns that have another type
-/// now. Throws DatabaseFailure; nothing was done then.
+/// now. Throws DatabaseFailure, and UsageError of a newer fleet; nothing was done then.
 SchemaChanges InstallSchema(Connection& connection, const RowTables& tables);
 
 /// This build, in a database that it fits.
@@ -35,7 +37,8 @@ struct Schema {
 
 /// Throws UsageError, with the remedy, when the database is made for other readers, or not at all.
 Schema OpenSchema(Connection& connection, const RowTables& tables);
-/// The same for commands that only ask.
-void RequireSchema(Connection& connection);
+enum class Older { kRefused, kAccepted };
+/// The same for commands that only ask: any readers will do.
+void RequireSchema(Connection& connection, Older older = Older::kRefused);
 
 }  // namespace fleet

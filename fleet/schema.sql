@@ -1,6 +1,7 @@
 -- What the fleet knows, apart from the rows of recordings, whose tables are made from what modules
 -- and parts describe (schema.cpp). `submission` is truth, with the recordings in the store; the rest
--- can be made again from them.
+-- can be made again from them. These are the first version's tables; what later ones have beside them
+-- is in the files after this, which also bring a fleet that is there from one to the next.
 
 create table site (
   id int generated always as identity primary key,

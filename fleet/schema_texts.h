@@ -1,4 +1,4 @@
-// schema.sql and views.sql as texts of the program.
+// schema.sql, schema_2.sql and views.sql as texts of the program.
 #pragma once
 
 #include <string_view>
@@ -6,6 +6,7 @@
 namespace host {
 
 extern const std::string_view kSchemaSql;
+extern const std::string_view kSchema2Sql;
 extern const std::string_view kViewsSql;
 
 }  // namespace host

@@ -6,7 +6,7 @@ select v.name as server, t.name as site, s.taken, r.verdict, r.critical, r.warni
        r.notice, r.reasons, s.note, encode(o.key, 'hex') as recording, v.id as server_id
 from submission s
 join server v on v.id = s.server
-join site t on t.id = v.site
+left join site t on t.id = v.site
 join object o on o.id = s.object
 join result r on r.object = s.object;
 
@@ -15,7 +15,7 @@ select v.name as server, t.name as site, s.taken, r.verdict, r.critical, r.warni
        r.notice, r.reasons, s.note, encode(o.key, 'hex') as recording, v.id as server_id
 from server_state e
 join server v on v.id = e.server
-join site t on t.id = v.site
+left join site t on t.id = v.site
 join object o on o.id = e.object
 join result r on r.object = e.object
 join lateral (select taken, note from submission
@@ -27,7 +27,7 @@ select v.name as server, t.name as site, s.taken, d.drive, d.controller, d.seria
 from drive_error d
 join submission s on s.object = d.object
 join server v on v.id = s.server
-join site t on t.id = v.site;
+left join site t on t.id = v.site;
 
 create view servers as
 select v.name as server, t.name as site, v.severity,
@@ -39,28 +39,45 @@ create view silent as
 select v.name as server, t.name as site, s.taken, v.received, now() - v.received as silent_for,
        v.id as server_id
 from server v
-join site t on t.id = v.site
+left join site t on t.id = v.site
 join lateral (select taken from submission
               where server = v.id order by taken desc limit 1) s on true
 where v.received < now() - interval '36 hours';
 
--- Of what came within a month the oldest recording in which the drive was not all well.
-create index if not exists part_drives_media_errors on part_drives (firmware, media_errors)
-where media_errors > 0;
+-- What a question about bad drives asks for is read off this alone, for the server's name.
+create index if not exists part_drives_not_well
+on part_drives (firmware, media_errors, _server) include (id, serial) where media_errors > 0;
+-- A night looks at a server's own ones.
+create index if not exists part_drives_of_server on part_drives (_server) where media_errors > 0;
+
 create view growing_drives as
-select v.name as server, t.name as site, d.id as drive, d.controller, d.serial, d.model, d.firmware,
-       d.media_errors, f.media_errors as media_errors_before, o.stored as before
-from part_drives d
-join server v on v.id = d._server
-join site t on t.id = v.site
-cross join (select id from object where stored > now() - interval '30 days'
-            order by stored limit 1) m
-join lateral (select e.object, e.media_errors from drive_error e
-              where e.serial = d.serial and e.object >= m.id and exists (
-                select from submission s where s.object = e.object and s.server = d._server)
-              order by e.object limit 1) f on true
-join object o on o.id = f.object
-where d.media_errors > 0 and d.serial <> '';
+select v.name as server, t.name as site, g.drive, g.controller, g.serial, g.model, g.firmware,
+       g.media_errors, g.media_errors_before, g.before, g.grown, v.id as server_id
+from drive_growth g
+join server v on v.id = g.server
+left join site t on t.id = v.site
+where g.before > now() - interval '30 days';
+
+-- What drive_growth should have of these servers.
+drop function if exists find_growth(int[]);
+create function find_growth(servers int[]) returns table (
+  server int, drive text, controller text, serial text, model text, firmware text,
+  media_errors bigint, media_errors_before bigint, before timestamptz)
+language sql stable as $$
+select distinct on (e.server, d.id) e.server, d.id, d.controller, d.serial, d.model, d.firmware,
+       d.media_errors, f.media_errors, f.taken
+from server_state e
+join part_drives d on d._server = e.server
+cross join lateral (select max(taken) as taken from submission
+                    where server = e.server and object = e.object) n
+cross join lateral (select x.media_errors, s.taken from submission s
+                    join drive_error x on x.object = s.object
+                    where s.server = e.server and x.serial = d.serial
+                      and s.taken > n.taken - interval '30 days'
+                    order by s.taken, x.object limit 1) f
+where e.server = any(servers) and d.media_errors > 0 and d.serial <> ''
+  and d.media_errors > f.media_errors
+$$;
 
 create view parked as
 select encode(o.key, 'hex') as recording, j.reason, j.attempts, j.lost, o.bytes, o.stored,

@@ -1,4 +1,4 @@
-"""The Debian package of the native program."""
+"""The Debian packages of the native programs."""
 
 import datetime
 import email.utils
@@ -14,8 +14,11 @@ from product import (CHANGES, MAINTAINER, NAME, NATIVE, ROOT, TIME, VERSION, cop
                      settle, write)
 
 LIBRARIES = ("repository.so", "logger.so")
-# The folder in which a package of this name may have libraries of its own.
-OWN = pathlib.Path("usr/lib") / NAME
+FLEET = "pqfleet"
+# What components.json calls each of the packages.
+PACKAGES = {NAME: "debian", FLEET: "fleet"}
+# Below it a package may have libraries of its own, in a folder of its name.
+LIB = pathlib.Path("usr/lib")
 SHARE = pathlib.Path("usr/share")
 # Which compiler made a file is nobody's business who runs it.
 NO_NOTES = ("--remove-section=.comment", "--remove-section=.note")
@@ -27,9 +30,9 @@ def write_packed(target, text):
     target.chmod(0o644)
 
 
-def describe_changes():
+def describe_changes(name):
     """CHANGELOG.md's lines of this version, as Debian writes them."""
-    lines = [f"{NAME} ({VERSION}) stable; urgency=medium", ""]
+    lines = [f"{name} ({VERSION}) stable; urgency=medium", ""]
     for change in re.split(r"^- ", CHANGES, flags=re.M)[1:]:
         lines += textwrap.wrap(" ".join(change.split()), 76, initial_indent="  * ",
                                subsequent_indent="    ")
@@ -38,39 +41,56 @@ def describe_changes():
     return "\n".join(lines) + "\n"
 
 
-def find_dependencies(folder):
+def find_dependencies(name, folder):
     """The packages of the shared libraries, and which versions have what the program calls."""
     with tempfile.TemporaryDirectory() as work:
         write(pathlib.Path(work) / "debian" / "control",
-              f"Source: {NAME}\n\nPackage: {NAME}\nArchitecture: amd64\n")
-        own = folder / OWN
+              f"Source: {NAME}\n\nPackage: {name}\nArchitecture: amd64\n")
+        own = folder / LIB / name
         said = run("dpkg-shlibdeps", "-O", "--ignore-missing-info", f"-l{own}",
-                   f"-e{folder / 'usr' / 'bin' / NAME}", *(f"-e{own / name}" for name in LIBRARIES),
+                   f"-e{folder / 'usr' / 'bin' / name}", *(f"-e{own / one}" for one in LIBRARIES),
                    cwd=work)
     return said.strip().removeprefix("shlibs:Depends=")
 
 
-def stage(folder):
-    own, share = folder / OWN, folder / SHARE
-    program = folder / "usr" / "bin" / NAME
-    copy(NATIVE / "debian" / NAME, program, 0o755)
+def stage(name, folder):
+    """What both packages have."""
+    own, share = folder / LIB / name, folder / SHARE
+    program = folder / "usr" / "bin" / name
+    copy(NATIVE / "debian" / name, program, 0o755)
     run("strip", "--strip-all", *NO_NOTES, program)
-    for name in LIBRARIES:
-        copy(NATIVE / "bin" / name, own / name)
-        run("strip", "--strip-unneeded", *NO_NOTES, own / name)
-    write_packed(share / "man/man1/pqhost.1.gz", (ROOT / "docs" / "pqhost.1").read_text())
-    copy(ROOT / "completions" / "pqhost.bash", share / "bash-completion/completions" / NAME)
-    documents = share / "doc" / NAME
+    for library in LIBRARIES:
+        copy(NATIVE / "bin" / library, own / library)
+        run("strip", "--strip-unneeded", *NO_NOTES, own / library)
+    write_packed(share / f"man/man1/{name}.1.gz", (ROOT / "docs" / f"{name}.1").read_text())
+    documents = share / "doc" / name
     copy(ROOT / "packaging" / "debian" / "copyright", documents / "copyright")
-    write_packed(documents / "changelog.gz", describe_changes())
-    components.write_licences("debian", documents / "licences", "\n")
+    write_packed(documents / "changelog.gz", describe_changes(name))
+    components.write_licences(PACKAGES[name], documents / "licences", "\n")
 
 
-def write_control(folder):
+def stage_host(folder):
+    copy(ROOT / "completions" / "pqhost.bash",
+         folder / SHARE / "bash-completion/completions/pqhost")
+
+
+def stage_fleet(folder):
+    for unit in sorted((ROOT / "packaging" / "debian" / "systemd").iterdir()):
+        copy(unit, folder / "lib/systemd/system" / unit.name)
+    documents = folder / SHARE / "doc" / FLEET
+    write_packed(documents / "fleet.md.gz", (ROOT / "docs" / "fleet.md").read_text())
+    examples = ROOT / "docs" / "examples"
+    copy(examples / "pqfleet-postgresql.conf", documents / "examples" / "pqfleet-postgresql.conf")
+    for file in list_files(examples / "door"):
+        copy(file, documents / "examples" / "door" / file.name,
+             0o755 if file.suffix == ".sh" else 0o644)
+
+
+def write_control(name, folder):
     files = list_files(folder)
     size = sum(-(-path.stat().st_size // 1024) for path in files)
-    control = (ROOT / "packaging" / "debian" / "control").read_text()
-    for word, value in {"VERSION": VERSION, "DEPENDS": find_dependencies(folder), "SIZE": str(size),
+    control = (ROOT / "packaging" / "debian" / f"{name}.control").read_text()
+    for word, value in {"VERSION": VERSION, "DEPENDS": find_dependencies(name, folder), "SIZE": str(size),
                         "MAINTAINER": MAINTAINER}.items():
         control = control.replace(f"@{word}@", value)
     sums = "".join(f"{hashlib.md5(path.read_bytes()).hexdigest()}  {path.relative_to(folder)}\n"
@@ -80,9 +100,11 @@ def write_control(folder):
 
 
 def pack_debian(output, work):
-    folder = work / "debian"
-    stage(folder)
-    write_control(folder)
-    settle(folder)
-    run("dpkg-deb", "--root-owner-group", "-Zxz", "--build", folder,
-        output / f"{NAME}_{VERSION}_amd64.deb")
+    for name, stage_own in ((NAME, stage_host), (FLEET, stage_fleet)):
+        folder = work / PACKAGES[name]
+        stage(name, folder)
+        stage_own(folder)
+        write_control(name, folder)
+        settle(folder)
+        run("dpkg-deb", "--root-owner-group", "-Zxz", "--build", folder,
+            output / f"{name}_{VERSION}_amd64.deb")

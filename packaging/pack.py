@@ -41,7 +41,8 @@ def main():
         windows_zip.pack_zip(windows, output)
         installer.pack_installer(windows, output, work, sign)
         debian_package.pack_debian(output, work)
-        sbom.write_sbom(windows, work / "debian", output)
+        sbom.write_sbom({"win64": windows, "debian": work / "debian", "fleet": work / "fleet"},
+                        output)
     sums = "".join(f"{hashlib.sha256(path.read_bytes()).hexdigest()}  {path.name}\n"
                    for path in sorted(output.iterdir()))
     (output / "SHA256SUMS").write_text(sums)

@@ -7,9 +7,10 @@ import json
 import components
 from product import MAKER, NAME, SUMMARY, TIME, VERSION, list_files, make_id
 
-PACKAGES = {"win64": f"{NAME}-{VERSION}-win64", "debian": f"{NAME}_{VERSION}_amd64.deb"}
+PACKAGES = {"win64": f"{NAME}-{VERSION}-win64", "debian": f"{NAME}_{VERSION}_amd64.deb",
+            "fleet": f"pqfleet_{VERSION}_amd64.deb"}
 # Others have a licence of its own, or one that SPDX has no name for.
-SINGLE = {"BSL-1.0", "BSD-3-Clause", "MIT", "Zlib", "blessing"}
+SINGLE = {"BSL-1.0", "BSD-3-Clause", "MIT", "PostgreSQL", "Zlib", "blessing"}
 
 
 def hash_of(path):
@@ -42,10 +43,10 @@ def describe_component(component, package, files):
     return described
 
 
-def write_sbom(windows, debian, output):
-    """`windows` and `debian` are the folders that were packed."""
+def write_sbom(folders, output):
+    """`folders` are those that were packed, by package."""
     described, dependencies, top = [], [], []
-    for package, folder in (("win64", windows), ("debian", debian)):
+    for package, folder in folders.items():
         files = [describe_file(package, folder, path) for path in list_files(folder)
                  if "DEBIAN" not in path.relative_to(folder).parts]
         needed = [describe_component(component, package, files)

@@ -15,8 +15,10 @@ import json
 import os
 import pathlib
 import random
+import re
 import shutil
 import signal
+import socket
 import subprocess
 import sys
 import time
@@ -66,9 +68,10 @@ class Fleet:
             f" strategy file_copy")
         shutil.copytree(Fleet.first.store, self.store)
 
-    def start(self, *words, user=None, **more):
-        environment = {**self.environment, **({"PGUSER": user} if user else {})}
-        return subprocess.Popen([PQFLEET, *map(str, words)], env=environment, text=True,
+    def start(self, *words, user=None, program=PQFLEET, **more):
+        environment = {**self.environment, "LD_LIBRARY_PATH": str(BIN),
+                       **({"PGUSER": user} if user else {})}
+        return subprocess.Popen([program, *map(str, words)], env=environment, text=True,
                                 stdout=subprocess.PIPE, stderr=subprocess.PIPE, **more)
 
     def run(self, *words, user=None, **more):
@@ -149,6 +152,9 @@ def digest(fleet):
         " join fleet.object o on o.id = s.object",
         "select string_agg(state || ':' || n, ' ' order by state) from"
         " (select state, count(*) n from fleet.job group by 1) s",
+        "select count(*) || coalesce(md5(string_agg(v.name || (to_jsonb(g) - 'server'), ''"
+        " order by v.name, g.drive)), '') from fleet.drive_growth g"
+        " join fleet.server v on v.id = g.server",
         "select count(*)::text from fleet.submission"]
     return fleet.sql("select " + ", ".join(f"({question})" for question in questions))[0]
 
@@ -320,7 +326,7 @@ def check_commands(fleet):
     watch.communicate()
     # One line for people, not what libpq or a library says by itself.
     for words, code in ((["init"], 2), (["work", "--store", "/nowhere"], 2), (["submit"], 2),
-                        (["query"], 2), (["show"], 2), (["reparse"], 2), (["nothing"], 2),
+                        (["query"], 2), (["show"], 2), (["reparse", "--all", "--current"], 2), (["nothing"], 2),
                         (["status", "--database", "host=/nowhere"], 2),
                         (["status", "--database", "hots=x"], 2),
                         (["status", "--database", "dbname=postgres"], 2),
@@ -1109,13 +1115,8 @@ def test_serve(server):
               "'\"><b>bold", ROOT / "samples" / "no-bmc")
     place(fleet, "missing", None, "<iframe src=//x>")
     fleet.work()
-    # A month ago the drive had fewer errors.
-    fleet.sql("with o as (insert into fleet.object (id, key, bytes, stored) overriding system value"
-              " values (0, sha256('x'), 1, now() - interval '20 days') returning id), s as (insert"
-              " into fleet.submission (server, taken, object) select v.id, now() - interval '20"
-              " days', o.id from o, fleet.server v where v.name = 'NODE31') insert into"
-              " fleet.drive_error (object, drive, serial, media_errors)"
-              " select id, 'x', 'Z4K002C9144', 4 from o")
+    fleet.sql("insert into fleet.drive_growth select id, 'x', 'c', 'Z4K002C9144', 'm', 'HN07', 37, 4,"
+              " now() - interval '20 days' from fleet.server where name = 'NODE31'")
     fleet.sql("update fleet.server set received = now() - interval '3 days' where name = 'vroc'")
     fleet.sql("do $$ begin create role the_reader login; exception when duplicate_object then null;"
               " end $$")
@@ -1169,6 +1170,31 @@ def answers(port):
         return False
 
 
+def test_parquet(server):
+    """docs/examples/parquet.sql: what DuckDB finds in the Parquet file is what the fleet answers."""
+    fleet = Fleet(server)
+    fleet.submit(*SAMPLES, *make_random(server, 120, 1, 8000))
+    fleet.work()
+    folder = pathlib.Path(server.folder) / "parquet"
+    folder.mkdir()
+    ended = fleet.run("export", "--part", "drives", "--output", folder / "drives.ndjson")
+    expect(ended.returncode == 0, f"export: {ended.stderr}")
+    script = ROOT / "docs" / "examples" / "parquet.sql"
+    ran = subprocess.run(["node", ROOT / "tests/fleet/run_duckdb.mjs", script], cwd=folder,
+                         capture_output=True, text=True, timeout=120)
+    expect(ran.returncode == 0, f"DuckDB: {ran.stderr[-500:]}")
+    told = json.loads(ran.stdout)
+    question = "select server, id, serial, firmware, media_errors from drives" \
+               " where media_errors > 0 order by media_errors desc, server, id"
+    asked = list(csv.reader(io.StringIO(fleet.query(question).stdout)))[1:]
+    expect(len(asked) > 3 and [[str(cell) for cell in row] for row in told["rows"]] == asked,
+           f"{len(told['rows'])} rows in DuckDB, {len(asked)} in PostgreSQL")
+    expect(told["types"] == ["VARCHAR"] * 4 + ["BIGINT"], f"types: {told['types']}")
+    parquet = (folder / "drives.parquet").read_bytes()
+    expect(parquet[:4] == parquet[-4:] == b"PAR1" and
+           len(parquet) < (folder / "drives.ndjson").stat().st_size / 5, "it is packed")
+
+
 # --- who may do what ---
 
 def test_roles(server):
@@ -1196,6 +1222,32 @@ def test_roles(server):
                f"{who} {command[0]}: {ended.returncode} {ended.stderr}")
 
 
+def test_watchdog(server):
+    """A service manager hears of each command that goes on, of its workers too."""
+    fleet = Fleet(server)
+    fleet.submit(*SAMPLES)
+    path = f"{server.folder}/notify"
+    with socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM) as manager:
+        manager.bind(path)
+        manager.settimeout(20)
+        spool = pathlib.Path(server.folder) / "notified"
+        spool.mkdir()
+        fleet.environment["NOTIFY_SOCKET"] = path
+        for words in (["work"], ["submit", "--watch", spool], ["serve", "--port", find_port()]):
+            process = fleet.start(*words)
+            try:
+                expect(manager.recv(100) == b"READY=1\nWATCHDOG=1", f"{words[0]} tells that it lives")
+            except TimeoutError:
+                expect(False, f"{words[0]} tells nothing")
+            process.send_signal(signal.SIGTERM)
+            process.communicate(timeout=20)
+            manager.setblocking(False)
+            with contextlib.suppress(BlockingIOError):
+                while manager.recv(100):
+                    pass
+            manager.settimeout(20)
+
+
 # --- builds whose readers differ ---
 
 def test_upgrade(server):
@@ -1221,16 +1273,126 @@ def test_upgrade(server):
     expect(fleet.value("select count(distinct parser) from fleet.result") == "1", "all anew")
 
 
+def read_less(server, name, errors):
+    """The recording of NODE31 whose drive has so many errors instead of 37."""
+    other = pathlib.Path(server.folder) / name
+    if other.exists():
+        return other
+    shutil.copytree(ROOT / "samples" / "two-socket-server", other)
+    text = other / "storcli" / "c0_eall_sall_show_all.txt"
+    content = text.read_bytes()
+    expect(content.count(b"Media Error Count = 37") == 1, "one drive has errors")
+    text.write_bytes(content.replace(b"Media Error Count = 37", b"Media Error Count = %d" % errors))
+    return other
+
+
+def other_build(server, name, readers=()):
+    """A program that is this one but for the digests of its readers: of all, and of those named."""
+    source = (BIN.parent / "fleet" / "parser_sources.cpp").read_text()
+    digests = dict(re.findall(r'\{"(\w+)", "([0-9a-f]{64})"\}', source))
+    changed = [re.search(r'kParserSources = "([0-9a-f]{64})"', source)[1]]
+    changed += [digests[reader] for reader in readers]
+    program = pathlib.Path(PQFLEET).read_bytes()
+    for digest in changed:
+        expect(program.count(digest.encode()) == 1, f"{name}: the digest is in the program once")
+        program = program.replace(digest.encode(), hashlib.sha256(
+            (name + digest).encode()).hexdigest().encode())
+    path = pathlib.Path(server.folder) / f"pqfleet-{name}"
+    path.write_bytes(program)
+    path.chmod(0o755)
+    return str(path)
+
+
+def test_builds(server):
+    """Two versions at once, there and back."""
+    fleet = Fleet(server)
+    fleet.submit(*SAMPLES)
+    fleet.work()
+    before = digest(fleet)
+    # Another version of the same readers, and one of others.
+    same = other_build(server, "same")
+    other = other_build(server, "other", ("raid", "answers"))
+    expect(fleet.run("reparse").stdout == "0 recordings ready\n", "all is by these readers")
+    fleet.run("init", "--upgrade", program=same)
+    expect(fleet.run("reparse", program=same).stdout == "0 recordings ready\n", "the same readers")
+    ended = fleet.run("init", "--upgrade", program=other)
+    expect(ended.returncode == 0 and "of which others: answers, raid" in ended.stdout,
+           f"what changed is told: {ended.stdout}{ended.stderr}")
+    fleet.run("submit", "--site", "later", *make_random(server, 100, 1, 7000))  # The door is of any version.
+    # The former program's workers write nothing any more, nor does a submission make them.
+    ended = fleet.run("work", "--once")
+    expect(ended.returncode == 2 and "other readers" in ended.stderr, f"former: {ended.stderr}")
+    ended = fleet.run("work", "--once", program=other)
+    expect("100 done" in ended.stderr, f"what is new: {ended.stderr}")
+    told = json.loads(fleet.run("status", "--format", "json").stdout)
+    expect([one["count"] for one in told["parsedBy"]] == [100, len(SAMPLES)] and
+           told["readers"] == told["parsedBy"][0]["readers"], f"versions at work: {told}")
+    ended = fleet.run("reparse", program=other)
+    expect(ended.stdout == f"{len(SAMPLES)} recordings ready\n", f"the rest: {ended.stdout}")
+    # An upgrade while a worker of the former build is in the midst of a batch.
+    fleet.run("reparse", "--all")
+    worker = fleet.start("work", "--once", program=other)
+    await_true(lambda: fleet.value("select count(*) from fleet.job where state = 1") != "0")
+    worker.send_signal(signal.SIGSTOP)
+    ended = fleet.run("init", "--upgrade")
+    expect(ended.returncode == 0 and "of which others: answers, raid" in ended.stdout,
+           f"back: {ended.stdout}{ended.stderr}")
+    fleet.work()
+    fleet.run("reparse")
+    fleet.work()
+    worker.send_signal(signal.SIGCONT)
+    errors = worker.communicate(timeout=60)[1]
+    expect(worker.returncode == 2 and "other readers" in errors, f"it ends: {errors}")
+    expect(fleet.value("select count(distinct parser) from fleet.result") == "1" and
+           fleet.run("reparse").stdout == "0 recordings ready\n", "the newer ones' facts stay")
+    fleet.run("forget", "--whole-site", "later")
+    expect(not differences(before, digest(fleet)), f"as it was: {differences(before, digest(fleet))}")
+
+
+def test_versions(server):
+    """Tables of the first version, and of one to come."""
+    fleet = Fleet(server)
+    fleet.run("submit", read_less(server, "earlier", 4), "--server", "NODE31")
+    fleet.run("submit", ROOT / "samples" / "two-socket-server", "--server", "NODE31")
+    fleet.sql("update fleet.submission set taken = now() - interval '20 days', note = null where object ="
+              " (select min(id) from fleet.object)")
+    fleet.work()
+    before = digest(fleet)
+    grown = fleet.query("select drive, media_errors, media_errors_before from growing_drives").stdout
+    expect(grown.count("\n") == 2 and grown.endswith(",37,4\n"), f"the drive grew: {grown}")
+    fleet.sql("drop table fleet.drive_growth cascade; drop table fleet.schema_version;"
+              "alter table fleet.parser drop column readers")
+    for words in (["work", "--once"], ["query", "select 1"], ["status"], ["submit", SAMPLES[0]]):
+        ended = fleet.run(*words)
+        expect(ended.returncode == 2 and "of version 1" in ended.stderr and
+               "init --upgrade" in ended.stderr, f"{words[0]} on the first: {ended.stderr}")
+    ended = fleet.run("reparse", "--shadow")
+    expect(ended.returncode == 0, f"a look before the upgrade: {ended.stdout}{ended.stderr}")
+    # A step that fails leaves all as it was.
+    fleet.sql("create table fleet.drive_growth ()")
+    ended = fleet.run("init", "--upgrade")
+    expect(ended.returncode == 1 and "already exists" in ended.stderr and fleet.value(
+        "select to_regclass('fleet.schema_version')") is None and fleet.value(
+            "select count(*) from fleet.verdict_now") == "1", f"whole or not: {ended.stderr}")
+    fleet.sql("drop table fleet.drive_growth")
+    ended = fleet.run("init", "--upgrade")
+    expect(ended.returncode == 0 and "version 1 brought to 2" in ended.stdout,
+           f"the step: {ended.stdout}{ended.stderr}")
+    expect(not differences(before, digest(fleet)), "the step makes what the worker makes")
+    expect(fleet.run("init", "--upgrade").returncode == 0, "once more is no step")
+    fleet.sql("update fleet.schema_version set version = 99")
+    for words in (["work", "--once"], ["query", "select 1"], ["status"], ["init", "--upgrade"],
+                  ["submit", SAMPLES[0]], ["reparse", "--shadow"], ["rebuild"]):
+        ended = fleet.run(*words)
+        expect(ended.returncode == 2 and "of version 99" in ended.stderr and
+               "or a newer one" in ended.stderr, f"{words[0]} on a newer one: {ended.stderr}")
+
+
 def test_shadow(server):
     """Rows of readers that read 4 where these read 37, and know no firmware."""
     fleet = Fleet(server)
     sample = ROOT / "samples" / "two-socket-server"
-    other = pathlib.Path(server.folder) / "other"
-    shutil.copytree(sample, other)
-    text = other / "storcli" / "c0_eall_sall_show_all.txt"
-    content = text.read_bytes()
-    expect(content.count(b"Media Error Count = 37") == 1, "one drive has errors")
-    text.write_bytes(content.replace(b"Media Error Count = 37", b"Media Error Count = 4"))
+    other = read_less(server, "other", 4)
     fleet.run("submit", other, "--server", "one")
     fleet.run("submit", sample, "--server", "two")
     fleet.work()

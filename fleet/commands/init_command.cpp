@@ -55,8 +55,8 @@ int RunInit(const InitOptions& options, const host::Console& console) {
   if (settings.store) {
     console.out << fmt::format("recordings are kept in {}\n", host::PathText(*settings.store));
   }
-  if (state == SchemaState::kOther) {
-    console.error << "what was parsed before stays as it is until pqfleet reparse --all\n";
+  if (state == SchemaState::kOther || state == SchemaState::kOlder) {
+    console.error << "what was parsed before stays as it is until pqfleet reparse\n";
   }
   return host::kExitDone;
 }

@@ -29,7 +29,7 @@ int RunRebuild(const GivenSettings& given, const host::Console& console) {
   const RowTables tables;
   const Schema schema = OpenSchema(connection, tables);
   const std::size_t ready = RunTransaction(connection, [&] {
-    std::string names = "server_state, result, drive_error";
+    std::string names = "server_state, result, drive_error, drive_growth";
     for (const RowTable& table : tables.All()) names += ", " + QuoteName(table.name);
     connection.Run("truncate " + names + "; update server set severity = default");
     connection.Ask(

@@ -23,13 +23,16 @@ namespace fleet {
 namespace {
 
 constexpr char kFooter[] = R"(Examples:
-  pqfleet init --upgrade && pqfleet reparse --all     after an update of this program
+  pqfleet init --upgrade && pqfleet reparse     after an update of this program
+  pqfleet reparse --all
   pqfleet reparse --current                           each server's newest recording
   pqfleet reparse --server NODE31
 
   pqfleet reparse --shadow                            what would an update change?
 
 It makes recordings ready; pqfleet work parses them and writes what changed.
+Without an option these are the ones that other readers parsed than those that
+the database is made for now.
 With --shadow nothing is made ready or written: this program, which need not be
 the one that the database is made for, parses each server's newest recording, and
 tells what the database has otherwise: of each table how many rows, with ten
@@ -50,7 +53,8 @@ int RunShadow(const ReparseOptions& options, const host::Console& console) {
   const Settings settings = ReadSettings(options.settings);
   const Store store(RequireStore(settings));
   Connection connection(settings.database, "pqfleet reparse --shadow");
-  RequireSchema(connection);
+  // Before an upgrade is when it is asked.
+  RequireSchema(connection, Older::kAccepted);
   connection.Run("begin read only");
   const RowTables tables;
   Parser parser(tables);
@@ -79,13 +83,17 @@ int RunReparse(const ReparseOptions& options, const host::Console& console) {
   }
   const int asked =
       (options.all ? 1 : 0) + (options.current ? 1 : 0) + (options.servers.empty() ? 0 : 1);
-  if (asked != 1) {
+  if (asked > 1) {
     throw host::UsageError("say which recordings: --all, --current or --server NAME, one of them");
   }
   const Settings settings = ReadSettings(options.settings);
   Connection connection(settings.database, "pqfleet reparse");
   RequireSchema(connection);
-  const char* which = "true";
+  // Builds of another version may have the same readers.
+  const char* which =
+      "not exists (select from result r join parser q on q.id = r.parser "
+      "where r.object = j.object and q.readers = p.readers)";
+  if (options.all) which = "true";
   if (options.current) which = "j.object in (select object from server_state)";
   if (!options.servers.empty()) {
     which =
@@ -103,7 +111,7 @@ int RunReparse(const ReparseOptions& options, const host::Console& console) {
 
 host::CommandRun Define(host::OptionSet& set) {
   const auto options = std::make_shared<ReparseOptions>();
-  set.AddFlag("--all", options->all, "All recordings");
+  set.AddFlag("--all", options->all, "All recordings, also those that these readers parsed");
   set.AddFlag("--current", options->current, "Those whose rows are in the database");
   set.AddTexts("--server", "NAME", options->servers, "Those of this server; may be repeated");
   set.AddFlag("--shadow", options->isShadow, "Tell what would change, and change nothing");

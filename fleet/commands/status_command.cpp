@@ -44,6 +44,7 @@ struct Status {
   std::vector<std::pair<std::string, std::int64_t>>
       numbers;  ///< in the order in which they are told
   std::vector<std::pair<std::string, std::int64_t>> reasons;  ///< why so many are parked
+  std::vector<std::pair<std::string, std::int64_t>> parsers;  ///< which readers parsed so many
   std::string oldest;                                         ///< waiting; empty: none
 };
 
@@ -75,6 +76,12 @@ Status FindStatus(Connection& connection) {
   for (std::size_t row = 0; row < reasons.RowCount(); ++row) {
     status.reasons.emplace_back(reasons.At(row, 0), reasons.NumberAt(row, 1));
   }
+  const Answer parsers = connection.Ask(
+      "select p.version, count(*) from result r join parser p on p.id = r.parser "
+      "group by p.id order by p.id desc");
+  for (std::size_t row = 0; row < parsers.RowCount(); ++row) {
+    status.parsers.emplace_back(parsers.At(row, 0), parsers.NumberAt(row, 1));
+  }
   return status;
 }
 
@@ -83,6 +90,12 @@ void WriteJson(const Status& status, std::ostream& out) {
   json.AddText("readers", status.readers);
   for (const auto& [name, number] : status.numbers) json.AddNumber(name, number);
   if (!status.oldest.empty()) json.AddText("oldestWaiting", status.oldest);
+  json.Add("parsedBy", [&](std::string& text) {
+    host::AppendJsonList(text, status.parsers, [](std::string& list, const auto& one) {
+      list +=
+          host::JsonObject().AddText("readers", one.first).AddNumber("count", one.second).Take();
+    });
+  });
   json.Add("parkedBy", [&](std::string& text) {
     host::AppendJsonList(text, status.reasons, [](std::string& list, const auto& one) {
       list += host::JsonObject().AddText("reason", one.first).AddNumber("count", one.second).Take();
@@ -100,6 +113,9 @@ void WriteTable(const Status& status, std::ostream& out) {
     out << fmt::format("{:12} {}\n", label, number);
   }
   if (!status.oldest.empty()) out << fmt::format("{:12} {}\n", "waiting from", status.oldest);
+  for (const auto& [readers, count] : status.parsers) {
+    out << fmt::format("{:12} {:>5} {}\n", "parsed by", count, readers);
+  }
   for (const auto& [reason, count] : status.reasons) {
     out << fmt::format("parked {:>5} {}\n", count, host::EscapeControls(reason));
   }

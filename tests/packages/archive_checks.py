@@ -20,6 +20,7 @@ WINDOWS = f"{NAME}-{VERSION}-win64"
 ZIP = WINDOWS + ".zip"
 MSI = WINDOWS + ".msi"
 DEBIAN = f"{NAME}_{VERSION}_amd64.deb"
+FLEET = f"pqfleet_{VERSION}_amd64.deb"
 SBOM = f"{NAME}-{VERSION}.cdx.json"
 SCHEMAS = ROOT / "node_modules" / "@cyclonedx" / "cyclonedx-library" / "res" / "schema"
 
@@ -43,7 +44,7 @@ def pack_twice(tally, work):
     time.sleep(1)
     second = pack(work / "elsewhere" / "second", TZ="Asia/Tokyo", LANG="de_DE.UTF-8")
     names = [sorted(path.name for path in folder.iterdir()) for folder in (first, second)]
-    tally.expect(names[0] == names[1] == sorted([ZIP, MSI, DEBIAN, SBOM, "SHA256SUMS"]),
+    tally.expect(names[0] == names[1] == sorted([ZIP, MSI, DEBIAN, FLEET, SBOM, "SHA256SUMS"]),
                  f"the packages are {names}")
     for name in names[0]:
         tally.expect((first / name).read_bytes() == (second / name).read_bytes(),
@@ -89,6 +90,7 @@ def check_paths(tally, packages, work):
     with zipfile.ZipFile(packages / ZIP) as archive:
         archive.extractall(work / "paths")
     run("dpkg-deb", "-x", packages / DEBIAN, work / "paths" / "debian")
+    run("dpkg-deb", "-x", packages / FLEET, work / "paths" / "fleet")
     files = [path for path in (work / "paths").rglob("*") if path.is_file()]
     for path in files:
         found = str(ROOT).encode() in path.read_bytes()
@@ -97,7 +99,7 @@ def check_paths(tally, packages, work):
 
 def check_sums(tally, packages):
     ran = run("sha256sum", "--check", "--strict", "SHA256SUMS", cwd=packages)
-    tally.expect(ran.returncode == 0 and ran.stdout.count(": OK") == 4, ran.stdout + ran.stderr)
+    tally.expect(ran.returncode == 0 and ran.stdout.count(": OK") == 5, ran.stdout + ran.stderr)
 
 
 def make_validator():
@@ -146,19 +148,27 @@ def check_sbom(tally, packages, work):
     told = {}
     list_told_files({"components": bom["components"]}, told)
     shipped = {}
-    for package, folder in (("win64", work / "paths" / WINDOWS), ("debian", work / "paths" / "debian")):
+    for package, folder in (("win64", work / "paths" / WINDOWS), ("debian", work / "paths" / "debian"),
+                            ("fleet", work / "paths" / "fleet")):
         for path in folder.rglob("*"):
             if path.is_file():
                 shipped[f"{package}/{path.relative_to(folder).as_posix()}"] = hashlib.sha256(
                     path.read_bytes()).hexdigest()
     tally.expect(told == shipped, f"{SBOM} tells other files: {set(told.items()) ^ set(shipped.items())}")
     sqlite = [c["version"] for c in bom["components"] if c["name"] == "SQLite"]
-    tally.expect(len(sqlite) == 2, f"{SBOM} has SQLite {sqlite}")
-    needed = set(re.findall(r"NEEDED.*\[lib(\w+?)[-.\d]*\.so", run(
-        "readelf", "-d", work / "paths" / "debian" / "usr" / "bin" / NAME).stdout))
+    tally.expect(len(sqlite) == 3, f"{SBOM} has SQLite {sqlite}")
+    for package, program in (("debian", NAME), ("fleet", "pqfleet")):
+        check_needed(tally, bom, package, work / "paths" / package / "usr" / "bin" / program)
+
+
+def check_needed(tally, bom, package, program):
+    """Whether the list knows the libraries that a program is linked with."""
+    needed = set(re.findall(r"NEEDED.*\[lib([\w+-]+?)[-.\d]*\.so",
+                            run("readelf", "-d", program).stdout))
     names = {"sqlite": "SQLite", "nettle": "Nettle", "z": "zlib", "stdc++": "GCC runtime",
-             "gcc_s": "GCC runtime", "c": "GNU C library", "m": "GNU C library"}
-    known = {c["name"] for c in bom["components"] if c["bom-ref"].startswith("debian:")}
+             "gcc_s": "GCC runtime", "c": "GNU C library", "m": "GNU C library",
+             "pq": "PostgreSQL client library", "cpp-httplib": "cpp-httplib"}
+    known = {c["name"] for c in bom["components"] if c["bom-ref"].startswith(f"{package}:")}
     lacking = {library for library in needed if names.get(library) not in known}
     tally.expect(needed and not lacking, f"{SBOM} lacks {lacking} of {needed}")
 

@@ -26,6 +26,7 @@ def main():
         archive_checks.check_sbom(tally, packages, work)
         archive_checks.check_signatures(tally, work)
         debian_checks.check_debian(tally, packages, work)
+        debian_checks.check_fleet(tally, packages, work)
         windows_checks.check_windows(tally, packages, work)
     return tally.end()
 
