@@ -243,7 +243,7 @@ Parsed Parser::Read(host::Recording recording, const std::optional<host::LocalTi
   for (const host::PartTable& part : host::GetPartTables()) {
     std::string rows;
     for (std::size_t row = 0; row < part.count(assessment.parts); ++row) {
-      AppendDescribed(rows, part.columns, part.at(assessment.parts, row));
+      AppendDescribed(rows, part.columns, *part.at(assessment.parts, row));
     }
     add(*tables.Find(NamePartTable(part.name)), std::move(rows));
   }
