@@ -195,7 +195,7 @@ std::string DescribeReaders() {
   return readers.Take();
 }
 
-Parser::Parser(const RowTables& tables) : tables(tables) {
+Parser::Parser(const RowTables& tables) : tables(tables), judge({.opensNoFile = true}) {
   tzset();
   for (const std::uint32_t codePage : host::kRecordingCodePages) {
     decoders.push_back(std::make_unique<host::TextDecoder>(codePage));

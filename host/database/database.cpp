@@ -140,10 +140,10 @@ DatabaseLimitError MakeTimeout(std::chrono::seconds timeLimit) {
 Database::Database(std::chrono::seconds queryTime, Temporary temporary)
     : queryTime(queryTime), temporary(temporary) {
   // SQLite's own temporary file: made when the memory for it is used up, and deleted at once.
-  constexpr char kNoName[] = "";
+  const char* const name = temporary == Temporary::kNoFile ? ":memory:" : "";
   constexpr char kMemory[] = "PRAGMA cache_size=-8192";  // KiB
   try {
-    if (sqlite3_open(kNoName, &handle) != SQLITE_OK) FailAsSqlite(handle);
+    if (sqlite3_open(name, &handle) != SQLITE_OK) FailAsSqlite(handle);
     Execute(handle, kMemory);
   } catch (const DatabaseError&) {
     sqlite3_close(handle);

@@ -68,6 +68,7 @@ class Database {
   enum class Temporary {
     kInMemory,  ///< so that an endless query meets its limit
     kInFile,    ///< of nobody but the owner, gone with the program; for queries of our own
+    kNoFile,    ///< nor is any other table in one: for a process that may open none
   };
   /// An empty one of no name. Beyond a few megabytes it is in such a file, too: rows take many
   /// times the memory of the text that they are of.

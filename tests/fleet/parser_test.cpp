@@ -11,6 +11,7 @@
 #include "fleet/batch.h"
 #include "fleet/isolation.h"
 #include "host/recording/recording_writer.h"
+#include "tests/support/many_events.h"
 #include "tests/support/random_recording.h"
 #include "tests/support/samples.h"
 
@@ -77,6 +78,17 @@ TEST_F(Parser, OpensNothingOnceItIsWarm) {
     EXPECT_EQ(isolated.failure, "");
     EXPECT_EQ(isolated.answer, fleet::Pack(Parse(sample)));
   }
+}
+
+TEST_F(Parser, OpensNothingForRowsOfManyMegabytes) {
+  const host::Recording recording = test::MakeMachineOfManyEvents(60000);
+  const std::string zip = Zip(recording);
+  const fleet::IsolatedAnswer isolated = fleet::RunIsolated(
+      [&] {
+        return fleet::Pack(parser.Parse(zip, host::ComputeContentKey(recording), MakeTime()));
+      },
+      {}, fleet::Sandbox::kStrict);
+  EXPECT_EQ(isolated.failure, "");
 }
 
 TEST_F(Parser, OpensNothingForAnyCodePage) {

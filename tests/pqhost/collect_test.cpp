@@ -59,7 +59,7 @@ class MadeRecording {
 };
 
 /// The "event" of every line of a trace, with what is told of it.
-Words Events(const std::string& trace) {
+Words ListEvents(const std::string& trace) {
   Words events;
   std::istringstream lines(trace);
   std::string line;
@@ -122,7 +122,7 @@ TEST(Collect, TellsASubmissionThatCannotBeReadAndGoesOn) {
 TEST(Collect, TracesModuleLayoutAndEnumerationInOrder) {
   const HostRun run = ReplayServer({"--module", "Windows_Related_Info", "--trace", "-"});
   EXPECT_EQ(run.exitCode, 0);
-  EXPECT_THAT(Events(run.out),
+  EXPECT_THAT(ListEvents(run.out),
               ElementsAre("module Windows_Related_Info", "layout ARPINFO", "enumerate ARPINFO",
                           "layout NETSTATINFO", "enumerate NETSTATINFO"));
 }
@@ -130,7 +130,7 @@ TEST(Collect, TracesModuleLayoutAndEnumerationInOrder) {
 TEST(Collect, EnumeratesATableNamedTwiceTwice) {
   const HostRun run =
       ReplayServer({"--table", "NETSTATINFO", "--table", "NETSTATINFO", "--trace", "-"});
-  EXPECT_THAT(Events(run.out),
+  EXPECT_THAT(ListEvents(run.out),
               ElementsAre("module Windows_Related_Info", "layout NETSTATINFO",
                           "enumerate NETSTATINFO", "layout NETSTATINFO", "enumerate NETSTATINFO"));
 }
@@ -568,7 +568,8 @@ TEST(Query, SaysWhatIsWrongWithAQuery) {
   const HostRun run =
       RunHost({"query", "--replay", Sample("two-socket-server"), "SELECT * FROM NOWHERE"});
   EXPECT_EQ(run.exitCode, 2);
-  EXPECT_EQ(run.error, "pqhost: no such table: NOWHERE; SELECT name FROM sqlite_schema lists them\n");
+  EXPECT_EQ(run.error,
+            "pqhost: no such table: NOWHERE; SELECT name FROM sqlite_schema lists them\n");
 }
 
 TEST(Program, SaysHowItIsUsed) {

@@ -48,6 +48,7 @@ struct HealthOptions {
   std::vector<Suppression> suppressions = {};
   std::vector<std::string> required = {};  ///< sources that have to be there
   std::optional<std::string> asOf = {};    ///< as ReadWallTime reads it
+  bool opensNoFile = false;                ///< as a process that may not: memory holds all
 };
 
 /// Throws HealthFileError for the first suppression that is of none of the rules, the user's among

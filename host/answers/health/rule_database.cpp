@@ -263,7 +263,10 @@ struct RuleDatabase::Question {
 };
 
 RuleDatabase::RuleDatabase(const HealthOptions& options, const Collection* collection)
-    : options(options), recentDays(FindSetting(options.settings, "recent_days")) {
+    : options(options),
+      recentDays(FindSetting(options.settings, "recent_days")),
+      database(kUsualQueryTime,
+               options.opensNoFile ? Database::Temporary::kNoFile : Database::Temporary::kInFile) {
   // Nothing is ever taken back.
   database.Run("PRAGMA journal_mode=OFF");
   if (collection != nullptr) {

@@ -46,7 +46,7 @@ class RuleDatabase {
   const Parts* parts = &none;  ///< of the machine at hand
   std::optional<std::int64_t> now;
   double recentDays;
-  Database database{kUsualQueryTime, Database::Temporary::kInFile};
+  Database database;
   std::vector<Table> tables;
   std::vector<Question> questions;
 };
