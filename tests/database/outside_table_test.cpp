@@ -30,7 +30,7 @@ OutsideTable MakeWheels(const std::vector<Wheel>& wheels) {
 }
 
 /// The answer's values, each with a bar after it.
-std::string Ask(Database& database, const std::string& sql) {
+std::string AskOutside(Database& database, const std::string& sql) {
   std::string told;
   database.Query(
       sql, [](const Database::Names&) {},
@@ -44,10 +44,11 @@ TEST(OutsideTable, IsReadWhereItIs) {
   std::vector<Wheel> wheels{{"left", 7}, {"right", std::nullopt}};
   Database database;
   database.AddTable(MakeWheels(wheels));
-  EXPECT_EQ(Ask(database, "SELECT name, size FROM wheels"), "left|7|right||");
+  EXPECT_EQ(AskOutside(database, "SELECT name, size FROM wheels"), "left|7|right||");
   wheels.push_back({"spare", 5});
-  EXPECT_EQ(Ask(database, "SELECT name FROM wheels WHERE size < 7"), "spare|");
-  EXPECT_EQ(Ask(database, "SELECT count(*) FROM wheels a JOIN wheels b ON a.name = b.name"), "3|");
+  EXPECT_EQ(AskOutside(database, "SELECT name FROM wheels WHERE size < 7"), "spare|");
+  EXPECT_EQ(AskOutside(database, "SELECT count(*) FROM wheels a JOIN wheels b ON a.name = b.name"),
+            "3|");
 }
 
 // SQLite, through which nothing may be thrown, has words for it.
@@ -73,8 +74,8 @@ TEST(OutsideTable, ComesBeforeATableOfItsName) {
   Database database;
   database.Run("CREATE TABLE wheels (name)");
   database.AddTable(MakeWheels(wheels));
-  EXPECT_EQ(Ask(database, "SELECT name FROM wheels"), "left|");
-  EXPECT_EQ(Ask(database, "SELECT count(*) FROM main.wheels"), "0|");
+  EXPECT_EQ(AskOutside(database, "SELECT name FROM wheels"), "left|");
+  EXPECT_EQ(AskOutside(database, "SELECT count(*) FROM main.wheels"), "0|");
 }
 
 TEST(OutsideTable, IsNotChanged) {
@@ -83,7 +84,7 @@ TEST(OutsideTable, IsNotChanged) {
   database.AddTable(MakeWheels(wheels));
   for (const char* sql : {"DELETE FROM wheels", "UPDATE wheels SET size = 1", "DROP TABLE wheels",
                           "INSERT INTO wheels VALUES ('new', 1)"}) {
-    EXPECT_THROW(Ask(database, sql), host::DatabaseError) << sql;
+    EXPECT_THROW(AskOutside(database, sql), host::DatabaseError) << sql;
   }
 }
 

@@ -22,24 +22,24 @@ host::Recording MakeMachine(const std::string& log) {
   return machine;
 }
 
-Parts Read(const host::Recording& machine) {
+Parts ReadAmt(const host::Recording& machine) {
   return host::ReadParts(host::Collect(machine, host::Selection{{"AMT_Info"}, {}}));
 }
 
-std::string FindSource(const Parts& parts) {
+std::string FindAmtSource(const Parts& parts) {
   const auto source = std::find_if(parts.sources.begin(), parts.sources.end(),
                                    [](const auto& one) { return one.id == "amt"; });
   return source == parts.sources.end() ? "" : source->state + ": " + source->observed;
 }
 
 TEST(AmtParts, AreEntriesWithDeviceAndText) {
-  const Parts parts = Read(
+  const Parts parts = ReadAmt(
       MakeMachine("AMT event log of 192.0.2.1, 3 records\n\n"
                   "  1  2022-03-07 06:58:11  Informational  System firmware    Starting  to boot\n"
                   "  2  2022-03-08 06:56:20  Critical       Watchdog           Agent stopped\n"
                   "  3  2022-03-08 06:56\n"
                   "\nEnd of log.\n"));
-  EXPECT_EQ(FindSource(parts), "read: ");
+  EXPECT_EQ(FindAmtSource(parts), "read: ");
   ASSERT_EQ(parts.events.size(), 2U);
   const host::Event& event = parts.events[1];
   EXPECT_EQ(event.id, "amt 2");
@@ -56,28 +56,29 @@ TEST(AmtParts, AreEntriesWithDeviceAndText) {
 }
 
 TEST(AmtSource, IsReadWithAnEmptyLog) {
-  EXPECT_EQ(FindSource(Read(MakeMachine("AMT event log of 192.0.2.1, 0 records\n\nEnd of log.\n"))),
-            "read: ");
+  EXPECT_EQ(
+      FindAmtSource(ReadAmt(MakeMachine("AMT event log of 192.0.2.1, 0 records\n\nEnd of log.\n"))),
+      "read: ");
 }
 
 TEST(AmtSource, FailsWhenTheLogBreaksOff) {
-  const Parts parts = Read(MakeMachine(
+  const Parts parts = ReadAmt(MakeMachine(
       "AMT event log of 192.0.2.1, 3 records\n\n"
       "  1  2022-03-07 06:58:11  Informational  System firmware    Starting to boot\n"));
-  EXPECT_EQ(FindSource(parts), "failed: the log breaks off: 1 of 3 records");
+  EXPECT_EQ(FindAmtSource(parts), "failed: the log breaks off: 1 of 3 records");
   EXPECT_EQ(parts.events.size(), 1U);
 }
 
 TEST(AmtSource, FailsWithTextThatIsNoLog) {
-  const Parts parts = Read(MakeMachine("Error: cannot connect\n"));
-  EXPECT_EQ(FindSource(parts), "failed: no entry in the log");
+  const Parts parts = ReadAmt(MakeMachine("Error: cannot connect\n"));
+  EXPECT_EQ(FindAmtSource(parts), "failed: no entry in the log");
   EXPECT_THAT(parts.events, IsEmpty());
 }
 
 TEST(AmtSource, IsNoneWithoutALogin) {
   host::Recording machine = MakeMachine("");
   machine.console = "\n";
-  EXPECT_EQ(FindSource(Read(machine)), "none: no AMT address and credentials were given");
+  EXPECT_EQ(FindAmtSource(ReadAmt(machine)), "none: no AMT address and credentials were given");
 }
 
 }  // namespace

@@ -43,8 +43,7 @@ std::string Drives(const std::string& lines) {
   return Section("Physical Device information", lines);
 }
 
-constexpr char kEnclosure[] =
-    "      Device #9\n         Device is an Enclosure services device\n";
+constexpr char kEnclosure[] = "      Device #9\n         Device is an Enclosure services device\n";
 
 std::string Volume(int number, const std::string& segments) {
   return "Logical Device number " + std::to_string(number) +
@@ -58,7 +57,7 @@ std::string Volumes(const std::string& lines) {
   return Section("Logical device information", lines);
 }
 
-Parts Read(const std::string& text) {
+Parts ReadConfig(const std::string& text) {
   Parts parts;
   host::ReadArcconfConfig({text, {"PMCLINK", 1, "Controller_Config", 0, "arcconf"}, "mchp1"},
                           parts);
@@ -73,16 +72,16 @@ std::vector<std::string> ListIds(const auto& table) {
 
 TEST(ArcconfConfig, HasTheControllerByItsLabels) {
   const Parts parts =
-      Read("Controllers found: 1\n" +
-           Controller("   Controller Model                         : Orvane 3254\n"
-                      "   Controller Serial Number                 : OV41F\n"
-                      "   Temperature                              : 41 C/ 105 F (Normal)\n"
-                      "   Defunct disk drive count                 : 2\n"
-                      "   Logical devices/Failed/Degraded          : 4/1/2\n" +
-                      Heading("Controller Version Information") +
-                      "   Firmware                                 : 3.21[0]\n" +
-                      Heading("Temperature Sensors Information") +
-                      "   Current Value                            : 77 deg C\n"));
+      ReadConfig("Controllers found: 1\n" +
+                 Controller("   Controller Model                         : Orvane 3254\n"
+                            "   Controller Serial Number                 : OV41F\n"
+                            "   Temperature                              : 41 C/ 105 F (Normal)\n"
+                            "   Defunct disk drive count                 : 2\n"
+                            "   Logical devices/Failed/Degraded          : 4/1/2\n" +
+                            Heading("Controller Version Information") +
+                            "   Firmware                                 : 3.21[0]\n" +
+                            Heading("Temperature Sensors Information") +
+                            "   Current Value                            : 77 deg C\n"));
   ASSERT_EQ(parts.controllers.size(), 1U);
   const host::Controller& controller = parts.controllers[0];
   EXPECT_EQ(controller.id, "mchp1");
@@ -103,10 +102,11 @@ TEST(ArcconfConfig, HasTheControllerByItsLabels) {
 }
 
 TEST(ArcconfConfig, FindsValuesInAnyColumnAndWithEmptyLinesBetween) {
-  const Parts parts = Read(std::string(kRule) + "\r\n\r\nController information\r\n\r\n" + kRule +
-                           "\r\n   Controller Status : Optimal\r\n\r\n"
-                           "   PCI Address (Domain:Bus:Device:Function)   : 0:af:0:0\r\n\r\n"
-                           "   Controller Serial Number       :    A: 1\r\n");
+  const Parts parts =
+      ReadConfig(std::string(kRule) + "\r\n\r\nController information\r\n\r\n" + kRule +
+                 "\r\n   Controller Status : Optimal\r\n\r\n"
+                 "   PCI Address (Domain:Bus:Device:Function)   : 0:af:0:0\r\n\r\n"
+                 "   Controller Serial Number       :    A: 1\r\n");
   ASSERT_EQ(parts.controllers.size(), 1U);
   EXPECT_EQ(parts.controllers[0].status, "Optimal");
   EXPECT_EQ(parts.controllers[0].serial, "A: 1");
@@ -122,13 +122,13 @@ TEST(ArcconfConfig, PartsALabelThatHoldsColons) {
 }
 
 TEST(ArcconfConfig, HasNoPartsWithoutAController) {
-  const Parts parts = Read("Controllers found: 0\n\nCommand completed successfully.\n");
+  const Parts parts = ReadConfig("Controllers found: 0\n\nCommand completed successfully.\n");
   EXPECT_THAT(parts.controllers, IsEmpty());
   EXPECT_THAT(parts.unread, IsEmpty());
 }
 
 TEST(ArcconfConfig, HasADriveWithItsCountersAtTheirHighest) {
-  const Parts parts = Read(
+  const Parts parts = ReadConfig(
       Drives(DriveLines(3, "Online",
                         "         Transfer Speed                     : SAS 12.0 Gb/s\n"
                         "         Vendor                             :\n"
@@ -178,18 +178,18 @@ TEST(ArcconfConfig, HasADriveWithItsCountersAtTheirHighest) {
 
 TEST(ArcconfConfig, CallsADriveAsTheToolDoes) {
   // The list's own number is the drive's only where no other is told.
-  const Parts parts =
-      Read(Drives("   Channel #1:\n      Transfer Speed : Ultra320\n"
-                  "      Device #4\n         Device is a Hard drive\n         State : Online\n"
-                  "      Device #5\n         Device is a Hard drive\n"
-                  "         Reported Channel,Device(T:L)       : 0,40(40:0)\n"));
+  const Parts parts = ReadConfig(
+      Drives("   Channel #1:\n      Transfer Speed : Ultra320\n"
+             "      Device #4\n         Device is a Hard drive\n         State : Online\n"
+             "      Device #5\n         Device is a Hard drive\n"
+             "         Reported Channel,Device(T:L)       : 0,40(40:0)\n"));
   EXPECT_THAT(ListIds(parts.drives), ElementsAre("mchp1 1,4", "mchp1 0,40"));
   EXPECT_EQ(parts.drives[0].interfaceName, "");
 }
 
 TEST(ArcconfConfig, TakesNoFailureReasonWhereThereWasNoFailure) {
   const Parts parts =
-      Read(Drives(DriveLines(0, "Online", "         Last Failure Reason : No Failure\n")));
+      ReadConfig(Drives(DriveLines(0, "Online", "         Last Failure Reason : No Failure\n")));
   EXPECT_EQ(parts.drives.at(0).failureReason, "");
 }
 
@@ -216,7 +216,8 @@ TEST(ArcconfConfig, MayLackDrivesWhereNothingFollowsThem) {
   };
   const std::string bare = Controller("") + Drives(drives);
   const std::string doubt =
-      "has neither its first nor its last line and ends with a drive, so that others may be missing";
+      "has neither its first nor its last line and ends with a drive, so that others may be "
+      "missing";
   EXPECT_EQ(tell(bare), doubt);
   EXPECT_EQ(tell(bare + "\n\n"), doubt);
   EXPECT_EQ(tell(bare + "   Channel #1:\n"), "");
@@ -228,7 +229,7 @@ TEST(ArcconfConfig, MayLackDrivesWhereNothingFollowsThem) {
 }
 
 TEST(ArcconfConfig, KnowsMembersBySerialNumberThenAddressThenSlot) {
-  const Parts parts = Read(
+  const Parts parts = ReadConfig(
       Volumes(Volume(0,
                      "   Segment 0 : Present (512MB, SATA, HDD, Enclosure:9, Slot:9)   qx-A\n"
                      "   Segment 1 : Present (0,1) MASKED\n"
@@ -256,10 +257,10 @@ TEST(ArcconfConfig, KnowsMembersBySerialNumberThenAddressThenSlot) {
 }
 
 TEST(ArcconfConfig, TakesNoSerialNumberThatTwoDrivesHave) {
-  const Parts parts =
-      Read(Volumes(Volume(0, "   Segment 0 : Present (Controller:1,Enclosure:1,Slot:1) xxxx\n")) +
-           Drives(DriveLines(0, "Online", "         Serial number : xxxx\n") +
-                  DriveLines(1, "Online", "         Serial number : xxxx\n")));
+  const Parts parts = ReadConfig(
+      Volumes(Volume(0, "   Segment 0 : Present (Controller:1,Enclosure:1,Slot:1) xxxx\n")) +
+      Drives(DriveLines(0, "Online", "         Serial number : xxxx\n") +
+             DriveLines(1, "Online", "         Serial number : xxxx\n")));
   EXPECT_EQ(parts.drives.at(0).group, "");
   EXPECT_EQ(parts.drives.at(1).group, "mchp1 v0");
 }
@@ -267,7 +268,7 @@ TEST(ArcconfConfig, TakesNoSerialNumberThatTwoDrivesHave) {
 TEST(ArcconfConfig, TakesNoSlotThatTwoDrivesClaim) {
   std::string drives = DriveLines(0, "Online") + DriveLines(1, "Online");
   drives.replace(drives.find("Slot 1"), 6, "Slot 0");
-  const Parts parts = Read(
+  const Parts parts = ReadConfig(
       Volumes(Volume(0, "   Segment 0 : Present (Enclosure:1,Slot:0)  MASKED\n")) + Drives(drives));
   EXPECT_EQ(parts.drives.at(0).group, "");
   EXPECT_EQ(parts.drives.at(1).group, "");
@@ -278,11 +279,11 @@ TEST(ArcconfConfig, JoinsVolumesThatShareADrive) {
     return std::string("   Segment 0 : Present (0,99) ") + serial + "\n";
   };
   const Parts parts =
-      Read(Volumes(Volume(0, segment("A")) + Volume(1, segment("B")) +
-                   Volume(2, segment("B") + segment("A")) + Volume(3, segment("C"))) +
-           Drives(DriveLines(0, "Online", "   Serial number : A\n") +
-                  DriveLines(1, "Online", "   Serial number : B\n") +
-                  DriveLines(2, "Online", "   Serial number : C\n")));
+      ReadConfig(Volumes(Volume(0, segment("A")) + Volume(1, segment("B")) +
+                         Volume(2, segment("B") + segment("A")) + Volume(3, segment("C"))) +
+                 Drives(DriveLines(0, "Online", "   Serial number : A\n") +
+                        DriveLines(1, "Online", "   Serial number : B\n") +
+                        DriveLines(2, "Online", "   Serial number : C\n")));
   std::vector<std::string> groups;
   for (const auto& volume : parts.volumes) groups.push_back(volume.group);
   EXPECT_THAT(groups, ElementsAre("mchp1 v0", "mchp1 v0", "mchp1 v0", "mchp1 v3"));
@@ -291,7 +292,7 @@ TEST(ArcconfConfig, JoinsVolumesThatShareADrive) {
 }
 
 TEST(ArcconfConfig, HasArraysAsGroups) {
-  const Parts parts = Read(
+  const Parts parts = ReadConfig(
       Section("Array Information",
               "Array Number 2\n   Name : A\n   Status : Has Failed Logical Device\n" +
                   Heading("Array Logical Device Information") +
@@ -307,8 +308,8 @@ TEST(ArcconfConfig, HasArraysAsGroups) {
 }
 
 TEST(ArcconfConfig, MissesADriveThatNobodyNames) {
-  const Parts parts = Read(Volumes(Volume(0, "   Group 0, Segment 1 : Missing\n")) +
-                           Drives(DriveLines(0, "Online") + DriveLines(1, "Failed")));
+  const Parts parts = ReadConfig(Volumes(Volume(0, "   Group 0, Segment 1 : Missing\n")) +
+                                 Drives(DriveLines(0, "Online") + DriveLines(1, "Failed")));
   ASSERT_THAT(ListIds(parts.missingDrives), ElementsAre("mchp1 v0 group 0, segment 1"));
   EXPECT_EQ(parts.missingDrives[0].state, "Missing");
   EXPECT_EQ(parts.missingDrives[0].group, "mchp1 v0");
@@ -320,8 +321,8 @@ TEST(ArcconfConfig, MissesADriveThatNobodyNames) {
 }
 
 TEST(ArcconfConfig, DoesNotGuessWhichOfTwoFailedDrivesIsMissed) {
-  const Parts parts = Read(Volumes(Volume(0, "   Segment 1 : Missing\n")) +
-                           Drives(DriveLines(0, "Failed") + DriveLines(1, "Failed")));
+  const Parts parts = ReadConfig(Volumes(Volume(0, "   Segment 1 : Missing\n")) +
+                                 Drives(DriveLines(0, "Failed") + DriveLines(1, "Failed")));
   EXPECT_EQ(parts.missingDrives.size(), 1U);
   EXPECT_EQ(parts.drives.at(0).group, "");
   EXPECT_EQ(parts.drives.at(1).group, "");
@@ -329,7 +330,7 @@ TEST(ArcconfConfig, DoesNotGuessWhichOfTwoFailedDrivesIsMissed) {
 
 TEST(ArcconfConfig, ReadsSectionsBetweenRulesOfAnyWidth) {
   const std::string rule = "--------------------------------------------------------\n";
-  const Parts parts = Read(
+  const Parts parts = ReadConfig(
       rule + "Logical device information\n" + rule +
       "Logical Device number 0\n   RAID level : 0\n" + rule +
       "   Array Physical Device Information\n" + rule +
@@ -340,10 +341,10 @@ TEST(ArcconfConfig, ReadsSectionsBetweenRulesOfAnyWidth) {
 }
 
 TEST(ArcconfConfig, HasTheCacheOfSolidStateDrivesAsAVolume) {
-  const Parts parts = Read(Section("maxCache 3.0 information",
-                                   "maxCache device number 100\n"
-                                   "   maxCache device name : Fast\n"
-                                   "   Status of maxCache   : Degraded\n"));
+  const Parts parts = ReadConfig(Section("maxCache 3.0 information",
+                                         "maxCache device number 100\n"
+                                         "   maxCache device name : Fast\n"
+                                         "   Status of maxCache   : Degraded\n"));
   ASSERT_THAT(ListIds(parts.volumes), ElementsAre("mchp1 v100"));
   EXPECT_EQ(parts.volumes[0].name, "Fast");
   EXPECT_EQ(parts.volumes[0].state, "Degraded");
@@ -352,7 +353,7 @@ TEST(ArcconfConfig, HasTheCacheOfSolidStateDrivesAsAVolume) {
 /// "ID: STATE" of each cache backup of a controller with these lines.
 std::vector<std::string> ListBackups(const std::string& lines) {
   std::vector<std::string> backups;
-  for (const auto& backup : Read(Controller(lines)).cacheBackups) {
+  for (const auto& backup : ReadConfig(Controller(lines)).cacheBackups) {
     backups.push_back(backup.id + ": " + backup.state);
   }
   return backups;
@@ -372,7 +373,7 @@ TEST(ArcconfConfig, HasWhateverBacksTheCacheUp) {
 }
 
 TEST(ArcconfConfig, TellsTheCacheApartFromWhatBacksItUp) {
-  const Parts parts = Read(
+  const Parts parts = ReadConfig(
       Controller(Heading("Cache Properties") + "   Cache Status : Temporarily Disabled\n" +
                  "   Cache State : Disabled Charge Is Low\n" +
                  "   Cache State Details : Temporarily Disabled(Reason: Too little charge)\n"));
@@ -380,13 +381,13 @@ TEST(ArcconfConfig, TellsTheCacheApartFromWhatBacksItUp) {
   EXPECT_THAT(parts.cacheBackups, IsEmpty());
   EXPECT_EQ(parts.controllers[0].cacheStatus, "Temporarily Disabled");
   EXPECT_EQ(parts.controllers[0].cacheReason, "Too little charge");
-  const Parts word = Read(Controller("   Cache Status : Ok\n   Cache State : Enabled\n"));
+  const Parts word = ReadConfig(Controller("   Cache Status : Ok\n   Cache State : Enabled\n"));
   EXPECT_EQ(word.controllers.at(0).cacheReason, "Enabled");
 }
 
 /// Whether a volume with these lines writes to the cache.
 Integer ReadWriteBack(const std::string& lines) {
-  return Read(Section("Logical device information", "Logical device number 0\n" + lines))
+  return ReadConfig(Section("Logical device information", "Logical device number 0\n" + lines))
       .volumes.at(0)
       .writeBack;
 }
@@ -404,13 +405,13 @@ TEST(ArcconfConfig, KnowsWhetherWritingEndsInTheCache) {
 
 TEST(ArcconfConfig, EndsTheModuleWithItsSection) {
   const Parts parts =
-      Read(Controller(Heading("Controller Battery Information") + "   Status : Failed\n") +
-           Controller("   Controller Model                         : Orvane 3254\n"));
+      ReadConfig(Controller(Heading("Controller Battery Information") + "   Status : Failed\n") +
+                 Controller("   Controller Model                         : Orvane 3254\n"));
   EXPECT_EQ(parts.controllers.at(0).model, "Orvane 3254");
 }
 
 TEST(ArcconfConfig, ReadsTheModulesOwnPartsBelowIt) {
-  const Parts parts = Read(
+  const Parts parts = ReadConfig(
       Controller(Heading("Controller Cache Backup Unit Information") +
                  "\n    Overall Backup Unit Status              : Ready\n\n"
                  "         Backup Unit Type                   : AFM-7\n"
@@ -431,14 +432,14 @@ TEST(ArcconfConfig, TellsAnEnclosuresElementsThatAreNotWell) {
       "         Model                              : SAS2X\n"
       "         Status of Enclosure services device\n"
       "            Speaker status                  : On\n";
-  EXPECT_EQ(Read(Drives(begin)).enclosures.at(0).state, "");
+  EXPECT_EQ(ReadConfig(Drives(begin)).enclosures.at(0).state, "");
   const std::string well = begin +
                            "            Fan 1 status                    : 0 rpm (Not Installed)\n"
                            "            Fan 2 status                    : 4100 rpm (Optimal)\n";
-  EXPECT_EQ(Read(Drives(well)).enclosures.at(0).state, "OK");
-  const Parts parts =
-      Read(Drives(well + "            Power supply 1 status           : Failed\n"
-                         "            Temperature Sensor Status 1     : 46 C/ 114 F (Abnormal)\n"));
+  EXPECT_EQ(ReadConfig(Drives(well)).enclosures.at(0).state, "OK");
+  const Parts parts = ReadConfig(
+      Drives(well + "            Power supply 1 status           : Failed\n"
+                    "            Temperature Sensor Status 1     : 46 C/ 114 F (Abnormal)\n"));
   const host::Enclosure& enclosure = parts.enclosures.at(0);
   EXPECT_EQ(enclosure.id, "mchp1 e2,0");
   EXPECT_EQ(enclosure.product, "SAS2X");
@@ -450,7 +451,7 @@ TEST(ArcconfConfig, TellsAnEnclosuresElementsThatAreNotWell) {
 }
 
 TEST(ArcconfConfig, LeavesADeviceUnreadThatIsCutOff) {
-  const Parts parts = Read(Drives(DriveLines(0, "Online") + "      Device #1\n"));
+  const Parts parts = ReadConfig(Drives(DriveLines(0, "Online") + "      Device #1\n"));
   EXPECT_EQ(parts.drives.size(), 1U);
   ASSERT_EQ(parts.unread.size(), 1U);
   EXPECT_EQ(parts.unread[0].text, "Device #1");
@@ -459,8 +460,8 @@ TEST(ArcconfConfig, LeavesADeviceUnreadThatIsCutOff) {
 
 TEST(ArcconfConfig, PassesOverOtherDevices) {
   const Parts parts =
-      Read(Drives("     Backplane:\n      Device #0\n         Device is an UBM Controller\n"
-                  "         Firmware : 0.2\n"));
+      ReadConfig(Drives("     Backplane:\n      Device #0\n         Device is an UBM Controller\n"
+                        "         Firmware : 0.2\n"));
   EXPECT_THAT(parts.drives, IsEmpty());
   EXPECT_THAT(parts.enclosures, IsEmpty());
   EXPECT_THAT(parts.unread, IsEmpty());

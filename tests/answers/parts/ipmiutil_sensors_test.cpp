@@ -24,7 +24,8 @@ void KeepUnread(Parts& parts, const std::string& line, const host::Place& at) {
 }
 
 /// The parts of two listings; the place of a line is its number.
-Parts Read(const std::vector<std::string>& readings, const std::vector<std::string>& records = {}) {
+Parts ReadSensors(const std::vector<std::string>& readings,
+                  const std::vector<std::string>& records = {}) {
   Parts parts;
   host::SensorReader reader(parts);
   std::int64_t number = 0;
@@ -41,7 +42,7 @@ Parts Read(const std::vector<std::string>& readings, const std::vector<std::stri
 }
 
 Sensor ReadOne(const std::string& reading) {
-  const Parts parts = Read({reading});
+  const Parts parts = ReadSensors({reading});
   EXPECT_EQ(parts.sensors.size(), 1U) << reading;
   return parts.sensors.empty() ? Sensor() : parts.sensors[0];
 }
@@ -116,11 +117,11 @@ TEST(SensorReadings, HaveAStatusInACellOfTheirLayout) {
 }
 
 TEST(SensorReadings, AreUnreadWhenTheyAreCutOff) {
-  const Parts parts =
-      Read({"ipmiutil sensor version 3.18",
-            " ID  | SDRType | Type            |SNum| Name             |Status| Reading",
-            "0001 | Full    | Temperature     | 01 | P0 Error in GetSensorReading, cc = 0xc3",
-            "CPU0 Temp | fourty | C | ok", "CPU0 Temp | 40", " "});
+  const Parts parts = ReadSensors(
+      {"ipmiutil sensor version 3.18",
+       " ID  | SDRType | Type            |SNum| Name             |Status| Reading",
+       "0001 | Full    | Temperature     | 01 | P0 Error in GetSensorReading, cc = 0xc3",
+       "CPU0 Temp | fourty | C | ok", "CPU0 Temp | 40", " "});
   EXPECT_THAT(parts.sensors, IsEmpty());
   ASSERT_EQ(parts.unread.size(), 3U);
   EXPECT_EQ(parts.unread[0].text,
@@ -133,7 +134,7 @@ constexpr char kFan[] =
 constexpr char kSupply[] = "0021 SDR Comp 02 6f 20 a 08 snum 43 PS2 Status       = 0009 AC_Lost  ";
 
 TEST(SensorRecords, TellTypeEventTypeAndStates) {
-  const Parts parts = Read({}, {kFan, kSupply});
+  const Parts parts = ReadSensors({}, {kFan, kSupply});
   ASSERT_EQ(parts.sensors.size(), 2U);
   const Sensor& fan = parts.sensors[0];
   EXPECT_EQ(fan.id, "FAN 2A");
@@ -155,9 +156,9 @@ TEST(SensorRecords, TellTypeEventTypeAndStates) {
 
 TEST(SensorRecords, AddToTheirReading) {
   const Parts parts =
-      Read({"PS2 Status | 0x0 | discrete | 0x0900 | na",
-            "FAN 2A | 1050.00 | RPM | nc | 600.00 | 900.00 | 1200.00 | na | na | na"},
-           {kFan, kSupply});
+      ReadSensors({"PS2 Status | 0x0 | discrete | 0x0900 | na",
+                   "FAN 2A | 1050.00 | RPM | nc | 600.00 | 900.00 | 1200.00 | na | na | na"},
+                  {kFan, kSupply});
   ASSERT_EQ(parts.sensors.size(), 2U);
   EXPECT_EQ(parts.sensors[0].states, Integer(9));
   EXPECT_EQ(parts.sensors[0].status, "0x0900");
@@ -180,13 +181,13 @@ TEST(SensorRecords, KeepSensorsOfOneNameApart) {
   };
   // By number where it is told, in their order otherwise.
   Parts parts =
-      Read({reading("01", "11.00"), reading("02", "22.00")}, {record("02"), record("01")});
+      ReadSensors({reading("01", "11.00"), reading("02", "22.00")}, {record("02"), record("01")});
   ASSERT_EQ(parts.sensors.size(), 2U);
   EXPECT_EQ(parts.sensors[0].number, Integer(1));
   EXPECT_EQ(parts.sensors[0].reading, Real(11));
   EXPECT_EQ(parts.sensors[1].number, Integer(2));
-  parts = Read({"Temp | 11.00 | C | ok", "Temp | 22.00 | C | ok"},
-               {record("07"), record("08"), record("09")});
+  parts = ReadSensors({"Temp | 11.00 | C | ok", "Temp | 22.00 | C | ok"},
+                      {record("07"), record("08"), record("09")});
   ASSERT_EQ(parts.sensors.size(), 3U);
   EXPECT_EQ(parts.sensors[0].number, Integer(7));
   EXPECT_EQ(parts.sensors[0].reading, Real(11));
@@ -196,14 +197,14 @@ TEST(SensorRecords, KeepSensorsOfOneNameApart) {
 }
 
 TEST(SensorRecords, HaveDiscreteStatesOfTwoDigitsToo) {
-  const Parts parts = Read({}, {"0001 SDR Full 01 6f 20 a 07 snum 40 CPU = 80 ProcPresent"});
+  const Parts parts = ReadSensors({}, {"0001 SDR Full 01 6f 20 a 07 snum 40 CPU = 80 ProcPresent"});
   EXPECT_EQ(parts.sensors.at(0).states, Integer(0x80));
   EXPECT_EQ(parts.sensors[0].status, "ProcPresent");
 }
 
 TEST(SensorRecords, GiveNoStatesToASensorOfEventsOnly) {
   const Parts parts =
-      Read({}, {"0035 SDR EvtO 03 18 20 a 13 snum 61 Critical Int     = 0001 OK  "});
+      ReadSensors({}, {"0035 SDR EvtO 03 18 20 a 13 snum 61 Critical Int     = 0001 OK  "});
   EXPECT_EQ(parts.sensors.at(0).number, Integer(0x61));
   EXPECT_EQ(parts.sensors[0].type, Integer(0x13));
   EXPECT_EQ(parts.sensors[0].eventType, Integer());
@@ -211,7 +212,7 @@ TEST(SensorRecords, GiveNoStatesToASensorOfEventsOnly) {
 }
 
 TEST(SensorRecords, AreUnreadWhenTheyAreCutOff) {
-  const Parts parts = Read(
+  const Parts parts = ReadSensors(
       {}, {"0037 SDR FRU  11 14 dev: 20 01 80 00 0a 01 PSU 1 FRU",
            "     SDR IPMI       sensor: Power On Hours \t   = 12345 hours",
            "ipmiutil sensor, completed successfully", "0001 SDR Full 01 01 20 a 01 snum 01 CPU0 Te",

@@ -37,10 +37,10 @@ std::vector<Reports> ListSampleReports() {
   return list;
 }
 
-Parts Read(const Reports& reports) { return test::ReadLsiReports(reports); }
+Parts ReadMachine(const Reports& reports) { return test::ReadLsiReports(reports); }
 
 void ExpectSoundParts(const Reports& reports) {
-  EXPECT_EQ(test::FindUnsoundPart(reports, Read(reports)), "");
+  EXPECT_EQ(test::FindUnsoundPart(reports, ReadMachine(reports)), "");
 }
 
 // Otherwise the properties below hold of nothing.
@@ -48,7 +48,7 @@ TEST(LsiParts, AreReadFromTheSamples) {
   std::size_t drives = 0;
   std::size_t events = 0;
   for (const Reports& reports : ListSampleReports()) {
-    const Parts parts = Read(reports);
+    const Parts parts = ReadMachine(reports);
     drives += parts.drives.size();
     events += parts.events.size();
     EXPECT_TRUE(parts.unread.empty()) << parts.unread[0].text;
@@ -95,7 +95,7 @@ TEST(LsiParts, OfCutReportsAreFoundAgainInTheirLines) {
 // A drive whose line was taken away is not there; it is never made up from the lines around it.
 TEST(LsiParts, AreNoMoreThanTheLinesThatNameThem) {
   for (const Reports& whole : ListSampleReports()) {
-    const Parts parts = Read(whole);
+    const Parts parts = ReadMachine(whole);
     if (parts.drives.empty() || whole.find("lsishowall") == whole.end()) continue;
     Reports reports{{"lsishowall", whole.at("lsishowall")}};
     std::string& text = reports["lsishowall"];
@@ -103,7 +103,7 @@ TEST(LsiParts, AreNoMoreThanTheLinesThatNameThem) {
     for (std::size_t at = text.find(start); at != std::string::npos; at = text.find(start)) {
       text.erase(at, text.find('\n', at + 1) - at);
     }
-    EXPECT_EQ(Read(reports).drives.size(), parts.drives.size() - 1);
+    EXPECT_EQ(ReadMachine(reports).drives.size(), parts.drives.size() - 1);
   }
 }
 
