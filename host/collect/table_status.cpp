@@ -148,7 +148,8 @@ std::string GetFolderName(const std::string& path) {
 
 /// Whether the list of failures holds the run, or nothing failed.
 bool IsTold(const ToolRun& run) {
-  return !run.isThere || HasEndedStep(run) || run.endedAfterSeconds > 0 || run.memoryLimit > 0;
+  if (run.endedAfterSeconds > 0 || run.memoryLimit > 0) return true;
+  return !run.isThere || (HasEndedStep(run) && !run.hadNothingToReport);
 }
 
 /// Whether the exit code is an answer, or of a command that says nothing by it: a folder may be

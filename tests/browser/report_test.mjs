@@ -409,6 +409,19 @@ await test("leads from each finding to the cell or line that it was read from", 
   assert.ok(followed > 20, `${followed}`);
 });
 
+await test("moves nothing where motion is not wanted", async () => {
+  for (const reducedMotion of ["no-preference", "reduce"]) {
+    const page = await open(server, { reducedMotion });
+    await page.locator("details.finding").first().evaluate((one) => { one.open = true; });
+    await page.locator("a.evidence").first().click();
+    await page.waitForSelector(".marked.flash");
+    const moves = await page.evaluate(() => [getComputedStyle(document.documentElement).scrollBehavior === "smooth",
+      document.querySelector(".marked").getAnimations().length > 0]);
+    assert.deepEqual(moves, reducedMotion === "reduce" ? [false, false] : [true, true]);
+    await page.context().close();
+  }
+});
+
 await test("goes through findings and finds by single keys", async () => {
   const page = await open(server);
   const current = () => page.evaluate(() => document.activeElement.querySelector("b")?.textContent);

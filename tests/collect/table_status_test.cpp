@@ -667,9 +667,21 @@ TEST(FailedTools, AreNotThoseThatAnswerByTheirExitCode) {
 }
 
 TEST(FailedTools, AreNotThoseThatHadNothingToReport) {
+  Watched idle("sampleModule1");
+  idle.Runs(kArcconf, 0).Logs("Failed to open PMC Controller file");
+  EXPECT_EQ(FailedTools(idle.tracker), Lines{});
+  Watched telling("sampleModule1");
+  telling.Runs(kArcconf, 1);
+  telling.tracker.OnAnswer({"Controllers found: 0\r\n", {}, {}});
+  telling.Logs("Failed to open PMC Controller file");
+  EXPECT_EQ(FailedTools(telling.tracker), Lines{});
+}
+
+TEST(FailedTools, AreThoseThatEndedWithACodeAndLeftNoReport) {
   Watched watched("sampleModule1");
   watched.Runs(kArcconf, 1).Logs("Failed to open PMC Controller file");
-  EXPECT_EQ(FailedTools(watched.tracker), Lines{});
+  EXPECT_EQ(FailedTools(watched.tracker),
+            Lines{"arcconf.exe: ended with code 1 PMCINFO PMCVER PMCLINK"});
 }
 
 TEST(FailedTools, AreNotThoseAskedForAControllerThatIsNotThere) {

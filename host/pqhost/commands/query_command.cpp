@@ -3,6 +3,7 @@
 
 #include <fmt/format.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -13,6 +14,7 @@
 #include <vector>
 
 #include "host/database/database.h"
+#include "host/files/partial_file.h"
 #include "host/formats/answer_builder.h"
 #include "host/formats/formats.h"
 #include "host/pqhost/commands/commands.h"
@@ -97,13 +99,52 @@ void SettleOptions(QueryOptions& options, const QuerySources& sources) {
   if (!isLive) RefuseLogFolder(options.source);
 }
 
+/// Ends the program when its time is over. --time-limit is for all that the command does; without
+/// it the question has its usual time, and the rest as much as it takes.
+class QueryTime {
+ public:
+  /// Begins with the command. `console` has to outlive this.
+  QueryTime(std::optional<unsigned> limit, const Console& console)
+      : limit(limit), time(limit.value_or(kUsualQueryTime.count())), console(console) {
+    if (limit) Start();
+  }
+
+  std::chrono::seconds Get() const { return time; }
+
+  /// The answer of `ask`, which is bound to the question's time.
+  template <typename AskQuestion>
+  Collection Guard(const AskQuestion& ask) {
+    isAsking = true;
+    if (!limit) Start();
+    Collection answer = ask();
+    if (!limit) deadline.reset();
+    isAsking = false;
+    return answer;
+  }
+
+ private:
+  void Start() {
+    // SQLite looks at the time between the steps of a statement, and one step can take for ever: to
+    // find a megabyte in a megabyte is one.
+    constexpr std::chrono::seconds kTimeToNotice{2};
+    deadline = std::make_unique<Deadline>(time + kTimeToNotice, [this] {
+      Complain(console, isAsking ? MakeTimeout(time).what() : DescribeOverdue(*limit));
+      RemovePartialFiles();
+      std::_Exit(kExitMisused);
+    });
+  }
+
+  std::optional<unsigned> limit;
+  std::chrono::seconds time;
+  const Console& console;
+  std::atomic<bool> isAsking = false;
+  std::unique_ptr<Deadline> deadline;  ///< ends before what it uses
+};
+
 /// Throws DatabaseError as well.
-int AnswerQuery(const QueryOptions& options, const QuerySources& sources, const Console& console) {
-  // SQLite looks at the time between the steps of a statement, and one step can take for ever: to
-  // find a megabyte in a megabyte is one.
-  constexpr std::chrono::seconds kTimeToNotice{2};
+int AnswerQuery(const QueryOptions& options, const QuerySources& sources, QueryTime& time,
+                const Console& console) {
   const Format& format = ChooseFormat(options.result, console);
-  const std::chrono::seconds time(options.timeLimit.value_or(kUsualQueryTime.count()));
   const std::vector<std::filesystem::path>& files = sources.databases;
   const bool isOne = sources.Count() == 1;
   const bool isOneFile = isOne && files.size() == 1;
@@ -115,23 +156,18 @@ int AnswerQuery(const QueryOptions& options, const QuerySources& sources, const 
     openOutput();
   } else if (isOne && !sources.results.empty()) {
     openOutput();
-    exitCode = FillFromResult(database.emplace(time), sources.results.front());
+    exitCode = FillFromResult(database.emplace(time.Get()), sources.results.front());
   } else if (sources.Count() <= 1) {
-    exitCode = FillFromOne(database.emplace(time), options.source, console, openOutput);
+    exitCode = FillFromOne(database.emplace(time.Get()), options.source, console, openOutput);
   } else {
     openOutput();
-    exitCode = FillFromSeveral(database.emplace(time), sources, options.source, time, console);
+    exitCode =
+        FillFromSeveral(database.emplace(time.Get()), sources, options.source, time.Get(), console);
   }
-  Collection answer;
-  {
-    const Deadline deadline(time + kTimeToNotice, [&] {
-      output.reset();
-      Complain(console, MakeTimeout(time).what());
-      std::_Exit(kExitMisused);
-    });
-    if (isOneFile) database.emplace(files.front(), time);
-    answer = Ask(*database, options.words.back());
-  }
+  const Collection answer = time.Guard([&] {
+    if (isOneFile) database.emplace(files.front(), time.Get());
+    return Ask(*database, options.words.back());
+  });
   database.reset();  // Its memory is for the result now.
   output->Write(
       [&](const Screen& screen, std::ostream& out) { format.write(answer, screen, out); });
@@ -154,10 +190,11 @@ int RunQuery(QueryOptions& options, const Console& console) {
         "there is no query: give one, as in pqhost query --replay RECORDING \"SELECT * "
         "FROM v_sensorinfo\"");
   }
+  QueryTime time(options.timeLimit, console);
   const QuerySources sources = FindSources(options);
   SettleOptions(options, sources);
   try {
-    return AnswerQuery(options, sources, console);
+    return AnswerQuery(options, sources, time, console);
   } catch (const DatabaseError& error) {
     throw UsageError(error.what() + std::string(HintAtNames(error.what())));
   }
@@ -176,7 +213,8 @@ CommandRun DefineQuery(OptionSet& set) {
   AddLogFolder(set, options->source);
   AddFormat(set, options->result, "answer", FormatsFor::kAnswer);
   AddOutput(set, options->result, "answer");
-  AddTimeLimit(set, options->timeLimit, "Give the query up after so many seconds; 30 unless given");
+  AddTimeLimit(set, options->timeLimit,
+               "Give all up after so many seconds; unless given, the query after 30");
   return [options](const Console& console) { return RunQuery(*options, console); };
 }
 

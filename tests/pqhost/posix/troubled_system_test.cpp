@@ -112,6 +112,8 @@ TEST_F(TroubledSystem, EndsInTimeWhenADriveDoesNotAnswer) {
   for (const auto& [arguments, exitCode] : std::vector<std::pair<std::string, int>>{
            {"health --replay " + server, 3},
            {"diff " + blade + " " + server, 2},
+           {"query --replay " + server + " 'SELECT 1'", 2},
+           {"query --replay " + blade + " --replay " + server + " 'SELECT 1'", 2},
            {"redact --profile public " + server + " " + Quote(folder / "new") + " --key " +
                 Quote(said / "key"),
             1}}) {
@@ -119,8 +121,10 @@ TEST_F(TroubledSystem, EndsInTimeWhenADriveDoesNotAnswer) {
     EXPECT_EQ(RunOn(drive, "PQ_HANGS=1", arguments + limit), exitCode);
     EXPECT_THAT(Error(), HasSubstr("took longer than 1 second (--time-limit)"));
   }
-  for (const auto& [arguments, exitCode] : std::vector<std::pair<std::string, int>>{
-           {"health --replay " + server, 3}, {"diff " + blade + " " + server, 2}}) {
+  for (const auto& [arguments, exitCode] :
+       std::vector<std::pair<std::string, int>>{{"health --replay " + server, 3},
+                                                {"diff " + blade + " " + server, 2},
+                                                {"query --replay " + server + " 'SELECT 1'", 2}}) {
     SCOPED_TRACE(arguments);
     EXPECT_EQ(Run("PQ_HANGS=1", arguments + limit + file), exitCode);
     EXPECT_THAT(Error(), HasSubstr("took longer than 1 second (--time-limit)"));
