@@ -85,9 +85,9 @@ constexpr std::size_t kWidth = 60;  ///< of a value in a sentence
 
 std::vector<ColumnCheck> ListChecks() {
   std::vector<ColumnCheck> checks;
-  for (const auto& some : {ListLsiColumnChecks(), ListMicrochipColumnChecks(),
-                           ListIntelColumnChecks(), ListBmcColumnChecks(),
-                           ListNetworkColumnChecks()}) {
+  for (const auto& some :
+       {ListLsiColumnChecks(), ListMicrochipColumnChecks(), ListIntelColumnChecks(),
+        ListBmcColumnChecks(), ListNetworkColumnChecks()}) {
     checks.insert(checks.end(), some.begin(), some.end());
   }
   return checks;
@@ -110,9 +110,8 @@ void NoteUnfitColumns(Collection& collection) {
           {table.className, rows.ListRows(table.className), (left ? left : attached)->text.View()});
       if (misfit.text.empty()) continue;
       table.status.unfitLabels = misfit.labels;
-      table.status.notes.push_back(
-          fmt::format("{}{}; the report itself: {}", kUnfitNote, misfit.text,
-                      (attached ? attached : left)->where));
+      table.status.notes.push_back(fmt::format("{}{}; the report itself: {}", kUnfitNote,
+                                               misfit.text, (attached ? attached : left)->where));
       // The note tells, more closely, why there are none.
       if (table.status.outcome == "no rows in output") table.status.text = "no rows";
     }

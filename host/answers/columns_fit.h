@@ -35,7 +35,7 @@ struct Misfit {
   Misfit(std::string text, std::vector<std::string> labels)
       : text(std::move(text)), labels(std::move(labels)) {}
 
-  std::string text;                        ///< for people; empty when all fits
+  std::string text;                               ///< for people; empty when all fits
   std::vector<std::string> labels = {kAnyLabel};  ///< as TableStatus::unfitLabels
 };
 

@@ -52,8 +52,7 @@ Misfit FindWordsMisfit(const TableBesideReport& table, const std::vector<std::st
 
 Misfit FindAddressesMisfit(const TableBesideReport& table) {
   return FindWordsMisfit(
-      table, {"Internet Address", "Physical Address", "Type"},
-      [](const Words& words) {
+      table, {"Internet Address", "Physical Address", "Type"}, [](const Words& words) {
         return IsAsciiDigit(words.front().front()) && std::ranges::count(words.front(), '.') == 3;
       });
 }

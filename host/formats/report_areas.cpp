@@ -178,8 +178,7 @@ class AreaFinder {
       const std::string noLog =
           area.id == "log" && source.state == "read" ? FindWhyNoLog(source.id) : std::string();
       if (source.state == "read" && noLog.empty()) wasRead = true;
-      const bool isNotChecked =
-          source.state == "failed" || !noLog.empty() || WasNotAsked(source);
+      const bool isNotChecked = source.state == "failed" || !noLog.empty() || WasNotAsked(source);
       if (area.fact.empty() || (isNotChecked && !area.isNotChecked)) {
         area.fact = noLog.empty() ? source.observed : noLog;
       }

@@ -144,8 +144,7 @@ class TablesWriter {
         line = PadText(std::move(line.append(ShowTitle(table))), nameWidth + titleWidth);
       }
       WriteStatus(
-          line,
-          EscapeControls(hasRows ? MentionNotes(table.status) : DescribeStatus(table.status)),
+          line, EscapeControls(hasRows ? MentionNotes(table.status) : DescribeStatus(table.status)),
           hasRows ? nullptr : kDim);
     }
   }

@@ -49,7 +49,8 @@ class FolderFiles final : public StoredFiles {
   std::string Read(const std::string& name, const SizeCheck& checkSize) const override {
     const fs::path path = MakePath(name);
     std::error_code ignored;
-    if (name == kRecordingFileName && fs::symlink_status(path, ignored).type() == fs::file_type::not_found) {
+    if (name == kRecordingFileName &&
+        fs::symlink_status(path, ignored).type() == fs::file_type::not_found) {
       throw std::runtime_error("there is no such file; a folder without it is no recording");
     }
     const FileHandle file = OpenToRead(path);

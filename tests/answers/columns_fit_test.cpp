@@ -146,10 +146,11 @@ TEST(ColumnsFit, NotWhereALineHasMoreWords) {
         "NETSTATINFO");
   };
   EXPECT_EQ(list(""), Notes());
-  EXPECT_EQ(list("       4"),
-            Notes{"columns do not fit this report: row 2: Protocol is \"4\", the report has \"TCP\"; "
-                  "its 2 lines are 3 rows; the report itself: what a recording keeps of "
-                  "netstat.exe"});
+  EXPECT_EQ(
+      list("       4"),
+      Notes{"columns do not fit this report: row 2: Protocol is \"4\", the report has \"TCP\"; "
+            "its 2 lines are 3 rows; the report itself: what a recording keeps of "
+            "netstat.exe"});
   EXPECT_EQ(ListNotes(MakeNetwork("arp.exe",
                                   "\r\nInterface: 10.20.0.31 --- 0x5\r\n"
                                   "  Internet Address      Physical Address      Type\r\n"

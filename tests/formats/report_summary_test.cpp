@@ -233,7 +233,8 @@ TEST(ReportSummary, DoesNotTakeALogForReadThatNobodyWasToldOf) {
     return CutOut(WriteSummary(made, Assessed(parts)), "<b>Event logs</b>", "</small>");
   };
   EXPECT_THAT(tell(), AllOf(HasSubstr(">not checked<"), HasSubstr("ended with code 46")));
-  made.Get().tables[0].status = {"no rows in output", "storcli.exe printed nothing that belongs here"};
+  made.Get().tables[0].status = {"no rows in output",
+                                 "storcli.exe printed nothing that belongs here"};
   EXPECT_THAT(tell(), AllOf(HasSubstr(">none shown<"), HasSubstr("none in what was read")));
 }
 

@@ -148,10 +148,10 @@ TEST_F(RecordingFile, SaysThatAFileIsNoRecording) {
 }
 
 TEST_F(RecordingFile, SaysThatTheFileIsMissing) {
-  EXPECT_THAT(
-      [&] { LoadRecording(folder.Path()); },
-      testing::ThrowsMessage<RecordingError>(EndsWith("recording.json: there is no such file; a folder without it is "
-                                                     "no recording")));
+  EXPECT_THAT([&] { LoadRecording(folder.Path()); },
+              testing::ThrowsMessage<RecordingError>(
+                  EndsWith("recording.json: there is no such file; a folder without it is "
+                           "no recording")));
 }
 
 TEST_F(RecordingFile, SaysThatTheFileIsAFolder) {

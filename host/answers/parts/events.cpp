@@ -13,9 +13,9 @@ namespace host {
 namespace {
 
 const std::vector<PartColumn>& GetEventColumns() {
-  static const std::vector<PartColumn>& columns =
+  static const std::vector<PartColumn>& kColumns =
       std::ranges::find(GetPartTables(), "events", &PartTable::name)->columns;
-  return columns;
+  return kColumns;
 }
 
 /// Which ids there are, each by one row that has it. A set of texts would take as much memory as

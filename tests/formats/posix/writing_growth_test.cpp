@@ -15,7 +15,8 @@ class WritingALongTable : public testing::TestWithParam<const char*> {};
 
 TEST_P(WritingALongTable, TakesTwiceTheWorkForTwiceTheRows) {
   if (!test::kCanMeasureGrowth) return;
-  // Of fewer rows the work would be a tenth of what every run does, and the allocator's moods count.
+  // Of fewer rows the work would be a tenth of what every run does, and the allocator's moods
+  // count.
   const double growth = test::MeasureGrowth(1000, [](int rows) {
     return "'" + test::FindBuiltProgram("write_long_table").string() + "' " + GetParam() + " " +
            std::to_string(rows);
