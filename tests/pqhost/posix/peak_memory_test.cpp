@@ -136,7 +136,7 @@ TEST_P(PeakMemory, GrowsByAFewTimesTheInput) {
       {"health", {"health"}},
   };
   for (const auto& [answer, work] : works) {
-    const auto measure = [&](const std::string& name) {
+    const auto measure = [&, &work = work](const std::string& name) {
       std::vector<std::string> words = work;
       words.insert(words.begin() + 1, {"--replay", folder / name});
       const double peak = MeasurePeak(words);
