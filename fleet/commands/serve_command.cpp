@@ -4,6 +4,7 @@
 #include <httplib.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <memory>
 #include <optional>
@@ -99,11 +100,17 @@ class PageServer {
       throw host::UsageError(fmt::format(
           "{} port {} is not to be had: name another --port or --address", address, port));
     }
-    std::thread listener([this] { server.listen_after_bind(); });
+    std::atomic<bool> hasEnded = false;
+    std::thread listener([&] {
+      server.listen_after_bind();
+      hasEnded = true;
+    });
     console.error << fmt::format("pqfleet: serving http://{}:{}/\n", address, port) << std::flush;
     constexpr std::chrono::minutes kLong{1};
     while (!endRequest.Sleep(kLong)) {
     }
+    // What does not listen yet would not be stopped, and listen for ever.
+    while (!server.is_running() && !hasEnded) std::this_thread::yield();
     server.stop();
     listener.join();
   }
