@@ -1,12 +1,8 @@
 // How much memory a result takes at its peak, in sizes of what was read.
 #include <fmt/format.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <array>
-#include <cstdio>
 #include <filesystem>
 #include <string>
 #include <utility>
@@ -22,24 +18,10 @@ namespace {
 
 /// Bytes that `pqhost` had in memory at most.
 double MeasurePeak(const std::vector<std::string>& arguments) {
-  const std::string program = test::FindBuiltProgram("pqhost").string();
-  std::vector<char*> words{const_cast<char*>(program.c_str())};
-  for (const std::string& argument : arguments)
-    words.push_back(const_cast<char*>(argument.c_str()));
-  words.push_back(nullptr);
-  const pid_t child = fork();
-  if (child == 0) {
-    if (std::freopen("/dev/null", "w", stdout) == nullptr) _exit(2);
-    if (std::freopen("/dev/null", "w", stderr) == nullptr) _exit(2);
-    execv(program.c_str(), words.data());
-    _exit(2);
-  }
-  int status = 0;
-  rusage usage{};
-  EXPECT_EQ(wait4(child, &status, 0, &usage), child);
-  EXPECT_TRUE(WIFEXITED(status)) << arguments.front();
-  constexpr double kKibibyte = 1024;
-  return static_cast<double>(usage.ru_maxrss) * kKibibyte;
+  std::string line = test::FindBuiltProgram("measure_peak").string() + " " +
+                     test::FindBuiltProgram("pqhost").string();
+  for (const std::string& argument : arguments) line += " '" + argument + "'";
+  return std::stod(test::RunShellCommand(line));
 }
 
 /// What a tool prints, `bytes` long or a little more.
