@@ -10,6 +10,7 @@ import hashlib
 import json
 import os
 import pathlib
+import re
 import shlex
 import shutil
 import subprocess
@@ -31,7 +32,7 @@ def is_own(file):
 
 
 def dependencies(build):
-    """Source file -> the project's own files that it is compiled from."""
+    """Source file -> the project's own files that it, or what is compiled with it, is made from."""
     listing = subprocess.run(
         ["ninja", "-C", build, "-t", "deps"], capture_output=True, text=True, check=True
     ).stdout
@@ -39,8 +40,9 @@ def dependencies(build):
     for block in listing.split("\n\n"):
         files = [(build / line.strip()).resolve() for line in block.splitlines()[1:]]
         own = [file for file in files if is_own(file)]
-        if own:
-            found[own[0]] = own
+        for file in own:
+            if file.suffix == ".cpp":
+                found[file] = own
     return found
 
 
@@ -68,8 +70,8 @@ def flags(command):
 
 
 class Source:
-    def __init__(self, entry, known):
-        self.path = pathlib.Path(entry["file"]).resolve()
+    def __init__(self, path, entry, known):
+        self.path = path
         self.paths, settings = flags(entry["command"])
         self.folder = "tests" if self.path.is_relative_to(ROOT / "tests") else "."
         self.settings = (self.folder, settings)
@@ -119,14 +121,23 @@ def batches(sources):
         yield from (group[i:i + BATCH_SIZE] for i in range(0, len(group), BATCH_SIZE))
 
 
+def list_compiled(entry):
+    """The file that is compiled, or those that are compiled together in it."""
+    path = pathlib.Path(entry["file"]).resolve()
+    if path.parent.name != "Unity":
+        return [path]
+    return [pathlib.Path(name).resolve()
+            for name in re.findall(r'^#include "(.+)"$', path.read_text(), re.MULTILINE)]
+
+
 def list_sources(build, folder):
     """What `build` compiles of `folder`."""
     known = dependencies(build)
     compiled = json.loads((build / "compile_commands.json").read_text())
     for entry in sorted(compiled, key=lambda entry: entry["file"]):
-        path = pathlib.Path(entry["file"]).resolve()
-        if is_own(path) and path.is_relative_to(folder) and not path.is_relative_to(LEFT_OUT):
-            yield Source(entry, known)
+        for path in list_compiled(entry):
+            if is_own(path) and path.is_relative_to(folder) and not path.is_relative_to(LEFT_OUT):
+                yield Source(path, entry, known)
 
 
 def main():
