@@ -57,9 +57,11 @@ class PackedRows {
   struct Room {
     Room() = default;
     Room(const Room& /*other*/) {}
-    Room& operator=(const Room& /*other*/) {
-      at = nullptr;
-      left = 0;
+    Room& operator=(const Room& other) {
+      if (this != &other) {
+        at = nullptr;
+        left = 0;
+      }
       return *this;
     }
     char* at = nullptr;
