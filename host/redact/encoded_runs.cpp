@@ -62,7 +62,7 @@ void CollectBase64(std::string_view text, std::size_t& at, std::vector<std::size
   }
 }
 
-/// The bytes that begin with the character number `phase`.
+/// Makes `bytes` those that begin with the character number `phase`, of which there is one.
 void DecodeBase64(std::string_view text, const std::vector<std::size_t>& places, std::size_t phase,
                   std::string& bytes) {
   bytes.resize((places.size() - phase) * kSextet / kByte);

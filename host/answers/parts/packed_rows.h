@@ -11,6 +11,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -53,15 +54,15 @@ class PackedRows {
     std::size_t found = 0;  ///< how often one was there already
     bool isInUse = true;    ///< false: hardly any comes again
   };
-  /// Where the next row goes; a copy of the rows goes on elsewhere.
+  /// Where the next row goes. A copy shares the rows, not the room behind them.
   struct Room {
     Room() = default;
     Room(const Room& /*other*/) {}
-    Room& operator=(const Room& other) {
-      if (this != &other) {
-        at = nullptr;
-        left = 0;
-      }
+    Room(Room&& other) noexcept
+        : at(std::exchange(other.at, nullptr)), left(std::exchange(other.left, 0)) {}
+    Room& operator=(Room other) noexcept {
+      std::swap(at, other.at);
+      std::swap(left, other.left);
       return *this;
     }
     char* at = nullptr;

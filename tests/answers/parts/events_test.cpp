@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <limits>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/answers/parts/part_tables.h"
@@ -114,6 +115,18 @@ TEST(Events, OfACopyAreItsOwn) {
   EXPECT_EQ(other[1].id, "sel 5");
   one = {};
   EXPECT_EQ(other[0].text, "entry");
+}
+
+TEST(Events, ThatWereMovedAwayAreAsNew) {
+  Events one;
+  one.push_back(MakeEvent(1));
+  {
+    const Events other = std::move(one);
+    EXPECT_EQ(other[0].id, "sel 1");
+  }
+  one.push_back(MakeEvent(3));  // NOLINT(bugprone-use-after-move): that is what is tried
+  ASSERT_EQ(one.size(), 1U);
+  EXPECT_EQ(one[0].id, "sel 3");
 }
 
 }  // namespace
