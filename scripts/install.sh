@@ -26,6 +26,7 @@ if [[ $purpose == test ]]; then
     libc++-14-dev libwine-dev                     # headers for the other compiler family
     gcovr                                         # which lines the tests run
     clang-format clang-tidy
+    libclang-14-dev llvm-14-dev                   # tells clang-tidy where to look
     libbenchmark-dev
     valgrind                                      # counts instructions in a test
     python3-jsonschema                            # JSON schemas

@@ -1,0 +1,43 @@
+// Shows clang-tidy only what the project declares; walking the libraries' headers takes it three
+// quarters of its time. Loaded into clang-tidy with LD_PRELOAD, since it takes no plug-ins of clang.
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <clang/AST/ASTConsumer.h>
+#include <clang/AST/ASTContext.h>
+#include <clang/Basic/SourceManager.h>
+#include <clang/Frontend/FrontendPluginRegistry.h>
+
+namespace {
+
+class OwnDeclarations : public clang::ASTConsumer {
+ public:
+  void HandleTranslationUnit(clang::ASTContext& context) override {
+    std::vector<clang::Decl*> own;
+    for (clang::Decl* declaration : context.getTranslationUnitDecl()->decls()) {
+      if (!context.getSourceManager().isInSystemHeader(declaration->getLocation())) {
+        own.push_back(declaration);
+      }
+    }
+    context.setTraversalScope(own);
+  }
+};
+
+class ShowOwnDeclarations : public clang::PluginASTAction {
+ protected:
+  std::unique_ptr<clang::ASTConsumer> CreateASTConsumer(clang::CompilerInstance& /*compiler*/,
+                                                        llvm::StringRef /*file*/) override {
+    return std::make_unique<OwnDeclarations>();
+  }
+  bool ParseArgs(const clang::CompilerInstance& /*compiler*/,
+                 const std::vector<std::string>& /*arguments*/) override {
+    return true;
+  }
+  ActionType getActionType() override { return AddBeforeMainAction; }
+};
+
+const clang::FrontendPluginRegistry::Add<ShowOwnDeclarations> kRegistered("own-declarations", "");
+
+}  // namespace
