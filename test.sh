@@ -22,45 +22,43 @@ if [[ $# -gt 0 ]]; then
 fi
 
 scripts/install.sh test || exit 1
-mkdir -p build/logs
+logs=build/logs
+mkdir -p $logs
+rm -f $logs/*.count
 
-passed=0
-failed=0
-failures=()
+# Runs a step; what it prints is left in its log.
+measure() {  # NAME COMMAND...
+  local name=$1
+  shift
+  local TIMEFORMAT='%R %U %S'
+  { time "$@" >"$logs/$name.log" 2>&1; } 2>"$logs/$name.time"
+}
 
-TIMEFORMAT='%R %U %S'
-
+# Says how a step ended, at once, and keeps it for the sum.
 count() {  # NAME PASSED FAILED
   local elapsed user system
-  passed=$((passed + $2))
-  failed=$((failed + $3))
-  [[ $3 -eq 0 ]] || failures+=("$1")
-  read -r elapsed user system <"build/logs/$1.time"
+  read -r elapsed user system <"$logs/$1.time"
   printf '%-28s %6d passed %4d failed %5.0f s, %5.0f s of processor\n' \
     "$1" "$2" "$3" "$elapsed" "$((${user%.*} + ${system%.*}))"
+  echo "$2 $3" >"$logs/$1.count"
 }
 
 # A step that either holds or does not.
 check() {  # NAME COMMAND...
-  local name=$1 status=0
-  shift
-  { time "$@" 2>&3; } 3>&2 2>"build/logs/$name.time" || status=$?
-  if [[ $status -eq 0 ]]; then count "$name" 1 0; else count "$name" 0 1; fi
+  if measure "$@"; then
+    count "$1" 1 0
+  else
+    count "$1" 0 1
+    tail -n 80 "$logs/$1.log"
+    return 1
+  fi
 }
 
-# A command that ends with "N passed, N failed"; counted once it has ended.
+# A step that ends with "N passed, N failed".
 run() {  # NAME COMMAND...
-  local name=$1
-  shift
-  { time "$@" >"build/logs/$name.log" 2>&1; } 2>"build/logs/$name.time"
-  echo $? >"build/logs/$name.status"
-}
-
-counted() {  # NAME
-  local log=build/logs/$1.log line status
-  status=$(cat "build/logs/$1.status")
-  line=$(grep -E '^[0-9]+ passed, [0-9]+ failed$' "$log" | tail -n 1)
-  if [[ $line =~ ^([0-9]+)\ passed,\ ([0-9]+)\ failed$ ]] &&
+  local log=$logs/$1.log status=0
+  measure "$@" || status=$?
+  if [[ $(grep -E '^[0-9]+ passed, [0-9]+ failed$' "$log" | tail -n 1) =~ ^([0-9]+)\ passed,\ ([0-9]+) ]] &&
      { [[ $status -eq 0 ]] || [[ ${BASH_REMATCH[2]} -gt 0 ]]; }; then
     count "$1" "${BASH_REMATCH[1]}" "${BASH_REMATCH[2]}"
   else
@@ -70,39 +68,57 @@ counted() {  # NAME
   [[ $status -eq 0 ]] || { grep -E -B 30 '^\[  FAILED|FAILED|failed' "$log" || cat "$log"; } | tail -n 80
 }
 
-# One that runs beside others, once it has ended.
-held() {  # NAME
-  if [[ $(cat "build/logs/$1.status") -eq 0 ]]; then count "$1" 1 0; else count "$1" 0 1; fi
-  cat "build/logs/$1.log"
+# What needs one build is a lane. Lanes run side by side, for each waits now and then: the tests under
+# Wine nearly always, so they start as soon as they can.
+windows_lane() {
+  check "build windows" scripts/build.sh windows || return
+  run windows scripts/wine_tests.sh &
+  run state scripts/check_state.sh
+  run binaries scripts/check_binaries.sh
+  run packages scripts/package_tests.sh
+  run verdicts scripts/judge_folder.sh samples/*
+  wait
 }
 
-# Wine mostly waits, so it starts as soon as it can, and all else works in the time that it leaves.
-check "build native" scripts/build.sh native all pq_tests_by_room
-check "build windows" scripts/build.sh windows
-run windows scripts/wine_tests.sh &
-run packages nice scripts/package_tests.sh &
-check "build asan" nice scripts/build.sh asan
-check "build tsan" nice scripts/build.sh tsan pq_tests_threads
-run lint nice scripts/lint.sh &
+native_lane() {
+  PQ_REPETITIONS=1000 run native scripts/gtest.sh build/native/bin/pq_tests
+  run fleet scripts/fleet_tests.sh
+  run browser scripts/browser_tests.sh
+  run metrics scripts/metrics_tests.sh
+  check schema scripts/check_schema.sh build/native/bin/pqhost
+  check format scripts/format.sh
+  run msvc python3 scripts/check_msvc.py
+}
 
-PQ_REPETITIONS=1000 run native scripts/gtest.sh build/native/bin/pq_tests
-run state scripts/check_state.sh
-run binaries scripts/check_binaries.sh
-run msvc python3 scripts/check_msvc.py
-run asan scripts/gtest.sh build/asan/bin/pq_tests
-TSAN_OPTIONS=suppressions=tests/thread_sanitizer.supp \
-  run tsan scripts/gtest.sh build/tsan/bin/pq_tests_threads
-run browser scripts/browser_tests.sh
-run metrics scripts/metrics_tests.sh
-run fleet scripts/fleet_tests.sh
-run fuzz scripts/fuzz.sh --replay
-run verdicts scripts/judge_folder.sh samples/*
-for name in native state binaries msvc asan tsan browser metrics fleet fuzz verdicts; do counted "$name"; done
-check schema scripts/check_schema.sh build/native/bin/pqhost
-check format scripts/format.sh
-wait
-held lint
-for name in windows packages; do counted "$name"; done
+sanitizer_lane() {
+  check "build asan" scripts/build.sh asan || return
+  check lint scripts/lint.sh &
+  run asan scripts/gtest.sh build/asan/bin/pq_tests
+  run fuzz scripts/fuzz.sh --replay
+  check "build tsan" scripts/build.sh tsan pq_tests_threads &&
+    TSAN_OPTIONS=suppressions=tests/thread_sanitizer.supp \
+      run tsan scripts/gtest.sh build/tsan/bin/pq_tests_threads
+  wait
+}
+
+if check "build native" scripts/build.sh native all pq_tests_by_room; then
+  windows_lane &
+  native_lane &
+  sanitizer_lane &
+  wait
+fi
+
+passed=0
+failed=0
+failures=()
+for name in "build native" "build windows" "build asan" "build tsan" native state binaries msvc asan tsan \
+            browser metrics fleet fuzz verdicts schema format lint windows packages; do
+  [[ -e $logs/$name.count ]] || echo "0 1" >"$logs/$name.count"  # what it needs was not built
+  read -r good bad <"$logs/$name.count"
+  passed=$((passed + good))
+  failed=$((failed + bad))
+  [[ $bad -eq 0 ]] || failures+=("$name")
+done
 
 [[ ${#failures[@]} -eq 0 ]] || echo "Failed: ${failures[*]}"
 echo "$passed passed, $failed failed"

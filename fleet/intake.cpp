@@ -18,7 +18,7 @@ namespace fleet {
 namespace {
 
 /// What nginx lets in, too; real ones have a tenth of it.
-constexpr std::uintmax_t kMostBytes = std::uintmax_t{64} << 20;
+constexpr std::uintmax_t kMostZipBytes = std::uintmax_t{64} << 20;
 constexpr std::size_t kLongestName = 255;
 
 [[noreturn]] void Refuse(const std::filesystem::path& path, std::string_view reason) {
@@ -28,8 +28,8 @@ constexpr std::size_t kLongestName = 255;
 std::string ReadZip(const std::filesystem::path& path) {
   std::error_code error;
   const std::uintmax_t size = std::filesystem::file_size(path, error);
-  if (!error && size > kMostBytes) {
-    Refuse(path, fmt::format("it has more than {} MiB", kMostBytes >> 20));
+  if (!error && size > kMostZipBytes) {
+    Refuse(path, fmt::format("it has more than {} MiB", kMostZipBytes >> 20));
   }
   try {
     return host::ReadWholeFile(path);

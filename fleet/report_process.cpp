@@ -19,7 +19,7 @@ namespace {
 constexpr char kThisProgram[] = "/proc/self/exe";
 constexpr rlim_t kMostMemory = rlim_t{2} << 30;
 constexpr rlim_t kMostSeconds = 20;
-constexpr std::size_t kMostBytes = std::size_t{512} << 20;
+constexpr std::size_t kMostReportBytes = std::size_t{512} << 20;
 
 void Limit(pid_t process) {
   const rlimit memory{kMostMemory, kMostMemory};
@@ -53,7 +53,7 @@ std::optional<std::string> RunReport(const std::vector<std::string>& arguments) 
   std::string output;
   std::array<char, 1 << 16> buffer{};
   while (const std::size_t size = reading.Read(buffer.data(), buffer.size())) {
-    if (output.size() + size > kMostBytes) {
+    if (output.size() + size > kMostReportBytes) {
       kill(process, SIGKILL);
       break;
     }

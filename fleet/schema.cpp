@@ -14,7 +14,7 @@ namespace fleet {
 namespace {
 
 /// Any number that no other program of this database uses: one installation at a time.
-constexpr char kLock[] = "select pg_advisory_xact_lock(7065669)";
+constexpr char kSchemaLock[] = "select pg_advisory_xact_lock(7065669)";
 
 /// What brings the tables from each version to the next; the first one's are made from schema.sql.
 constexpr std::string_view const* kSteps[] = {&host::kSchema2Sql};
@@ -206,7 +206,7 @@ SchemaState FindSchema(Connection& connection) {
 SchemaChanges InstallSchema(Connection& connection, const RowTables& tables) {
   return RunTransaction(connection, [&] {
     SchemaChanges changes;
-    connection.Ask(kLock);
+    connection.Ask(kSchemaLock);
     MakeRoles(connection);
     const SchemaState before = FindSchema(connection);
     if (before == SchemaState::kNewer) RefuseNewer(connection);

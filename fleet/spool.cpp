@@ -23,12 +23,12 @@ namespace fs = std::filesystem;
 
 constexpr char kRefused[] = ".refused";
 constexpr char kClosed[] = ".closed";
-constexpr char kLock[] = ".lock";
+constexpr char kLockName[] = ".lock";
 /// While it is made sure of which file it is.
 constexpr char kTaken[] = ".taken";
 constexpr char kTakenBefore[] = "taken-before.zip";
 
-[[noreturn]] void Fail(const fs::path& path, std::string_view reason) {
+[[noreturn]] void FailSpool(const fs::path& path, std::string_view reason) {
   throw host::UsageError(fmt::format("{}: {}", host::PathText(path), reason));
 }
 
@@ -55,14 +55,14 @@ bool IsSame(const SpooledFile& one, const SpooledFile& other) {
 
 Spool::Spool(fs::path given) : folder(std::move(given)) {
   std::error_code ignored;
-  if (!fs::is_directory(folder, ignored)) Fail(folder, "there is no such folder to watch");
-  const fs::path path = folder / kLock;
+  if (!fs::is_directory(folder, ignored)) FailSpool(folder, "there is no such folder to watch");
+  const fs::path path = folder / kLockName;
   constexpr mode_t kOwnerAlone = 0600;
   lock =
       host::FileHandle(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, kOwnerAlone));
-  if (!lock.IsOpen()) Fail(path, std::strerror(errno));
+  if (!lock.IsOpen()) FailSpool(path, std::strerror(errno));
   if (flock(lock.Descriptor(), LOCK_EX | LOCK_NB) != 0) {
-    Fail(folder, "another pqfleet submit watches it");
+    FailSpool(folder, "another pqfleet submit watches it");
   }
 }
 
@@ -74,7 +74,7 @@ void Spool::ForEachSite(const std::function<void(const std::string& site)>& take
     const bool isFolder = fs::is_directory(entry->symlink_status(error));
     if (isFolder && !IsHidden(entry->path())) sites.insert(entry->path().filename().native());
   }
-  if (error) Fail(folder, error.message());
+  if (error) FailSpool(folder, error.message());
   for (const std::string& site : sites) take(site);
 }
 
@@ -91,7 +91,7 @@ void Spool::ForEachFile(const std::string& site,
     const std::optional<SpooledFile> file = Look(entry->path());
     if (file && !take(*file)) return;
   }
-  if (error) Fail(place, error.message());
+  if (error) FailSpool(place, error.message());
 }
 
 void Spool::Remove(const SpooledFile& file) const {
@@ -100,14 +100,14 @@ void Spool::Remove(const SpooledFile& file) const {
   std::error_code error;
   fs::rename(file.path, away, error);
   if (error == std::errc::no_such_file_or_directory) return;
-  if (error) Fail(file.path, error.message());
+  if (error) FailSpool(file.path, error.message());
   const std::optional<SpooledFile> moved = Look(away);
   if (moved && IsSame(*moved, file)) {
     fs::remove(away, error);
   } else {
     fs::rename(away, file.path, error);
   }
-  if (error) Fail(file.path, error.message());
+  if (error) FailSpool(file.path, error.message());
 }
 
 void Spool::SetAside(const SpooledFile& file, const std::string& site) const {
@@ -115,7 +115,7 @@ void Spool::SetAside(const SpooledFile& file, const std::string& site) const {
   std::error_code error;
   fs::create_directories(place, error);
   if (!error) fs::rename(file.path, place / file.path.filename(), error);
-  if (error && error != std::errc::no_such_file_or_directory) Fail(file.path, error.message());
+  if (error && error != std::errc::no_such_file_or_directory) FailSpool(file.path, error.message());
 }
 
 void Spool::SetClosed(const std::string& site, bool isClosed) const {
@@ -123,13 +123,13 @@ void Spool::SetClosed(const std::string& site, bool isClosed) const {
   std::error_code error;
   if (!isClosed) {
     fs::remove(mark, error);
-    if (error) Fail(mark, error.message());
+    if (error) FailSpool(mark, error.message());
     return;
   }
   constexpr mode_t kForAllToRead = 0644;
   const host::FileHandle made(
       open(mark.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW, kForAllToRead));
-  if (!made.IsOpen()) Fail(mark, std::strerror(errno));
+  if (!made.IsOpen()) FailSpool(mark, std::strerror(errno));
 }
 
 }  // namespace fleet

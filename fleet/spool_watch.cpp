@@ -13,7 +13,7 @@ namespace fleet {
 namespace {
 
 /// Between looks at a spool in which nothing is.
-constexpr std::chrono::milliseconds kIdleTime{1000};
+constexpr std::chrono::milliseconds kSpoolIdleTime{1000};
 
 std::chrono::nanoseconds GetAge(const SpooledFile& file) {
   return std::chrono::system_clock::now().time_since_epoch() - file.changed;
@@ -35,7 +35,7 @@ void SpoolWatch::Watch(const ConnectionWords& database, EndRequest& endRequest) 
       database, "pqfleet submit",
       [&](Connection& connection) {
         while (!endRequest.IsMade()) {
-          if (!TakeTurn(connection, endRequest)) endRequest.Sleep(kIdleTime);
+          if (!TakeTurn(connection, endRequest)) endRequest.Sleep(kSpoolIdleTime);
         }
       },
       [&](std::chrono::milliseconds time) { return endRequest.Sleep(time); }, troubles);

@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 
 constexpr char kMark[] = "pqfleet-store";
 
-[[noreturn]] void Fail(const fs::path& path, std::string_view reason) {
+[[noreturn]] void FailStore(const fs::path& path, std::string_view reason) {
   throw StoreFailure(fmt::format("{}: {}", host::PathText(path), reason));
 }
 
@@ -34,9 +34,10 @@ bool IsStore(const fs::path& folder) {
 
 Store::Store(fs::path given) : folder(std::move(given)) {
   if (IsStore(folder)) return;
-  Fail(folder, fmt::format("it is no store of recordings, as it has no file {}: mount it, or make "
-                           "it with pqfleet init --store",
-                           kMark));
+  FailStore(folder,
+            fmt::format("it is no store of recordings, as it has no file {}: mount it, or make "
+                        "it with pqfleet init --store",
+                        kMark));
 }
 
 void Store::Create(const fs::path& folder) {
@@ -44,9 +45,9 @@ void Store::Create(const fs::path& folder) {
   std::error_code error;
   fs::create_directories(folder, error);
   if (!error && !fs::is_empty(folder, error)) {
-    Fail(folder, "it holds something else: name an empty folder for the store");
+    FailStore(folder, "it holds something else: name an empty folder for the store");
   }
-  if (error) Fail(folder, error.message());
+  if (error) FailStore(folder, error.message());
   try {
     host::CreateWholeFile(folder / kMark, "1\n", host::Readers::kAsUsual);
   } catch (const std::runtime_error& failure) {
@@ -67,12 +68,12 @@ std::optional<std::string> Store::Read(const std::string& key) const {
   const fs::path place = FindPlace(key);
   std::error_code error;
   const bool isThere = fs::exists(place, error);
-  if (!isThere && (error || !IsStore(folder))) Fail(folder, "the store is not there any more");
+  if (!isThere && (error || !IsStore(folder))) FailStore(folder, "the store is not there any more");
   if (!isThere) return std::nullopt;
   try {
     return host::ReadWholeFile(place);
   } catch (const std::runtime_error& failure) {
-    Fail(place, failure.what());
+    FailStore(place, failure.what());
   }
 }
 
@@ -92,12 +93,12 @@ void Store::Remove(const std::string& key) const {
   const fs::path place = FindPlace(key);
   std::error_code error;
   fs::remove(place, error);
-  if (error) Fail(place, error.message());
+  if (error) FailStore(place, error.message());
 }
 
 void Store::Settle() const {
   const host::FileHandle root(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (!root.IsOpen() || syncfs(root.Descriptor()) != 0) Fail(folder, std::strerror(errno));
+  if (!root.IsOpen() || syncfs(root.Descriptor()) != 0) FailStore(folder, std::strerror(errno));
 }
 
 }  // namespace fleet

@@ -19,9 +19,9 @@ using Clock = std::chrono::steady_clock;
 constexpr int kLostTogether = 3;
 constexpr int kMostLost = 10;
 /// Rows of a batch in memory: then it is written, and the rest of the claim follows.
-constexpr std::size_t kMostBytes = std::size_t{64} << 20;
+constexpr std::size_t kMostBatchBytes = std::size_t{64} << 20;
 /// When nothing is ready.
-constexpr std::chrono::milliseconds kIdleTime{1000};
+constexpr std::chrono::milliseconds kQueueIdleTime{1000};
 
 std::string NameWorker() {
   std::array<char, 256> host{};
@@ -133,7 +133,7 @@ void Worker::WorkWith(Connection& connection) {
           "select 1 from job where parser = $1 and state < 2 limit 1", {schema.parser});
       // What others have claimed may become ready again.
       if (rules.once && open.RowCount() == 0) return;
-      wait(kIdleTime);
+      wait(kQueueIdleTime);
       continue;
     }
     BatchWriter writer(connection, tables, schema);
@@ -152,7 +152,7 @@ void Worker::WorkWith(Connection& connection) {
         batch.back().object = one.object;
         batch.back().attempts = one.attempts;
         bytes += CountBytes(batch.back().parsed);
-        if (bytes > kMostBytes) write();
+        if (bytes > kMostBatchBytes) write();
         if (claim.leaseEnd - Clock::now() < rules.lease / 2) {
           KeepLease(connection, schema, claim);
           claim.leaseEnd = Clock::now() + rules.lease;

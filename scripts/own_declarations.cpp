@@ -1,14 +1,15 @@
 // Shows clang-tidy only what the project declares; walking the libraries' headers takes it three
-// quarters of its time. Loaded into clang-tidy with LD_PRELOAD, since it takes no plug-ins of clang.
-
-#include <memory>
-#include <string>
-#include <vector>
+// quarters of its time. Loaded into clang-tidy with LD_PRELOAD, since it takes no plug-ins of
+// clang.
 
 #include <clang/AST/ASTConsumer.h>
 #include <clang/AST/ASTContext.h>
 #include <clang/Basic/SourceManager.h>
 #include <clang/Frontend/FrontendPluginRegistry.h>
+
+#include <memory>
+#include <string>
+#include <vector>
 
 namespace {
 

@@ -18,7 +18,7 @@
 namespace fleet {
 namespace {
 
-constexpr char kFooter[] = R"(Examples:
+constexpr char kExpireFooter[] = R"(Examples:
   pqfleet expire --older-than 400
   pqfleet expire --older-than 60 --keep-monthly
 
@@ -51,7 +51,7 @@ int RunExpire(const ExpireOptions& options, const host::Console& console) {
   return host::kExitDone;
 }
 
-host::CommandRun Define(host::OptionSet& set) {
+host::CommandRun DefineExpire(host::OptionSet& set) {
   const auto options = std::make_shared<ExpireOptions>();
   set.AddCount("--older-than", "DAYS", options->days, kMostDays,
                "Remove what was taken more days ago");
@@ -63,6 +63,7 @@ host::CommandRun Define(host::OptionSet& set) {
 
 }  // namespace
 
-const host::Command kExpireCommand = {"expire", "Remove old recordings", kFooter, &Define};
+const host::Command kExpireCommand = {"expire", "Remove old recordings", kExpireFooter,
+                                      &DefineExpire};
 
 }  // namespace fleet

@@ -22,7 +22,7 @@
 namespace fleet {
 namespace {
 
-constexpr char kFooter[] = R"(Examples:
+constexpr char kExportFooter[] = R"(Examples:
   pqfleet export --part drives
   pqfleet export --part drives --part volumes --since 2026-11-01 --output parts.ndjson
   pqfleet export --all | clickhouse-client --query "INSERT INTO parts FORMAT JSONEachRow"
@@ -89,7 +89,7 @@ int RunExport(const ExportOptions& options, const host::Console& console) {
   return host::kExitDone;
 }
 
-host::CommandRun Define(host::OptionSet& set) {
+host::CommandRun DefineExport(host::OptionSet& set) {
   const auto options = std::make_shared<ExportOptions>();
   set.AddTexts("--part", "NAME", options->parts,
                "Rows of this view of parts or findings; may be repeated");
@@ -103,7 +103,7 @@ host::CommandRun Define(host::OptionSet& set) {
 
 }  // namespace
 
-const host::Command kExportCommand = {"export", "Hand parts on to other programs", kFooter,
-                                      &Define};
+const host::Command kExportCommand = {"export", "Hand parts on to other programs", kExportFooter,
+                                      &DefineExport};
 
 }  // namespace fleet

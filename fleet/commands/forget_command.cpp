@@ -19,7 +19,7 @@
 namespace fleet {
 namespace {
 
-constexpr char kFooter[] = R"(Examples:
+constexpr char kForgetFooter[] = R"(Examples:
   pqfleet forget NODE31
   pqfleet forget --site berlin NODE31
   pqfleet forget --whole-site berlin
@@ -81,7 +81,7 @@ int RunForget(const ForgetOptions& options, const host::Console& console) {
   return host::kExitDone;
 }
 
-host::CommandRun Define(host::OptionSet& set) {
+host::CommandRun DefineForget(host::OptionSet& set) {
   const auto options = std::make_shared<ForgetOptions>();
   set.AddArguments("SERVER", "[SERVER]", host::OptionValue::kAny, 1, options->words,
                    "The server's name");
@@ -93,7 +93,7 @@ host::CommandRun Define(host::OptionSet& set) {
 
 }  // namespace
 
-const host::Command kForgetCommand = {"forget", "Remove all that is known of a server", kFooter,
-                                      &Define};
+const host::Command kForgetCommand = {"forget", "Remove all that is known of a server",
+                                      kForgetFooter, &DefineForget};
 
 }  // namespace fleet

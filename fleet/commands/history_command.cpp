@@ -23,7 +23,7 @@
 namespace fleet {
 namespace {
 
-constexpr char kFooter[] = R"(Examples:
+constexpr char kHistoryFooter[] = R"(Examples:
   pqfleet history NODE31 --part drives
   pqfleet history NODE31 --class PDLIST --since 2026-10-01 --format csv
 
@@ -156,7 +156,7 @@ int RunHistory(const HistoryOptions& options, const host::Console& console) {
   return exitCode;
 }
 
-host::CommandRun Define(host::OptionSet& set) {
+host::CommandRun DefineHistory(host::OptionSet& set) {
   const auto options = std::make_shared<HistoryOptions>();
   set.AddArguments("SERVER", "SERVER", host::OptionValue::kAny, 1, options->words,
                    "The server's name");
@@ -173,6 +173,6 @@ host::CommandRun Define(host::OptionSet& set) {
 }  // namespace
 
 const host::Command kHistoryCommand = {"history", "Tell a part of a server over the nights",
-                                       kFooter, &Define};
+                                       kHistoryFooter, &DefineHistory};
 
 }  // namespace fleet

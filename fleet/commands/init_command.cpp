@@ -18,7 +18,7 @@
 namespace fleet {
 namespace {
 
-constexpr char kFooter[] = R"(Examples:
+constexpr char kInitFooter[] = R"(Examples:
   createdb fleet
   PGDATABASE=fleet pqfleet init --store /srv/fleet
   pqfleet init --upgrade         after an update of this program
@@ -61,7 +61,7 @@ int RunInit(const InitOptions& options, const host::Console& console) {
   return host::kExitDone;
 }
 
-host::CommandRun Define(host::OptionSet& set) {
+host::CommandRun DefineInit(host::OptionSet& set) {
   const auto options = std::make_shared<InitOptions>();
   AddSettingsOptions(set, options->settings);
   set.AddFlag("--upgrade", options->isUpgrade,
@@ -71,7 +71,7 @@ host::CommandRun Define(host::OptionSet& set) {
 
 }  // namespace
 
-const host::Command kInitCommand = {"init", "Make the database's tables and the store", kFooter,
-                                    &Define};
+const host::Command kInitCommand = {"init", "Make the database's tables and the store", kInitFooter,
+                                    &DefineInit};
 
 }  // namespace fleet

@@ -16,7 +16,7 @@
 namespace fleet {
 namespace {
 
-constexpr char kFooter[] = R"(Examples:
+constexpr char kMetricsFooter[] = R"(Examples:
   pqfleet metrics
   pqfleet metrics --output /var/lib/prometheus/node-exporter/pqfleet.prom
 
@@ -80,7 +80,7 @@ int RunMetrics(const MetricsOptions& options, const host::Console& console) {
   return host::kExitDone;
 }
 
-host::CommandRun Define(host::OptionSet& set) {
+host::CommandRun DefineMetrics(host::OptionSet& set) {
   const auto options = std::make_shared<MetricsOptions>();
   set.AddDestination("--output", options->output, "Write the metrics to this file");
   AddDatabaseOptions(set, options->settings);
@@ -90,6 +90,6 @@ host::CommandRun Define(host::OptionSet& set) {
 }  // namespace
 
 const host::Command kMetricsCommand = {"metrics", "Tell the state of the fleet to Prometheus",
-                                       kFooter, &Define};
+                                       kMetricsFooter, &DefineMetrics};
 
 }  // namespace fleet

@@ -23,7 +23,7 @@
 namespace fleet {
 namespace {
 
-constexpr char kFooter[] = R"(Examples:
+constexpr char kParkedFooter[] = R"(Examples:
   pqfleet parked
   pqfleet parked --reason "not in the store" --format csv
   pqfleet parked --reason "not in the store" --retry
@@ -126,7 +126,7 @@ int RunParked(const ParkedOptions& options, const host::Console& console) {
   return host::kExitDone;
 }
 
-host::CommandRun Define(host::OptionSet& set) {
+host::CommandRun DefineParked(host::OptionSet& set) {
   const auto options = std::make_shared<ParkedOptions>();
   set.AddTexts("--reason", "WORDS", options->reasons,
                "Only those with these words in their reason");
@@ -141,7 +141,7 @@ host::CommandRun Define(host::OptionSet& set) {
 
 }  // namespace
 
-const host::Command kParkedCommand = {"parked", "List what cannot be parsed, and why", kFooter,
-                                      &Define};
+const host::Command kParkedCommand = {"parked", "List what cannot be parsed, and why",
+                                      kParkedFooter, &DefineParked};
 
 }  // namespace fleet

@@ -19,7 +19,7 @@
 namespace fleet {
 namespace {
 
-constexpr char kFooter[] = R"(Examples:
+constexpr char kQueryFooter[] = R"(Examples:
   pqfleet query "SELECT server, id, serial FROM drives WHERE media_errors > 0"
   pqfleet query "SELECT verdict, count(*) FROM verdict_now GROUP BY 1" --format csv
   pqfleet query "SELECT * FROM silent ORDER BY received"
@@ -72,7 +72,7 @@ int RunQuery(const QueryOptions& options, const host::Console& console) {
   return host::kExitDone;
 }
 
-host::CommandRun Define(host::OptionSet& set) {
+host::CommandRun DefineQuery(host::OptionSet& set) {
   const auto options = std::make_shared<QueryOptions>();
   set.AddArguments("QUERY", "SQL", host::OptionValue::kAny, 1, options->words,
                    "One statement that only reads");
@@ -85,7 +85,7 @@ host::CommandRun Define(host::OptionSet& set) {
 
 }  // namespace
 
-const host::Command kQueryCommand = {"query", "Ask about all servers, in SQL", kFooter, &Define,
-                                     host::Command::TimeLimit::kItsOwn};
+const host::Command kQueryCommand = {"query", "Ask about all servers, in SQL", kQueryFooter,
+                                     &DefineQuery, host::Command::TimeLimit::kItsOwn};
 
 }  // namespace fleet

@@ -13,7 +13,7 @@
 namespace fleet {
 namespace {
 
-constexpr char kFooter[] = R"(Examples:
+constexpr char kRebuildFooter[] = R"(Examples:
   pqfleet rebuild && pqfleet work --workers 4 --once
 
 It empties the tables of rows, facts and verdicts and makes every recording
@@ -45,7 +45,7 @@ int RunRebuild(const GivenSettings& given, const host::Console& console) {
   return host::kExitDone;
 }
 
-host::CommandRun Define(host::OptionSet& set) {
+host::CommandRun DefineRebuild(host::OptionSet& set) {
   const auto given = std::make_shared<GivenSettings>();
   AddDatabaseOptions(set, *given);
   return [given](const host::Console& console) { return RunRebuild(*given, console); };
@@ -54,6 +54,6 @@ host::CommandRun Define(host::OptionSet& set) {
 }  // namespace
 
 const host::Command kRebuildCommand = {"rebuild", "Make anew what is known, from the store",
-                                       kFooter, &Define};
+                                       kRebuildFooter, &DefineRebuild};
 
 }  // namespace fleet

@@ -22,7 +22,7 @@
 namespace fleet {
 namespace {
 
-constexpr char kFooter[] = R"(Examples:
+constexpr char kReparseFooter[] = R"(Examples:
   pqfleet init --upgrade && pqfleet reparse     after an update of this program
   pqfleet reparse --all
   pqfleet reparse --current                           each server's newest recording
@@ -109,7 +109,7 @@ int RunReparse(const ReparseOptions& options, const host::Console& console) {
   return host::kExitDone;
 }
 
-host::CommandRun Define(host::OptionSet& set) {
+host::CommandRun DefineReparse(host::OptionSet& set) {
   const auto options = std::make_shared<ReparseOptions>();
   set.AddFlag("--all", options->all, "All recordings, also those that these readers parsed");
   set.AddFlag("--current", options->current, "Those whose rows are in the database");
@@ -121,6 +121,7 @@ host::CommandRun Define(host::OptionSet& set) {
 
 }  // namespace
 
-const host::Command kReparseCommand = {"reparse", "Parse again what was parsed", kFooter, &Define};
+const host::Command kReparseCommand = {"reparse", "Parse again what was parsed", kReparseFooter,
+                                       &DefineReparse};
 
 }  // namespace fleet

@@ -26,7 +26,7 @@
 namespace fleet {
 namespace {
 
-constexpr char kFooter[] = R"(Examples:
+constexpr char kServeFooter[] = R"(Examples:
   pqfleet serve                        http://127.0.0.1:8080/
   pqfleet serve --port 8090 --host fleet.example.org
 
@@ -183,7 +183,7 @@ int RunServe(const ServeOptions& options, const host::Console& console) {
   return host::kExitDone;
 }
 
-host::CommandRun Define(host::OptionSet& set) {
+host::CommandRun DefineServe(host::OptionSet& set) {
   const auto options = std::make_shared<ServeOptions>();
   set.AddTexts("--address", "ADDRESS", options->addresses,
                "Listen at this address; 127.0.0.1 unless given");
@@ -198,6 +198,7 @@ host::CommandRun Define(host::OptionSet& set) {
 
 }  // namespace
 
-const host::Command kServeCommand = {"serve", "Show the fleet in a browser", kFooter, &Define};
+const host::Command kServeCommand = {"serve", "Show the fleet in a browser", kServeFooter,
+                                     &DefineServe};
 
 }  // namespace fleet

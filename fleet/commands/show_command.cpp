@@ -22,7 +22,7 @@
 namespace fleet {
 namespace {
 
-constexpr char kFooter[] = R"(Examples:
+constexpr char kShowFooter[] = R"(Examples:
   pqfleet show NODE31
   pqfleet show NODE31 --format html --output node31.html
   pqfleet show NODE31 --at 2026-11-01 --format json
@@ -113,7 +113,7 @@ int RunShow(const ShowOptions& options, const host::Console& console) {
   return host::kExitDone;
 }
 
-host::CommandRun Define(host::OptionSet& set) {
+host::CommandRun DefineShow(host::OptionSet& set) {
   const auto options = std::make_shared<ShowOptions>();
   set.AddArguments("SERVER", "[SERVER]", host::OptionValue::kAny, 1, options->words,
                    "The server's name");
@@ -132,6 +132,7 @@ host::CommandRun Define(host::OptionSet& set) {
 
 }  // namespace
 
-const host::Command kShowCommand = {"show", "Show one server's recording", kFooter, &Define};
+const host::Command kShowCommand = {"show", "Show one server's recording", kShowFooter,
+                                    &DefineShow};
 
 }  // namespace fleet

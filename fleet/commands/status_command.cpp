@@ -21,7 +21,7 @@
 namespace fleet {
 namespace {
 
-constexpr char kFooter[] = R"(Examples:
+constexpr char kStatusFooter[] = R"(Examples:
   pqfleet status
   pqfleet status --format json
   pqfleet status --watch               every two seconds, until Ctrl-C
@@ -159,7 +159,7 @@ int RunStatus(const StatusOptions& options, const host::Console& console) {
   return host::kExitDone;
 }
 
-host::CommandRun Define(host::OptionSet& set) {
+host::CommandRun DefineStatus(host::OptionSet& set) {
   const auto options = std::make_shared<StatusOptions>();
   set.AddChoice("--format", {"table", "json"}, options->format,
                 "Format of the answer: table, json; table unless given");
@@ -170,6 +170,7 @@ host::CommandRun Define(host::OptionSet& set) {
 
 }  // namespace
 
-const host::Command kStatusCommand = {"status", "Tell how far the work is", kFooter, &Define};
+const host::Command kStatusCommand = {"status", "Tell how far the work is", kStatusFooter,
+                                      &DefineStatus};
 
 }  // namespace fleet

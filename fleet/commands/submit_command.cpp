@@ -28,7 +28,7 @@
 namespace fleet {
 namespace {
 
-constexpr char kFooter[] = R"(Examples:
+constexpr char kSubmitFooter[] = R"(Examples:
   pqfleet submit server.zip
   pqfleet submit --site berlin /srv/incoming
   pqfleet submit --server node31 FOLDER_OF_A_RECORDING
@@ -139,7 +139,7 @@ int RunSubmit(const SubmitOptions& options, const host::Console& console) {
   return refused == 0 ? host::kExitDone : host::kExitIncomplete;
 }
 
-host::CommandRun Define(host::OptionSet& set) {
+host::CommandRun DefineSubmit(host::OptionSet& set) {
   const auto options = std::make_shared<SubmitOptions>();
   set.AddArguments("RECORDING", "RECORDING...", host::OptionValue::kRecording, kMostRecordings,
                    options->words, "Folders or ZIP files, or folders of them");
@@ -165,6 +165,6 @@ host::CommandRun Define(host::OptionSet& set) {
 
 }  // namespace
 
-const host::Command kSubmitCommand = {"submit", "Take recordings in", kFooter, &Define};
+const host::Command kSubmitCommand = {"submit", "Take recordings in", kSubmitFooter, &DefineSubmit};
 
 }  // namespace fleet

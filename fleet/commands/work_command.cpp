@@ -28,7 +28,7 @@
 namespace fleet {
 namespace {
 
-constexpr char kFooter[] = R"(Examples:
+constexpr char kWorkFooter[] = R"(Examples:
   pqfleet work                       parse what is ready, and wait for more
   pqfleet work --workers 4 --once    end when nothing is ready
 
@@ -125,7 +125,7 @@ int RunWork(const WorkOptions& options, const host::Console& console) {
   return exitCode;
 }
 
-host::CommandRun Define(host::OptionSet& set) {
+host::CommandRun DefineWork(host::OptionSet& set) {
   const auto options = std::make_shared<WorkOptions>();
   set.AddCount("--workers", "COUNT", options->workers, kMostWorkers,
                "Work with so many processes; 1 unless given");
@@ -145,6 +145,6 @@ host::CommandRun Define(host::OptionSet& set) {
 
 }  // namespace
 
-const host::Command kWorkCommand = {"work", "Parse what is ready", kFooter, &Define};
+const host::Command kWorkCommand = {"work", "Parse what is ready", kWorkFooter, &DefineWork};
 
 }  // namespace fleet
