@@ -4,16 +4,17 @@
 # metrics in promtool, pqfleet on a PostgreSQL of its own, the JSON schema, formatting and lint. A
 # step's whole output is left in build/logs.
 # Ends with one line that counts over all of them.
-#   ./test.sh                  everything
+#   ./test.sh                  everything; a step that passed on these very files is not done again
+#   ./test.sh --again          everything, whatever passed
 #   ./test.sh ROOM [FILTER]    only what the native tests of one folder of tests/ need and do, in
 #                              seconds; FILTER as in --gtest_filter, such as 'JsonFormat*'
 set -uo pipefail
 cd "$(dirname "$0")"
 
-if [[ $# -gt 0 ]]; then
+if [[ $# -gt 0 && $* != --again ]]; then
   rooms=$(find tests -mindepth 2 -name '*_test.cpp' -not -path '*/windows/*' | cut -d/ -f2 | sort -u)
   if ! grep -qxF -e "$1" <<<"$rooms" || [[ $# -gt 2 ]]; then
-    printf 'usage: ./test.sh [ROOM [FILTER]]\nrooms:\n%s\n' "$rooms" >&2
+    printf 'usage: ./test.sh [--again | ROOM [FILTER]]\nrooms:\n%s\n' "$rooms" >&2
     exit 2
   fi
   scripts/install.sh build && scripts/build.sh native "pq_tests_$1" &&
@@ -24,7 +25,18 @@ fi
 scripts/install.sh test || exit 1
 logs=build/logs
 mkdir -p $logs
-rm -f $logs/*.count
+
+# What the project consists of now. Of former results those stay that are of the same, and good.
+tree=$(set -o pipefail; git ls-files -z -co --exclude-standard | sort -z | xargs -0 sha256sum | sha256sum) ||
+  tree=$RANDOM$RANDOM
+for result in $logs/*.count; do
+  [[ $* != --again && $(cat "$result" 2>/dev/null) == *" 0 ${tree%% *}" ]] || rm -f "$result"
+done
+
+has_passed() {  # NAME
+  [[ -e $logs/$1.count ]] || return 1
+  printf '%-28s passed on the same files\n' "$1"
+}
 
 # Runs a step; what it prints is left in its log.
 measure() {  # NAME COMMAND...
@@ -40,11 +52,18 @@ count() {  # NAME PASSED FAILED
   read -r elapsed user system <"$logs/$1.time"
   printf '%-28s %6d passed %4d failed %5.0f s, %5.0f s of processor\n' \
     "$1" "$2" "$3" "$elapsed" "$((${user%.*} + ${system%.*}))"
-  echo "$2 $3" >"$logs/$1.count"
+  echo "$2 $3 ${tree%% *}" >"$logs/$1.count"
+}
+
+# Whatever is built is there, whatever passed: a build has nothing to do then.
+build() {  # PRESET [TARGET]...
+  rm -f "$logs/build $1.count"
+  check "build $1" scripts/build.sh "$@"
 }
 
 # A step that either holds or does not.
 check() {  # NAME COMMAND...
+  has_passed "$1" && return
   if measure "$@"; then
     count "$1" 1 0
   else
@@ -56,6 +75,7 @@ check() {  # NAME COMMAND...
 
 # A step that ends with "N passed, N failed".
 run() {  # NAME COMMAND...
+  has_passed "$1" && return
   local log=$logs/$1.log status=0
   measure "$@" || status=$?
   if [[ $(grep -E '^[0-9]+ passed, [0-9]+ failed$' "$log" | tail -n 1) =~ ^([0-9]+)\ passed,\ ([0-9]+) ]] &&
@@ -71,7 +91,7 @@ run() {  # NAME COMMAND...
 # What needs one build is a lane. Lanes run side by side, for each waits now and then: the tests under
 # Wine nearly always, so they start as soon as they can.
 windows_lane() {
-  check "build windows" scripts/build.sh windows || return
+  build windows || return
   run windows scripts/wine_tests.sh &
   run state scripts/check_state.sh
   run binaries scripts/check_binaries.sh
@@ -91,17 +111,17 @@ native_lane() {
 }
 
 sanitizer_lane() {
-  check "build asan" scripts/build.sh asan || return
+  build asan || return
   check lint scripts/lint.sh &
   run asan scripts/gtest.sh build/asan/bin/pq_tests
   run fuzz scripts/fuzz.sh --replay
-  check "build tsan" scripts/build.sh tsan pq_tests_threads &&
+  build tsan pq_tests_threads &&
     TSAN_OPTIONS=suppressions=tests/thread_sanitizer.supp \
       run tsan scripts/gtest.sh build/tsan/bin/pq_tests_threads
   wait
 }
 
-if check "build native" scripts/build.sh native all pq_tests_by_room; then
+if build native all pq_tests_by_room; then
   windows_lane &
   native_lane &
   sanitizer_lane &
@@ -114,7 +134,7 @@ failures=()
 for name in "build native" "build windows" "build asan" "build tsan" native state binaries msvc asan tsan \
             browser metrics fleet fuzz verdicts schema format lint windows packages; do
   [[ -e $logs/$name.count ]] || echo "0 1" >"$logs/$name.count"  # what it needs was not built
-  read -r good bad <"$logs/$name.count"
+  read -r good bad _ <"$logs/$name.count"
   passed=$((passed + good))
   failed=$((failed + bad))
   [[ $bad -eq 0 ]] || failures+=("$name")
