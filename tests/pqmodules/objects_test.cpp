@@ -28,7 +28,7 @@ struct CollectingModule {
 /// How a module shows in a failed test.
 void PrintTo(const CollectingModule& module, std::ostream* out) { *out << module.name; }
 
-const CollectingModule kModules[] = {
+const CollectingModule kCollectingModules[] = {
     {"sampleModule1", "RAIDINFO", "Exit EnumXFirmwareInstancesCallback"},
     {"sampleModule2", "TINFO", "Exit CollectData"},
     {"BMC_Info", "MCINFO", "Exit CollectData-BMC related info"},
@@ -101,7 +101,7 @@ TEST_P(ModuleObjects, HaveCollectedOnlyWhenTheCollectionHasEnded) {
   EXPECT_EQ(collections, 2);
 }
 
-INSTANTIATE_TEST_SUITE_P(All, ModuleObjects, testing::ValuesIn(kModules),
+INSTANTIATE_TEST_SUITE_P(All, ModuleObjects, testing::ValuesIn(kCollectingModules),
                          [](const testing::TestParamInfo<CollectingModule>& info) {
                            return info.param.name;
                          });

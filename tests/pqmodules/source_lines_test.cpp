@@ -25,8 +25,8 @@ constexpr std::string_view kPrefix = "[repo] ";
 /// Shorter texts between quotes are blanks, ends of lines and the like.
 constexpr std::size_t kShortestSentence = 4;
 
-constexpr const char* kModules[] = {"sampleModule1", "sampleModule2", "BMC_Info", "AMT_Info",
-                                    "Windows_Related_Info"};
+constexpr const char* kModuleNames[] = {"sampleModule1", "sampleModule2", "BMC_Info", "AMT_Info",
+                                        "Windows_Related_Info"};
 
 struct SourceLine {
   std::string text;
@@ -179,7 +179,7 @@ TEST(SourceLines, AreThoseOfTheSentencesAndNoTwoSentencesShareOne) {
   }
   for (std::uint64_t seed = 1; seed <= 12; ++seed) {
     const host::Recording machine = test::MakeRandomRecording(seed);
-    for (const char* module : kModules) {
+    for (const char* module : kModuleNames) {
       const auto collected = test::Collect(machine, module);
       for (const host::LogLine& record : collected.log) places.Check(machine, record);
     }

@@ -10,6 +10,8 @@
 
 namespace test {
 
+inline constexpr char kBmcModule[] = "BMC_Info";
+
 /// Exit codes of the detection tool for the four families.
 inline constexpr std::uint32_t kFamilies[] = {5, 7, 9, 11};
 

@@ -10,21 +10,20 @@
 #include "host/collect/trace.h"
 #include "host/pqhost/pqhost.h"
 #include "host/recorded/recorded_machine.h"
+#include "tests/pqmodules/amt/amt_commands.h"
 #include "tests/support/collected.h"
 
 namespace {
 
+using test::kLogCommand;
+using test::kPresenceCommand;
 using testing::Each;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
 
-constexpr char kAmtTest[] = "/c \"C:\\Halyard\\pq_tools\\check_amt_bmc.exe\" amt";
 constexpr char kBmcTest[] = "/c \"C:\\Halyard\\pq_tools\\check_amt_bmc.exe\" bmc";
-constexpr char kLogCommand[] =
-    "/c \"\"C:\\Halyard\\pq_tools\\amt_log.exe\" 192.0.2.9 keeper "
-    "Q7-secret>\"C:\\Halyard\\logs\\amtlog.txt\"\"";
 
 /// What the program wrote.
 struct Ran {
@@ -56,7 +55,7 @@ std::vector<host::Failure> FailuresOf(const std::vector<std::string>& commandLin
 }
 
 TEST(MissingPresenceTool, IsAFailureOfItsModule) {
-  const std::vector<host::Failure> failures = FailuresOf({kAmtTest}, false);
+  const std::vector<host::Failure> failures = FailuresOf({kPresenceCommand}, false);
   ASSERT_THAT(failures, SizeIs(1));
   EXPECT_EQ(failures[0].module, "AMT_Info");
   EXPECT_EQ(failures[0].tool, "check_amt_bmc.exe");
@@ -65,11 +64,11 @@ TEST(MissingPresenceTool, IsAFailureOfItsModule) {
 }
 
 TEST(MissingPresenceTool, IsNamedOnceHoweverOftenItIsAsked) {
-  EXPECT_THAT(FailuresOf({kAmtTest, kAmtTest, kAmtTest}, false), SizeIs(1));
+  EXPECT_THAT(FailuresOf({kPresenceCommand, kPresenceCommand, kPresenceCommand}, false), SizeIs(1));
 }
 
 TEST(MissingPresenceTool, IsNamedOnceForAllThingsThatItTellsOf) {
-  const std::vector<host::Failure> failures = FailuresOf({kAmtTest, kBmcTest}, false);
+  const std::vector<host::Failure> failures = FailuresOf({kPresenceCommand, kBmcTest}, false);
   ASSERT_THAT(failures, SizeIs(1));
   EXPECT_EQ(failures[0].module, "AMT_Info");
   EXPECT_EQ(failures[0].text,
@@ -77,7 +76,7 @@ TEST(MissingPresenceTool, IsNamedOnceForAllThingsThatItTellsOf) {
 }
 
 TEST(MissingPresenceTool, IsNoFailureWhenItIsThere) {
-  EXPECT_THAT(FailuresOf({kAmtTest, kBmcTest}, true), IsEmpty());
+  EXPECT_THAT(FailuresOf({kPresenceCommand, kBmcTest}, true), IsEmpty());
 }
 
 TEST(MissingPresenceTool, OtherProgramsMayBeMissing) {
@@ -103,7 +102,7 @@ TEST(RecordedPrograms, AreThoseThatAreRecordedWithTheseArguments) {
   recording.commands[0].arguments = "bmc";
   const host::RecordedMachine machine(recording);
   EXPECT_TRUE(machine.HasPrograms(kBmcTest));
-  EXPECT_FALSE(machine.HasPrograms(kAmtTest));
+  EXPECT_FALSE(machine.HasPrograms(kPresenceCommand));
   EXPECT_FALSE(machine.HasPrograms("/c other.exe bmc"));
 }
 
@@ -113,11 +112,11 @@ TEST(RecordedPrograms, TheInterpretersOwnAreAlwaysThere) {
 }
 
 TEST(CommandText, ProgramStandsWithItsFolder) {
-  EXPECT_EQ(host::FindProgram(kAmtTest), "C:\\Halyard\\pq_tools\\check_amt_bmc.exe");
+  EXPECT_EQ(host::FindProgram(kPresenceCommand), "C:\\Halyard\\pq_tools\\check_amt_bmc.exe");
 }
 
 TEST(CommandText, ArgumentsEndAtAPipeOrARedirection) {
-  EXPECT_EQ(host::FindArguments(kAmtTest), "amt");
+  EXPECT_EQ(host::FindArguments(kPresenceCommand), "amt");
   EXPECT_EQ(host::FindArguments("/c arp.exe -a"), "-a");
   EXPECT_EQ(host::FindArguments("/c netstat.exe"), "");
   EXPECT_EQ(host::FindArguments("/c route print >\"C:\\H\\route.txt\""), "print");

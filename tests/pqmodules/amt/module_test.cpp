@@ -11,6 +11,7 @@
 #include "host/recording/recording_reader.h"
 #include "pqmodules/ramtinfo.h"
 #include "pqmodules/ramtinfo/login_line.h"
+#include "tests/pqmodules/amt/amt_commands.h"
 #include "tests/support/collected.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/log_lines.h"
@@ -22,6 +23,8 @@ using pq::LoginLine;
 using pq::ParseLoginLine;
 using test::Collect;
 using test::Collected;
+using test::kLogCommand;
+using test::kPresenceCommand;
 using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -33,10 +36,6 @@ constexpr char kPrompt[] =
     "Please input the AMT IP/UserName/Password seperated with blank space,if give up this module, "
     "just press Enter:";
 constexpr char kReport[] = "C:\\Halyard\\logs\\amtlog.txt";
-constexpr char kPresenceCommand[] = "/c \"C:\\Halyard\\pq_tools\\check_amt_bmc.exe\" amt";
-constexpr char kLogCommand[] =
-    "/c \"\"C:\\Halyard\\pq_tools\\amt_log.exe\" 192.0.2.9 keeper "
-    "Q7-secret>\"C:\\Halyard\\logs\\amtlog.txt\"\"";
 
 host::RecordedCommand PresenceAnswer(std::uint32_t exitCode) {
   host::RecordedCommand command;

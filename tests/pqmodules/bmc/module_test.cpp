@@ -26,18 +26,16 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
 
-constexpr char kModule[] = "BMC_Info";
-
 /// All that a collection did, step by step, once every table was asked for.
 std::string TraceOf(std::uint32_t detection) {
-  return Collect(MakeBmcMachine(detection), kModule).trace;
+  return Collect(MakeBmcMachine(detection), kBmcModule).trace;
 }
 
 host::Recording Sample(const std::string& name) {
   return host::LoadRecording(SamplesFolder() + "/" + name);
 }
 
-std::string SampleTrace(const std::string& name) { return Collect(Sample(name), kModule).trace; }
+std::string SampleTrace(const std::string& name) { return Collect(Sample(name), kBmcModule).trace; }
 
 /// What the utility was asked, in order, without folders and redirections.
 std::vector<std::string> QueriesOf(const Collected& collected) {
@@ -75,7 +73,7 @@ TEST(BmcTrace, OfTheSampleWithoutBmc) {
 }
 
 TEST(BmcModule, FillsTenTablesOfATwoSocketServer) {
-  const Collected collected = Collect(Sample("two-socket-server"), kModule);
+  const Collected collected = Collect(Sample("two-socket-server"), kBmcModule);
   EXPECT_EQ(collected.Tables().size(), 10u);
   const auto sensors = collected.Rows("SENSORINFO");
   EXPECT_GE(sensors.size(), 40u);
@@ -87,7 +85,7 @@ TEST(BmcModule, FillsTenTablesOfATwoSocketServer) {
 
 TEST(BmcDetection, LogsWhatAnExitCodeMeans) {
   const auto logOf = [](std::uint32_t exitCode) {
-    return GetLogBetween(Collect(MakeBmcMachine(exitCode), kModule, {"MCINFO"}),
+    return GetLogBetween(Collect(MakeBmcMachine(exitCode), kBmcModule, {"MCINFO"}),
                          "4 check_bmc function return:" + std::to_string(exitCode), "")
         .at(1);
   };
@@ -100,7 +98,7 @@ TEST(BmcDetection, LogsWhatAnExitCodeMeans) {
 
 TEST(BmcDetection, TakesEveryOtherExitCodeForNoBmc) {
   for (const std::uint32_t exitCode : {0u, 1u, 3u, 4u, 6u, 12u, 254u, 256u, 259u, 4294967295u}) {
-    const Collected collected = Collect(MakeBmcMachine(exitCode), kModule, {"MCINFO"});
+    const Collected collected = Collect(MakeBmcMachine(exitCode), kBmcModule, {"MCINFO"});
     EXPECT_THAT(collected.LogTexts(),
                 ElementsAre("3 Enter EnumBMCInstances", "3 Enter CollectData-BMC related info",
                             "3 the exepath:C:\\Halyard",
@@ -113,7 +111,7 @@ TEST(BmcDetection, TakesEveryOtherExitCodeForNoBmc) {
 TEST(BmcDetection, ThatCannotStartIsLoggedAsDetailAndCollectsNothing) {
   host::Recording machine = MakeBmcMachine();
   AnswerOf(machine, "bmc").startError = 5;
-  const Collected collected = Collect(machine, kModule, {"MCINFO"});
+  const Collected collected = Collect(machine, kBmcModule, {"MCINFO"});
   EXPECT_THAT(collected.LogTexts(),
               ElementsAre("3 Enter EnumBMCInstances", "3 Enter CollectData-BMC related info",
                           "3 the exepath:C:\\Halyard",
@@ -126,44 +124,45 @@ TEST(BmcDetection, TakesAnExitCodeThatCannotBeReadForNone) {
   host::Recording machine = MakeBmcMachine(5);
   AnswerOf(machine, "bmc").exitCodeError = 6;
   EXPECT_THAT(
-      GetLogBetween(Collect(machine, kModule, {"MCINFO"}), "4 check_bmc function return:0", ""),
+      GetLogBetween(Collect(machine, kBmcModule, {"MCINFO"}), "4 check_bmc function return:0", ""),
       ElementsAre("4 check_bmc function return:0", "3 has no BMC, return 4",
                   "3 Exit EnumBMCInstances"));
 }
 
 TEST(BmcDetection, RunsOnceAlsoWithoutBmc) {
-  const Collected collected = Collect(MakeBmcMachine(4), kModule, {"MCINFO", "SELINFO", "MCINFO"});
+  const Collected collected =
+      Collect(MakeBmcMachine(4), kBmcModule, {"MCINFO", "SELINFO", "MCINFO"});
   EXPECT_EQ(collected.commandLines.size(), 1u);
   EXPECT_EQ(std::ranges::count(collected.LogTexts(), "3 Enter EnumBMCInstances"), 3);
 }
 
 TEST(BmcModule, LeavesAllTablesEmptyWithoutBmc) {
-  EXPECT_THAT(Collect(MakeBmcMachine(3), kModule).Tables(), IsEmpty());
-  EXPECT_THAT(Collect(MakeBmcMachine(255), kModule).Tables(), IsEmpty());
+  EXPECT_THAT(Collect(MakeBmcMachine(3), kBmcModule).Tables(), IsEmpty());
+  EXPECT_THAT(Collect(MakeBmcMachine(255), kBmcModule).Tables(), IsEmpty());
 }
 
 TEST(BmcModule, WritesNoFileWithoutBmc) {
-  EXPECT_THAT(Collect(MakeBmcMachine(3), kModule).files, IsEmpty());
-  EXPECT_THAT(Collect(MakeBmcMachine(255), kModule).files, IsEmpty());
+  EXPECT_THAT(Collect(MakeBmcMachine(3), kBmcModule).files, IsEmpty());
+  EXPECT_THAT(Collect(MakeBmcMachine(255), kBmcModule).files, IsEmpty());
 }
 
 TEST(BmcModule, AsksFamily9AndFamily11ForControllerSelfTestAndLanOnly) {
   for (const std::uint32_t family : {9u, 11u}) {
-    EXPECT_THAT(QueriesOf(Collect(MakeBmcMachine(family), kModule)),
+    EXPECT_THAT(QueriesOf(Collect(MakeBmcMachine(family), kBmcModule)),
                 ElementsAre("korvaxoem mc", "korvaxoem selftest", StartsWith("lan | findstr"),
                             "sensor -s -q", "korvaxoem fru", "sel", "sel -r ", "sensor "));
   }
 }
 
 TEST(BmcModule, ReportsTheMissingSdrOfFamily9AsProgress) {
-  const Collected collected = Collect(MakeBmcMachine(9), kModule);
+  const Collected collected = Collect(MakeBmcMachine(9), kBmcModule);
   EXPECT_THAT(collected.Rows("SDRINFO"), IsEmpty());
   EXPECT_THAT(GetLogBetween(collected, "3 Oru Debug after sensor info", "3 Oru Debug  fru info 1"),
               ElementsAre("3 Oru Debug after sensor info", "3 Oru Debug after sdr info"));
 }
 
 TEST(BmcModule, AsksFamily7ForSdrBeforeFruAndNotForLeds) {
-  const Collected collected = Collect(MakeBmcMachine(7), kModule);
+  const Collected collected = Collect(MakeBmcMachine(7), kBmcModule);
   EXPECT_THAT(QueriesOf(collected),
               ElementsAre("korvaxoem mc", "korvaxoem selftest", "korvaxoem ver", "korvaxoem psu",
                           StartsWith("lan | findstr"), "sensor -s -q", "sensor", "korvaxoem fru",
@@ -172,7 +171,7 @@ TEST(BmcModule, AsksFamily7ForSdrBeforeFruAndNotForLeds) {
 }
 
 TEST(BmcModule, AsksFamily5ForEverythingWithFruBeforeSdr) {
-  EXPECT_THAT(QueriesOf(Collect(MakeBmcMachine(5), kModule)),
+  EXPECT_THAT(QueriesOf(Collect(MakeBmcMachine(5), kBmcModule)),
               ElementsAre("korvaxoem mc", "korvaxoem selftest", "korvaxoem ver", "korvaxoem psu",
                           StartsWith("lan | findstr"), "korvaxoem led", "sensor -s -q",
                           "korvaxoem fru", "sensor", "sel", "sel -r ", "sensor "));
@@ -183,7 +182,7 @@ TEST(BmcModule, GoesOnWithTheNextQueryAfterEachFailure) {
   for (host::RecordedCommand& answer : machine.commands) {
     if (answer.arguments != "bmc") answer.startError = 8;
   }
-  const Collected collected = Collect(machine, kModule);
+  const Collected collected = Collect(machine, kBmcModule);
   EXPECT_EQ(collected.commandLines.size(), 13u);
   EXPECT_EQ(std::ranges::count_if(
                 collected.LogTexts(),
@@ -194,14 +193,14 @@ TEST(BmcModule, GoesOnWithTheNextQueryAfterEachFailure) {
 }
 
 TEST(BmcModule, LeavesNothingOpen) {
-  EXPECT_EQ(Collect(MakeBmcMachine(5), kModule).openHandles, 0);
+  EXPECT_EQ(Collect(MakeBmcMachine(5), kBmcModule).openHandles, 0);
 }
 
 TEST(BmcModule, ReportsQueriesWhoseCommandDoesNotFitItsBuffer) {
   host::Recording machine = MakeBmcMachine();
   const std::string folder = "C:\\" + std::string(240, 'h');
   machine.hostExecutable = folder + "\\halyard.exe";
-  const Collected collected = Collect(machine, kModule);
+  const Collected collected = Collect(machine, kBmcModule);
   EXPECT_THAT(collected.LogTexts(), Contains("4 CreateProcess failed (206)").Times(6));
   EXPECT_THAT(collected.LogTexts(), Contains("3 CreateProcess failed (206)").Times(2));
   EXPECT_THAT(collected.commandLines, Each(Not(HasSubstr("korvaxoem mc"))));
@@ -214,23 +213,24 @@ TEST(BmcModule, StartsAPipeQueryWhoseCommandJustFits) {
   const std::size_t folderRoom = 255 - command.size();
   const auto nameCount = [&](std::size_t folderSize) {
     machine.hostExecutable = "C:\\" + std::string(folderSize - 3, 'h') + "\\h.exe";
-    return Collect(machine, kModule, {"MCINFO"}).Rows("MCINFO").size();
+    return Collect(machine, kBmcModule, {"MCINFO"}).Rows("MCINFO").size();
   };
   EXPECT_EQ(nameCount(folderRoom), 1u);
   EXPECT_EQ(nameCount(folderRoom + 1), 0u);
 }
 
 TEST(BmcModule, FetchesTheHostFolderAnewInEachCollection) {
-  Collect(MakeBmcMachine(4), kModule, {"MCINFO"});
+  Collect(MakeBmcMachine(4), kBmcModule, {"MCINFO"});
   host::Recording moved = MakeBmcMachine(4);
   moved.hostExecutable = "D:\\Tools\\halyard.exe";
-  EXPECT_THAT(Collect(moved, kModule, {"MCINFO"}).LogTexts(), Contains("3 the exepath:D:\\Tools"));
+  EXPECT_THAT(Collect(moved, kBmcModule, {"MCINFO"}).LogTexts(),
+              Contains("3 the exepath:D:\\Tools"));
 }
 
 TEST(BmcModule, KeepsAHostPathWithoutBackslashWhole) {
   host::Recording machine = MakeBmcMachine(4);
   machine.hostExecutable = "halyard.exe";
-  EXPECT_THAT(Collect(machine, kModule, {"MCINFO"}).LogTexts(),
+  EXPECT_THAT(Collect(machine, kBmcModule, {"MCINFO"}).LogTexts(),
               Contains("3 the exepath:halyard.exe"));
 }
 
@@ -284,7 +284,7 @@ using Step = int (*)(pq::RBMCInfo&, pq::RRepository&);
 
 /// What a step of a collection returns on the machine of `recording`.
 int ResultOf(const host::Recording& recording, Step step) {
-  Collect(MakeBmcMachine(4), kModule, {"MCINFO"});  // Finds the host's folder for all objects.
+  Collect(MakeBmcMachine(4), kBmcModule, {"MCINFO"});  // Finds the host's folder for all objects.
   const host::LogFolderInUse logFolder(recording.logFolder);
   host::RecordedMachine machine(recording);
   const pq::MachineInUse inUse(machine);

@@ -15,8 +15,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
-constexpr char kModule[] = "BMC_Info";
-
 /// One of the six queries, and how the log of a family-5 collection goes on behind it.
 struct Query {
   const char* arguments;
@@ -56,7 +54,7 @@ TEST_P(OemQuery, LogsAPipeThatCannotBeCreatedAndNothingElse) {
   const Query& query = GetParam();
   host::Recording machine = MakeBmcMachine();
   AnswerOf(machine, query.arguments).pipeError = 1450;
-  const Collected collected = Collect(machine, kModule, {"MCINFO"});
+  const Collected collected = Collect(machine, kBmcModule, {"MCINFO"});
   EXPECT_THAT(GetLogBetween(collected, query.pipeFailure, query.next),
               ElementsAre(query.pipeFailure));
   EXPECT_THAT(collected.LogTexts(), Not(Contains(query.announcement)));
@@ -67,7 +65,7 @@ TEST_P(OemQuery, LogsAProcessThatCannotStart) {
   const Query& query = GetParam();
   host::Recording machine = MakeBmcMachine();
   AnswerOf(machine, query.arguments).startError = 1455;
-  const Collected collected = Collect(machine, kModule, {"MCINFO"});
+  const Collected collected = Collect(machine, kBmcModule, {"MCINFO"});
   EXPECT_THAT(GetLogBetween(collected, query.announcement, query.next),
               ElementsAre(query.announcement, "4 CreateProcess failed (1455)"));
   EXPECT_THAT(collected.Rows(query.className), IsEmpty());
@@ -119,7 +117,7 @@ TEST_P(OemQuery, ReadsStandardErrorToo) {
   host::Recording machine = MakeBmcMachine();
   AnswerOf(machine, GetParam().arguments).standardOutput.clear();
   AnswerOf(machine, GetParam().arguments).standardError = "odd : thing\r\n";
-  EXPECT_EQ(Collect(machine, kModule, {"MCINFO"}).Rows(GetParam().className).size(), 1u);
+  EXPECT_EQ(Collect(machine, kBmcModule, {"MCINFO"}).Rows(GetParam().className).size(), 1u);
 }
 
 TEST(OemPairs, ShiftAfterAColonInsideAValue) {
@@ -251,7 +249,7 @@ TEST(OemOutput, OfAMissingUtilityBecomesTheTable) {
   std::erase_if(machine.commands, [](const host::RecordedCommand& command) {
     return command.arguments == "korvaxoem led";
   });
-  EXPECT_THAT(ListValues(Collect(machine, kModule, {"MCINFO"}), "LEDINFO"),
+  EXPECT_THAT(ListValues(Collect(machine, kBmcModule, {"MCINFO"}), "LEDINFO"),
               ElementsAre(HasSubstr("is not recognized as an internal or external command,"),
                           "operable program or batch file."));
 }

@@ -18,7 +18,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
-constexpr char kModule[] = "BMC_Info";
 constexpr char kSensorStart[] = "4 Start to run ipmiutilnh.exe sensor -s -q command";
 constexpr char kSensorNext[] = "3 Oru Debug  fru info 1";
 constexpr char kSdrStart[] = "4 Start to run ipmiutilnh sensor command";
@@ -43,7 +42,7 @@ std::vector<std::vector<std::string>> SensorsIn(const std::string& listing) {
 TEST(Sensors, LogAPipeThatCannotBeCreatedAndNothingElse) {
   host::Recording machine = MakeBmcMachine();
   AnswerOf(machine, "sensor -s -q").pipeError = 4;
-  const Collected collected = Collect(machine, kModule, {"MCINFO"});
+  const Collected collected = Collect(machine, kBmcModule, {"MCINFO"});
   EXPECT_THAT(GetLogBetween(collected, "4 Failed to create pipe for sensor info", kSensorNext),
               ElementsAre("4 Failed to create pipe for sensor info"));
   EXPECT_THAT(collected.LogTexts(), Not(Contains(kSensorStart)));
@@ -53,7 +52,7 @@ TEST(Sensors, LogAPipeThatCannotBeCreatedAndNothingElse) {
 TEST(Sensors, LogAProcessThatCannotStartAsProgress) {
   host::Recording machine = MakeBmcMachine();
   AnswerOf(machine, "sensor -s -q").startError = 2;
-  const Collected collected = Collect(machine, kModule, {"MCINFO"});
+  const Collected collected = Collect(machine, kBmcModule, {"MCINFO"});
   EXPECT_THAT(GetLogBetween(collected, kSensorStart, kSensorNext),
               ElementsAre(kSensorStart, "3 CreateProcess failed (2)"));
   EXPECT_THAT(SensorsOf(collected), IsEmpty());
@@ -136,7 +135,7 @@ TEST(Sensors, KeepBytesAbove127AndEndAtTheFirstNul) {
 TEST(Sdr, LogsAPipeThatCannotBeCreatedAndNothingElse) {
   host::Recording machine = MakeBmcMachine();
   AnswerOf(machine, "sensor").pipeError = 4;
-  const Collected collected = Collect(machine, kModule, {"MCINFO"});
+  const Collected collected = Collect(machine, kBmcModule, {"MCINFO"});
   EXPECT_THAT(GetLogBetween(collected, "4 Create Pipe failed", kSdrNext),
               ElementsAre("4 Create Pipe failed"));
   EXPECT_THAT(collected.LogTexts(), Not(Contains(kSdrStart)));
@@ -146,7 +145,7 @@ TEST(Sdr, LogsAPipeThatCannotBeCreatedAndNothingElse) {
 TEST(Sdr, LogsAProcessThatCannotStartAsProgress) {
   host::Recording machine = MakeBmcMachine();
   AnswerOf(machine, "sensor").startError = 2;
-  const Collected collected = Collect(machine, kModule, {"MCINFO"});
+  const Collected collected = Collect(machine, kBmcModule, {"MCINFO"});
   EXPECT_THAT(GetLogBetween(collected, kSdrStart, kSdrNext),
               ElementsAre(kSdrStart, "3 CreateProcess failed (2)"));
   EXPECT_THAT(collected.Rows("SDRINFO"), IsEmpty());
@@ -281,7 +280,7 @@ INSTANTIATE_TEST_SUITE_P(Both, BmcFile, testing::ValuesIn(kFileTables),
 TEST_P(BmcFile, LogsAProcessThatCannotStartAsDetail) {
   host::Recording machine = MakeBmcMachine();
   AnswerOf(machine, GetParam().arguments).startError = 5;
-  const Collected collected = Collect(machine, kModule, {"MCINFO"});
+  const Collected collected = Collect(machine, kBmcModule, {"MCINFO"});
   EXPECT_EQ(LogOf(collected), WithRest({"4 CreateProcess failed (5)"}));
   EXPECT_THAT(collected.opened, Not(Contains(HasSubstr(GetParam().className))));
   EXPECT_THAT(collected.trace, Not(HasSubstr("\"class\":\""s + GetParam().className)));
@@ -290,7 +289,7 @@ TEST_P(BmcFile, LogsAProcessThatCannotStartAsDetail) {
 TEST_P(BmcFile, LogsAFileThatCannotBeOpened) {
   host::Recording machine = MakeBmcMachine();
   machine.readOnly.push_back(GetParam().path);
-  const Collected collected = Collect(machine, kModule, {"MCINFO"});
+  const Collected collected = Collect(machine, kBmcModule, {"MCINFO"});
   EXPECT_EQ(LogOf(collected), WithRest({GetParam().progress + "2", GetParam().progress + "3",
                                         GetParam().openFailure}));
   EXPECT_THAT(collected.trace, Not(HasSubstr("\"class\":\""s + GetParam().className)));
@@ -342,7 +341,7 @@ TEST_P(BmcFile, StaysInTheLogFolderAsTheToolWroteIt) {
 }
 
 TEST_P(BmcFile, IsOpenedWithDoubledBackslashes) {
-  const Collected collected = Collect(MakeBmcMachine(), kModule, {"MCINFO"});
+  const Collected collected = Collect(MakeBmcMachine(), kBmcModule, {"MCINFO"});
   const std::string name = std::string(GetParam().path).substr(sizeof("C:\\Halyard\\logs\\") - 1);
   EXPECT_THAT(collected.opened, Contains("C:\\\\Halyard\\\\logs\\\\" + name));
 }
@@ -352,11 +351,11 @@ TEST_P(BmcFile, IsFoundInALogFolderThatFillsItsBuffer) {
   std::string folder = "D:\\";
   while (folder.size() < 255) folder += folder.size() % 2 == 0 ? '\\' : 'x';
   machine.logFolder = folder.substr(0, 254) + "\\";
-  EXPECT_THAT(Collect(machine, kModule, {"MCINFO"}).Rows(GetParam().className), Not(IsEmpty()));
+  EXPECT_THAT(Collect(machine, kBmcModule, {"MCINFO"}).Rows(GetParam().className), Not(IsEmpty()));
 }
 
 TEST(RawDumps, HoldWhatTheUtilityWrites) {
-  const Collected collected = Collect(MakeBmcMachine(9), kModule, {"MCINFO"});
+  const Collected collected = Collect(MakeBmcMachine(9), kBmcModule, {"MCINFO"});
   EXPECT_EQ(collected.files.at("C:\\Halyard\\logs\\SEL_Hex.txt"), "01 00 02 ff\r\n");
   EXPECT_EQ(collected.files.at("C:\\Halyard\\logs\\sensor_with_id_string.txt"),
             "0001 P0 Temp = 41\r\n\r\n0002 K\xfchler 1 = 5400\r\n");
@@ -365,7 +364,7 @@ TEST(RawDumps, HoldWhatTheUtilityWrites) {
 TEST(RawDumps, OverwriteWhatIsThere) {
   host::Recording machine = MakeBmcMachine();
   machine.files["C:\\Halyard\\logs\\SEL_Hex.txt"] = "a much longer text of an earlier run";
-  EXPECT_EQ(Collect(machine, kModule, {"MCINFO"}).files.at("C:\\Halyard\\logs\\SEL_Hex.txt"),
+  EXPECT_EQ(Collect(machine, kBmcModule, {"MCINFO"}).files.at("C:\\Halyard\\logs\\SEL_Hex.txt"),
             "01 00 02 ff\r\n");
 }
 
@@ -381,7 +380,7 @@ TEST(RawDumps, OfTheEventLogReportAFailedStartWithoutABlank) {
   host::Recording machine = MakeBmcMachine();
   AnswerOf(machine, "sel -r").startError = 14;
   EXPECT_THAT(
-      GetLogBetween(Collect(machine, kModule, {"MCINFO"}), "3 Oru Debug  selhex 1",
+      GetLogBetween(Collect(machine, kBmcModule, {"MCINFO"}), "3 Oru Debug  selhex 1",
                     "3 Oru Debug  sen_id 1"),
       ElementsAre("3 Oru Debug  selhex 1", "3 Oru Debug  selhex 2", "3 CreateProcess failed(14)"));
 }
@@ -390,7 +389,7 @@ TEST(RawDumps, OfTheSensorsReportAFailedStartWithoutABlank) {
   host::Recording machine = MakeBmcMachine(9);  // Does not ask for the SDR with the same command.
   AnswerOf(machine, "sensor").startError = 14;
   EXPECT_THAT(
-      GetLogBetween(Collect(machine, kModule, {"MCINFO"}), "3 Oru Debug  sen_id 1",
+      GetLogBetween(Collect(machine, kBmcModule, {"MCINFO"}), "3 Oru Debug  sen_id 1",
                     "3 Oru Debug after sen_id"),
       ElementsAre("3 Oru Debug  sen_id 1", "3 Oru Debug  sen_id 2", "3 CreateProcess failed(14)"));
 }

@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr pq::ModuleLog kLog{"pqmodules/rsamplemodule1"};
+constexpr pq::ModuleLog kIntelLog{"pqmodules/rsamplemodule1"};
 
 using test::Collected;
 using test::RaidTools;
@@ -30,7 +30,7 @@ using testing::StartsWith;
 constexpr char kRst[] = "rstcli64_5.exe";
 constexpr char kVroc[] = "IntelVROCCli.exe";
 
-Collected Collect(const RaidTools& tools) {
+Collected CollectIntel(const RaidTools& tools) {
   return test::Collect(tools.recording, "sampleModule1", {"CONTROLLER"});
 }
 
@@ -116,12 +116,12 @@ constexpr char kReport[] =
     "License: none\r\n";
 
 TEST(IntelController, KeepsTheBlankAndTheLineEndOfAValue) {
-  EXPECT_THAT(Collect(RaidTools().Answer(kRst, "-I", kReport)).Rows("CONTROLLER").at(0),
+  EXPECT_THAT(CollectIntel(RaidTools().Answer(kRst, "-I", kReport)).Rows("CONTROLLER").at(0),
               Contains("VendorID= 0x8086\n"));
 }
 
 TEST(IntelController, GivesOneRow) {
-  EXPECT_THAT(Collect(RaidTools().Answer(kRst, "-I", kReport)).Rows("CONTROLLER"),
+  EXPECT_THAT(CollectIntel(RaidTools().Answer(kRst, "-I", kReport)).Rows("CONTROLLER"),
               ElementsAre(ElementsAre("Name= N\n", "Type= T\n", "SupportedRAID= R\n", "Max= 8\n",
                                       "HWInformation= I\n", "VendorID= 0x8086\n", "DeviceID= D\n",
                                       "HWRevision= 11\n")));
@@ -129,12 +129,12 @@ TEST(IntelController, GivesOneRow) {
 
 TEST(IntelController, SetsTheNameOncePerEarlyLine) {
   EXPECT_THAT(
-      Collect(RaidTools().Answer(kRst, "-I", kReport)).trace,
+      CollectIntel(RaidTools().Answer(kRst, "-I", kReport)).trace,
       HasSubstr("\"key\":\"Name\",\"label\":\"Name\",\"value\":\"TROLLER INFORMATION--\\n\""));
 }
 
 TEST(IntelController, ShowsTheDiskCountUnderItsLongName) {
-  const Collected collected = Collect(RaidTools().Answer(kRst, "-I", kReport));
+  const Collected collected = CollectIntel(RaidTools().Answer(kRst, "-I", kReport));
   const host::Column& column = collected.Tables().at("CONTROLLER").columns.at(3);
   EXPECT_EQ(column.key, "Max");
   EXPECT_EQ(column.label, "Max Disks/Array");
@@ -143,11 +143,11 @@ TEST(IntelController, ShowsTheDiskCountUnderItsLongName) {
 TEST(IntelController, GivesNoRowForAReportOfTenLines) {
   std::string report;
   for (int i = 0; i < 10; ++i) report += "line\n";
-  EXPECT_THAT(Collect(RaidTools().Answer(kRst, "-I", report)).Rows("CONTROLLER"), IsEmpty());
+  EXPECT_THAT(CollectIntel(RaidTools().Answer(kRst, "-I", report)).Rows("CONTROLLER"), IsEmpty());
 }
 
 TEST(IntelController, LeavesVrocAloneWhenRstAnswers) {
-  const Collected collected = Collect(RaidTools().Answer(kRst, "-I", kReport));
+  const Collected collected = CollectIntel(RaidTools().Answer(kRst, "-I", kReport));
   EXPECT_THAT(collected.commandLines, Not(Contains(HasSubstr(kVroc))));
   EXPECT_THAT(
       IntelLines(collected),
@@ -158,7 +158,7 @@ TEST(IntelController, LeavesVrocAloneWhenRstAnswers) {
 
 TEST(IntelController, AsksVrocWhenRstFails) {
   const Collected collected =
-      Collect(RaidTools().Answer(kRst, "-I", "no", 4294967295).Answer(kVroc, "-I", kReport));
+      CollectIntel(RaidTools().Answer(kRst, "-I", "no", 4294967295).Answer(kVroc, "-I", kReport));
   EXPECT_THAT(
       IntelLines(collected),
       ElementsAre(HasSubstr(kRst), "4 rstcli64 -I command error level: 4294967295",
@@ -170,7 +170,7 @@ TEST(IntelController, AsksVrocWhenRstFails) {
 
 TEST(IntelController, ReadsNothingWhenBothFail) {
   const Collected collected =
-      Collect(RaidTools().Answer(kRst, "-I", kReport, 4).Answer(kVroc, "-I", kReport, 2));
+      CollectIntel(RaidTools().Answer(kRst, "-I", kReport, 4).Answer(kVroc, "-I", kReport, 2));
   EXPECT_THAT(
       IntelLines(collected),
       ElementsAre(HasSubstr(kRst), "4 rstcli64 -I command error level: 4", HasSubstr(kVroc),
@@ -180,14 +180,14 @@ TEST(IntelController, ReadsNothingWhenBothFail) {
 }
 
 TEST(IntelController, TriesVrocWhenRstIsMissing) {
-  const Collected collected = Collect(RaidTools());
+  const Collected collected = CollectIntel(RaidTools());
   EXPECT_THAT(collected.LogTexts(), Contains("4 rstcli64 -I command error level: 1").Times(2));
   EXPECT_THAT(collected.Rows("CONTROLLER"), IsEmpty());
 }
 
 TEST(IntelController, EndsWhenRstCannotBeStarted) {
   const Collected collected =
-      Collect(RaidTools().RefuseStart(kRst, "-I", 5).Answer(kVroc, "-I", kReport));
+      CollectIntel(RaidTools().RefuseStart(kRst, "-I", 5).Answer(kVroc, "-I", kReport));
   EXPECT_THAT(IntelLines(collected), ElementsAre(HasSubstr(kRst), "4 CreateProcess failed (5)",
                                                  "4 Failed to open PMC Controller file"));
   EXPECT_THAT(collected.commandLines, Not(Contains(HasSubstr(kVroc))));
@@ -195,14 +195,14 @@ TEST(IntelController, EndsWhenRstCannotBeStarted) {
 
 TEST(IntelController, EndsWhenVrocCannotBeStarted) {
   const Collected collected =
-      Collect(RaidTools().Answer(kRst, "-I", "", 1).RefuseStart(kVroc, "-I", 8));
+      CollectIntel(RaidTools().Answer(kRst, "-I", "", 1).RefuseStart(kVroc, "-I", 8));
   EXPECT_THAT(collected.LogTexts(), Contains("4 CreateProcess failed (8)"));
   EXPECT_THAT(collected.Rows("CONTROLLER"), IsEmpty());
 }
 
 TEST(IntelController, EndsWhenTheExitCodeCannotBeRead) {
   const Collected collected =
-      Collect(RaidTools().HideExitCode(kRst, "-I", 6).Answer(kVroc, "-I", kReport));
+      CollectIntel(RaidTools().HideExitCode(kRst, "-I", 6).Answer(kVroc, "-I", kReport));
   EXPECT_THAT(IntelLines(collected),
               ElementsAre(HasSubstr(kRst), "4 GetExitCodeProcess() failed: 6",
                           "4 Failed to open PMC Controller file"));
@@ -214,7 +214,7 @@ TEST(IntelController, SaysWhenTheReportCannotBeOpened) {
   const pq::MachineInUse inUse(machine);
   const test::LogLines log;
   halyard::repository::RRepository repository;
-  pq::CollectIntelController({repository, kLog, pq::GetExeFolder()});
+  pq::CollectIntelController({repository, kIntelLog, pq::GetExeFolder()});
   EXPECT_THAT(log.texts, ElementsAre(StartsWith("3 [repo] rstcli raw path:"),
                                      "4 [repo] rstcli64 -I command error level: 0",
                                      "4 [repo] Failed to open raid log file"));
@@ -225,8 +225,8 @@ TEST(IntelController, EndsTheProcessWhenTheHostsFolderFillsTheCommand) {
   test::FakePlatform machine;
   const pq::MachineInUse inUse(machine);
   halyard::repository::RRepository repository;
-  EXPECT_NO_THROW(pq::CollectIntelController({repository, kLog, std::string(506, 'h')}));
-  EXPECT_THROW(pq::CollectIntelController({repository, kLog, std::string(507, 'h')}),
+  EXPECT_NO_THROW(pq::CollectIntelController({repository, kIntelLog, std::string(506, 'h')}));
+  EXPECT_THROW(pq::CollectIntelController({repository, kIntelLog, std::string(507, 'h')}),
                test::RangeCheckFailed);
   EXPECT_THAT(machine.calls, IsEmpty());
 }

@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr pq::ModuleLog kLog{"pqmodules/rsamplemodule1"};
+constexpr pq::ModuleLog kArchiveLog{"pqmodules/rsamplemodule1"};
 
 using test::Collected;
 using test::RaidTools;
@@ -41,13 +41,13 @@ struct Archive : RaidTools {
   Archive& Config(const std::string& text) { return File("Controller_1_Config.txt", text); }
 };
 
-Collected Collect(const RaidTools& tools) {
+Collected CollectArchive(const RaidTools& tools) {
   return test::Collect(tools.recording, "sampleModule1", {"PMCINFO"});
 }
 
-std::vector<std::vector<std::string>> RowsOf(const std::string& config,
-                                             const std::string& table = "PMCINFO") {
-  return Collect(Archive().Config(config)).Rows(table);
+std::vector<std::vector<std::string>> ArchiveRowsOf(const std::string& config,
+                                                    const std::string& table = "PMCINFO") {
+  return CollectArchive(Archive().Config(config)).Rows(table);
 }
 
 /// `label` padded so that its value begins 45 characters behind the label's start.
@@ -56,32 +56,32 @@ std::string Line(const std::string& label, const std::string& value) {
 }
 
 /// "key=value" of the fact in one line; empty when there is none.
-std::string FactIn(const std::string& line) {
+std::string ArchiveFactIn(const std::string& line) {
   const pq::LabelledFact fact = pq::ReadMicrochipConfigFact(line);
   return fact ? std::string(fact.source->column.key) + "=" + std::string(fact.value) : "";
 }
 
 TEST(MicrochipConfig, FindsEveryLabel) {
-  EXPECT_EQ(FactIn(Line("Controller Status", "v")), "Status=v\n");
-  EXPECT_EQ(FactIn(Line("Controller Mode", "v")), "Mode=v\n");
-  EXPECT_EQ(FactIn(Line("Channel description", "v")), "description=v\n");
-  EXPECT_EQ(FactIn(Line("Controller Serial Number", "v")), "SerialNumber=v\n");
-  EXPECT_EQ(FactIn(Line("Controller World Wide Name", "v")), "WorldWideName=v\n");
-  EXPECT_EQ(FactIn(Line("Physical Slot", "v")), "Physical_slot=v\n");
-  EXPECT_EQ(FactIn(Line("Temperature", "v")), "Temperature=v\n");
-  EXPECT_EQ(FactIn(Line("Host bus type", "v")), "type=v\n");
-  EXPECT_EQ(FactIn(Line("Host bus speed", "v")), "speed=v\n");
-  EXPECT_EQ(FactIn(Line("Host bus link width", "v")), "width=v\n");
-  EXPECT_EQ(FactIn(Line("Defunct disk drive count", "v")), "Defunct_disk=v\n");
-  EXPECT_EQ(FactIn(Line("NCQ status", "v")), "NCQ=v\n");
-  EXPECT_EQ(FactIn(Line("Statistics data collection mode", "v")), "Statistics=v\n");
-  EXPECT_EQ(FactIn(Line("Driver Name", "v")), "Driver_Name=v\n");
-  EXPECT_EQ(FactIn(Line("Driver Supports SSD I/O Bypass", "v")), "Bypass=v\n");
-  EXPECT_EQ(FactIn(Line("NVMe Supported", "v")), "NVMe_Supported=v\n");
-  EXPECT_EQ(FactIn(Line("Manufacturing Part Number", "v")), "ManPN=v\n");
-  EXPECT_EQ(FactIn(Line("Logical devices/Failed/Degraded", "v")), "Logical=v\n");
-  EXPECT_EQ(FactIn(Line("Firmware", "v")), "Firmware=v\n");
-  EXPECT_EQ(FactIn(Line("Driver", "v")), "Driver=v\n");
+  EXPECT_EQ(ArchiveFactIn(Line("Controller Status", "v")), "Status=v\n");
+  EXPECT_EQ(ArchiveFactIn(Line("Controller Mode", "v")), "Mode=v\n");
+  EXPECT_EQ(ArchiveFactIn(Line("Channel description", "v")), "description=v\n");
+  EXPECT_EQ(ArchiveFactIn(Line("Controller Serial Number", "v")), "SerialNumber=v\n");
+  EXPECT_EQ(ArchiveFactIn(Line("Controller World Wide Name", "v")), "WorldWideName=v\n");
+  EXPECT_EQ(ArchiveFactIn(Line("Physical Slot", "v")), "Physical_slot=v\n");
+  EXPECT_EQ(ArchiveFactIn(Line("Temperature", "v")), "Temperature=v\n");
+  EXPECT_EQ(ArchiveFactIn(Line("Host bus type", "v")), "type=v\n");
+  EXPECT_EQ(ArchiveFactIn(Line("Host bus speed", "v")), "speed=v\n");
+  EXPECT_EQ(ArchiveFactIn(Line("Host bus link width", "v")), "width=v\n");
+  EXPECT_EQ(ArchiveFactIn(Line("Defunct disk drive count", "v")), "Defunct_disk=v\n");
+  EXPECT_EQ(ArchiveFactIn(Line("NCQ status", "v")), "NCQ=v\n");
+  EXPECT_EQ(ArchiveFactIn(Line("Statistics data collection mode", "v")), "Statistics=v\n");
+  EXPECT_EQ(ArchiveFactIn(Line("Driver Name", "v")), "Driver_Name=v\n");
+  EXPECT_EQ(ArchiveFactIn(Line("Driver Supports SSD I/O Bypass", "v")), "Bypass=v\n");
+  EXPECT_EQ(ArchiveFactIn(Line("NVMe Supported", "v")), "NVMe_Supported=v\n");
+  EXPECT_EQ(ArchiveFactIn(Line("Manufacturing Part Number", "v")), "ManPN=v\n");
+  EXPECT_EQ(ArchiveFactIn(Line("Logical devices/Failed/Degraded", "v")), "Logical=v\n");
+  EXPECT_EQ(ArchiveFactIn(Line("Firmware", "v")), "Firmware=v\n");
+  EXPECT_EQ(ArchiveFactIn(Line("Driver", "v")), "Driver=v\n");
 }
 
 TEST(MicrochipConfig, ShowsEveryLabelAsItStandsInTheReport) {
@@ -113,34 +113,37 @@ TEST(MicrochipConfig, ShowsEveryLabelAsItStandsInTheReport) {
 }
 
 TEST(MicrochipConfig, TellsTheModelFromTheMode) {
-  EXPECT_EQ(FactIn(Line("Controller Model", "HBA")), "Model=HBA\n");
+  EXPECT_EQ(ArchiveFactIn(Line("Controller Model", "HBA")), "Model=HBA\n");
 }
 
 TEST(MicrochipConfig, TakesALineWithModeAndModelAsTheModel) {
-  EXPECT_EQ(FactIn("Controller Mode, not the Controller Model       value"), "Model=   value");
+  EXPECT_EQ(ArchiveFactIn("Controller Mode, not the Controller Model       value"),
+            "Model=   value");
 }
 
 TEST(MicrochipConfig, CountsAValuesStartFromItsLabel) {
-  EXPECT_EQ(FactIn("Controller Status                            Optimal\n"), "Status=Optimal\n");
-  EXPECT_EQ(FactIn("      Controller Status                            Optimal\n"),
+  EXPECT_EQ(ArchiveFactIn("Controller Status                            Optimal\n"),
+            "Status=Optimal\n");
+  EXPECT_EQ(ArchiveFactIn("      Controller Status                            Optimal\n"),
             "Status=Optimal\n");
 }
 
 TEST(MicrochipConfig, HasAnEmptyValueWhereTheLineEndsEarly) {
-  EXPECT_EQ(FactIn("   Physical Slot                        : 7\n"), "Physical_slot=");
+  EXPECT_EQ(ArchiveFactIn("   Physical Slot                        : 7\n"), "Physical_slot=");
 }
 
 TEST(MicrochipConfig, LosesTheHeadOfAValueInANarrowerReport) {
-  EXPECT_EQ(FactIn("   Controller Status                        : Optimal\n"), "Status=timal\n");
+  EXPECT_EQ(ArchiveFactIn("   Controller Status                        : Optimal\n"),
+            "Status=timal\n");
 }
 
 TEST(MicrochipConfig, KnowsNothingOfOtherLines) {
-  EXPECT_EQ(FactIn("   Queue Depth                                : Automatic\n"), "");
-  EXPECT_EQ(FactIn(""), "");
+  EXPECT_EQ(ArchiveFactIn("   Queue Depth                                : Automatic\n"), "");
+  EXPECT_EQ(ArchiveFactIn(""), "");
 }
 
 TEST(MicrochipArchive, PutsVersionsIntoARowOfTheirOwn) {
-  const Collected collected = Collect(Archive().Config(
+  const Collected collected = CollectArchive(Archive().Config(
       Line("Controller Status", "Optimal") + Line("Firmware", "3.2") + Line("Driver", "1010")));
   EXPECT_THAT(collected.Rows("PMCINFO"), ElementsAre(ElementsAre("Status=Optimal\n")));
   EXPECT_THAT(collected.Rows("PMCVER"),
@@ -148,22 +151,23 @@ TEST(MicrochipArchive, PutsVersionsIntoARowOfTheirOwn) {
 }
 
 TEST(MicrochipArchive, GoesOnBehindTheDriversName) {
-  EXPECT_THAT(RowsOf(Line("Driver Name", "pqi") + Line("NCQ status", "on")),
+  EXPECT_THAT(ArchiveRowsOf(Line("Driver Name", "pqi") + Line("NCQ status", "on")),
               ElementsAre(ElementsAre("Driver_Name=pqi\n", "NCQ=on\n")));
 }
 
 TEST(MicrochipArchive, EndsTheScanAtTheDriver) {
-  EXPECT_THAT(RowsOf(Line("NCQ status", "on") + Line("Driver", "1") + Line("Temperature", "29 C")),
-              ElementsAre(ElementsAre("NCQ=on\n")));
+  EXPECT_THAT(
+      ArchiveRowsOf(Line("NCQ status", "on") + Line("Driver", "1") + Line("Temperature", "29 C")),
+      ElementsAre(ElementsAre("NCQ=on\n")));
 }
 
 TEST(MicrochipArchive, LetsALaterLineReplaceAnEarlierOne) {
-  EXPECT_THAT(RowsOf(Line("Temperature", "41 C") + Line("Temperature", "19 C")),
+  EXPECT_THAT(ArchiveRowsOf(Line("Temperature", "41 C") + Line("Temperature", "19 C")),
               ElementsAre(ElementsAre("Temperature=19 C\n")));
 }
 
 TEST(MicrochipArchive, GivesEmptyRowsForAReportWithoutLabels) {
-  const Collected collected = Collect(Archive().Config("Controllers found: 0\r\n"));
+  const Collected collected = CollectArchive(Archive().Config("Controllers found: 0\r\n"));
   EXPECT_THAT(collected.Rows("PMCINFO"), ElementsAre(IsEmpty()));
   EXPECT_THAT(collected.Rows("PMCVER"), ElementsAre(IsEmpty()));
   EXPECT_THAT(collected.Rows("PMCLINK"),
@@ -171,7 +175,7 @@ TEST(MicrochipArchive, GivesEmptyRowsForAReportWithoutLabels) {
 }
 
 TEST(MicrochipArchive, GivesNoRowsWithoutAConfigurationReport) {
-  const Collected collected = Collect(Archive().File("Controller_1_Log.txt", "log\n"));
+  const Collected collected = CollectArchive(Archive().File("Controller_1_Log.txt", "log\n"));
   EXPECT_THAT(collected.LogTexts(), Contains("4 Failed to open PMC Controller file"));
   for (const char* table : {"PMCINFO", "PMCVER", "PMCLINK"}) {
     EXPECT_THAT(collected.Rows(table), IsEmpty()) << table;
@@ -179,7 +183,7 @@ TEST(MicrochipArchive, GivesNoRowsWithoutAConfigurationReport) {
 }
 
 TEST(MicrochipArchive, RunsItsThreeCommands) {
-  const Collected collected = Collect(Archive().Config(""));
+  const Collected collected = CollectArchive(Archive().Config(""));
   const std::vector<std::string> last(collected.commandLines.end() - 3,
                                       collected.commandLines.end());
   EXPECT_THAT(
@@ -190,8 +194,8 @@ TEST(MicrochipArchive, RunsItsThreeCommands) {
 }
 
 TEST(MicrochipArchive, CopiesTheWholeFolderIntoTheLogFolder) {
-  const Collected collected =
-      Collect(Archive().Config("c").File("Controller_2_Log.txt", "two").File("notes.bin", "n"));
+  const Collected collected = CollectArchive(
+      Archive().Config("c").File("Controller_2_Log.txt", "two").File("notes.bin", "n"));
   const std::string folder = "C:\\Halyard\\logs\\Firmware\\";
   EXPECT_THAT(collected.files, Contains(testing::Pair(folder + "Controller_1_Config.txt", "c")));
   EXPECT_THAT(collected.files, Contains(testing::Pair(folder + "Controller_2_Log.txt", "two")));
@@ -199,7 +203,7 @@ TEST(MicrochipArchive, CopiesTheWholeFolderIntoTheLogFolder) {
 }
 
 TEST(MicrochipArchive, CopiesNothingWithoutTheFolderAndGoesOn) {
-  const Collected collected = Collect(Archive());
+  const Collected collected = CollectArchive(Archive());
   EXPECT_THAT(collected.commandLines, Not(Contains(HasSubstr("copy"))));
   EXPECT_THAT(collected.commandLines, Contains(HasSubstr("\"md ")));
   EXPECT_THAT(collected.LogTexts(), Contains("4 Failed to open PMC Controller file"));
@@ -208,14 +212,14 @@ TEST(MicrochipArchive, CopiesNothingWithoutTheFolderAndGoesOn) {
 TEST(MicrochipArchive, GoesOnWhenTheFolderInTheLogFolderIsThere) {
   Archive archive;
   archive.recording.files["C:\\Halyard\\logs\\Firmware\\old.txt"] = "old";
-  EXPECT_THAT(Collect(archive.Config(Line("Controller Status", "Optimal"))).Rows("PMCINFO"),
+  EXPECT_THAT(CollectArchive(archive.Config(Line("Controller Status", "Optimal"))).Rows("PMCINFO"),
               SizeIs(1));
 }
 
 TEST(MicrochipArchive, EndsWhenArcconfCannotBeStarted) {
   RaidTools tools;
   tools.recording.files[kFirmware + "Controller_1_Config.txt"] = "x";
-  const Collected collected = Collect(tools.RefuseStart("arcconf.exe", kArchive, 5));
+  const Collected collected = CollectArchive(tools.RefuseStart("arcconf.exe", kArchive, 5));
   EXPECT_THAT(collected.LogTexts(), Contains("4 CreateProcess failed (5)"));
   EXPECT_THAT(collected.commandLines.back(), HasSubstr("arcconf.exe"));
   EXPECT_THAT(collected.Rows("PMCINFO"), IsEmpty());
@@ -224,7 +228,7 @@ TEST(MicrochipArchive, EndsWhenArcconfCannotBeStarted) {
 TEST(MicrochipArchive, EndsWhenTheFolderCannotBeMade) {
   Archive archive;
   archive.Config("x").RefuseStart("md", "\"C:\\Halyard\\logs\\Firmware\"", 8);
-  const Collected collected = Collect(archive);
+  const Collected collected = CollectArchive(archive);
   EXPECT_THAT(collected.LogTexts(), Contains("4 CreateProcess failed (8)"));
   EXPECT_THAT(collected.commandLines.back(), HasSubstr("\"md "));
   EXPECT_THAT(collected.Rows("PMCINFO"), IsEmpty());
@@ -234,19 +238,19 @@ TEST(MicrochipArchive, EndsWhenTheCopyCannotBeStarted) {
   Archive archive;
   archive.Config("x").RefuseStart("copy",
                                   "\"c:\\Support\\Firmware\" \"C:\\Halyard\\logs\\Firmware\"", 14);
-  const Collected collected = Collect(archive);
+  const Collected collected = CollectArchive(archive);
   EXPECT_THAT(collected.LogTexts(), Contains("4 CreateProcess failed (14)"));
   EXPECT_THAT(collected.opened, Not(Contains(HasSubstr("Controller_1_Config"))));
   EXPECT_THAT(collected.Rows("PMCINFO"), IsEmpty());
 }
 
 TEST(MicrochipArchive, AttachesItsFiveReports) {
-  const Collected collected = Collect(Archive()
-                                          .Config("c\r\n")
-                                          .File("Controller_1_Debug_Log.txt", "d\r\n")
-                                          .File("Controller_1_Event_Log.txt", "e\r\n")
-                                          .File("Controller_1_Log.txt", "l\r\n")
-                                          .File("Controller_1_SmartStats.xml", "s\r\n"));
+  const Collected collected = CollectArchive(Archive()
+                                                 .Config("c\r\n")
+                                                 .File("Controller_1_Debug_Log.txt", "d\r\n")
+                                                 .File("Controller_1_Event_Log.txt", "e\r\n")
+                                                 .File("Controller_1_Log.txt", "l\r\n")
+                                                 .File("Controller_1_SmartStats.xml", "s\r\n"));
   EXPECT_THAT(collected.Rows("PMCLINK"),
               ElementsAre(ElementsAre("Controller_Config=c\n", "Controller_Debug_Log=d\n",
                                       "Controller_Event_Log=e\n", "Controller_Log=l\n",
@@ -255,13 +259,13 @@ TEST(MicrochipArchive, AttachesItsFiveReports) {
 
 TEST(MicrochipArchive, LeavesOtherControllersAlone) {
   const Collected collected =
-      Collect(Archive().Config("c\n").File("Controller_2_Config.txt", "other\n"));
+      CollectArchive(Archive().Config("c\n").File("Controller_2_Config.txt", "other\n"));
   EXPECT_THAT(collected.opened, Not(Contains(HasSubstr("Controller_2"))));
 }
 
 TEST(MicrochipArchive, SaysWhichReportsAreMissing) {
   std::vector<std::string> failures;
-  for (const std::string& line : Collect(Archive().Config("c\n")).LogTexts()) {
+  for (const std::string& line : CollectArchive(Archive().Config("c\n")).LogTexts()) {
     if (line.find("file!") != std::string::npos) failures.push_back(line);
   }
   EXPECT_THAT(failures, ElementsAre("4 Failed to open Controller_1_Debug_Log.txt file!",
@@ -289,13 +293,14 @@ TEST(MicrochipArchive, SaysWhenTheConfigurationReportIsGone) {
   const pq::MachineInUse inUse(machine);
   const test::LogLines log;
   halyard::repository::RRepository repository;
-  pq::CollectMicrochipArchive({repository, kLog, pq::GetExeFolder()});
+  pq::CollectMicrochipArchive({repository, kArchiveLog, pq::GetExeFolder()});
   EXPECT_THAT(log.texts, Contains("4 [repo] Failed to open Controller_1_Config.txt file!"));
   EXPECT_THAT(log.texts, SizeIs(5));
 }
 
 TEST(MicrochipArchive, AttachesAnEmptyReport) {
-  const Collected collected = Collect(Archive().Config("c\n").File("Controller_1_Log.txt", ""));
+  const Collected collected =
+      CollectArchive(Archive().Config("c\n").File("Controller_1_Log.txt", ""));
   EXPECT_THAT(collected.LogTexts(), Contains("4 Size:0"));
   EXPECT_THAT(collected.Rows("PMCLINK").at(0), Contains("Controller_Log="));
   EXPECT_THAT(collected.Tables().at("PMCLINK").rows.at(0).shape->attributes,
@@ -303,19 +308,19 @@ TEST(MicrochipArchive, AttachesAnEmptyReport) {
 }
 
 TEST(MicrochipArchive, MarksAReportAsARawFile) {
-  const Collected collected = Collect(Archive().Config("c\n"));
+  const Collected collected = CollectArchive(Archive().Config("c\n"));
   EXPECT_THAT(collected.Tables().at("PMCLINK").rows.at(0).shape->attributes,
               ElementsAre(host::Attribute{"Controller_Config", "raw", "true"},
                           host::Attribute{"Controller_Config", "filename", "Controller_1_Config"}));
 }
 
 TEST(MicrochipArchive, LogsTheSizeOfTheStoredBytes) {
-  EXPECT_THAT(Collect(Archive().Config("one\r\ntwo\r\n")).LogTexts(), Contains("4 Size:10"));
+  EXPECT_THAT(CollectArchive(Archive().Config("one\r\ntwo\r\n")).LogTexts(), Contains("4 Size:10"));
 }
 
 TEST(MicrochipArchive, AttachesAReportWithLongLinesWhole) {
   const std::string text = std::string(2000, 'x') + "\nend\n";
-  EXPECT_THAT(Collect(Archive().Config(text)).Rows("PMCLINK").at(0),
+  EXPECT_THAT(CollectArchive(Archive().Config(text)).Rows("PMCLINK").at(0),
               ElementsAre("Controller_Config=" + text));
 }
 
@@ -325,7 +330,7 @@ TEST(MicrochipArchive, GoesOnWithTheNextReportWhenThereIsNoMemory) {
                               .File("Controller_1_Event_Log.txt", std::string(54320, 'e'))
                               .File("Controller_1_Log.txt", "l\n");
   const test::RefusedAllocation refused(54321);
-  const Collected collected = Collect(archive);
+  const Collected collected = CollectArchive(archive);
   EXPECT_THAT(collected.LogTexts(), Contains("4 Malloc failed!").Times(1));
   EXPECT_THAT(collected.Rows("PMCLINK"),
               ElementsAre(ElementsAre("Controller_Config=c\n", "Controller_Log=l\n")));
@@ -337,7 +342,7 @@ TEST(MicrochipArchive, EndsTheProcessWhenTheHostsFolderFillsTheCommand) {
   const pq::MachineInUse inUse(machine);
   machine.hostExecutable = "C:\\" + std::string(505, 'h') + "\\halyard.exe";
   halyard::repository::RRepository repository;
-  EXPECT_THROW(pq::CollectMicrochipArchive({repository, kLog, pq::GetExeFolder()}),
+  EXPECT_THROW(pq::CollectMicrochipArchive({repository, kArchiveLog, pq::GetExeFolder()}),
                test::RangeCheckFailed);
 }
 
@@ -347,7 +352,7 @@ TEST(MicrochipArchive, StartsNothingWhenTheCommandDoesNotFit) {
   const test::LogLines log;
   machine.hostExecutable = "C:\\" + std::string(504, 'h') + "\\halyard.exe";
   halyard::repository::RRepository repository;
-  pq::CollectMicrochipArchive({repository, kLog, pq::GetExeFolder()});
+  pq::CollectMicrochipArchive({repository, kArchiveLog, pq::GetExeFolder()});
   EXPECT_THAT(log.texts, ElementsAre("4 [repo] CreateProcess failed (206)"));
 }
 
