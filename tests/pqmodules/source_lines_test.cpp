@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -83,18 +84,40 @@ Sources ReadShared() {
   return sources;
 }
 
-/// The longest text in `sources` with which a record begins.
-std::string FindLongest(const Sources& sources, std::string_view record) {
-  std::string longest;
-  for (const auto& [path, lines] : sources) {
-    for (const SourceLine& line : lines) {
-      for (const std::string& literal : line.literals) {
-        if (literal.size() > longest.size() && record.starts_with(literal)) longest = literal;
+/// All texts between quotes, found by how they begin.
+class Literals {
+ public:
+  explicit Literals(const Sources& sources) {
+    for (const auto& [path, lines] : sources) {
+      for (const SourceLine& line : lines) {
+        for (const std::string& literal : line.literals) {
+          byStart.emplace(literal.substr(0, kShortestSentence), literal);
+        }
       }
     }
   }
-  return longest;
-}
+
+  /// The longest with which a record begins.
+  std::string FindLongest(std::string_view record) const {
+    std::string_view longest;
+    const auto [first, last] = byStart.equal_range(record.substr(0, kShortestSentence));
+    for (auto entry = first; entry != last; ++entry) {
+      const std::string& literal = entry->second;
+      if (literal.size() > longest.size() && record.starts_with(literal)) longest = literal;
+    }
+    return std::string(longest);
+  }
+
+ private:
+  std::multimap<std::string, std::string, std::less<>> byStart;
+};
+
+/// A module's, or what modules share.
+struct SourceText {
+  explicit SourceText(const Sources& sources) : lines(sources), literals(sources) {}
+  Sources lines;
+  Literals literals;
+};
 
 /// Whether the module's log is used there, or handed on.
 bool UsesLog(const std::string& line) {
@@ -114,12 +137,12 @@ bool IsToolsWord(const host::Recording& machine, std::string_view text) {
 class Places {
  public:
   void Check(const host::Recording& machine, const host::LogLine& record) {
-    if (!known.contains(record.file)) known[record.file] = ReadModule(record.file);
-    const Sources& sources = known[record.file];
+    if (!known.contains(record.file)) known.emplace(record.file, ReadModule(record.file));
+    const SourceText& source = known.at(record.file);
     const std::string_view text = std::string_view(record.text).substr(kPrefix.size());
-    const std::string sentence = FindSentence(sources, machine, text);
+    const std::string sentence = FindSentence(source.literals, machine, text);
     bool isFound = false;
-    for (const auto& [path, lines] : sources) {
+    for (const auto& [path, lines] : source.lines) {
       if (record.line < 1 || static_cast<std::size_t>(record.line) > lines.size()) continue;
       const SourceLine& line = lines[static_cast<std::size_t>(record.line) - 1];
       if (sentence.empty()) {
@@ -139,15 +162,15 @@ class Places {
  private:
   /// The module's own words at the begin of a record; empty where they are shared ones, or only
   /// what a tool said.
-  std::string FindSentence(const Sources& sources, const host::Recording& machine,
+  std::string FindSentence(const Literals& literals, const host::Recording& machine,
                            std::string_view text) const {
-    const std::string own = FindLongest(sources, text);
-    const bool isShared = FindLongest(shared, text).size() >= own.size();
+    const std::string own = literals.FindLongest(text);
+    const bool isShared = shared.literals.FindLongest(text).size() >= own.size();
     return own.empty() || isShared || IsToolsWord(machine, own) ? "" : own;
   }
 
-  std::map<std::string, Sources> known;
-  const Sources shared = ReadShared();
+  std::map<std::string, SourceText> known;
+  const SourceText shared{ReadShared()};
 };
 
 /// The machine once for each of its tools and each way in which its step can fail, and once with no
