@@ -34,7 +34,7 @@ TEST(RandomRecordings, GiveTheSameTracesInAnyOrder) {
 TEST(RandomRecordings, HaveARowForEveryTable) {
   std::set<std::string> empty;
   for (const CollectedTable& table : Collect(Recording()).tables) empty.insert(table.className);
-  for (std::uint64_t seed = 0; seed < kSeeds; ++seed) {
+  for (std::uint64_t seed = 0; seed < kSeeds && empty.size() > 1; ++seed) {
     for (const CollectedTable& table : Collect(MakeRandomRecording(seed)).tables) {
       if (table.RowCount() > 0) empty.erase(table.className);
     }
