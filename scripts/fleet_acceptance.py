@@ -118,7 +118,7 @@ def measure_cost(server):
     hold("database a server", (after_first - empty) / SERVERS / 1000, 120, "kB")
     hold("a further recording", (measure_bytes(fleet) - after_first) / (known - SERVERS) / 1000, 5, "kB")
     hold("the firmware question", time_question(fleet, FIRMWARE), 50, "ms")
-    check_pages(fleet)
+    check_pages(fleet, f"srv-{SERVERS // 2:06}")
     again = []
     for words in ([], ["--workers", "2"]):
         fleet.run("reparse", "--all")
@@ -151,12 +151,12 @@ def submit(fleet, files):
     print(f"submitted {len(files)}: {time.monotonic() - begin:.1f} s", flush=True)
 
 
-def check_pages(fleet):
+def check_pages(fleet, one):
     port = find_port()
     pages = fleet.start("serve", "--port", port)
     expect(await_true(lambda: answers(port)), "it serves")
-    for path in ("/", "/?verdict=critical", "/?search=srv-1", "/drives", "/silent", "/queue",
-                 f"/server?name=srv-{SERVERS // 2:06}&site=default"):
+    for path in ("/", "/?verdict=critical", "/?q=00-5", "/drives", "/silent", "/queue",
+                 f"/server?name={one}&site=default"):
         taken = []
         for _ in range(5):
             begin = time.monotonic()
@@ -218,6 +218,45 @@ def measure_chaos(server):
     expect(count_processes() == 0, "no process is left")
 
 
+def multiply(fleet, copies):
+    """As many servers more as others have drives, findings and nights like theirs."""
+    step = 10_000_000  # between the numbers of a server and of its copies
+    clone = lambda table, columns, values: fleet.sql(
+        f"insert into fleet.{table} ({', '.join(columns)}) overriding system value select"
+        f" {', '.join(values.get(column, column) for column in columns)}"
+        f" from fleet.{table}, generate_series(1, {copies - 1}) c")
+    number = lambda column: f"{column} + c * {step}"
+    own = {"server": {"id": number("id"), "name": "name || '-' || c"},
+           "object": {"id": number("id"), "key": "sha256(key || convert_to(c::text, 'UTF8'))"}}
+    usual = {name: number(name) for name in ("server", "object", "_server")}
+    heavy = ("part_events", "part_evidence", "part_sensors")
+    parts = [table for table in fleet.tables if table.startswith("part_") and table not in heavy]
+    for table in ["server", "object", "submission", "job", "result", "drive_error", "server_state",
+                  "drive_growth", *parts]:
+        columns = [row[0] for row in fleet.sql(
+            f"select attname from pg_attribute where attrelid = 'fleet.{table}'::regclass"
+            f" and attnum > 0 and not attisdropped order by attnum")]
+        clone(table, [f'"{column}"' for column in columns],
+              {f'"{name}"': value for name, value in {**usual, **own.get(table, {})}.items()})
+    fleet.sql("vacuum analyze")
+
+
+def measure_large(server):
+    """Questions and pages of 100,000 servers, of which 1,000 are parsed and the others copies."""
+    fleet = Fleet(server)
+    folder = pathlib.Path(server.folder) / "large"
+    folder.mkdir()
+    submit(fleet, make_fleet(folder, 1000, 2, PQHOST))
+    fleet.work("--workers", "2")
+    begin = time.monotonic()
+    multiply(fleet, 100)
+    counted = fleet.sql("select (select count(*) from fleet.servers), (select count(*) from fleet.drives)")[0]
+    print(f"{counted[0]} servers, {counted[1]} drives, copied in {time.monotonic() - begin:.0f} s")
+    expect(counted[0] == "100000", "100,000 servers")
+    hold("the firmware question", time_question(fleet, FIRMWARE), 50, "ms")
+    check_pages(fleet, "srv-000500-50")
+
+
 def measure_equality(server):
     """Rows of the samples and of 1,000 random recordings are those of pqhost."""
     fleet = Fleet(server)
@@ -238,9 +277,11 @@ def list_settings():
                     if name not in ("shared_buffers", "effective_cache_size"))
 
 
-PARTS = {"cost": measure_cost, "chaos": measure_chaos, "equality": measure_equality}
+PARTS = {"cost": measure_cost, "large": measure_large, "chaos": measure_chaos,
+         "equality": measure_equality}
 
 if __name__ == "__main__":
+    Fleet.patience = None  # It takes what it takes.
     settings = f"-c shared_buffers=512MB -c shared_preload_libraries=pg_stat_statements {list_settings()}"
     with PrivatePostgres(settings) as postgres:
         for part in sys.argv[3:] or PARTS:

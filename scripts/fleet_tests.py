@@ -46,6 +46,7 @@ class Fleet:
     """A database with a fleet, a store, and pqfleet for them."""
 
     first = None  # of which the others are copies: to make one takes its time
+    patience = 120  # seconds for a command
     count = 0
 
     def __init__(self, server):
@@ -79,7 +80,7 @@ class Fleet:
     def run(self, *words, user=None, **more):
         process = self.start(*words, user=user, **more)
         try:
-            process.stdout, process.stderr = process.communicate(timeout=120)
+            process.stdout, process.stderr = process.communicate(timeout=Fleet.patience)
         except subprocess.TimeoutExpired:
             process.kill()
             expect(False, f"{' '.join(map(str, words))} hangs")
@@ -112,7 +113,7 @@ def sql(database, server, text):
     ended = subprocess.run(
         ["psql", "-XqAt", "-h", server.folder, "-U", "fleet", "-d", database, "-F", "\x1f",
          "-R", "\x1e", "-P", "null=\x1d", "-v", "ON_ERROR_STOP=1", "-c", text],
-        capture_output=True, text=True, timeout=120)
+        capture_output=True, text=True, timeout=Fleet.patience)
     if ended.returncode != 0:
         raise RuntimeError(f"{text[:200]}: {ended.stderr}")
     rows = ended.stdout.removesuffix("\n").removesuffix("\x1e")
@@ -948,7 +949,8 @@ def make_certificates(folder, *clients):
             (folder / f"{client}.pem").read_text() + (folder / f"{client}.key").read_text())
 
 
-def hand_to_nginx(folder, *files):
+def hand_over(folder, *files):
+    """A folder with copies that a server which is a plain user may have."""
     folder.mkdir()
     for file in files:
         shutil.copy(file, folder)
@@ -972,7 +974,7 @@ class Spool:
             os.chmod(self.spool / site, 0o777)
         os.chmod(self.spool, 0o777)
         make_certificates(self.keys, "berlin", "oslo", "nowhere")
-        readable = hand_to_nginx(self.folder / "nginx-keys", *(
+        readable = hand_over(self.folder / "nginx-keys", *(
             self.keys / file for file in ("server.pem", "server.key", "ca.pem")))
         self.nginx = PrivateNginx(DOOR / "pqfleet-door.conf", self.folder / "nginx",
                                   {"/etc/pqfleet/door": readable,
@@ -1201,8 +1203,8 @@ class HttpStore:
         self.folder.mkdir(mode=0o755)
         self.keys = self.folder / "keys"
         make_certificates(self.keys, "writer", "worker")
-        self.root = hand_to_nginx(self.folder / "root")
-        readable = hand_to_nginx(self.folder / "nginx-keys", *(
+        self.root = hand_over(self.folder / "root")
+        readable = hand_over(self.folder / "nginx-keys", *(
             self.keys / file for file in ("server.pem", "server.key", "ca.pem")))
         self.nginx = PrivateNginx(ROOT / "docs/examples/store/pqfleet-store.conf",
                                   self.folder / "nginx", {"/etc/pqfleet/store": readable,
@@ -1292,6 +1294,33 @@ def check_certificates(fleet, store):
     expect(ended.returncode == 2 and "refuses it (status 403)" in ended.stderr,
            f"a worker may not write: {ended.stderr}")
     expect(sorted(store.root.rglob("*")) == before, "nothing was written")
+
+
+def test_database_over_tls(server):
+    """Workers of another machine reach the database by TLS, and no other one in its place."""
+    fleet = Fleet(server)
+    fleet.submit(*SAMPLES)
+    keys = pathlib.Path(server.folder) / "database-keys"
+    for name in ("ours", "others"):
+        make_certificates(keys / name)
+    files = hand_over(pathlib.Path(server.folder) / "database-tls", keys / "ours/server.pem",
+                      keys / "ours/server.key")
+    usual, port = server.settings, find_port()
+    server.stop()
+    server.settings += (f" -c listen_addresses=127.0.0.1 -c port={port} -c ssl=on"
+                        f" -c ssl_cert_file={files}/server.pem -c ssl_key_file={files}/server.key")
+    server.start()
+    fleet.environment.update(PGHOST="127.0.0.1", PGPORT=str(port), PGSSLMODE="verify-full",
+                             PGSSLROOTCERT=str(keys / "others/ca.pem"))
+    ended = fleet.run("work", "--once")
+    expect(ended.returncode == 2 and "certificate verify failed" in ended.stderr,
+           f"another's certificate: {ended.stderr}")
+    fleet.environment["PGSSLROOTCERT"] = str(keys / "ours/ca.pem")
+    ended = fleet.run("work", "--once", "--workers", "2")
+    expect(f"{len(SAMPLES)} done" in ended.stderr, f"by TLS: {ended.stderr}")
+    server.stop()
+    server.settings = usual
+    server.start()
 
 
 class OddServer(http.server.BaseHTTPRequestHandler):
