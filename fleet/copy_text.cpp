@@ -11,6 +11,11 @@ namespace {
 
 [[noreturn]] void Refuse() { throw std::runtime_error("the rows are not as rows are written"); }
 
+/// Whether COPY would take it for something else than itself, or not at all.
+bool IsSpecial(char c) {
+  return c == '\\' || (c <= '\r' && (c == '\t' || c == '\n' || c == '\r' || c == '\0'));
+}
+
 /// Checks a row's cells, each an escaped text or kCopyNull.
 void CheckRow(std::string_view row, std::size_t columns) {
   std::size_t cells = 1;
@@ -36,9 +41,9 @@ void CheckRow(std::string_view row, std::size_t columns) {
 }  // namespace
 
 void AppendCopyCell(std::string& rows, std::string_view text) {
-  constexpr std::string_view kSpecial("\\\t\n\r\0", 5);
   while (true) {
-    const std::size_t plain = std::min(text.find_first_of(kSpecial), text.size());
+    const auto plain =
+        static_cast<std::size_t>(std::find_if(text.begin(), text.end(), IsSpecial) - text.begin());
     rows += text.substr(0, plain);
     if (plain == text.size()) return;
     switch (text[plain]) {

@@ -114,9 +114,7 @@ std::vector<std::string> TakeIn(const std::vector<IncomingRecording>& recordings
                                 Connection& connection) {
   for (const IncomingRecording& recording : recordings) {
     // What is there may have rotten: only what is the same is left alone.
-    const bool isThere =
-        store.Has(recording.key) && store.Read(recording.key).value_or("") == recording.zip;
-    if (!isThere) store.Write(recording.key, recording.zip);
+    if (store.Read(recording.key) != recording.zip) store.Write(recording.key, recording.zip);
   }
   // A job must not be there before its recording is.
   store.Settle();

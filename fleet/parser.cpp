@@ -1,5 +1,6 @@
 #include "fleet/parser.h"
 
+#include <algorithm>
 #include <ctime>
 #include <exception>
 #include <map>
@@ -43,7 +44,7 @@ std::string DescribeFile(std::string_view name, std::string_view bytes) {
 /// The rows of a class, dealt over the columns of its table.
 class ClassRows {
  public:
-  explicit ClassRows(const RowTable& table) : table(table) {
+  explicit ClassRows(const RowTable& table) : cells(table.columns.size()) {
     for (std::size_t i = 0; i < table.columns.size(); ++i) places[table.columns[i].name] = i;
   }
 
@@ -56,18 +57,21 @@ class ClassRows {
 
  private:
   void AddRow(const host::RowView& row, const host::Row& stored) {
-    std::vector<std::optional<std::string>> cells(table.columns.size());
+    std::fill(cells.begin(), cells.end(), std::nullopt);
     std::optional<host::JsonObject> more;
     for (std::size_t place = 0; place < row.CellCount(); ++place) {
       const host::CellView cell = row.CellAt(place);
       if (cell.Kind() == host::CellKind::kNothing) continue;
       const host::DecodedText key = cell.Key();
-      const auto column = places.find(std::string(key.View()));
+      const auto column = places.find(key.View());
       const bool isText = cell.Kind() == host::CellKind::kText;
-      std::string text(cell.Text().View());
+      const host::DecodedText whole = cell.Text();
+      std::string text;
       if (cell.IsFile()) {
         const std::optional<host::DecodedText> name = cell.FileName();
         text = DescribeFile(name ? name->View() : std::string_view(), stored.Value(place));
+      } else {
+        text = whole.View();
       }
       if (isText && column != places.end()) {
         cells[column->second] = std::move(text);
@@ -83,10 +87,10 @@ class ClassRows {
       });
     }
     if (more) cells.back() = more->Take();
-    AppendCells(cells);
+    AppendCells();
   }
 
-  void AppendCells(const std::vector<std::optional<std::string>>& cells) {
+  void AppendCells() {
     const char* separator = "";
     for (const std::optional<std::string>& cell : cells) {
       rows += separator;
@@ -100,14 +104,16 @@ class ClassRows {
     rows += '\n';
   }
 
-  const RowTable& table;
   std::map<std::string, std::size_t, std::less<>> places;
+  std::vector<std::optional<std::string>> cells;  ///< of the row at hand
   std::string rows;
 };
 
 void AppendValue(std::string& rows, const host::PartValue& value) {
   if (std::holds_alternative<std::monostate>(value)) {
     rows += kCopyNull;
+  } else if (const auto* text = std::get_if<std::string_view>(&value)) {
+    AppendCopyCell(rows, *text);
   } else {
     AppendCopyCell(rows, host::FormatPartValue(value, ""));
   }

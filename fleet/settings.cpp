@@ -19,6 +19,7 @@ namespace {
 
 constexpr char kFileVariable[] = "PQFLEET_CONFIG";
 constexpr char kStoreVariable[] = "PQFLEET_STORE";
+constexpr char kCertificateVariable[] = "PQFLEET_STORE_CERTIFICATE";
 constexpr char kUsualFile[] = "/etc/pqfleet.conf";
 
 const char* GetVariable(const char* name) {
@@ -85,8 +86,12 @@ void AddDatabaseOptions(host::OptionSet& set, GivenSettings& given) {
 
 void AddSettingsOptions(host::OptionSet& set, GivenSettings& given) {
   AddDatabaseOptions(set, given);
-  set.AddPath("--store", host::OptionValue::kFolder, given.store,
-              "The folder of the recordings; $PQFLEET_STORE unless given");
+  set.AddTexts("--store", "PLACE", given.store,
+               "Where the recordings are, a folder or https://HOST/PATH; $PQFLEET_STORE unless "
+               "given");
+  set.AddPath("--store-certificate", host::OptionValue::kFile, given.certificate,
+              "A PEM file with the certificate, and its key, that a store at https:// asks for; "
+              "$PQFLEET_STORE_CERTIFICATE unless given");
 }
 
 Settings ReadSettingsText(const std::string& text, const std::string& name) {
@@ -105,7 +110,9 @@ Settings ReadSettingsText(const std::string& text, const std::string& name) {
     if (word == "database") {
       TakeConnection(value, Beside::kEnvironment, place, settings.database);
     } else if (word == "store" && !value.empty()) {
-      settings.store = host::PathFromText(value);
+      settings.store.address = value;
+    } else if (word == "store-certificate" && !value.empty()) {
+      settings.store.certificate = value;
     } else {
       throw host::UsageError(fmt::format(
           "{}: it takes lines such as store = /srv/fleet and database = host=db dbname=fleet",
@@ -127,16 +134,18 @@ Settings ReadSettings(const GivenSettings& given) {
     std::reverse(settings.database.begin(), settings.database.end());
     settings.store = std::move(ofFile.store);
   }
-  if (const char* store = GetVariable(kStoreVariable)) settings.store = host::PathFromText(store);
-  if (given.store) settings.store = given.store;
+  if (const char* store = GetVariable(kStoreVariable)) settings.store.address = store;
+  if (!given.store.empty()) settings.store.address = given.store.back();
+  if (const char* file = GetVariable(kCertificateVariable)) settings.store.certificate = file;
+  if (given.certificate) settings.store.certificate = host::PathText(*given.certificate);
   return settings;
 }
 
-std::filesystem::path RequireStore(const Settings& settings) {
-  if (settings.store) return *settings.store;
+StorePlace RequireStore(const Settings& settings) {
+  if (!settings.store.address.empty()) return settings.store;
   throw host::UsageError(
-      "nothing says where the recordings are: give --store FOLDER, set PQFLEET_STORE, or write "
-      "store = FOLDER into /etc/pqfleet.conf");
+      "nothing says where the recordings are: give --store PLACE, set PQFLEET_STORE, or write "
+      "store = PLACE into /etc/pqfleet.conf");
 }
 
 }  // namespace fleet

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "fleet/database.h"
+#include "fleet/store.h"
 #include "host/commands/option_set.h"
 
 namespace fleet {
@@ -16,27 +17,28 @@ namespace fleet {
 struct GivenSettings {
   std::optional<std::filesystem::path> file;
   std::vector<std::string> database;
-  std::optional<std::filesystem::path> store;
+  std::vector<std::string> store;
+  std::optional<std::filesystem::path> certificate;
 };
 
 struct Settings {
   ConnectionWords database;
-  std::optional<std::filesystem::path> store;
+  StorePlace store;  ///< without an address when nobody named one
 };
 
 /// --config, --database
 void AddDatabaseOptions(host::OptionSet& set, GivenSettings& given);
-/// The same, and --store
+/// The same, and --store, --store-certificate
 void AddSettingsOptions(host::OptionSet& set, GivenSettings& given);
 
 /// Throws UsageError.
 Settings ReadSettings(const GivenSettings& given);
 
-/// Takes the lines "NAME = VALUE" of the file `name`: database, store. Throws UsageError with its
-/// name and line.
+/// Takes the lines "NAME = VALUE" of the file `name`: database, store, store-certificate. Throws
+/// UsageError with its name and line.
 Settings ReadSettingsText(const std::string& text, const std::string& name);
 
-/// The folder of the store. Throws UsageError when nobody named one.
-std::filesystem::path RequireStore(const Settings& settings);
+/// Throws UsageError when nobody named a store.
+StorePlace RequireStore(const Settings& settings);
 
 }  // namespace fleet

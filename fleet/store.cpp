@@ -1,104 +1,23 @@
 #include "fleet/store.h"
 
-#include <fcntl.h>
-#include <fmt/format.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstring>
-#include <system_error>
-#include <utility>
-
-#include "host/files/file_handle.h"
-#include "host/files/output_file.h"
-#include "host/files/whole_file.h"
-#include "host/text/path_text.h"
+#include "fleet/folder_store.h"
+#include "fleet/http_store.h"
 
 namespace fleet {
-namespace {
 
-namespace fs = std::filesystem;
-
-constexpr char kMark[] = "pqfleet-store";
-
-[[noreturn]] void FailStore(const fs::path& path, std::string_view reason) {
-  throw StoreFailure(fmt::format("{}: {}", host::PathText(path), reason));
+std::unique_ptr<Store> OpenStore(const StorePlace& place) {
+  if (IsHttpAddress(place.address)) return std::make_unique<HttpStore>(place);
+  return std::make_unique<FolderStore>(place.address);
 }
 
-bool IsStore(const fs::path& folder) {
-  std::error_code ignored;
-  return fs::exists(folder / kMark, ignored);
-}
-
-}  // namespace
-
-Store::Store(fs::path given) : folder(std::move(given)) {
-  if (IsStore(folder)) return;
-  FailStore(folder,
-            fmt::format("it is no store of recordings, as it has no file {}: mount it, or make "
-                        "it with pqfleet init --store",
-                        kMark));
-}
-
-void Store::Create(const fs::path& folder) {
-  if (IsStore(folder)) return;
-  std::error_code error;
-  fs::create_directories(folder, error);
-  if (!error && !fs::is_empty(folder, error)) {
-    FailStore(folder, "it holds something else: name an empty folder for the store");
-  }
-  if (error) FailStore(folder, error.message());
-  try {
-    host::CreateWholeFile(folder / kMark, "1\n", host::Readers::kAsUsual);
-  } catch (const std::runtime_error& failure) {
-    throw StoreFailure(failure.what());
+void CreateStore(const StorePlace& place) {
+  if (IsHttpAddress(place.address)) {
+    HttpStore::Create(place);
+  } else {
+    FolderStore::Create(place.address);
   }
 }
 
-fs::path Store::FindPlace(const std::string& key) const {
-  return folder / key.substr(0, 2) / (key + ".zip");
-}
-
-bool Store::Has(const std::string& key) const {
-  std::error_code ignored;
-  return fs::exists(FindPlace(key), ignored);
-}
-
-std::optional<std::string> Store::Read(const std::string& key) const {
-  const fs::path place = FindPlace(key);
-  std::error_code error;
-  const bool isThere = fs::exists(place, error);
-  if (!isThere && (error || !IsStore(folder))) FailStore(folder, "the store is not there any more");
-  if (!isThere) return std::nullopt;
-  try {
-    return host::ReadWholeFile(place);
-  } catch (const std::runtime_error& failure) {
-    FailStore(place, failure.what());
-  }
-}
-
-void Store::Write(const std::string& key, std::string_view zip) const {
-  const fs::path place = FindPlace(key);
-  try {
-    fs::create_directories(place.parent_path());
-    host::OutputFile file(place);
-    file.Stream() << zip;
-    file.Complete();
-  } catch (const std::runtime_error& failure) {
-    throw StoreFailure(failure.what());
-  }
-}
-
-void Store::Remove(const std::string& key) const {
-  const fs::path place = FindPlace(key);
-  std::error_code error;
-  fs::remove(place, error);
-  if (error) FailStore(place, error.message());
-}
-
-void Store::Settle() const {
-  const host::FileHandle root(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (!root.IsOpen() || syncfs(root.Descriptor()) != 0) FailStore(folder, std::strerror(errno));
-}
+std::string NameInStore(const std::string& key) { return key.substr(0, 2) + "/" + key + ".zip"; }
 
 }  // namespace fleet

@@ -74,16 +74,17 @@ def stage_host(folder):
          folder / SHARE / "bash-completion/completions/pqhost")
 
 
-def stage_fleet(folder):
+def stage_fleet(staged):
     for unit in sorted((ROOT / "packaging" / "debian" / "systemd").iterdir()):
-        copy(unit, folder / "lib/systemd/system" / unit.name)
-    documents = folder / SHARE / "doc" / FLEET
+        copy(unit, staged / "lib/systemd/system" / unit.name)
+    documents = staged / SHARE / "doc" / FLEET
     write_packed(documents / "fleet.md.gz", (ROOT / "docs" / "fleet.md").read_text())
     examples = ROOT / "docs" / "examples"
     copy(examples / "pqfleet-postgresql.conf", documents / "examples" / "pqfleet-postgresql.conf")
-    for file in list_files(examples / "door"):
-        copy(file, documents / "examples" / "door" / file.name,
-             0o755 if file.suffix == ".sh" else 0o644)
+    for folder in ("door", "store"):
+        for file in list_files(examples / folder):
+            copy(file, documents / "examples" / folder / file.name,
+                 0o755 if file.suffix == ".sh" else 0o644)
 
 
 def write_control(name, folder):

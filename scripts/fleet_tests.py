@@ -9,6 +9,7 @@ Only the tests whose names are given, otherwise all. Ends with "N passed, N fail
 import contextlib
 import csv
 import hashlib
+import http.server
 import io
 import itertools
 import json
@@ -21,6 +22,7 @@ import signal
 import socket
 import subprocess
 import sys
+import threading
 import time
 import urllib.error
 import urllib.request
@@ -44,6 +46,7 @@ class Fleet:
     """A database with a fleet, a store, and pqfleet for them."""
 
     first = None  # of which the others are copies: to make one takes its time
+    patience = 120  # seconds for a command
     count = 0
 
     def __init__(self, server):
@@ -77,7 +80,7 @@ class Fleet:
     def run(self, *words, user=None, **more):
         process = self.start(*words, user=user, **more)
         try:
-            process.stdout, process.stderr = process.communicate(timeout=120)
+            process.stdout, process.stderr = process.communicate(timeout=Fleet.patience)
         except subprocess.TimeoutExpired:
             process.kill()
             expect(False, f"{' '.join(map(str, words))} hangs")
@@ -110,7 +113,7 @@ def sql(database, server, text):
     ended = subprocess.run(
         ["psql", "-XqAt", "-h", server.folder, "-U", "fleet", "-d", database, "-F", "\x1f",
          "-R", "\x1e", "-P", "null=\x1d", "-v", "ON_ERROR_STOP=1", "-c", text],
-        capture_output=True, text=True, timeout=120)
+        capture_output=True, text=True, timeout=Fleet.patience)
     if ended.returncode != 0:
         raise RuntimeError(f"{text[:200]}: {ended.stderr}")
     rows = ended.stdout.removesuffix("\n").removesuffix("\x1e")
@@ -658,7 +661,88 @@ def test_end_request(server):
     expect(not differences(digest(fleet), digest(other)), "PostgreSQL killed: nothing is lost")
 
 
+def test_full_disk(server):
+    """Where the database's disk is full, workers wait and say so; then it is restarted."""
+    fleet, other = Fleet(server), Fleet(server)
+    files = make_random(server, 20, 3, 1100)
+    for one in (fleet, other):
+        one.submit(*files)
+    other.work("--workers", "2")
+    server.stop("fast")
+    server.start(LD_PRELOAD=str(BIN / "troubled_system.so"), PQ_DISK="/data/base/", PQ_ROOM="300000")
+    team = fleet.start("work", "--once", "--batch", "16")
+    told = team.stderr.readline()
+    expect("could not extend file" in told and "trying again" in told, f"it waits and says so: {told}")
+    expect(fleet.value("select count(*) from fleet.job where state = 3") == "0", "nothing is parked")
+    server.stop("fast")
+    server.start()
+    errors = team.communicate(timeout=120)[1]
+    expect(team.returncode == 0, f"with room it goes on: {errors}")
+    expect(not differences(digest(fleet), digest(other)), "nothing is lost")
+
+
+class SlowWay:
+    """A way to the database on which each message takes `delay` seconds; counts those of the worker."""
+
+    def __init__(self, server, delay):
+        self.folder = pathlib.Path(server.folder) / "slow"
+        self.folder.mkdir()
+        self.there, self.delay, self.count = f"{server.folder}/.s.PGSQL.5432", delay, 0
+        self.listening = socket.socket(socket.AF_UNIX)
+        self.listening.bind(str(self.folder / ".s.PGSQL.5432"))
+        self.listening.listen()
+        threading.Thread(target=self.accept, daemon=True).start()
+
+    def accept(self):
+        while True:
+            near, far = self.listening.accept()[0], socket.socket(socket.AF_UNIX)
+            far.connect(self.there)
+            for ends in ((near, far, 1), (far, near, 0)):
+                threading.Thread(target=self.carry, args=ends, daemon=True).start()
+
+    def carry(self, one, other, counts):
+        with contextlib.suppress(OSError):
+            while data := one.recv(1 << 20):
+                self.count += counts
+                time.sleep(self.delay)
+                other.sendall(data)
+            other.shutdown(socket.SHUT_WR)
+
+
+def test_slow_network(server):
+    """The database is far away: few messages for many recordings."""
+    fleet, other = Fleet(server), Fleet(server)
+    for one in (fleet, other):
+        one.submit(*make_random(server, 20, 3, 1100))
+    other.work()
+    way = SlowWay(server, 0.005)
+    fleet.environment["PGHOST"] = str(way.folder)
+    fleet.work("--lease", "2")
+    fleet.environment["PGHOST"] = server.folder
+    expect(not differences(digest(fleet), digest(other)), "the same is known")
+    batches = -(-int(fleet.value("select count(*) from fleet.object")) // 64)
+    expect(way.count < 90 + 130 * batches, f"{way.count} messages for {batches} batches")
+
+
 # --- nights ---
+
+def test_month(server):
+    """Thirty nights in random order, by two workers, and in theirs, one after the other."""
+    files = make_random(server, 2, 30, 2500)
+    ordered, shuffled = Fleet(server), Fleet(server)
+    for night in range(30):
+        ordered.submit(*files[night::30])
+        ordered.work()
+    rest = list(files)
+    random.Random(13).shuffle(rest)
+    for begin in range(0, len(rest), 20):
+        shuffled.submit(*rest[begin:begin + 20])
+        shuffled.work("--workers", "2", "--batch", "4")
+    expect(not differences(digest(ordered), digest(shuffled)),
+           f"the order of nights counts: {differences(digest(ordered), digest(shuffled))}")
+    expect(ordered.value("select count(*) from fleet.verdict_now where taken ="
+                         " '2026-01-30 00:00:00+00'") == "2", "the newest night shows")
+
 
 def test_order(server):
     files = make_random(server, 15, 6, 2000)
@@ -854,6 +938,28 @@ def check_metrics(fleet):
 DOOR = ROOT / "docs" / "examples" / "door"
 
 
+def make_certificates(folder, *clients):
+    """A server's for 127.0.0.1, and those of clients, each in a file of its own with its key."""
+    for words in (["door", "127.0.0.1"], *(["site", client] for client in clients)):
+        ended = subprocess.run([DOOR / "make_ca.sh", folder, *words], text=True,
+                               env={**os.environ, "PASSWORD": "x"}, capture_output=True)
+        expect(ended.returncode == 0, f"make_ca.sh {words}: {ended.stderr}")
+    for client in clients:
+        (folder / f"{client}-whole.pem").write_text(
+            (folder / f"{client}.pem").read_text() + (folder / f"{client}.key").read_text())
+
+
+def hand_over(folder, *files):
+    """A folder with copies that a server which is a plain user may have."""
+    folder.mkdir()
+    for file in files:
+        shutil.copy(file, folder)
+    if os.geteuid() == 0:
+        for path in (folder, *folder.iterdir()):
+            os.chown(path, NOBODY, NOBODY)
+    return folder
+
+
 class Spool:
     """A spool of two sites, the door's nginx before it, and certificates."""
 
@@ -867,17 +973,9 @@ class Spool:
             # As the door's group may.
             os.chmod(self.spool / site, 0o777)
         os.chmod(self.spool, 0o777)
-        for words in (["door", "127.0.0.1"], ["site", "berlin"], ["site", "oslo"],
-                      ["site", "nowhere"]):
-            ended = subprocess.run([DOOR / "make_ca.sh", self.keys, *words], text=True,
-                                   env={**os.environ, "PASSWORD": "x"}, capture_output=True)
-            expect(ended.returncode == 0, f"make_ca.sh {words}: {ended.stderr}")
-        readable = self.folder / "nginx-keys"
-        readable.mkdir()
-        for file in ("server.pem", "server.key", "ca.pem"):
-            shutil.copy(self.keys / file, readable)
-            if os.geteuid() == 0:
-                os.chown(readable / file, NOBODY, NOBODY)
+        make_certificates(self.keys, "berlin", "oslo", "nowhere")
+        readable = hand_over(self.folder / "nginx-keys", *(
+            self.keys / file for file in ("server.pem", "server.key", "ca.pem")))
         self.nginx = PrivateNginx(DOOR / "pqfleet-door.conf", self.folder / "nginx",
                                   {"/etc/pqfleet/door": readable,
                                    "/var/spool/pqfleet": self.spool})
@@ -1093,6 +1191,189 @@ def check_quotas(fleet, spool, parts):
     watch = fleet.start("submit", "--watch", spool, "--day-mib", "2")
     expect(await_true((spool / "berlin" / ".closed").exists), "a quota of bytes")
     end_watch(watch)
+
+
+# --- the store elsewhere ---
+
+class HttpStore:
+    """A store behind nginx, as the example has it. Enter `nginx` to have it run."""
+
+    def __init__(self, server):
+        self.folder = pathlib.Path(server.folder) / "http-store"
+        self.folder.mkdir(mode=0o755)
+        self.keys = self.folder / "keys"
+        make_certificates(self.keys, "writer", "worker")
+        self.root = hand_over(self.folder / "root")
+        readable = hand_over(self.folder / "nginx-keys", *(
+            self.keys / file for file in ("server.pem", "server.key", "ca.pem")))
+        self.nginx = PrivateNginx(ROOT / "docs/examples/store/pqfleet-store.conf",
+                                  self.folder / "nginx", {"/etc/pqfleet/store": readable,
+                                                          "/srv/fleet": self.root})
+        self.address = f"https://127.0.0.1:{self.nginx.port}"
+
+    def be(self, fleet, who):
+        fleet.environment.update(PQFLEET_STORE=self.address, SSL_CERT_FILE=str(self.keys / "ca.pem"),
+                                 PQFLEET_STORE_CERTIFICATE=str(self.keys / f"{who}-whole.pem"))
+
+
+def test_store(server):
+    """A store that is reached by HTTPS holds and gives what one in a folder does."""
+    near, far = Fleet(server), Fleet(server)
+    files = make_random(server, 20, 3, 1100)
+    near.submit(*SAMPLES, *files)
+    near.work("--workers", "2")
+    store = HttpStore(server)
+    store.be(far, "writer")
+    with store.nginx:
+        ended = far.run("submit", SAMPLES[0])
+        expect(ended.returncode == 2 and "no store of recordings" in ended.stderr,
+               f"an empty place is no store: {ended.stderr}")
+        ended = far.run("init", "--upgrade")
+        expect(ended.returncode == 0 and (store.root / "pqfleet-store").read_text() == "1\n",
+               f"init: {ended.stderr}")
+        far.submit(*SAMPLES, *files)
+        expect(far.run("submit", "--server-by-file", SAMPLES[0]).stdout.startswith("known"), "again")
+        far.store = store.root
+        expect(list_store(far) == list_store(near), "the same recordings are kept")
+        check_certificates(far, store)
+        store.be(far, "worker")
+    with store.nginx:
+        team = far.start("work", "--workers", "2", "--batch", "4")
+        expect(await_true(lambda: far.value("select count(*) from fleet.job where state = 2") != "0"),
+               "it works")
+    # A pause is lived through, an end of it told.
+    time.sleep(1)
+    with store.nginx:
+        expect(await_true(lambda: far.value("select count(*) from fleet.job where state < 2") == "0"),
+               "it goes on when the store is back")
+    expect(not differences(digest(near), digest(far)), "the same is known")
+    far.run("reparse", "--all")
+    errors = team.communicate(timeout=60)[1]
+    expect(team.returncode == 2 and "cannot be reached" in errors, f"it ends: {errors}")
+    expect(far.value("select count(*) from fleet.job where state = 0") ==
+           far.value("select count(*) from fleet.object"), "all are ready for others")
+    with store.nginx:
+        expect(far.work("--workers", "2") == 0 and not differences(digest(near), digest(far)),
+               "nothing is lost")
+        shown = far.run("show", "NODE31", "--format", "json")
+        expect(shown.returncode == 0 and '"tables"' in shown.stdout, f"show: {shown.stderr}")
+        key = list_store(far)[0]
+        (store.root / key[:2] / f"{key}.zip").unlink()
+        far.run("reparse", "--all")
+        far.work()
+        shown = far.run("parked", "--show", key).stdout
+        expect("not in the store" in shown, f"what is lost is parked: {shown}")
+        ended = far.run("forget", "NODE31")
+        expect(ended.returncode == 2 and "refuses it (status 403)" in ended.stderr,
+               f"a worker may not remove: {ended.stderr}")
+        store.be(far, "writer")
+        expect(far.run("expire", "--older-than", "36500").returncode == 0 and
+               set(list_store(far)) == set(list_objects(far)) - {key}, "what was left over goes")
+    check_odd_servers(far)
+
+
+def check_certificates(fleet, store):
+    before = sorted(store.root.rglob("*"))
+    sample = ROOT / "samples" / "vroc"
+    for change, words in (
+            ({"PQFLEET_STORE_CERTIFICATE": ""}, "--store-certificate"),
+            ({"PQFLEET_STORE_CERTIFICATE": "/nowhere"}, "/nowhere: there is no certificate"),
+            ({"SSL_CERT_FILE": str(store.keys / "worker.pem")}, "SSL_CERT_FILE"),
+            ({"PQFLEET_STORE": store.address.replace("127.0.0.1", "localhost")}, "SSL_CERT_FILE"),
+            ({"PQFLEET_STORE": store.address + "/elsewhere"}, "no store of recordings"),
+            ({"PQFLEET_STORE": "https://"}, "write the store's address as"),
+            ({"PQFLEET_STORE": "https://me@127.0.0.1/"}, "write the store's address as")):
+        kept = dict(fleet.environment)
+        fleet.environment.update(change)
+        ended = fleet.run("submit", "--server", "x", sample)
+        expect(ended.returncode == 2 and words in ended.stderr and ended.stderr.count("\n") == 1,
+               f"{change}: {ended.returncode} {ended.stderr}")
+        fleet.environment = kept
+    store.be(fleet, "worker")
+    ended = fleet.run("submit", "--server", "x", make_random(fleet.server, 1, 1, 9100)[0])
+    expect(ended.returncode == 2 and "refuses it (status 403)" in ended.stderr,
+           f"a worker may not write: {ended.stderr}")
+    expect(sorted(store.root.rglob("*")) == before, "nothing was written")
+
+
+def test_database_over_tls(server):
+    """Workers of another machine reach the database by TLS, and no other one in its place."""
+    fleet = Fleet(server)
+    fleet.submit(*SAMPLES)
+    keys = pathlib.Path(server.folder) / "database-keys"
+    for name in ("ours", "others"):
+        make_certificates(keys / name)
+    files = hand_over(pathlib.Path(server.folder) / "database-tls", keys / "ours/server.pem",
+                      keys / "ours/server.key")
+    usual, port = server.settings, find_port()
+    server.stop()
+    server.settings += (f" -c listen_addresses=127.0.0.1 -c port={port} -c ssl=on"
+                        f" -c ssl_cert_file={files}/server.pem -c ssl_key_file={files}/server.key")
+    server.start()
+    fleet.environment.update(PGHOST="127.0.0.1", PGPORT=str(port), PGSSLMODE="verify-full",
+                             PGSSLROOTCERT=str(keys / "others/ca.pem"))
+    ended = fleet.run("work", "--once")
+    expect(ended.returncode == 2 and "certificate verify failed" in ended.stderr,
+           f"another's certificate: {ended.stderr}")
+    fleet.environment["PGSSLROOTCERT"] = str(keys / "ours/ca.pem")
+    ended = fleet.run("work", "--once", "--workers", "2")
+    expect(f"{len(SAMPLES)} done" in ended.stderr, f"by TLS: {ended.stderr}")
+    server.stop()
+    server.settings = usual
+    server.start()
+
+
+class OddServer(http.server.BaseHTTPRequestHandler):
+    """Busy twice, then a store whose every recording is without an end, or cut off."""
+
+    protocol_version = "HTTP/1.1"
+    busy = 2
+
+    def do_GET(self):
+        if OddServer.busy > 0:
+            OddServer.busy -= 1
+            self.answer(503, b"")
+        elif self.path.endswith("/pqfleet-store"):
+            self.answer(200, b"1\n")
+        else:
+            self.answer_badly()
+
+    def answer_badly(self):
+        if "endless" in self.path:
+            with contextlib.suppress(OSError):
+                self.send_response(200)
+                self.end_headers()
+                while True:
+                    self.wfile.write(bytes(1 << 20))
+        else:
+            self.send_response(200)
+            self.send_header("Content-Length", "1000")
+            self.end_headers()
+            self.wfile.write(b"cut off")
+        self.close_connection = True
+
+    def answer(self, status, body):
+        self.send_response(status)
+        self.send_header("Content-Length", str(len(body)))
+        self.end_headers()
+        self.wfile.write(body)
+
+    def log_message(self, *unused):
+        pass
+
+
+def check_odd_servers(fleet):
+    with http.server.ThreadingHTTPServer(("127.0.0.1", 0), OddServer) as odd:
+        threading.Thread(target=odd.serve_forever, daemon=True).start()
+        parked = fleet.value("select count(*) from fleet.parked")
+        for path, words in (("/endless", "sends more than 256 MiB"), ("/cut", "broke off")):
+            fleet.environment["PQFLEET_STORE"] = f"http://127.0.0.1:{odd.server_address[1]}{path}"
+            fleet.run("reparse", "--all")
+            ended = fleet.run("work", "--once")
+            expect(ended.returncode == 2 and words in ended.stderr, f"{path}: {ended.stderr}")
+        expect(OddServer.busy == 0, "a busy server is asked again")
+        odd.shutdown()
+    expect(fleet.value("select count(*) from fleet.parked") == parked, "nothing is parked for that")
 
 
 # --- the pages ---
@@ -1446,10 +1727,11 @@ TESTS = {name.removeprefix("test_"): function for name, function in list(globals
 if __name__ == "__main__":
     with PrivatePostgres() as postgres:
         for test in sys.argv[2:] or TESTS:
-            start = time.monotonic()
+            start, used = time.monotonic(), sum(os.times()[:4])
             try:
                 TESTS[test](postgres)
             except Exception as error:  # What one test meets, the others do without.
                 expect(False, f"{test}: {type(error).__name__} {error}")
-            print(f"{test}: {time.monotonic() - start:.1f} s")
+            print(f"{test}: {time.monotonic() - start:.1f} s, {sum(os.times()[:4]) - used:.1f} s of processor"
+                  f" without PostgreSQL's", flush=True)
     sys.exit(tally.end())

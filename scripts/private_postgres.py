@@ -24,6 +24,10 @@ def find_programs():
 class PrivatePostgres:
     """Runs as long as it is entered. `folder` has its socket, and may be used for other files."""
 
+    # What is lost with the machine is not asked for in most tests.
+    def __init__(self, settings="-c fsync=off -c autovacuum=off"):
+        self.settings = settings
+
     def __enter__(self):
         self.programs = find_programs()
         self.folder = tempfile.mkdtemp(prefix="pqfleet-")
@@ -41,17 +45,17 @@ class PrivatePostgres:
             raise
         return self
 
-    def start(self):
-        # What is lost with the machine is not asked for here.
-        settings = f"-k {self.folder} -c listen_addresses= -c fsync=off -c autovacuum=off"
-        self.run("pg_ctl", "-D", self.data, "-l", f"{self.folder}/log", "-o", settings, "-w", "start")
+    def start(self, **environment):
+        settings = f"-k {self.folder} -c listen_addresses= {self.settings}"
+        self.run("pg_ctl", "-D", self.data, "-l", f"{self.folder}/log", "-o", settings, "-w", "start",
+                 env={**os.environ, **environment})
 
     def stop(self, mode="fast"):
         self.run("pg_ctl", "-D", self.data, "-m", mode, "-w", "stop")
 
-    def run(self, program, *words):
+    def run(self, program, *words, **more):
         ended = subprocess.run([self.programs / program, *words], capture_output=True, text=True,
-                               cwd="/", stdin=subprocess.DEVNULL, timeout=120, **self.user)
+                               cwd="/", stdin=subprocess.DEVNULL, timeout=120, **self.user, **more)
         # What pg_ctl starts must not keep a pipe of this process open: it has a log file.
         if ended.returncode != 0:
             raise SystemExit(f"{program} failed:\n{ended.stdout}{ended.stderr}")

@@ -39,12 +39,12 @@ struct ExpireOptions {
 int RunExpire(const ExpireOptions& options, const host::Console& console) {
   if (!options.days) throw host::UsageError("say how old: pqfleet expire --older-than 400");
   const Settings settings = ReadSettings(options.settings);
-  const Store store(RequireStore(settings));
+  const std::unique_ptr<Store> store = OpenStore(RequireStore(settings));
   Connection connection(settings.database, "pqfleet expire");
   RequireSchema(connection);
   const RemovedCounts removed =
       Expire(connection, *options.days, options.keepsMonthly ? Keep::kFirstOfMonth : Keep::kNone);
-  EmptyStore(connection, store);
+  EmptyStore(connection, *store);
   console.out << fmt::format("removed {}, {}\n",
                              host::FormatCount(removed.submissions, "submission"),
                              host::FormatCount(removed.recordings, "recording"));

@@ -67,14 +67,14 @@ int RunForget(const ForgetOptions& options, const host::Console& console) {
     throw host::UsageError("name a server, or a --whole-site, one of them");
   }
   const Settings settings = ReadSettings(options.settings);
-  const Store store(RequireStore(settings));
+  const std::unique_ptr<Store> store = OpenStore(RequireStore(settings));
   Connection connection(settings.database, "pqfleet forget");
   RequireSchema(connection);
   // What a run before was interrupted at.
-  EmptyStore(connection, store);
+  EmptyStore(connection, *store);
   const std::vector<std::int64_t> servers = FindServers(connection, options);
   const RemovedCounts removed = ForgetServers(connection, RowTables(), servers);
-  EmptyStore(connection, store);
+  EmptyStore(connection, *store);
   console.out << fmt::format("forgot {}, {}, {}\n", host::FormatCount(servers.size(), "server"),
                              host::FormatCount(removed.submissions, "submission"),
                              host::FormatCount(removed.recordings, "recording"));

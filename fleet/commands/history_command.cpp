@@ -118,7 +118,7 @@ int RunHistory(const HistoryOptions& options, const host::Console& console) {
   const std::size_t table = ChooseTable(options, tables);
   const std::vector<RowColumn>& columns = tables.At(table).columns;
   const Settings settings = ReadSettings(options.settings);
-  const Store store(RequireStore(settings));
+  const std::unique_ptr<Store> store = OpenStore(RequireStore(settings));
   Connection connection(settings.database, "pqfleet history");
   RequireSchema(connection);
   const Answer recordings = FindRecordings(connection, options);
@@ -131,7 +131,7 @@ int RunHistory(const HistoryOptions& options, const host::Console& console) {
   int exitCode = host::kExitDone;
   for (std::size_t i = 0; i < recordings.RowCount(); ++i) {
     const std::string key(recordings.At(i, 0));
-    std::optional<std::string> zip = store.Read(key);
+    std::optional<std::string> zip = store->Read(key);
     std::optional<host::LocalTime> taken;
     if (recordings.At(i, 4) == "t") {
       const std::chrono::seconds time(recordings.NumberAt(i, 1));

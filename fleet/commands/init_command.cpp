@@ -45,15 +45,15 @@ int RunInit(const InitOptions& options, const host::Console& console) {
     throw host::UsageError(
         "there is a fleet in this database already: --upgrade fits it to this program");
   }
-  if (settings.store) Store::Create(*settings.store);
+  if (!settings.store.address.empty()) CreateStore(settings.store);
   const RowTables tables;
   for (const std::string& change : InstallSchema(connection, tables)) {
     if (state != SchemaState::kNone) console.out << change << '\n';
   }
   console.out << fmt::format("{} tables of rows, readers {}\n", tables.All().size(),
                              DescribeParser());
-  if (settings.store) {
-    console.out << fmt::format("recordings are kept in {}\n", host::PathText(*settings.store));
+  if (!settings.store.address.empty()) {
+    console.out << fmt::format("recordings are kept in {}\n", settings.store.address);
   }
   if (state == SchemaState::kOther || state == SchemaState::kOlder) {
     console.error << "what was parsed before stays as it is until pqfleet reparse\n";

@@ -61,7 +61,7 @@ int ShowParked(const ParkedOptions& options, const Settings& settings, Connectio
                const host::Console& console) {
   const host::Format& format = host::ChooseFormat(options.result, console);
   const std::string key = FindParked(connection, options.shown.back());
-  const Store store(RequireStore(settings));
+  const std::unique_ptr<Store> store = OpenStore(RequireStore(settings));
   const Answer answer = connection.Ask(
       "select w.thing, w.value from parked p join object o on o.key = decode($1, 'hex'),"
       "  lateral (select string_agg(format('%s of %s at %s', v.name, t.name, s.taken), '; '"
@@ -72,7 +72,7 @@ int ShowParked(const ParkedOptions& options, const Settings& settings, Connectio
       "    ('stored', p.stored::text), ('submitted', s.all_of_them), ('file', $2)) w (thing, "
       "value) "
       "where p.recording = $1",
-      {key, store.Has(key) ? host::PathText(store.FindPlace(key)) : "not in the store"});
+      {key, store->Read(key) ? store->DescribePlace(key) : "not in the store"});
   const host::Collection collection = MakeCollection(answer, "a parked recording");
   host::ResultOutput output(options.result.output, console);
   output.Write([&](const host::Screen& screen, std::ostream& out) {
@@ -84,7 +84,7 @@ int ShowParked(const ParkedOptions& options, const Settings& settings, Connectio
 int FetchParked(const ParkedOptions& options, const Settings& settings, Connection& connection,
                 const host::Console& console) {
   const std::string key = FindParked(connection, options.fetched.back());
-  const std::optional<std::string> zip = Store(RequireStore(settings)).Read(key);
+  const std::optional<std::string> zip = OpenStore(RequireStore(settings))->Read(key);
   if (!zip) throw host::UsageError(fmt::format("{} is not in the store", key));
   host::ResultOutput output(options.result.output, console);
   output.Write([&](const host::Screen& /*screen*/, std::ostream& out) { out << *zip; });

@@ -51,7 +51,7 @@ struct ReparseOptions {
 
 int RunShadow(const ReparseOptions& options, const host::Console& console) {
   const Settings settings = ReadSettings(options.settings);
-  const Store store(RequireStore(settings));
+  const std::unique_ptr<Store> store = OpenStore(RequireStore(settings));
   Connection connection(settings.database, "pqfleet reparse --shadow");
   // Before an upgrade is when it is asked.
   RequireSchema(connection, Older::kAccepted);
@@ -59,7 +59,7 @@ int RunShadow(const ReparseOptions& options, const host::Console& console) {
   const RowTables tables;
   Parser parser(tables);
   EndRequest endRequest;
-  const ShadowResult found = Shadow(connection, store, tables, parser).Look(options.servers, [&] {
+  const ShadowResult found = Shadow(connection, *store, tables, parser).Look(options.servers, [&] {
     return endRequest.IsMade();
   });
   for (const auto& [what, changes] : found.changes) {

@@ -152,8 +152,11 @@ class PageServer {
     if (options.settings.file) {
       words.push_back("--config=" + host::PathText(*options.settings.file));
     }
-    if (options.settings.store) {
-      words.push_back("--store=" + host::PathText(*options.settings.store));
+    if (!options.settings.store.empty()) {
+      words.push_back("--store=" + options.settings.store.back());
+    }
+    if (options.settings.certificate) {
+      words.push_back("--store-certificate=" + host::PathText(*options.settings.certificate));
     }
     const std::optional<std::string> report = RunReport(words);
     if (!report) {

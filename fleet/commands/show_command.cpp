@@ -88,11 +88,11 @@ int RunShow(const ShowOptions& options, const host::Console& console) {
   }
   const host::Format& format = host::ChooseFormat(options.result, console);
   const Settings settings = ReadSettings(options.settings);
-  const Store store(RequireStore(settings));
+  const std::unique_ptr<Store> store = OpenStore(RequireStore(settings));
   Connection connection(settings.database, "pqfleet show");
   RequireSchema(connection);
   const Found found = FindRecording(connection, options);
-  std::optional<std::string> zip = store.Read(found.key);
+  std::optional<std::string> zip = store->Read(found.key);
   if (!zip) throw std::runtime_error(fmt::format("{} is not in the store", found.key));
   host::Recording recording = host::LoadZippedRecording(std::move(*zip), found.key + ".zip");
   // Of several servers with the same content, the one that was asked for.

@@ -91,7 +91,7 @@ int RunWatch(const SubmitOptions& options, const host::Console& console) {
         "--watch takes what is in FOLDER/SITE: name no recording, --site or --server beside it");
   }
   const Settings settings = ReadSettings(options.settings);
-  const Store store(RequireStore(settings));
+  const std::unique_ptr<Store> store = OpenStore(RequireStore(settings));
   const Spool spool(*options.watched);
   {
     // What is wrong from the beginning on is told at once; later it waits for what may pass.
@@ -105,7 +105,7 @@ int RunWatch(const SubmitOptions& options, const host::Console& console) {
   rules.mostMebibytes = options.dayMebibytes;
   EndRequest endRequest;
   SpoolWatch watch(
-      spool, store, MakeIntakeRules(options), rules,
+      spool, *store, MakeIntakeRules(options), rules,
       [&](const std::string& line) { console.out << line << std::endl; },
       [&](const std::string& line) { host::Complain(console, line); });
   watch.Watch(settings.database, endRequest);
@@ -118,7 +118,7 @@ int RunSubmit(const SubmitOptions& options, const host::Console& console) {
     throw host::UsageError("there is no recording: name one, as in pqfleet submit server.zip");
   }
   const Settings settings = ReadSettings(options.settings);
-  const Store store(RequireStore(settings));
+  const std::unique_ptr<Store> store = OpenStore(RequireStore(settings));
   const IntakeRules rules = MakeIntakeRules(options);
   Connection connection(settings.database, "pqfleet submit");
   RequireSchema(connection);
@@ -133,9 +133,9 @@ int RunSubmit(const SubmitOptions& options, const host::Console& console) {
       ++refused;
       console.out << fmt::format("refused  {}\n", host::EscapeControls(error.what()));
     }
-    if (IsBatch(incoming)) TakeAndTell(incoming, rules, store, connection, console);
+    if (IsBatch(incoming)) TakeAndTell(incoming, rules, *store, connection, console);
   }
-  TakeAndTell(incoming, rules, store, connection, console);
+  TakeAndTell(incoming, rules, *store, connection, console);
   return refused == 0 ? host::kExitDone : host::kExitIncomplete;
 }
 

@@ -91,7 +91,7 @@ WorkRules MakeRules(const WorkOptions& options) {
 
 int RunWork(const WorkOptions& options, const host::Console& console) {
   const Settings settings = ReadSettings(options.settings);
-  const Store store(RequireStore(settings));
+  const std::unique_ptr<Store> store = OpenStore(RequireStore(settings));
   const RowTables tables;
   {
     // What is wrong from the beginning on is told at once; a worker waits for what may pass.
@@ -105,7 +105,7 @@ int RunWork(const WorkOptions& options, const host::Console& console) {
   const auto work = [&](std::size_t number) {
     EndRequest ownRequest;
     Worker worker(
-        settings.database, store, tables, parser, MakeRules(options),
+        settings.database, *store, tables, parser, MakeRules(options),
         [&](std::chrono::milliseconds time) { return ownRequest.Sleep(time); },
         [&](const std::string& line) { host::Complain(console, line); });
     try {

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstddef>
 
 #include "frame/sentences.h"
 #include "frame/tool_runner.h"
@@ -51,7 +52,9 @@ std::string JoinNames(const std::vector<const ToolRun*>& runs) {
 }
 
 bool EndsWithoutCase(std::string_view text, std::string_view end) {
-  return LowerCase(text).ends_with(LowerCase(end));
+  return text.size() >= end.size() &&
+         std::equal(end.begin(), end.end(), text.end() - static_cast<std::ptrdiff_t>(end.size()),
+                    [](char a, char b) { return LowerCase(a) == LowerCase(b); });
 }
 
 bool IsToolOf(const ToolRun& run, const pq::TableDescription& table) {

@@ -19,8 +19,11 @@ using testing::ThrowsMessage;
 
 TEST(FleetSettings, AreLinesOfAFile) {
   const fleet::Settings settings = ReadSettingsText(
-      "# where it is\n\nstore = /srv/fleet \r\ndatabase = host=db1 dbname=fleet\n", "f");
-  EXPECT_EQ(settings.store, "/srv/fleet");
+      "# where it is\n\nstore = /srv/fleet \r\nstore-certificate = /k.pem\n"
+      "database = host=db1 dbname=fleet\n",
+      "f");
+  EXPECT_EQ(settings.store.address, "/srv/fleet");
+  EXPECT_EQ(settings.store.certificate, "/k.pem");
   EXPECT_THAT(settings.database, Contains(Pair("host", "db1")));
   EXPECT_THAT(settings.database, Contains(Pair("dbname", "fleet")));
 }

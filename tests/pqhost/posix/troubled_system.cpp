@@ -83,6 +83,13 @@ ssize_t pwrite64(int file, const void* bytes, size_t size, off64_t at) {
   return fits < 0 ? fits : kNext(file, bytes, static_cast<size_t>(fits), at);
 }
 
+ssize_t pwrite(int file, const void* bytes, size_t size, off_t at) {
+  static const auto kNext = FindNext<ssize_t (*)(int, const void*, size_t, off_t)>("pwrite");
+  HangOnDisk(file);
+  const ssize_t fits = TakeRoom(file, size);
+  return fits < 0 ? fits : kNext(file, bytes, static_cast<size_t>(fits), at);
+}
+
 ssize_t read(int file, void* bytes, size_t size) {
   static const auto kNext = FindNext<ssize_t (*)(int, void*, size_t)>("read");
   HangOnDisk(file);
