@@ -83,6 +83,21 @@ TEST_F(TroubledSystem, KeepsTheOldResultWhenTheDiskIsFull) {
   }
 }
 
+TEST_F(TroubledSystem, IsToldWhenStandardOutputIsFullWhateverTheVerdict) {
+  for (const auto& [arguments, exitCode] : std::vector<std::pair<std::string, int>>{
+           {"health --as-of 2026-01-01 --replay " + blade, 3},
+           {"health --as-of 2026-01-01 --format json --replay " + server, 3},
+           {"diff " + blade + " " + server, 2},
+           {"show " + blade, 1},
+           {"collect --replay " + Quote(test::Sample("bmc-unreachable")), 1}}) {
+    SCOPED_TRACE(arguments);
+    const std::string line = Quote(test::FindBuiltProgram("pqhost").string()) + " " + arguments +
+                             " 2>" + Quote(said / "error") + " >/dev/full";
+    EXPECT_EQ(WEXITSTATUS(std::system(line.c_str())), exitCode);
+    EXPECT_THAT(Error(), HasSubstr("standard output could not be written"));
+  }
+}
+
 TEST_F(TroubledSystem, LeavesNoPartOfARecordingOrOfAKeyWhenTheDiskIsFull) {
   const std::string key = " --key " + Quote(said / "key");
   for (const char* disk : {"PQ_ROOM=0", "PQ_ROOM=10", "PQ_ROOM=20000"}) {
