@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "frame/add_modules.h"
+#include "host/collect/collect.h"
 #include "host/collect/recorded_source.h"
 #include "host/repository/store.h"
 #include "host/text/count_text.h"

@@ -12,9 +12,11 @@
 extern "C" {
 
 // What the C library calls its own.
+// NOLINTBEGIN(readability-identifier-naming)
 void* __libc_malloc(size_t size);
 void* __libc_calloc(size_t count, size_t size);
 void* __libc_realloc(void* block, size_t size);
+// NOLINTEND(readability-identifier-naming)
 
 }  // extern "C"
 
@@ -54,6 +56,7 @@ void* realloc(void* block, size_t size) {
   return IsRefused() ? nullptr : __libc_realloc(block, size);
 }
 
+// NOLINTNEXTLINE(readability-identifier-naming)
 int __libc_start_main(int (*main)(int, char**, char**), int argc, char** argv, void (*first)(),
                       void (*last)(), void (*loaderLast)(), void* stackEnd) {
   using Start =
