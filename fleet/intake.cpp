@@ -41,6 +41,7 @@ std::string ReadZip(const std::filesystem::path& path) {
 /// The ZIP file that the recording is kept as: its own, as far as its manifest makes its key.
 std::string Pack(const host::Recording& recording) {
   std::ostringstream zip;
+  zip.exceptions(std::ios::badbit);  // Else a file for which memory is short is cut.
   host::WriteZippedRecording(recording, zip);
   return std::move(zip).str();
 }

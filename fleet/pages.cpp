@@ -81,6 +81,7 @@ class Question {
 class PageWriter {
  public:
   explicit PageWriter(std::string_view title, std::string_view current = {}) : html(out) {
+    out.exceptions(std::ios::badbit);  // Else a page for which memory is short is cut.
     html.Add(
         "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
         "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n<title>");

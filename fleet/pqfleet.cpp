@@ -1,10 +1,12 @@
 #include "fleet/pqfleet.h"
 
 #include <exception>
+#include <new>
 
 #include "fleet/commands/commands.h"
 #include "fleet/database.h"
 #include "fleet/store.h"
+#include "host/program/short_of_memory.h"
 #include "host/recording/recording_reader.h"
 #include "host/text/usage_error.h"
 
@@ -44,6 +46,9 @@ int RunAndExplain(const std::vector<std::string>& arguments, const host::Console
   } catch (const DatabaseFailure& error) {
     return Fail(console, error,
                 error.SqlState().empty() ? host::kExitMisused : host::kExitIncomplete);
+  } catch (const std::bad_alloc&) {
+    host::Complain(console, host::kShortOfMemory);
+    return host::kExitIncomplete;
   } catch (const std::exception& error) {
     return Fail(console, error, host::kExitIncomplete);
   }
@@ -54,9 +59,9 @@ int RunAndExplain(const std::vector<std::string>& arguments, const host::Console
 int RunPqfleet(const std::vector<std::string>& arguments, const host::Console& console) {
   const int exitCode = RunAndExplain(arguments, console);
   console.out.flush();
-  if (console.out || exitCode != host::kExitDone) return exitCode;
+  if (console.out) return exitCode;
   host::Complain(console, "standard output could not be written");
-  return host::kExitIncomplete;
+  return exitCode == host::kExitDone ? host::kExitIncomplete : exitCode;
 }
 
 }  // namespace fleet

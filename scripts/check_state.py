@@ -17,6 +17,7 @@ MODULE_WIDE = "a module's own, of one thread, set anew by each collection"
 SIGNAL = "set by a signal handler, which can be given no object"
 CATALOGUE = "the error catalogue is one for the process; it is complete before main() and then only read"
 IMPORTS = "replaced imports are the process's: a function in the table cannot tell for whom it is there"
+TERMINATION = "read by what std::terminate() calls, which can be given no object"
 CONSOLE = "the process has one console"
 
 AGREED = {
@@ -30,6 +31,8 @@ AGREED = {
     "host::(anonymous namespace)::isWatched": SIGNAL,
     "host::(anonymous namespace)::exitCodeWhenAsked": SIGNAL,
     "host::(anonymous namespace)::partialPaths": SIGNAL,
+    "host::(anonymous namespace)::exitCodeWithoutMemory": TERMINATION,
+    "host::(anonymous namespace)::usualEnd": TERMINATION,
     "host::LimitProgramSearch()::done": IMPORTS,
     "pq::GeneralErrors()::errors": CATALOGUE,
     "pq::CategoryErrors()::errors": CATALOGUE,

@@ -6,9 +6,10 @@
 
 The mutants are drawn from frame/, pqmodules/ and host/answers/ (their sources and the rules of health;
 frame/windows/ does not run here, and what headers hold is compiled into everything) with a fixed seed,
-as many of each kind: conditions, offsets, constants, order of calls. One is compiled by itself and
-linked in front of the native build, which stays as it is. What is drawn and what became of it is kept
-in tests/mutants/results.txt, one line each, where a survivor's reason is written by hand behind "--".
+as many of each kind: conditions, offsets, constants, order of calls. One is compiled as its source is, by
+itself or together with others, and linked in front of the native build, which stays as it is. What is
+drawn and what became of it is kept in tests/mutants/results.txt, one line each, where a survivor's
+reason is written by hand behind "--".
 """
 import argparse
 import concurrent.futures
@@ -82,6 +83,7 @@ SQL_CONDITIONS = [
 CODE = re.compile(r'//[^\n]*|/\*.*?\*/|^[ \t]*#[^\n]*|"(?:\\.|[^"\\\n])*"|\'(?:\\.|[^\'\\\n])+\'',
                   re.DOTALL | re.MULTILINE)
 SQL = re.compile(r"--[^\n]*|'(?:''|[^'])*'")
+INCLUDE = re.compile(r'^#include "(.*\.cpp)"$', re.MULTILINE)
 CALL = re.compile(r"^(\s+)(?!return\b|throw\b|using\b|static_assert\b)[\w:.\->\[\]*]+\([^;]*\);$")
 
 
@@ -169,12 +171,17 @@ def draw_mutants():
 
 
 commands = {}  # of the compiler, by source; of the linker, by program
+compiled_with = {}  # by source: the file through which it is compiled together with others
 slow_tests = {}  # by room
 
 
 def read_commands():
     for entry in json.loads((BUILD / "compile_commands.json").read_text()):
         commands[entry["file"]] = entry["command"]
+        if "/Unity/" in entry["file"]:
+            for source in INCLUDE.findall(pathlib.Path(entry["file"]).read_text()):
+                commands[source] = entry["command"]
+                compiled_with[source] = entry["file"]
     for room in {room for rooms in ROOMS.values() for room in rooms}:
         listed = subprocess.run(["ninja", "-t", "commands", f"bin/pq_tests_{room}"], cwd=BUILD,
                                 capture_output=True, text=True, check=True).stdout
@@ -203,6 +210,10 @@ def compile_mutant(mutant, folder, flags="-O0"):
         run(["cmake", f"-DOUTPUT={source}", "-DHEADER=host/answers/health/built_in_rules.h",
              f"-DFILES=kBuiltInRules={rules}", "-P", ROOT / "cmake/EmbedText.cmake"], folder)
     words = shlex.split(commands[str(original)])
+    if together := compiled_with.get(str(original)):
+        text = pathlib.Path(together).read_text().replace(f'"{original}"', f'"{source}"')
+        source = folder / "together.cpp"
+        source.write_text(text)
     result = folder / "mutant.o"
     words[words.index("-o") + 1] = str(result)
     words[-1] = str(source)

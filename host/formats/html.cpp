@@ -45,6 +45,7 @@ void WriteJsonForScript(std::string_view json, std::ostream& out) {
 /// The same for a page that goes to a terminal.
 void WriteJsonForScriptOnTerminal(std::string_view json, std::ostream& out) {
   std::ostringstream escaped;
+  escaped.exceptions(std::ios::badbit);  // Else data for which memory is short is cut.
   WriteJsonForScript(json, escaped);
   WriteJsonForTerminal(escaped.str(), out);
 }

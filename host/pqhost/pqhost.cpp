@@ -1,9 +1,11 @@
 #include "host/pqhost/pqhost.h"
 
 #include <exception>
+#include <new>
 
 #include "host/live/live.h"
 #include "host/pqhost/commands/command_line.h"
+#include "host/program/short_of_memory.h"
 #include "host/recording/recording_reader.h"
 #include "host/text/usage_error.h"
 
@@ -25,6 +27,9 @@ int RunAndExplain(const std::vector<std::string>& arguments, const Console& cons
     return Fail(console, error, choose(kExitMisused));
   } catch (const LiveError& error) {
     return Fail(console, error, choose(kExitMisused));
+  } catch (const std::bad_alloc&) {
+    Complain(console, kShortOfMemory);
+    return choose(kExitIncomplete);
   } catch (const std::exception& error) {
     return Fail(console, error, choose(kExitIncomplete));
   }
@@ -35,9 +40,10 @@ int RunAndExplain(const std::vector<std::string>& arguments, const Console& cons
 int RunPqhost(const std::vector<std::string>& arguments, const Console& console) {
   const int exitCode = RunAndExplain(arguments, console);
   console.out.flush();
-  if (console.out || exitCode != kExitDone) return exitCode;
+  if (console.out) return exitCode;
+  // Also when the exit code is a verdict: who reads it would take a part for the whole.
   Complain(console, "standard output could not be written");
-  return ChooseFailureExit(arguments, kExitIncomplete);
+  return ChooseFailureExit(arguments, exitCode == kExitDone ? kExitIncomplete : exitCode);
 }
 
 }  // namespace host

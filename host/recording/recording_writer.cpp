@@ -47,14 +47,10 @@ std::string MakeNamePart(std::string_view text) {
   return name;
 }
 
-/// Appends `value` as a member of an object that is `indent` blanks in.
-void AppendIndented(std::string& json, const OrderedJson& value, std::size_t indent) {
-  const std::string text =
-      value.dump(2, ' ', /*ensure_ascii=*/false, OrderedJson::error_handler_t::replace);
-  for (const char c : text) {
-    json += c;
-    if (c == '\n') json.append(indent, ' ');
-  }
+/// Appends a text or a number. Never an array or an object: they ask for memory when they go away,
+/// and without it the program ends there.
+void AppendValue(std::string& json, const OrderedJson& value) {
+  json += value.dump(-1, ' ', /*ensure_ascii=*/false, OrderedJson::error_handler_t::replace);
 }
 
 /// Makes the files of a recording. Commands become text one by one: there may be a million.
@@ -75,9 +71,7 @@ class RecordingFiles {
     if (!recording.console.empty()) AppendMember("console", ByteText(recording.console));
     AppendCommands();
     AppendFiles();
-    OrderedJson readOnly;
-    for (const std::string& path : recording.readOnly) readOnly.push_back(ByteText(path));
-    if (!readOnly.empty()) AppendMember("readOnly", readOnly);
+    AppendReadOnly();
     json += "\n}\n";
     sink(kRecordingFileName, json);
   }
@@ -89,7 +83,7 @@ class RecordingFiles {
 
   void AppendMember(const char* name, const OrderedJson& value) {
     BeginMember(name);
-    AppendIndented(json, value, 2);
+    AppendValue(json, value);
   }
 
   void AppendCommands() {
@@ -97,33 +91,38 @@ class RecordingFiles {
     json += '[';
     std::size_t number = 0;
     for (const RecordedCommand& command : recording.commands) {
-      json += number == 0 ? "\n    " : ",\n    ";
-      AppendIndented(json, MakeCommand(command, ++number), 4);
+      json += number == 0 ? "\n    {" : ",\n    {";
+      AppendCommand(command, ++number);
+      json += "\n    }";
     }
     json += number == 0 ? "]" : "\n  ]";
   }
 
-  OrderedJson MakeCommand(const RecordedCommand& command, std::size_t number) const {
-    OrderedJson entry{{"tool", ByteText(command.tool)}};
-    if (!command.arguments.empty()) entry["arguments"] = ByteText(command.arguments);
+  void AppendField(const char* name, const OrderedJson& value) {
+    json += fmt::format("{}\n      \"{}\": ", json.ends_with('{') ? "" : ",", name);
+    AppendValue(json, value);
+  }
+
+  void AppendCommand(const RecordedCommand& command, std::size_t number) {
+    AppendField("tool", ByteText(command.tool));
+    if (!command.arguments.empty()) AppendField("arguments", ByteText(command.arguments));
     const std::string name =
         fmt::format("commands/{:03}_{}", number,
                     MakeNamePart(ToolName(command.tool) + " " + command.arguments));
     if (!command.standardOutput.empty()) {
-      entry["stdout"] = name + ".txt";
+      AppendField("stdout", name + ".txt");
       sink(name + ".txt", command.standardOutput);
     }
     if (!command.standardError.empty()) {
-      entry["stderr"] = name + ".err";
+      AppendField("stderr", name + ".err");
       sink(name + ".err", command.standardError);
     }
     for (const auto& [member, value] :
          {std::pair{"exitCode", command.exitCode}, std::pair{"startError", command.startError},
           std::pair{"pipeError", command.pipeError},
           std::pair{"exitCodeError", command.exitCodeError}}) {
-      if (value != 0) entry[member] = value;
+      if (value != 0) AppendField(member, value);
     }
-    return entry;
   }
 
   // Text by text: to find a member of an ordered object takes as long as it has members.
@@ -136,11 +135,22 @@ class RecordingFiles {
           fmt::format("files/{:03}_{}", ++number, MakeNamePart(FileNameOf(path)));
       sink(name, bytes);
       json += number == 1 ? "\n    " : ",\n    ";
-      AppendIndented(json, ByteText(path), 0);
+      AppendValue(json, ByteText(path));
       json += ": ";
-      AppendIndented(json, name, 0);
+      AppendValue(json, name);
     }
     json += number == 0 ? "}" : "\n  }";
+  }
+
+  void AppendReadOnly() {
+    if (recording.readOnly.empty()) return;
+    BeginMember("readOnly");
+    const char* before = "[\n    ";
+    for (const std::string& path : recording.readOnly) {
+      json += std::exchange(before, ",\n    ");
+      AppendValue(json, ByteText(path));
+    }
+    json += "\n  ]";
   }
 
   const Recording& recording;
@@ -170,19 +180,22 @@ void VisitRecordingFiles(const Recording& recording, const RecordingFileSink& si
 }
 
 void WriteRecording(const Recording& recording, const std::filesystem::path& folder) {
+  const std::string submission =
+      recording.submission ? WriteSubmission(*recording.submission) : std::string();
   Manifest manifest;
   std::string last;
+  const auto create = [&](const std::string& name, std::string_view bytes) {
+    Manifest entry{{name, ComputeSha256(bytes)}};
+    last = name;
+    CreateWholeFile(folder / name, bytes);
+    // Asks for no memory, which may be short: a file that is there is known.
+    manifest.merge(entry);
+  };
   try {
-    RecordingFiles(recording, [&](const std::string& name, std::string_view bytes) {
-      last = name;
-      CreateWholeFile(folder / name, bytes);
-      manifest[name] = ComputeSha256(bytes);
-    }).Make();
-    CreateWholeFile(folder / kManifestFileName, WriteManifest(manifest));
-    manifest[kManifestFileName];
-    if (!recording.submission) return;
-    CreateWholeFile(folder / kSubmissionFileName, WriteSubmission(*recording.submission));
-  } catch (const std::runtime_error&) {
+    RecordingFiles(recording, create).Make();
+    create(kManifestFileName, WriteManifest(manifest));
+    if (recording.submission) create(kSubmissionFileName, submission);
+  } catch (...) {
     RemoveFiles(manifest, last, folder);
     throw;
   }

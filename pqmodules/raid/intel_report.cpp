@@ -81,11 +81,9 @@ std::vector<ToolCommand> ListIntelCommands() {
 
 void ExplainNoIntelController(ModuleDescription& module, const std::vector<std::string>& tables) {
   for (const IntelTool& tool : kTools) {
-    module.answers.push_back({{tool.program, kArguments, kReportName},
-                              tool.noController,
-                              "no such device",
-                              tool.explanation,
-                              tables});
+    // Named, as in reports.cpp.
+    module.answers.push_back({ToolCommand{tool.program, kArguments, kReportName}, tool.noController,
+                              "no such device", tool.explanation, tables});
   }
 }
 

@@ -111,7 +111,8 @@ void DescribeLogLinks(ModuleDescription& module) {
                       .note = "storcli counts {} controllers, of which only the first digit is "
                               "read: reports are missing",
                       .sign = OmissionSign::kCount,
-                      .command = {kStorcli, kCountArguments, kCountReportName},
+                      // Named, as in reports.cpp.
+                      .command = ToolCommand{kStorcli, kCountArguments, kCountReportName},
                       .label = std::string(kCountLabel),
                       .most = 9}};
   table.hasHollowRows = true;

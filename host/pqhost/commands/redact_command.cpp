@@ -8,6 +8,7 @@
 #include <optional>
 #include <sstream>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "host/files/places.h"
@@ -120,6 +121,7 @@ void ShowPreview(const RedactedRecording& redacted, const Console& console) {
 
 std::string WriteMap(const RedactedRecording& redacted) {
   std::ostringstream text;
+  text.exceptions(std::ios::badbit);  // Else a map for which memory is short is cut.
   CsvRecords csv(/*escapes=*/false, text);
   for (const char* head : {"kind", "value", "pseudonym", "times"}) csv.WriteField(head);
   csv.EndRecord();
@@ -168,7 +170,13 @@ int RunRedact(const RedactOptions& options, const RedactionRules& rules, const C
   RecordingOutput output(out, "the result");
   // The map first: without it nobody could read the answer to what was sent.
   if (options.map) CreateWholeFile(*options.map, WriteMap(redacted), Readers::kOwnerAnywhere);
-  output.Write(redacted.recording);
+  try {
+    output.Write(redacted.recording);
+  } catch (...) {
+    std::error_code ignored;
+    if (options.map) std::filesystem::remove(*options.map, ignored);
+    throw;
+  }
   console.error << fmt::format("Redacted: {} ({})\n", EscapeControls(PathText(out)),
                                Summarize(redacted));
   if (options.map) {

@@ -8,13 +8,18 @@
 #include "host/pqhost/start.h"
 #include "host/program/desktop.h"
 #include "host/program/interruption.h"
+#include "host/program/short_of_memory.h"
 #include "host/program/terminal.h"
 
 int main(int argc, char** argv) {
+  // No other exit code means the same of every command: which one it is takes memory to know.
+  host::EndCleanlyWithoutMemory(host::kExitUnknown);
   const host::Start start = host::PlanStart(host::GetProgramArguments(argc, argv),
                                             host::HasOwnConsole(), &host::FindDesktopFolder);
   const std::vector<std::string>& arguments = start.arguments;
-  host::EndCleanlyWhenAsked(host::ChooseFailureExit(arguments, host::kExitIncomplete));
+  const int failureExit = host::ChooseFailureExit(arguments, host::kExitIncomplete);
+  host::EndCleanlyWithoutMemory(failureExit);
+  host::EndCleanlyWhenAsked(failureExit);
   const host::TerminalFacts facts = host::PrepareTerminal();
   const std::unique_ptr<std::ostream> results = host::TakeStandardOutput();
   bool isHandedOver = false;

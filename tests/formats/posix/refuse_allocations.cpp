@@ -15,6 +15,7 @@
 #include <sstream>
 #include <string>
 
+#include "frame/description.h"
 #include "host/collect/collect.h"
 #include "host/formats/formats.h"
 #include "tests/support/samples.h"
@@ -53,7 +54,15 @@ namespace {
 struct Work {
   const char* name;
   std::string (*run)(const host::Recording& recording, const host::Collection& collection);
+  bool isEverywhere = false;  ///< at each allocation, whatever COUNT is
 };
+
+// All of it, for a compiler has destroyed some parts of descriptions twice.
+std::string DescribeAll(const host::Recording&, const host::Collection&) {
+  std::string text;
+  for (const pq::ModuleDescription& module : pq::DescribeModules()) text += module.name + "\n";
+  return text;
+}
 
 template <void (*Write)(const host::Collection&, const host::Screen&, std::ostream&)>
 std::string WriteAs(const host::Recording&, const host::Collection& collection) {
@@ -65,6 +74,7 @@ std::string WriteAs(const host::Recording&, const host::Collection& collection) 
 }
 
 constexpr Work kWorks[] = {
+    {"describe", &DescribeAll, /*isEverywhere=*/true},
     {"collect", [](const host::Recording& recording,
                    const host::Collection&) { return test::CollectTrace(recording); }},
     {"table", WriteAs<host::WriteTables>},
@@ -107,7 +117,7 @@ int main(int argc, char** argv) {
     // A report has a number of its own.
     const bool isRepeatable = work.run(recording, collection) == whole;
     const long long count = made - before;
-    const long long step = std::max(1LL, count / wanted);
+    const long long step = work.isEverywhere ? 1 : std::max(1LL, count / wanted);
     long long refused = 0, different = 0, kept = 0;
     for (long long i = 0; i < count; i += step) {
       const long long used = inUse;

@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <future>
 #include <string>
 #include <utility>
 #include <vector>
@@ -25,16 +26,17 @@ class TroubledSystem : public testing::Test {
  protected:
   /// The exit status of pqhost with `trouble` on the disk that `folder` is on.
   int Run(const std::string& trouble, const std::string& arguments) {
-    return RunOn(folder.Path().string(), trouble, arguments);
+    const std::string line = MakeLine(folder.Path().string(), trouble, arguments, said / "error");
+    return WEXITSTATUS(std::system(line.c_str()));
   }
 
-  int RunOn(const std::string& disk, const std::string& trouble, const std::string& arguments) {
-    const std::string line = "ASAN_OPTIONS=verify_asan_link_order=0 PQ_DISK='" + disk + "' " +
-                             trouble + " LD_PRELOAD='" +
-                             test::FindBuiltProgram("troubled_system.so").string() + "' '" +
-                             test::FindBuiltProgram("pqhost").string() + "' " + arguments + " 2>'" +
-                             (said / "error") + "' >'" + (said / "out") + "'";
-    return WEXITSTATUS(std::system(line.c_str()));
+  /// A shell's line that runs pqhost, which says what went wrong in the file `error`.
+  std::string MakeLine(const std::string& disk, const std::string& trouble,
+                       const std::string& arguments, const std::string& error) const {
+    return "ASAN_OPTIONS=verify_asan_link_order=0 PQ_DISK='" + disk + "' " + trouble +
+           " LD_PRELOAD='" + test::FindBuiltProgram("troubled_system.so").string() + "' '" +
+           test::FindBuiltProgram("pqhost").string() + "' " + arguments + " 2>" + Quote(error) +
+           " >" + Quote(said / "out");
   }
 
   std::string Error() const { return said.Read("error"); }
@@ -83,6 +85,21 @@ TEST_F(TroubledSystem, KeepsTheOldResultWhenTheDiskIsFull) {
   }
 }
 
+TEST_F(TroubledSystem, IsToldWhenStandardOutputIsFullWhateverTheVerdict) {
+  for (const auto& [arguments, exitCode] : std::vector<std::pair<std::string, int>>{
+           {"health --as-of 2026-01-01 --replay " + blade, 3},
+           {"health --as-of 2026-01-01 --format json --replay " + server, 3},
+           {"diff " + blade + " " + server, 2},
+           {"show " + blade, 1},
+           {"collect --replay " + Quote(test::Sample("bmc-unreachable")), 1}}) {
+    SCOPED_TRACE(arguments);
+    const std::string line = Quote(test::FindBuiltProgram("pqhost").string()) + " " + arguments +
+                             " 2>" + Quote(said / "error") + " >/dev/full";
+    EXPECT_EQ(WEXITSTATUS(std::system(line.c_str())), exitCode);
+    EXPECT_THAT(Error(), HasSubstr("standard output could not be written"));
+  }
+}
+
 TEST_F(TroubledSystem, LeavesNoPartOfARecordingOrOfAKeyWhenTheDiskIsFull) {
   const std::string key = " --key " + Quote(said / "key");
   for (const char* disk : {"PQ_ROOM=0", "PQ_ROOM=10", "PQ_ROOM=20000"}) {
@@ -109,27 +126,40 @@ TEST_F(TroubledSystem, EndsInTimeWhenADriveDoesNotAnswer) {
   const std::string limit = " --time-limit 1";
   const std::string file = " --output " + Quote(folder / "o");
   const std::string drive = test::Sample("two-socket-server");
-  for (const auto& [arguments, exitCode] : std::vector<std::pair<std::string, int>>{
-           {"health --replay " + server, 3},
-           {"diff " + blade + " " + server, 2},
-           {"query --replay " + server + " 'SELECT 1'", 2},
-           {"query --replay " + blade + " --replay " + server + " 'SELECT 1'", 2},
-           {"redact --profile public " + server + " " + Quote(folder / "new") + " --key " +
-                Quote(said / "key"),
-            1}}) {
-    SCOPED_TRACE(arguments);
-    EXPECT_EQ(RunOn(drive, "PQ_HANGS=1", arguments + limit), exitCode);
-    EXPECT_THAT(Error(), HasSubstr("took longer than 1 second (--time-limit)"));
+  struct Hanging {
+    std::string disk, arguments;
+    int exitCode;
+    std::string said;
+    std::future<int> ended = {};
+  };
+  std::vector<Hanging> all;
+  const auto add = [&](const std::string& disk, const std::string& arguments, int exitCode) {
+    const std::string name = (said / "hanging") + std::to_string(all.size());
+    all.push_back({disk, arguments, exitCode, name});
+  };
+  add(drive, "health --replay " + server + limit, 3);
+  add(drive, "diff " + blade + " " + server + limit, 2);
+  add(drive, "query --replay " + server + " 'SELECT 1'" + limit, 2);
+  add(drive, "query --replay " + blade + " --replay " + server + " 'SELECT 1'" + limit, 2);
+  add(drive,
+      "redact --profile public " + server + " " + Quote(folder / "new") + " --key " +
+          Quote(said / "key") + limit,
+      1);
+  add(folder.Path().string(), "health --replay " + server + limit + file, 3);
+  add(folder.Path().string(), "diff " + blade + " " + server + limit + file, 2);
+  add(folder.Path().string(), "query --replay " + server + " 'SELECT 1'" + limit + file, 2);
+  // They wait at the same time.
+  for (Hanging& one : all) {
+    const std::string line = MakeLine(one.disk, "PQ_HANGS=1", one.arguments, one.said);
+    one.ended = std::async(std::launch::async, [line] { return std::system(line.c_str()); });
   }
-  for (const auto& [arguments, exitCode] :
-       std::vector<std::pair<std::string, int>>{{"health --replay " + server, 3},
-                                                {"diff " + blade + " " + server, 2},
-                                                {"query --replay " + server + " 'SELECT 1'", 2}}) {
-    SCOPED_TRACE(arguments);
-    EXPECT_EQ(Run("PQ_HANGS=1", arguments + limit + file), exitCode);
-    EXPECT_THAT(Error(), HasSubstr("took longer than 1 second (--time-limit)"));
-    EXPECT_THAT(folder.Files(), IsEmpty());
+  for (Hanging& one : all) {
+    SCOPED_TRACE(one.arguments);
+    EXPECT_EQ(WEXITSTATUS(one.ended.get()), one.exitCode);
+    EXPECT_THAT(said.Read(std::filesystem::path(one.said).filename().string()),
+                HasSubstr("took longer than 1 second (--time-limit)"));
   }
+  EXPECT_THAT(folder.Files(), IsEmpty());
 }
 
 TEST_F(TroubledSystem, KeepsToItsTimeLimitsWhileTheClockJumps) {
