@@ -9,7 +9,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::milliseconds kFirstPause{500};
+constexpr std::chrono::milliseconds kFirstBreak{500};
 constexpr std::chrono::milliseconds kLongestPause{30'000};
 
 }  // namespace
@@ -18,7 +18,7 @@ void WorkPatiently(const ConnectionWords& database, const std::string& purpose,
                    const std::function<void(Connection& connection)>& work,
                    const std::function<bool(std::chrono::milliseconds time)>& wait,
                    const std::function<void(const std::string& line)>& tell) {
-  std::chrono::milliseconds pause = kFirstPause;
+  std::chrono::milliseconds pause = kFirstBreak;
   while (!wait(std::chrono::milliseconds(0))) {
     const Clock::time_point begin = Clock::now();
     try {
@@ -28,7 +28,7 @@ void WorkPatiently(const ConnectionWords& database, const std::string& purpose,
     } catch (const DatabaseFailure& failure) {
       if (!failure.IsOfTheMoment()) throw;
       // It was well for a while: this is another hour.
-      if (Clock::now() - begin > kLongestPause) pause = kFirstPause;
+      if (Clock::now() - begin > kLongestPause) pause = kFirstBreak;
       tell(fmt::format("the database: {}; trying again in {} s", failure.what(),
                        static_cast<double>(pause.count()) / 1000));
       if (wait(pause)) return;
