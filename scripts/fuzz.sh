@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Looks for inputs that break a fuzz target.
 #   scripts/fuzz.sh MINUTES [TARGET]...   runs each target that long and prints what it found
-#   scripts/fuzz.sh --replay              runs every seed, then 5 seconds a target; ends with a count;
-#                                         what is tried is the same every time
+#   scripts/fuzz.sh --replay              runs every seed, then a thousand inputs made from them, the
+#                                         same every time; ends with a count
 # What is found lies in build/fuzz/found/TARGET/, new inputs worth keeping in build/fuzz/grown/TARGET/.
 set -uo pipefail
 cd "$(dirname "$0")/.."
@@ -14,11 +14,9 @@ usage() {
 
 [[ $# -ge 1 ]] || usage
 if [[ $1 == --replay ]]; then
-  seconds=5
-  chance=(-seed=1)
+  amount=(-seed=1 -runs=1000)
 elif [[ $1 =~ ^[0-9]+$ && $1 -gt 0 ]]; then
-  seconds=$(($1 * 60))
-  chance=()
+  amount=(-max_total_time=$(($1 * 60)))
 else
   usage
 fi
@@ -55,7 +53,7 @@ examine() {  # TARGET; its report, begun with "ok" or "bad", goes to a file
   seeds=(fuzz/corpus/"$target"/*)
   "$program" -artifact_prefix="$found/" "${seeds[@]}" >"$log" 2>&1 || status=$?
   if [[ $status -eq 0 ]]; then
-    "$program" -artifact_prefix="$found/" "${chance[@]}" "${words[@]}" -max_total_time="$seconds" \
+    "$program" -artifact_prefix="$found/" "${amount[@]}" "${words[@]}" \
       -timeout=25 -rss_limit_mb=2560 -print_final_stats=1 "$grown" "fuzz/corpus/$target" \
       >>"$log" 2>&1 || status=$?
   fi
