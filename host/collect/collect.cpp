@@ -166,6 +166,12 @@ Collection Collect(Source& source, const Selection& selection, CollectionListene
     const auto rows = stored.find(className);
     return rows != stored.end() && !rows->second.rows.empty();
   }));
+  if (!source.HasLogFolder()) {
+    collection.problems.push_back(
+        fmt::format("the log folder {} went away during the collection; what tools wrote there "
+                    "is missing",
+                    decode(collection.machine.logFolder)));
+  }
   if (wasInterrupted) collection.problems.emplace_back(kInterruptedProblem);
   collection.log = std::move(log.log);
   collection.files = source.Files();

@@ -46,6 +46,10 @@ SentenceIndex MakeSentenceIndex() {
 
 }  // namespace
 
+std::string DescribeSeconds(unsigned seconds) {
+  return seconds == 0 ? "" : " after " + std::to_string(seconds) + " s";
+}
+
 std::string_view RemoveLogPrefix(std::string_view text) {
   if (text.starts_with(pq::kLogPrefix)) text.remove_prefix(std::string_view(pq::kLogPrefix).size());
   return text;
@@ -118,15 +122,13 @@ void FailureList::OnAnswer(const ToolAnswer& answer) {
 
 void FailureList::OnToolEnded(unsigned seconds) {
   failures.push_back(
-      {module, tool,
-       "did not end by itself and was ended after " + std::to_string(seconds) + " s"});
+      {module, tool, "did not end by itself and was ended" + DescribeSeconds(seconds)});
 }
 
 void FailureList::OnToolRefused(unsigned seconds) {
   toolRefused = true;
-  AddOnce(
-      {module, tool,
-       "was not started again, because it had been ended after " + std::to_string(seconds) + " s"});
+  AddOnce({module, tool,
+           "was not started again, because it had been ended" + DescribeSeconds(seconds)});
 }
 
 void FailureList::OnToolOutOfMemory(unsigned mebibytes) {

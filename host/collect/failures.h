@@ -21,6 +21,9 @@ struct Failure {
   std::vector<std::string> tables = {};  ///< classes of the tables concerned, if they are known
 };
 
+/// " after N s", where it is known after how many seconds a host ended a tool.
+std::string DescribeSeconds(unsigned seconds);
+
 /// The text of a log line without the log's prefix.
 std::string_view RemoveLogPrefix(std::string_view text);
 

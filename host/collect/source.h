@@ -36,6 +36,8 @@ class Source {
   virtual std::optional<std::uint64_t> LogFileSize(const std::string& fileName) = 0;
   /// What is known of the file `path`, as a module opens it, if it is older than the collection.
   virtual std::optional<OldFile> FindOldFile(const std::string& /*path*/) { return std::nullopt; }
+  /// Whether the log folder is there.
+  virtual bool HasLogFolder() { return true; }
   /// Why the machine may not be as it seems: a line of UTF-8 each.
   virtual std::vector<std::string> Doubts() { return {}; }
   /// The files of a recorded machine as they are now, by their path.

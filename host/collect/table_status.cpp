@@ -21,7 +21,11 @@ namespace {
 const TableStatus kInterrupted{"interrupted", "the collection was interrupted before"};
 constexpr char kNoSuchDevice[] = "no such device";
 constexpr char kDeclined[] = "declined";
+/// The interpreter's exit code where it could not make the file for the output, which it does
+/// first.
+constexpr std::uint32_t kNoOutputFile = 1;
 constexpr char kToolError[] = "tool reported an error";
+constexpr char kNotOpened[] = "output could not be opened";
 
 /// Whether a log line, without its prefix, is the explanation's sentence and explains something.
 bool Explains(const pq::Explanation& explanation, std::string_view text) {
@@ -83,18 +87,22 @@ bool HasEndedStep(const ToolRun& run) {
   return run.refused || !run.startFailure.empty() || !run.openFailure.empty();
 }
 
+std::string DescribeUnwritable(const std::string& file) {
+  return fmt::format("did not run, because {} could not be written", file);
+}
+
 /// Why the program's answer is not to be trusted; empty when there is no reason.
 std::string DescribeError(const ToolRun& run) {
-  if (run.endedBefore) {
-    return fmt::format("had been ended after {} s and was not started again",
-                       run.endedAfterSeconds);
-  }
-  if (run.endedAfterSeconds > 0) {
-    return fmt::format("was ended after {} s", run.endedAfterSeconds);
+  if (run.endedAfterSeconds) {
+    const std::string after = DescribeSeconds(*run.endedAfterSeconds);
+    if (run.endedBefore) return fmt::format("had been ended{} and was not started again", after);
+    if (after.empty()) return "did not end by itself and was ended";
+    return "was ended" + after;
   }
   if (run.memoryLimit > 0) {
     return fmt::format("wanted more than its {} MiB of memory", run.memoryLimit);
   }
+  if (run.isUnwritable) return DescribeUnwritable(run.file);
   if (run.exitCode.value_or(0) != 0) {
     return fmt::format("ended with code {}{}", *run.exitCode,
                        run.reason.empty() ? "" : " (" + run.reason + ")");
@@ -105,8 +113,9 @@ std::string DescribeError(const ToolRun& run) {
 
 /// The outcome of a program with such an error.
 const char* FindErrorOutcome(const ToolRun& run) {
-  if (run.endedAfterSeconds > 0) return "ended";
-  return run.memoryLimit > 0 ? "out of memory" : kToolError;
+  if (run.endedAfterSeconds) return "ended";
+  if (run.memoryLimit > 0) return "out of memory";
+  return run.isUnwritable ? kNotOpened : kToolError;
 }
 
 /// The run that decides what there is for the table. At least one of `runs` is there.
@@ -134,7 +143,7 @@ std::string DescribeOldFile(const ToolRun& run) {
   if (run.endedBefore) return DescribeError(run);
   const std::string& file = run.file.empty() ? run.handedOn : run.file;
   // The interpreter opens the file for the output first.
-  if (!file.empty()) return fmt::format("did not run, because {} could not be written", file);
+  if (!file.empty()) return DescribeUnwritable(file);
   const std::string error = DescribeError(run);
   return error.empty() ? "left no newer ones" : error;
 }
@@ -151,7 +160,7 @@ std::string GetFolderName(const std::string& path) {
 
 /// Whether the list of failures holds the run, or nothing failed.
 bool IsTold(const ToolRun& run) {
-  if (run.endedAfterSeconds > 0 || run.memoryLimit > 0) return true;
+  if (run.endedAfterSeconds || run.memoryLimit > 0) return true;
   return !run.isThere || (HasEndedStep(run) && !run.hadNothingToReport);
 }
 
@@ -330,8 +339,18 @@ void StatusTracker::NoteRead(ToolRun& run, const std::string& path) {
   if (!run.oldFile || isOlder) run.oldFile = old;
 }
 
+bool StatusTracker::LacksOutput(const ToolRun& run) const {
+  if (run.file.empty() || interrupted) return false;
+  if (logFileSize && !logFileSize(run.file)) return true;
+  return findOldFile && findOldFile(FindTarget(run.commandLine)).has_value();
+}
+
 void StatusTracker::OnProcessEnd(std::uint32_t exitCode) {
-  if (!runs.empty() && !runs.back().isFiltered) runs.back().exitCode = exitCode;
+  if (!runs.empty()) {
+    ToolRun& run = runs.back();
+    if (!run.isFiltered) run.exitCode = exitCode;
+    run.isUnwritable = exitCode == kNoOutputFile && LacksOutput(run);
+  }
   starts.End();
   runJustBegan = false;
 }
@@ -427,7 +446,7 @@ std::optional<TableStatus> StatusTracker::ExplainPresenceTest(const ToolRun& run
   TableStatus status;
   if (!run.isThere) {
     status = ExplainMissing({&run});
-  } else if (run.endedAfterSeconds > 0 || run.memoryLimit > 0) {
+  } else if (run.endedAfterSeconds || run.memoryLimit > 0) {
     status = {FindErrorOutcome(run),
               fmt::format("{} {}", GetFileName(run.program), DescribeError(run))};
   } else {
@@ -444,7 +463,7 @@ TableStatus StatusTracker::ExplainRuns(const std::vector<const ToolRun*>& found,
   if (!run.isThere) return ExplainMissing({&run});
   const std::string name = GetFileName(run.program);
   const std::string error = DescribeError(run);
-  if (run.endedAfterSeconds > 0 || run.memoryLimit > 0) {
+  if (run.endedAfterSeconds || run.memoryLimit > 0) {
     return {FindErrorOutcome(run), fmt::format("{} {}", name, error)};
   }
   if (run.refused) return kInterrupted;
@@ -452,12 +471,12 @@ TableStatus StatusTracker::ExplainRuns(const std::vector<const ToolRun*>& found,
     return {"could not start", fmt::format("{}: {}", name, run.startFailure)};
   }
   if (run.hadNothingToReport) {
-    return {"output could not be opened",
+    return {kNotOpened,
             fmt::format("{}{}{}: {}", name, error.empty() ? "" : " ", error, run.openFailure)};
   }
   if (!error.empty()) return {FindErrorOutcome(run), fmt::format("{} {}", name, error)};
   if (!run.openFailure.empty()) {
-    return {"output could not be opened", fmt::format("{}: {}", name, run.openFailure)};
+    return {kNotOpened, fmt::format("{}: {}", name, run.openFailure)};
   }
   for (const ToolRun& needed : runs) {
     if (&needed <= &run || needed.module != run.module || needed.startFailure.empty()) continue;
@@ -531,7 +550,7 @@ TableStatus StatusTracker::ExplainWithoutRun(const std::string& name,
     const ToolRun& run = *decided;
     if (!HasFailed(run)) continue;
     if (!run.isThere) return ExplainMissing({&run});
-    if (run.endedBefore) {
+    if (run.endedBefore || run.isUnwritable) {
       return {FindErrorOutcome(run),
               fmt::format("{} {}", GetFileName(run.program), DescribeError(run))};
     }
@@ -540,14 +559,12 @@ TableStatus StatusTracker::ExplainWithoutRun(const std::string& name,
   }
   for (const ToolRun* run : deciding) {
     if (run->openFailure.empty()) continue;
-    return {"output could not be opened",
-            fmt::format("{}: {}", GetFileName(run->program), run->openFailure)};
+    return {kNotOpened, fmt::format("{}: {}", GetFileName(run->program), run->openFailure)};
   }
   // Not every module says that it cannot open the output of its first tool, but it ends there.
   if (last != nullptr && last == deciding.front() && !last->file.empty() && logFileSize &&
       !logFileSize(last->file)) {
-    return {"output could not be opened",
-            fmt::format("{}: {} is not there", GetFileName(last->program), last->file)};
+    return {kNotOpened, fmt::format("{}: {} is not there", GetFileName(last->program), last->file)};
   }
   return {"not reached", "no step of the collection asked for it"};
 }
@@ -662,6 +679,8 @@ std::vector<Failure> StatusTracker::FindFailedTools(
     if (run.oldFile) {
       error = fmt::format("{}; files of {} are used instead", DescribeOldFile(run),
                           FormatAge(*run.oldFile));
+    } else if (error.empty() && run.hadNothingToReport && run.explanation == nullptr) {
+      error = "left no report, and did not say why";
     } else if (error.empty() || IsTold(run) || run.explanation != nullptr ||
                !HasOrdinaryExitCode(run)) {
       continue;

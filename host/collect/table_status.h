@@ -59,15 +59,16 @@ struct ToolRun {
   bool hadNothingToReport = false;        ///< so that there was nothing to open
   /// What it printed explains why tables are empty.
   const pq::AnswerExplanation* explanation = nullptr;
-  bool printed = false;            ///< something came through the pipe
-  bool reportedError = false;      ///< as the log shows, if no rows came of it
-  bool printedErrorLine = false;   ///< whatever came of it
-  std::string reason = {};         ///< its own words for its exit code, in ASCII
-  bool wasCut = false;             ///< it printed more than the module keeps
-  bool refused = false;            ///< never started, because the collection was interrupted
-  unsigned endedAfterSeconds = 0;  ///< not 0: the host ended it
-  bool endedBefore = false;        ///< that was an earlier run, so this one was never started
-  unsigned memoryLimit = 0;        ///< MiB; not 0: it wanted more
+  bool printed = false;           ///< something came through the pipe
+  bool reportedError = false;     ///< as the log shows, if no rows came of it
+  bool printedErrorLine = false;  ///< whatever came of it
+  std::string reason = {};        ///< its own words for its exit code, in ASCII
+  bool wasCut = false;            ///< it printed more than the module keeps
+  bool isUnwritable = false;      ///< never started, because its output had no file to go to
+  bool refused = false;           ///< never started, because the collection was interrupted
+  std::optional<unsigned> endedAfterSeconds;  ///< the host ended it; 0: nobody knows when
+  bool endedBefore = false;  ///< that was an earlier run, so this one was never started
+  unsigned memoryLimit = 0;  ///< MiB; not 0: it wanted more
   /// A file from before was read in the place of what it should have written: the oldest one.
   std::optional<OldFile> oldFile;
 };
@@ -129,6 +130,9 @@ class StatusTracker final : public CollectionListener {
   void NoteLog(std::string_view text);
   /// The module reads `path`, which `run` should have written.
   void NoteRead(ToolRun& run, const std::string& path);
+  /// Whether the file of the log folder that `run`, which has just ended, was to write is missing
+  /// or from before.
+  bool LacksOutput(const ToolRun& run) const;
   std::vector<const ToolRun*> FindRuns(const std::string& module,
                                        const pq::TableDescription& table) const;
   /// The tables that `run` was for.

@@ -310,9 +310,9 @@ const HealthHit* ReportParts::FindHit(const PartTable& table, const Part& part,
   const auto place = std::ranges::find(part.columnPlaces, column.name, &ColumnPlace::column);
   for (const HealthHit* hit : found->second) {
     // A column without a place of its own was read where the part was.
-    const bool isOfCell = place != part.columnPlaces.end()
-                              ? hit->place == place->place
-                              : isJudgedColumn && hit->place == part.readAt;
+    const bool isMeant = hit->column.empty() ? isJudgedColumn : hit->column == column.name;
+    const bool isOfCell = place != part.columnPlaces.end() ? hit->place == place->place
+                                                           : isMeant && hit->place == part.readAt;
     if (hit->isOfLog || !isOfCell) continue;
     if (worst == nullptr || hit->severity > worst->severity) worst = hit;
   }

@@ -72,6 +72,11 @@ std::optional<std::uint64_t> LiveSource::LogFileSize(const std::string& fileName
   return size;
 }
 
+bool LiveSource::HasLogFolder() {
+  std::error_code failure;
+  return std::filesystem::is_directory(settings.logFolder, failure);
+}
+
 std::optional<OldFile> LiveSource::FindOldFile(const std::string& path) {
   // Some file systems keep times to two seconds.
   constexpr std::chrono::seconds kCoarsestTime(2);

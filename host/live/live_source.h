@@ -51,6 +51,7 @@ class LiveSource final : public Source {
   std::string LogFolder() override { return machine.logFolder; }
   bool HasPrograms(const std::string& commandLine) override;
   std::optional<std::uint64_t> LogFileSize(const std::string& fileName) override;
+  bool HasLogFolder() override;
   std::optional<OldFile> FindOldFile(const std::string& path) override;
 
   /// The folder of the tools' files, absolute.

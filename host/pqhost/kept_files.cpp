@@ -9,6 +9,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "host/answers/parts/report_lines.h"
 #include "host/database/database.h"
 #include "host/files/whole_file.h"
 #include "host/formats/kept_collection.h"
@@ -25,8 +26,7 @@ constexpr std::uint64_t kMostBytes = std::uint64_t{1} << 30;
 
 /// Text may begin with a mark that says it is UTF-8, and white space.
 std::string_view SkipToText(std::string_view bytes) {
-  constexpr std::string_view kMark = "\xEF\xBB\xBF";
-  if (bytes.starts_with(kMark)) bytes.remove_prefix(kMark.size());
+  bytes = SkipByteOrderMark(bytes);
   bytes.remove_prefix(std::min(bytes.find_first_not_of(" \t\r\n"), bytes.size()));
   return bytes;
 }

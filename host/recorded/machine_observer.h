@@ -12,6 +12,10 @@ namespace host {
 /// "The operation was canceled by the user": the system error of a refused start.
 inline constexpr std::uint32_t kErrorCancelled = 1223;
 
+/// "The timeout period expired": the exit code of a tool that a host ended at its time limit, so
+/// that a recording tells. Small numbers are answers of the tools that test for devices.
+inline constexpr std::uint32_t kEndedExitCode = 1460;
+
 /// The output of a command line. Paths and texts are bytes in the machine's code page.
 struct ToolAnswer {
   Bytes output;      ///< written to the pipe or to the host's console
@@ -32,9 +36,11 @@ class MachineObserver {
   virtual void OnAnswer(const ToolAnswer& /*answer*/) {}
   /// The process started last was awaited and has ended.
   virtual void OnProcessEnd(std::uint32_t /*exitCode*/) {}
-  /// The host ended the process started last, or children that it left, after so many seconds.
+  /// The host ended the process started last, or children that it left, after so many seconds; 0:
+  /// nobody knows how many, as of a recorded one.
   virtual void OnToolEnded(unsigned /*seconds*/) {}
-  /// The start that was seen last is refused: its tool was ended after so many seconds before.
+  /// The start that was seen last is refused: its tool was ended after so many seconds before, or
+  /// 0, as above.
   virtual void OnToolRefused(unsigned /*seconds*/) {}
   /// The process started last, with its children, was given no more than so much memory and wanted
   /// more.

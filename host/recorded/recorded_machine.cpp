@@ -65,6 +65,7 @@ struct PipelineOutcome {
   Bytes standardOutput;
   std::vector<Bytes> standardError;
   std::uint32_t exitCode = 0;
+  bool wasEnded = false;  ///< a host had ended one of the commands when it was recorded
   Bytes unfiltered = {};  ///< the input of the last command; empty when it was the only one
 };
 
@@ -220,6 +221,10 @@ struct RecordedMachine::State {
     }
     const CommandOutcome ran = RunProgram(stage, input);
     outcome.exitCode = ran.exitCode;
+    if (ran.exitCode == kEndedExitCode) {
+      outcome.wasEnded = true;
+      ended.insert(ToolName(stage.program));
+    }
     if (const Redirection* to = FindRedirection(stage, 1)) {
       Deliver(*to, ran.standardOutput);
     } else {
@@ -284,7 +289,16 @@ struct RecordedMachine::State {
     }
   }
 
-  /// Tells the output of a pipeline that was run.
+  /// Tells a start that was refused because its tool had been ended before.
+  void TellRefusal(const Pipeline& pipeline, std::uint32_t startError) {
+    if (observer == nullptr || startError != kErrorCancelled) return;
+    const bool wasEnded =
+        std::any_of(pipeline.stages.begin(), pipeline.stages.end(),
+                    [this](const Stage& stage) { return ended.contains(ToolName(stage.program)); });
+    if (wasEnded) observer->OnToolRefused(0);
+  }
+
+  /// Tells the output of a pipeline that was run, and whether it is not all.
   void TellAnswer(const Pipeline& pipeline, const PipelineOutcome& outcome) {
     if (observer == nullptr) return;
     ToolAnswer answer{outcome.standardOutput, FindOutputFile(pipeline), {}, outcome.unfiltered};
@@ -297,6 +311,7 @@ struct RecordedMachine::State {
     }
     if (!answer.file.empty()) answer.fileText = files.Find(answer.file).value_or(Bytes());
     observer->OnAnswer(answer);
+    if (outcome.wasEnded) observer->OnToolEnded(0);
   }
 
   void ShowOnConsole(const PipelineOutcome& outcome) {
@@ -319,6 +334,7 @@ struct RecordedMachine::State {
   MachineFiles files;
   std::map<CommandKey, AnswerQueue> commands;
   std::set<std::string> tools;
+  std::set<std::string> ended;  ///< the tools that a host had ended, so far
   std::size_t consoleAt = 0;
   std::shared_ptr<int> openHandles = std::make_shared<int>(0);
   HandedOutList handedOut;
@@ -364,6 +380,7 @@ pq::Acquired<pq::Process> RecordedMachine::StartInterpreter(const std::string& c
   const std::uint32_t startError = state->FindError(pipeline, &Answer::startError);
   if (startError != 0) {
     state->UseUpAnswers(pipeline);
+    state->TellRefusal(pipeline, startError);
     return {nullptr, startError};
   }
   const std::uint32_t exitCodeError = state->FindError(pipeline, &Answer::exitCodeError);
@@ -385,8 +402,9 @@ void RecordedMachine::RunSystem(const std::string& command) {
   if (state->observer != nullptr) state->observer->OnSystem(command);
   if (state->IsEnding()) return;
   const Pipeline pipeline = state->Parse("/c " + command);
-  const bool canStart = state->FindError(pipeline, &Answer::startError) == 0;
-  if (canStart) {
+  const std::uint32_t startError = state->FindError(pipeline, &Answer::startError);
+  state->TellRefusal(pipeline, startError);
+  if (startError == 0) {
     const PipelineOutcome outcome = state->Run(pipeline);
     state->TellAnswer(pipeline, outcome);
     state->ShowOnConsole(outcome);

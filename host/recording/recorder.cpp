@@ -6,6 +6,7 @@
 
 #include "frame/tokens.h"
 #include "host/recorded/machine_files.h"
+#include "host/recorded/machine_observer.h"
 #include "host/recorded/own_commands.h"
 #include "host/text/ascii.h"
 
@@ -107,6 +108,10 @@ void Recorder::EndRun(std::uint32_t exitCode) {
   // A pipeline ends with the exit code of its last filter. A replay runs the filter again.
   if (run && run->filters.empty()) run->command.exitCode = exitCode;
   CloseRun();
+}
+
+void Recorder::MarkEnded() {
+  if (run) run->command.exitCode = kEndedExitCode;
 }
 
 /// Keeps the answer, unless a replay would give it without an entry.

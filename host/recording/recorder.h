@@ -38,6 +38,8 @@ class Recorder {
   void BeginRun(std::string_view commandLine, bool isPiped);
   /// It could not be started.
   void FailRun(std::uint32_t error);
+  /// A host ended it at its time limit.
+  void MarkEnded();
   /// The module read this from the tool's pipe.
   void AddOutput(std::string_view bytes);
   /// The process was awaited.

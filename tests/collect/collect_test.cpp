@@ -24,9 +24,11 @@ namespace {
 
 using test::CollectTrace;
 using test::LoadSamples;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using testing::SizeIs;
 
 TEST(Collection, GivesTheSameTraceAfterAnyOtherSample) {
@@ -39,6 +41,23 @@ TEST(Collection, GivesTheSameTraceAfterAnyOtherSample) {
       EXPECT_EQ(CollectTrace(recording) == alone[second], true) << first << ", then " << second;
     }
   }
+}
+
+/// A machine whose log folder is removed while the modules are at work.
+class LosingSource final : public RecordedSource {
+ public:
+  using RecordedSource::RecordedSource;
+  bool HasLogFolder() override { return false; }
+};
+
+TEST(Collection, NamesTheLogFolderThatWentAway) {
+  LosingSource source{Recording()};
+  CollectionListener nobody;
+  const std::string problem =
+      "the log folder C:\\Halyard\\logs\\ went away during the collection; what tools wrote there "
+      "is missing";
+  EXPECT_THAT(Collect(source, {}, nobody).problems, Contains(problem));
+  EXPECT_THAT(Collect(Recording()).problems, Not(Contains(problem)));
 }
 
 /// One tool that prints into a pipe and one that writes a file.

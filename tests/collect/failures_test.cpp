@@ -75,6 +75,17 @@ TEST(Failures, NameAToolThatTheHostEnded) {
   EXPECT_EQ(list.Failures()[0].text, "did not end by itself and was ended after 30 s");
 }
 
+TEST(Failures, NameARecordedToolThatAHostEnded) {
+  FailureList list;
+  list.Module("A", "");
+  list.OnProcess("cmd.exe", "/c arp.exe -a", true, true);
+  list.OnToolEnded(0);
+  list.OnToolRefused(0);
+  ASSERT_EQ(list.Failures().size(), 2U);
+  EXPECT_EQ(list.Failures()[0].text, "did not end by itself and was ended");
+  EXPECT_EQ(list.Failures()[1].text, "was not started again, because it had been ended");
+}
+
 TEST(Failures, NameAToolThatIsNotStartedAgainOnce) {
   FailureList list;
   CollectionListeners listeners;

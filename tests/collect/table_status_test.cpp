@@ -168,6 +168,50 @@ TEST(TableStatus, TellsAToolThatTheHostEnded) {
             "storcli.exe was ended after 30 s");
 }
 
+TEST(TableStatus, TellsARecordedToolThatAHostEnded) {
+  Watched watched("sampleModule2");
+  watched.Runs(StorcliCommand("/c0 show events", "raidevents.txt"), 1460);
+  watched.tracker.OnToolEnded(0);
+  watched.tracker.OnProcess("cmd.exe", StorcliCommand("/c0 show termlog", "fwtermlog.txt"), false,
+                            false);
+  watched.tracker.OnToolRefused(0);
+  const TableStatus status = watched.tracker.FindStatus("sampleModule2", "EVENTLOG1", 0);
+  EXPECT_EQ(status.outcome, "ended");
+  EXPECT_EQ(status.text, "storcli.exe did not end by itself and was ended");
+  EXPECT_EQ(watched.tracker.FindStatus("sampleModule2", "FWTERMLOG", 0).text,
+            "storcli.exe had been ended and was not started again");
+}
+
+TEST(TableStatus, TellsAToolThatDidNotRunBecauseItsOutputHadNoFile) {
+  Watched watched("BMC_Info");
+  watched.Runs(R"(/c ""C:\H\pq_tools\ipmiutilnh.exe" sel>"C:\H\logs\selinfo.txt"")", 1)
+      .Logs("Failed to open SEL log file");
+  const TableStatus status = watched.tracker.FindStatus("BMC_Info", "SELINFO", 0);
+  EXPECT_EQ(status.outcome, "output could not be opened");
+  EXPECT_EQ(status.text, "ipmiutilnh.exe did not run, because selinfo.txt could not be written");
+}
+
+TEST(TableStatus, TellsAToolThatRanWhateverBecameOfItsFile) {
+  const std::string command = StorcliCommand("/c0 show termlog", "fwtermlog.txt");
+  Watched removed("sampleModule2");
+  removed.Runs(command, 46);
+  EXPECT_EQ(removed.tracker.FindStatus("sampleModule2", "FWTERMLOG", 0).text,
+            "storcli.exe ended with code 46");
+  Watched written("sampleModule2");
+  written.leftSize = 10;
+  written.Runs(command, 1);
+  written.leftSize = std::nullopt;
+  EXPECT_EQ(written.tracker.FindStatus("sampleModule2", "FWTERMLOG", 0).text,
+            "storcli.exe ended with code 1");
+}
+
+TEST(TableStatus, TellsThatTheStepThatEndedAModuleDidNotRun) {
+  Watched watched("sampleModule2");
+  watched.Runs(StorcliCommand("show ctrlcount", "ctrlcount.txt"), 1);
+  EXPECT_EQ(watched.tracker.FindStatus("sampleModule2", "PINFO", 0).text,
+            "storcli.exe did not run, because ctrlcount.txt could not be written");
+}
+
 TEST(TableStatus, TellsAToolThatIsNotStartedAgain) {
   Watched watched("sampleModule2");
   watched.Runs(StorcliCommand("/c0 show events", "raidevents.txt"), 1);
@@ -626,6 +670,19 @@ TEST(FailedTools, AreToldOnceForAllTheirTables) {
                    "storcli.exe: ended with code 3 TINFO VINFO PINFO LSILINK"}));
 }
 
+TEST(FailedTools, AreThoseThatDidNotRun) {
+  Watched watched("Windows_Related_Info");
+  watched.Runs("/c route print >\"C:\\H\\logs\\route.txt\"", 1);
+  EXPECT_EQ(FailedTools(watched.tracker),
+            Lines{"route: did not run, because route.txt could not be written"});
+  Watched another("Windows_Related_Info");
+  another.leftSize = 10;
+  another.oldFiles["C:\\H\\logs\\route.txt"] = {};
+  another.Runs("/c route print >\"C:\\H\\logs\\route.txt\"", 1);
+  EXPECT_EQ(FailedTools(another.tracker),
+            Lines{"route: did not run, because route.txt could not be written"});
+}
+
 TEST(FailedTools, AreThoseOfNoTableToo) {
   Watched watched("Windows_Related_Info");
   watched.Runs("/c route print >\"C:\\H\\logs\\route.txt\"", 2);
@@ -667,14 +724,20 @@ TEST(FailedTools, AreNotThoseThatAnswerByTheirExitCode) {
 }
 
 TEST(FailedTools, AreNotThoseThatHadNothingToReport) {
-  Watched idle("sampleModule1");
-  idle.Runs(kArcconf, 0).Logs("Failed to open PMC Controller file");
-  EXPECT_EQ(FailedTools(idle.tracker), Lines{});
-  Watched telling("sampleModule1");
-  telling.Runs(kArcconf, 1);
-  telling.tracker.OnAnswer({"Controllers found: 0\r\n", {}, {}});
-  telling.Logs("Failed to open PMC Controller file");
-  EXPECT_EQ(FailedTools(telling.tracker), Lines{});
+  for (const std::uint32_t exitCode : {0, 1}) {
+    Watched watched("sampleModule1");
+    watched.Runs(kArcconf, exitCode);
+    watched.tracker.OnAnswer({"Controllers found: 0\r\n", {}, {}});
+    watched.Logs("Failed to open PMC Controller file");
+    EXPECT_EQ(FailedTools(watched.tracker), Lines{});
+  }
+}
+
+TEST(FailedTools, AreThoseThatLeftNoReportWithoutAWord) {
+  Watched watched("sampleModule1");
+  watched.Runs(kArcconf, 0).Logs("Failed to open PMC Controller file");
+  EXPECT_EQ(FailedTools(watched.tracker),
+            Lines{"arcconf.exe: left no report, and did not say why PMCINFO PMCVER PMCLINK"});
 }
 
 TEST(FailedTools, AreThoseThatEndedWithACodeAndLeftNoReport) {

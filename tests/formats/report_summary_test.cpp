@@ -194,6 +194,17 @@ TEST(ReportSummary, MarksTheCellThatWasJudged) {
   EXPECT_THAT(row, HasSubstr("<td>Onln</td>"));
 }
 
+// It was read where the whole volume was.
+TEST(ReportSummary, MarksTheCellThatTheRuleIsAbout) {
+  Parts parts = MakeWell();
+  Volume& volume = AddVolume(parts, "lsi0 v0", "Optl");
+  volume.readAt = {"LSILINK", 1, "lsishowall", 87, "storcli"};
+  volume.access = "B";
+  const std::string row = CutOut(WriteSummary(parts), "<tr id=\"part-volumes-1\">", "</tr>");
+  EXPECT_THAT(row, HasSubstr("<td>Optl</td>"));
+  EXPECT_THAT(row, HasSubstr("Critical: </span>B</span></td>"));
+}
+
 TEST(ReportSummary, TellsWhatIsNotThereFromWhatNobodyAsked) {
   MadeCollection made;
   made.Table("LSILINK").Table("SENSORINFO");

@@ -38,6 +38,12 @@ class Listener final : public MachineObserver {
     calls.push_back("console " + std::string(text));
   }
   void OnToolConsole(std::string_view text) override { toolConsole += text; }
+  void OnToolEnded(unsigned seconds) override {
+    calls.push_back("ended after " + std::to_string(seconds));
+  }
+  void OnToolRefused(unsigned seconds) override {
+    calls.push_back("refused after " + std::to_string(seconds));
+  }
 };
 
 RecordedCommand Answer(const std::string& tool, const std::string& arguments,
@@ -821,6 +827,45 @@ TEST(MachineInUse, PutsTheMachineBackThatWasThereBefore) {
     EXPECT_EQ(&pq::Machine(), &inner);
   }
   EXPECT_EQ(&pq::Machine(), &outer);
+}
+
+/// `arp.exe` answers with the exit code of a tool that a host ended, then is not started again.
+Recording MakeEndedTool() {
+  RecordedCommand ended = Answer("arp.exe", "-a", "Interface");
+  ended.exitCode = 1460;
+  RecordedCommand refused = Answer("arp.exe", "-n", "");
+  refused.startError = 1223;
+  RecordedCommand other = Answer("net", "share", "");
+  other.startError = 1223;
+  Recording recording;
+  recording.commands = {ended, refused, other};
+  return recording;
+}
+
+TEST(EndedTool, IsToldOfWithEveryOfItsStarts) {
+  Subject subject(MakeEndedTool());
+  subject.machine.RunSystem("arp.exe -n");
+  subject.Run("/c arp.exe -a | findstr x");
+  subject.Run("/c arp.exe -n");
+  subject.Run("/c net share");
+  subject.machine.RunSystem("arp.exe -a");
+  subject.machine.RunSystem("arp.exe -n");
+  std::vector<std::string> told;
+  for (const std::string& call : subject.listener.calls) {
+    if (call.find(" after ") != std::string::npos) told.push_back(call);
+  }
+  EXPECT_THAT(told,
+              ElementsAre("ended after 0", "refused after 0", "ended after 0", "refused after 0"));
+}
+
+TEST(EndedTool, HasNotRunWhereItsOutputHadNoFile) {
+  Recording recording = MakeEndedTool();
+  recording.readOnly.push_back("C:\\Halyard\\logs\\arp.txt");
+  Subject subject(recording);
+  subject.Run(R"(/c arp.exe -a >"C:\Halyard\logs\arp.txt")");
+  for (const std::string& call : subject.listener.calls) {
+    EXPECT_EQ(call.find(" after "), std::string::npos) << call;
+  }
 }
 
 TEST(EndingMachine, RefusesEveryStartAndPipe) {

@@ -109,6 +109,16 @@ TEST_F(MachineRecorder, ReadsTheFileThatAToolWroteTo) {
       ElementsAre(RecordedCommand{"storcli.exe", "/c0 show", "Product Name = Test\r\n", "", 7}));
 }
 
+TEST_F(MachineRecorder, MarksAToolThatAHostEnded) {
+  recorder.BeginRun("/c arp.exe -a", true);
+  recorder.MarkEnded();
+  recorder.BeginRun("/c ipmiutil.exe lan | findstr Param", true);
+  recorder.MarkEnded();
+  const std::vector<RecordedCommand> commands = recorder.Take().commands;
+  ASSERT_EQ(commands.size(), 2U);
+  for (const RecordedCommand& command : commands) EXPECT_EQ(command.exitCode, 1460U);
+}
+
 TEST_F(MachineRecorder, TellsAFileThatCouldNotBeWritten) {
   RunToFile(kStorcliShow, 1);
   EXPECT_THAT(recorder.Take().readOnly, ElementsAre("C:\\Halyard\\logs\\c0.txt"));

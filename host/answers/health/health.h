@@ -34,6 +34,7 @@ struct HealthHit {
   std::vector<std::string> because;  ///< ids of the parts that are the cause
   bool isOfLog = false;
   std::size_t ruleNumber = 0;  ///< among all rules that were asked
+  std::string column = {};     ///< of the part that it is about; empty: the part as a whole
   Place place;                 ///< where it was read; without class and tool when that is not known
   /// What it would be if nobody had suppressed it, and why somebody did.
   std::optional<Severity> suppressed = {};

@@ -76,12 +76,6 @@ std::vector<std::string> SplitQuoted(std::string_view text) {
   return words;
 }
 
-std::string_view WithoutByteOrderMark(std::string_view text) {
-  constexpr std::string_view kMark = "\xef\xbb\xbf";
-  if (text.starts_with(kMark)) text.remove_prefix(kMark.size());
-  return text;
-}
-
 }  // namespace
 
 std::span<const HealthSetting> ListHealthSettings() { return kSettings; }
@@ -110,7 +104,7 @@ void TakeSetting(std::string_view text, HealthSettings& settings) {
 
 void TakeSettings(std::string_view text, const std::string& file, HealthSettings& settings) {
   ReportLine line;
-  for (ReportLines lines(WithoutByteOrderMark(text)); lines.Next(line);) {
+  for (ReportLines lines(SkipByteOrderMark(text)); lines.Next(line);) {
     const std::string_view told = SplitComment(line.text).text;
     if (told.empty()) continue;
     try {
@@ -125,7 +119,7 @@ std::vector<Suppression> ReadSuppressions(std::string_view text, const std::stri
   constexpr std::string_view kUntil = "until=";
   std::vector<Suppression> read;
   ReportLine line;
-  for (ReportLines lines(WithoutByteOrderMark(text)); lines.Next(line);) {
+  for (ReportLines lines(SkipByteOrderMark(text)); lines.Next(line);) {
     const auto [told, reason] = SplitComment(line.text);
     if (told.empty()) continue;
     const auto refuse = [&](std::string_view why) {

@@ -101,17 +101,28 @@ std::string FindSerial(const PartTable& table, const Part& part) {
   return {};
 }
 
-/// The place of the first of `columns` that has one of its own, otherwise the part's.
-Place FindEvidence(const Part& part, std::string_view columns) {
+bool HasValue(const PartTable& table, const Part& part, std::string_view name) {
+  const auto column = std::ranges::find(table.columns, name, &PartColumn::name);
+  return column != table.columns.end() && !FormatPartValue(column->get(part), "").empty();
+}
+
+/// Tells the hit where people see it: the first of `columns` that has a place of its own, otherwise
+/// the first with a value.
+void TellEvidence(HealthHit& hit, const PartTable& table, const Part& part,
+                  std::string_view columns) {
+  hit.place = part.readAt;
   while (!columns.empty()) {
     const std::size_t end = std::min(columns.find(','), columns.size());
     const std::string_view column = Trim(columns.substr(0, end));
-    for (const ColumnPlace& other : part.columnPlaces) {
-      if (other.column == column) return other.place;
+    const auto own = std::ranges::find(part.columnPlaces, column, &ColumnPlace::column);
+    if (own != part.columnPlaces.end()) {
+      hit.column = column;
+      hit.place = own->place;
+      return;
     }
+    if (hit.column.empty() && HasValue(table, part, column)) hit.column = column;
     columns.remove_prefix(std::min(end + 1, columns.size()));
   }
-  return part.readAt;
 }
 
 /// Without `self`: nothing is its own cause.
@@ -224,7 +235,7 @@ std::vector<HealthHit> FindParts(std::vector<NamedHit> named, const Parts& parts
   for (NamedHit& one : named) {
     if (const Part* part = searches[one.table].Get(one.hit.id)) {
       one.hit.serial = FindSerial(*one.table, *part);
-      one.hit.place = FindEvidence(*part, one.rule->column);
+      TellEvidence(one.hit, *one.table, *part, one.rule->column);
     }
     if (const Part* event = searches[events].Get(one.event)) one.hit.place = event->readAt;
     hits.push_back(std::move(one.hit));

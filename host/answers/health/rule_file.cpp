@@ -200,9 +200,7 @@ RuleFile ReadRuleFile(std::string_view text, const std::string& file) {
 }
 
 std::vector<Rule> ReadOwnRules(std::string_view text, const std::string& file) {
-  constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
-  if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
-  RuleFile read = ReadRuleFile(text, file);
+  RuleFile read = ReadRuleFile(SkipByteOrderMark(text), file);
   if (!read.tables.empty()) {
     throw HealthFileError(
         file, 1,

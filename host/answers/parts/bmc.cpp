@@ -38,7 +38,10 @@ class ListingEnd {
  public:
   void Take(std::string_view line) {
     const std::string_view text = Trim(line);
-    if (first.empty() && text.starts_with("ipmiutil ")) hasHead = text.find(" ver") != text.npos;
+    // Of a text that is cut the beginning of the name may be all there is.
+    if (first.empty() && !text.empty()) {
+      hasHead = text.starts_with(kName) || kName.starts_with(text);
+    }
     if (first.empty()) first = CutText(text, kLongestWords);
     const std::vector<std::string_view> words = ListWords(text);
     if (words.size() < 3 || words[0] != "ipmiutil" || !words[1].ends_with(',')) return;
@@ -62,6 +65,7 @@ class ListingEnd {
   const std::string& Words() const { return EndedBadly() ? closing : first; }
 
  private:
+  static constexpr std::string_view kName = "ipmiutil ";
   static constexpr std::size_t kLongestWords = 200;  // columns
 
   std::string first;
@@ -220,7 +224,10 @@ ListingEnd ReadRecords(const CollectedRows& rows, SensorReader& reader, Parts& p
   const auto left = std::find_if(answers.begin(), answers.end(), [](const CollectedAnswer* answer) {
     return !answer->file.empty();
   });
-  if (left == answers.end()) return end;
+  if (left == answers.end()) {
+    TakeExitCode(rows, kRecordsArguments, end);
+    return end;
+  }
   const DecodedText text = rows.Decode((*left)->fileText);
   ReportLine line;
   for (ReportLines lines(text.View()); lines.Next(line);) {

@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
-#include "host/answers/parts/report_lines.h"
 #include "host/collect/command_text.h"
+#include "host/recorded/machine_observer.h"
 #include "host/text/ascii.h"
 
 namespace host {
@@ -27,7 +27,8 @@ std::optional<DecodedText> CollectedRow::FindText(std::string_view key) const {
   const auto found = std::find_if(columns.begin(), columns.end(),
                                   [&](const Column& column) { return column.key == key; });
   if (found == columns.end()) return std::nullopt;
-  return decoder->Decode(row->Value(static_cast<std::size_t>(found - columns.begin())));
+  return decoder->Decode(
+      SkipByteOrderMark(row->Value(static_cast<std::size_t>(found - columns.begin()))));
 }
 
 Place CollectedRow::PlaceOf(std::string_view key, std::string_view tool) const {
@@ -68,7 +69,7 @@ const CollectedAnswer* CollectedRows::FindAnswer(std::string_view program,
 std::optional<DecodedText> CollectedRows::FindFile(std::string_view path) const {
   const std::string wanted = LowerCase(path);
   for (const auto& [name, text] : collection.files) {
-    if (LowerCase(name) == wanted) return decoder.Decode(text);
+    if (LowerCase(name) == wanted) return decoder.Decode(SkipByteOrderMark(text.Text()));
   }
   return std::nullopt;
 }
@@ -86,6 +87,7 @@ std::vector<CollectedRow> CollectedRows::ListRows(std::string_view className) co
 
 std::string DescribeEnd(const CollectedAnswer* answer) {
   if (answer == nullptr || answer->exitCode.value_or(0) == 0) return {};
+  if (*answer->exitCode == kEndedExitCode) return "did not end by itself and was ended";
   return fmt::format("ended with code {}", *answer->exitCode);
 }
 

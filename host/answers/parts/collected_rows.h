@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "host/answers/parts/parts.h"
+#include "host/answers/parts/report_lines.h"
 #include "host/collect/collection.h"
 #include "host/text/decoder.h"
 
@@ -53,7 +54,9 @@ class CollectedRows {
   /// The text of a file of the recorded machine, by its path in any case. None without it, and on a
   /// live machine.
   std::optional<DecodedText> FindFile(std::string_view path) const;
-  DecodedText Decode(std::string_view bytes) const { return decoder.Decode(bytes); }
+  DecodedText Decode(std::string_view bytes) const {
+    return decoder.Decode(SkipByteOrderMark(bytes));
+  }
   /// The rows of `className`; none without the class.
   std::vector<CollectedRow> ListRows(std::string_view className) const;
 

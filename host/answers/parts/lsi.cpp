@@ -1,6 +1,9 @@
 #include "host/answers/parts/lsi.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -29,10 +32,9 @@ struct LinkedReport {
   std::string (*read)(const Report& report, Parts& parts);
 };
 
-/// A log ends where its entries do.
-template <void (*read)(const Report& report, Parts& parts)>
-std::string ReadLog(const Report& report, Parts& parts) {
-  read(report, parts);
+/// Ends where its lines do.
+std::string ReadTermLog(const Report& report, Parts& parts) {
+  ReadStorcliTermLog(report, parts);
   return {};
 }
 
@@ -40,8 +42,8 @@ std::string ReadLog(const Report& report, Parts& parts) {
 constexpr LinkedReport kLinkedReports[] = {
     {"lsishowall", " show", ReadStorcliShow},
     {"pdlist", "/eall/sall show all", ReadStorcliDrives},
-    {"lsieventlog", " show events", ReadLog<ReadStorcliEvents>},
-    {"lsifwtermlog", " show termlog", ReadLog<ReadStorcliTermLog>},
+    {"lsieventlog", " show events", ReadStorcliEvents},
+    {"lsifwtermlog", " show termlog", ReadTermLog},
 };
 
 constexpr char kStorcli[] = "storcli.exe";
@@ -124,15 +126,29 @@ void ReadController(const CollectedRows& rows, const CollectedRow& row, const st
   answers.gaps.push_back("storcli /c" + number + " show " + kNothing);
 }
 
-/// Why there may be controllers beside those that were read; empty when there is no reason. Without
-/// a count the classes have the first controller only.
-std::string FindCountGap(const CollectedRows& rows) {
+/// How many controllers storcli counts, as `text` tells.
+Integer CountControllers(std::string_view text) {
+  ReportLines lines(text);
+  for (ReportLine line; lines.Next(line);) {
+    const auto told = SplitLabel(line.text, '=');
+    if (told && told->label == kCountLabel) return ReadInteger(told->value);
+  }
+  return std::nullopt;
+}
+
+/// Why there are, or may be, controllers beside those of the `rowCount` rows with reports; empty
+/// when there is no reason. Without a count the classes have the first controller only.
+std::string FindCountGap(const CollectedRows& rows, std::size_t rowCount) {
   const auto asked = rows.ListAnswers(kStorcli, kCountArguments);
-  const bool isTold = std::any_of(asked.begin(), asked.end(), [](const CollectedAnswer* answer) {
-    return answer->fileText.Text().find(kCountLabel) != std::string::npos ||
-           answer->output.Text().find(kCountLabel) != std::string::npos;
-  });
-  if (asked.empty() || isTold) return {};
+  for (const CollectedAnswer* answer : asked) {
+    Integer count = CountControllers(SkipByteOrderMark(answer->fileText.Text()));
+    if (!count) count = CountControllers(SkipByteOrderMark(answer->output.Text()));
+    if (!count) continue;
+    if (*count <= static_cast<std::int64_t>(rowCount)) return {};
+    return fmt::format("storcli counts {} controllers, of which {} {} read", *count, rowCount,
+                       rowCount == 1 ? "was" : "were");
+  }
+  if (asked.empty()) return {};
   const CollectedAnswer* const answer = rows.FindAnswer(kStorcli, kCountArguments);
   std::string end = answer == nullptr ? "has no answer" : DescribeEnd(answer);
   if (end.empty()) end = "told no number";
@@ -288,14 +304,15 @@ std::string FindSas2Gap(const CollectedRows& rows) {
 
 void ReadLsi(const CollectedRows& rows, Parts& parts) {
   Answers answers;
-  for (const CollectedRow& row : rows.ListRows(kReports)) {
+  const std::vector<CollectedRow> reports = rows.ListRows(kReports);
+  for (const CollectedRow& row : reports) {
     ReadController(rows, row, FindNumber(row), parts, answers);
   }
   std::vector<std::string> gaps = std::move(answers.failures);
   bool lacksControllersOnly = false;
   if (HasLsi(parts)) {
     gaps.insert(gaps.end(), answers.gaps.begin(), answers.gaps.end());
-    const std::string countGap = FindCountGap(rows);
+    const std::string countGap = FindCountGap(rows, reports.size());
     lacksControllersOnly = gaps.empty();
     if (!countGap.empty()) gaps.push_back(countGap);
   } else {
@@ -304,6 +321,9 @@ void ReadLsi(const CollectedRows& rows, Parts& parts) {
     ReadVolumeRows(rows, parts);
     ReadTopologyRows(rows, parts);
     ReadEventRows(rows, parts);
+    // The rows have neither the drives' details nor other controllers.
+    const CollectedTable* const table = rows.FindTable(kReports);
+    if (table != nullptr && HasLsi(parts)) gaps.push_back(table->status.text);
   }
   if (!gaps.empty()) {
     AddSource(parts, "lsi", kReports, SourceState::kFailed, JoinGaps(gaps));

@@ -43,16 +43,14 @@ Integer FindCount(std::string_view text) {
 }
 
 bool SaysNoController(const CollectedAnswer& answer) {
-  return FindCount(answer.output.Text()) == 0;
+  return FindCount(SkipByteOrderMark(answer.output.Text())) == 0;
 }
 
-/// Whether the tool said that there is no controller, or ended well without writing of one.
-bool TellsNoController(const CollectedRows& rows, const CollectedTable& table) {
+/// Whether the tool said that there is no controller.
+bool TellsNoController(const CollectedRows& rows) {
   const auto answers = rows.ListAnswers(kArcconf, kArguments);
-  return std::any_of(answers.begin(), answers.end(), [&](const CollectedAnswer* answer) {
-    return SaysNoController(*answer) || (table.status.outcome == "output could not be opened" &&
-                                         answer->exitCode.value_or(1) == 0);
-  });
+  return std::any_of(answers.begin(), answers.end(),
+                     [](const CollectedAnswer* answer) { return SaysNoController(*answer); });
 }
 
 /// A controller's volumes or drives are cached, logged and so on; an adapter without them need not
@@ -137,12 +135,9 @@ void AddMicrochipSource(const CollectedRows& rows, Parts& parts, bool hasParts,
     parts.sources.back().lacksControllersOnly = lacksControllersOnly;
   } else if (hasParts) {
     AddSource(parts, "microchip", kConfigClass, SourceState::kRead);
-  } else if (table != nullptr && TellsNoController(rows, *table)) {
+  } else if (table != nullptr && TellsNoController(rows)) {
     AddSource(parts, "microchip", kConfigClass, SourceState::kNone, "arcconf finds no controller");
-    const auto answers = rows.ListAnswers(kArcconf, kArguments);
-    parts.sources.back().saysNone =
-        std::any_of(answers.begin(), answers.end(),
-                    [](const auto* answer) { return SaysNoController(*answer); });
+    parts.sources.back().saysNone = true;
   } else if (table != nullptr && table->RowCount() > 0) {
     AddSource(parts, "microchip", kConfigClass, SourceState::kFailed,
               "no controller in the report");

@@ -239,10 +239,13 @@ class DumpReader {
   DumpReader(const Report& report, Parts& parts)
       : report(report), parts(parts), events(report, parts) {}
 
-  void Read() {
+  /// Where the dump breaks off, in words; empty when it does not, as far as it tells.
+  std::string Read() {
     ReportLines lines(report.text);
     for (ReportLine line; lines.Next(line);) Take(line);
+    const bool isWhole = !open || open->inData;
     End();
+    return isWhole ? "" : "breaks off in an entry";
   }
 
  private:
@@ -319,7 +322,9 @@ Event MakePinnedEvent(std::string_view line) {
 
 }  // namespace
 
-void ReadStorcliEvents(const Report& report, Parts& parts) { DumpReader(report, parts).Read(); }
+std::string ReadStorcliEvents(const Report& report, Parts& parts) {
+  return DumpReader(report, parts).Read();
+}
 
 void ReadStorcliTermLog(const Report& report, Parts& parts) {
   constexpr std::string_view kSign = "EVT#";

@@ -10,7 +10,7 @@ namespace host {
 
 /// storcli /cN show events: appends its events. Read it after the controller's drives and volumes,
 /// which events are about.
-void ReadStorcliEvents(const Report& report, Parts& parts);
+std::string ReadStorcliEvents(const Report& report, Parts& parts);
 /// The same from rows of a table of events; `report` has controller and tool, and no text.
 void ReadStorcliEventRows(const std::vector<CollectedRow>& rows, const Report& report,
                           Parts& parts);

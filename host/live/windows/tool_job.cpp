@@ -4,11 +4,12 @@
 
 #include <chrono>
 
+#include "host/recorded/machine_observer.h"
+
 namespace host {
 namespace {
 
-/// Exit code of ended tools. Small numbers are answers of the tools that test for AMT and a BMC.
-constexpr UINT kEndedCode = ERROR_TIMEOUT;
+static_assert(kEndedExitCode == ERROR_TIMEOUT);
 
 void SetJobLimits(HANDLE job, const ToolLimits& limits) {
   JOBOBJECT_EXTENDED_LIMIT_INFORMATION information{};
@@ -72,10 +73,10 @@ void ToolJob::EndWhenTimeIsUp() {
   const std::chrono::seconds limit(*limits.seconds);
   if (wake.wait_for(lock, limit, [this] { return stopped; })) return;
   ended = true;
-  TerminateJobObject(job, kEndedCode);
+  TerminateJobObject(job, kEndedExitCode);
   // Where the job could not take it (a system before Windows 8 that runs us in a job), at least the
   // process itself is to end.
-  TerminateProcess(process, kEndedCode);
+  TerminateProcess(process, kEndedExitCode);
 }
 
 bool ToolJob::HasMetMemory() {

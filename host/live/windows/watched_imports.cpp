@@ -110,6 +110,7 @@ void EndTool() {
   watch.job.reset();
   if (met.time) {
     watch.hung.Add(watch.startedLine, *limits.seconds);
+    if (Recorder* recorder = FindRecorder()) recorder->MarkEnded();
     GetObserver().OnToolEnded(*limits.seconds);
   }
   if (met.memory) GetObserver().OnToolOutOfMemory(*limits.mebibytes);

@@ -273,6 +273,31 @@ TEST(BmcSources, AreCutShortWhereOneOfTwoListingsIsEmpty) {
             "failed: cut short: ipmiutil sensor printed nothing");
 }
 
+TEST(BmcSources, AreCutShortWithinTheFirstLineOfAListing) {
+  for (const char* head : {"ipm", "ipmiutil s", "ipmiutil sensor"}) {
+    host::Recording machine = test::MakeBmcMachine();
+    test::AnswerOf(machine, "sensor -s -q").standardOutput =
+        "P0 Temp | 41 | C | ok | na | na | na | 85 | 92 | 100\r\n";
+    test::AnswerOf(machine, "sensor").standardOutput = head;
+    EXPECT_EQ(FindSource(ReadBmc(machine), "sensors"),
+              "failed: cut short: it breaks off without its last line")
+        << head;
+  }
+}
+
+TEST(BmcSources, AreCutShortWhereOneOfTwoListingsCouldNotBeMade) {
+  for (const char* listing : {"sensor", "sensor -s -q"}) {
+    host::Recording machine = test::MakeBmcMachine();
+    test::AnswerOf(machine, "sensor -s -q").standardOutput =
+        "P0 Temp | 41 | C | ok | na | na | na | 85 | 92 | 100\r\n";
+    test::AnswerOf(machine, "sensor").standardOutput =
+        "0001 SDR Full 01 01 20 a 01 snum 1a P0 Temp      = 29 OK   41.00 degrees C\r\n";
+    test::AnswerOf(machine, listing).startError = 5;
+    EXPECT_EQ(FindSource(ReadBmc(machine), "sensors"),
+              "failed: cut short: ipmiutil " + std::string(listing) + " printed nothing");
+  }
+}
+
 TEST(BmcSources, AreCutShortWhenTheListingEndsWithAnError) {
   EXPECT_EQ(
       FindSource(ReadWith("sel", "0001 INF e0 OEM Event 42\r\nipmiutil sel, error -3\r\n"), "sel"),

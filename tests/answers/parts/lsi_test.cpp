@@ -250,6 +250,29 @@ TEST(ReadLsi, TellsAllThatFailed) {
             "with code 5");
 }
 
+/// What is told of them when the tool cannot be started for `arguments`.
+std::string TellUnstarted(const std::string& arguments) {
+  Recording recording = LoadSample("two-socket-server");
+  Answer(recording, arguments, "");
+  recording.commands.back().startError = 5;
+  return Tell(ReadParts(recording, {"RAIDINFO", "PINFO", "VINFO", "TINFO", "LSILINK"}), "lsi");
+}
+
+// The rows of the other classes have neither the drives' details nor other controllers.
+TEST(ReadLsi, FailsWhereThereAreRowsAndNoReports) {
+  EXPECT_EQ(TellUnstarted("show ctrlcount"), "failed: storcli.exe: CreateProcess failed (5)");
+  EXPECT_EQ(TellUnstarted("/c0/eall/sall show all"),
+            "failed: storcli counts 2 controllers, of which 1 was read");
+  EXPECT_EQ(TellUnstarted("/c1 show events"),
+            "failed: storcli counts 2 controllers, of which 1 was read");
+}
+
+TEST(ReadLsi, FailsWithALogThatBreaksOffInAnEntry) {
+  EXPECT_EQ(TellCut("/c0 show events", "Event Description"),
+            "failed: storcli /c0 show events breaks off in an entry");
+  EXPECT_EQ(TellCut("/c0 show events", "==========="), "read: ");
+}
+
 TEST(ReadLsi, FailsWhereNobodyKnowsHowManyControllersThereAre) {
   Recording recording = LoadSample("two-socket-server");
   Answer(recording, "show ctrlcount", "Status = Failure\nDescription = busy\n");

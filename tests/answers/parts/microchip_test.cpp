@@ -109,6 +109,16 @@ TEST(MicrochipSource, FailsWithFewerControllersThanTheToolCounts) {
   EXPECT_EQ(FindMicrochipSource(ReadMicrochip(machine)), "read: ");
 }
 
+TEST(MicrochipSource, CountsControllersBehindAByteOrderMark) {
+  host::Recording machine = MakeMicrochipMachine("");
+  machine.files["c:\\Support\\Firmware\\Controller_1_Config.txt"] =
+      "\xEF\xBB\xBF"
+      "Controllers found: 2\n" +
+      std::string(kConfig) + kDevices + "\nCommand completed successfully.\n";
+  EXPECT_EQ(FindMicrochipSource(ReadMicrochip(machine)),
+            "failed: arcconf counts 2 controllers, of which 1 was read");
+}
+
 // An array that was whole yesterday may have lost a drive since.
 TEST(MicrochipSource, FailsWithFilesOfAnotherDay) {
   host::Recording machine;
@@ -124,9 +134,14 @@ TEST(MicrochipSource, IsNoneWithoutToolOrController) {
   EXPECT_EQ(FindMicrochipSource(ReadMicrochip({})), "none: arcconf.exe is not on this machine");
   EXPECT_EQ(FindMicrochipSource(ReadMicrochip(MakeMicrochipMachine("Controllers found: 0\n"))),
             "none: arcconf finds no controller");
-  // It writes an archive only where there is a controller.
-  EXPECT_EQ(FindMicrochipSource(ReadMicrochip(MakeMicrochipMachine("Done.\n"))),
-            "none: arcconf finds no controller");
+}
+
+TEST(MicrochipSource, FailsWhereNothingSaysThatThereIsNoController) {
+  for (const char* printed : {"", "Done.\n", "Controllers found: 1\n"}) {
+    EXPECT_THAT(FindMicrochipSource(ReadMicrochip(MakeMicrochipMachine(printed))),
+                testing::StartsWith("failed: arcconf.exe: Failed to open "))
+        << printed;
+  }
 }
 
 TEST(MicrochipSource, FailsWithTheTool) {
