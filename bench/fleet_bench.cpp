@@ -2,9 +2,12 @@
 // its own.
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <chrono>
+#include <limits>
 #include <sstream>
 #include <string>
+#include <utility>
 
 #include "fleet/isolation.h"
 #include "fleet/parsed.h"
@@ -43,23 +46,17 @@ void BM_FleetParse(benchmark::State& state) {
 }
 BENCHMARK(BM_FleetParse)->Unit(benchmark::kMillisecond);
 
-/// The bar: milliseconds of processor time of the process that parses a recording.
-constexpr double kMostMilliseconds = 6;
-
+/// Its processor time is told as child_ms; scripts/fleet_acceptance.sh has the bar, for a whole fleet.
 void BM_FleetChild(benchmark::State& state) {
   Night night;
-  double fastest = 1e9;
+  double fastest = std::numeric_limits<double>::infinity();
   for (auto _ : state) {
     const fleet::IsolatedAnswer answer =
         fleet::RunIsolated([&] { return night.Parse(); }, {}, fleet::Sandbox::kStrict);
     constexpr double kThousand = 1000;
-    const double taken = static_cast<double>(answer.cpuMicroseconds) / kThousand;
-    if (taken < fastest) fastest = taken;
+    fastest = std::min(fastest, static_cast<double>(answer.cpuMicroseconds) / kThousand);
   }
   state.counters["child_ms"] = fastest;
-  if (fastest <= kMostMilliseconds) return;
-  const std::string words = std::to_string(fastest) + " ms are more than the bar allows";
-  state.SkipWithError(words.c_str());
 }
 BENCHMARK(BM_FleetChild)->Unit(benchmark::kMillisecond);
 

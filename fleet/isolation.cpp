@@ -164,13 +164,17 @@ void Confine(const IsolationLimits& limits, Sandbox sandbox) {
   }
 }
 
-std::string DescribeOverdue(const IsolationLimits& limits) {
-  return fmt::format("parsing took longer than {} ms", limits.time.count());
+/// On a machine that stood still meanwhile, or has too much to do, that tells nothing of the
+/// recording: what computes without an end meets the limit of CPU.
+void NoteOverdue(const IsolationLimits& limits, IsolatedAnswer& isolated) {
+  isolated.failure = fmt::format("parsing took longer than {} ms", limits.time.count());
+  isolated.mayPass = true;
 }
 
-/// Reads to the end of the pipe. Returns why it did not come to that; empty when it did.
-std::string ReadAnswer(int pipe, const IsolationLimits& limits, Clock::time_point end,
-                       std::string& answer) {
+/// Reads to the end of the pipe, or notes why it did not come to that.
+void ReadAnswer(int pipe, const IsolationLimits& limits, Clock::time_point end,
+                IsolatedAnswer& isolated) {
+  std::string& answer = isolated.answer;
   constexpr std::size_t kChunk = 1 << 18;
   std::size_t size = 0;
   while (true) {
@@ -178,18 +182,18 @@ std::string ReadAnswer(int pipe, const IsolationLimits& limits, Clock::time_poin
     pollfd ready{pipe, POLLIN, 0};
     const int count = left.count() <= 0 ? 0 : poll(&ready, 1, static_cast<int>(left.count()));
     if (count < 0 && errno == EINTR) continue;
-    if (count <= 0) return DescribeOverdue(limits);
+    if (count <= 0) return NoteOverdue(limits, isolated);
     answer.resize(size + kChunk);
     const ssize_t got = read(pipe, answer.data() + size, kChunk);
     if (got < 0 && errno == EINTR) continue;
     if (got <= 0) break;
     size += static_cast<std::size_t>(got);
     if (size > limits.answer) {
-      return fmt::format("its rows are more than {} MiB", limits.answer >> 20);
+      isolated.failure = fmt::format("its rows are more than {} MiB", limits.answer >> 20);
+      return;
     }
   }
   answer.resize(size);
-  return {};
 }
 
 /// Waits until the process is over, or `end`.
@@ -260,13 +264,13 @@ IsolatedAnswer RunIsolated(const std::function<std::string()>& work, const Isola
   const Clock::time_point end = Clock::now() + limits.time;
   IsolatedAnswer isolated;
   try {
-    isolated.failure = ReadAnswer(ends[0], limits, end, isolated.answer);
+    ReadAnswer(ends[0], limits, end, isolated);
   } catch (const std::bad_alloc&) {
     isolated.failure = "its rows do not fit into this machine's memory";
     isolated.mayPass = true;
   }
   // It may close the pipe and go on all the same.
-  if (isolated.failure.empty() && !AwaitEnd(child, end)) isolated.failure = DescribeOverdue(limits);
+  if (isolated.failure.empty() && !AwaitEnd(child, end)) NoteOverdue(limits, isolated);
   if (!isolated.failure.empty()) kill(child, SIGKILL);
   close(ends[0]);
   int status = 0;

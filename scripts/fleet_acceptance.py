@@ -235,7 +235,7 @@ def multiply(fleet, copies):
                   "drive_growth", *parts]:
         columns = [row[0] for row in fleet.sql(
             f"select attname from pg_attribute where attrelid = 'fleet.{table}'::regclass"
-            f" and attnum > 0 and not attisdropped order by attnum")]
+            f" and attnum > 0 and not attisdropped and attgenerated = '' order by attnum")]
         clone(table, [f'"{column}"' for column in columns],
               {f'"{name}"': value for name, value in {**usual, **own.get(table, {})}.items()})
     fleet.sql("vacuum analyze")

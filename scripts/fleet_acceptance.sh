@@ -6,5 +6,5 @@
 #   equality
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/build.sh native pqfleet pqhost write_random_recordings troubled_system
+scripts/build.sh native pqfleet pqhost write_random_recordings
 exec python3 scripts/fleet_acceptance.py build/native/bin "$@"

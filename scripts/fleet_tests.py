@@ -586,7 +586,8 @@ def test_kills(server):
     # Who was asleep may have been the last one.
     chaos.work("--lease", "1")
     expect(not differences(digest(calm), digest(chaos)),
-           f"lost or doubled: {differences(digest(calm), digest(chaos))}")
+           f"lost or doubled: {differences(digest(calm), digest(chaos))};"
+           f" parked: {chaos.sql('select reason, attempts, lost from fleet.parked')}")
     expect(count_processes() == 0, "no process is left")
 
 
@@ -649,10 +650,7 @@ def test_end_request(server):
     time.sleep(0.1)
     server.stop("immediate")
     server.start()
-    for _ in range(300):
-        time.sleep(0.05)
-        if fleet.value("select count(*) from fleet.job where state < 2") == "0":
-            break
+    await_true(lambda: fleet.value("select count(*) from fleet.job where state < 2") == "0", 120)
     team.send_signal(signal.SIGTERM)
     team.communicate(timeout=60)
     other = Fleet(server)
