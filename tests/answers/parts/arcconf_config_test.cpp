@@ -350,6 +350,30 @@ TEST(ArcconfConfig, HasTheCacheOfSolidStateDrivesAsAVolume) {
   EXPECT_EQ(parts.volumes[0].state, "Degraded");
 }
 
+TEST(ArcconfConfig, KnowsTheWordsOfOtherVersionsForAVolume) {
+  const Parts parts = ReadConfig(Section("Logical drive information",
+                                         "Logical drive number 2\n"
+                                         "   Logical drive name           : Vault\n"
+                                         "   Status of logical drive      : Optimal\n"
+                                         "   Caching                      : Enabled\n"
+                                         "   Parity Initialization Status : Completed\n"
+                                         "   Defunct stripes              : Yes\n"));
+  ASSERT_THAT(ListIds(parts.volumes), ElementsAre("mchp1 v2"));
+  const auto& volume = parts.volumes[0];
+  EXPECT_EQ(volume.name, "Vault");
+  EXPECT_EQ(volume.state, "Optimal");
+  EXPECT_EQ(volume.cache, "Enabled");
+  EXPECT_EQ(volume.initialized, "Completed");
+  EXPECT_EQ(volume.failedStripes, "Yes");
+}
+
+TEST(ArcconfConfig, TakesAFailurePredictionOnlyWhereThereIsOne) {
+  const Parts parts = ReadConfig(Drives(DriveLines(0, "Online", "         PFA : Yes (2)\n") +
+                                        DriveLines(1, "Online", "         PFA : No\n")));
+  EXPECT_EQ(parts.drives.at(0).smartAlert, "Yes (2)");
+  EXPECT_EQ(parts.drives.at(1).smartAlert, "");
+}
+
 /// "ID: STATE" of each cache backup of a controller with these lines.
 std::vector<std::string> ListBackups(const std::string& lines) {
   std::vector<std::string> backups;
