@@ -1,5 +1,5 @@
-// A recording of a fleet, from its ZIP file to what the database gets: in this process, and in one of
-// its own.
+// A recording of a fleet, from its ZIP file to what the database gets: in this process, and in one
+// of its own.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -30,8 +30,8 @@ struct Night {
 
   std::string Parse() {
     constexpr auto kDay = std::chrono::year{2026} / 11 / 18;
-    return Pack(parser.Parse(
-        zip, key, host::LocalTime{std::chrono::sys_days{kDay}, std::chrono::hours(1)}));
+    return Pack(parser.Parse(zip, key,
+                             host::LocalTime{std::chrono::sys_days{kDay}, std::chrono::hours(1)}));
   }
 
   std::string zip;
@@ -46,7 +46,8 @@ void BM_FleetParse(benchmark::State& state) {
 }
 BENCHMARK(BM_FleetParse)->Unit(benchmark::kMillisecond);
 
-/// Its processor time is told as child_ms; scripts/fleet_acceptance.sh has the bar, for a whole fleet.
+/// Its processor time is told as child_ms; scripts/fleet_acceptance.sh has the bar, for a whole
+/// fleet.
 void BM_FleetChild(benchmark::State& state) {
   Night night;
   double fastest = std::numeric_limits<double>::infinity();

@@ -31,9 +31,10 @@ bool IsStore(const fs::path& folder) {
 
 FolderStore::FolderStore(const std::string& address) : folder(host::PathFromText(address)) {
   if (IsStore(folder)) return;
-  FailStore(folder, fmt::format("it is no store of recordings, as it has no file {}: mount it, or make "
-                           "it with pqfleet init --store",
-                           kStoreMark));
+  FailStore(folder,
+            fmt::format("it is no store of recordings, as it has no file {}: mount it, or make "
+                        "it with pqfleet init --store",
+                        kStoreMark));
 }
 
 void FolderStore::Create(const std::string& address) {

@@ -173,7 +173,8 @@ httplib::Response HttpStore::Ask(const httplib::Request& request) const {
     const Clock::time_point sent = Clock::now();
     httplib::Request attempt = request;
     std::string body;
-    attempt.content_receiver = [&](const char* data, std::size_t size, std::uint64_t, std::uint64_t) {
+    attempt.content_receiver = [&](const char* data, std::size_t size, std::uint64_t,
+                                   std::uint64_t) {
       if (body.size() + size > kMostBytes || Clock::now() - sent > kTransferTime) return false;
       body.append(data, size);
       return true;
@@ -186,8 +187,8 @@ httplib::Response HttpStore::Ask(const httplib::Request& request) const {
       return answer;
     }
     if (Clock::now() - begin + pause > kPatience || (!isAnswered && !MayPass(error))) {
-      Fail(request.path.substr(path.size()), isAnswered ? DescribeStatus(answer.status)
-                                                        : std::string(DescribeError(error)));
+      Fail(request.path.substr(path.size()),
+           isAnswered ? DescribeStatus(answer.status) : std::string(DescribeError(error)));
     }
     client.reset();
     std::this_thread::sleep_for(pause);
@@ -201,10 +202,10 @@ httplib::Client& HttpStore::Connect() const {
                : std::make_unique<httplib::Client>(host, place.certificate, place.certificate);
   if (!client->is_valid()) {
     client.reset();
-    throw StoreFailure(
-        place.certificate.empty()
-            ? fmt::format("{}: it is no address of a server", host)
-            : fmt::format("{}: there is no certificate with its key to be read", place.certificate));
+    throw StoreFailure(place.certificate.empty()
+                           ? fmt::format("{}: it is no address of a server", host)
+                           : fmt::format("{}: there is no certificate with its key to be read",
+                                         place.certificate));
   }
   client->set_keep_alive(true);
   client->set_tcp_nodelay(true);  // Head and body are written one after the other.
