@@ -16,7 +16,7 @@ namespace host {
 /// The facts that a recording gives about its machine.
 MachineFacts DescribeRecording(const Recording& recording);
 
-class RecordedSource : public Source {
+class RecordedSource final : public Source {
  public:
   /// Shares the texts of `recording`.
   explicit RecordedSource(Recording recording) : recording(std::move(recording)) {}

@@ -43,23 +43,6 @@ TEST(Collection, GivesTheSameTraceAfterAnyOtherSample) {
   }
 }
 
-/// A machine whose log folder is removed while the modules are at work.
-class LosingSource final : public RecordedSource {
- public:
-  using RecordedSource::RecordedSource;
-  bool HasLogFolder() override { return false; }
-};
-
-TEST(Collection, NamesTheLogFolderThatWentAway) {
-  LosingSource source{Recording()};
-  CollectionListener nobody;
-  const std::string problem =
-      "the log folder C:\\Halyard\\logs\\ went away during the collection; what tools wrote there "
-      "is missing";
-  EXPECT_THAT(Collect(source, {}, nobody).problems, Contains(problem));
-  EXPECT_THAT(Collect(Recording()).problems, Not(Contains(problem)));
-}
-
 /// One tool that prints into a pipe and one that writes a file.
 Recording MakeTwoTools() {
   Recording recording;

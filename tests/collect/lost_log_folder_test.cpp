@@ -19,6 +19,10 @@
 namespace host {
 namespace {
 
+using testing::Contains;
+using testing::HasSubstr;
+using testing::Not;
+
 /// A recording as a machine that loses its log folder, with all that is in it.
 class LosingMachine final : public pq::Platform {
  public:
@@ -86,6 +90,8 @@ class LosingSource final : public Source {
     return machine->Now().FileSize(recording.logFolder + fileName);
   }
 
+  bool HasLogFolder() override { return !machine->IsLost(); }
+
   const LosingMachine& Lost() const { return *machine; }
 
  private:
@@ -121,9 +127,13 @@ TEST(LostLogFolder, IsToldByEveryTableThatLacksSomethingForIt) {
   constexpr int kNever = 1'000'000;
   for (const auto& [name, recording] : test::LoadSamples()) {
     const Result whole = CollectLosing(recording, kNever);
+    EXPECT_THAT(whole.collection.problems, Not(Contains(HasSubstr("went away"))));
     for (int at = 0; at < whole.steps; ++at) {
       SCOPED_TRACE(name + " " + std::to_string(at));
       const Result result = CollectLosing(recording, at);
+      EXPECT_THAT(result.collection.problems,
+                  Contains("the log folder C:\\Halyard\\logs\\ went away during the collection; "
+                           "what tools wrote there is missing"));
       // A tool that a module leaves open was not started, maybe.
       EXPECT_LE(result.openHandles, whole.openHandles);
       ASSERT_EQ(result.collection.tables.size(), whole.collection.tables.size());
