@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <sstream>
 
 namespace LogKit {
@@ -24,7 +25,8 @@ class LOGGER_API Log {
   unsigned level;
   const char* file;
   int line;
-  std::ostringstream stream;
+  std::ostringstream* stream;
+  std::optional<std::ostringstream> unheard;  ///< the stream of a line that nobody takes
 };
 
 /// Fills `buffer` (`size` bytes, the plug-in passes 256) with the log folder as a path that ends

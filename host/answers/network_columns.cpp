@@ -17,34 +17,38 @@ namespace {
 
 using Words = std::vector<std::string_view>;
 
+void CompareRow(const CollectedRow& row, const std::vector<std::string_view>& labels,
+                const Words& printed, OtherRows& otherRows) {
+  for (std::size_t column = 0; column < labels.size(); ++column) {
+    const std::string shown = row.Get(fmt::format("item{}", column + 1));
+    const std::string_view word = column < printed.size() ? printed[column] : "";
+    if (shown == word) continue;
+    otherRows.Take(row.Number(), labels[column], shown, word);
+    return;
+  }
+}
+
 /// Words are dealt to columns by their count alone, and rows begin after so many lines:
 ///
 ///   TCP    10.20.0.31:49731       10.20.0.5:445          ESTABLISHED     4
+///
+/// There can be millions of lines, of which no list is made.
 Misfit FindWordsMisfit(const TableBesideReport& table, const std::vector<std::string_view>& labels,
                        bool (*isRow)(const Words& words)) {
   if (table.rows.empty()) return {};
-  std::vector<Words> printed;
+  OtherRows otherRows;
+  std::size_t printed = 0;
   ReportLine line;
   for (ReportLines lines(table.report); lines.Next(line);) {
-    if (Words words = ListWords(line.text); !words.empty() && isRow(words)) {
-      printed.push_back(std::move(words));
-    }
-  }
-  OtherRows otherRows;
-  const std::size_t both = std::min(printed.size(), table.rows.size());
-  for (std::size_t i = 0; i < both; ++i) {
-    for (std::size_t column = 0; column < labels.size(); ++column) {
-      const std::string shown = table.rows[i].Get(fmt::format("item{}", column + 1));
-      const std::string_view word = column < printed[i].size() ? printed[i][column] : "";
-      if (shown == word) continue;
-      otherRows.Take(table.rows[i].Number(), labels[column], shown, word);
-      break;
-    }
+    const Words words = ListWords(line.text);
+    if (words.empty() || !isRow(words)) continue;
+    if (printed < table.rows.size()) CompareRow(table.rows[printed], labels, words, otherRows);
+    ++printed;
   }
   std::vector<std::string> reasons;
   if (!otherRows.IsEmpty()) reasons.push_back(otherRows.Tell());
-  if (!printed.empty() && printed.size() != table.rows.size()) {
-    reasons.push_back(fmt::format("its {} are {}", FormatCount(printed.size(), "line"),
+  if (printed != 0 && printed != table.rows.size()) {
+    reasons.push_back(fmt::format("its {} are {}", FormatCount(printed, "line"),
                                   FormatCount(table.rows.size(), "row")));
   }
   return fmt::format("{}", fmt::join(reasons, "; "));

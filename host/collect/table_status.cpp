@@ -229,8 +229,9 @@ const pq::AnswerExplanation* FindExplanation(const ToolRun& run,
 }
 
 /// Notes the facts that a log line tells of the run that it is about.
-void NoteRun(ToolRun& run, std::string_view text, const pq::ModuleDescription* module) {
-  if (const pq::FailureSentence* known = FindFailureSentence(text)) {
+void NoteRun(ToolRun& run, std::string_view text, const pq::FailureSentence* known,
+             const pq::ModuleDescription* module) {
+  if (known != nullptr) {
     if (known->failure == pq::StepFailure::kToolNotRun) run.startFailure = text;
     if (known->failure == pq::StepFailure::kOutputNotOpened) run.openFailure = text;
     if (known->failure == pq::StepFailure::kNothingToReport) {
@@ -256,12 +257,14 @@ std::string DescribeStatus(const TableStatus& status) {
 
 void StatusTracker::Module(const std::string& name, const std::string& /*description*/) {
   module = name;
+  description = FindModuleDescription(name);
   runIsOpen = false;
   starts.Module(name);
 }
 
 void StatusTracker::Enumerate(const std::string& name, const std::string& /*table*/) {
   module = name;
+  description = FindModuleDescription(name);
 }
 
 ToolRun& StatusTracker::BeginRun(const std::string& commandLine, bool pipe) {
@@ -294,12 +297,12 @@ void StatusTracker::OnAnswer(const ToolAnswer& answer) {
   if (runs.empty()) return;
   ToolRun& run = runs.back();
   if (run.readThroughPipe) run.wasCut = ExceedsPipe(answer);
-  const pq::ModuleDescription* description = FindModuleDescription(run.module);
-  if (description == nullptr) return;
+  const pq::ModuleDescription* runsModule = FindModuleDescription(run.module);
+  if (runsModule == nullptr) return;
   const std::string_view printed = GetPrinted(answer);
-  run.explanation = FindExplanation(run, *description, printed);
-  run.printedErrorLine = HasErrorLine(*description, printed);
-  run.reason = FindReason(*description, run.program, printed);
+  run.explanation = FindExplanation(run, *runsModule, printed);
+  run.printedErrorLine = HasErrorLine(*runsModule, printed);
+  run.reason = FindReason(*runsModule, run.program, printed);
 }
 
 void StatusTracker::OnSystem(const std::string& command) {
@@ -378,7 +381,6 @@ void StatusTracker::OnRefused() {
 
 void StatusTracker::Log(const LogLine& line) {
   const std::string_view text = RemoveLogPrefix(line.text);
-  const pq::ModuleDescription* description = FindModuleDescription(module);
   runJustBegan = false;
   if (const auto commandLine = starts.Log(text); commandLine && !interrupted) {
     BeginRun(*commandLine, false);
@@ -401,7 +403,7 @@ void StatusTracker::NoteLog(std::string_view text) {
       return candidate.module == module && EndsWithoutCase(candidate.program, known->program);
     });
   }
-  if (run != runs.rend()) NoteRun(*run, text, FindModuleDescription(module));
+  if (run != runs.rend()) NoteRun(*run, text, known, description);
 }
 
 std::vector<const ToolRun*> StatusTracker::FindRuns(const std::string& name,

@@ -157,6 +157,7 @@ class StatusTracker final : public CollectionListener {
   FileSize logFileSize;
   OldFileTest findOldFile;
   std::string module;
+  const pq::ModuleDescription* description = nullptr;  ///< of the module; null of an unknown one
   StartWatch starts;
   std::vector<ToolRun> runs;
   bool runIsOpen = false;                               ///< log lines are about the last run

@@ -1,6 +1,7 @@
 #include "host/redact/encoded_runs.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 #include <vector>
@@ -43,23 +44,74 @@ constexpr std::array<std::int8_t, 256> kHexValues = [] {
 
 int HexValue(char c) { return kHexValues[static_cast<unsigned char>(c)]; }
 
-/// The places of the Base64 characters from `at` on; `at` becomes the end of them.
-void CollectBase64(std::string_view text, std::size_t& at, std::vector<std::size_t>& places) {
-  places.clear();
-  std::size_t inLine = 0;
-  while (at < text.size()) {
-    if (Base64Value(text[at]) >= 0) {
-      places.push_back(at++);
+/// The characters of Base64 from a place on, one after the other.
+class Base64Run {
+ public:
+  Base64Run(std::string_view text, std::size_t begin) : text(text), next(begin) {}
+
+  /// False at the end.
+  bool Take() {
+    if (IsBase64(next)) {
       ++inLine;
-      continue;
+    } else {
+      const std::size_t lineFeed = next < text.size() && text[next] == '\r' ? next + 1 : next;
+      const bool goesOn = inLine >= kWrappedLine && lineFeed < text.size() &&
+                          text[lineFeed] == '\n' && IsBase64(lineFeed + 1);
+      if (!goesOn) return false;
+      next = lineFeed + 1;
+      inLine = 1;
     }
-    const std::size_t lineFeed = text[at] == '\r' ? at + 1 : at;
-    const bool goesOn = inLine >= kWrappedLine && lineFeed + 1 < text.size() &&
-                        text[lineFeed] == '\n' && Base64Value(text[lineFeed + 1]) >= 0;
-    if (!goesOn) return;
-    at = lineFeed + 1;
-    inLine = 0;
+    ++next;
+    return true;
   }
+
+  /// Of the one that was taken last.
+  std::size_t Place() const { return next - 1; }
+  std::uint32_t Value() const { return static_cast<std::uint32_t>(Base64Value(text[next - 1])); }
+
+ private:
+  bool IsBase64(std::size_t at) const { return at < text.size() && Base64Value(text[at]) >= 0; }
+
+  std::string_view text;
+  std::size_t next;
+  std::size_t inLine = 0;
+};
+
+constexpr std::size_t kPhases = 4;
+
+/// With which of the run's first characters bytes begin that have one of `beginnings`, and where
+/// the run ends.
+struct Base64Phases {
+  std::array<bool, kPhases> mayHave{};
+  std::size_t end = 0;
+};
+
+Base64Phases FindPhases(Base64Run run, const Beginnings& beginnings) {
+  constexpr std::size_t kInView = 5;  // three bytes of any phase
+  Base64Phases phases;
+  std::uint32_t bits = 0;
+  for (std::size_t count = 1; run.Take(); ++count) {
+    phases.end = run.Place() + 1;
+    bits = bits << kSextet | run.Value();
+    if (count < kInView) continue;
+    // A byte may begin with each second bit of the first character in view. Six bits are one and
+    // eight a byte: by that it is known with which character these bytes began.
+    const bool hasFirst = beginnings.Has(Beginnings::NumberOf(bits >> 6));
+    const bool hasSecond = beginnings.Has(Beginnings::NumberOf(bits >> 4));
+    const bool hasThird = beginnings.Has(Beginnings::NumberOf(bits >> 2));
+    if (!(hasFirst | hasSecond | hasThird)) continue;
+    const std::size_t place = count - kInView;
+    phases.mayHave[place % kPhases] |= hasFirst;
+    phases.mayHave[(place + 3) % kPhases] |= hasSecond;
+    phases.mayHave[(place + 2) % kPhases] |= hasThird;
+  }
+  return phases;
+}
+
+/// The places of the characters.
+void CollectBase64(Base64Run run, std::vector<std::size_t>& places) {
+  places.clear();
+  while (run.Take()) places.push_back(run.Place());
 }
 
 /// Makes `bytes` those that begin with the character number `phase`, of which there is one.
@@ -98,8 +150,10 @@ void EncodeBase64(std::string& text, const std::vector<std::size_t>& places, std
   }
 }
 
-void ChangeBase64(std::string& text, const ChangeBytes& change,
-                  const std::function<void(const Stretch&)>& noteChange) {
+/// Calls `take` with the bytes that may have one of `beginnings`, the places of the run's
+/// characters and the number of the one that the bytes begin with.
+template <typename Take>
+void ForEachBase64(std::string_view text, const Beginnings& beginnings, const Take& take) {
   std::vector<std::size_t> places;
   std::string bytes;
   for (std::size_t at = 0; at < text.size(); ++at) {
@@ -111,13 +165,16 @@ void ChangeBase64(std::string& text, const ChangeBytes& change,
       at = end;
       continue;
     }
-    CollectBase64(text, at, places);
-    for (std::size_t phase = 0; phase < 4; ++phase) {
+    const Base64Run run(text, at);
+    const Base64Phases phases = FindPhases(run, beginnings);
+    at = phases.end;
+    places.clear();
+    for (std::size_t phase = 0; phase < kPhases; ++phase) {
+      if (!phases.mayHave[phase]) continue;
+      if (places.empty()) CollectBase64(run, places);
       if (places.size() - phase < kShortestBase64) break;
       DecodeBase64(text, places, phase, bytes);
-      if (!change(bytes)) continue;
-      EncodeBase64(text, places, phase, bytes);
-      noteChange({places.front(), places.back() + 1});
+      take(bytes, places, phase);
     }
   }
 }
@@ -150,38 +207,55 @@ void CollectPairs(std::string_view text, std::size_t& at, std::vector<std::size_
   }
 }
 
-void ChangeHex(std::string& text, const ChangeBytes& change,
-               const std::function<void(const Stretch&)>& noteChange) {
+/// Calls `take` with the bytes and the places of the pairs.
+template <typename Take>
+void ForEachHex(std::string_view text, const Take& take) {
   std::vector<std::size_t> places;
+  std::string bytes;
   for (std::size_t at = 0; at < text.size(); ++at) {
     if (!IsPair(text, at) || (at > 0 && HexValue(text[at - 1]) >= 0)) continue;
     CollectPairs(text, at, places);
     if (places.size() < kFewestPairs) continue;
-    std::string bytes;
+    bytes.clear();
     for (const std::size_t place : places) {
       bytes += static_cast<char>(HexValue(text[place]) << 4 | HexValue(text[place + 1]));
     }
-    if (!change(bytes)) continue;
-    for (std::size_t i = 0; i < places.size(); ++i) {
-      char* pair = &text[places[i]];
-      const bool hasCapitals =
-          (pair[0] >= 'A' && pair[0] <= 'F') || (pair[1] >= 'A' && pair[1] <= 'F');
-      const char* digits = hasCapitals ? "0123456789ABCDEF" : "0123456789abcdef";
-      const auto byte = static_cast<unsigned char>(bytes[i]);
-      if ((HexValue(pair[0]) << 4 | HexValue(pair[1])) == byte) continue;
-      pair[0] = digits[byte >> 4];
-      pair[1] = digits[byte & 15];
-    }
-    noteChange({places.front(), places.back() + 2});
+    take(bytes, places);
+  }
+}
+
+void EncodeHex(std::string& text, const std::vector<std::size_t>& places, std::string_view bytes) {
+  for (std::size_t i = 0; i < places.size(); ++i) {
+    char* pair = &text[places[i]];
+    const bool hasCapitals =
+        (pair[0] >= 'A' && pair[0] <= 'F') || (pair[1] >= 'A' && pair[1] <= 'F');
+    const char* digits = hasCapitals ? "0123456789ABCDEF" : "0123456789abcdef";
+    const auto byte = static_cast<unsigned char>(bytes[i]);
+    if ((HexValue(pair[0]) << 4 | HexValue(pair[1])) == byte) continue;
+    pair[0] = digits[byte >> 4];
+    pair[1] = digits[byte & 15];
   }
 }
 
 }  // namespace
 
-void ChangeEncodedBytes(std::string& text, const ChangeBytes& change,
-                        const std::function<void(const Stretch&)>& noteChange) {
-  ChangeBase64(text, change, noteChange);
-  ChangeHex(text, change, noteChange);
+void ChangeEncodedBytes(std::string& text, const Beginnings& beginnings,
+                        const ChangeBytes& change) {
+  ForEachBase64(text, beginnings,
+                [&](std::string& bytes, const std::vector<std::size_t>& places, std::size_t phase) {
+                  if (change(bytes)) EncodeBase64(text, places, phase, bytes);
+                });
+  ForEachHex(text, [&](std::string& bytes, const std::vector<std::size_t>& places) {
+    if (change(bytes)) EncodeHex(text, places, bytes);
+  });
+}
+
+void ReadEncodedBytes(std::string_view text, const Beginnings& beginnings, const TakeBytes& take) {
+  ForEachBase64(text, beginnings,
+                [&](const std::string& bytes, const auto& /*places*/, std::size_t /*phase*/) {
+                  take(bytes);
+                });
+  ForEachHex(text, [&](const std::string& bytes, const auto& /*places*/) { take(bytes); });
 }
 
 }  // namespace host

@@ -173,12 +173,12 @@ bool AreAlike(std::size_t at, int first, int one, int other) {
   return isIn(one) == isIn(other);
 }
 
-/// The next after `octet` in an order that the key gives to all like it.
-int TurnOctet(KeyedNumbers numbers, std::size_t at, int first, int octet) {
+/// The next after `octet` in the order that `numbers` give to all like it.
+int TurnOctet(const OctetNumbers& numbers, std::size_t at, int first, int octet) {
   std::vector<std::pair<int, int>> order;
   for (int other = 0; other <= 255; ++other) {
-    const int number = numbers.Take(256) << 8 | numbers.Take(256);
-    if (AreAlike(at, first, octet, other)) order.emplace_back(number, other);
+    if (!AreAlike(at, first, octet, other)) continue;
+    order.emplace_back(numbers[static_cast<std::size_t>(other)], other);
   }
   std::ranges::sort(order);
   const auto found = std::ranges::find(order, octet, &std::pair<int, int>::second);
@@ -210,6 +210,20 @@ std::string Pseudonyms::Make(ValueKind kind, std::string_view value, int attempt
   }
 }
 
+const OctetNumbers& Pseudonyms::NumberOctets(const std::string& network) const {
+  constexpr std::size_t kMostKept = 4096;
+  if (octetNumbers.size() >= kMostKept) octetNumbers.clear();
+  const auto [known, isNew] = octetNumbers.try_emplace(network);
+  if (isNew) {
+    KeyedNumbers numbers(key, "ipv4/" + network);
+    for (std::uint16_t& number : known->second) {
+      const int high = numbers.Take(256);
+      number = static_cast<std::uint16_t>(high << 8 | numbers.Take(256));
+    }
+  }
+  return known->second;
+}
+
 // Octet by octet, each in an order that depends on those before it: addresses of one network have
 // pseudonyms of one network.
 std::string Pseudonyms::MakeIpv4(std::string_view value) const {
@@ -222,7 +236,7 @@ std::string Pseudonyms::MakeIpv4(std::string_view value) const {
     int octet = 0;
     for (const char c : part) octet = octet * 10 + (c - '0');
     if (at == 0) first = octet;
-    const int turned = TurnOctet(KeyedNumbers(key, "ipv4/" + prefix), at, first, octet);
+    const int turned = TurnOctet(NumberOctets(prefix), at, first, octet);
     pseudonym += fmt::format("{}{}", at == 0 ? "" : ".", turned);
     prefix += fmt::format("{}.", octet);
   }

@@ -4,12 +4,18 @@
 // that two values never share a pseudonym and none is its own.
 #pragma once
 
+#include <array>
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include "host/redact/kinds.h"
 
 namespace host {
+
+/// Random numbers of the octets that may follow others.
+using OctetNumbers = std::array<std::uint16_t, 256>;
 
 class Pseudonyms {
  public:
@@ -25,7 +31,11 @@ class Pseudonyms {
   std::string MakeIpv4(std::string_view value) const;
   std::string MakeIpv6(std::string_view value) const;
 
+  const OctetNumbers& NumberOctets(const std::string& network) const;
+
   std::string key;
+  /// Those of the networks that came last: to make them takes longer than all else.
+  mutable std::unordered_map<std::string, OctetNumbers> octetNumbers;
 };
 
 }  // namespace host

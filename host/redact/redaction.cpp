@@ -82,9 +82,7 @@ class RecordingRedactor {
     std::size_t next = 0;
     TextRedactor redactor(values);
     VisitTexts([&](std::string_view text, TextPlace place, const std::string& name) {
-      TextRedactor::Result redacted = redactor.Redact(text, place, textsWithOrdinary[next++], name);
-      for (const std::size_t leak : redacted.leaks) NoteLeak(leak, name);
-      return std::move(redacted.text);
+      return redactor.Redact(text, place, textsWithOrdinary[next++], name);
     });
     NoteRedaction();
     CheckFiles(redactor);
@@ -285,7 +283,7 @@ class RecordingRedactor {
   void CheckFiles(const TextRedactor& redactor) {
     VisitRecordingFiles(result.recording, [&](const std::string& name, std::string_view bytes) {
       for (const std::size_t leak : redactor.FindLeaks(name)) NoteLeak(leak, name);
-      for (const std::size_t leak : redactor.FindLeaks(std::string(bytes))) NoteLeak(leak, name);
+      for (const std::size_t leak : redactor.FindLeaks(bytes)) NoteLeak(leak, name);
     });
   }
 

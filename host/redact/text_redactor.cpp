@@ -3,7 +3,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 
+#include "host/redact/encoded_runs.h"
 #include "host/secrets/amt_login.h"
 
 namespace host {
@@ -56,39 +58,41 @@ void TextRedactor::Count(std::size_t number, std::size_t at, const std::string& 
   if (value.count++ == 0) value.where = fmt::format("{}, line {}", name, lines.LineOf(at));
 }
 
-TextRedactor::Result TextRedactor::Redact(std::string_view given, TextPlace place, bool hasOrdinary,
-                                          const std::string& name) {
-  Result result{std::string(given), {}};
-  std::string& text = result.text;
-  std::vector<Edit> edits;
-  if (hasOrdinary) ReplaceSpots(text, place, name, edits);
-  ReplaceMatches(text, name, edits);
-  ChangeEncodedBytes(
-      text,
-      [&](std::string& bytes) {
-        std::vector<Edit> inside;
-        ReplaceMatches(bytes, name + ", encoded", inside);
-        return !inside.empty();
-      },
-      [&](const Stretch& stretch) { edits.push_back({stretch}); });
-  result.leaks = Check(text, edits);
+std::string TextRedactor::Redact(std::string_view given, TextPlace place, bool hasOrdinary,
+                                 const std::string& name) {
+  std::string text(given);
+  std::vector<WrittenPassword> passwords;
+  if (hasOrdinary) ReplaceSpots(text, place, name, passwords);
+  ReplaceMatches(text, name, passwords);
+  const std::string nameInside = name + ", encoded";
+  ChangeEncodedBytes(text, matcher.ListBeginnings(), [&](std::string& bytes) {
+    std::vector<WrittenPassword> inside;  // an encoded one keeps its length
+    return ReplaceMatches(bytes, nameInside, inside);
+  });
+  return passwords.empty() ? text : HidePasswords(text, std::move(passwords));
+}
 
-  // From the end on, so that the places before stay.
-  for (auto edit = edits.rbegin(); edit != edits.rend(); ++edit) {
-    if (!edit->isPassword) continue;
-    std::string hidden;
+std::string TextRedactor::HidePasswords(std::string_view text,
+                                        std::vector<WrittenPassword> passwords) {
+  std::ranges::sort(passwords, {}, &WrittenPassword::begin);
+  std::string hidden;
+  std::size_t done = 0;
+  for (const WrittenPassword& password : passwords) {
+    if (password.begin < done) continue;
+    hidden += text.substr(done, password.begin - done);
+    done = password.end;
     for (const char c : kHiddenPassword) {
-      if (edit->writing == Writing::kBigEndian) hidden += '\0';
+      if (password.writing == Writing::kBigEndian) hidden += '\0';
       hidden += c;
-      if (edit->writing == Writing::kLittleEndian) hidden += '\0';
+      if (password.writing == Writing::kLittleEndian) hidden += '\0';
     }
-    text.replace(edit->stretch.begin, edit->stretch.end - edit->stretch.begin, hidden);
   }
-  return result;
+  hidden += text.substr(done);
+  return hidden;
 }
 
 void TextRedactor::ReplaceSpots(std::string& text, TextPlace place, const std::string& name,
-                                std::vector<Edit>& edits) {
+                                std::vector<WrittenPassword>& passwords) {
   const std::string original = text;
   const NarrowText narrow(original);
   LineCounter lines(original);
@@ -97,18 +101,18 @@ void TextRedactor::ReplaceSpots(std::string& text, TextPlace place, const std::s
     const std::string_view bytes = narrow.View().substr(begin, end - begin);
     const std::optional<std::size_t> number = values.Add(kind, bytes);
     if (!number || !values.Values()[*number].isOrdinary) return;
-    const Stretch stretch{narrow.PlaceOf(begin), narrow.PlaceOf(end - 1) + 1};
+    const WrittenPassword written{narrow.PlaceOf(begin), narrow.PlaceOf(end - 1) + 1};
     // The same spot may be found by its label and by its place.
-    if (!begins.insert(stretch.begin).second) return;
+    if (!begins.insert(written.begin).second) return;
     WriteInPlace(text, narrow, begin, values.Replacement(*number, bytes));
-    const bool isWritten = stretch.end - stretch.begin == bytes.size();
-    edits.push_back({stretch, kind == ValueKind::kPassword && isWritten});
-    Count(*number, stretch.begin, name, lines);
+    const bool isPlain = written.end - written.begin == bytes.size();
+    if (kind == ValueKind::kPassword && isPlain) passwords.push_back(written);
+    Count(*number, written.begin, name, lines);
   });
 }
 
 // What `take` changes before the end of a match is not looked at again.
-void TextRedactor::ForEachMatch(const std::string& text,
+void TextRedactor::ForEachMatch(std::string_view text,
                                 const std::function<void(const Match&)>& take) const {
   std::size_t from = 0;
   while (const std::optional<Match> match = matcher.FindNext(text, from)) {
@@ -117,54 +121,29 @@ void TextRedactor::ForEachMatch(const std::string& text,
   }
 }
 
-void TextRedactor::ReplaceMatches(std::string& text, const std::string& name,
-                                  std::vector<Edit>& edits) {
+bool TextRedactor::ReplaceMatches(std::string& text, const std::string& name,
+                                  std::vector<WrittenPassword>& passwords) {
   LineCounter lines(text);
+  bool hasMatch = false;
   ForEachMatch(text, [&](const Match& match) {
+    hasMatch = true;
     Count(match.value, match.begin, name, lines);
     matcher.Replace(text, match);
-    const bool isPassword = values.Values()[match.value].kind == ValueKind::kPassword;
-    edits.push_back({{match.begin, match.end}, isPassword, match.writing});
+    if (values.Values()[match.value].kind != ValueKind::kPassword) return;
+    passwords.push_back({match.begin, match.end, match.writing});
   });
+  return hasMatch;
 }
 
-std::vector<std::size_t> TextRedactor::Check(const std::string& text,
-                                             std::vector<Edit>& edits) const {
-  std::ranges::sort(edits, {}, [](const Edit& edit) { return edit.stretch.begin; });
-  // Edits may lie in others, of encoded bytes.
-  std::vector<std::size_t> ends;
-  for (const Edit& edit : edits) {
-    ends.push_back(std::max(ends.empty() ? 0 : ends.back(), edit.stretch.end));
-  }
-  const auto isEdited = [&](std::size_t begin, std::size_t end) {
-    const auto next = std::ranges::lower_bound(edits, end, {},
-                                               [](const Edit& edit) { return edit.stretch.begin; });
-    return next != edits.begin() &&
-           ends[static_cast<std::size_t>(next - edits.begin()) - 1] > begin;
+std::vector<std::size_t> TextRedactor::FindLeaks(std::string_view text) const {
+  std::vector<std::size_t> leaks;
+  const auto findIn = [&](std::string_view bytes) {
+    ForEachMatch(bytes, [&](const Match& match) {
+      if (!pseudonyms.contains(values.KeyOf(match.value))) leaks.push_back(match.value);
+    });
   };
-  std::vector<std::size_t> leaks;
-  ForEachMatch(text, [&](const Match& match) {
-    if (!isEdited(match.begin, match.end)) leaks.push_back(match.value);
-  });
-  std::string copy = text;
-  std::optional<Match> inside;
-  ChangeEncodedBytes(
-      copy,
-      [&](std::string& bytes) {
-        inside = matcher.FindNext(bytes, 0);
-        return inside.has_value();
-      },
-      [&](const Stretch& stretch) {
-        if (!isEdited(stretch.begin, stretch.end)) leaks.push_back(inside->value);
-      });
-  return leaks;
-}
-
-std::vector<std::size_t> TextRedactor::FindLeaks(const std::string& text) const {
-  std::vector<std::size_t> leaks;
-  ForEachMatch(text, [&](const Match& match) {
-    if (!pseudonyms.contains(values.KeyOf(match.value))) leaks.push_back(match.value);
-  });
+  findIn(text);
+  ReadEncodedBytes(text, matcher.ListBeginnings(), findIn);
   return leaks;
 }
 

@@ -8,7 +8,6 @@
 #include <string_view>
 #include <vector>
 
-#include "host/redact/encoded_runs.h"
 #include "host/redact/value_finder.h"
 #include "host/redact/value_list.h"
 #include "host/redact/value_matcher.h"
@@ -52,31 +51,29 @@ class TextRedactor {
   /// All values must have been found; `values` counts what is replaced.
   explicit TextRedactor(ValueList& values);
 
-  struct Result {
-    std::string text;
-    /// The values that it still has.
-    std::vector<std::size_t> leaks;
-  };
   /// `name` is for the list: "storcli /c0 show". `hasOrdinary`: a value that is an ordinary word
   /// may be in the text, which takes a second look at it.
-  Result Redact(std::string_view text, TextPlace place, bool hasOrdinary, const std::string& name);
+  std::string Redact(std::string_view text, TextPlace place, bool hasOrdinary,
+                     const std::string& name);
 
   /// The values that `text`, made of redacted ones, has and that are nobody's pseudonyms.
-  std::vector<std::size_t> FindLeaks(const std::string& text) const;
+  std::vector<std::size_t> FindLeaks(std::string_view text) const;
 
  private:
-  /// A stretch that was replaced.
-  struct Edit {
-    Stretch stretch;
-    bool isPassword = false;  ///< written out, so that its length need not be kept
+  /// A password's stretch, in bytes. It is written out, so that its length need not be kept.
+  struct WrittenPassword {
+    std::size_t begin = 0;
+    std::size_t end = 0;
     Writing writing = Writing::kPlain;
   };
 
   void ReplaceSpots(std::string& text, TextPlace place, const std::string& name,
-                    std::vector<Edit>& edits);
-  void ForEachMatch(const std::string& text, const std::function<void(const Match&)>& take) const;
-  void ReplaceMatches(std::string& text, const std::string& name, std::vector<Edit>& edits);
-  std::vector<std::size_t> Check(const std::string& text, std::vector<Edit>& edits) const;
+                    std::vector<WrittenPassword>& passwords);
+  void ForEachMatch(std::string_view text, const std::function<void(const Match&)>& take) const;
+  /// Returns whether there was one.
+  bool ReplaceMatches(std::string& text, const std::string& name,
+                      std::vector<WrittenPassword>& passwords);
+  static std::string HidePasswords(std::string_view text, std::vector<WrittenPassword> passwords);
   void Count(std::size_t number, std::size_t at, const std::string& name, LineCounter& lines);
 
   ValueList& values;

@@ -106,6 +106,35 @@ std::string WriteLatin1(std::string_view utf8) {
   return text;
 }
 
+void AppendUtf16(std::string& text, char16_t unit, bool isBigEndian) {
+  const char high = static_cast<char>(unit >> 8);
+  const char low = static_cast<char>(unit & 0xff);
+  text += isBigEndian ? high : low;
+  text += isBigEndian ? low : high;
+}
+
+/// A value with its pseudonym as UTF-16 has them.
+struct WideSpelling {
+  std::string value;
+  std::string pseudonym;
+};
+
+WideSpelling WriteUtf16(std::string_view key, std::string_view pseudonym, bool isBigEndian) {
+  WideSpelling wide;
+  for (const char replacement : pseudonym) {
+    const char32_t c = TakeUtf8(key);
+    const bool isPair = c > 0xFFFF;
+    if (isPair) {
+      AppendUtf16(wide.value, static_cast<char16_t>(0xD7C0 + (c >> 10)), isBigEndian);
+      AppendUtf16(wide.pseudonym, static_cast<unsigned char>(replacement), isBigEndian);
+    }
+    AppendUtf16(wide.value, static_cast<char16_t>(isPair ? 0xDC00 + (c & 0x3FF) : c), isBigEndian);
+    AppendUtf16(wide.pseudonym, static_cast<unsigned char>(replacement), isBigEndian);
+  }
+  wide.value = LowerCase(wide.value);
+  return wide;
+}
+
 }  // namespace
 
 ValueList::ValueList(const RedactionRules& rules, const Pseudonyms& pseudonyms,
@@ -123,8 +152,8 @@ void ValueList::Keep(std::string_view name) {
 }
 
 std::optional<std::size_t> ValueList::Add(ValueKind kind, std::string_view bytes) {
-  if (!rules.kinds.contains(kind) || IsNoSecret(kind, bytes)) return std::nullopt;
-  if (bytes.size() > kLongestValue) return std::nullopt;
+  if (!rules.kinds.contains(kind) || bytes.size() > kLongestValue) return std::nullopt;
+  const ValueKind foundAs = kind;
   const std::string text = decode(bytes);
   std::string key = LowerCase(text);
   if (HasDigits(kind)) {
@@ -135,8 +164,11 @@ std::optional<std::size_t> ValueList::Add(ValueKind kind, std::string_view bytes
       kind = ValueKind::kSerial;
     }
   }
-  if (kind == ValueKind::kPath && keptNames.contains(key)) return std::nullopt;
+  // Most values come many times.
   const auto known = numbers.find(key);
+  if (known != numbers.end() && values[known->second].kind == kind) return known->second;
+  if (IsNoSecret(foundAs, bytes)) return std::nullopt;
+  if (kind == ValueKind::kPath && keptNames.contains(key)) return std::nullopt;
   if (known != numbers.end()) {
     ListedValue& value = values[known->second];
     if (kind < value.kind && !HasDigits(kind) && !HasDigits(value.kind)) {
@@ -205,6 +237,13 @@ ValueMatcher ValueList::MakeMatcher() const {
       if (spelling.size() >= ValueMatcher::kShortest && replacement.size() == spelling.size()) {
         matcher.Add(spelling, replacement, number, boundary);
       }
+    }
+    // The matcher reads UTF-16 of characters of one byte by itself.
+    if (!WriteLatin1(key).empty()) continue;
+    for (const bool isBigEndian : {false, true}) {
+      const WideSpelling wide = WriteUtf16(key, value.pseudonym, isBigEndian);
+      // Bytes of other characters beside it would be taken for letters.
+      matcher.Add(wide.value, wide.pseudonym, number, Boundary::kAnything);
     }
   }
   return matcher;

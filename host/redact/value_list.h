@@ -8,6 +8,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "host/redact/kinds.h"
@@ -65,9 +66,9 @@ class ValueList {
   std::set<std::string> ordinaryWords;
   std::set<std::string> keptNames;
   std::vector<ListedValue> values;
-  std::vector<std::string> keys;                    ///< of the values, in small letters
-  std::map<std::string, std::size_t> numbers;       ///< by key
-  std::map<std::string, std::string> machineBytes;  ///< of keys beyond ASCII
+  std::vector<std::string> keys;                         ///< of the values, in small letters
+  std::unordered_map<std::string, std::size_t> numbers;  ///< by key
+  std::map<std::string, std::string> machineBytes;       ///< of keys beyond ASCII
   std::set<std::string> usedPseudonyms;
 };
 

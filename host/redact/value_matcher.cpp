@@ -69,14 +69,6 @@ bool IsBounded(std::string_view text, const Match& match, Boundary boundary) {
   return !followsDot && !precedesDot;
 }
 
-/// Three characters in lower case as a number; values with the same number are told apart later.
-std::size_t NumberBeginning(char first, char second, char third) {
-  const auto number = [](char c) {
-    return static_cast<std::size_t>(static_cast<unsigned char>(c));
-  };
-  return (number(first) << 10 ^ number(second) << 5 ^ number(third)) & ((std::size_t{1} << 18) - 1);
-}
-
 constexpr std::array<char, 256> kLowerCase = [] {
   std::array<char, 256> lower{};
   for (std::size_t i = 0; i < lower.size(); ++i) lower[i] = LowerCase(static_cast<char>(i));
@@ -98,7 +90,48 @@ void WriteCharacter(std::string& text, const ReadCharacter& place, char c) {
   text[place.at + 1] = digits[c & 15];
 }
 
+constexpr unsigned kNulClass = 36;
+constexpr unsigned kPercentClass = 37;
+
 }  // namespace
+
+constexpr std::array<unsigned char, 256> Beginnings::kClasses = [] {
+  constexpr unsigned kFirstShared = 38;
+  constexpr unsigned kShared = (1U << kClassBits) - kFirstShared;
+  std::array<unsigned char, 256> classes{};
+  for (unsigned i = 0; i < classes.size(); ++i) {
+    const char c = LowerCase(static_cast<char>(i));
+    unsigned number = kFirstShared + i % kShared;
+    if (IsAsciiDigit(c)) number = static_cast<unsigned>(c - '0');
+    if (c >= 'a' && c <= 'z') number = 10 + static_cast<unsigned>(c - 'a');
+    if (c == '\0') number = kNulClass;
+    if (c == '%') number = kPercentClass;
+    classes[i] = static_cast<unsigned char>(number);
+  }
+  return classes;
+}();
+
+void Beginnings::Set(char first, char second, char third) {
+  known.set(AddTo(AddTo(AddTo(0, first), second), third));
+}
+
+void Beginnings::Add(std::string_view spelling) {
+  const char first = spelling[0];
+  const char second = spelling[1];
+  Set(first, second, spelling[2]);
+  Set(first, '\0', second);
+  Set('\0', first, '\0');
+  Set(first, second, '%');
+  for (const bool isCapital : {false, true}) {
+    const auto code = [&](char c) {
+      const bool isLetter = c >= 'a' && c <= 'z';
+      return static_cast<unsigned char>(isCapital && isLetter ? c - 'a' + 'A' : c);
+    };
+    constexpr char kDigits[] = "0123456789abcdef";
+    Set(first, '%', kDigits[code(second) >> 4]);
+    Set('%', kDigits[code(first) >> 4], kDigits[code(first) & 15]);
+  }
+}
 
 void ValueMatcher::Add(std::string_view spelling, std::string_view replacement, std::size_t value,
                        Boundary boundary) {
@@ -108,7 +141,7 @@ void ValueMatcher::Add(std::string_view spelling, std::string_view replacement, 
     node = nodes.try_emplace(edge, static_cast<std::uint32_t>(nodes.size() + 1)).first->second;
   }
   if (!entries.try_emplace(node, Entry{std::string(replacement), value, boundary}).second) return;
-  beginnings.set(NumberBeginning(spelling[0], spelling[1], spelling[2]));
+  beginnings.Add(spelling);
 }
 
 template <typename TakeEnd>
@@ -140,17 +173,14 @@ std::optional<Match> ValueMatcher::MatchAt(std::string_view text, std::size_t at
 }
 
 std::optional<Match> ValueMatcher::FindNext(std::string_view text, std::size_t from) const {
+  if (from + 2 >= text.size()) return std::nullopt;
+  std::uint32_t number = Beginnings::AddTo(Beginnings::AddTo(0, text[from]), text[from + 1]);
   for (std::size_t at = from; at + 2 < text.size(); ++at) {
-    const char first = text[at];
-    const char second = text[at + 1];
-    const char third = text[at + 2];
-    const bool mayBegin =
-        beginnings[NumberBeginning(FoldCase(first), FoldCase(second), FoldCase(third))] ||
-        first == '%' || second == '%' || third == '%';
-    std::optional<Match> match;
-    if (mayBegin) match = MatchAt(text, at, Writing::kPlain);
-    if (!match && second == '\0') match = MatchAt(text, at, Writing::kLittleEndian);
-    if (!match && first == '\0') match = MatchAt(text, at, Writing::kBigEndian);
+    number = Beginnings::AddTo(number, text[at + 2]);
+    if (!beginnings.Has(number)) continue;
+    std::optional<Match> match = MatchAt(text, at, Writing::kPlain);
+    if (!match && text[at + 1] == '\0') match = MatchAt(text, at, Writing::kLittleEndian);
+    if (!match && text[at] == '\0') match = MatchAt(text, at, Writing::kBigEndian);
     if (match) return match;
   }
   return std::nullopt;

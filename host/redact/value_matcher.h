@@ -1,6 +1,7 @@
 // Finds many values in a text in one pass: as they are, in other case, percent-encoded, in UTF-16.
 #pragma once
 
+#include <array>
 #include <bitset>
 #include <cstddef>
 #include <cstdint>
@@ -29,6 +30,36 @@ struct Match {
   std::size_t end = 0;  ///< in bytes
 };
 
+/// Three characters as a number, of which each one more makes the next: of a text, most places are
+/// told by it to be the beginning of nothing.
+class Beginnings {
+ public:
+  static std::uint32_t AddTo(std::uint32_t number, char c) {
+    return (number << kClassBits | kClasses[static_cast<unsigned char>(c)]) & (kCount - 1);
+  }
+
+  /// Of the three low bytes, the first one highest.
+  static std::uint32_t NumberOf(std::uint32_t bytes) {
+    return std::uint32_t{kClasses[bytes >> 16 & 0xff]} << (2 * kClassBits) |
+           std::uint32_t{kClasses[bytes >> 8 & 0xff]} << kClassBits | kClasses[bytes & 0xff];
+  }
+
+  /// `spelling` as it is, percent-encoded and in UTF-16.
+  void Add(std::string_view spelling);
+  /// False where no value can begin.
+  bool Has(std::uint32_t number) const { return known[number]; }
+
+ private:
+  /// Without case; characters that are no letters and digits share what is left.
+  static constexpr int kClassBits = 6;
+  static constexpr std::uint32_t kCount = std::uint32_t{1} << (3 * kClassBits);
+  static const std::array<unsigned char, 256> kClasses;
+
+  void Set(char first, char second, char third);
+
+  std::bitset<kCount> known;
+};
+
 class ValueMatcher {
  public:
   static constexpr std::size_t kShortest = 4;
@@ -40,6 +71,7 @@ class ValueMatcher {
 
   /// The first match from `from` on; of several that begin there, the longest.
   std::optional<Match> FindNext(std::string_view text, std::size_t from) const;
+  const Beginnings& ListBeginnings() const { return beginnings; }
 
   /// Writes the replacement over `match`, which was found in `text`, in the same writing and case.
   void Replace(std::string& text, const Match& match) const;
@@ -55,8 +87,7 @@ class ValueMatcher {
   template <typename TakeEnd>
   void Walk(std::string_view text, std::size_t at, Writing writing, const TakeEnd& takeEnd) const;
 
-  static constexpr std::size_t kBeginnings = std::size_t{1} << 18;
-  std::bitset<kBeginnings> beginnings;  ///< of values, by a number made of three characters
+  Beginnings beginnings;
   std::unordered_map<std::uint64_t, std::uint32_t> nodes;  ///< by parent and character
   std::unordered_map<std::uint32_t, Entry> entries;        ///< by the node that they end at
 };

@@ -1,6 +1,8 @@
 // Values that are known by where they are: after a label, or in a text of a known form.
 #include <algorithm>
+#include <array>
 #include <iterator>
+#include <optional>
 #include <vector>
 
 #include "host/redact/value_finder.h"
@@ -158,24 +160,32 @@ bool IsLetterOfLabel(char c) {
   return IsAsciiLetterOrDigit(c) || c == ' ' || c == '_' || c == '-' || c == '.' || c == '\t';
 }
 
-/// A label that ends at `end`, without blanks and signs, and for each letter where it was.
-struct SqueezedLabel {
-  std::string text;
-  std::vector<std::size_t> places;
-};
+/// The labels by their last letter: all that may announce a value is held against them.
+using LabelIndex = std::array<std::vector<const LabelRow*>, 256>;
 
-SqueezedLabel SqueezeLabel(std::string_view text, std::size_t end) {
-  SqueezedLabel label;
-  std::size_t begin = end;
-  while (begin > 0 && (IsBlank(text[begin - 1]) || text[begin - 1] == '"')) --begin;
-  end = begin;
-  while (begin > 0 && end - begin < kLongestLabel && IsLetterOfLabel(text[begin - 1])) --begin;
-  for (std::size_t at = begin; at < end; ++at) {
-    if (!IsAsciiLetterOrDigit(text[at])) continue;
-    label.text += LowerCase(text[at]);
-    label.places.push_back(at);
+const LabelIndex& GetLabelIndex() {
+  static const LabelIndex kIndex = [] {
+    LabelIndex index;
+    for (const LabelRow& row : kLabels) {
+      index[static_cast<unsigned char>(row.label.back())].push_back(&row);
+    }
+    return index;
+  }();
+  return kIndex;
+}
+
+/// Where `label` begins that ends at `end`, blanks and signs in it aside; nothing when there is
+/// something else.
+std::optional<std::size_t> FindLabelBegin(std::string_view text, std::size_t end,
+                                          std::string_view label) {
+  std::size_t at = end;
+  const auto isLeft = [&] { return at > 0 && end - at < kLongestLabel; };
+  for (; !label.empty(); label.remove_suffix(1)) {
+    while (isLeft() && !IsAsciiLetterOrDigit(text[at - 1]) && IsLetterOfLabel(text[at - 1])) --at;
+    if (!isLeft() || LowerCase(text[at - 1]) != label.back()) return std::nullopt;
+    --at;
   }
-  return label;
+  return at;
 }
 
 /// Whether a word begins at `at`: nothing of it is before, or a capital begins it.
@@ -186,17 +196,12 @@ bool BeginsWord(std::string_view text, std::size_t at) {
 }
 
 const ValueKind* FindKindAt(std::string_view text, std::size_t end) {
-  // Most labels end with another letter than those here.
-  constexpr std::string_view kLastLetters = "abdeghklmnorstxy";
-  std::size_t last = end;
-  while (last > 0 && (IsBlank(text[last - 1]) || text[last - 1] == '"')) --last;
-  if (last == 0 || kLastLetters.find(LowerCase(text[last - 1])) == std::string_view::npos) {
-    return nullptr;
-  }
-  const SqueezedLabel label = SqueezeLabel(text, end);
-  for (const LabelRow& row : kLabels) {
-    if (!label.text.ends_with(row.label)) continue;
-    if (BeginsWord(text, label.places[label.text.size() - row.label.size()])) return &row.kind;
+  while (end > 0 && (IsBlank(text[end - 1]) || text[end - 1] == '"')) --end;
+  if (end == 0) return nullptr;
+  const char last = LowerCase(text[end - 1]);
+  for (const LabelRow* row : GetLabelIndex()[static_cast<unsigned char>(last)]) {
+    const std::optional<std::size_t> begin = FindLabelBegin(text, end, row->label);
+    if (begin && BeginsWord(text, *begin)) return &row->kind;
   }
   return nullptr;
 }
@@ -253,10 +258,11 @@ struct WordRange {
   std::size_t end;
 };
 
-/// The words of the text from `begin` to `end`.
-std::vector<WordRange> SplitRanges(std::string_view text, std::size_t begin, std::size_t end) {
+/// The words of the text from `begin` to `end`, at most so many.
+std::vector<WordRange> SplitRanges(std::string_view text, std::size_t begin, std::size_t end,
+                                   std::size_t most = std::string_view::npos) {
   std::vector<WordRange> words;
-  while (begin < end) {
+  while (begin < end && words.size() < most) {
     if (IsBlank(text[begin]) || text[begin] == '\r') {
       ++begin;
       continue;
@@ -339,10 +345,12 @@ void FindOptionValues(std::string_view text, const TakeValue& take) {
 /// "  TCP    10.24.8.31:445   fileclient07:50112   ESTABLISHED".
 void FindConnection(std::string_view text, std::size_t begin, std::size_t end,
                     const TakeValue& take) {
-  const std::vector<WordRange> words = SplitRanges(text, begin, end);
-  if (words.size() < 3) return;
-  const std::string_view protocol = text.substr(words[0].begin, words[0].end - words[0].begin);
+  const std::string_view line = text.substr(begin, end - begin);
+  const std::size_t first = std::min(line.find_first_not_of(" \t\r"), line.size());
+  const std::string_view protocol = line.substr(first, line.find_first_of(" \t\r", first) - first);
   if (protocol != "TCP" && protocol != "UDP") return;
+  const std::vector<WordRange> words = SplitRanges(text, begin, end, 3);
+  if (words.size() < 3) return;
   for (const std::size_t i : {1, 2}) {
     const std::string_view word = text.substr(words[i].begin, words[i].end - words[i].begin);
     const std::size_t colon = word.rfind(':');

@@ -10,10 +10,27 @@
 namespace host {
 namespace {
 
-bool IsHexDigit(char c) { return IsAsciiDigit(c) || (LowerCase(c) >= 'a' && LowerCase(c) <= 'f'); }
-bool IsNameCharacter(char c) {
-  return IsAsciiLetterOrDigit(c) || c == '-' || c == '_' || (c & 0x80) != 0;
-}
+/// What a character can be part of: each one of a text is asked for.
+struct CharacterUse {
+  bool isHexDigit : 1;
+  bool isWord : 1;
+  bool isName : 1;
+};
+constexpr std::array<CharacterUse, 256> kUses = [] {
+  std::array<CharacterUse, 256> uses{};
+  for (std::size_t i = 0; i < uses.size(); ++i) {
+    const char c = LowerCase(static_cast<char>(i));
+    const bool isWord = IsAsciiLetterOrDigit(c);
+    uses[i] = {.isHexDigit = IsAsciiDigit(c) || (c >= 'a' && c <= 'f'),
+               .isWord = isWord,
+               .isName = isWord || c == '-' || c == '_' || (c & 0x80) != 0};
+  }
+  return uses;
+}();
+
+CharacterUse UseOf(char c) { return kUses[static_cast<unsigned char>(c)]; }
+bool IsHexDigit(char c) { return UseOf(c).isHexDigit; }
+bool IsNameCharacter(char c) { return UseOf(c).isName; }
 
 /// A text that is read from one place on.
 class ShapeReader {
@@ -21,14 +38,21 @@ class ShapeReader {
   ShapeReader(std::string_view text, const TakeValue& take) : text(text), take(take) {}
 
   void Read() {
+    bool isInWord = false;
     for (std::size_t at = 0; at < text.size(); ++at) {
       const char c = text[at];
+      const CharacterUse use = UseOf(c);
+      const bool beginsWord = !isInWord;
+      isInWord = use.isWord;
+      if (use.isWord) {
+        if (!beginsWord) continue;
+        ReadDomainName(at);
+        if (use.isHexDigit) ReadAddress(at);
+        continue;
+      }
       if (c == '@') ReadMail(at);
       if (c == '\\') ReadPath(at);
-      const bool beginsWord = at == 0 || !IsAsciiLetterOrDigit(text[at - 1]);
-      if (!beginsWord) continue;
-      if (IsAsciiLetterOrDigit(c)) ReadDomainName(at);
-      if (IsHexDigit(c) || c == ':') ReadAddress(at);
+      if (c == ':' && beginsWord) ReadAddress(at);
     }
   }
 
@@ -44,7 +68,13 @@ class ShapeReader {
   void ReadAddress(std::size_t at) {
     // A colon alone begins only an IPv6 address.
     if (text[at] == ':' && At(at + 1) != ':') return;
-    if (ReadGuid(at) || ReadPairs(at) || ReadDottedMac(at) || ReadIpv4(at) || ReadIpv6(at)) return;
+    // The first group tells which of them it may be.
+    const std::size_t size = CountHexDigits(at);
+    const char sign = At(at + size);
+    if (size == 8 && sign == '-' && ReadGuid(at)) return;
+    if (size == 2 && ReadPairs(at)) return;
+    if (sign == '.' && (ReadDottedMac(at) || ReadIpv4(at))) return;
+    if (sign == ':' && ReadIpv6(at)) return;
     ReadWwn(at);
   }
 

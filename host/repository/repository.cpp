@@ -76,6 +76,7 @@ struct RepositoryState {
   std::map<std::string, std::set<std::string>> columnKeys;  ///< of each table
   std::shared_ptr<Shapes> shapes = std::make_shared<Shapes>();
   std::unordered_map<const host::RowShape*, host::Table*> tableOf;
+  const host::RowShape* lastShape = nullptr;  ///< mostly that of the next row too
 
   static RepositoryState& Of(const RRepository& repository) { return *repository.state; }
 
@@ -92,10 +93,12 @@ struct RepositoryState {
   }
 
   const host::RowShape& KeepShape(const host::RowShape& wanted) {
+    if (lastShape != nullptr && *lastShape == wanted) return *lastShape;
     const auto [shape, isNew] = shapes->insert(wanted);
     host::Table& table = tables[shape->className];
     if (isNew) AddColumns(table, *shape);
     tableOf[&*shape] = &table;
+    lastShape = &*shape;
     return *shape;
   }
 
@@ -111,6 +114,9 @@ RInstance::RInstance(const std::string& className, const std::string& key, int n
     : state(new InstanceState{
           host::observerInUse == nullptr ? 0 : host::observerInUse->CountInstance(),
           {className, key, number, {}, {}}}) {
+  constexpr std::size_t kUsualColumns = 8;
+  state->shape.columns.reserve(kUsualColumns);
+  state->values.reserve(kUsualColumns);
   host::Tell(&host::RepositoryObserver::OnInstance, state->id, className, key, number);
 }
 

@@ -4,6 +4,8 @@
 
 #include <gmock/gmock.h>
 
+#include <iomanip>
+#include <ios>
 #include <string>
 #include <thread>
 #include <vector>
@@ -79,6 +81,29 @@ TEST(Log, IsWrittenAlsoWhenNothingWasStreamed) {
   { const LogKit::Log line(1, "f", 1); }
   ASSERT_EQ(log.lines.size(), 1U);
   EXPECT_EQ(log.lines[0].text, "");
+}
+
+TEST(Log, FindsItsStreamAsIfNoLineHadBeenBefore) {
+  const KeptLog log;
+  LogKit::Log(3, "f", 1).Stream() << std::hex << std::setfill('.') << std::setprecision(1) << 255
+                                  << std::setw(9);
+  LogKit::Log(3, "f", 2).Stream() << 255 << ' ' << 1.5 << std::setw(4) << 7;
+  EXPECT_EQ(log.lines.at(1).text, "255 1.5   7");
+}
+
+TEST(Log, MayBeWrittenWhileAnotherOneIsPutTogetherOrTaken) {
+  std::vector<std::string> texts;
+  LogSinkInUse sink([&](const LogLine& line) {
+    if (line.line == 1) LogKit::Log(3, "f", 3).Stream() << "while taken";
+    texts.push_back(line.text);
+  });
+  {
+    LogKit::Log outer(3, "f", 1);
+    outer.Stream() << "outer";
+    LogKit::Log(3, "f", 2).Stream() << "inner";
+    outer.Stream() << " goes on";
+  }
+  EXPECT_THAT(texts, ElementsAre("inner", "while taken", "outer goes on"));
 }
 
 TEST(Log, KeepsBytesAsTheyAre) {

@@ -7,30 +7,33 @@
 namespace host {
 namespace {
 
-/// `text` with "node31" in its encoded bytes replaced, and where that was.
-std::string Change(std::string text, std::string* places = nullptr) {
-  ChangeEncodedBytes(
-      text,
-      [](std::string& bytes) {
-        const std::size_t at = bytes.find("node31");
-        if (at == std::string::npos) return false;
-        bytes.replace(at, 6, "qqqq77");
-        return true;
-      },
-      [&](const Stretch& stretch) {
-        if (places == nullptr) return;
-        *places += std::to_string(stretch.begin) + "-" + std::to_string(stretch.end) + " ";
-      });
+/// `text` with "node31" in its encoded bytes replaced.
+std::string Change(std::string text) {
+  Beginnings beginnings;
+  beginnings.Add("node31");
+  ChangeEncodedBytes(text, beginnings, [](std::string& bytes) {
+    const std::size_t at = bytes.find("node31");
+    if (at == std::string::npos) return false;
+    bytes.replace(at, 6, "qqqq77");
+    return true;
+  });
   return text;
 }
 
 TEST(EncodedRuns, ReadBase64WhereverAValueBegins) {
-  std::string places;
-  EXPECT_EQ(Change("auth bm9kZTMx end", &places), "auth cXFxcTc3 end");
-  EXPECT_EQ(places, "5-13 ");
+  EXPECT_EQ(Change("auth bm9kZTMx end"), "auth cXFxcTc3 end");
   EXPECT_EQ(Change("YWJub2RlMzFj"), "YWJxcXFxNzdj") << "abnode31c";
   EXPECT_EQ(Change("YW5vZGUzMWM="), "YXFxcXE3N2M=") << "anode31c";
   EXPECT_EQ(Change("x=bm9kZTMx"), "x=cXFxcTc3");
+}
+
+TEST(EncodedRuns, ReadBase64BehindOtherCharactersOfItsAlphabet) {
+  for (std::size_t count = 0; count < 9; ++count) {
+    const std::string before(count, 'x');
+    EXPECT_EQ(Change(before + "bm9kZTMx"), before + "cXFxcTc3") << count;
+    EXPECT_EQ(Change(before + "YW5vZGUzMWM="), before + "YXFxcXE3N2M=") << count;
+    EXPECT_EQ(Change(before + "YWJub2RlMzFj"), before + "YWJxcXFxNzdj") << count;
+  }
 }
 
 TEST(EncodedRuns, ReadBase64ThatGoesOnInTheNextLine) {

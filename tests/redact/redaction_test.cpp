@@ -356,6 +356,35 @@ TEST(Redaction, FindsNamesBeyondAsciiInTheirSpellings) {
   EXPECT_THAT(redacted.recording.submission->name, Not(HasSubstr("ro-pc7")));
 }
 
+TEST(Redaction, FindsNamesOfOtherScriptsInUtf16) {
+  const std::string narrow = "\xf3\xe7\xe5\xeb-77";
+  const std::string little = "\x43\x04\x37\x04\x35\x04\x3b\x04-\0007\0007\0"s;
+  const std::string big = "\x04\x43\x04\x37\x04\x35\x04\x3b\0-\0007\0007"s;
+  Recording recording;
+  recording.codePage = 1251;
+  recording.commands.push_back({"net.exe", "", "Host Name: " + narrow + "\n", {}});
+  recording.commands.push_back({"net.exe", "view", "\n" + little + "\n", {}});
+  recording.commands.push_back({"net.exe", "user", "\n" + big + "\n", {}});
+  const RedactedRecording redacted = Redact(recording);
+  EXPECT_THAT(redacted.leftOut, IsEmpty());
+  const std::string all = WriteAll(redacted.recording);
+  for (const std::string& spelling : {narrow, little, big}) {
+    EXPECT_THAT(all, Not(HasSubstr(spelling)));
+  }
+  EXPECT_EQ(redacted.recording.commands[1].standardOutput.size(), little.size() + 2);
+}
+
+TEST(Redaction, WritesPasswordsOfAnyLengthOut) {
+  Recording recording;
+  recording.commands.push_back({"net.exe",
+                                "",
+                                "Password: ab\nPassword: longerone7\nseen longerone7 twice\n"
+                                "Passwort: q\nStatus: ok\n",
+                                {}});
+  EXPECT_EQ(Redact(recording).recording.commands[0].standardOutput,
+            "Password: ***\nPassword: ***\nseen *** twice\nPasswort: ***\nStatus: ok\n");
+}
+
 TEST(Redaction, KeepsFilesThatModulesLookFor) {
   Recording recording;
   recording.logFolder = "D:\\Acme\\logs\\";

@@ -53,6 +53,16 @@ TEST_F(ValueMatcherTest, ReadsPercentSigns) {
   EXPECT_EQ(ReplaceAll(matcher, "x%20node31%2F"), "x%20qqqq77%2F");
 }
 
+TEST_F(ValueMatcherTest, ReadsPercentSignsAnywhere) {
+  const std::string letters[][2] = {{"n", "%6e"}, {"O", "%4F"}, {"d", "%44"},
+                                    {"e", "%65"}, {"3", "%33"}, {"1", "%31"}};
+  for (unsigned escapes = 0; escapes < 64; ++escapes) {
+    std::string text;
+    for (unsigned i = 0; i < 6; ++i) text += letters[i][escapes >> i & 1];
+    EXPECT_NE(ReplaceAll(matcher, text), text);
+  }
+}
+
 TEST_F(ValueMatcherTest, ReadsBothKindsOfUtf16) {
   EXPECT_EQ(ReplaceAll(matcher, "\xff\xfeN\0o\0d\0e\0003\0001\0!\0"s),
             "\xff\xfeQ\0q\0q\0q\0007\0007\0!\0"s);
