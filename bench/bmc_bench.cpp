@@ -62,13 +62,13 @@ void BM_Sensors(benchmark::State& state) {
                         state.range(0)));
 }
 
-void Lines(benchmark::internal::Benchmark* benchmark) {
+void BmcLines(benchmark::internal::Benchmark* benchmark) {
   benchmark->RangeMultiplier(10)->Range(1'000, 1'000'000)->Unit(benchmark::kMillisecond);
 }
 
-BENCHMARK(BM_Sel)->Apply(Lines);
-BENCHMARK(BM_Sdr)->Apply(Lines);
-BENCHMARK(BM_Sensors)->Apply(Lines);
+BENCHMARK(BM_Sel)->Apply(BmcLines);
+BENCHMARK(BM_Sdr)->Apply(BmcLines);
+BENCHMARK(BM_Sensors)->Apply(BmcLines);
 
 }  // namespace
 }  // namespace bench

@@ -11,7 +11,7 @@
 namespace {
 
 /// The bar: seconds of processor time for logs of 100,000 entries.
-constexpr double kMostSeconds = 1;
+constexpr double kMostSecondsOfDiff = 1;
 
 void BM_Difference(benchmark::State& state) {
   const auto count = static_cast<std::size_t>(state.range(0));
@@ -19,7 +19,7 @@ void BM_Difference(benchmark::State& state) {
   const host::Collection after = host::Collect(test::MakeMachineOfManyEvents(count + count / 10));
   const host::Assessment assessedBefore = host::Assess(before);
   const host::Assessment assessedAfter = host::Assess(after);
-  bench::HoldBar(state, kMostSeconds, [&] {
+  bench::HoldBar(state, kMostSecondsOfDiff, [&] {
     const host::Difference difference =
         host::FindDifference({before, assessedBefore}, {after, assessedAfter});
     benchmark::DoNotOptimize(difference.logs.size());

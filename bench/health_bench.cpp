@@ -41,11 +41,11 @@ void MeasureOne(benchmark::State& state, const host::Collection& collection) {
 }
 
 /// The bar: seconds of processor time for the parts and the verdict of 100,000 events.
-constexpr double kMostSeconds = 0.3;
+constexpr double kMostSecondsOfVerdict = 0.3;
 
 void CheckBar(benchmark::State& state, const host::Collection& collection) {
   host::HealthJudge judge;
-  bench::HoldBar(state, kMostSeconds, [&] {
+  bench::HoldBar(state, kMostSecondsOfVerdict, [&] {
     const host::Parts parts = host::ReadParts(collection);
     benchmark::DoNotOptimize(judge.Judge(collection, parts).findings.size());
   });

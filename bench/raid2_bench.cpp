@@ -196,17 +196,17 @@ void BM_RaidLogs(benchmark::State& state) {
   MeasureCollection(state, measured);
 }
 
-void Lines(benchmark::internal::Benchmark* benchmark) {
+void RaidLines(benchmark::internal::Benchmark* benchmark) {
   benchmark->RangeMultiplier(10)->Range(1'000, 1'000'000)->Unit(benchmark::kMillisecond);
 }
 
-BENCHMARK(BM_EventLog)->Apply(Lines);
-BENCHMARK(BM_TermLog)->Apply(Lines);
-BENCHMARK(BM_DriveDetails)->Apply(Lines);
-BENCHMARK(BM_DriveLists)->Apply(Lines);
-BENCHMARK(BM_Sas2Log)->Apply(Lines);
-BENCHMARK(BM_IntelDevices)->Apply(Lines);
-BENCHMARK(BM_RaidLogs)->Apply(Lines);
+BENCHMARK(BM_EventLog)->Apply(RaidLines);
+BENCHMARK(BM_TermLog)->Apply(RaidLines);
+BENCHMARK(BM_DriveDetails)->Apply(RaidLines);
+BENCHMARK(BM_DriveLists)->Apply(RaidLines);
+BENCHMARK(BM_Sas2Log)->Apply(RaidLines);
+BENCHMARK(BM_IntelDevices)->Apply(RaidLines);
+BENCHMARK(BM_RaidLogs)->Apply(RaidLines);
 
 }  // namespace
 }  // namespace bench

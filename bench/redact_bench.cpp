@@ -11,7 +11,7 @@
 namespace {
 
 /// The bar: seconds of processor time for 100 MB, as many as the tools of a large server print.
-constexpr double kMostSeconds = 5;
+constexpr double kMostSecondsOfRedaction = 5;
 constexpr std::size_t kMegabyte = 1'000'000;
 
 /// `values`: how many connections, peers and drives there are; the report tells them over and over.
@@ -35,7 +35,7 @@ void BM_Redaction(benchmark::State& state) {
                                                   static_cast<std::size_t>(state.range(1)));
   const host::RedactionRules rules = host::MakeRules(host::kPublicProfile);
   const host::Pseudonyms pseudonyms("a key of the benchmark");
-  bench::HoldBar(state, kMostSeconds, [&] {
+  bench::HoldBar(state, kMostSecondsOfRedaction, [&] {
     benchmark::DoNotOptimize(host::RedactRecording(recording, rules, pseudonyms).leaks.size());
   });
 }

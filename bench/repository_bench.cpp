@@ -18,7 +18,7 @@ constexpr std::size_t kTextLength = 80;
 
 /// time/row: processor time of a row. kept/row, text/row: bytes held for a row, and how many are
 /// its text.
-void Measure(benchmark::State& state, void (*fill)(RRepository&, std::int64_t)) {
+void MeasureRows(benchmark::State& state, void (*fill)(RRepository&, std::int64_t)) {
   const std::int64_t rows = state.range(0);
   std::size_t kept = 0;
   for (auto _ : state) {
@@ -69,9 +69,9 @@ void AddDifferentRows(RRepository& repository, std::int64_t rows) {
   }
 }
 
-void BM_AddInstances(benchmark::State& state) { Measure(state, AddInstances); }
-void BM_CommitRowBuffer(benchmark::State& state) { Measure(state, CommitRowBuffer); }
-void BM_AddDifferentRows(benchmark::State& state) { Measure(state, AddDifferentRows); }
+void BM_AddInstances(benchmark::State& state) { MeasureRows(state, AddInstances); }
+void BM_CommitRowBuffer(benchmark::State& state) { MeasureRows(state, CommitRowBuffer); }
+void BM_AddDifferentRows(benchmark::State& state) { MeasureRows(state, AddDifferentRows); }
 
 BENCHMARK(BM_AddInstances)
     ->RangeMultiplier(10)

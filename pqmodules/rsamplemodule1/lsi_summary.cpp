@@ -15,10 +15,10 @@
 namespace pq {
 namespace {
 
-constexpr char kArguments[] = "/c0 show";
+constexpr char kSummaryArguments[] = "/c0 show";
 constexpr char kReportName[] = "c0_showall.txt";
 
-constexpr LabelledColumn kFacts[] = {
+constexpr LabelledColumn kSummaryFacts[] = {
     MakeLabelledColumn("Product Name =",
                        {"ProductName", "Product Name", "model of the controller"}),
     MakeLabelledColumn("Serial Number =",
@@ -53,7 +53,7 @@ constexpr LabelledColumn kFacts[] = {
 }  // namespace
 
 const LabelledColumns& GetLsiSummaryFacts() {
-  static const LabelledColumns kLabelled(kFacts);
+  static const LabelledColumns kLabelled(kSummaryFacts);
   return kLabelled;
 }
 
@@ -61,7 +61,7 @@ void CollectLsiSummary(const RaidInventoryCollection& collection) {
   const std::string path = GetLogFolder() + kReportName;
   CheckFolderFits(collection.hostFolder, 5);
   const std::string command =
-      BuildReportCommand(collection.hostFolder + kStorcli, kArguments, path);
+      BuildReportCommand(collection.hostFolder + kStorcli, kSummaryArguments, path);
   if (!RunLogged(collection.log, command)) return;
   auto file = OpenReport(collection.log, path, kNoReport);
   if (!file) return;
@@ -76,9 +76,9 @@ void CollectLsiSummary(const RaidInventoryCollection& collection) {
 void DescribeLsiSummary(ModuleDescription& module) {
   TableDescription table{.className = kRaidInfo,
                          .title = "LSI controller summary",
-                         .commands = {{kStorcli, kArguments, kReportName}}};
-  for (const LabelledColumn& fact : kFacts) table.AddColumn(fact.column);
-  table.EndRowsAt(std::rbegin(kFacts)->label);
+                         .commands = {{kStorcli, kSummaryArguments, kReportName}}};
+  for (const LabelledColumn& fact : kSummaryFacts) table.AddColumn(fact.column);
+  table.EndRowsAt(std::rbegin(kSummaryFacts)->label);
   table.leavesOut = {LeaveOutOtherLsiControllers()};
   module.tables.push_back(table);
   module.tools.push_back(DescribeStorcli());

@@ -35,7 +35,7 @@ constexpr std::string_view kFirmware = "Firmware";
 constexpr std::string_view kDriver = "Driver";
 
 // Hosts know the columns by these keys, as uneven as they are.
-constexpr LabelledColumn kFacts[] = {
+constexpr LabelledColumn kConfigFacts[] = {
     MakePaddedColumn("Controller Status",
                      {"Status", "Controller Status", "state of the controller, such as Optimal"}),
     MakePaddedColumn(kMode, {"Mode", "Controller Mode",
@@ -82,7 +82,7 @@ constexpr LabelledColumn kModel =
     MakePaddedColumn("Controller Model", {"Model", "Controller Model", "model of the controller"});
 
 /// Comes before the number of controllers in what the tool says and in its reports.
-constexpr char kCountLabel[] = "Controllers found:";
+constexpr char kControllersLabel[] = "Controllers found:";
 
 constexpr char kConfigName[] = "Controller_1_Config.txt";
 
@@ -125,7 +125,7 @@ constexpr AttachedReport kAttachedReports[] = {
 constexpr Sentence kNoConfig = "Failed to open PMC Controller file";
 
 constexpr char kTool[] = "\\utilities\\arcconf\\arcconf.exe";
-constexpr char kArguments[] = "savesupportarchive c:\\";
+constexpr char kArchiveArguments[] = "savesupportarchive c:\\";
 constexpr char kCopyName[] = "Firmware";  ///< of the copied folder in the log folder
 
 /// Whether a fact belongs to the row of versions.
@@ -136,7 +136,7 @@ bool IsVersion(std::string_view label) { return label == kFirmware || label == k
 bool SaveArchive(const RaidInventoryCollection& collection, const std::string& logFolder) {
   CheckFolderFits(collection.hostFolder, 4);
   const std::string copy = logFolder + kCopyName;
-  const std::string save = "/c \"" + collection.hostFolder + kTool + " " + kArguments + "\"";
+  const std::string save = "/c \"" + collection.hostFolder + kTool + " " + kArchiveArguments + "\"";
   if (!RunLogged(collection.log, save)) return false;
   if (!RunLogged(collection.log, "/c \"md \"" + copy + "\"\"")) return false;
   if (!Machine().PathExists(kArchiveFolder)) return true;
@@ -187,7 +187,7 @@ void AttachReports(const RaidInventoryCollection& collection, RInstance& links) 
 }  // namespace
 
 const LabelledColumns& GetMicrochipConfigFacts() {
-  static const LabelledColumns kLabelled(kFacts);
+  static const LabelledColumns kLabelled(kConfigFacts);
   return kLabelled;
 }
 
@@ -219,12 +219,12 @@ void CollectMicrochipArchive(const RaidInventoryCollection& collection) {
 }
 
 void DescribeMicrochipArchive(ModuleDescription& module) {
-  const ToolCommand archive{kTool, kArguments, kCopyName};
+  const ToolCommand archive{kTool, kArchiveArguments, kCopyName};
   TableDescription controller{
       .className = kPmcInfo, .title = "Microchip controller", .commands = {archive}};
   TableDescription versions{
       .className = kPmcVer, .title = "Microchip controller versions", .commands = {archive}};
-  for (const LabelledColumn& fact : kFacts) {
+  for (const LabelledColumn& fact : kConfigFacts) {
     (IsVersion(fact.label) ? versions : controller).AddColumn(fact.column);
     if (fact.label == kMode) controller.AddColumn(kModel.column);
   }
@@ -242,7 +242,7 @@ void DescribeMicrochipArchive(ModuleDescription& module) {
        .label = kNextConfig},
       {.note = "of controller 1 alone: arcconf counts {} controllers",
        .sign = OmissionSign::kAttachedCount,
-       .label = kCountLabel,
+       .label = kControllersLabel,
        .end = std::string(kAttachedReports[0].column.key),
        .most = 1,
        .className = kPmcLink},
@@ -259,7 +259,7 @@ void DescribeMicrochipArchive(ModuleDescription& module) {
     module.tables.push_back(*table);
   }
   module.answers.push_back({archive,
-                            std::string(kCountLabel) + " 0",
+                            std::string(kControllersLabel) + " 0",
                             "no such device",
                             "arcconf finds no controller",
                             {kPmcInfo, kPmcVer, kPmcLink}});

@@ -15,11 +15,11 @@ namespace pq {
 namespace {
 
 // The message names the term log; readers of host logs know this step by it.
-constexpr StorcliReport kReport{"/c0/eall/sall show all", "pdlist.txt", "fwterm raw path:"};
+constexpr StorcliReport kDetailsReport{"/c0/eall/sall show all", "pdlist.txt", "fwterm raw path:"};
 
 constexpr std::string_view kCoercedSize = "Coerced size =";
 
-constexpr LabelledColumn kFactColumns[] = {
+constexpr LabelledColumn kDriveFactColumns[] = {
     MakeLabelledColumn("Shield Counter =",
                        {"ShieldCounter", "Shield Counter",
                         "how often the drive was taken out for diagnosis", ValueKind::kNumber}),
@@ -66,7 +66,7 @@ constexpr LabelledColumn kFactColumns[] = {
                         "whether its encryption needs the key manager"},
                        true),
 };
-const LabelledColumns kFacts(kFactColumns);
+const LabelledColumns kDriveFacts(kDriveFactColumns);
 
 // "Coerced size =" occurs inside this label too.
 constexpr LabelledColumn kNonCoercedSize = MakeLabelledColumn(
@@ -74,7 +74,7 @@ constexpr LabelledColumn kNonCoercedSize = MakeLabelledColumn(
     {"NonCoercedsize", "Non Coerced size", "capacity before it is rounded down"});
 
 LabelledFact ReadFact(std::string_view line) {
-  LabelledFact fact = kFacts.FindIn(line);
+  LabelledFact fact = kDriveFacts.FindIn(line);
   if (fact && fact.source->label == kCoercedSize && Contains(line, kNonCoercedSize.label)) {
     fact.source = &kNonCoercedSize;
   }
@@ -84,7 +84,7 @@ LabelledFact ReadFact(std::string_view line) {
 }  // namespace
 
 void CollectDriveDetails(const RaidLogsCollection& collection) {
-  auto file = RunStorcli(collection.log, collection.hostFolder, kReport);
+  auto file = RunStorcli(collection.log, collection.hostFolder, kDetailsReport);
   if (!file) return;
   RowBuffer row(collection.repo, kPdList, "Controller 0 PDLIST");
   std::string_view line;
@@ -95,12 +95,12 @@ void CollectDriveDetails(const RaidLogsCollection& collection) {
 void DescribeDriveDetails(ModuleDescription& module) {
   TableDescription table{.className = kPdList,
                          .title = "LSI physical drive details",
-                         .commands = {DescribeReport(kReport)}};
-  for (const LabelledColumn& fact : kFactColumns) {
+                         .commands = {DescribeReport(kDetailsReport)}};
+  for (const LabelledColumn& fact : kDriveFactColumns) {
     table.AddColumn(fact.column);
     if (fact.label == kCoercedSize) table.AddColumn(kNonCoercedSize.column);
   }
-  const std::string rowEnd(std::rbegin(kFactColumns)->label);
+  const std::string rowEnd(std::rbegin(kDriveFactColumns)->label);
   table.EndRowsAt(rowEnd);
   table.leavesOut = {
       LeaveOutOtherLsiControllers(),
@@ -114,7 +114,7 @@ void DescribeDriveDetails(ModuleDescription& module) {
                "drive before had it.",
        .note = "what the report does not say of a drive is left as the drive before had it: {}",
        .sign = OmissionSign::kLackingLine,
-       .command = DescribeReport(kReport),
+       .command = DescribeReport(kDetailsReport),
        .label = " =",
        .end = rowEnd}};
   module.tables.push_back(table);

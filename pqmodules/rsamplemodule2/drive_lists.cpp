@@ -22,7 +22,7 @@ namespace pq {
 namespace {
 
 // A summary, although the file is named like the full report.
-constexpr StorcliReport kReport{"/c0 show", "c0_showall.txt", "raid raw path:"};
+constexpr StorcliReport kListsReport{"/c0 show", "c0_showall.txt", "raid raw path:"};
 
 struct DriveList {
   std::string_view title;
@@ -38,7 +38,7 @@ constexpr std::array<DriveList, kDriveListCount> kLists{{
 const LabelTable kTitles({kLists[0].title, kLists[1].title, kLists[2].title});
 
 /// The title, its underline, an empty line, a rule, the column heads and a rule.
-constexpr int kHeadLines = 6;
+constexpr int kListHeadLines = 6;
 
 /// Room of a size such as "557.861 GB", without the terminator.
 constexpr std::size_t kSizeLength = 19;
@@ -112,7 +112,7 @@ std::array<bool, kDriveListCount> DriveListScan::Take(std::string_view line) {
   std::array<bool, kDriveListCount> isRow{};
   for (std::size_t i = 0; i < kDriveListCount; ++i) {
     if (!inList[i]) continue;
-    if (headLines < kHeadLines) {
+    if (headLines < kListHeadLines) {
       ++headLines;
       break;  // A head line is done with, whichever lists are open.
     }
@@ -135,7 +135,7 @@ std::string JoinSize(std::string_view number, std::string_view unit) {
 }
 
 void CollectDriveLists(const RaidLogsCollection& collection) {
-  auto file = RunStorcli(collection.log, collection.hostFolder, kReport);
+  auto file = RunStorcli(collection.log, collection.hostFolder, kListsReport);
   if (!file) return;
   std::array<ListRows, kDriveListCount> lists{{
       {kTopology, {collection.repo, kTInfo, "Controller 0 TOPOLOGY INFO"}},
@@ -157,7 +157,7 @@ void DescribeDriveLists(ModuleDescription& module) {
   const auto describe = [&](const char* className, const char* title,
                             std::span<const TokenColumn> tokens) {
     TableDescription table{
-        .className = className, .title = title, .commands = {DescribeReport(kReport)}};
+        .className = className, .title = title, .commands = {DescribeReport(kListsReport)}};
     for (const TokenColumn& token : tokens) table.AddColumn(token.column);
     table.leavesOut = {LeaveOutOtherLsiControllers(),
                        {.text = "A line with fewer words than the table has columns, such as that "

@@ -28,14 +28,14 @@
 namespace pq {
 namespace {
 
-constexpr StorcliReport kReport{"/c0 show events", "raidevents.txt", "raidevent raw path:"};
+constexpr StorcliReport kEventsReport{"/c0 show events", "raidevents.txt", "raidevent raw path:"};
 
 constexpr char kConverter[] = "\\pq_tools\\eventslog_convert.exe";
 
 constexpr std::int32_t kThousandsPerPage = 3;
 constexpr std::int32_t kRecordsPerPage = kThousandsPerPage * 1000;
 /// Lines at the top of a dump among which the first record begins, after the tool's head.
-constexpr std::int64_t kHeadLines = 13;
+constexpr std::int64_t kDumpHeadLines = 13;
 
 constexpr Column kSequenceNumber{"seqNum", "seqNum",
                                  "number of the event, in hexadecimal, counted by the controller"};
@@ -86,7 +86,7 @@ constexpr LabelledColumn kLabelledColumns[] = {
     {kDataTitle, 0, {}},
     {kDataStart, 0, {}},
 };
-const LabelledColumns kFacts(kLabelledColumns);
+const LabelledColumns kEventFacts(kLabelledColumns);
 
 /// The page instances, as rows.
 class PageRows : public EventPages {
@@ -114,7 +114,7 @@ class PageRows : public EventPages {
 void ConvertDump(const RaidLogsCollection& collection) {
   const std::string logFolder = GetLogFolder();
   const std::string command = BuildReportCommand(collection.hostFolder + kConverter,
-                                                 "\"" + logFolder + kReport.fileName + "\"",
+                                                 "\"" + logFolder + kEventsReport.fileName + "\"",
                                                  logFolder + "eventslog_convert.txt");
   collection.log(kDetail, "eventslog_convert raw path:", command);
   RunLogged(collection.log, command);
@@ -132,7 +132,7 @@ void EventDump::Take(std::string_view line) {
     EndRecord(FindEventPage(recordCount));
     return;
   }
-  const LabelledFact fact = kFacts.FindIn(line);
+  const LabelledFact fact = kEventFacts.FindIn(line);
   if (!fact) {
     data.Append(line);
   } else if (fact.source->label == kRecordStart) {
@@ -147,7 +147,7 @@ void EventDump::Take(std::string_view line) {
 void EventDump::BeginRecord(std::string_view sequenceNumber) {
   hasRecords = true;
   const std::size_t page = FindEventPage(recordCount);
-  if (lineNumber > kHeadLines) EndRecord(page);
+  if (lineNumber > kDumpHeadLines) EndRecord(page);
   pages.Set(page, kSequenceNumber, sequenceNumber);
   ++recordCount;
   // A record that crosses to the next page shows its number on both and goes on on the new one.
@@ -161,7 +161,7 @@ void EventDump::EndRecord(std::size_t page) {
 }
 
 void CollectEventLog(RaidLogsCollection& collection) {
-  auto file = RunStorcli(collection.log, collection.hostFolder, kReport);
+  auto file = RunStorcli(collection.log, collection.hostFolder, kEventsReport);
   if (!file) return;
   PageRows pages(collection.repo);
   EventDump dump(pages, collection.eventData);
@@ -174,15 +174,16 @@ void CollectEventLog(RaidLogsCollection& collection) {
 void DescribeEventLog(ModuleDescription& module) {
   std::int32_t thousandsBefore = 0;  // Of records on the pages before.
   for (const EventPage& page : kPages) {
-    TableDescription table{
-        .className = page.className, .title = page.title, .commands = {DescribeReport(kReport)}};
+    TableDescription table{.className = page.className,
+                           .title = page.title,
+                           .commands = {DescribeReport(kEventsReport)}};
     table.isLog = true;
     table.AddColumns(kColumns);
     table.leavesOut = {LeaveOutOtherLsiControllers(),
                        {.text = "The last event of the dump is on no page.",
                         .note = "the last event of the dump, with the number {}, is on no page",
                         .sign = OmissionSign::kOpenRecord,
-                        .command = DescribeReport(kReport),
+                        .command = DescribeReport(kEventsReport),
                         .label = std::string(kRecordStart),
                         .end = std::string(kNextController)}};
     if (thousandsBefore > 0) {

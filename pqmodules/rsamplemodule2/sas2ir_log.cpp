@@ -22,7 +22,7 @@ constexpr char kDecoder[] = "\\pq_tools\\SAS2IR_windows_x64.exe";
 constexpr char kDecodedName[] = "ir.txt";
 
 // Only the time skips the blank after its label; all other values keep it.
-constexpr LabelledColumn kFactColumns[] = {
+constexpr LabelledColumn kDeviceFactColumns[] = {
     {"Time:", 6, {"Time", "Time", "when it happened, since the adapter started"}},
     {"LogSequence:", 12, {"LogSequence", "LogSequence", "number of the entry", ValueKind::kNumber}},
     {"LogEntryQualifier:",
@@ -47,7 +47,7 @@ constexpr LabelledColumn kFactColumns[] = {
       ValueKind::kNumber}},
     {"Locale:", 7, {"Locale", "Locale", "part of the adapter concerned, as bits"}, true},
 };
-const LabelledColumns kFacts(kFactColumns);
+const LabelledColumns kDeviceFacts(kDeviceFactColumns);
 
 constexpr Sentence kNoLog = "Failed to open ir log file";
 
@@ -78,7 +78,7 @@ void CollectSas2IrLog(const RaidLogsCollection& collection) {
   if (!file) return;
   RowBuffer row(collection.repo, kSas2IrLog, "LSI SAS2308 Log");
   std::string_view line;
-  for (LineReader lines(file.get()); lines.Next(line);) Fill(row, kFacts.FindIn(line));
+  for (LineReader lines(file.get()); lines.Next(line);) Fill(row, kDeviceFacts.FindIn(line));
   file.reset();
 }
 
@@ -88,8 +88,8 @@ void DescribeSas2IrLog(ModuleDescription& module) {
       .title = "LSI SAS2 controller log",
       .commands = {{kUploadTool, kUploadArguments, {}}, {kDecoder, kUploadedLog, kDecodedName}},
       .isLog = true};
-  for (const LabelledColumn& fact : kFactColumns) table.AddColumn(fact.column);
-  table.EndRowsAt(std::rbegin(kFactColumns)->label);
+  for (const LabelledColumn& fact : kDeviceFactColumns) table.AddColumn(fact.column);
+  table.EndRowsAt(std::rbegin(kDeviceFactColumns)->label);
   table.leavesOut = {
       {.text = "Only controller 0 is read."},
       {.text = std::string("`") + kUploadedLog +

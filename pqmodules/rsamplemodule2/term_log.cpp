@@ -19,7 +19,7 @@
 namespace pq {
 namespace {
 
-constexpr StorcliReport kReport{"/c0 show termlog", "fwtermlog.txt", nullptr};
+constexpr StorcliReport kTermLogReport{"/c0 show termlog", "fwtermlog.txt", nullptr};
 constexpr std::string_view kMarker = "Firmware Term Log Information";
 constexpr Column kLine{"FWTERMLOG", "FW termlog", "one line of the log, as the tool prints it"};
 
@@ -42,7 +42,7 @@ void AddLines(TextFile* file, RowBuffer& row) {
 }  // namespace
 
 void CollectTermLog(const RaidLogsCollection& collection) {
-  auto file = RunStorcli(collection.log, collection.hostFolder, kReport);
+  auto file = RunStorcli(collection.log, collection.hostFolder, kTermLogReport);
   if (!file) return;
   RowBuffer row(collection.repo, kFwTermLog, "Controller 0 FW Term Log");
   if (ContainsMarker(file.get())) {
@@ -55,7 +55,7 @@ void CollectTermLog(const RaidLogsCollection& collection) {
 void DescribeTermLog(ModuleDescription& module) {
   TableDescription table{.className = kFwTermLog,
                          .title = "LSI firmware term log",
-                         .commands = {DescribeReport(kReport)},
+                         .commands = {DescribeReport(kTermLogReport)},
                          .isLog = true};
   table.AddColumn(kLine);
   table.leavesOut = {LeaveOutOtherLsiControllers()};
