@@ -62,13 +62,13 @@ void BM_Sensors(benchmark::State& state) {
                         state.range(0)));
 }
 
-void BmcLines(benchmark::internal::Benchmark* benchmark) {
+void SetBmcLines(benchmark::internal::Benchmark* benchmark) {
   benchmark->RangeMultiplier(10)->Range(1'000, 1'000'000)->Unit(benchmark::kMillisecond);
 }
 
-BENCHMARK(BM_Sel)->Apply(BmcLines);
-BENCHMARK(BM_Sdr)->Apply(BmcLines);
-BENCHMARK(BM_Sensors)->Apply(BmcLines);
+BENCHMARK(BM_Sel)->Apply(SetBmcLines);
+BENCHMARK(BM_Sdr)->Apply(SetBmcLines);
+BENCHMARK(BM_Sensors)->Apply(SetBmcLines);
 
 }  // namespace
 }  // namespace bench

@@ -196,17 +196,17 @@ void BM_RaidLogs(benchmark::State& state) {
   MeasureCollection(state, measured);
 }
 
-void RaidLines(benchmark::internal::Benchmark* benchmark) {
+void SetRaidLines(benchmark::internal::Benchmark* benchmark) {
   benchmark->RangeMultiplier(10)->Range(1'000, 1'000'000)->Unit(benchmark::kMillisecond);
 }
 
-BENCHMARK(BM_EventLog)->Apply(RaidLines);
-BENCHMARK(BM_TermLog)->Apply(RaidLines);
-BENCHMARK(BM_DriveDetails)->Apply(RaidLines);
-BENCHMARK(BM_DriveLists)->Apply(RaidLines);
-BENCHMARK(BM_Sas2Log)->Apply(RaidLines);
-BENCHMARK(BM_IntelDevices)->Apply(RaidLines);
-BENCHMARK(BM_RaidLogs)->Apply(RaidLines);
+BENCHMARK(BM_EventLog)->Apply(SetRaidLines);
+BENCHMARK(BM_TermLog)->Apply(SetRaidLines);
+BENCHMARK(BM_DriveDetails)->Apply(SetRaidLines);
+BENCHMARK(BM_DriveLists)->Apply(SetRaidLines);
+BENCHMARK(BM_Sas2Log)->Apply(SetRaidLines);
+BENCHMARK(BM_IntelDevices)->Apply(SetRaidLines);
+BENCHMARK(BM_RaidLogs)->Apply(SetRaidLines);
 
 }  // namespace
 }  // namespace bench
