@@ -18,7 +18,7 @@ namespace {
 using test::MakeRandomRecording;
 using testing::ElementsAre;
 
-constexpr std::uint64_t kSeeds = 150;
+constexpr std::uint64_t kSeeds = PQ_HAS_ADDRESS_SANITIZER ? 50 : 150;
 
 TEST(RandomRecordings, GiveTheSameTracesInAnyOrder) {
   constexpr std::uint64_t kTwice = PQ_HAS_ADDRESS_SANITIZER ? 30 : kSeeds;

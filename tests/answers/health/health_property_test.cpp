@@ -16,6 +16,7 @@
 #include "tests/support/collected.h"
 #include "tests/support/random_recording.h"
 #include "tests/support/samples.h"
+#include "tests/support/sanitizers.h"
 
 namespace {
 
@@ -23,7 +24,7 @@ using namespace test;
 using host::Collection;
 using host::Parts;
 
-constexpr int kRandomMachines = 40;
+constexpr int kRandomMachines = PQ_HAS_ADDRESS_SANITIZER ? 10 : 40;
 
 /// Severity and key of each finding, and the verdict.
 std::vector<std::string> ListFindings(const host::Health& health) {
