@@ -4,7 +4,6 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
 #include <sstream>
 
 namespace LogKit {
@@ -25,8 +24,7 @@ class LOGGER_API Log {
   unsigned level;
   const char* file;
   int line;
-  std::ostringstream* stream;
-  std::optional<std::ostringstream> unheard;  ///< the stream of a line that nobody takes
+  std::ostringstream stream;
 };
 
 /// Fills `buffer` (`size` bytes, the plug-in passes 256) with the log folder as a path that ends

@@ -20,6 +20,9 @@ struct CollectedAnswer : ToolAnswer {
   std::string module;
   std::string commandLine;
   std::optional<std::uint32_t> exitCode;  ///< none: the tool was not awaited, or did not start
+
+  /// A host ended the tool, or had when it was recorded.
+  bool WasEnded() const { return exitCode == kEndedExitCode; }
 };
 
 /// Answers about a collection, to find omissions.

@@ -13,12 +13,12 @@ namespace {
 thread_local LogSinkInUse* sinkInUse = nullptr;
 thread_local const LogFolderInUse* folderInUse = nullptr;
 
-constexpr std::size_t kLongText = 1 << 16;
+}  // namespace
 
 /// A string stream doubles its room, old and new at once; a tool's whole output can be one line.
-class TextBuffer final : public std::streambuf {
+class LogSinkInUse::Text final : public std::streambuf {
  public:
-  explicit TextBuffer(std::string& text) : text(text) {}
+  std::string text;
 
  protected:
   int_type overflow(int_type c) override {
@@ -26,40 +26,11 @@ class TextBuffer final : public std::streambuf {
     return traits_type::not_eof(c);
   }
   std::streamsize xsputn(const char* more, std::streamsize count) override {
-    const auto size = static_cast<std::size_t>(count);
-    if (size >= kLongText) text.reserve(text.size() + size);
-    text.append(more, size);
+    constexpr std::streamsize kLong = 1 << 16;
+    if (count >= kLong) text.reserve(text.size() + static_cast<std::size_t>(count));
+    text.append(more, static_cast<std::size_t>(count));
     return count;
   }
-
- private:
-  std::string& text;
-};
-
-}  // namespace
-
-/// A line with its stream: to make one takes longer than to write a line.
-struct LogSinkInUse::OpenLine {
-  OpenLine() { stream.std::ios::rdbuf(&buffer); }
-
-  void Clear() {
-    if (line.text.capacity() > kLongText) {
-      line.text = {};
-    } else {
-      line.text.clear();
-    }
-    stream.clear();
-    stream.flags(std::ios::skipws | std::ios::dec);
-    stream.precision(kUsualPrecision);
-    stream.width(0);
-    stream.fill(' ');
-  }
-
-  static constexpr std::streamsize kUsualPrecision = 6;
-
-  LogLine line;
-  TextBuffer buffer{line.text};
-  std::ostringstream stream;
 };
 
 LogSinkInUse::LogSinkInUse(std::function<void(const LogLine&)> given)
@@ -67,30 +38,26 @@ LogSinkInUse::LogSinkInUse(std::function<void(const LogLine&)> given)
 
 LogSinkInUse::~LogSinkInUse() { sinkInUse = before; }
 
-std::ostringstream* LogSinkInUse::Begin() noexcept {
+void LogSinkInUse::Begin(std::ostream& stream) noexcept {
   try {
-    if (openLines == lines.size()) lines.push_back(std::make_unique<OpenLine>());
-    return &lines[openLines++]->stream;
+    if (openLines == texts.size()) texts.push_back(std::make_unique<Text>());
+    stream.rdbuf(texts[openLines++].get());
   } catch (const std::bad_alloc&) {
-    return nullptr;
+    stream.setstate(std::ios::badbit);
   }
 }
 
-void LogSinkInUse::Take(unsigned level, const char* file, int line,
-                        const std::ostringstream& stream) noexcept {
-  const bool isOpen = openLines > 0 && &stream == &lines[openLines - 1]->stream;
+void LogSinkInUse::Take(unsigned level, const char* file, int line, std::ostream& stream) noexcept {
   try {
+    const bool isOpen = openLines > 0 && stream.rdbuf() == texts[openLines - 1].get();
+    std::string text;
+    if (isOpen) text = std::exchange(texts[--openLines]->text, {});
     // A stream for which there was no memory has cut the line, and only says so.
     if (!stream || !isOpen) throw std::bad_alloc();
-    LogLine& taken = lines[openLines - 1]->line;
-    taken.level = level;
-    taken.file = file;
-    taken.line = line;
-    sink(taken);
+    sink({level, file, line, std::move(text)});
   } catch (...) {
     if (!failure) failure = std::current_exception();
   }
-  if (isOpen) lines[--openLines]->Clear();
 }
 
 void LogSinkInUse::RethrowFailure() {
@@ -110,22 +77,20 @@ LogFolderInUse::~LogFolderInUse() { folderInUse = before; }
 
 namespace LogKit {
 
-Log::Log(unsigned level, const char* file, int line)
-    : level(level),
-      file(file),
-      line(line),
-      stream(host::sinkInUse == nullptr ? nullptr : host::sinkInUse->Begin()) {
-  if (stream != nullptr) return;
+Log::Log(unsigned level, const char* file, int line) : level(level), file(file), line(line) {
   // A text that nobody takes is not put together: a tool's whole output can be one.
-  stream = &unheard.emplace();
-  stream->setstate(std::ios::badbit);
+  if (host::sinkInUse == nullptr) {
+    stream.setstate(std::ios::badbit);
+  } else {
+    host::sinkInUse->Begin(stream);
+  }
 }
 
 Log::~Log() {
-  if (host::sinkInUse != nullptr) host::sinkInUse->Take(level, file, line, *stream);
+  if (host::sinkInUse != nullptr) host::sinkInUse->Take(level, file, line, stream);
 }
 
-std::ostringstream& Log::Stream() { return *stream; }
+std::ostringstream& Log::Stream() { return stream; }
 
 int GetLogDir(char* buffer, std::size_t size) {
   if (host::folderInUse != nullptr) host::folderInUse->TellAsked();

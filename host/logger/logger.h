@@ -5,7 +5,7 @@
 #include <exception>
 #include <functional>
 #include <memory>
-#include <sstream>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -29,19 +29,19 @@ class LOGGER_API LogSinkInUse {
   LogSinkInUse& operator=(const LogSinkInUse&) = delete;
   ~LogSinkInUse();
 
-  /// The stream of a line that begins, until it is handed on; null without memory for it.
-  std::ostringstream* Begin() noexcept;
+  /// Has `stream`, which lives until the line is handed on, keep what is written to it.
+  void Begin(std::ostream& stream) noexcept;
   /// Hands on the line that was begun last. What `sink` throws is kept: a line is written by a
   /// destructor, out of which nothing can be thrown.
-  void Take(unsigned level, const char* file, int line, const std::ostringstream& stream) noexcept;
+  void Take(unsigned level, const char* file, int line, std::ostream& stream) noexcept;
   /// Throws what the sink threw first, and forgets it. To be called after each step that logs.
   void RethrowFailure();
 
  private:
-  struct OpenLine;
+  class Text;
 
   std::function<void(const LogLine&)> sink;
-  std::vector<std::unique_ptr<OpenLine>> lines;  ///< one within the other, to be used again
+  std::vector<std::unique_ptr<Text>> texts;  ///< of lines, one within the other, to be used again
   std::size_t openLines = 0;
   mutable std::exception_ptr failure;  ///< kept through sinkInUse, also of a const object
   LogSinkInUse* before;

@@ -114,9 +114,6 @@ RInstance::RInstance(const std::string& className, const std::string& key, int n
     : state(new InstanceState{
           host::observerInUse == nullptr ? 0 : host::observerInUse->CountInstance(),
           {className, key, number, {}, {}}}) {
-  constexpr std::size_t kUsualColumns = 8;
-  state->shape.columns.reserve(kUsualColumns);
-  state->values.reserve(kUsualColumns);
   host::Tell(&host::RepositoryObserver::OnInstance, state->id, className, key, number);
 }
 

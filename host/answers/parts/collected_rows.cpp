@@ -5,7 +5,6 @@
 #include <algorithm>
 
 #include "host/collect/command_text.h"
-#include "host/recorded/machine_observer.h"
 #include "host/text/ascii.h"
 
 namespace host {
@@ -87,7 +86,7 @@ std::vector<CollectedRow> CollectedRows::ListRows(std::string_view className) co
 
 std::string DescribeEnd(const CollectedAnswer* answer) {
   if (answer == nullptr || answer->exitCode.value_or(0) == 0) return {};
-  if (*answer->exitCode == kEndedExitCode) return "did not end by itself and was ended";
+  if (answer->WasEnded()) return "did not end by itself and was ended";
   return fmt::format("ended with code {}", *answer->exitCode);
 }
 
