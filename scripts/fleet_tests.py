@@ -647,7 +647,8 @@ def test_end_request(server):
     team = fleet.start("work", "--once")
     expect(team.wait(timeout=20) == 2, "no database: wrong use")
     server.start()
-    team = fleet.start("work", "--workers", "2", "--batch", "16")
+    # Of a claim whose answer the server could not send any more nobody knows until its lease ends.
+    team = fleet.start("work", "--workers", "2", "--batch", "16", "--lease", "5")
     time.sleep(0.1)
     server.stop("immediate")
     server.start()
