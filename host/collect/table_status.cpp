@@ -681,8 +681,6 @@ std::vector<Failure> StatusTracker::FindFailedTools(
     if (run.oldFile) {
       error = fmt::format("{}; files of {} are used instead", DescribeOldFile(run),
                           FormatAge(*run.oldFile));
-    } else if (error.empty() && run.hadNothingToReport && run.explanation == nullptr) {
-      error = "left no report, and did not say why";
     } else if (error.empty() || IsTold(run) || run.explanation != nullptr ||
                !HasOrdinaryExitCode(run)) {
       continue;

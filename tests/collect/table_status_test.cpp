@@ -733,11 +733,11 @@ TEST(FailedTools, AreNotThoseThatHadNothingToReport) {
   }
 }
 
-TEST(FailedTools, AreThoseThatLeftNoReportWithoutAWord) {
+// On a live machine what it prints to the console is not heard: there may be no controller.
+TEST(FailedTools, AreNotThoseThatEndedWellWithoutAReport) {
   Watched watched("sampleModule1");
   watched.Runs(kArcconf, 0).Logs("Failed to open PMC Controller file");
-  EXPECT_EQ(FailedTools(watched.tracker),
-            Lines{"arcconf.exe: left no report, and did not say why PMCINFO PMCVER PMCLINK"});
+  EXPECT_EQ(FailedTools(watched.tracker), Lines{});
 }
 
 TEST(FailedTools, AreThoseThatEndedWithACodeAndLeftNoReport) {
