@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Looks for inputs that break a fuzz target.
 #   scripts/fuzz.sh MINUTES [TARGET]...   runs each target that long and prints what it found
-#   scripts/fuzz.sh --replay              runs every seed, then a thousand inputs made from them, the
-#                                         same every time; ends with a count
+#   scripts/fuzz.sh --replay              runs every seed, then a thousand inputs made from them, or as
+#                                         many of these as 5 seconds allow; ends with a count
 # What is found lies in build/fuzz/found/TARGET/, new inputs worth keeping in build/fuzz/grown/TARGET/.
 set -uo pipefail
 cd "$(dirname "$0")/.."
@@ -14,7 +14,7 @@ usage() {
 
 [[ $# -ge 1 ]] || usage
 if [[ $1 == --replay ]]; then
-  amount=(-seed=1 -runs=1000)
+  amount=(-seed=1 -runs=1000 -max_total_time=5)
 elif [[ $1 =~ ^[0-9]+$ && $1 -gt 0 ]]; then
   amount=(-max_total_time=$(($1 * 60)))
 else
