@@ -9,11 +9,11 @@
 #include <string_view>
 #include <system_error>
 
-#include "host/answers/parts/report_lines.h"
 #include "host/database/database.h"
 #include "host/files/whole_file.h"
 #include "host/formats/kept_collection.h"
 #include "host/formats/packed_data.h"
+#include "host/text/decoder.h"
 #include "host/text/path_text.h"
 #include "host/text/usage_error.h"
 

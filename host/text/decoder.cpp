@@ -179,4 +179,10 @@ std::string TextDecoder::operator()(std::string_view bytes) const {
   return text;
 }
 
+std::string_view SkipByteOrderMark(std::string_view bytes) {
+  constexpr std::string_view kMark = "\xef\xbb\xbf";
+  if (bytes.starts_with(kMark)) bytes.remove_prefix(kMark.size());
+  return bytes;
+}
+
 }  // namespace host

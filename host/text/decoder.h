@@ -10,6 +10,9 @@
 
 namespace host {
 
+/// `bytes` without the mark of UTF-8 that some programs put before a text.
+std::string_view SkipByteOrderMark(std::string_view bytes);
+
 /// A text in UTF-8: one of its own, or a view of one that somebody else keeps.
 class DecodedText {
  public:

@@ -10,6 +10,7 @@
 
 #include "host/answers/health/wall_time.h"
 #include "host/answers/parts/report_lines.h"
+#include "host/text/decoder.h"
 #include "host/text/nearest_name.h"
 #include "host/text/usage_error.h"
 

@@ -11,6 +11,7 @@
 #include "host/answers/health/built_in_rules.h"
 #include "host/answers/parts/part_tables.h"
 #include "host/answers/parts/report_lines.h"
+#include "host/text/decoder.h"
 
 namespace host {
 namespace {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "host/answers/parts/report_lines.h"
 #include "host/collect/command_text.h"
 #include "host/text/ascii.h"
 

@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "host/answers/parts/parts.h"
-#include "host/answers/parts/report_lines.h"
 #include "host/collect/collection.h"
 #include "host/text/decoder.h"
 

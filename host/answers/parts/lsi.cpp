@@ -126,23 +126,13 @@ void ReadController(const CollectedRows& rows, const CollectedRow& row, const st
   answers.gaps.push_back("storcli /c" + number + " show " + kNothing);
 }
 
-/// How many controllers storcli counts, as `text` tells.
-Integer CountControllers(std::string_view text) {
-  ReportLines lines(text);
-  for (ReportLine line; lines.Next(line);) {
-    const auto told = SplitLabel(line.text, '=');
-    if (told && told->label == kCountLabel) return ReadInteger(told->value);
-  }
-  return std::nullopt;
-}
-
 /// Why there are, or may be, controllers beside those of the `rowCount` rows with reports; empty
 /// when there is no reason. Without a count the classes have the first controller only.
 std::string FindCountGap(const CollectedRows& rows, std::size_t rowCount) {
   const auto asked = rows.ListAnswers(kStorcli, kCountArguments);
   for (const CollectedAnswer* answer : asked) {
-    Integer count = CountControllers(SkipByteOrderMark(answer->fileText.Text()));
-    if (!count) count = CountControllers(SkipByteOrderMark(answer->output.Text()));
+    Integer count = FindInteger(answer->fileText, kCountLabel, '=');
+    if (!count) count = FindInteger(answer->output, kCountLabel, '=');
     if (!count) continue;
     if (*count <= static_cast<std::int64_t>(rowCount)) return {};
     return fmt::format("storcli counts {} controllers, of which {} {} read", *count, rowCount,

@@ -33,24 +33,20 @@ constexpr int kFirstFurther = 2;
 constexpr int kMostControllers = 32;  // PCI slots of a large server
 
 /// How many controllers arcconf finds, as its texts begin with.
-Integer FindCount(std::string_view text) {
-  ReportLines lines(text);
-  for (ReportLine line; lines.Next(line);) {
-    const auto told = SplitLabel(line.text, ':');
-    if (told && told->label == kFoundLabel) return ReadInteger(told->value);
+Integer FindCount(std::string_view text) { return FindInteger(text, kFoundLabel, ':'); }
+
+/// Why the tool's answers tell of no controller; none when they do not.
+enum class Absence { kSaid, kSilent };
+std::optional<Absence> FindAbsence(const CollectedRows& rows, const CollectedTable& table) {
+  std::optional<Absence> absence;
+  for (const CollectedAnswer* answer : rows.ListAnswers(kArcconf, kArguments)) {
+    if (FindCount(answer->output) == 0) return Absence::kSaid;
+    // On a live machine nobody hears what it prints. It writes an archive only of a controller.
+    const bool isSilent = answer->output.empty() && answer->exitCode == 0U &&
+                          table.status.outcome == "output could not be opened";
+    if (isSilent) absence = Absence::kSilent;
   }
-  return std::nullopt;
-}
-
-bool SaysNoController(const CollectedAnswer& answer) {
-  return FindCount(SkipByteOrderMark(answer.output.Text())) == 0;
-}
-
-/// Whether the tool said that there is no controller.
-bool TellsNoController(const CollectedRows& rows) {
-  const auto answers = rows.ListAnswers(kArcconf, kArguments);
-  return std::any_of(answers.begin(), answers.end(),
-                     [](const CollectedAnswer* answer) { return SaysNoController(*answer); });
+  return absence;
 }
 
 /// A controller's volumes or drives are cached, logged and so on; an adapter without them need not
@@ -126,6 +122,7 @@ bool TellsOfFurtherController(const CollectedTable& table) {
 void AddMicrochipSource(const CollectedRows& rows, Parts& parts, bool hasParts,
                         std::vector<std::string> gaps, const std::string& otherGap) {
   const CollectedTable* table = rows.FindTable(kConfigClass);
+  const auto absence = table == nullptr ? std::nullopt : FindAbsence(rows, *table);
   const std::string end = DescribeEnd(rows.FindAnswer(kArcconf, kArguments));
   if (hasParts && !end.empty()) gaps.insert(gaps.begin(), std::string(kTool) + " " + end);
   const bool lacksControllersOnly = gaps.empty() && hasParts;
@@ -135,9 +132,9 @@ void AddMicrochipSource(const CollectedRows& rows, Parts& parts, bool hasParts,
     parts.sources.back().lacksControllersOnly = lacksControllersOnly;
   } else if (hasParts) {
     AddSource(parts, "microchip", kConfigClass, SourceState::kRead);
-  } else if (table != nullptr && TellsNoController(rows)) {
+  } else if (absence) {
     AddSource(parts, "microchip", kConfigClass, SourceState::kNone, "arcconf finds no controller");
-    parts.sources.back().saysNone = true;
+    parts.sources.back().saysNone = absence == Absence::kSaid;
   } else if (table != nullptr && table->RowCount() > 0) {
     AddSource(parts, "microchip", kConfigClass, SourceState::kFailed,
               "no controller in the report");

@@ -4,12 +4,6 @@
 
 namespace host {
 
-std::string_view SkipByteOrderMark(std::string_view bytes) {
-  constexpr std::string_view kMark = "\xef\xbb\xbf";
-  if (bytes.starts_with(kMark)) bytes.remove_prefix(kMark.size());
-  return bytes;
-}
-
 bool ReportLines::Next(ReportLine& line) {
   if (begin >= text.size()) return false;
   // Kept over the lines, or a text that ends its lines with CR would be searched for each of them.

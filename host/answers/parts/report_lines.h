@@ -16,9 +16,6 @@ struct ReportLine {
   std::int64_t number = 0;  ///< from 1
 };
 
-/// `bytes` without the mark of UTF-8 that some programs put before a text.
-std::string_view SkipByteOrderMark(std::string_view bytes);
-
 /// Takes the lines off a text, one after the other. Lines end with LF, CR LF or CR.
 class ReportLines {
  public:

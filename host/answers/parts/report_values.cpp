@@ -7,6 +7,7 @@
 
 #include "host/answers/parts/report_lines.h"
 #include "host/text/ascii.h"
+#include "host/text/decoder.h"
 
 namespace host {
 namespace {
@@ -172,6 +173,15 @@ std::string ReadNumericDate(std::string_view text) {
 }  // namespace
 
 Integer ReadInteger(std::string_view text) { return ReadWhole(Trim(text), 10); }
+
+Integer FindInteger(std::string_view text, std::string_view label, char separator) {
+  ReportLines lines(SkipByteOrderMark(text));
+  for (ReportLine line; lines.Next(line);) {
+    const auto told = SplitLabel(line.text, separator);
+    if (told && told->label == label) return ReadInteger(told->value);
+  }
+  return std::nullopt;
+}
 
 Integer ReadHex(std::string_view text) {
   std::string_view digits = Trim(text);

@@ -13,6 +13,10 @@ namespace host {
 /// A decimal number, with blanks around it at most; none for anything else, such as "N/A".
 Integer ReadInteger(std::string_view text);
 
+/// The number in the first line of `text` that is `label`, `separator` and a value, also behind a
+/// mark of UTF-8; none without such a line or number.
+Integer FindInteger(std::string_view text, std::string_view label, char separator);
+
 /// A hexadecimal number, with or without "0x", with blanks around it at most.
 Integer ReadHex(std::string_view text);
 

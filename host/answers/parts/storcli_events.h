@@ -9,7 +9,7 @@
 namespace host {
 
 /// storcli /cN show events: appends its events. Read it after the controller's drives and volumes,
-/// which events are about.
+/// which events are about. Returns where the dump breaks off, in words; empty when it does not.
 std::string ReadStorcliEvents(const Report& report, Parts& parts);
 /// The same from rows of a table of events; `report` has controller and tool, and no text.
 void ReadStorcliEventRows(const std::vector<CollectedRow>& rows, const Report& report,
