@@ -15,6 +15,9 @@ namespace host {
 /// nothing of it.
 inline constexpr std::size_t kMostReportBytes = std::size_t{128} << 20;
 
+/// A sentence of the report, in columns of a screen; the rest is cut.
+inline constexpr std::size_t kWidestReportText = 400;
+
 /// What a report shows of a table: the newest, which tools print last.
 struct ShownPart {
   std::size_t firstRow = 0;  ///< rows before it are left out

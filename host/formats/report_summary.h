@@ -19,9 +19,9 @@ void WriteReportTitle(const Collection& collection, const Assessment* assessment
 void WriteReportHeader(const Collection& collection, HtmlWriter& html);
 
 /// The verdict, findings, areas, and the tables of parts. `shown` has one part for each table;
-/// `changes` is null where the collection is compared with none.
+/// `compared` is null where the collection is compared with none.
 void WriteReportSummary(const CollectionView& view, const std::vector<ShownPart>& shown,
-                        const Assessment& assessment, const NamedDifference* changes,
+                        const Assessment& assessment, const NamedDifference* compared,
                         HtmlWriter& html);
 
 /// `assessment` is null for an answer.

@@ -5,6 +5,7 @@
 #include <map>
 #include <numeric>
 #include <optional>
+#include <set>
 #include <string_view>
 #include <utility>
 
@@ -189,6 +190,16 @@ void JoinArcconfMembers(const std::vector<ArcconfSegment>& segments,
   join.GroupVolumes();
   join.JoinDrives();
   join.JoinLostDrive();
+}
+
+std::size_t CountArcconfMembers(const std::vector<ArcconfSegment>& segments) {
+  std::set<std::string_view> members;
+  for (const ArcconfSegment& segment : segments) {
+    if (!IsPresent(segment)) continue;
+    members.insert(segment.place.empty() ? segment.serial : segment.place);
+  }
+  members.erase(std::string_view());
+  return members.size();
 }
 
 }  // namespace host

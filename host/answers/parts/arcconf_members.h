@@ -32,4 +32,7 @@ struct ArcconfReportParts {
 void JoinArcconfMembers(const std::vector<ArcconfSegment>& segments,
                         const ArcconfReportParts& report, Parts& parts);
 
+/// How many drives the segments name as present; each can be in several volumes.
+std::size_t CountArcconfMembers(const std::vector<ArcconfSegment>& segments);
+
 }  // namespace host
