@@ -7,10 +7,12 @@
 
 #include "host/catalogue/table_sources.h"
 #include "host/collect/collection_run.h"
+#include "host/collect/failed_tools.h"
 #include "host/collect/failures.h"
 #include "host/collect/omissions.h"
 #include "host/collect/recorded_source.h"
-#include "host/collect/table_status.h"
+#include "host/collect/status_explainer.h"
+#include "host/collect/tool_history.h"
 #include "host/secrets/amt_login.h"
 #include "host/text/decoder.h"
 
@@ -101,11 +103,11 @@ Collection Collect(Source& source, const Selection& selection, CollectionListene
   FailureList failures;
   failures.FindMissingPrograms(hasPrograms);
   listeners.Add(failures);
-  StatusTracker statuses;
-  statuses.Ask(
+  ToolHistory history;
+  history.Ask(
       hasPrograms, [&](const std::string& fileName) { return source.LogFileSize(fileName); },
       [&](const std::string& path) { return source.FindOldFile(path); });
-  listeners.Add(statuses);
+  listeners.Add(history);
   AnswerKeeper answers;
   listeners.Add(answers);
   LogKeeper log;
@@ -122,7 +124,7 @@ Collection Collect(Source& source, const Selection& selection, CollectionListene
     run.Enumerate(*collection.repository, collection);
   }
   const bool wasInterrupted = listener.WantsEnd();
-  if (wasInterrupted) statuses.Interrupted();
+  if (wasInterrupted) history.Interrupted();
 
   collection.machine = source.Facts();
   collection.answers = std::move(answers.answers);
@@ -135,6 +137,7 @@ Collection Collect(Source& source, const Selection& selection, CollectionListene
         const auto rows = stored.find(className);
         return rows == stored.end() ? std::string_view() : FindFirstValue(rows->second, key);
       }};
+  const StatusExplainer statuses(history);
   for (CollectedTable& table : collection.tables) {
     const auto rows = stored.find(table.className);
     if (rows != stored.end()) table.rows = &rows->second;
@@ -162,7 +165,7 @@ Collection Collect(Source& source, const Selection& selection, CollectionListene
     }
   };
   addProblems(failures.Failures());
-  addProblems(statuses.FindFailedTools([&](const std::string& className) {
+  addProblems(FindFailedTools(history, [&](const std::string& className) {
     const auto rows = stored.find(className);
     return rows != stored.end() && !rows->second.rows.empty();
   }));

@@ -1,6 +1,6 @@
 #include "host/formats/formats.h"
 
-#include "host/database/database_writer.h"
+#include "host/database/database_cuts.h"
 #include "host/formats/report_size.h"
 
 namespace host {

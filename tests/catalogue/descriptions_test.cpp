@@ -16,7 +16,8 @@
 #include "host/answers/tool_versions.h"
 #include "host/catalogue/table_sources.h"
 #include "host/collect/failures.h"
-#include "host/collect/table_status.h"
+#include "host/collect/status_explainer.h"
+#include "host/collect/tool_history.h"
 #include "host/recorded/recorded_machine.h"
 #include "host/recording/recording_reader.h"
 #include "pqmodules/rsamplemodule1/microchip_archive.h"
@@ -51,23 +52,23 @@ const pq::TableDescription& FindServedTable(const pq::ModuleDescription& module,
 /// `text`.
 host::TableStatus StatusAfterRun(const pq::ModuleDescription& module,
                                  const pq::TableDescription& table, const std::string& text) {
-  host::StatusTracker tracker;
-  tracker.Module(module.name, "");
+  host::ToolHistory history;
+  history.Module(module.name, "");
   const pq::ToolCommand& command = table.commands.front();
-  tracker.OnProcess("cmd.exe", "/c \"C:\\H" + command.program + "\" " + command.arguments, false,
+  history.OnProcess("cmd.exe", "/c \"C:\\H" + command.program + "\" " + command.arguments, false,
                     false);
-  tracker.OnProcessEnd(0);
-  tracker.Log(MakeLine(text));
-  return tracker.FindStatus(module.name, table.className, 0);
+  history.OnProcessEnd(0);
+  history.Log(MakeLine(text));
+  return host::StatusExplainer(history).FindStatus(module.name, table.className, 0);
 }
 
 /// The table's status after the module logged `text` and ran nothing.
 host::TableStatus StatusAfterLog(const pq::ModuleDescription& module, const std::string& className,
                                  const std::string& text) {
-  host::StatusTracker tracker;
-  tracker.Module(module.name, "");
-  tracker.Log(MakeLine(text));
-  return tracker.FindStatus(module.name, className, 0);
+  host::ToolHistory history;
+  history.Module(module.name, "");
+  history.Log(MakeLine(text));
+  return host::StatusExplainer(history).FindStatus(module.name, className, 0);
 }
 
 std::string FindOutcome(StepFailure failure) {

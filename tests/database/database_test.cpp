@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "frame/halyard/repository.h"
+#include "host/database/database_cuts.h"
 #include "tests/support/program/filled_database.h"
 #include "tests/support/program/made_collection.h"
 
