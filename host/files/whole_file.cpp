@@ -36,7 +36,7 @@ std::string ReadWholeFile(const FileHandle& file) {
   try {
     bytes.resize(static_cast<std::size_t>(file.Size()));
   } catch (const std::exception&) {
-    throw std::runtime_error("is too large to be read");
+    throw std::runtime_error("is too large for this machine's memory");
   }
   if (file.Read(bytes.data(), bytes.size()) != bytes.size()) {
     throw std::runtime_error("cannot be read");

@@ -9,6 +9,7 @@
 #include <set>
 #include <utility>
 
+#include "host/answers/health/machine_areas.h"
 #include "host/formats/report_area_facts.h"
 #include "host/formats/report_area_sources.h"
 
@@ -39,23 +40,12 @@ constexpr AreaKind kAreaKinds[] = {
     {"collection", "Collection", {}},
 };
 
-/// Tables whose parts all belong to one area. Sensors and events are in several.
-constexpr std::pair<std::string_view, std::string_view> kAreasOfTables[] = {
-    {"controllers", "controllers"}, {"drives", "drives"},         {"volumes", "arrays"},
-    {"groups", "arrays"},           {"missing_drives", "arrays"}, {"cache_backups", "controllers"},
-    {"enclosures", "controllers"},  {"power_supplies", "power"},  {"leds", "bmc"},
-    {"self_tests", "bmc"},          {"sources", "collection"},    {"unread", "collection"},
-};
-
 std::string_view FindAreaOfPart(const PartTable& table, const Parts& parts, std::size_t row) {
   if (table.name == "sensors") return FindSensorArea(parts.sensors[row]);
   if (table.name == "events") {
     return parts.events.GetText(row, EventColumn::kSource) == "AMT" ? "amt" : "log";
   }
-  for (const auto& [name, area] : kAreasOfTables) {
-    if (name == table.name) return area;
-  }
-  return "collection";
+  return FindAreaOfTable(table.name);
 }
 
 ReportArea MakeArea(const AreaKind& kind) {

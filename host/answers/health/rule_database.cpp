@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "host/answers/collection_database.h"
+#include "host/answers/health/machine_areas.h"
 #include "host/answers/health/wall_time.h"
 #include "host/answers/parts/part_tables.h"
 #include "host/answers/parts/report_lines.h"
@@ -210,6 +211,9 @@ NamedHit ReadHit(const Rule& rule, const AnswerColumns& columns, const Database:
   hit.id = TakeText(values, AnswerColumns::kId);
   hit.observed = Shorten(TakeText(values, AnswerColumns::kObserved));
   hit.area = TakeText(values, columns.area, rule.area);
+  if (const std::string wrong = DescribeUnknownArea(hit.area); !wrong.empty()) {
+    throw DatabaseError(wrong);
+  }
   hit.why = rule.why;
   hit.next = rule.next;
   hit.isOfLog = rule.isOfLog;

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "host/answers/health/built_in_rules.h"
+#include "host/answers/health/machine_areas.h"
 #include "host/answers/parts/part_tables.h"
 #include "host/answers/parts/report_lines.h"
 #include "host/text/decoder.h"
@@ -24,27 +25,6 @@ constexpr TextTag kTextTags[] = {
     {"part", &Rule::part}, {"area", &Rule::area}, {"column", &Rule::column},
     {"why", &Rule::why},   {"next", &Rule::next}, {"source", &Rule::source},
 };
-
-/// The area of a rule that names none.
-struct UsualArea {
-  std::string_view part;
-  std::string_view area;
-};
-constexpr UsualArea kUsualAreas[] = {
-    {"drives", "drives"},           {"volumes", "arrays"},
-    {"groups", "arrays"},           {"missing_drives", "arrays"},
-    {"controllers", "controllers"}, {"cache_backups", "controllers"},
-    {"enclosures", "drives"},       {"sensors", "sensors"},
-    {"power_supplies", "power"},    {"leds", "bmc"},
-    {"self_tests", "bmc"},
-};
-constexpr std::string_view kOtherArea = "collection";
-
-std::string FindUsualArea(std::string_view part) {
-  const auto* found = std::find_if(std::begin(kUsualAreas), std::end(kUsualAreas),
-                                   [&](const UsualArea& usual) { return usual.part == part; });
-  return std::string(found == std::end(kUsualAreas) ? kOtherArea : found->area);
-}
 
 bool IsPartTable(std::string_view name) {
   const auto tables = GetPartTables();
@@ -136,6 +116,9 @@ class RuleFileReader {
     if (tag.name == "part" && !IsPartTable(tag.value)) {
       Refuse(fmt::format("there is no table of parts {}", tag.value));
     }
+    if (tag.name == "area") {
+      if (const std::string wrong = DescribeUnknownArea(tag.value); !wrong.empty()) Refuse(wrong);
+    }
     rule.*known->member = tag.value;
     openText = known->member;
     return true;
@@ -165,7 +148,7 @@ class RuleFileReader {
       return;
     }
     if (rule.part.empty()) refuse("does not say which parts it judges: add -- @part TABLE");
-    if (rule.area.empty()) rule.area = FindUsualArea(rule.part);
+    if (rule.area.empty()) rule.area = FindAreaOfTable(rule.part);
     rule.sql = Trim(statement);
     rule.line = sqlLine;
     read.rules.push_back(std::move(rule));

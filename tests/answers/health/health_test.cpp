@@ -305,6 +305,13 @@ TEST(Health, RefusesRulesByFileAndLine) {
             "house.sql:1: mine does not say which parts it judges: add -- @part TABLE");
   EXPECT_EQ(Refuse("-- @rule mine\n-- @part wheels\nSELECT 1"),
             "house.sql:2: there is no table of parts wheels");
+  const std::string areas =
+      "areas are arrays, drives, controllers, cooling, temperatures, power, voltages, memory, "
+      "sensors, bmc, log, network, amt, collection";
+  EXPECT_EQ(Refuse("-- @rule mine\n-- @part drives\n-- @area drivers\nSELECT 1"),
+            "house.sql:3: there is no area drivers; did you mean drives?; " + areas);
+  EXPECT_EQ(Refuse(head + "SELECT 'warning', id, state, '', '', 'wheels' AS area FROM drives"),
+            "house.sql:4: mine: there is no area wheels; " + areas);
   EXPECT_EQ(Refuse("-- @rule mine\n-- @part drives\n-- @reason x\nSELECT 1"),
             "house.sql:3: there is no @reason");
   EXPECT_EQ(Refuse("SELECT 1"), "house.sql:1: a statement begins with a line \"-- @rule ID\"");

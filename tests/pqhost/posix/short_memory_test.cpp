@@ -91,7 +91,8 @@ class ShortMemory : public testing::Test {
       const Outcome run = RunWith("PQ_REFUSED=" + std::to_string(at), arguments);
       if (run == whole || (run.exitCode == whole.exitCode && IsUnjudged(run))) continue;
       // A recording that cannot be read is refused like any other, unless a verdict is missing.
-      const bool isRefused = Error().find("the recording is too large") != std::string::npos;
+      const bool isRefused =
+          Error().find("too large for this machine's memory") != std::string::npos;
       const int expected = isRefused ? std::max(failureExit, 2) : failureExit;
       // The first few are made before the program knows which command it is.
       EXPECT_EQ(run.exitCode, at < 15 && run.exitCode == 3 ? 3 : expected);
