@@ -21,7 +21,7 @@ using testing::ElementsAre;
 constexpr std::uint64_t kSeeds = PQ_HAS_ADDRESS_SANITIZER ? 50 : 150;
 
 TEST(RandomRecordings, GiveTheSameTracesInAnyOrder) {
-  constexpr std::uint64_t kTwice = PQ_HAS_ADDRESS_SANITIZER ? 30 : kSeeds;
+  constexpr std::uint64_t kTwice = PQ_HAS_ADDRESS_SANITIZER ? 10 : kSeeds;
   std::map<std::uint64_t, std::string> traces;
   for (std::uint64_t seed = 0; seed < kTwice; ++seed) {
     traces[seed] = test::CollectTrace(MakeRandomRecording(seed));

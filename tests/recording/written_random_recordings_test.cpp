@@ -12,7 +12,7 @@ namespace host {
 namespace {
 
 TEST(WrittenRandomRecordings, GiveTheTracesOfWhatWasWritten) {
-  constexpr std::uint64_t kEnd = PQ_HAS_ADDRESS_SANITIZER ? 1020 : 1060;
+  constexpr std::uint64_t kEnd = PQ_HAS_ADDRESS_SANITIZER ? 1010 : 1060;
   for (std::uint64_t seed = 1000; seed < kEnd; ++seed) {
     const Recording recording = test::MakeRandomRecording(seed);
     const test::TemporaryFolder folder;

@@ -11,6 +11,7 @@
 #include "host/formats/difference/difference_words.h"
 #include "host/formats/report_areas.h"
 #include "host/formats/report_columns.h"
+#include "host/formats/report_size.h"
 #include "host/text/count_text.h"
 
 namespace host {
@@ -18,19 +19,79 @@ namespace {
 
 constexpr std::size_t kMostRows = 200;    ///< of a list
 constexpr std::size_t kMostEntries = 50;  ///< of a log, the newest
-constexpr std::size_t kWidestText = 400;  ///< in columns of a screen
 constexpr std::size_t kMostListBytes = std::size_t{256} << 10;
+
+std::string NameVerdict(const ComparedSide& side) {
+  return side.verdict == "ok" ? "OK" : side.verdict;
+}
+
+std::string DescribeWhole(const NamedDifference& named) {
+  const Difference& difference = named.difference;
+  std::string text = difference.IsNone() ? fmt::format("No difference to {}.", named.before)
+                                         : fmt::format("Compared with {}: {}.", named.before,
+                                                       CountDifferences(difference));
+  if (difference.before.verdict == difference.after.verdict) {
+    text += fmt::format(" The verdict was {}, as it is now.", NameVerdict(difference.before));
+  } else {
+    text += fmt::format(" The verdict was {}; now it is {}.", NameVerdict(difference.before),
+                        NameVerdict(difference.after));
+  }
+  if (difference.isOlder) text += " The other collection is the newer one.";
+  if (difference.otherMachine) {
+    text += " No serial number is in both: these look like two machines.";
+  }
+  return text;
+}
+
+std::string DescribeChange(const FindingDifference& one) {
+  const auto name = [](const std::optional<Severity>& severity) {
+    return severity ? GetWord(*severity) : "";
+  };
+  if (one.change == FindingChange::kChanged) {
+    return fmt::format("was {}, is {}", name(one.before), name(one.after));
+  }
+  return fmt::format("{}: {}", GetWord(one.change), name(one.after ? one.after : one.before));
+}
+
+std::string ShowValue(const ChangedColumn& column, const OptionalText& value) {
+  return value ? ShowPartText(column.column, *value) : std::string();
+}
+
+void WriteLog(const LogDifference& log, HtmlWriter& html) {
+  const auto serious = static_cast<std::size_t>(std::ranges::count_if(log.entries, &IsSerious));
+  html.Add("<details class=\"more\"><summary>").ShortText(log.log, kWidestReportText).Add(": ");
+  html.Number(log.entries.size()).Add(" new");
+  if (serious > 0) html.Add(", ").Number(serious).Add(" of them warnings or worse");
+  if (log.wasCleared) html.Add("; it was cleared or has wrapped around");
+  html.Add("</summary><ul>");
+  const std::size_t count = std::min(log.entries.size(), kMostEntries);
+  // The newest are the last ones.
+  for (std::size_t i = log.entries.size() - count; i < log.entries.size(); ++i) {
+    const NewEntry& entry = log.entries[i];
+    html.Add("<li>");
+    if (IsSerious(entry)) html.Add("<b>");
+    html.ShortText(DescribeEntry(entry), kWidestReportText);
+    if (IsSerious(entry)) html.Add("</b>");
+    html.Add("</li>");
+  }
+  html.Add("</ul>");
+  if (count < log.entries.size()) {
+    html.Add("<p class=\"cut\">and ").Number(log.entries.size() - count);
+    html.Add(" before them, which pqhost diff shows</p>");
+  }
+  html.Add("</details>");
+}
 
 class ChangesWriter {
  public:
   ChangesWriter(const NamedDifference& named, const FindPartAddress& findAddress, HtmlWriter& html)
-      : difference(named.difference), before(named.before), findAddress(findAddress), html(html) {}
+      : named(named), difference(named.difference), findAddress(findAddress), html(html) {}
 
   void Write() {
     html.Add("<section id=\"changes\" aria-labelledby=\"changes-title\">");
     html.Add("<h2 class=\"caption\" id=\"changes-title\">Changes since ");
     html.Text(DescribeTime(difference.before)).Add("</h2>");
-    html.Add("<div class=\"panel changes\"><p>").Text(DescribeWhole()).Add("</p>");
+    html.Add("<div class=\"panel changes\"><p>").Text(DescribeWhole(named)).Add("</p>");
     WriteFindings();
     WriteParts();
     WriteCells();
@@ -41,27 +102,6 @@ class ChangesWriter {
   }
 
  private:
-  std::string DescribeWhole() const {
-    std::string text = difference.IsNone() ? fmt::format("No difference to {}.", before)
-                                           : fmt::format("Compared with {}: {}.", before,
-                                                         CountDifferences(difference));
-    if (difference.before.verdict == difference.after.verdict) {
-      text += fmt::format(" The verdict was {}, as it is now.", NameVerdict(difference.before));
-    } else {
-      text += fmt::format(" The verdict was {}; now it is {}.", NameVerdict(difference.before),
-                          NameVerdict(difference.after));
-    }
-    if (difference.isOlder) text += " The other collection is the newer one.";
-    if (difference.otherMachine) {
-      text += " No serial number is in both: these look like two machines.";
-    }
-    return text;
-  }
-
-  static std::string NameVerdict(const ComparedSide& side) {
-    return side.verdict == "ok" ? "OK" : side.verdict;
-  }
-
   /// The first of a list, each by `writeOne`, and how many more there are.
   template <typename List, typename WriteOne>
   void WriteFirst(const List& list, const WriteOne& writeOne) {
@@ -92,21 +132,11 @@ class ChangesWriter {
     html.Add("<li><span class=\"chip ").Text(GetStyleClass(tone)).Add("\">");
     html.Text(DescribeChange(one)).Add("</span> ");
     if (isGone && one.change == FindingChange::kGone) {
-      html.Add("<del>").ShortText(one.text, kWidestText).Add("</del>");
+      html.Add("<del>").ShortText(one.text, kWidestReportText).Add("</del>");
     } else {
-      html.ShortText(one.text, kWidestText);
+      html.ShortText(one.text, kWidestReportText);
     }
-    html.Add(" <span class=\"faint\">").ShortText(one.rule, kWidestText).Add("</span></li>");
-  }
-
-  static std::string DescribeChange(const FindingDifference& one) {
-    const auto name = [](const std::optional<Severity>& severity) {
-      return severity ? GetWord(*severity) : "";
-    };
-    if (one.change == FindingChange::kChanged) {
-      return fmt::format("was {}, is {}", name(one.before), name(one.after));
-    }
-    return fmt::format("{}: {}", GetWord(one.change), name(one.after ? one.after : one.before));
+    html.Add(" <span class=\"faint\">").ShortText(one.rule, kWidestReportText).Add("</span></li>");
   }
 
   void BeginTable(std::string_view title, const std::vector<std::string_view>& columns) {
@@ -127,9 +157,9 @@ class ChangesWriter {
   void WriteValue(std::string_view text, bool isOld) {
     html.Add("<td>");
     if (isOld && !text.empty()) {
-      html.Add("<del>").ShortText(text, kWidestText).Add("</del>");
+      html.Add("<del>").ShortText(text, kWidestReportText).Add("</del>");
     } else {
-      html.ShortText(text, kWidestText);
+      html.ShortText(text, kWidestReportText);
     }
     html.Add("</td>");
   }
@@ -148,7 +178,7 @@ class ChangesWriter {
     for (std::size_t i = 0; i < rows; ++i) {
       html.Add("<tr><th scope=\"row\">");
       if (!address.empty()) html.Add("<a href=\"#").Text(address).Add("\">");
-      html.ShortText(NameParts(part.table, 1) + ' ' + part.id, kWidestText);
+      html.ShortText(NameParts(part.table, 1) + ' ' + part.id, kWidestReportText);
       if (!address.empty()) html.Add("</a>");
       html.Add("</th><td>").Text(GetWord(part.change)).Add("</td>");
       if (part.columns.empty()) {
@@ -172,15 +202,11 @@ class ChangesWriter {
     WriteValue(isOld ? "" : known, /*isOld=*/false);
   }
 
-  static std::string ShowValue(const ChangedColumn& column, const OptionalText& value) {
-    return value ? ShowPartText(column.column, *value) : std::string();
-  }
-
   void WriteCells() {
     if (difference.cells.empty()) return;
     BeginTable("Cells that no part covers", {"Table", "Row", "Column", "Before", "Now"});
     WriteFirst(difference.cells, [&](const CellDifference& cell) {
-      html.Add("<tr><th scope=\"row\">").ShortText(cell.className, kWidestText).Add("</th>");
+      html.Add("<tr><th scope=\"row\">").ShortText(cell.className, kWidestReportText).Add("</th>");
       WriteValue(cell.key, /*isOld=*/false);
       WriteValue(cell.column, /*isOld=*/false);
       WriteValue(cell.before ? *cell.before : "", /*isOld=*/true);
@@ -194,7 +220,7 @@ class ChangesWriter {
     if (difference.reports.empty()) return;
     html.Add("<h3>Raw reports</h3><ul>");
     WriteFirst(difference.reports, [&](const ReportDifference& one) {
-      html.Add("<li>").ShortText(one.className + ' ' + one.key, kWidestText).Add(": ");
+      html.Add("<li>").ShortText(one.className + ' ' + one.key, kWidestReportText).Add(": ");
       html.Text(FormatCount(one.linesOfBefore, "line")).Add(" gone, ");
       html.Number(one.linesOfAfter).Add(" new</li>");
     });
@@ -205,33 +231,8 @@ class ChangesWriter {
   void WriteLogs() {
     if (difference.logs.empty()) return;
     html.Add("<h3>Logs</h3>");
-    WriteFirst(difference.logs, [&](const LogDifference& log) { WriteLog(log); });
+    WriteFirst(difference.logs, [&](const LogDifference& log) { WriteLog(log, html); });
     WriteLeft();
-  }
-
-  void WriteLog(const LogDifference& log) {
-    const auto serious = static_cast<std::size_t>(std::ranges::count_if(log.entries, &IsSerious));
-    html.Add("<details class=\"more\"><summary>").ShortText(log.log, kWidestText).Add(": ");
-    html.Number(log.entries.size()).Add(" new");
-    if (serious > 0) html.Add(", ").Number(serious).Add(" of them warnings or worse");
-    if (log.wasCleared) html.Add("; it was cleared or has wrapped around");
-    html.Add("</summary><ul>");
-    const std::size_t count = std::min(log.entries.size(), kMostEntries);
-    // The newest are the last ones.
-    for (std::size_t i = log.entries.size() - count; i < log.entries.size(); ++i) {
-      const NewEntry& entry = log.entries[i];
-      html.Add("<li>");
-      if (IsSerious(entry)) html.Add("<b>");
-      html.ShortText(DescribeEntry(entry), kWidestText);
-      if (IsSerious(entry)) html.Add("</b>");
-      html.Add("</li>");
-    }
-    html.Add("</ul>");
-    if (count < log.entries.size()) {
-      html.Add("<p class=\"cut\">and ").Number(log.entries.size() - count);
-      html.Add(" before them, which pqhost diff shows</p>");
-    }
-    html.Add("</details>");
   }
 
   void WriteNotCompared() {
@@ -239,17 +240,17 @@ class ChangesWriter {
     html.Add("<h3>Not compared</h3><ul>");
     WriteFirst(GroupNotCompared(difference.notCompared), [&](const NotComparedGroup& group) {
       html.Add("<li>");
-      html.ShortText(fmt::format("{}", fmt::join(group.names, ", ")), kWidestText);
+      html.ShortText(fmt::format("{}", fmt::join(group.names, ", ")), kWidestReportText);
       html.Add(": not read ");
       html.Text(group.side == DifferenceSide::kBefore ? "then" : "now").Add(": ");
-      html.ShortText(group.why, kWidestText).Add("</li>");
+      html.ShortText(group.why, kWidestReportText).Add("</li>");
     });
     html.Add("</ul>");
     WriteLeft();
   }
 
+  const NamedDifference& named;
   const Difference& difference;
-  const std::string& before;
   const FindPartAddress& findAddress;
   HtmlWriter& html;
   std::size_t left = 0;  ///< of the list that was written last

@@ -24,7 +24,7 @@ using namespace test;
 using host::Collection;
 using host::Parts;
 
-constexpr int kRandomMachines = PQ_HAS_ADDRESS_SANITIZER ? 10 : 40;
+constexpr int kRandomMachines = PQ_HAS_ADDRESS_SANITIZER ? 4 : 40;
 
 /// Severity and key of each finding, and the verdict.
 std::vector<std::string> ListFindings(const host::Health& health) {
@@ -169,7 +169,7 @@ TEST(HealthOfAnyMachine, HasEvidenceWhereItSays) {
       }
     }
   });
-  EXPECT_GT(count, PQ_HAS_ADDRESS_SANITIZER ? 20U : 50U);
+  EXPECT_GT(count, PQ_HAS_ADDRESS_SANITIZER ? 15U : 50U);
 }
 
 // --- sources ---
@@ -255,7 +255,7 @@ host::Recording KeepTool(host::Recording machine, std::string_view tool) {
 // as long as a tool tells how much it prints. rstcli does not: it has no last line, and counts only
 // the drives of arrays. Nor do storcli's and arcconf's logs, the last of all reports.
 TEST(HealthOfAnyMachine, IsNeverOkOfACutReportWhenTheWholeIsNot) {
-  constexpr int kCuts = 6;  // of each report
+  constexpr int kCuts = PQ_HAS_ADDRESS_SANITIZER ? 1 : 6;  // of each report
   test::RandomNumbers random(5);
   host::HealthJudge judge;
   const auto findVerdict = [&](const host::Recording& machine) -> std::string {
@@ -284,7 +284,7 @@ TEST(HealthOfAnyMachine, IsNeverOkOfACutReportWhenTheWholeIsNot) {
       for (auto& [path, text] : cut.files) check(cut, text, path);
     }
   }
-  EXPECT_GT(count, 200);
+  EXPECT_GT(count, kCuts * 40);
 }
 
 }  // namespace

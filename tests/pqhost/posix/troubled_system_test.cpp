@@ -12,6 +12,7 @@
 
 #include "tests/support/posix/shell_command.h"
 #include "tests/support/program/host_run.h"
+#include "tests/support/sanitizers.h"
 #include "tests/support/temporary_folder.h"
 
 namespace {
@@ -73,6 +74,8 @@ TEST_F(TroubledSystem, KeepsTheOldResultWhenTheDiskIsFull) {
   for (const Writer& writer : writers) {
     for (const std::string& format : writer.formats) {
       for (const char* disk : kFullDisks) {
+        // What a sanitizer sees is in the writers, on whatever disk.
+        if (PQ_HAS_ADDRESS_SANITIZER && disk != kFullDisks[0]) continue;
         SCOPED_TRACE(writer.arguments + " --format " + format + " " + disk);
         folder.Write("o", "old");
         EXPECT_EQ(Run(disk, writer.arguments + " --format " + format + " --output " + Quote(file)),
