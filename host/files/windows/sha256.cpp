@@ -17,12 +17,19 @@ namespace {
 /// first, as bcrypt.dll is none of those that Windows always takes from its own folder.
 struct Cryptography {
   decltype(&BCryptOpenAlgorithmProvider) openAlgorithm = nullptr;
-  decltype(&BCryptCloseAlgorithmProvider) closeAlgorithm = nullptr;
   decltype(&BCryptCreateHash) createHash = nullptr;
   decltype(&BCryptHashData) hashData = nullptr;
   decltype(&BCryptFinishHash) finishHash = nullptr;
   decltype(&BCryptDestroyHash) destroyHash = nullptr;
+  BCRYPT_ALG_HANDLE sha256 = nullptr;  ///< to open it takes longer than a short text
 };
+
+/// Throws std::runtime_error for a failure.
+void CheckStatus(NTSTATUS status) {
+  if (status >= 0) return;
+  throw std::runtime_error("the system cannot compute SHA-256: status " +
+                           std::to_string(static_cast<std::uint32_t>(status)));
+}
 
 /// Throws std::runtime_error.
 Cryptography LoadCryptography() {
@@ -31,7 +38,6 @@ Cryptography LoadCryptography() {
   Cryptography system;
   if (library == nullptr ||
       !FindFunction(library, "BCryptOpenAlgorithmProvider", system.openAlgorithm) ||
-      !FindFunction(library, "BCryptCloseAlgorithmProvider", system.closeAlgorithm) ||
       !FindFunction(library, "BCryptCreateHash", system.createHash) ||
       !FindFunction(library, "BCryptHashData", system.hashData) ||
       !FindFunction(library, "BCryptFinishHash", system.finishHash) ||
@@ -39,6 +45,7 @@ Cryptography LoadCryptography() {
     throw std::runtime_error("the system's bcrypt.dll cannot be loaded: error " +
                              std::to_string(GetLastError()));
   }
+  CheckStatus(system.openAlgorithm(&system.sha256, BCRYPT_SHA256_ALGORITHM, nullptr, 0));
   return system;
 }
 
@@ -47,10 +54,8 @@ Cryptography LoadCryptography() {
 Sha256Digest ComputeSha256Digest(std::string_view bytes) {
   static const Cryptography kSystem = LoadCryptography();
   Sha256Digest digest{};
-  BCRYPT_ALG_HANDLE algorithm = nullptr;
   BCRYPT_HASH_HANDLE hash = nullptr;
-  NTSTATUS status = kSystem.openAlgorithm(&algorithm, BCRYPT_SHA256_ALGORITHM, nullptr, 0);
-  if (status >= 0) status = kSystem.createHash(algorithm, &hash, nullptr, 0, nullptr, 0, 0);
+  NTSTATUS status = kSystem.createHash(kSystem.sha256, &hash, nullptr, 0, nullptr, 0, 0);
   // A length of it has 32 bits, a report can have more.
   constexpr std::size_t kPiece = std::size_t{1} << 30;
   while (status >= 0 && !bytes.empty()) {
@@ -63,11 +68,7 @@ Sha256Digest ComputeSha256Digest(std::string_view bytes) {
   if (status >= 0)
     status = kSystem.finishHash(hash, reinterpret_cast<PUCHAR>(digest.data()), digest.size(), 0);
   if (hash != nullptr) kSystem.destroyHash(hash);
-  if (algorithm != nullptr) kSystem.closeAlgorithm(algorithm, 0);
-  if (status < 0) {
-    throw std::runtime_error("the system cannot compute SHA-256: status " +
-                             std::to_string(static_cast<std::uint32_t>(status)));
-  }
+  CheckStatus(status);
   return digest;
 }
 
