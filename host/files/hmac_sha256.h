@@ -1,8 +1,7 @@
-// HMAC with SHA-256 (RFC 2104).
+// HMAC with SHA-256 (RFC 2104), by a cryptography library.
 #pragma once
 
-#include <array>
-#include <cstddef>
+#include <memory>
 #include <string_view>
 
 #include "host/files/sha256.h"
@@ -12,19 +11,15 @@ namespace host {
 /// The codes of texts under one key.
 class HmacSha256 {
  public:
-  /// Throws std::runtime_error when the system cannot compute SHA-256; so does Compute().
+  /// Throws std::runtime_error when the system cannot compute it; so does Compute().
   explicit HmacSha256(std::string_view key);
 
   Sha256Digest Compute(std::string_view text) const;
 
  private:
-  static constexpr std::size_t kBlockSize = 64;
-  using Block = std::array<char, kBlockSize>;
+  struct Key;
 
-  static Block PadKey(std::string_view key, char pad);
-
-  Block inner;
-  Block outer;
+  std::shared_ptr<const Key> key;
 };
 
 }  // namespace host
