@@ -88,7 +88,7 @@ class WatchedMachine final : public pq::Platform, public host::MachineView {
   std::optional<std::string> ReadFile(const std::string& path) override {
     const std::string wanted = host::LowerCase(files.FullPath(path));
     for (const auto& [name, bytes] : machine.Files()) {
-      if (host::LowerCase(name) == wanted) return bytes.Text();
+      if (host::LowerCase(name) == wanted) return std::string(bytes.Text());
     }
     return std::nullopt;
   }

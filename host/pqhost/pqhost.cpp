@@ -2,7 +2,9 @@
 
 #include <exception>
 #include <new>
+#include <string>
 
+#include "host/files/text_store.h"
 #include "host/live/live.h"
 #include "host/pqhost/commands/command_line.h"
 #include "host/program/short_of_memory.h"
@@ -38,7 +40,12 @@ int RunAndExplain(const std::vector<std::string>& arguments, const Console& cons
 }  // namespace
 
 int RunPqhost(const std::vector<std::string>& arguments, const Console& console) {
+  UseTemporaryFiles();
   const int exitCode = RunAndExplain(arguments, console);
+  // Nothing is lost by it; where memory was short it tells why.
+  if (const std::string problem = GetTextStore().TakeProblem(); !problem.empty()) {
+    Complain(console, problem);
+  }
   console.out.flush();
   if (console.out) return exitCode;
   // Also when the exit code is a verdict: who reads it would take a part for the whole.

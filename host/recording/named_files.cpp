@@ -4,6 +4,7 @@
 
 #include <stdexcept>
 
+#include "host/files/text_store.h"
 #include "host/recording/strict_json.h"
 
 namespace host {
@@ -36,7 +37,7 @@ Bytes NamedFiles::ReadOwn(const char* name) {
 }
 
 Bytes NamedFiles::ReadFile(const std::string& name, std::uint64_t sizeLimit) {
-  return stored.Read(name, [&](std::uint64_t size) {
+  return GetTextStore().Keep(stored.Read(name, [&](std::uint64_t size) {
     if (size > sizeLimit * kMebibyte) {
       throw std::runtime_error(
           fmt::format("has {} MiB, more than {}; --limit file-size=MIB allows more",
@@ -49,7 +50,7 @@ Bytes NamedFiles::ReadFile(const std::string& name, std::uint64_t sizeLimit) {
                       "allows more",
                       CountMebibytes(bytesRead), limits.recordingSize));
     }
-  });
+  }));
 }
 
 }  // namespace host

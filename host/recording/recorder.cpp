@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "frame/tokens.h"
+#include "host/files/text_store.h"
 #include "host/recorded/machine_files.h"
 #include "host/recorded/machine_observer.h"
 #include "host/recorded/own_commands.h"
@@ -90,7 +91,7 @@ void Recorder::KeepFile(const std::string& path) {
   std::optional<std::string> bytes = machine.ReadFile(path);
   if (!bytes) return;
   knownFiles.insert(MakeKey(path));
-  recording.files[MakeFullPath(path)] = std::move(*bytes);
+  recording.files[MakeFullPath(path)] = GetTextStore().Keep(std::move(*bytes));
 }
 
 void Recorder::FailRun(std::uint32_t error) {
@@ -118,7 +119,12 @@ void Recorder::MarkEnded() {
 void Recorder::CloseRun() {
   if (!run) return;
   TakeOutput();
-  if (NeedsEntry()) recording.commands.push_back(std::move(run->command));
+  if (NeedsEntry()) {
+    RecordedCommand& command = run->command;
+    command.standardOutput = GetTextStore().Keep(std::move(command.standardOutput));
+    command.standardError = GetTextStore().Keep(std::move(command.standardError));
+    recording.commands.push_back(std::move(command));
+  }
   run.reset();
 }
 
@@ -161,7 +167,8 @@ bool Recorder::NeedsEntry() const {
   if (IsOwnCommand(program) || ToolName(program).empty()) return false;
   if (machine.HasProgram(RemoveQuotes(program))) return true;
   const RecordedCommand& command = run->command;
-  const std::string written = command.standardOutput.Text() + command.standardError.Text();
+  const std::string written =
+      std::string(command.standardOutput.Text()).append(command.standardError.Text());
   return run->isPiped && written != NotRecognized(program);
 }
 

@@ -11,6 +11,7 @@
 #include "host/answers/parts/part_tables.h"
 #include "host/answers/parts/read_parts.h"
 #include "host/collect/collect.h"
+#include "host/redact/recording_texts.h"
 #include "host/redact/value_finder.h"
 
 namespace host {
@@ -61,7 +62,12 @@ void AddKnownValues(const Recording& recording, ValueList& values) {
       values.Add(ValueKind::kSerial, serial);
     }
   }
-  const Collection collection = Collect(recording);
+  Recording replayed = recording;
+  for (RecordedCommand& command : replayed.commands) {
+    // It can be long, and its place tells all that is in it.
+    if (PlaceOfOutput(command) == TextPlace::kConnections) command.standardOutput.clear();
+  }
+  const Collection collection = Collect(replayed);
   AddSerials(ReadParts(collection), values);
   for (const CollectedTable& table : collection.tables) {
     if (table.rows != nullptr) AddLabelledCells(*table.rows, values);

@@ -6,10 +6,10 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <utility>
 #include <vector>
 
-#include "host/files/hmac_sha256.h"
 #include "host/text/decoder.h"
 
 namespace host {
@@ -29,12 +29,12 @@ struct CharacterPlace {
 /// Random numbers that depend on the key and on a text alone.
 class KeyedNumbers {
  public:
-  KeyedNumbers(std::string_view key, std::string text) : key(key), text(std::move(text)) {}
+  KeyedNumbers(const HmacSha256& code, std::string text) : code(code), text(std::move(text)) {}
 
   /// Below `limit`, which is at most 256.
   int Take(int limit) {
-    if (at + 1 >= bytes.size()) {
-      bytes = ComputeHmacSha256(key, fmt::format("{}/{}", block++, text));
+    if (at == bytes.size()) {
+      bytes = code.Compute(std::to_string(block++).append("/").append(text));
       at = 0;
     }
     const auto high = static_cast<unsigned char>(bytes[at]);
@@ -44,17 +44,17 @@ class KeyedNumbers {
   }
 
  private:
-  std::string_view key;
+  const HmacSha256& code;
   std::string text;
-  std::string bytes;
-  std::size_t at = 0;
+  Sha256Digest bytes{};
+  std::size_t at = bytes.size();
   int block = 0;
 };
 
 /// A Feistel network over the places: each round adds to one half what the key makes of the other.
 class Permutation {
  public:
-  Permutation(std::string_view key, std::string tweak) : key(key), tweak(std::move(tweak)) {}
+  Permutation(const HmacSha256& code, std::string tweak) : code(code), tweak(std::move(tweak)) {}
 
   /// Turns the first place by one between a permutation and its inverse: such a permutation leaves
   /// no text as it is.
@@ -74,19 +74,19 @@ class Permutation {
   void Mix(std::vector<CharacterPlace>& places, int round, int sign) const {
     const auto middle = places.begin() + static_cast<std::ptrdiff_t>(places.size() / 2);
     const bool isFirst = round % 2 == 0;
-    std::string other = fmt::format("{}/{}/", round, tweak);
+    std::string other = std::to_string(round).append("/").append(tweak).append("/");
     for (auto place = isFirst ? middle : places.begin(); place != (isFirst ? places.end() : middle);
          ++place) {
       other += static_cast<char>(place->number);
     }
-    KeyedNumbers numbers(key, std::move(other));
+    KeyedNumbers numbers(code, std::move(other));
     for (auto place = isFirst ? places.begin() : middle; place != (isFirst ? middle : places.end());
          ++place) {
       Turn(*place, sign * numbers.Take(static_cast<int>(place->alphabet.size())));
     }
   }
 
-  std::string_view key;
+  const HmacSha256& code;
   std::string tweak;
 };
 
@@ -94,7 +94,7 @@ bool IsDigit(char32_t c) { return c >= '0' && c <= '9'; }
 bool IsSmallLetter(char32_t c) { return c >= 'a' && c <= 'z'; }
 
 /// `digits` with all but the first `kept` replaced, and those at `fixed`.
-std::string PermuteHex(std::string_view key, std::string tweak, std::string digits,
+std::string PermuteHex(const HmacSha256& code, std::string tweak, std::string digits,
                        std::size_t kept, std::initializer_list<std::size_t> fixed = {}) {
   std::vector<CharacterPlace> places;
   tweak += '/';
@@ -108,14 +108,14 @@ std::string PermuteHex(std::string_view key, std::string tweak, std::string digi
       places.push_back({i, kHexAlphabet, static_cast<int>(number)});
     }
   }
-  Permutation(key, std::move(tweak)).Apply(places);
+  Permutation(code, std::move(tweak)).Apply(places);
   for (const CharacterPlace& place : places) {
     digits[place.at] = place.alphabet[static_cast<std::size_t>(place.number)];
   }
   return digits;
 }
 
-std::string PermuteText(std::string_view key, std::string tweak, std::string_view value) {
+std::string PermuteText(const HmacSha256& code, std::string tweak, std::string_view value) {
   std::string text;
   std::vector<CharacterPlace> places;
   while (!value.empty()) {
@@ -132,7 +132,7 @@ std::string PermuteText(std::string_view key, std::string tweak, std::string_vie
     }
     text += c < 0x80 ? static_cast<char>(c) : '?';
   }
-  Permutation(key, std::move(tweak)).Apply(places);
+  Permutation(code, std::move(tweak)).Apply(places);
   for (const CharacterPlace& place : places) {
     text[place.at] = place.alphabet[static_cast<std::size_t>(place.number)];
   }
@@ -175,15 +175,18 @@ bool AreAlike(std::size_t at, int first, int one, int other) {
 
 /// The next after `octet` in the order that `numbers` give to all like it.
 int TurnOctet(const OctetNumbers& numbers, std::size_t at, int first, int octet) {
-  std::vector<std::pair<int, int>> order;
+  using Place = std::pair<int, int>;
+  const auto placeOf = [&](int one) { return Place(numbers[static_cast<std::size_t>(one)], one); };
+  const Place own = placeOf(octet);
+  Place lowest = own;
+  std::optional<Place> next;
   for (int other = 0; other <= 255; ++other) {
     if (!AreAlike(at, first, octet, other)) continue;
-    order.emplace_back(numbers[static_cast<std::size_t>(other)], other);
+    const Place place = placeOf(other);
+    lowest = std::min(lowest, place);
+    if (place > own && (!next || place < *next)) next = place;
   }
-  std::ranges::sort(order);
-  const auto found = std::ranges::find(order, octet, &std::pair<int, int>::second);
-  const auto next = std::next(found);
-  return next == order.end() ? order.front().second : next->second;
+  return next.value_or(lowest).second;
 }
 
 }  // namespace
@@ -198,15 +201,15 @@ std::string Pseudonyms::Make(ValueKind kind, std::string_view value, int attempt
       return MakeIpv6(value);
     case ValueKind::kMac:
       // The maker's bytes stay: they name no machine.
-      return PermuteHex(key, "mac", std::string(value), 6);
+      return PermuteHex(code, "mac", std::string(value), 6);
     case ValueKind::kWwn:
-      return PermuteHex(key, "wwn", std::string(value),
+      return PermuteHex(code, "wwn", std::string(value),
                         value.starts_with('5') || value.starts_with('6') ? 7 : 0);
     case ValueKind::kGuid:
       // Version and variant.
-      return PermuteHex(key, "guid", std::string(value), 0, {12, 16});
+      return PermuteHex(code, "guid", std::string(value), 0, {12, 16});
     default:
-      return PermuteText(key, attempt == 0 ? "text/" : fmt::format("text{}/", attempt), value);
+      return PermuteText(code, attempt == 0 ? "text/" : fmt::format("text{}/", attempt), value);
   }
 }
 
@@ -215,7 +218,7 @@ const OctetNumbers& Pseudonyms::NumberOctets(const std::string& network) const {
   if (octetNumbers.size() >= kMostKept) octetNumbers.clear();
   const auto [known, isNew] = octetNumbers.try_emplace(network);
   if (isNew) {
-    KeyedNumbers numbers(key, "ipv4/" + network);
+    KeyedNumbers numbers(code, "ipv4/" + network);
     for (std::uint16_t& number : known->second) {
       const int high = numbers.Take(256);
       number = static_cast<std::uint16_t>(high << 8 | numbers.Take(256));
@@ -258,11 +261,11 @@ std::string Pseudonyms::MakeIpv6(std::string_view value) const {
     pseudonym.append(zeros, '0');
     if (!digits.empty() && !(isFirst && digits == "fe80")) {
       const std::size_t kept = !isFirst ? 0 : digits.starts_with('f') ? 2 : 1;
-      std::string turned = PermuteHex(key, "ipv6/" + prefix, digits, kept);
+      std::string turned = PermuteHex(code, "ipv6/" + prefix, digits, kept);
       // A leading zero would make it shorter; the order then goes on.
       while (turned.starts_with('0') || turned == digits) {
         if (digits.size() <= kept) break;
-        turned = PermuteHex(key, std::string("ipv6/").append(prefix), turned, kept);
+        turned = PermuteHex(code, std::string("ipv6/").append(prefix), turned, kept);
       }
       pseudonym += turned;
     } else {

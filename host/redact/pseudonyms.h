@@ -10,6 +10,7 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "host/files/hmac_sha256.h"
 #include "host/redact/kinds.h"
 
 namespace host {
@@ -20,7 +21,7 @@ using OctetNumbers = std::array<std::uint16_t, 256>;
 class Pseudonyms {
  public:
   /// `key` is any secret text; 32 random bytes are enough.
-  explicit Pseudonyms(std::string key) : key(std::move(key)) {}
+  explicit Pseudonyms(std::string_view key) : code(key) {}
 
   /// For `value`, which is UTF-8 without capitals of ASCII, of kMac, kWwn and kGuid the hexadecimal
   /// digits alone. The result is ASCII and has one character for each of the value's. `attempt`
@@ -33,7 +34,7 @@ class Pseudonyms {
 
   const OctetNumbers& NumberOctets(const std::string& network) const;
 
-  std::string key;
+  HmacSha256 code;
   /// Those of the networks that came last: to make them takes longer than all else.
   mutable std::unordered_map<std::string, OctetNumbers> octetNumbers;
 };

@@ -3,6 +3,7 @@
 #include <map>
 #include <utility>
 
+#include "host/files/text_store.h"
 #include "host/recorded/interpreter.h"
 #include "host/recorded/machine_files.h"
 #include "host/text/ascii.h"
@@ -21,15 +22,6 @@ constexpr OutputRow kOutputs[] = {
     {"net", "share", TextPlace::kShares},
 };
 
-TextPlace PlaceOfOutput(const RecordedCommand& command) {
-  const std::string tool = LowerCase(ToolName(command.tool));
-  const std::string arguments = LowerCase(command.arguments);
-  for (const OutputRow& row : kOutputs) {
-    if (tool == row.tool && arguments.starts_with(row.arguments)) return row.place;
-  }
-  return TextPlace::kOther;
-}
-
 TextPlace PlaceOfArguments(const RecordedCommand& command) {
   return LowerCase(ToolName(command.tool)) == "amt_log" ? TextPlace::kAmtArguments
                                                         : TextPlace::kArguments;
@@ -43,13 +35,25 @@ TextPlace PlaceOfFile(std::string_view path) {
 
 }  // namespace
 
+TextPlace PlaceOfOutput(const RecordedCommand& command) {
+  const std::string tool = LowerCase(ToolName(command.tool));
+  const std::string arguments = LowerCase(command.arguments);
+  for (const OutputRow& row : kOutputs) {
+    if (tool == row.tool && arguments.starts_with(row.arguments)) return row.place;
+  }
+  return TextPlace::kOther;
+}
+
 void ChangeTexts(Recording& recording, const TextDecoder& decode, const ChangeText& change) {
   // It may get another name, with which the paths of its files begin then.
   const std::string logFolder = recording.logFolder;
-  recording.description = change(recording.description, TextPlace::kOther, "description");
-  recording.hostExecutable = change(recording.hostExecutable, TextPlace::kOther, "hostExecutable");
-  recording.logFolder = change(recording.logFolder, TextPlace::kOther, "logFolder");
-  recording.console = change(recording.console, TextPlace::kConsole, "console");
+  const auto changeShort = [&](std::string& text, TextPlace place, const std::string& name) {
+    if (std::optional<std::string> changed = change(text, place, name)) text = std::move(*changed);
+  };
+  changeShort(recording.description, TextPlace::kOther, "description");
+  changeShort(recording.hostExecutable, TextPlace::kOther, "hostExecutable");
+  changeShort(recording.logFolder, TextPlace::kOther, "logFolder");
+  changeShort(recording.console, TextPlace::kConsole, "console");
   // Several commands may have one text, and a file too.
   std::map<const char*, std::pair<Bytes, Bytes>> done;
   const auto changeBytes = [&](Bytes& bytes, TextPlace place, const std::string& name) {
@@ -59,8 +63,8 @@ void ChangeTexts(Recording& recording, const TextDecoder& decode, const ChangeTe
       bytes = known->second.second;
       return;
     }
-    Bytes changed = change(bytes.Text(), place, name);
-    if (changed == bytes) changed = bytes;
+    std::optional<std::string> text = change(bytes, place, name);
+    Bytes changed = text && bytes != *text ? GetTextStore().Keep(std::move(*text)) : bytes;
     done.emplace(bytes.Text().data(), std::pair(bytes, changed));
     bytes = std::move(changed);
   };
@@ -69,8 +73,7 @@ void ChangeTexts(Recording& recording, const TextDecoder& decode, const ChangeTe
     const TextPlace place = PlaceOfOutput(command);
     changeBytes(command.standardOutput, place, name);
     changeBytes(command.standardError, place, name);
-    command.arguments =
-        change(command.arguments, PlaceOfArguments(command), "arguments of " + name);
+    changeShort(command.arguments, PlaceOfArguments(command), "arguments of " + name);
   }
   // A path that modules look for has to stay, but for the log folder.
   const auto changeLogPath = [&](const std::string& path) {
@@ -87,13 +90,13 @@ void ChangeTexts(Recording& recording, const TextDecoder& decode, const ChangeTe
   if (!recording.submission) return;
   Submission& submission = *recording.submission;
   for (std::string* text : {&submission.name, &submission.system, &submission.program}) {
-    *text = change(*text, TextPlace::kOther, "submission.json");
+    changeShort(*text, TextPlace::kOther, "submission.json");
   }
   for (std::string& serial : submission.serials) {
-    serial = change(serial, TextPlace::kOther, "submission.json");
+    changeShort(serial, TextPlace::kOther, "submission.json");
   }
   for (auto& [tool, version] : submission.tools) {
-    version = change(version, TextPlace::kOther, "submission.json");
+    changeShort(version, TextPlace::kOther, "submission.json");
   }
 }
 

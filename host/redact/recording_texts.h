@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -11,14 +12,17 @@
 
 namespace host {
 
-/// The bytes that shall take the place of `text`. `name` is for people, in UTF-8: "storcli /c0
-/// show".
-using ChangeText =
-    std::function<std::string(std::string_view text, TextPlace place, const std::string& name)>;
+/// The bytes that shall take the place of `text`; nothing when it stays. `name` is for people, in
+/// UTF-8: "storcli /c0 show".
+using ChangeText = std::function<std::optional<std::string>(std::string_view text, TextPlace place,
+                                                            const std::string& name)>;
 
 /// Changes every text of `recording`, always in the same order; bytes that several of them have in
 /// common once.
 void ChangeTexts(Recording& recording, const TextDecoder& decode, const ChangeText& change);
+
+/// What the tool prints.
+TextPlace PlaceOfOutput(const RecordedCommand& command);
 
 /// The command line, for people.
 std::string DescribeCommand(const RecordedCommand& command, const TextDecoder& decode);

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <iterator>
 #include <map>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -37,7 +38,7 @@ class RecordingRedactor {
     ChangeTexts(result.recording, decode,
                 [&](std::string_view text, TextPlace place, const std::string& /*name*/) {
                   textsWithOrdinary.push_back(FindIn(text, place));
-                  return std::string(text);
+                  return std::nullopt;
                 });
     std::size_t next = 0;
     TextRedactor redactor(values);

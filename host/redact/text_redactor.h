@@ -3,9 +3,9 @@
 
 #include <cstddef>
 #include <functional>
-#include <set>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "host/redact/value_finder.h"
@@ -78,7 +78,7 @@ class TextRedactor {
 
   ValueList& values;
   ValueMatcher matcher;
-  std::set<std::string> pseudonyms;
+  std::unordered_set<std::string> pseudonyms;
 };
 
 }  // namespace host

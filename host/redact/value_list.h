@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "host/redact/kinds.h"
@@ -69,7 +70,7 @@ class ValueList {
   std::vector<std::string> keys;                         ///< of the values, in small letters
   std::unordered_map<std::string, std::size_t> numbers;  ///< by key
   std::map<std::string, std::string> machineBytes;       ///< of keys beyond ASCII
-  std::set<std::string> usedPseudonyms;
+  std::unordered_set<std::string> usedPseudonyms;
 };
 
 }  // namespace host

@@ -138,9 +138,14 @@ void ValueMatcher::Add(std::string_view spelling, std::string_view replacement, 
   std::uint32_t node = 0;
   for (const char c : spelling) {
     const std::uint64_t edge = std::uint64_t{node} << 8 | static_cast<unsigned char>(c);
-    node = nodes.try_emplace(edge, static_cast<std::uint32_t>(nodes.size() + 1)).first->second;
+    const auto [next, isNew] =
+        nodes.try_emplace(edge, static_cast<std::uint32_t>(nodes.size() + 1));
+    if (isNew) ends.push_back(0);
+    node = next->second;
   }
-  if (!entries.try_emplace(node, Entry{std::string(replacement), value, boundary}).second) return;
+  if (ends[node] != 0) return;
+  entries.push_back({std::string(replacement), value, boundary});
+  ends[node] = static_cast<std::uint32_t>(entries.size());
   beginnings.Add(spelling);
 }
 
@@ -157,8 +162,7 @@ void ValueMatcher::Walk(std::string_view text, std::size_t at, Writing writing,
     if (next == nodes.end()) return;
     node = next->second;
     at += read.size;
-    const auto entry = entries.find(node);
-    if (entry != entries.end()) takeEnd(entry->second, at);
+    if (ends[node] != 0) takeEnd(entries[ends[node] - 1], at);
   }
 }
 

@@ -89,7 +89,8 @@ class ValueMatcher {
 
   Beginnings beginnings;
   std::unordered_map<std::uint64_t, std::uint32_t> nodes;  ///< by parent and character
-  std::unordered_map<std::uint32_t, Entry> entries;        ///< by the node that they end at
+  std::vector<std::uint32_t> ends = {0};  ///< by node: the entry that ends there, from 1; 0: none
+  std::vector<Entry> entries;
 };
 
 }  // namespace host

@@ -19,25 +19,31 @@ class Bytes {
   Bytes() = default;
   // Implicit, so that a recording can be written down as plain texts.
   Bytes(std::string text)
-      : text(text.empty() ? nullptr : std::make_shared<std::string>(std::move(text))) {}
+      : held(text.empty() ? nullptr : std::make_shared<Held>(Held{std::move(text), {}, {}})) {}
   Bytes(const char* text) : Bytes(std::string(text)) {}
+  /// `text` that is elsewhere, such as in a file that is mapped into memory, while `keeper` lives.
+  Bytes(std::string_view text, std::shared_ptr<const void> keeper)
+      : held(text.empty() ? nullptr : std::make_shared<Held>(Held{{}, text, std::move(keeper)})) {}
 
-  const std::string& Text() const { return text ? *text : kNoText; }
-  operator const std::string&() const { return Text(); }
+  std::string_view Text() const { return held ? held->Text() : std::string_view(""); }
   operator std::string_view() const { return Text(); }
-  bool empty() const { return text == nullptr; }
+  bool empty() const { return held == nullptr; }
   std::size_t size() const { return Text().size(); }
+  /// Whether somebody else keeps them.
+  bool IsElsewhere() const { return held != nullptr && held->keeper != nullptr; }
 
-  void clear() { text.reset(); }
+  void clear() { held.reset(); }
   Bytes& operator+=(std::string_view more) {
     if (more.empty()) return *this;
-    if (text == nullptr || text.use_count() > 1) text = std::make_shared<std::string>(Text());
-    text->append(more);
+    if (held == nullptr || held.use_count() > 1 || IsElsewhere()) {
+      held = std::make_shared<Held>(Held{std::string(Text()), {}, {}});
+    }
+    held->own.append(more);
     return *this;
   }
 
   /// Whether both are one text in memory.
-  bool SharesWith(const Bytes& other) const { return text == other.text; }
+  bool SharesWith(const Bytes& other) const { return held == other.held; }
 
   friend bool operator==(const Bytes& a, const Bytes& b) { return a.Text() == b.Text(); }
   template <typename Other>
@@ -51,9 +57,15 @@ class Bytes {
   }
 
  private:
-  static inline const std::string kNoText;
+  struct Held {
+    std::string_view Text() const { return keeper ? elsewhere : std::string_view(own); }
 
-  std::shared_ptr<std::string> text;  ///< null when empty
+    std::string own;
+    std::string_view elsewhere;
+    std::shared_ptr<const void> keeper;  ///< null: the bytes are its own
+  };
+
+  std::shared_ptr<Held> held;  ///< null when empty
 };
 
 }  // namespace host

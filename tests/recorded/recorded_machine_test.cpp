@@ -85,7 +85,7 @@ class Subject {
   std::string File(const std::string& path) {
     const auto files = machine.Files();
     const auto file = files.find(path);
-    return file == files.end() ? "(no file)" : file->second;
+    return std::string(file == files.end() ? "(no file)" : file->second.Text());
   }
 
   Listener listener;

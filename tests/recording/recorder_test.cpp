@@ -167,7 +167,7 @@ TEST_F(MachineRecorder, KeepsARepeatedAnswerThatAnotherFollows) {
   for (const char* answer : {"one", "one", "two", "two"}) RunPiped("/c arp.exe -a", answer, 0);
   std::vector<std::string> kept;
   for (const RecordedCommand& command : recorder.Take().commands) {
-    kept.push_back(command.standardOutput);
+    kept.emplace_back(command.standardOutput.Text());
   }
   EXPECT_THAT(kept, ElementsAre("one", "one", "two"));
 }

@@ -12,8 +12,10 @@
 #include "host/answers/difference/difference.h"
 #include "host/answers/parts/part_tables.h"
 #include "host/answers/parts/read_parts.h"
+#include "host/catalogue/table_sources.h"
 #include "host/collect/collect.h"
 #include "host/recording/recording_writer.h"
+#include "host/redact/value_finder.h"
 #include "host/text/ascii.h"
 #include "tests/support/samples.h"
 
@@ -322,6 +324,17 @@ TEST(Redaction, TellsKindsAndCounts) {
   EXPECT_EQ(told.leftOut, 0U);
 }
 
+// So no table is made of a list of connections before it is redacted.
+TEST(Redaction, KnowsNoValuesByTheColumnsOfConnections) {
+  const pq::TableDescription* connections = FindTableDescription("NETSTATINFO");
+  ASSERT_NE(connections, nullptr);
+  ASSERT_FALSE(connections->columns.empty());
+  for (const pq::ColumnDescription& column : connections->columns) {
+    EXPECT_EQ(FindLabelKind(column.label), nullptr) << column.label;
+    EXPECT_EQ(FindLabelKind(column.key), nullptr) << column.key;
+  }
+}
+
 TEST(Redaction, LeavesOutWhatCannotBeSearchedAndTellsIt) {
   Recording recording;
   recording.commands.push_back({"arp.exe", "-a", "PK\x03\x04 something", {}});
@@ -338,7 +351,7 @@ TEST(Redaction, ReplacesOrdinaryWordsOnlyWhereTheyAreNames) {
   Recording recording;
   recording.commands.push_back(
       {"storcli.exe", "", "Host Name = drive\nDrive /c0 Drive:\nSN = 1234\n1234 MB\n", {}});
-  const std::string text = Redact(recording).recording.commands[0].standardOutput;
+  const std::string text(Redact(recording).recording.commands[0].standardOutput.Text());
   EXPECT_THAT(text, Not(HasSubstr("= drive\n")));
   EXPECT_THAT(text, HasSubstr("\nDrive /c0 Drive:\n"));
   EXPECT_THAT(text, Not(HasSubstr("= 1234\n")));

@@ -64,7 +64,7 @@ host::Recording MakeMachineOfManyEvents(std::size_t count) {
   const auto command = std::find_if(
       machine.commands.begin(), machine.commands.end(),
       [](const host::RecordedCommand& one) { return one.arguments == "/c0 show events"; });
-  const std::string sample = command->standardOutput;
+  const std::string sample(command->standardOutput.Text());
   const std::vector<std::string_view> entries = SplitEntries(sample);
   std::string log(entries.front());
   std::chrono::sys_seconds time =

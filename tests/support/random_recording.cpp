@@ -33,11 +33,11 @@ Material ReadSamples() {
   return material;
 }
 
-std::vector<std::string> SplitLines(const std::string& text) {
+std::vector<std::string> SplitLines(std::string_view text) {
   std::vector<std::string> lines;
   for (std::size_t begin = 0; begin < text.size();) {
     const std::size_t end = std::min(text.find('\n', begin), text.size() - 1) + 1;
-    lines.push_back(text.substr(begin, end - begin));
+    lines.emplace_back(text.substr(begin, end - begin));
     begin = end;
   }
   return lines;
@@ -78,7 +78,7 @@ void GarbleLine(std::string& line, RandomNumbers& random) {
 }
 
 /// Controllers keep so many events that a dump fills up to five tables.
-std::string LengthenDump(const std::string& dump, RandomNumbers& random) {
+std::string LengthenDump(std::string_view dump, RandomNumbers& random) {
   constexpr std::size_t kLargest = 4'000'000;
   std::string longer;
   if (dump.empty()) return longer;
@@ -134,7 +134,7 @@ std::vector<RecordedCommand> DrawCommands(const Answers& samples, RandomNumbers&
 
 }  // namespace
 
-std::string GarbleReport(std::string report, RandomNumbers& random) {
+std::string GarbleReport(std::string_view report, RandomNumbers& random) {
   std::vector<std::string> lines = SplitLines(report);
   for (std::size_t changes = 1 + random.DrawBelow(6); changes > 0 && !lines.empty(); --changes) {
     const auto line = lines.begin() + static_cast<std::ptrdiff_t>(random.DrawBelow(lines.size()));
@@ -152,10 +152,10 @@ std::string GarbleReport(std::string report, RandomNumbers& random) {
         GarbleLine(*line, random);
     }
   }
-  report.clear();
-  for (const std::string& line : lines) report += line;
-  if (random.DrawOneIn(10)) report.resize(random.DrawBelow(report.size() + 1));
-  return report;
+  std::string garbled;
+  for (const std::string& line : lines) garbled += line;
+  if (random.DrawOneIn(10)) garbled.resize(random.DrawBelow(garbled.size() + 1));
+  return garbled;
 }
 
 Recording MakeRandomRecording(std::uint64_t seed) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <random>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/recorded/recording.h"
@@ -30,7 +31,7 @@ class RandomNumbers {
 
 /// A tool's report, changed in a few places: lines that are missing, doubled, cut, exchanged or too
 /// long, other numbers and labels, bytes of any kind, other ends of lines.
-std::string GarbleReport(std::string report, RandomNumbers& random);
+std::string GarbleReport(std::string_view report, RandomNumbers& random);
 
 /// A machine on which every module finds something to do: the tools that the samples have, each
 /// with the answers of one or another sample, some of them garbled, missing, repeated or with a

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
+#include <utility>
 
 namespace host {
 namespace {
@@ -11,7 +13,7 @@ TEST(Bytes, AreSharedByCopies) {
   const Bytes bytes = "report";
   const Bytes copy = bytes;
   EXPECT_TRUE(copy.SharesWith(bytes));
-  EXPECT_EQ(&copy.Text(), &bytes.Text());
+  EXPECT_EQ(copy.Text().data(), bytes.Text().data());
   EXPECT_FALSE(Bytes("report").SharesWith(bytes));
 }
 
@@ -27,10 +29,26 @@ TEST(Bytes, ChangeInOneCopyAlone) {
 }
 
 TEST(Bytes, GrowInPlaceWhileNobodySharesThem) {
-  Bytes bytes = std::string(100, 'x');
-  const std::string* text = &bytes.Text();
+  std::string text(100, 'x');
+  text.reserve(200);
+  Bytes bytes = std::move(text);
+  const char* const before = bytes.Text().data();
   bytes += "y";
-  EXPECT_EQ(&bytes.Text(), text);
+  EXPECT_EQ(bytes.Text().data(), before);
+}
+
+TEST(Bytes, StayElsewhereUntilTheyChange) {
+  const auto keeper = std::make_shared<const std::string>("report");
+  Bytes bytes(*keeper, keeper);
+  Bytes copy = bytes;
+  EXPECT_TRUE(copy.IsElsewhere());
+  EXPECT_EQ(copy.Text().data(), keeper->data());
+  copy += "s";
+  EXPECT_EQ(copy, "reports");
+  EXPECT_FALSE(copy.IsElsewhere());
+  EXPECT_EQ(bytes, "report");
+  bytes.clear();
+  EXPECT_EQ(keeper.use_count(), 1);
 }
 
 TEST(Bytes, AreEmptyWithoutText) {

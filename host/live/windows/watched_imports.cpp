@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "frame/platform.h"
+#include "host/files/text_store.h"
 #include "host/live/hung_tools.h"
 #include "host/live/windows/module_image.h"
 #include "host/live/windows/tool_console.h"
@@ -131,6 +132,8 @@ void TellAnswer() {
       [](std::string_view path) { return LocateProgram(std::string(path)).has_value(); });
   ToolAnswer answer{std::exchange(watch.output, {}), FindOutputFile(pipeline), {}};
   if (!answer.file.empty()) answer.fileText = ReadOutputFile(answer.file);
+  answer.output = GetTextStore().Keep(std::move(answer.output));
+  answer.fileText = GetTextStore().Keep(std::move(answer.fileText));
   GetObserver().OnAnswer(answer);
 }
 

@@ -140,7 +140,7 @@ void ShuffleLines(Recording& machine, const std::string& arguments, test::Random
   for (RecordedCommand& command : machine.commands) {
     if (command.arguments != arguments) continue;
     std::vector<std::string> lines;
-    std::istringstream text(command.standardOutput.Text());
+    std::istringstream text{std::string(command.standardOutput.Text())};
     for (std::string line; std::getline(text, line);) lines.push_back(line + '\n');
     Shuffle(lines, random);
     std::string shuffled;

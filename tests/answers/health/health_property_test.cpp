@@ -269,7 +269,7 @@ TEST(HealthOfAnyMachine, IsNeverOkOfACutReportWhenTheWholeIsNot) {
       const host::Recording machine = KeepTool(sample, tool);
       if (findVerdict(machine) == "OK") continue;
       const auto check = [&](host::Recording& cut, host::Bytes& text, const std::string& what) {
-        const std::string whole = text;
+        const std::string whole(text.Text());
         for (int i = 0; i < kCuts && !whole.empty(); ++i) {
           text = MixLineEnds(whole.substr(0, random.DrawBelow(whole.size())), random);
           EXPECT_NE(findVerdict(cut), "OK") << name << ", " << what << ": " << text.size();

@@ -213,7 +213,7 @@ std::string CutBefore(const std::string& text, const std::string& end) {
 std::string GetAnswer(const Recording& recording, std::string_view arguments) {
   for (const host::RecordedCommand& command : recording.commands) {
     if (command.tool == "storcli.exe" && command.arguments == arguments) {
-      return command.standardOutput.Text();
+      return std::string(command.standardOutput.Text());
     }
   }
   throw std::runtime_error("storcli is not asked " + std::string(arguments));
@@ -344,7 +344,8 @@ TEST(ReadSas2, FailsWhereTheLogBreaksOff) {
   Recording recording = LoadSample("two-socket-server");
   for (host::RecordedCommand& command : recording.commands) {
     if (command.arguments != "logir.log") continue;
-    command.standardOutput = CutBefore(command.standardOutput.Text(), "LogSequence: 6");
+    command.standardOutput =
+        CutBefore(std::string(command.standardOutput.Text()), "LogSequence: 6");
   }
   EXPECT_EQ(Tell(ReadParts(recording, {"SAS2IRLOG"}), "sas2"),
             "failed: the log breaks off: 5 of 8 entries");

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/answers/parts/read_parts.h"
@@ -74,8 +75,8 @@ TEST(PartsOfGarbledReports, AreFoundAgainWhereTheyWereRead) {
 
 TEST(PartsOfCutReports, AreFoundAgainWhereTheyWereRead) {
   test::RandomNumbers random(2);
-  const auto cut = [&](const std::string& text) {
-    return text.substr(0, random.DrawBelow(text.size() + 1));
+  const auto cut = [&](std::string_view text) {
+    return std::string(text.substr(0, random.DrawBelow(text.size() + 1)));
   };
   for (host::Recording machine : ListMachines()) {
     for (host::RecordedCommand& command : machine.commands) {

@@ -3,6 +3,7 @@
 //   collect_long_reports MODULE SAMPLE TIMES
 #include <cstdlib>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "host/collect/collect.h"
@@ -22,11 +23,11 @@ int main(int, char** arguments) {
   host::Recording machine = host::LoadRecording(test::SamplesFolder() + "/" + arguments[2]);
   test::RandomNumbers random(20261122);
   for (host::RecordedCommand& command : machine.commands) {
-    const std::string report = command.standardOutput;
+    const std::string_view report = command.standardOutput;
     // The same ones again and again, so that twice the times are twice the text.
     std::string reports;
     for (int i = 0; i < kGarbled; ++i) reports += test::GarbleReport(report, random);
-    std::string longer = report;
+    std::string longer(report);
     longer.reserve(longer.size() + static_cast<std::size_t>(times) * reports.size());
     for (long i = 0; i < times; ++i) longer += reports;
     command.standardOutput = std::move(longer);

@@ -22,7 +22,7 @@ class TwoSocketServer : public ::testing::Test {
   std::vector<std::string> LinesOf(const std::string& tool, const std::string& arguments) const {
     for (const host::RecordedCommand& command : recording.commands) {
       if (command.tool == tool && command.arguments == arguments) {
-        return test::ReadLinesPlainly(command.standardOutput);
+        return test::ReadLinesPlainly(std::string(command.standardOutput.Text()));
       }
     }
     throw std::invalid_argument(tool + " " + arguments + " is not recorded");
