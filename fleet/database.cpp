@@ -52,6 +52,8 @@ bool DatabaseFailure::IsOfTheMoment() const {
   return sqlState.empty() || IsOfOrder();
 }
 
+bool DatabaseFailure::IsOfDisk() const { return sqlState == "53100"; }
+
 bool DatabaseFailure::IsOfOrder() const { return sqlState == "40P01" || sqlState == "40001"; }
 
 std::string Answer::ColumnName(std::size_t column) const {

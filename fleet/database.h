@@ -31,6 +31,8 @@ class DatabaseFailure : public std::runtime_error {
   bool IsOfTheMoment() const;
   /// Two transactions waited for each other, and this one gave way.
   bool IsOfOrder() const;
+  /// There is no room to write.
+  bool IsOfDisk() const;
 
  private:
   std::string sqlState;  ///< five characters; empty when the connection itself failed

@@ -680,8 +680,12 @@ def test_full_disk(server):
     told = team.stderr.readline()
     expect("could not extend file" in told and "trying again" in told, f"it waits and says so: {told}")
     expect(fleet.value("select count(*) from fleet.job where state = 3") == "0", "nothing is parked")
+    ended = fleet.run("status")
+    expect(ended.returncode == 0 and "trouble" in ended.stdout and
+           "No space left on device" in ended.stdout, f"status says so: {ended.stdout}{ended.stderr}")
     server.stop("fast")
     server.start()
+    expect("trouble" not in json.loads(fleet.run("status", "--format", "json").stdout), "there is room")
     errors = team.communicate(timeout=120)[1]
     expect(team.returncode == 0, f"with room it goes on: {errors}")
     expect(not differences(digest(fleet), digest(other)), "nothing is lost")
