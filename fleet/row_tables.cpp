@@ -12,6 +12,8 @@ namespace {
 
 /// The part that is a log: entries of controllers and of the management controller.
 constexpr std::string_view kEvents = "events";
+/// Asked of one server, where its findings are.
+constexpr std::string_view kEvidence = "evidence";
 
 /// Before the name of a table of packed rows.
 const std::string kPacked = "packed_";
@@ -44,7 +46,7 @@ RowTable MakePartTable(const Described& described) {
   const std::string name = NamePartTable(described.name);
   const bool isLog = described.name == kEvents;
   RowTable table{name,
-                 isLog ? kPacked + name : name,
+                 isLog || described.name == kEvidence ? kPacked + name : name,
                  std::string(described.name),
                  std::string(described.description),
                  isLog,

@@ -15,3 +15,7 @@ begin
   return (select string_agg(read_escaped(part), '\' order by place)
           from string_to_table(cell, '\\') with ordinality p(part, place));
 end $$;
+
+-- A search looks at the names of all servers; with their sites it need not look further.
+drop index if exists server_severity_name_id_idx;
+create index on server (severity, name, id) include (site);
