@@ -32,7 +32,7 @@ class Transaction {
     FindMine();
     for (const WorkedRecording* one : mine) {
       if (!IsUsable(*one)) continue;
-      usable.emplace(one->object, UsableRecording{one, SplitRows(one->parsed, tables)});
+      usable.emplace(one->object, UsableRecording{one, SplitRows(one->parsed)});
     }
     BatchChanges changes;
     CompareFacts(usable, tables, schema, connection, changes);

@@ -8,16 +8,20 @@ namespace fleet {
 namespace {
 
 /// The rows of servers, and what is kept of each server.
-void ApplyRows(const BatchChanges& changes, const RowTables& tables, Connection& connection) {
-  for (const auto& [table, change] : changes.tables) {
+void ApplyRows(BatchChanges& changes, const RowTables& tables, Connection& connection) {
+  for (auto& [table, change] : changes.tables) {
     const RowTable& described = tables.At(table);
-    const std::string name = QuoteName(described.name);
-    if (!change.removedRows.empty()) {
+    const std::string name = QuoteName(described.stored);
+    if (described.IsPacked() && !change.removedServers.empty()) {
+      connection.Ask(fmt::format("delete from {} where _server = any($1::int[])", name),
+                     {WriteNumbers(change.removedServers)});
+    } else if (!change.removedRows.empty()) {
       connection.Ask(fmt::format("delete from {} t using unnest($1::int[], $2::int[]) u(s, r) "
                                  "where t._server = u.s and t._row = u.r",
                                  name),
                      {WriteNumbers(change.removedServers), WriteNumbers(change.removedRows)});
     }
+    if (!change.packs.IsEmpty()) connection.Copy(name + " (_server, _row, rows)", change.packs);
     if (change.added.empty()) continue;
     std::string columns = "_server, _row";
     for (const RowColumn& column : described.columns) columns += ", " + QuoteName(column.name);
@@ -59,7 +63,7 @@ void ApplyFacts(const BatchChanges& changes, Connection& connection) {
 
 }  // namespace
 
-void ApplyChanges(const BatchChanges& changes, const RowTables& tables, Connection& connection) {
+void ApplyChanges(BatchChanges& changes, const RowTables& tables, Connection& connection) {
   ApplyRows(changes, tables, connection);
   ApplyFacts(changes, connection);
 }

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "fleet/binary_rows.h"
 #include "fleet/database.h"
 #include "fleet/row_tables.h"
 
@@ -15,19 +16,22 @@ namespace fleet {
 /// What is added are rows as COPY has them.
 struct BatchChanges {
   struct OfTable {
-    std::vector<std::int64_t> removedServers, removedRows;  ///< each a server and a row of it
+    /// Each a server and a row of it; of packed rows a server, all of whose rows are removed.
+    std::vector<std::int64_t> removedServers, removedRows;
     std::string added;
+    BinaryRows packs;
   };
   std::map<std::size_t, OfTable> tables;  ///< by their places in RowTables
   std::vector<std::int64_t> judgedServers, severities;
   std::vector<std::int64_t> stateServers;  ///< whose states are replaced
-  std::string states;
+  BinaryRows states;
   std::vector<std::int64_t> factObjects;  ///< whose results and drive errors are replaced
   std::string results;
   std::string driveErrors;
   std::size_t rows = 0;  ///< written or removed, apart from states
 };
 
-void ApplyChanges(const BatchChanges& changes, const RowTables& tables, Connection& connection);
+/// Takes what is added out of `changes`.
+void ApplyChanges(BatchChanges& changes, const RowTables& tables, Connection& connection);
 
 }  // namespace fleet

@@ -9,11 +9,11 @@ bool IsUsable(const WorkedRecording& one) {
   return one.failure.empty() && one.parsed.refusal.empty();
 }
 
-SplitTables SplitRows(const Parsed& parsed, const RowTables& tables) {
+SplitTables SplitRows(const Parsed& parsed) {
   SplitTables split;
   for (const ParsedTable& table : parsed.tables) {
     SplitTable& added = split[table.table];
-    added.rows = SplitCopyRows(table.rows, tables.At(table.table).columns.size());
+    added.rows = SplitCheckedRows(table.rows);
     for (const std::string_view row : added.rows) added.hashes.push_back(HashRow(row));
   }
   return split;

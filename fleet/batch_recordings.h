@@ -10,7 +10,6 @@
 
 #include "fleet/batch.h"
 #include "fleet/parsed.h"
-#include "fleet/row_tables.h"
 
 namespace fleet {
 
@@ -32,7 +31,7 @@ bool IsUsable(const WorkedRecording& one);
 
 /// Splits the recording's rows, which the result refers to. They were looked at when they came
 /// (FindMisfit).
-SplitTables SplitRows(const Parsed& parsed, const RowTables& tables);
+SplitTables SplitRows(const Parsed& parsed);
 
 /// Their objects, as PostgreSQL reads an array.
 std::string WriteObjects(const UsableRecordings& usable);

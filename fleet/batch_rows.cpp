@@ -9,13 +9,9 @@
 #include <string_view>
 
 #include "fleet/server_state.h"
-#include "host/text/hex_text.h"
 
 namespace fleet {
 namespace {
-
-/// A bytea, as a cell of COPY.
-std::string WriteBytes(std::string_view bytes) { return "\\\\x" + host::HexText(bytes); }
 
 /// As the table of servers has it.
 std::int64_t FindSeverity(std::string_view verdict) {
@@ -45,12 +41,11 @@ class ServerComparison {
       if (!split.rows.empty()) now.emplace(number, DescribeRows(split.hashes, isLog));
       if (change.IsEmpty()) continue;
       BatchChanges::OfTable& changed = changes.tables[table];
-      for (const std::uint32_t row : change.removed) {
-        changed.removedServers.push_back(server);
-        changed.removedRows.push_back(row);
-      }
-      for (const std::uint32_t row : change.added) {
-        changed.added += fmt::format("{}\t{}\t{}\n", server, row, split.rows[row - 1]);
+      if (tables.At(table).IsPacked()) {
+        const std::size_t known = old == before.end() ? 0 : old->second.rows;
+        AddPack(server, split, known, change, changed);
+      } else {
+        AddRows(server, split, change, changed);
       }
       changes.rows += change.removed.size() + change.added.size();
     }
@@ -58,6 +53,37 @@ class ServerComparison {
   }
 
  private:
+  static void AddRows(std::int64_t server, const SplitTable& split, const TableChange& change,
+                      BatchChanges::OfTable& changed) {
+    for (const std::uint32_t row : change.removed) {
+      changed.removedServers.push_back(server);
+      changed.removedRows.push_back(row);
+    }
+    for (const std::uint32_t row : change.added) {
+      changed.added += fmt::format("{}\t{}\t{}\n", server, row, split.rows[row - 1]);
+    }
+  }
+
+  /// The new end of a log is a pack of its own, until the packs are of so many rows that a new one
+  /// of all costs no more.
+  static void AddPack(std::int64_t server, const SplitTable& split, std::size_t known,
+                      const TableChange& change, BatchChanges::OfTable& changed) {
+    constexpr std::size_t kMostApart = 256;
+    const std::size_t count = split.rows.size();
+    const bool isEnd =
+        known > 0 && change.removed.empty() && known / kMostApart == count / kMostApart;
+    if (known > 0 && !isEnd) changed.removedServers.push_back(server);
+    if (count == 0) return;
+    const std::size_t first = isEnd ? known : 0;
+    // They lie one after the other, with line feeds between.
+    const char* const begin = split.rows[first].data();
+    const std::string_view last = split.rows.back();
+    changed.packs.BeginRow(3)
+        .Add(static_cast<std::int32_t>(server))
+        .Add(static_cast<std::int32_t>(first + 1))
+        .Add({begin, static_cast<std::size_t>(last.data() + last.size() - begin)});
+  }
+
   const RowTables& tables;
   const Schema& schema;
   BatchChanges& changes;
@@ -104,8 +130,11 @@ void CompareRows(const UsableRecordings& usable, const RowTables& tables, const 
         now == before && newest.NumberAt(row, 3) == object && newest.At(row, 4) == schema.parser;
     if (isSame) continue;
     changes.stateServers.push_back(server);
-    changes.states +=
-        fmt::format("{}\t{}\t{}\t{}\n", server, object, schema.parser, WriteBytes(PackState(now)));
+    changes.states.BeginRow(4)
+        .Add(static_cast<std::int32_t>(server))
+        .Add(object)
+        .Add(static_cast<std::int16_t>(std::stoi(schema.parser)))
+        .Add(PackState(now));
   }
 }
 

@@ -11,10 +11,11 @@ namespace {
 
 [[noreturn]] void Refuse() { throw std::runtime_error("the rows are not as rows are written"); }
 
-/// Whether COPY would take it for something else than itself, or not at all.
-bool IsSpecial(char c) {
+/// Whether COPY would take it for something else than itself, or not at all. No function, which
+/// would be called for each character.
+constexpr auto kIsSpecial = [](char c) {
   return c == '\\' || (c <= '\r' && (c == '\t' || c == '\n' || c == '\r' || c == '\0'));
-}
+};
 
 /// Checks a row's cells, each an escaped text or kCopyNull.
 void CheckRow(std::string_view row, std::size_t columns) {
@@ -43,7 +44,7 @@ void CheckRow(std::string_view row, std::size_t columns) {
 void AppendCopyCell(std::string& rows, std::string_view text) {
   while (true) {
     const auto plain =
-        static_cast<std::size_t>(std::find_if(text.begin(), text.end(), IsSpecial) - text.begin());
+        static_cast<std::size_t>(std::find_if(text.begin(), text.end(), kIsSpecial) - text.begin());
     rows += text.substr(0, plain);
     if (plain == text.size()) return;
     switch (text[plain]) {
@@ -75,6 +76,15 @@ std::vector<std::string_view> SplitCopyRows(std::string_view text, std::size_t c
     CheckRow(row, columns);
     rows.push_back(row);
     text.remove_prefix(row.size() + 1);
+  }
+  return rows;
+}
+
+std::vector<std::string_view> SplitCheckedRows(std::string_view text) {
+  std::vector<std::string_view> rows;
+  while (!text.empty()) {
+    rows.push_back(text.substr(0, text.find('\n')));
+    text.remove_prefix(rows.back().size() + 1);
   }
   return rows;
 }

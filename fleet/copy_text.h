@@ -21,6 +21,9 @@ void AppendCopyCell(std::string& rows, std::string_view text);
 /// of a process that is not trusted could hold rows of other servers otherwise.
 std::vector<std::string_view> SplitCopyRows(std::string_view text, std::size_t columns);
 
+/// The same of a text that SplitCopyRows has looked at before.
+std::vector<std::string_view> SplitCheckedRows(std::string_view text);
+
 /// The cells of a row that SplitCopyRows gave; none for nothing.
 std::vector<std::optional<std::string>> ReadCopyCells(std::string_view row);
 

@@ -52,6 +52,8 @@ bool DatabaseFailure::IsOfTheMoment() const {
   return sqlState.empty() || IsOfOrder();
 }
 
+bool DatabaseFailure::IsOfDisk() const { return sqlState == "53100"; }
+
 bool DatabaseFailure::IsOfOrder() const { return sqlState == "40P01" || sqlState == "40001"; }
 
 std::string Answer::ColumnName(std::size_t column) const {
@@ -143,8 +145,16 @@ Answer Connection::Ask(const std::string& sql, const std::vector<Value>& values)
 void Connection::Run(const std::string& sql) { Check(PQexec(connection.get(), sql.c_str())); }
 
 void Connection::Copy(const std::string& target, std::string_view rows) {
+  SendRows("copy " + target + " from stdin", rows);
+}
+
+void Connection::Copy(const std::string& target, BinaryRows& rows) {
+  SendRows("copy " + target + " from stdin (format binary)", rows.Take());
+}
+
+void Connection::SendRows(const std::string& copy, std::string_view rows) {
   constexpr std::size_t kMostAtOnce = 1 << 20;
-  Check(PQexec(connection.get(), ("copy " + target + " from stdin").c_str()));
+  Check(PQexec(connection.get(), copy.c_str()));
   bool isSent = true;
   for (std::size_t at = 0; isSent && at < rows.size(); at += kMostAtOnce) {
     const std::string_view part = rows.substr(at, kMostAtOnce);

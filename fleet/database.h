@@ -14,6 +14,8 @@
 #include <utility>
 #include <vector>
 
+#include "fleet/binary_rows.h"
+
 namespace fleet {
 
 /// What PostgreSQL said against a statement, or why it cannot be reached, in one line of UTF-8.
@@ -29,6 +31,8 @@ class DatabaseFailure : public std::runtime_error {
   bool IsOfTheMoment() const;
   /// Two transactions waited for each other, and this one gave way.
   bool IsOfOrder() const;
+  /// There is no room to write.
+  bool IsOfDisk() const;
 
  private:
   std::string sqlState;  ///< five characters; empty when the connection itself failed
@@ -73,6 +77,8 @@ class Connection {
   void Run(const std::string& sql);
   /// Copies `rows`, in PostgreSQL's text format, into `target`: a table, with columns if need be.
   void Copy(const std::string& target, std::string_view rows);
+  /// The same of rows that are taken out of `rows`.
+  void Copy(const std::string& target, BinaryRows& rows);
 
   /// Hands over the rows of "copy … to stdout", one at a time, without their line feeds.
   void CopyOut(const std::string& copy, const std::function<void(std::string_view row)>& take);
@@ -83,6 +89,7 @@ class Connection {
 
  private:
   Answer Check(PGresult* result);
+  void SendRows(const std::string& copy, std::string_view rows);
 
   std::unique_ptr<PGconn, decltype(&PQfinish)> connection;
 };

@@ -41,7 +41,7 @@ RemovedCounts ForgetServers(Connection& connection, const RowTables& tables,
   return RunTransaction(connection, [&] {
     connection.Ask("select 1 from server where id = any($1::int[]) order by id for update", {ids});
     for (const RowTable& table : tables.All()) {
-      connection.Ask("delete from " + QuoteName(table.name) + " where _server = any($1::int[])",
+      connection.Ask("delete from " + QuoteName(table.stored) + " where _server = any($1::int[])",
                      {ids});
     }
     for (const char* table : {"server_state", "drive_growth"}) {

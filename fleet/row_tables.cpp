@@ -12,6 +12,11 @@ namespace {
 
 /// The part that is a log: entries of controllers and of the management controller.
 constexpr std::string_view kEvents = "events";
+/// Asked of one server, where its findings are.
+constexpr std::string_view kEvidence = "evidence";
+
+/// Before the name of a table of packed rows.
+const std::string kPacked = "packed_";
 
 std::string ChooseType(host::PartType type) {
   switch (type) {
@@ -26,8 +31,8 @@ std::string ChooseType(host::PartType type) {
 }
 
 RowTable MakeClassTable(const pq::TableDescription& description) {
-  RowTable table{
-      NameClassTable(description.className), "", description.title, description.isLog, {}};
+  const std::string name = NameClassTable(description.className);
+  RowTable table{name, kPacked + name, "", description.title, description.isLog, {}};
   for (const pq::ColumnDescription& column : description.columns) {
     table.columns.push_back({column.key, "text", column.text});
   }
@@ -38,10 +43,13 @@ RowTable MakeClassTable(const pq::TableDescription& description) {
 /// Of parts and of findings: they describe themselves alike.
 template <typename Described>
 RowTable MakePartTable(const Described& described) {
-  RowTable table{NamePartTable(described.name),
+  const std::string name = NamePartTable(described.name);
+  const bool isLog = described.name == kEvents;
+  RowTable table{name,
+                 isLog || described.name == kEvidence ? kPacked + name : name,
                  std::string(described.name),
                  std::string(described.description),
-                 described.name == kEvents,
+                 isLog,
                  {}};
   for (const auto& column : described.columns) {
     table.columns.push_back(

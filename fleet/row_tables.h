@@ -19,10 +19,16 @@ struct RowColumn {
 
 struct RowTable {
   std::string name;  ///< in the schema: "class_pdlist", "part_drives"
+  std::string
+      stored;        ///< what has the rows: `name`, or a table of packs, of which `name` is a view
   std::string view;  ///< that shows it with its servers; none for classes: a view is never of these
   std::string description;
   bool isLog = false;              ///< its rows are a log, the newest last
   std::vector<RowColumn> columns;  ///< without the server and the row's number
+
+  /// Rows that nobody asks many servers for are kept as one text, which PostgreSQL compresses:
+  /// singly, each would take as much for being a row as for its cells.
+  bool IsPacked() const { return stored != name; }
 };
 
 /// For classes: what a row has beyond the described columns, and integers, as a JSON object.

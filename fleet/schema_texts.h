@@ -1,4 +1,4 @@
-// schema.sql, schema_2.sql and views.sql as texts of the program.
+// schema.sql, its steps and views.sql as texts of the program.
 #pragma once
 
 #include <string_view>
@@ -7,6 +7,7 @@ namespace host {
 
 extern const std::string_view kSchemaSql;
 extern const std::string_view kSchema2Sql;
+extern const std::string_view kSchema3Sql;
 extern const std::string_view kViewsSql;
 
 }  // namespace host

@@ -231,8 +231,7 @@ def multiply(fleet, copies):
     own = {"server": {"id": number("id"), "name": "name || '-' || c"},
            "object": {"id": number("id"), "key": "sha256(key || convert_to(c::text, 'UTF8'))"}}
     usual = {name: number(name) for name in ("server", "object", "_server")}
-    heavy = ("part_events", "part_evidence", "part_sensors")
-    parts = [table for table in fleet.tables if table.startswith("part_") and table not in heavy]
+    parts = [table for table in fleet.stored if table.startswith("part_") and table != "part_sensors"]
     for table in ["server", "object", "submission", "job", "result", "drive_error", "server_state",
                   "drive_growth", *parts]:
         columns = [row[0] for row in fleet.sql(

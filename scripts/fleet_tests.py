@@ -64,8 +64,13 @@ class Fleet:
             expect(self.run("init").returncode == 0, "init")
             self.tables = [row[0] for row in
                            self.sql("select name from fleet.row_table order by name")]
+            # Rows that are packed are shown by a view.
+            self.packed = [row[0] for row in self.sql("select name from fleet.row_table"
+                                                      " where columns is not null order by name")]
+            self.stored = [("packed_" if name in self.packed else "") + name for name in self.tables]
             return
-        self.tables = Fleet.first.tables
+        self.tables, self.packed = Fleet.first.tables, Fleet.first.packed
+        self.stored = Fleet.first.stored
         sql("postgres", server,
             f"create database {self.database} template {Fleet.first.database}"
             f" strategy file_copy")
@@ -294,7 +299,8 @@ def check_asking(fleet):
     for view in fleet.sql("select table_name from information_schema.views"
                           " where table_schema = 'fleet'"):
         ended = fleet.query(f"select * from {view[0]} limit 3")
-        expect(ended.returncode == 0, f"view {view[0]}: {ended.stderr}")
+        expect(ended.returncode == (1 if view[0] in fleet.packed else 0),
+               f"view {view[0]}: {ended.stderr}")
 
 
 def check_document(fleet):
@@ -367,7 +373,7 @@ def test_random(server):
               " where server = (select min(id) from fleet.server)")
     fleet.sql("delete from fleet.result where object = (select min(object) from fleet.result)")
     fleet.sql("; ".join(f"delete from fleet.{table} where _server = (select min(id) from"
-                        f" fleet.server)" for table in fleet.tables))
+                        f" fleet.server)" for table in fleet.stored))
     fleet.run("reparse", "--current")
     expect(fleet.work() > 0 and digest(fleet) == before, "what was taken away is made again")
 
@@ -674,8 +680,12 @@ def test_full_disk(server):
     told = team.stderr.readline()
     expect("could not extend file" in told and "trying again" in told, f"it waits and says so: {told}")
     expect(fleet.value("select count(*) from fleet.job where state = 3") == "0", "nothing is parked")
+    ended = fleet.run("status")
+    expect(ended.returncode == 0 and "trouble" in ended.stdout and
+           "No space left on device" in ended.stdout, f"status says so: {ended.stdout}{ended.stderr}")
     server.stop("fast")
     server.start()
+    expect("trouble" not in json.loads(fleet.run("status", "--format", "json").stdout), "there is room")
     errors = team.communicate(timeout=120)[1]
     expect(team.returncode == 0, f"with room it goes on: {errors}")
     expect(not differences(digest(fleet), digest(other)), "nothing is lost")
@@ -1539,10 +1549,11 @@ def test_upgrade(server):
     # As a former build would have left it.
     fleet.sql("update fleet.parser set version = '0.0.9+former'")
     fleet.sql("alter table fleet.part_drives drop column media_errors cascade")
-    fleet.sql("drop table fleet.class_pdlist")
+    fleet.sql("drop table fleet.packed_class_pdlist cascade;"
+              "update fleet.row_table set columns = null where name = 'class_pdlist'")
     fleet.sql("update fleet.server_state set rows = ''")
-    fleet.sql("; ".join(f"delete from fleet.{table}" for table in fleet.tables
-                        if table != "class_pdlist"))
+    fleet.sql("; ".join(f"delete from fleet.{table}" for table in fleet.stored
+                        if table != "packed_class_pdlist"))
     ended = fleet.run("work", "--once")
     expect(ended.returncode == 2 and "init --upgrade" in ended.stderr, f"former: {ended.stderr}")
     ended = fleet.run("init", "--upgrade")
@@ -1552,6 +1563,58 @@ def test_upgrade(server):
     fleet.work()
     expect(not differences(before, digest(fleet)), "after an upgrade all is made again")
     expect(fleet.value("select count(distinct parser) from fleet.result") == "1", "all anew")
+
+
+def pick(cells):
+    """Statements after which packs of class_pdlist have these cells of what they had."""
+    return ("update fleet.packed_class_pdlist set rows = (select string_agg(array_to_string("
+            f"{cells.format('c')}, E'\\t', '\\N'), E'\\n' order by n)"
+            " from string_to_table(rows, E'\\n') with ordinality l(line, n),"
+            " lateral string_to_array(line, E'\\t', '\\N') c);"
+            f"update fleet.row_table set columns = {cells.format('columns')} where name = 'class_pdlist'")
+
+
+def test_packs(server):
+    """A log that grows, and packs of a build that had other columns."""
+    fleet = Fleet(server)
+    sample = ROOT / "samples" / "two-socket-server"
+    fleet.run("submit", sample, "--server", "one")
+    fleet.work()
+    packs = lambda: fleet.value("select string_agg(_row::text, ' ' order by _row)"
+                                " from fleet.packed_class_fwtermlog")
+    count = int(fleet.value("select count(*) from fleet.class_fwtermlog"))
+    expect(packs() == "1", f"one pack: {packs()}")
+    later = pathlib.Path(server.folder) / "grown"
+    shutil.copytree(sample, later)
+    told = later / "submission.json"
+    log = later / "storcli" / "c0_show_termlog.txt"
+    # The rows of the last one make the packs of as many rows that all are packed anew.
+    for night, lines, expected in ((19, 1, f"1 {count + 1}"), (20, 1, f"1 {count + 1} {count + 2}"),
+                                   (21, 256, "1")):
+        told.write_text(re.sub(r"2026-11-\d\d", f"2026-11-{night}", told.read_text()))
+        log.write_bytes(log.read_bytes() + b"".join(b"T1: more %d-%d\r\n" % (night, line)
+                                                    for line in range(lines)))
+        fleet.run("submit", later, "--server", "one")
+        fleet.work()
+        expect(packs() == expected, f"packs of night {night}: {packs()}")
+        compare_with_pqhost(fleet, {"one": later})
+    before = digest(fleet)
+    names = [row[0] for row in fleet.sql("select attname from pg_attribute where attrelid ="
+                                         " 'fleet.class_pdlist'::regclass order by attnum")]
+    question = f"""select {', '.join(f'"{name}"' for name in names if name != names[4])}
+                   from fleet.class_pdlist order by _row"""
+    rows = fleet.sql(question)
+    fleet.sql(pick("array[{0}[2], {0}[1]] || {0}[4:]"))
+    ended = fleet.run("init", "--upgrade")
+    expect(ended.stdout.startswith(f"new column {names[4]} of class_pdlist\n"),
+           f"{ended.stdout}{ended.stderr}")
+    expect(rows and fleet.sql(question) == rows, "each cell is of its column")
+    expect(fleet.value(f'select count("{names[4]}") from fleet.class_pdlist') == "0", "one is new")
+    fleet.sql("update fleet.server_state set rows = ''")
+    fleet.sql("; ".join(f"delete from fleet.{table}" for table in fleet.stored))
+    fleet.run("reparse", "--current")
+    fleet.work()
+    expect(not differences(before, digest(fleet)), "parsed again, it has its cells")
 
 
 def read_less(server, name, errors):
@@ -1641,8 +1704,13 @@ def test_versions(server):
     before = digest(fleet)
     grown = fleet.query("select drive, media_errors, media_errors_before from growing_drives").stdout
     expect(grown.count("\n") == 2 and grown.endswith(",37,4\n"), f"the drive grew: {grown}")
+    # Their rows stood singly, and were no views.
+    for table in fleet.packed:
+        fleet.sql(f"create table fleet.single as select * from fleet.{table};"
+                  f"drop table fleet.packed_{table} cascade; alter table fleet.single rename to {table}")
     fleet.sql("drop table fleet.drive_growth cascade; drop table fleet.schema_version;"
-              "alter table fleet.parser drop column readers")
+              "alter table fleet.parser drop column readers;"
+              "alter table fleet.row_table drop column columns; drop function fleet.read_escaped")
     for words in (["work", "--once"], ["query", "select 1"], ["status"], ["submit", SAMPLES[0]]):
         ended = fleet.run(*words)
         expect(ended.returncode == 2 and "of version 1" in ended.stderr and
@@ -1657,7 +1725,7 @@ def test_versions(server):
             "select count(*) from fleet.verdict_now") == "1", f"whole or not: {ended.stderr}")
     fleet.sql("drop table fleet.drive_growth")
     ended = fleet.run("init", "--upgrade")
-    expect(ended.returncode == 0 and "version 1 brought to 2" in ended.stdout,
+    expect(ended.returncode == 0 and "version 1 brought to 3" in ended.stdout,
            f"the step: {ended.stdout}{ended.stderr}")
     expect(not differences(before, digest(fleet)), "the step makes what the worker makes")
     expect(fleet.run("init", "--upgrade").returncode == 0, "once more is no step")

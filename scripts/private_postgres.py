@@ -24,8 +24,8 @@ def find_programs():
 class PrivatePostgres:
     """Runs as long as it is entered. `folder` has its socket, and may be used for other files."""
 
-    # What is lost with the machine is not asked for in most tests.
-    def __init__(self, settings="-c fsync=off -c autovacuum=off"):
+    # What is lost with the machine is not asked for in most tests; jit is as for a fleet.
+    def __init__(self, settings="-c fsync=off -c autovacuum=off -c jit=off"):
         self.settings = settings
 
     def __enter__(self):

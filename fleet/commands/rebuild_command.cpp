@@ -30,7 +30,7 @@ int RunRebuild(const GivenSettings& given, const host::Console& console) {
   const Schema schema = OpenSchema(connection, tables);
   const std::size_t ready = RunTransaction(connection, [&] {
     std::string names = "server_state, result, drive_error, drive_growth";
-    for (const RowTable& table : tables.All()) names += ", " + QuoteName(table.name);
+    for (const RowTable& table : tables.All()) names += ", " + QuoteName(table.stored);
     connection.Run("truncate " + names + "; update server set severity = default");
     connection.Ask(
         "insert into job (parser, object) select $1, id from object "

@@ -27,7 +27,8 @@ constexpr char kStatusFooter[] = R"(Examples:
   pqfleet status --watch               every two seconds, until Ctrl-C
 
 The rate is that of the last minute. Silent are servers of which nothing came
-for 36 hours: pqfleet query "SELECT * FROM silent".
+for 36 hours: pqfleet query "SELECT * FROM silent". A line "trouble" says that
+the database's disk is full: workers wait until there is room.
 Exit codes: 0 done; 1 the database refuses; 2 wrong use, or the database is not
 there.
 )";
@@ -46,7 +47,22 @@ struct Status {
   std::vector<std::pair<std::string, std::int64_t>> reasons;  ///< why so many are parked
   std::vector<std::pair<std::string, std::int64_t>> parsers;  ///< which readers parsed so many
   std::string oldest;                                         ///< waiting; empty: none
+  std::string trouble;  ///< why workers wait for the database; empty: none is known
 };
+
+/// What the database says when it is to write a megabyte for a moment, if its disk is full.
+std::string FindFullDisk(Connection& connection) {
+  try {
+    RunTransaction(connection, [&] {
+      connection.Run("set local work_mem = '64kB'");
+      return connection.Ask("select count(*) from generate_series(1, 40000)");
+    });
+  } catch (const DatabaseFailure& failure) {
+    if (failure.IsOfDisk()) return failure.what();
+    if (!connection.IsAlive()) throw;
+  }
+  return {};
+}
 
 Status FindStatus(Connection& connection) {
   constexpr std::int64_t kMinute = 60;
@@ -57,6 +73,7 @@ Status FindStatus(Connection& connection) {
       "  (select count(*) from silent) "
       "from progress where state = 'current'");
   Status status;
+  status.trouble = FindFullDisk(connection);
   status.readers = progress.At(0, 0);
   status.oldest = progress.At(0, 5);
   const auto number = [&](std::size_t column) { return progress.NumberAt(0, column); };
@@ -90,6 +107,7 @@ void WriteJson(const Status& status, std::ostream& out) {
   json.AddText("readers", status.readers);
   for (const auto& [name, number] : status.numbers) json.AddNumber(name, number);
   if (!status.oldest.empty()) json.AddText("oldestWaiting", status.oldest);
+  if (!status.trouble.empty()) json.AddText("trouble", status.trouble);
   json.Add("parsedBy", [&](std::string& text) {
     host::AppendJsonList(text, status.parsers, [](std::string& list, const auto& one) {
       list +=
@@ -113,6 +131,9 @@ void WriteTable(const Status& status, std::ostream& out) {
     out << fmt::format("{:12} {}\n", label, number);
   }
   if (!status.oldest.empty()) out << fmt::format("{:12} {}\n", "waiting from", status.oldest);
+  if (!status.trouble.empty()) {
+    out << fmt::format("{:12} {}\n", "trouble", host::EscapeControls(status.trouble));
+  }
   for (const auto& [readers, count] : status.parsers) {
     out << fmt::format("{:12} {:>5} {}\n", "parsed by", count, readers);
   }

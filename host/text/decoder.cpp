@@ -1,5 +1,6 @@
 #include "host/text/decoder.h"
 
+#include <algorithm>
 #include <array>
 #include <map>
 #include <optional>
@@ -27,6 +28,13 @@ bool IsLeadByte(std::uint32_t codePage, unsigned char byte) {
   return false;
 }
 
+/// How many characters of ASCII `bytes` begin with.
+std::size_t CountAscii(std::string_view bytes) {
+  const auto isOther = [](char c) { return static_cast<unsigned char>(c) >= 0x80; };
+  return static_cast<std::size_t>(std::find_if(bytes.begin(), bytes.end(), isOther) -
+                                  bytes.begin());
+}
+
 bool IsSurrogate(char32_t c) { return c >= 0xD800 && c <= 0xDFFF; }
 
 /// Systems fill the gaps of a code page with control or private-use characters; here a gap stays a
@@ -51,7 +59,13 @@ std::string_view KeepEnd(std::string_view text, std::size_t most) {
 std::string CleanUtf8(std::string_view bytes) {
   std::string text;
   text.reserve(bytes.size());
-  while (!bytes.empty()) AppendUtf8(text, TakeUtf8(bytes));
+  while (!bytes.empty()) {
+    // Most texts are mostly of these, which are taken together.
+    const std::string_view plain = bytes.substr(0, CountAscii(bytes));
+    text += plain;
+    bytes.remove_prefix(plain.size());
+    if (!bytes.empty()) AppendUtf8(text, TakeUtf8(bytes));
+  }
   return text;
 }
 
