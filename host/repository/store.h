@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstring>
 #include <deque>
 #include <map>
 #include <string>
@@ -55,17 +54,17 @@ struct Row {
     std::size_t width = 1;
     while (width < sizeof(textSize) && textSize >> (8 * width) != 0) width *= 2;
     const std::size_t beforeTexts = 1 + values.size() * width;
-    auto* const packed = reinterpret_cast<unsigned char*>(texts.Take(beforeTexts + textSize));
-    packed[0] = static_cast<unsigned char>(width);
+    char* const packed = texts.Take(beforeTexts + textSize);
+    packed[0] = static_cast<char>(width);
     std::size_t end = 0;
     for (std::size_t i = 0; i < values.size(); ++i) {
-      std::memcpy(packed + beforeTexts + end, values[i].data(), values[i].size());
+      values[i].copy(packed + beforeTexts + end, values[i].size());
       end += values[i].size();
       for (std::size_t byte = 0; byte < width; ++byte) {
-        packed[1 + i * width + byte] = static_cast<unsigned char>(end >> (8 * byte));
+        packed[1 + i * width + byte] = static_cast<char>(end >> (8 * byte));
       }
     }
-    memory = packed;
+    memory = reinterpret_cast<const unsigned char*>(packed);
   }
 
   std::size_t ValueCount() const { return shape->columns.size(); }
