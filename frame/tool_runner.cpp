@@ -46,6 +46,14 @@ ToolExit RunForExitCode(const std::string& commandLine) {
   return result;
 }
 
+void AppendPiece(std::deque<std::string>& pieces, std::size_t size, std::string_view more) {
+  constexpr std::size_t kMostPiece = std::size_t{1} << 20;
+  if (pieces.empty() || pieces.back().capacity() - pieces.back().size() < more.size()) {
+    pieces.emplace_back().reserve(std::max(more.size(), std::min(size, kMostPiece)));
+  }
+  pieces.back() += more;
+}
+
 std::string JoinPieces(std::deque<std::string> pieces, std::size_t size) {
   std::string text;
   text.reserve(size);

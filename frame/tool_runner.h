@@ -62,6 +62,10 @@ struct ToolExit : ToolRun {
 /// As RunAndWait, without handle inheritance; reads the exit code.
 ToolExit RunForExitCode(const std::string& commandLine);
 
+/// Appends `more` to what has `size` bytes by now, in pieces as large as all before: once they are
+/// joined, large ones are given back, where small ones leave a gap in the heap.
+void AppendPiece(std::deque<std::string>& pieces, std::size_t size, std::string_view more);
+
 /// The pieces as one text of `size` bytes. A text that grew with every piece would be copied again
 /// and again, and hold up to twice as much.
 std::string JoinPieces(std::deque<std::string> pieces, std::size_t size);
@@ -95,7 +99,7 @@ class PipedTool {
       chunk[count] = '\0';
       onChunk(static_cast<const char*>(chunk.get()), count);
       const std::size_t kept = std::min(count, left);
-      if (kept > 0) pieces.emplace_back(chunk.get(), kept);
+      if (kept > 0) AppendPiece(pieces, kPipeOutputLimit - left, {chunk.get(), kept});
       left -= kept;
     }
     return JoinPieces(std::move(pieces), kPipeOutputLimit - left);

@@ -97,16 +97,19 @@ void AddParts(DatabaseWriter& writer, const Parts& parts) {
   }
 }
 
-void AddCollection(DatabaseWriter& writer, const CollectionView& view, const Assessment& assessment,
-                   std::string_view machine) {
-  AddCollection(writer, view, ListFacts(view.GetCollection(), assessment.health), assessment,
-                machine);
+void AddCollection(DatabaseWriter& writer, Collection& collection, const Assessment& assessment,
+                   std::string_view machine, Attachments attachments) {
+  const DatabaseWriter::Facts facts = ListFacts(collection, assessment.health);
+  collection.answers.clear();
+  collection.files.clear();
+  AddCollection(writer, CollectionView(collection, attachments), facts, assessment, machine);
 }
 
 void AddCollection(DatabaseWriter& writer, const CollectionView& view, std::string_view machine) {
   const Collection& collection = view.GetCollection();
   if (collection.machineIsKnown) {
-    AddCollection(writer, view, Assess(collection), machine);
+    const Assessment assessment = Assess(collection);
+    AddCollection(writer, view, ListFacts(collection, assessment.health), assessment, machine);
   } else {
     writer.Add(view, ListIdentity(collection), machine);
   }
@@ -124,19 +127,10 @@ void FillDatabase(Database& database, const CollectionView& view) {
   writer.Complete();
 }
 
-void FillDatabase(Database& database, Collection collection) {
-  const Assessment assessment = Assess(collection);
-  const DatabaseWriter::Facts facts = ListFacts(collection, assessment.health);
-  collection.answers.clear();
-  collection.files.clear();
+void FillDatabase(Database& database, Collection& collection, const Assessment& assessment,
+                  Attachments attachments) {
   DatabaseWriter writer(database, Machines::kOne);
-  AddCollection(writer, CollectionView(collection), facts, assessment, {});
-  writer.Complete();
-}
-
-void FillDatabase(Database& database, const CollectionView& view, const Assessment& assessment) {
-  DatabaseWriter writer(database, Machines::kOne);
-  AddCollection(writer, view, assessment);
+  AddCollection(writer, collection, assessment, {}, attachments);
   writer.Complete();
 }
 

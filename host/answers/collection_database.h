@@ -16,18 +16,17 @@ void AddParts(DatabaseWriter& writer, const Parts& parts);
 /// DatabaseError.
 void AddCollection(DatabaseWriter& writer, const CollectionView& view,
                    std::string_view machine = {});
-/// The same of a known machine that was assessed already.
-void AddCollection(DatabaseWriter& writer, const CollectionView& view, const Assessment& assessment,
-                   std::string_view machine = {});
+/// The same of a known machine that was assessed already. Lets go of what its tools printed, as the
+/// database has none of that but the rows.
+void AddCollection(DatabaseWriter& writer, Collection& collection, const Assessment& assessment,
+                   std::string_view machine = {}, Attachments attachments = Attachments::kShown);
 /// Adds one of several machines of which nothing is known but the verdict.
 void AddVerdict(DatabaseWriter& writer, const Health& health, std::string_view machine);
 
 /// Makes the whole of a database, which is empty, from one collection. Throws DatabaseError.
 void FillDatabase(Database& database, const CollectionView& view);
-/// The same of a known machine's, which nobody else needs: of what its tools printed, nothing is
-/// kept longer than it takes to read it.
-void FillDatabase(Database& database, Collection collection);
-/// The same of a known machine that was assessed already.
-void FillDatabase(Database& database, const CollectionView& view, const Assessment& assessment);
+/// The same of a known machine that was assessed already, letting go as AddCollection() does.
+void FillDatabase(Database& database, Collection& collection, const Assessment& assessment,
+                  Attachments attachments = Attachments::kShown);
 
 }  // namespace host

@@ -14,9 +14,7 @@ constexpr std::size_t kPieceSize = 1 << 20;
 std::string Pack(std::string_view piece, std::string_view rest = {}) {
   GzipStream stream(std::numeric_limits<std::size_t>::max(), GzipEffort::kLeast);
   stream << piece << rest;
-  std::string packed = stream.Take();
-  packed.shrink_to_fit();
-  return packed;
+  return stream.Take();
 }
 
 }  // namespace

@@ -12,6 +12,7 @@ namespace host {
 namespace {
 
 constexpr std::size_t kPiece = 1U << 16;
+constexpr std::size_t kPackedPiece = 3U << 14;
 /// Has zlib write, or expect, gzip's head and checksum.
 constexpr int kAsGzip = MAX_WBITS + 16;
 
@@ -45,9 +46,9 @@ class GzipStream::Buffer final : public std::streambuf {
   Buffer& operator=(const Buffer&) = delete;
   ~Buffer() override { deflateEnd(&stream); }
 
-  std::string Take() {
+  std::deque<std::string> Take() {
     Pack(Z_FINISH);
-    return isTooLarge ? std::string() : std::move(packed);
+    return std::move(packed);
   }
 
  protected:
@@ -72,11 +73,20 @@ class GzipStream::Buffer final : public std::streambuf {
   }
 
   void Keep(std::string_view bytes) {
-    isTooLarge = isTooLarge || packed.size() + bytes.size() > most;
+    isTooLarge = isTooLarge || size + bytes.size() > most;
     if (isTooLarge) {
-      packed = std::string();
-    } else {
-      packed += bytes;
+      packed.clear();
+      return;
+    }
+    size += bytes.size();
+    while (!bytes.empty()) {
+      if (packed.empty() || packed.back().size() == kPackedPiece) {
+        packed.emplace_back().reserve(kPackedPiece);
+      }
+      std::string& piece = packed.back();
+      const std::string_view part = bytes.substr(0, kPackedPiece - piece.size());
+      piece += part;
+      bytes.remove_prefix(part.size());
     }
   }
 
@@ -84,7 +94,8 @@ class GzipStream::Buffer final : public std::streambuf {
   z_stream stream{};
   std::array<char, kPiece> input;
   std::array<char, kPiece> output;
-  std::string packed;
+  std::size_t size = 0;            ///< of what is packed
+  std::deque<std::string> packed;  ///< one text would be in memory twice whenever it grew
   bool isTooLarge = false;
 };
 
@@ -95,7 +106,17 @@ GzipStream::GzipStream(std::size_t most, GzipEffort effort)
 
 GzipStream::~GzipStream() = default;
 
-std::string GzipStream::Take() { return buffer->Take(); }
+std::string GzipStream::Take() {
+  std::deque<std::string> pieces = buffer->Take();
+  std::string packed;
+  std::size_t size = 0;
+  for (const std::string& piece : pieces) size += piece.size();
+  packed.reserve(size);
+  for (; !pieces.empty(); pieces.pop_front()) packed += pieces.front();
+  return packed;
+}
+
+std::deque<std::string> GzipStream::TakePieces() { return buffer->Take(); }
 
 std::string UnpackGzip(std::string_view packed, std::size_t most) {
   z_stream stream{};

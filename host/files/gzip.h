@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <deque>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -25,6 +26,8 @@ class GzipStream final : public std::ostream {
 
   /// Ends the stream: the packed bytes, or nothing when they were more than was to be kept.
   std::string Take();
+  /// The same in pieces, of which each but the last has a number of bytes that three divides.
+  std::deque<std::string> TakePieces();
 
  private:
   class Buffer;

@@ -24,6 +24,9 @@ struct Format {
   const char* resultName = "Results";  ///< for people, of a file in this format
   /// What the format leaves out of a collection, a line of UTF-8 each; null: never anything.
   std::vector<std::string> (*describeCuts)(const Collection& collection) = nullptr;
+  /// As `write`, of a known machine's collection, in less memory: lets go of what its tools printed
+  /// once that is read. Null: there is nothing to be gained.
+  void (*writeLast)(Collection& collection, const Screen& screen, std::ostream& out) = nullptr;
 };
 
 /// All formats; the first is the default.
@@ -50,6 +53,7 @@ void WriteReport(const Collection& collection, const NamedDifference* changes, c
                  std::ostream& out);
 /// An SQLite file (docs/sql.md).
 void WriteSqlite(const Collection& collection, const Screen& screen, std::ostream& out);
+void WriteSqliteLast(Collection& collection, const Screen& screen, std::ostream& out);
 /// Metrics in Prometheus' text format 0.0.4 (docs/metrics.md).
 void WritePrometheus(const Collection& collection, const Screen& screen, std::ostream& out);
 /// Nothing, for those who want the trace or the log files alone.

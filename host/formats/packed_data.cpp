@@ -18,7 +18,10 @@ void WritePackedData(const Collection& collection, const Assessment* assessment,
                      const Screen& screen, std::ostream& out) {
   GzipStream packed(kMostPackedBytes);
   WriteJson(collection, assessment, screen, packed);
-  out << kPackedDataHead << EncodeBase64(packed.Take()) << kEnd;
+  out << kPackedDataHead;
+  // Of three bytes each, so that the pieces one after the other are Base64 of the whole.
+  for (const std::string& piece : packed.TakePieces()) out << EncodeBase64(piece);
+  out << kEnd;
 }
 
 std::string UnpackData(std::string_view html, std::size_t most) {

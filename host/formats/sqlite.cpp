@@ -41,6 +41,12 @@ void WriteDatabase(std::ostream& out, const std::function<void(Database&)>& fill
   }
 }
 
+void WriteSqliteLast(Collection& collection, const Screen& screen, std::ostream& out) {
+  WriteDatabase(out, [&](Database& database) {
+    FillDatabase(database, collection, Assess(collection), ChooseAttachments(screen));
+  });
+}
+
 void WriteSqlite(const Collection& collection, const Screen& screen, std::ostream& out) {
   WriteDatabase(out, [&](Database& database) {
     FillDatabase(database, CollectionView(collection, ChooseAttachments(screen)));

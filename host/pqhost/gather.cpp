@@ -67,6 +67,7 @@ Gathered Gather(const SourceOptions& from, const Selection& selection, const Con
   auto interruption = std::make_unique<InterruptionWatch>();
   Collection collection = Collect(source->Get(), selection, listeners, keepLog);
   attendant.TellChatter(collection.machine.codePage);
+  source->EndCollection();
   NoteUnfitColumns(collection);
   if (attendant.IsOverdue()) {
     collection.problems.push_back("the collection " + DescribeOverdue(*from.seconds));

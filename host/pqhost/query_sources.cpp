@@ -41,12 +41,11 @@ class SourceAdder {
   }
 
   void AddRecording(const SourceOptions& options, const std::string& machine) {
-    const Collection collection =
-        Gather(options, {}, console, KeepLog::kYes, [](auto&) {}).collection;
+    Collection collection = Gather(options, {}, console, KeepLog::kYes, [](auto&) {}).collection;
     for (const std::string& problem : collection.problems) {
       Fail(fmt::format("{}: {}", machine, problem));
     }
-    AddCollection(writer, CollectionView(collection), machine);
+    AddCollection(writer, collection, Assess(collection), machine);
   }
 
   std::size_t Count() const { return count; }
@@ -72,10 +71,9 @@ int FillFromOne(Database& database, const SourceOptions& options, const Console&
   // The recording is let go of at once: the database holds all of it again.
   Collection collection =
       Gather(options, {}, console, KeepLog::kYes, [&](auto&) { beforeRun(); }).collection;
-  const std::vector<std::string> problems = collection.problems;
-  FillDatabase(database, std::move(collection));
-  for (const std::string& problem : problems) Complain(console, problem);
-  return problems.empty() ? kExitDone : kExitIncomplete;
+  FillDatabase(database, collection, Assess(collection));
+  for (const std::string& problem : collection.problems) Complain(console, problem);
+  return collection.problems.empty() ? kExitDone : kExitIncomplete;
 }
 
 int FillFromResult(Database& database, const std::filesystem::path& result) {

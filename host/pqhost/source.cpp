@@ -55,7 +55,8 @@ class ReplaySource final : public CommandSource {
   explicit ReplaySource(const SourceOptions& options)
       : ReplaySource(options, LoadToReplay(options)) {}
 
-  Source& Get() override { return source; }
+  Source& Get() override { return *source; }
+  void EndCollection() override { source.reset(); }
 
   std::vector<std::string> KeepLogFiles(const Collection& collection) override {
     if (!logFolder) return {};
@@ -68,6 +69,7 @@ class ReplaySource final : public CommandSource {
   std::optional<Recording> KeepRecording(const Collection& /*collection*/) override {
     if (!output) return std::nullopt;
     output->Write(recording);
+    recording = {};
     hasRecording = true;
     return std::nullopt;
   }
@@ -89,7 +91,7 @@ class ReplaySource final : public CommandSource {
     recording = loaded;
   }
 
-  RecordedSource source;
+  std::optional<RecordedSource> source;  ///< none once the collection is over
   std::optional<std::filesystem::path> logFolder;
   std::size_t keptCount = 0;  ///< of files in it
   std::optional<std::filesystem::path> recordingPath;

@@ -51,6 +51,8 @@ class CommandSource {
  public:
   virtual ~CommandSource() = default;
   virtual Source& Get() = 0;
+  /// The collection is over: lets go of what Get() alone needed, which is not called again.
+  virtual void EndCollection() {}
   /// Sees to the files that the tools left in the log folder. Returns a line of UTF-8 for each that
   /// could not be kept.
   virtual std::vector<std::string> KeepLogFiles(const Collection& collection) = 0;

@@ -89,7 +89,8 @@ struct RepositoryState {
   }
 
   void AddRow(const host::RowShape& kept, const std::vector<std::string>& values) {
-    tableOf[&kept]->rows.emplace_back(kept, values);
+    host::Table& table = *tableOf[&kept];
+    table.rows.emplace_back(kept, values, table.texts);
   }
 
   const host::RowShape& KeepShape(const host::RowShape& wanted) {

@@ -3,15 +3,14 @@
 #pragma once
 
 #include <cstddef>
-#include <cstring>
 #include <deque>
 #include <map>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "frame/halyard/repository.h"
+#include "host/text/byte_chunks.h"
 
 namespace host {
 
@@ -47,30 +46,32 @@ struct RowShape {
 
 /// One instance as it was when it was added. Texts are bytes in the machine's code page.
 struct Row {
-  /// `values` has one text per column of `shape`, which has to outlive the row.
-  Row(const RowShape& shape, const std::vector<std::string>& values) : shape(&shape) {
+  /// `values` has one text per column of `shape`, which, like `texts`, has to outlive the row.
+  Row(const RowShape& shape, const std::vector<std::string>& values, ByteChunks& texts)
+      : shape(&shape) {
     std::size_t textSize = 0;
     for (const std::string& value : values) textSize += value.size();
     std::size_t width = 1;
     while (width < sizeof(textSize) && textSize >> (8 * width) != 0) width *= 2;
     const std::size_t beforeTexts = 1 + values.size() * width;
-    memory = std::make_unique_for_overwrite<unsigned char[]>(beforeTexts + textSize);
-    memory[0] = static_cast<unsigned char>(width);
+    char* const packed = texts.Take(beforeTexts + textSize);
+    packed[0] = static_cast<char>(width);
     std::size_t end = 0;
     for (std::size_t i = 0; i < values.size(); ++i) {
-      std::memcpy(memory.get() + beforeTexts + end, values[i].data(), values[i].size());
+      values[i].copy(packed + beforeTexts + end, values[i].size());
       end += values[i].size();
       for (std::size_t byte = 0; byte < width; ++byte) {
-        memory[1 + i * width + byte] = static_cast<unsigned char>(end >> (8 * byte));
+        packed[1 + i * width + byte] = static_cast<char>(end >> (8 * byte));
       }
     }
+    memory = reinterpret_cast<const unsigned char*>(packed);
   }
 
   std::size_t ValueCount() const { return shape->columns.size(); }
   /// Of a column of the shape; numbers as decimal ones, nothing as an empty text.
   std::string_view Value(std::size_t place) const {
     const std::size_t begin = place == 0 ? 0 : EndOf(place - 1);
-    const auto* texts = reinterpret_cast<const char*>(memory.get()) + 1 + ValueCount() * memory[0];
+    const auto* texts = reinterpret_cast<const char*>(memory) + 1 + ValueCount() * memory[0];
     return {texts + begin, EndOf(place) - begin};
   }
   std::vector<std::string_view> Values() const {
@@ -93,12 +94,13 @@ struct Row {
 
   /// How many bytes a place takes; of each value where it ends, counted from the first; then all of
   /// them: a string for each would take more memory than most values.
-  std::unique_ptr<unsigned char[]> memory;
+  const unsigned char* memory;
 };
 
 struct Table {
   std::vector<Column> columns;  ///< every key of any row, in the order in which they first came
   std::deque<Row> rows;
+  ByteChunks texts;  ///< of the rows
 };
 
 /// The tables by class name; only classes that have rows. Valid as long as the repository lives; an

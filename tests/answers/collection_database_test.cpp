@@ -85,6 +85,19 @@ TEST_F(CollectionDatabase, HasTheCellsOfItsEvidence) {
             Texts{"Fan 5|nc"});
 }
 
+TEST_F(CollectionDatabase, IsTheSameOfACollectionThatLetsGoOfTheAnswers) {
+  const std::string tables = "SELECT name FROM sqlite_master WHERE type = 'table'";
+  Database other;
+  FillDatabase(other, collection, Assess(collection));
+  EXPECT_TRUE(collection.answers.empty());
+  EXPECT_TRUE(collection.files.empty());
+  EXPECT_EQ(test::AskRows(other, tables), test::AskRows(database, tables));
+  for (const std::string& name : test::AskRows(database, tables)) {
+    const std::string rows = "SELECT * FROM \"" + name + '"';
+    EXPECT_EQ(test::AskRows(other, rows), test::AskRows(database, rows)) << name;
+  }
+}
+
 TEST(CollectionDatabaseOfSeveral, HasEachMachinesFindings) {
   Database database;
   DatabaseWriter writer(database, Machines::kSeveral);

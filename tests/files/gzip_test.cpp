@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <deque>
 #include <stdexcept>
 #include <string>
 
@@ -39,6 +40,19 @@ TEST(Gzip, KeepsNothingThatIsTooLarge) {
   const std::string packed = Pack(MakeText());
   EXPECT_EQ(Pack(MakeText(), packed.size()), packed);
   EXPECT_EQ(Pack(MakeText(), packed.size() - 1), "");
+}
+
+TEST(Gzip, GivesTheSameInPiecesThatThreeDivides) {
+  GzipStream stream(kEnough);
+  stream << MakeText();
+  const std::deque<std::string> pieces = stream.TakePieces();
+  ASSERT_GT(pieces.size(), 1U);
+  std::string whole;
+  for (const std::string& piece : pieces) {
+    EXPECT_EQ(whole.size() % 3, 0U);
+    whole += piece;
+  }
+  EXPECT_EQ(whole, Pack(MakeText()));
 }
 
 TEST(Gzip, RefusesWhatIsNotWhole) {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <deque>
 #include <string>
 #include <vector>
 
@@ -214,6 +215,18 @@ TEST(PipedTool, ReadsMoreThanOneChunkHolds) {
   const std::string text(100000, 'x');
   EXPECT_EQ(ReadThroughPipe(text, 30720).output, text);
   EXPECT_EQ(ReadThroughPipe(text, 30720).chunks[0].size(), 30719u);
+}
+
+TEST(PipedTool, KeepsManyChunksInFewPieces) {
+  std::deque<std::string> pieces;
+  std::string all;
+  for (int i = 0; i < 5000; ++i) {
+    const std::string chunk(500, static_cast<char>('a' + i % 26));
+    AppendPiece(pieces, all.size(), chunk);
+    all += chunk;
+  }
+  EXPECT_LT(pieces.size(), 20u);
+  EXPECT_EQ(JoinPieces(std::move(pieces), all.size()), all);
 }
 
 TEST(PipedTool, KeepsNulsAndBytesAbove127) {

@@ -29,7 +29,8 @@ constexpr Room kRooms[] = {
     {"pqmodules", "frame interfaces"},
     {"text", ""},
     {"files", "text"},
-    {"repository", "interfaces"},
+    // Of text only how small texts share a block of memory.
+    {"repository", "interfaces text"},
     {"logger", "interfaces"},
     {"catalogue", "frame pqmodules text"},
     // Of text only ASCII letters and shared bytes.

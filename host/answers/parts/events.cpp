@@ -3,7 +3,6 @@
 #include <bit>
 #include <functional>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "host/answers/parts/part_tables.h"
@@ -18,20 +17,19 @@ const std::vector<PartColumn>& GetEventColumns() {
   return kColumns;
 }
 
-/// Which ids there are, each by one row that has it. A set of texts would take as much memory as
-/// the entries themselves.
+/// Which ids there are, each by the row that had it first. A set of texts would take as much memory
+/// as the entries themselves.
 class RowsById {
  public:
   explicit RowsById(const Events& events)
       : events(events), slots(std::bit_ceil(2 * events.size() + 1), kNone) {}
 
   bool Has(std::string_view id) const { return slots[FindSlot(id)] != kNone; }
-  /// False when there is one with the row's id.
-  bool Add(std::size_t row) {
+  /// The first row with the row's id, which can be itself.
+  std::size_t Add(std::size_t row) {
     std::uint32_t& slot = slots[FindSlot(events.GetText(row, EventColumn::kId))];
-    if (slot != kNone) return false;
-    slot = static_cast<std::uint32_t>(row);
-    return true;
+    if (slot == kNone) slot = static_cast<std::uint32_t>(row);
+    return slot;
   }
 
  private:
@@ -81,13 +79,14 @@ void Events::push_back(const Event& event) {
 
 void Events::MakeIdsUnique() {
   RowsById known(*this);
-  std::unordered_map<std::string, int> count;
+  std::vector<std::uint32_t> count;  // of the ids, each at the row that had it first
   for (std::size_t row = 0; row < size(); ++row) {
-    if (known.Add(row)) continue;
+    const std::size_t first = known.Add(row);
+    if (first == row) continue;
+    if (count.empty()) count.resize(size(), 1);
     const std::string id(GetText(row, EventColumn::kId));
-    int& number = count.try_emplace(id, 1).first->second;
     std::string other;
-    do other = id + " #" + std::to_string(++number);
+    do other = id + " #" + std::to_string(++count[first]);
     while (known.Has(other));
     SetId(row, other);
     known.Add(row);

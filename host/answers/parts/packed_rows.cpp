@@ -1,6 +1,5 @@
 #include "host/answers/parts/packed_rows.h"
 
-#include <algorithm>
 #include <cstring>
 
 namespace host {
@@ -18,8 +17,6 @@ constexpr std::uint64_t kWideInteger = 0;
 constexpr std::uint64_t kReal = 1;
 
 constexpr std::size_t kMostWords = 1024;
-constexpr std::size_t kLeastChunk = std::size_t{1} << 10;
-constexpr std::size_t kMostChunk = std::size_t{1} << 16;
 
 constexpr unsigned kDigitBits = 7;
 constexpr std::uint64_t kMoreDigits = 1U << kDigitBits;
@@ -147,18 +144,8 @@ PartValue PackedRows::Get(std::size_t number, std::size_t column) const {
 }
 
 const char* PackedRows::Keep(std::string_view bytes) {
-  if (room.left < bytes.size()) {
-    // As large as all before, so that a machine with few rows takes little.
-    const std::size_t size =
-        std::max(bytes.size(), std::clamp(chunkBytes, kLeastChunk, kMostChunk));
-    room.at = chunks.emplace_back(std::make_shared_for_overwrite<char[]>(size)).get();
-    room.left = size;
-    chunkBytes += size;
-  }
-  char* const kept = room.at;
+  char* const kept = texts.Take(bytes.size());
   std::memcpy(kept, bytes.data(), bytes.size());
-  room.at += bytes.size();
-  room.left -= bytes.size();
   return kept;
 }
 

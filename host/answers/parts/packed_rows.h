@@ -6,14 +6,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
-#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <utility>
 #include <variant>
 #include <vector>
+
+#include "host/text/byte_chunks.h"
 
 namespace host {
 
@@ -54,21 +54,6 @@ class PackedRows {
     std::size_t found = 0;  ///< how often one was there already
     bool isInUse = true;    ///< false: hardly any comes again
   };
-  /// Where the next row goes. A copy shares the rows, not the room behind them.
-  struct Room {
-    Room() = default;
-    Room(const Room& /*other*/) {}
-    Room(Room&& other) noexcept
-        : at(std::exchange(other.at, nullptr)), left(std::exchange(other.left, 0)) {}
-    Room& operator=(Room other) noexcept {
-      std::swap(at, other.at);
-      std::swap(left, other.left);
-      return *this;
-    }
-    char* at = nullptr;
-    std::size_t left = 0;
-  };
-
   const char* Keep(std::string_view bytes);
   PartValue Read(const char*& at, std::size_t column) const;
   /// Of a text that is not kept as a word yet, where it will be.
@@ -81,9 +66,7 @@ class PackedRows {
   void KeepWords(const char* packed);
 
   std::deque<Row> rows;
-  std::vector<std::shared_ptr<char[]>> chunks;
-  std::size_t chunkBytes = 0;
-  Room room;
+  ByteChunks texts;
   std::vector<Words> words;       ///< of each column
   std::string row;                ///< the one that is being added
   std::vector<NewWord> newWords;  ///< in it

@@ -83,6 +83,8 @@ void CollectionOutput::Write(Collection& collection) {
     screen.identifiesRows = result.identifiesRows;
     if (changes) {
       WriteReport(collection, &*changes, screen, out);
+    } else if (format.writeLast != nullptr && collection.machineIsKnown) {
+      format.writeLast(collection, screen, out);
     } else {
       format.write(collection, screen, out);
     }

@@ -164,8 +164,7 @@ std::vector<JudgedMachine> JudgeRecordings(const std::vector<std::filesystem::pa
       }
       Identify(judged.collection, machine);
       if (database != nullptr) {
-        AddCollection(*database, CollectionView(judged.collection), judged.assessment,
-                      machine.machine);
+        AddCollection(*database, judged.collection, judged.assessment, machine.machine);
       }
       machine.health = std::move(judged.assessment.health);
     } catch (const HealthFileError&) {
@@ -220,13 +219,13 @@ int JudgeOne(const HealthCommandOptions& given, const HealthOptions& options,
              const Console& console) {
   std::optional<ResultOutput> output;
   HealthJudge judge(options);
-  const Judged judged = JudgeOrTellWhyNot(given, judge, console, output);
+  Judged judged = JudgeOrTellWhyNot(given, judge, console, output);
   for (const std::string& doubt : judged.collection.doubts) Complain(console, doubt);
   const Health& health = judged.assessment.health;
   output->Write([&](const Screen& screen, std::ostream& out) {
     if (given.format == kDatabaseFormat) {
       WriteDatabase(out, [&](Database& database) {
-        FillDatabase(database, CollectionView(judged.collection), judged.assessment);
+        FillDatabase(database, judged.collection, judged.assessment);
       });
     } else if (given.format == "json") {
       WriteHealthJson(health, out);
