@@ -17,7 +17,11 @@ std::string_view TokenScan::Next() {
 }
 
 std::vector<std::string_view> SplitTokens(std::string_view text, std::string_view delimiters) {
+  // Counted first: of a long listing a vector that grows takes several times the text.
+  std::size_t count = 0;
+  for (TokenScan scan(text, delimiters); !scan.Next().empty();) ++count;
   std::vector<std::string_view> tokens;
+  tokens.reserve(count);
   TokenScan scan(text, delimiters);
   for (std::string_view token = scan.Next(); !token.empty(); token = scan.Next()) {
     tokens.push_back(token);

@@ -136,7 +136,7 @@ bool SensorReader::TakeReading(std::string_view line, const Place& at) {
     sensor.status = cells[kBareStatus];
     SetReading(sensor, cells[1], cells[2]);
     SetThresholds(sensor, cells);
-    unnumbered[sensor.name].push_back(parts.sensors.size() - 1);
+    Remember(sensor);
     return true;
   }
   Sensor& sensor = Add(std::string(cells[kName]), at);
@@ -151,11 +151,7 @@ bool SensorReader::TakeReading(std::string_view line, const Place& at) {
     SetPrintedStates(sensor, cells[kStatus]);
   }
   latestTime = std::max(latestTime, ReadTime(cells.back()));
-  if (sensor.number) {
-    numbered.emplace(std::pair(sensor.name, *sensor.number), parts.sensors.size() - 1);
-  } else {
-    unnumbered[sensor.name].push_back(parts.sensors.size() - 1);
-  }
+  Remember(sensor);
   return true;
 }
 
@@ -218,6 +214,16 @@ Sensor& SensorReader::Add(std::string name, const Place& at) {
   return sensor;
 }
 
+void SensorReader::Remember(const Sensor& sensor) {
+  const std::size_t place = parts.sensors.size() - 1;
+  if (&sensor != &parts.sensors[place]) return;  // it was left out
+  if (sensor.number) {
+    numbered.emplace(std::pair(sensor.name, *sensor.number), place);
+  } else {
+    unnumbered[sensor.name].push_back(place);
+  }
+}
+
 Sensor& SensorReader::FindOrAdd(const std::string& name, std::int64_t number, const Place& at) {
   const auto known = numbered.find({name, number});
   if (known != numbered.end()) return parts.sensors[known->second];
@@ -229,7 +235,8 @@ Sensor& SensorReader::FindOrAdd(const std::string& name, std::int64_t number, co
     return parts.sensors[place];
   }
   Sensor& added = Add(name, at);
-  numbered.emplace(std::pair(name, number), parts.sensors.size() - 1);
+  added.number = number;
+  Remember(added);
   return added;
 }
 

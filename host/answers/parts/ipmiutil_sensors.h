@@ -34,6 +34,8 @@ class SensorReader {
 
  private:
   Sensor& Add(std::string name, const Place& at);
+  /// That later lines may tell more of it.
+  void Remember(const Sensor& sensor);
   Sensor& FindOrAdd(const std::string& name, std::int64_t number, const Place& at);
 
   Parts& parts;

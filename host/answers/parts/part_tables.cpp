@@ -87,6 +87,7 @@ void Reach(PartTable& made) {
     made.at = [](const Parts& parts, std::size_t row) -> std::shared_ptr<const Part> {
       return std::make_shared<const Event>((parts.*table)[row]);
     };
+    made.countLeft = [](const Parts&) { return std::size_t{0}; };
     made.get = [](const Parts& parts, std::size_t row, std::size_t column) {
       return (parts.*table).Get(row, static_cast<EventColumn>(column));
     };
@@ -100,6 +101,7 @@ void Reach(PartTable& made) {
     made.at = [](const Parts& parts, std::size_t row) {
       return std::shared_ptr<const Part>(std::shared_ptr<const Part>(), &(parts.*table)[row]);
     };
+    made.countLeft = [](const Parts& parts) { return (parts.*table).CountLeft(); };
     made.get = nullptr;
     made.change = [](Parts& parts, std::size_t row) -> Part* { return &(parts.*table)[row]; };
     made.add = [](Parts& parts, const std::function<void(Part&)>& fill) {

@@ -35,6 +35,8 @@ struct PartTable {
   std::string_view description;
   std::vector<PartColumn> columns;  ///< "id" first, the place last
   std::size_t (*count)(const Parts& parts);
+  /// Parts that were left out since they were too many.
+  std::size_t (*countLeft)(const Parts& parts);
   /// Rows count from 0. The table's own part, or one that was unpacked for the caller.
   std::shared_ptr<const Part> (*at)(const Parts& parts, std::size_t row);
   /// A value of a table that is packed; null otherwise: see Get().

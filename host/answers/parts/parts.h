@@ -332,21 +332,47 @@ struct Unread : Part {
   std::string text;
 };
 
+/// No machine has so many of anything. What a stranger's report lists beyond must not fill the
+/// memory: a line of it can make a part of a hundred times its size.
+inline constexpr std::size_t kMostParts = 20'000;
+
+/// The first kMostParts of a kind, and how many more there were.
+template <typename T>
+class PartList : public std::vector<T> {
+ public:
+  using std::vector<T>::vector;
+
+  /// Valid until the next part. Beyond the limit it is none of the list.
+  T& emplace_back() {
+    if (this->size() < kMostParts) return std::vector<T>::emplace_back();
+    ++left;
+    return leftOut = T();
+  }
+  void push_back(T part) { emplace_back() = std::move(part); }
+
+  /// Parts that were left out.
+  std::size_t CountLeft() const { return left; }
+
+ private:
+  T leftOut;
+  std::size_t left = 0;
+};
+
 struct Parts {
-  std::vector<Controller> controllers;
-  std::vector<Drive> drives;
-  std::vector<Volume> volumes;
-  std::vector<Group> groups;
-  std::vector<MissingDrive> missingDrives;
-  std::vector<CacheBackup> cacheBackups;
-  std::vector<Enclosure> enclosures;
-  std::vector<Sensor> sensors;
+  PartList<Controller> controllers;
+  PartList<Drive> drives;
+  PartList<Volume> volumes;
+  PartList<Group> groups;
+  PartList<MissingDrive> missingDrives;
+  PartList<CacheBackup> cacheBackups;
+  PartList<Enclosure> enclosures;
+  PartList<Sensor> sensors;
   Events events;
-  std::vector<PowerSupply> powerSupplies;
-  std::vector<Led> leds;
-  std::vector<SelfTest> selfTests;
-  std::vector<PartSource> sources;
-  std::vector<Unread> unread;
+  PartList<PowerSupply> powerSupplies;
+  PartList<Led> leds;
+  PartList<SelfTest> selfTests;
+  PartList<PartSource> sources;
+  PartList<Unread> unread;
 };
 
 }  // namespace host

@@ -1,9 +1,12 @@
 #include "host/answers/parts/read_parts.h"
 
+#include <fmt/format.h>
+
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
+#include <vector>
 
 #include "host/answers/parts/amt.h"
 #include "host/answers/parts/bmc.h"
@@ -12,6 +15,7 @@
 #include "host/answers/parts/intel.h"
 #include "host/answers/parts/lsi.h"
 #include "host/answers/parts/microchip.h"
+#include "host/answers/parts/part_names.h"
 #include "host/answers/parts/part_tables.h"
 
 namespace host {
@@ -74,6 +78,20 @@ void DoubtOldFiles(const CollectedRows& rows, Parts& parts) {
   }
 }
 
+/// Parts that were left out have not been looked at, which is told before all that is unread.
+void TellWhatIsLeft(Parts& parts) {
+  std::vector<Unread> told;
+  for (const PartTable& table : GetPartTables()) {
+    const std::size_t left = table.countLeft(parts);
+    if (left == 0) continue;
+    const std::string name = table.name == "unread" ? "unread lines" : NameParts(table.name, 2);
+    Unread& unread = told.emplace_back();
+    unread.text =
+        fmt::format("{} more {} were left out: a table has {} at most", left, name, kMostParts);
+  }
+  parts.unread.insert(parts.unread.begin(), told.begin(), told.end());
+}
+
 void NumberUnread(Parts& parts) {
   for (std::size_t i = 0; i < parts.unread.size(); ++i) {
     parts.unread[i].id = std::to_string(i + 1);
@@ -87,6 +105,7 @@ Parts ReadFromReports(const Collection& collection) {
   DoubtOldFiles(rows, parts);
   FindConditions(parts);
   MakeIdsUnique(parts);
+  TellWhatIsLeft(parts);
   NumberUnread(parts);
   return parts;
 }

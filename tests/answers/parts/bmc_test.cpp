@@ -49,6 +49,27 @@ TEST(BmcParts, HaveSensorsWhereTheTableShowsThem) {
   EXPECT_EQ(parts.sensors[1].readAt, (Place{"SENSORINFO", 2, "item4", 0, "ipmiutil sensor -s -q"}));
 }
 
+TEST(BmcParts, AreNotMoreThanAnyMachineHas) {
+  std::string readings;
+  for (std::size_t i = 0; i < host::kMostParts + 2; ++i) {
+    readings += "T" + std::to_string(i) + " | 41 | C | ok | na | na | na | 85 | 92 | 100\r\n";
+  }
+  const Parts parts = ReadWith("sensor -s -q", readings);
+  EXPECT_EQ(parts.sensors.size(), host::kMostParts);
+  EXPECT_EQ(parts.sensors.back().name, "T19999");
+  ASSERT_EQ(parts.unread.size(), 1U);
+  EXPECT_EQ(parts.unread[0].text, "2 more sensors were left out: a table has 20000 at most");
+}
+
+TEST(BmcParts, KeepTheFirstOfTooManyUnreadLines) {
+  std::string lines = "P0 Temp | 41 | C | cr | na | na | na | 85 | 92 | 100\r\n";
+  for (std::size_t i = 0; i < host::kMostParts + 5; ++i) lines += "A | B\r\n";
+  const Parts parts = ReadWith("sensor -s -q", lines);
+  EXPECT_EQ(parts.sensors.size(), 1U);
+  ASSERT_EQ(parts.unread.size(), host::kMostParts + 1);
+  EXPECT_EQ(parts.unread[0].text, "5 more unread lines were left out: a table has 20000 at most");
+}
+
 TEST(BmcParts, FindCellsThatTheTableDealtToOtherRows) {
   // Nine cells a sensor, ten columns: the second status is the fourth cell of the second row.
   const std::string begin = " | Full | Temperature | 0";
