@@ -24,7 +24,8 @@ class MappedText {
 
  private:
   std::string_view view;
-  void* file = nullptr;  ///< its handle, on Windows: it is removed when that is closed
+  /// Its handle, on Windows: it is removed when that is closed.
+  [[maybe_unused]] void* file = nullptr;
 };
 
 }  // namespace host
