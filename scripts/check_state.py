@@ -19,6 +19,7 @@ CATALOGUE = "the error catalogue is one for the process; it is complete before m
 IMPORTS = "replaced imports are the process's: a function in the table cannot tell for whom it is there"
 TERMINATION = "read by what std::terminate() calls, which can be given no object"
 CONSOLE = "the process has one console"
+MEMORY = "the process has one memory; the store counts what is in it, and shows no text to others"
 
 AGREED = {
     "pq::(anonymous namespace)::machineInUse": BINDING,
@@ -38,6 +39,7 @@ AGREED = {
     "pq::CategoryErrors()::errors": CATALOGUE,
     "host::(anonymous namespace)::GetWatch()::watch": IMPORTS,
     "host::PrepareTerminal()::codePageBefore": CONSOLE,
+    "host::GetTextStore()::store": MEMORY,
 }
 # The Windows library's machine has no members.
 AGREED["pq::Machine()::machine"] = "has no members"
