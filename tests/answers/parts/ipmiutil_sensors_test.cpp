@@ -196,6 +196,18 @@ TEST(SensorRecords, KeepSensorsOfOneNameApart) {
   EXPECT_EQ(parts.sensors[2].reading, Real(1));
 }
 
+TEST(SensorRecords, OfASensorThatWasLeftOutAreNotTheLastOnes) {
+  std::vector<std::string> readings;
+  for (std::size_t i = 0; i < host::kMostParts; ++i) {
+    readings.push_back("T" + std::to_string(i) + " | 41 | C | ok | na | na | na | 85 | 92 | 100");
+  }
+  const std::string record = "0021 SDR Comp 02 6f 20 a 08 snum 43 PS2 Status = 0009 AC_Lost";
+  const Parts parts = ReadSensors(readings, {record, record});
+  ASSERT_EQ(parts.sensors.size(), host::kMostParts);
+  EXPECT_EQ(parts.sensors.CountLeft(), 2U);
+  EXPECT_EQ(parts.sensors.back().states, Integer());
+}
+
 TEST(SensorRecords, HaveDiscreteStatesOfTwoDigitsToo) {
   const Parts parts = ReadSensors({}, {"0001 SDR Full 01 6f 20 a 07 snum 40 CPU = 80 ProcPresent"});
   EXPECT_EQ(parts.sensors.at(0).states, Integer(0x80));
