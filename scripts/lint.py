@@ -1,8 +1,8 @@
 """Runs clang-tidy on what changed since it was last clean.
 
 Nearly all of its time goes into the libraries' headers, so it is shown what is declared outside of
-them, and gets files of one folder as one, as the compiler does. Where that does not hold, for a warning
-or because two of the files use one name, they are looked at in halves, down to single files.
+them, and gets as one what the compiler gets as one, or files of one folder. Where that does not hold,
+for a warning or because two of the files use one name, they are looked at in halves, down to single files.
 """
 
 import concurrent.futures
@@ -77,6 +77,8 @@ class Source:
         self.paths, settings = flags(entry["command"])
         self.folder = "tests" if self.path.is_relative_to(ROOT / "tests") else "."
         self.settings = (self.folder, settings)
+        compiled = pathlib.Path(entry["file"])
+        self.group = compiled if is_compiled_together(compiled) else self.path.parent
         self.stamp = STAMPS / fingerprint(known.get(self.path, [self.path]))
 
 
@@ -124,25 +126,24 @@ def look_at(batch):
     return look_at(batch[:middle]) + look_at(batch[middle:])
 
 
-def find_room(path):
-    """A folder with what it has for one system."""
-    return path.parent.parent if path.parent.name == "posix" else path.parent
-
-
 def batches(sources):
     alike = {}
     for source in sources:
         # A file that two programs compile is looked at once.
-        alike.setdefault((source.settings, find_room(source.path)), {})[source.path] = source
+        alike.setdefault((source.settings, source.group), {})[source.path] = source
     for group in alike.values():
         files = list(group.values())
         yield from (files[i:i + BATCH_SIZE] for i in range(0, len(files), BATCH_SIZE))
 
 
+def is_compiled_together(file):
+    return file.parent.name == "Unity"
+
+
 def list_compiled(entry):
     """The file that is compiled, or those that are compiled together in it."""
     path = pathlib.Path(entry["file"]).resolve()
-    if path.parent.name != "Unity":
+    if not is_compiled_together(path):
         return [path]
     return [pathlib.Path(name).resolve()
             for name in re.findall(r'^#include "(.+)"$', path.read_text(), re.MULTILINE)]

@@ -26,14 +26,15 @@ struct ControllerLine {
   Column column;
 };
 
-constexpr Column kName{"Name", "Name", "name of the controller"};
+constexpr Column kControllerName{"Name", "Name", "name of the controller"};
 constexpr std::string_view kNameLabel = "Name";
 
 constexpr ControllerLine kLines[] = {
-    {5, kName},  // The first three places are above the name or, without an ID, the name itself.
-    {5, kName},
-    {5, kName},
-    {5, kName},
+    {5, kControllerName},  // The first three places are above the name or, without an ID, the name
+                           // itself.
+    {5, kControllerName},
+    {5, kControllerName},
+    {5, kControllerName},
     {5, {"Type", "Type", "kind of drives that it serves, such as SATA"}},
     {15, {"SupportedRAID", "Supported RAID", "RAID levels that it can make"}},
     // Hosts know this column by its short key.
