@@ -32,7 +32,7 @@ RESULTS = ROOT / "tests/mutants/results.txt"
 RULES = "host/answers/health/rules.sql"
 SEED = 1
 SECONDS = 150  # of processor time, for the tests of one room
-SLOW = 0.25  # seconds that a test takes which comes after all others
+QUICK, SLOW = 0.03, 0.25  # seconds: of tests that come early and last
 
 # Tests that only run other programs, which have no mutant in them, and some that wait for a time to pass.
 NOT_HERE = ":".join(["*TakesTwice*", "*TakesAboutTwice*", "*Memory.*", "*Deadline*", "QueryGuard*",
@@ -265,7 +265,8 @@ def link_room(room, built, folder):
 def run_tests(program, which, folder, *more):
     """How these tests end; None when they pass."""
     temporary = folder / "tmp"
-    temporary.mkdir()
+    shutil.rmtree(temporary, ignore_errors=True)
+    temporary.mkdir(parents=True)
     try:
         tested = run([program, f"--gtest_filter={which}", "--gtest_fail_fast", *more],
                      ROOT, timeout=8 * SECONDS, env=os.environ | {"TMPDIR": str(temporary)})
@@ -284,31 +285,39 @@ def run_tests(program, which, folder, *more):
 def measure_room(room):
     """Keeps how long its tests take, if they pass without any mutant."""
     folder = WORK / room
-    shutil.rmtree(folder, ignore_errors=True)
-    folder.mkdir(parents=True)
-    program, times = link_room(room, [], folder), folder / "times.json"
-    how = run_tests(program, "-" + NOT_HERE, folder, f"--gtest_output=json:{times}")
-    program.unlink()
-    if how:
-        sys.exit(f"The tests of {room} fail without any mutant: {how}")
+    times = folder / "times.json"
+    if not times.exists() or times.stat().st_mtime < (BUILD / f"bin/pq_tests_{room}").stat().st_mtime:
+        times.unlink(missing_ok=True)
+        folder.mkdir(parents=True, exist_ok=True)
+        program = link_room(room, [], folder)
+        how = run_tests(program, "-" + NOT_HERE, folder, f"--gtest_output=json:{times}")
+        program.unlink()
+        if how:
+            times.unlink(missing_ok=True)
+            sys.exit(f"The tests of {room} fail without any mutant: {how}")
     tests_of[room] = {f"{suite['name']}.{test['name']}": float(test["time"].rstrip("s"))
                       for suite in json.loads(times.read_text())["testsuites"] for test in suite["testsuite"]
                       if test["result"] == "COMPLETED"}
 
 
 def order_tests(mutant, results):
-    """Rooms and some of their tests, in the order in which they are run."""
+    """Rooms and some of their tests, in the order in which they are run; slow ones of the nearest room."""
     part = mutant.file.split("/")[0]
-    noticed = {}
+    near, far = set(), set()
     for shown, (outcome, _, _) in results.items():
         if outcome.startswith("killed") and shown.startswith(part):
-            room, _, test = outcome.removeprefix("killed, ").partition(": ")
-            noticed.setdefault(room, set()).add(test.split(" ")[0])
-    for stage in ("noticed", "fast", "slow"):
-        for room in ROOMS[part]:
+            test = outcome.removeprefix("killed, ").split(" ends with")[0]
+            (near if shown.startswith(mutant.file) else far).add(test)
+
+    def rank(test, seconds):
+        if test in near and seconds < 4 * SLOW:
+            return 0
+        return 1 if seconds < QUICK else 2 if test in far else 3 if seconds < SLOW else 4
+
+    for stage in range(5):
+        for room in ROOMS[part][:1] if stage == 4 else ROOMS[part]:
             which = [test for test, seconds in tests_of[room].items()
-                     if stage == ("noticed" if test in noticed.get(room, ()) and seconds < 4 * SLOW
-                                  else "slow" if seconds > SLOW else "fast")]
+                     if rank(f"{room}: {test}", seconds) == stage]
             if which:
                 yield room, which
 
