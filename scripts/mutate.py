@@ -32,7 +32,8 @@ RESULTS = ROOT / "tests/mutants/results.txt"
 RULES = "host/answers/health/rules.sql"
 SEED = 1
 SECONDS = 150  # of processor time, for the tests of one room
-QUICK, SLOW = 0.03, 0.25  # seconds: of tests that come early and last
+# Seconds that a test takes which comes early, which comes last, and which does not come at all.
+QUICK, SLOW, TOO_SLOW = 0.03, 0.25, 2.5
 
 # Tests that only run other programs, which have no mutant in them, and some that wait for a time to pass.
 NOT_HERE = ":".join(["*TakesTwice*", "*TakesAboutTwice*", "*Memory.*", "*Deadline*", "QueryGuard*",
@@ -312,7 +313,9 @@ def order_tests(mutant, results):
     def rank(test, seconds):
         if test in near and seconds < 4 * SLOW:
             return 0
-        return 1 if seconds < QUICK else 2 if test in far else 3 if seconds < SLOW else 4
+        if seconds >= SLOW:
+            return 4 if seconds < TOO_SLOW else None
+        return 1 if seconds < QUICK else 2 if test in far else 3
 
     for stage in range(5):
         for room in ROOMS[part][:1] if stage == 4 else ROOMS[part]:
