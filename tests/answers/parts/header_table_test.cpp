@@ -88,6 +88,14 @@ TEST(TableHeads, CutNoLongWordWhereTheNextHeadBegins) {
   EXPECT_EQ(cells["Slots"], "24");
 }
 
+TEST(TableHeads, GiveAWordThatBeginsBetweenTwoOfThemToTheOneItReaches) {
+  const TableHeads heads("EID  State Slots");
+  const auto cells = heads.CutBelowHeads("52  Okay  1024");
+  EXPECT_EQ(cells["EID"], "52");
+  EXPECT_EQ(cells["State"], "Okay");
+  EXPECT_EQ(cells["Slots"], "1024");
+}
+
 // Otherwise a report of some megabytes keeps a collection busy for hours.
 TEST(TableHeads, AreNotAsManyAsALongLineHasWords) {
   std::string line;
