@@ -5,6 +5,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "host/answers/health/built_in_rules.h"
 #include "host/answers/parts/report_lines.h"
@@ -852,6 +853,21 @@ TEST(HealthRules, JudgeASensorsLostRedundancyUnderItsFailingSupply) {
   ASSERT_EQ(health.findings.size(), 1U);
   EXPECT_EQ(health.findings[0].key, "sensor.state PS2 Status");
   EXPECT_EQ(health.findings[0].hits[0].area, "power");
+}
+
+TEST(HealthRules, JudgeAGroupByItsOwnDrives) {
+  const auto judge = [](const char* group, const char* state) {
+    Parts parts;
+    AddGroup(parts, "lsi0 g0", "Dgrd");
+    AddVolume(parts, "lsi0 v0", "Optl");
+    AddMember(parts, "lsi0 69:1", state);
+    parts.drives.back().group = group;
+    return GetHit(Judge(parts), "group.degraded");
+  };
+  EXPECT_EQ(judge("lsi0 g0", "Rbld").severity, kWarning);
+  EXPECT_EQ(judge("lsi0 g1", "Rbld").severity, kCritical);
+  EXPECT_EQ(judge("lsi0 g0", "Offln").because, std::vector<std::string>{"lsi0 69:1"});
+  EXPECT_TRUE(judge("lsi0 g1", "Offln").because.empty());
 }
 
 }  // namespace
