@@ -44,6 +44,35 @@ void AddMember(Parts& parts, const std::string& id, const std::string& state) {
   drive.member = 1;
 }
 
+void AddHotDrive(Parts& parts, const char* media, int temperature) {
+  host::Drive& drive = AddDrive(parts, "lsi0 69:9", "Onln");
+  drive.media = media;
+  drive.temperature = temperature;
+}
+void AddHotDisk(Parts& parts, int temperature) { AddHotDrive(parts, "HDD", temperature); }
+void AddHotSsd(Parts& parts, int temperature) { AddHotDrive(parts, "SATA SSD", temperature); }
+void AddDriveWithLimit(Parts& parts, int temperature) {
+  AddHotDisk(parts, temperature);
+  parts.drives.back().temperatureLimit = 50;
+}
+void AddWornDrive(Parts& parts, int wearLeft) {
+  AddDrive(parts, "mchp1 0,0", "Online").wearLeft = wearLeft;
+}
+void AddHotController(Parts& parts, int temperature) {
+  AddController(parts).temperature = temperature;
+}
+void AddHotBattery(Parts& parts, int temperature) {
+  AddCacheBackup(parts, "BBU", "Optimal").temperature = temperature;
+}
+void AddHotCapacitor(Parts& parts, int temperature) {
+  AddCacheBackup(parts, "CacheVault", "Optimal").temperature = temperature;
+}
+void AddFilledLog(Parts& parts, int records) {
+  host::PartSource& source = AddSource(parts, "sel", "read");
+  source.records = records;
+  source.capacity = 50;
+}
+
 const RuleCase kCases[] = {
     {"drive.failed", "lsi0 69:9", kCritical, [](Parts& p) { AddDrive(p, "lsi0 69:9", "Offln"); },
      [](Parts& p) { AddDrive(p, "lsi0 69:9", "Onln"); }},
@@ -404,6 +433,17 @@ TEST(HealthRules, TellNoNumberThatIsNotKnown) {
   EXPECT_EQ(GetHit(health, "lsi.event-class").observed, "1 x event 4095, last 2026-11-18T06:00:00");
 }
 
+TEST(HealthRules, TellHowHotAPartIs) {
+  Parts parts;
+  AddHotController(parts, 96);
+  AddHotDisk(parts, 57);
+  const host::Health health = Judge(parts);
+  EXPECT_EQ(GetHit(health, "controller.hot").text, "Cool controller lsi0: 96.0 °C");
+  EXPECT_EQ(GetHit(health, "controller.hot").observed, "96.0 C");
+  EXPECT_EQ(GetHit(health, "drive.hot").text,
+            "Cool drive 69:9: 57.0 °C, from 55 on it is too warm");
+}
+
 TEST(HealthRules, AreSilentOtherwise) {
   for (const RuleCase& one : kCases) {
     Parts parts;
@@ -421,35 +461,6 @@ struct RuleLimit {
   int from;
   Severity said;
 };
-
-void AddHotDrive(Parts& parts, const char* media, int temperature) {
-  host::Drive& drive = AddDrive(parts, "lsi0 69:9", "Onln");
-  drive.media = media;
-  drive.temperature = temperature;
-}
-void AddHotDisk(Parts& parts, int temperature) { AddHotDrive(parts, "HDD", temperature); }
-void AddHotSsd(Parts& parts, int temperature) { AddHotDrive(parts, "SATA SSD", temperature); }
-void AddDriveWithLimit(Parts& parts, int temperature) {
-  AddHotDisk(parts, temperature);
-  parts.drives.back().temperatureLimit = 50;
-}
-void AddWornDrive(Parts& parts, int wearLeft) {
-  AddDrive(parts, "mchp1 0,0", "Online").wearLeft = wearLeft;
-}
-void AddHotController(Parts& parts, int temperature) {
-  AddController(parts).temperature = temperature;
-}
-void AddHotBattery(Parts& parts, int temperature) {
-  AddCacheBackup(parts, "BBU", "Optimal").temperature = temperature;
-}
-void AddHotCapacitor(Parts& parts, int temperature) {
-  AddCacheBackup(parts, "CacheVault", "Optimal").temperature = temperature;
-}
-void AddFilledLog(Parts& parts, int records) {
-  host::PartSource& source = AddSource(parts, "sel", "read");
-  source.records = records;
-  source.capacity = 50;
-}
 
 constexpr RuleLimit kLimits[] = {
     {"drive.media-errors", [](Parts& p, int n) { AddDrive(p, "lsi0 69:9", "Onln").mediaErrors = n; },
