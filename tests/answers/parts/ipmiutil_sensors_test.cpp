@@ -232,6 +232,14 @@ TEST(SensorRecords, GiveNoStatesToASensorOfEventsOnly) {
   EXPECT_EQ(parts.sensors[0].states, Integer());
 }
 
+TEST(SensorRecords, MayHaveARawReadingAlone) {
+  const Parts parts = ReadSensors({}, {"0021 SDR Full 01 01 20 m 04 snum 31 Fan 1  = 3c"});
+  ASSERT_EQ(parts.sensors.size(), 1U);
+  EXPECT_EQ(parts.sensors[0].number, Integer(0x31));
+  EXPECT_EQ(parts.sensors[0].status, "");
+  EXPECT_EQ(parts.sensors[0].reading, Real());
+}
+
 TEST(SensorRecords, AreUnreadWhenTheyAreCutOff) {
   const Parts parts = ReadSensors(
       {}, {"0037 SDR FRU  11 14 dev: 20 01 80 00 0a 01 PSU 1 FRU",
