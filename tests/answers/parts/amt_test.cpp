@@ -88,6 +88,13 @@ TEST(AmtSource, FailsWithTextThatIsNoLog) {
   EXPECT_THAT(parts.events, IsEmpty());
 }
 
+TEST(AmtSource, FailsWithTheTool) {
+  host::Recording machine = MakeMachine("");
+  EXPECT_EQ(FindAmtSource(ReadAmt(machine)), "failed: amt_log.exe printed nothing");
+  machine.commands.back().exitCode = 5;
+  EXPECT_EQ(FindAmtSource(ReadAmt(machine)), "failed: amt_log.exe ended with code 5");
+}
+
 TEST(AmtSource, IsNoneWithoutALogin) {
   host::Recording machine = MakeMachine("");
   machine.console = "\n";
