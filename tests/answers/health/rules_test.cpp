@@ -463,10 +463,18 @@ struct RuleLimit {
 };
 
 constexpr RuleLimit kLimits[] = {
-    {"drive.media-errors", [](Parts& p, int n) { AddDrive(p, "lsi0 69:9", "Onln").mediaErrors = n; },
-     0, {}, 1, kWarning},
-    {"drive.other-errors", [](Parts& p, int n) { AddDrive(p, "lsi0 69:9", "Onln").otherErrors = n; },
-     0, {}, 1, kNotice},
+    {"drive.media-errors",
+     [](Parts& p, int n) { AddDrive(p, "lsi0 69:9", "Onln").mediaErrors = n; },
+     0,
+     {},
+     1,
+     kWarning},
+    {"drive.other-errors",
+     [](Parts& p, int n) { AddDrive(p, "lsi0 69:9", "Onln").otherErrors = n; },
+     0,
+     {},
+     1,
+     kNotice},
     {"drive.hot", AddHotDisk, 54, {}, 55, kWarning},
     {"drive.hot", AddHotDisk, 59, kWarning, 60, kCritical},
     {"drive.hot", AddHotDisk, 125, {}, 124, kCritical},  // no temperature but a sensor's fault

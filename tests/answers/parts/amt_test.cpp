@@ -56,11 +56,11 @@ TEST(AmtParts, AreEntriesWithDeviceAndText) {
 }
 
 TEST(AmtParts, AreEntriesOfOneWordToo) {
-  const Parts parts = ReadAmt(
-      MakeMachine("AMT event log of 192.0.2.1, 2 records\n\n"
-                  "  1  2022-03-07 06:58:11  Critical  Overheated\n"
-                  "  2  2022-03-07 06:58:12  Critical\n"
-                  "\nEnd of log.\n"));
+  const Parts parts =
+      ReadAmt(MakeMachine("AMT event log of 192.0.2.1, 2 records\n\n"
+                          "  1  2022-03-07 06:58:11  Critical  Overheated\n"
+                          "  2  2022-03-07 06:58:12  Critical\n"
+                          "\nEnd of log.\n"));
   ASSERT_EQ(parts.events.size(), 1U);
   EXPECT_EQ(parts.events[0].kind, "");
   EXPECT_EQ(parts.events[0].text, "Overheated");
