@@ -6,10 +6,10 @@
 
 The mutants are drawn from frame/, pqmodules/ and host/answers/ (their sources and the rules of health;
 frame/windows/ does not run here, and what headers hold is compiled into everything) with a fixed seed,
-as many of each kind: conditions, offsets, constants, order of calls. One is compiled as its source is, by
-itself or together with others, and linked in front of the native build, which stays as it is. What is
-drawn and what became of it is kept in tests/mutants/results.txt, one line each, where a survivor's
-reason is written by hand behind "--".
+as many of each kind: conditions, offsets, constants, order of calls. One is compiled by itself and linked
+in front of the native build, which stays as it is; so are the sources with which its own is compiled
+together there. Tests that have noticed other mutants come first. What is drawn and what became of it is
+kept in tests/mutants/results.txt, one line each, where a survivor's reason is written by hand behind "--".
 """
 import argparse
 import concurrent.futures
@@ -31,13 +31,15 @@ WORK = ROOT / "build/mutants"
 RESULTS = ROOT / "tests/mutants/results.txt"
 RULES = "host/answers/health/rules.sql"
 SEED = 1
-SECONDS = 150  # of processor time, for the tests of one room
-SLOW = 0.25  # seconds that a test takes which comes after all others
+SECONDS = 150  # of processor time, for whatever runs
+# Seconds that a test takes which comes early, which comes last, and which does not come at all.
+QUICK, SLOW, TOO_SLOW = 0.03, 0.25, 2.5
 
-# Tests of how time and memory grow run other programs, and some wait for a time to pass.
-NOT_HERE = ":".join(["*TakesTwice*", "*TakesAboutTwice*", "RepositoryMemory*", "*Deadline*", "QueryGuard*",
+# Tests that only run other programs, which have no mutant in them, and some that wait for a time to pass.
+NOT_HERE = ":".join(["*TakesTwice*", "*TakesAboutTwice*", "*Memory.*", "*Deadline*", "QueryGuard*",
                      "OverdueCollection*", "HealthTimeLimit*", "HostileDatabase*", "SeveralThreads*",
-                     "SourceLines*"])
+                     "SourceLines*", "LongRecording*", "TroubledSystem*", "RefusedAllocations*",
+                     "RepeatedCollections*", "*EndedWhileWriting*"])
 # Which rooms' tests look at a source, the nearest first.
 ROOMS = {
     "frame": ["frame", "pqmodules", "catalogue", "collect", "answers", "formats"],
@@ -171,17 +173,18 @@ def draw_mutants():
 
 
 commands = {}  # of the compiler, by source; of the linker, by program
-compiled_with = {}  # by source: the file through which it is compiled together with others
-slow_tests = {}  # by room
+compiled_with = {}  # by source: those with which it is compiled together, itself among them
+tests_of = {}  # by room: seconds that each takes
 
 
 def read_commands():
     for entry in json.loads((BUILD / "compile_commands.json").read_text()):
         commands[entry["file"]] = entry["command"]
         if "/Unity/" in entry["file"]:
-            for source in INCLUDE.findall(pathlib.Path(entry["file"]).read_text()):
+            together = INCLUDE.findall(pathlib.Path(entry["file"]).read_text())
+            for source in together:
                 commands[source] = entry["command"]
-                compiled_with[source] = entry["file"]
+                compiled_with[source] = together
     for room in {room for rooms in ROOMS.values() for room in rooms}:
         listed = subprocess.run(["ninja", "-t", "commands", f"bin/pq_tests_{room}"], cwd=BUILD,
                                 capture_output=True, text=True, check=True).stdout
@@ -189,15 +192,25 @@ def read_commands():
         commands[room] = link.removeprefix(": && ").removesuffix(" && :")
 
 
-def limit_resources():
-    resource.setrlimit(resource.RLIMIT_CPU, (SECONDS, SECONDS + 5))
+def limit_resources(seconds):
+    resource.setrlimit(resource.RLIMIT_CPU, (seconds, seconds + 5))
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
     os.nice(10)  # whoever works here goes first
 
 
-def run(arguments, folder, **more):
+def run(arguments, folder, seconds=SECONDS, **more):
     return subprocess.run(arguments, cwd=folder, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                          text=True, errors="replace", preexec_fn=limit_resources, **more)
+                          text=True, errors="replace", preexec_fn=lambda: limit_resources(seconds), **more)
+
+
+def compile_source(source, original, result, flags="-O0", launcher=()):
+    """Whether it could be, as the original is but for optimisation."""
+    words = shlex.split(commands[str(original)])
+    words[words.index("-o") + 1] = str(result)
+    words[-1] = str(source)
+    drop = {"-O2", "-Werror", "-DNDEBUG", "-D_FORTIFY_SOURCE=3"}
+    words = [*launcher, *(word for word in words if word not in drop), "-w", flags]
+    return run(words, BUILD).returncode == 0
 
 
 def compile_mutant(mutant, folder, flags="-O0"):
@@ -209,17 +222,20 @@ def compile_mutant(mutant, folder, flags="-O0"):
         source = folder / "built_in_rules.cpp"
         run(["cmake", f"-DOUTPUT={source}", "-DHEADER=host/answers/health/built_in_rules.h",
              f"-DFILES=kBuiltInRules={rules}", "-P", ROOT / "cmake/EmbedText.cmake"], folder)
-    words = shlex.split(commands[str(original)])
-    if together := compiled_with.get(str(original)):
-        text = pathlib.Path(together).read_text().replace(f'"{original}"', f'"{source}"')
-        source = folder / "together.cpp"
-        source.write_text(text)
     result = folder / "mutant.o"
-    words[words.index("-o") + 1] = str(result)
-    words[-1] = str(source)
-    drop = {"-O2", "-Werror", "-DNDEBUG", "-D_FORTIFY_SOURCE=3"}
-    words = [word for word in words if word not in drop] + ["-w", flags]
-    return result if run(words, BUILD).returncode == 0 else None
+    return result if compile_source(source, original, result, flags) else None
+
+
+def compile_neighbours(mutant, folder):
+    """The objects of what is compiled together with the mutant's source, which must not be called there."""
+    original = str(ROOT / mutant.file)
+    built = []
+    for source in compiled_with.get(original, []):
+        if source != original:
+            built.append(folder / f"{pathlib.Path(source).stem}.neighbour.o")
+            if not compile_source(source, source, built[-1], launcher=["ccache"]):
+                sys.exit(f"{source} cannot be compiled by itself")
+    return built
 
 
 def is_equal_when_optimised(mutant, folder):
@@ -234,73 +250,103 @@ def is_equal_when_optimised(mutant, folder):
 
 
 def link_room(room, built, folder):
-    """A room's tests with the object in front of what they are made of."""
+    """A room's tests with these objects in front of what they are made of."""
     # Programs that tests start are beside them.
     program = BUILD / "bin" / f"mutant_{folder.name}_{room}"
     words = shlex.split(commands[room].replace("\\$", "$"))
     words[words.index("-o") + 1] = str(program)
     # What is linked first is what is called.
-    words[1:1] = ["-fuse-ld=lld", "-Wl,--strip-debug"] + ([str(built)] if built else [])
+    words[1:1] = ["-fuse-ld=lld", "-Wl,--strip-debug", *map(str, built)]
     linked = run(words, BUILD)
     if linked.returncode != 0:
         sys.exit(linked.stdout)
     return program
 
 
-def run_tests(program, which, folder, *more):
+def run_tests(program, which, folder, *more, seconds=SECONDS):
     """How these tests end; None when they pass."""
     temporary = folder / "tmp"
-    temporary.mkdir()
+    shutil.rmtree(temporary, ignore_errors=True)
+    temporary.mkdir(parents=True)
     try:
-        tested = run([program, f"--gtest_filter={which}", "--gtest_fail_fast", "--gtest_brief=1", *more],
-                     ROOT, timeout=8 * SECONDS, env=os.environ | {"TMPDIR": str(temporary)})
+        tested = run([program, f"--gtest_filter={which}", "--gtest_fail_fast", *more],
+                     ROOT, seconds, timeout=8 * SECONDS, env=os.environ | {"TMPDIR": str(temporary)})
     except subprocess.TimeoutExpired:
         return "takes too long"
     finally:
         shutil.rmtree(temporary, ignore_errors=True)
     if tested.returncode == 0:
         return None
-    failed = re.search(r"\[  FAILED  \] ([\w/.]+)", tested.stdout)
-    return failed.group(1) if failed else f"ends with {tested.returncode}"
+    if failed := re.search(r"\[  FAILED  \] ([\w/.]+)", tested.stdout):
+        return failed.group(1)
+    begun = re.findall(r"\[ RUN      \] ([\w/.]+)", tested.stdout)
+    return f"{begun[-1]} ends with {tested.returncode}" if begun else f"ends with {tested.returncode}"
 
 
 def measure_room(room):
-    """Keeps which of its tests are slow, if they pass without any mutant."""
+    """Keeps how long its tests take, if they pass without any mutant."""
     folder = WORK / room
-    folder.mkdir(parents=True, exist_ok=True)
-    program, times = link_room(room, None, folder), folder / "times.json"
-    how = run_tests(program, "-" + NOT_HERE, folder, f"--gtest_output=json:{times}")
-    program.unlink()
-    if how:
-        sys.exit(f"The tests of {room} fail without any mutant: {how}")
-    slow_tests[room] = [f"{suite['name']}.{test['name']}"
-                        for suite in json.loads(times.read_text())["testsuites"]
-                        for test in suite["testsuite"] if float(test["time"].rstrip("s")) > SLOW]
+    times = folder / "times.json"
+    if not times.exists() or times.stat().st_mtime < (BUILD / f"bin/pq_tests_{room}").stat().st_mtime:
+        times.unlink(missing_ok=True)
+        folder.mkdir(parents=True, exist_ok=True)
+        program = link_room(room, [], folder)
+        how = run_tests(program, "-" + NOT_HERE, folder, f"--gtest_output=json:{times}")
+        program.unlink()
+        if how:
+            times.unlink(missing_ok=True)
+            sys.exit(f"The tests of {room} fail without any mutant: {how}")
+    tests_of[room] = {f"{suite['name']}.{test['name']}": float(test["time"].rstrip("s"))
+                      for suite in json.loads(times.read_text())["testsuites"] for test in suite["testsuite"]
+                      if test["result"] == "COMPLETED"}
 
 
-def try_mutant(mutant, folder):
+def order_tests(mutant, results):
+    """Rooms and some of their tests, in the order in which they are run; of all but the nearest room only
+    quick ones and those that have noticed mutants."""
+    part = mutant.file.split("/")[0]
+    near, far = set(), set()
+    for shown, (outcome, _, _) in results.items():
+        if outcome.startswith("killed") and shown.startswith(part):
+            test = outcome.removeprefix("killed, ").split(" ends with")[0]
+            (near if shown.startswith(mutant.file) else far).add(test)
+
+    def rank(test, seconds):
+        if test in near and seconds < 4 * SLOW:
+            return 0
+        if seconds >= SLOW:
+            return 4 if seconds < TOO_SLOW else None
+        return 1 if seconds < QUICK else 2 if test in far else 3
+
+    for stage in range(5):
+        for room in ROOMS[part][:1] if stage >= 3 else ROOMS[part]:
+            which = [test for test, seconds in tests_of[room].items()
+                     if rank(f"{room}: {test}", seconds) == stage]
+            if which:
+                yield room, which
+
+
+def try_mutant(kind, mutant, folder, results):
     """What became of it, and through which test."""
     built = compile_mutant(mutant, folder)
     if built is None:
         return "does not compile"
-    rooms = ROOMS[mutant.file.split("/")[0]]
+    objects = [built, *compile_neighbours(mutant, folder)]
     programs = {}
     try:
-        for is_slow in (False, True):
-            for room in rooms:
-                if room not in programs:
-                    programs[room] = link_room(room, built, folder)
-                if is_slow and not slow_tests[room]:
-                    continue
-                which = (":".join(slow_tests[room]) if is_slow
-                         else ":".join(["-" + NOT_HERE] + slow_tests[room]))
-                how = run_tests(programs[room], which, folder)
-                if how:
-                    return f"killed, {room}: {how}"
+        for room, which in order_tests(mutant, results):
+            if room not in programs:
+                programs[room] = link_room(room, objects, folder)
+            # One that never ends shall not be waited for long.
+            seconds = 10 + int(3 * sum(tests_of[room][test] for test in which))
+            how = run_tests(programs[room], ":".join(which), folder, seconds=seconds)
+            if how:
+                return f"killed, {room}: {how}"
     finally:
         for program in programs.values():
             program.unlink()
-    return "equal" if is_equal_when_optimised(mutant, folder) else "survived"
+    # Of two calls the compiler does not know that their order is of no matter.
+    return "equal" if kind != "order" and is_equal_when_optimised(mutant, folder) else "survived"
 
 
 def read_results():
@@ -378,7 +424,7 @@ def main():
                     if counts() >= options.count:
                         return
                     results[shown] = ["running", kind, ""]
-            outcome = try_mutant(mutant, folder)
+            outcome = try_mutant(kind, mutant, folder, dict(results))
             with lock:
                 results[shown][0] = outcome
                 print(outcome, "|", kind, "|", shown, flush=True)

@@ -162,6 +162,21 @@ TEST(ColumnsFit, NotWhereALineHasMoreWords) {
             1U);
 }
 
+TEST(ColumnsFit, OfAddressesWhateverStandsAboveThem) {
+  for (const char* above : {"", "2 entries\r\n", "host.example.com.\r\n"}) {
+    EXPECT_EQ(
+        ListNotes(
+            MakeNetwork("arp.exe", std::string(above) +
+                                       "\r\nInterface: 10.20.0.31 --- 0x5\r\n"
+                                       "  Internet Address      Physical Address      Type\r\n"
+                                       "  10.20.0.1             00-1c-73-5a-90-02     dynamic\r\n"
+                                       "  10.20.0.2             00-1c-73-5a-90-03     dynamic\r\n"),
+            "ARPINFO"),
+        Notes())
+        << above;
+  }
+}
+
 TEST(ColumnsFit, IsTheOnlyReasonWhyThereAreNoRows) {
   host::Collection collection = host::Collect(
       MakeMachine("Product Name = KORVA\n" +

@@ -130,25 +130,12 @@ constexpr StateWord kCacheBackupWords[] = {
     {"not configured", "good"},
     {"not applicable", "absent"},
     {"n/a", "absent"},
-    {"charging", "passing"},
     {"not fully charged", "passing"},
-    {"learning", "passing"},
-    {"learn cycle", "passing"},
-    {"failed", "failed"},
-    {"dgd", "bad"},
-    {"degraded", "bad"},
-    {"needs attention", "bad"},
-    {"dgd (needs attention)", "bad"},
     {"ndatn", "bad"},
-    {"missing", "bad"},
     {"msng", "bad"},
-    {"replace", "bad"},
-    {"not ready", "bad"},
-    {"disabled", "bad"},
-    {"temporarily disabled", "bad"},
 };
 
-/// Words within what controllers say of batteries and capacitors in many ways. The first one
+/// Words within what else controllers say of batteries and capacitors, in many ways. The first one
 /// counts, so that what passes hides nothing that stays.
 constexpr StateWord kCacheBackupSigns[] = {
     {"failed", "failed"},    {"dgd", "bad"},          {"degraded", "bad"},  {"attention", "bad"},

@@ -107,7 +107,7 @@ RowCells TableHeads::CutBelowHeads(std::string_view row) const {
     while (next < words.size()) {
       const auto begin = static_cast<std::size_t>(words[next].data() - row.data());
       const bool reachesNext = !isLast && begin + words[next].size() > heads[i + 1].begin;
-      if (reachesNext && (begin >= heads[i].end || begin >= heads[i + 1].begin)) break;
+      if (reachesNext && begin >= heads[i].end) break;
       ++next;
     }
     cells.push_back({heads[i].text, Join(words, first, next - first)});

@@ -282,7 +282,11 @@ std::string FindSas2Gap(const CollectedRows& rows) {
   for (ReportLine line; lines.Next(line);) {
     const auto split = SplitLabel(line.text, ':');
     if (!split) continue;
-    if (split->label == "Entries") declared = ReadInteger(split->value).value_or(0);
+    if (split->label == "Entries") {
+      const Integer told = ReadLeadingInteger(split->value);
+      if (!told) return "the log tells no number of its entries: " + std::string(split->value);
+      declared = *told;
+    }
     if (split->label == "LogSequence") ++listed;
   }
   if (listed >= declared) return {};

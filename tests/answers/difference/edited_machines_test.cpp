@@ -267,6 +267,19 @@ TEST_F(EditedMachine, IsNotComparedByCellsThatDoNotFit) {
   EXPECT_THAT(lines, Contains(HasSubstr("1 cell of RAIDINFO")));
 }
 
+TEST_F(EditedMachine, LacksPartsFirstThenCellsThenLogs) {
+  AssessedMachine old(before);
+  AssessedMachine now(test::LoadSample("hba-only"));
+  host::NoteUnfitColumns(now.collection);
+  std::vector<std::string> told;
+  for (const auto& one : host::FindDifference(old.Get(), now.Get()).notCompared) {
+    if (one.what == "51 sensors" || one.what == "1 cell of RAIDINFO" || one.what == "log SEL") {
+      told.push_back(one.what);
+    }
+  }
+  EXPECT_THAT(told, testing::ElementsAre("51 sensors", "1 cell of RAIDINFO", "log SEL"));
+}
+
 // The log calls a sensor otherwise where its name is not known.
 TEST_F(EditedMachine, HasOneEntryThoughSensorsWereNotRead) {
   Recording blind = before;

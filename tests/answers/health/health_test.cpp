@@ -288,6 +288,18 @@ TEST(Health, LetsARuleOfAUserReplaceAnother) {
   EXPECT_EQ(GetHit(health, "drive.media-errors").severity, host::Severity::kNotice);
 }
 
+TEST(Health, TakesARuleThatSaysTheSameOfAPartManyTimes) {
+  Parts parts;
+  AddVolume(parts, "lsi0 v0", "Optl");
+  for (int i = 0; i < 100; ++i) AddDrive(parts, "lsi0 9:" + std::to_string(i), "Onln");
+  const host::Health health = Judge(
+      parts,
+      WithRules(
+          "-- @rule mine\n-- @part volumes\nSELECT 'notice', v.id, 1 FROM volumes v, drives"));
+  ASSERT_EQ(health.findings.size(), 1U);
+  EXPECT_EQ(health.findings[0].hits.size(), 100U);
+}
+
 TEST(Health, RefusesRulesByFileAndLine) {
   const std::string head = "-- @rule mine\n-- @part drives\n\n";
   EXPECT_EQ(Refuse(head + "SELECT 'warning', id FROM drives"),

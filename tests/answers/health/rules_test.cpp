@@ -2,8 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "host/answers/health/built_in_rules.h"
 #include "host/answers/parts/report_lines.h"
@@ -40,6 +42,35 @@ void AddMember(Parts& parts, const std::string& id, const std::string& state) {
   host::Drive& drive = AddDrive(parts, id, state);
   drive.group = drive.controller + " g0";
   drive.member = 1;
+}
+
+void AddHotDrive(Parts& parts, const char* media, int temperature) {
+  host::Drive& drive = AddDrive(parts, "lsi0 69:9", "Onln");
+  drive.media = media;
+  drive.temperature = temperature;
+}
+void AddHotDisk(Parts& parts, int temperature) { AddHotDrive(parts, "HDD", temperature); }
+void AddHotSsd(Parts& parts, int temperature) { AddHotDrive(parts, "SATA SSD", temperature); }
+void AddDriveWithLimit(Parts& parts, int temperature) {
+  AddHotDisk(parts, temperature);
+  parts.drives.back().temperatureLimit = 50;
+}
+void AddWornDrive(Parts& parts, int wearLeft) {
+  AddDrive(parts, "mchp1 0,0", "Online").wearLeft = wearLeft;
+}
+void AddHotController(Parts& parts, int temperature) {
+  AddController(parts).temperature = temperature;
+}
+void AddHotBattery(Parts& parts, int temperature) {
+  AddCacheBackup(parts, "BBU", "Optimal").temperature = temperature;
+}
+void AddHotCapacitor(Parts& parts, int temperature) {
+  AddCacheBackup(parts, "CacheVault", "Optimal").temperature = temperature;
+}
+void AddFilledLog(Parts& parts, int records) {
+  host::PartSource& source = AddSource(parts, "sel", "read");
+  source.records = records;
+  source.capacity = 50;
 }
 
 const RuleCase kCases[] = {
@@ -402,11 +433,78 @@ TEST(HealthRules, TellNoNumberThatIsNotKnown) {
   EXPECT_EQ(GetHit(health, "lsi.event-class").observed, "1 x event 4095, last 2026-11-18T06:00:00");
 }
 
+TEST(HealthRules, TellHowHotAPartIs) {
+  Parts parts;
+  AddHotController(parts, 96);
+  AddHotDisk(parts, 57);
+  const host::Health health = Judge(parts);
+  EXPECT_EQ(GetHit(health, "controller.hot").text, "Cool controller lsi0: 96.0 °C");
+  EXPECT_EQ(GetHit(health, "controller.hot").observed, "96.0 C");
+  EXPECT_EQ(GetHit(health, "drive.hot").text,
+            "Cool drive 69:9: 57.0 °C, from 55 on it is too warm");
+}
+
 TEST(HealthRules, AreSilentOtherwise) {
   for (const RuleCase& one : kCases) {
     Parts parts;
     one.isSilent(parts);
     EXPECT_EQ(FindHit(Judge(parts), one.rule), nullptr) << one.rule;
+  }
+}
+
+/// From which number on a rule says what.
+struct RuleLimit {
+  const char* rule;
+  void (*add)(Parts& parts, int number);
+  int before;  ///< the last number of which it says nothing, or what is milder
+  std::optional<Severity> saidBefore;
+  int from;
+  Severity said;
+};
+
+constexpr RuleLimit kLimits[] = {
+    {"drive.media-errors",
+     [](Parts& p, int n) { AddDrive(p, "lsi0 69:9", "Onln").mediaErrors = n; },
+     0,
+     {},
+     1,
+     kWarning},
+    {"drive.other-errors",
+     [](Parts& p, int n) { AddDrive(p, "lsi0 69:9", "Onln").otherErrors = n; },
+     0,
+     {},
+     1,
+     kNotice},
+    {"drive.hot", AddHotDisk, 54, {}, 55, kWarning},
+    {"drive.hot", AddHotDisk, 59, kWarning, 60, kCritical},
+    {"drive.hot", AddHotDisk, 125, {}, 124, kCritical},  // no temperature but a sensor's fault
+    {"drive.hot", AddHotSsd, 64, {}, 65, kWarning},
+    {"drive.hot", AddHotSsd, 69, kWarning, 70, kCritical},
+    {"drive.hot", AddDriveWithLimit, 44, {}, 45, kWarning},
+    {"drive.hot", AddDriveWithLimit, 49, kWarning, 50, kCritical},
+    {"drive.worn", AddWornDrive, 11, {}, 10, kWarning},
+    {"drive.worn", AddWornDrive, 6, kWarning, 5, kCritical},
+    {"cache.hot", AddHotBattery, 49, {}, 50, kWarning},
+    {"cache.hot", AddHotBattery, 59, kWarning, 60, kCritical},
+    {"cache.hot", AddHotCapacitor, 69, {}, 70, kWarning},
+    {"cache.hot", AddHotCapacitor, 84, kWarning, 85, kCritical},
+    {"controller.hot", AddHotController, 84, {}, 85, kWarning},
+    {"controller.hot", AddHotController, 94, kWarning, 95, kCritical},
+    {"sel.full", AddFilledLog, 44, {}, 45, kWarning},
+    {"sel.full", AddFilledLog, 49, kWarning, 50, kCritical},
+};
+
+TEST(HealthRules, BeginAtTheirLimits) {
+  const auto judge = [](const RuleLimit& limit, int number) -> std::optional<Severity> {
+    Parts parts;
+    limit.add(parts, number);
+    const host::Health health = Judge(parts);
+    const host::HealthHit* hit = FindHit(health, limit.rule);
+    return hit == nullptr ? std::nullopt : std::optional(hit->severity);
+  };
+  for (const RuleLimit& limit : kLimits) {
+    EXPECT_EQ(judge(limit, limit.before), limit.saidBefore) << limit.rule << ' ' << limit.before;
+    EXPECT_EQ(judge(limit, limit.from), limit.said) << limit.rule << ' ' << limit.from;
   }
 }
 
@@ -774,6 +872,21 @@ TEST(HealthRules, JudgeASensorsLostRedundancyUnderItsFailingSupply) {
   ASSERT_EQ(health.findings.size(), 1U);
   EXPECT_EQ(health.findings[0].key, "sensor.state PS2 Status");
   EXPECT_EQ(health.findings[0].hits[0].area, "power");
+}
+
+TEST(HealthRules, JudgeAGroupByItsOwnDrives) {
+  const auto judge = [](const char* group, const char* state) {
+    Parts parts;
+    AddGroup(parts, "lsi0 g0", "Dgrd");
+    AddVolume(parts, "lsi0 v0", "Optl");
+    AddMember(parts, "lsi0 69:1", state);
+    parts.drives.back().group = group;
+    return GetHit(Judge(parts), "group.degraded");
+  };
+  EXPECT_EQ(judge("lsi0 g0", "Rbld").severity, kWarning);
+  EXPECT_EQ(judge("lsi0 g1", "Rbld").severity, kCritical);
+  EXPECT_EQ(judge("lsi0 g0", "Offln").because, std::vector<std::string>{"lsi0 69:1"});
+  EXPECT_TRUE(judge("lsi0 g1", "Offln").because.empty());
 }
 
 }  // namespace

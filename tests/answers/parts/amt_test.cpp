@@ -55,6 +55,19 @@ TEST(AmtParts, AreEntriesWithDeviceAndText) {
   EXPECT_EQ(parts.unread[0].text, "3  2022-03-08 06:56");
 }
 
+TEST(AmtParts, AreEntriesOfOneWordToo) {
+  const Parts parts =
+      ReadAmt(MakeMachine("AMT event log of 192.0.2.1, 2 records\n\n"
+                          "  1  2022-03-07 06:58:11  Critical  Overheated\n"
+                          "  2  2022-03-07 06:58:12  Critical\n"
+                          "\nEnd of log.\n"));
+  ASSERT_EQ(parts.events.size(), 1U);
+  EXPECT_EQ(parts.events[0].kind, "");
+  EXPECT_EQ(parts.events[0].text, "Overheated");
+  ASSERT_EQ(parts.unread.size(), 1U);
+  EXPECT_EQ(parts.unread[0].text, "2  2022-03-07 06:58:12  Critical");
+}
+
 TEST(AmtSource, IsReadWithAnEmptyLog) {
   EXPECT_EQ(
       FindAmtSource(ReadAmt(MakeMachine("AMT event log of 192.0.2.1, 0 records\n\nEnd of log.\n"))),
@@ -73,6 +86,13 @@ TEST(AmtSource, FailsWithTextThatIsNoLog) {
   const Parts parts = ReadAmt(MakeMachine("Error: cannot connect\n"));
   EXPECT_EQ(FindAmtSource(parts), "failed: no entry in the log");
   EXPECT_THAT(parts.events, IsEmpty());
+}
+
+TEST(AmtSource, FailsWithTheTool) {
+  host::Recording machine = MakeMachine("");
+  EXPECT_EQ(FindAmtSource(ReadAmt(machine)), "failed: amt_log.exe printed nothing");
+  machine.commands.back().exitCode = 5;
+  EXPECT_EQ(FindAmtSource(ReadAmt(machine)), "failed: amt_log.exe ended with code 5");
 }
 
 TEST(AmtSource, IsNoneWithoutALogin) {

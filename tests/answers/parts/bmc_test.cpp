@@ -280,8 +280,11 @@ TEST(BmcSources, KnowWhetherThereWasASelfTest) {
       "read: ");
   host::Recording machine = test::MakeBmcMachine();
   host::RecordedCommand& test = test::AnswerOf(machine, "korvaxoem selftest");
-  test.standardOutput = "";
+  test.standardOutput = "Selftest result : 55h 00h\r\n";
   test.exitCode = 3;
+  EXPECT_EQ(FindSource(ReadBmc(machine), "self-test"),
+            "failed: cut short: ipmiutil korvaxoem selftest ended with code 3");
+  test.standardOutput = "";
   EXPECT_THAT(FindSource(ReadBmc(machine), "self-test"), testing::StartsWith("failed: "));
 }
 

@@ -80,6 +80,22 @@ TEST(TableHeads, CutARowWithEmptyCells) {
   EXPECT_EQ(cells["ProdID"], "Virtual SES");
 }
 
+TEST(TableHeads, CutNoLongWordWhereTheNextHeadBegins) {
+  const TableHeads heads("EID State DeviceType  Slots");
+  const auto cells = heads.CutBelowHeads(" 52 Unsupported Enclosure   24");
+  EXPECT_EQ(cells["State"], "Unsupported");
+  EXPECT_EQ(cells["DeviceType"], "Enclosure");
+  EXPECT_EQ(cells["Slots"], "24");
+}
+
+TEST(TableHeads, GiveAWordThatBeginsBetweenTwoOfThemToTheOneItReaches) {
+  const TableHeads heads("EID  State Slots");
+  const auto cells = heads.CutBelowHeads("52  Okay  1024");
+  EXPECT_EQ(cells["EID"], "52");
+  EXPECT_EQ(cells["State"], "Okay");
+  EXPECT_EQ(cells["Slots"], "1024");
+}
+
 // Otherwise a report of some megabytes keeps a collection busy for hours.
 TEST(TableHeads, AreNotAsManyAsALongLineHasWords) {
   std::string line;

@@ -111,6 +111,15 @@ TEST(SensorReadings, PrintStateBitsUnderSomeVendorNumbers) {
   EXPECT_EQ(ReadOne(begin + "ProcPresent | | Entity").states, Integer());
 }
 
+TEST(SensorReadings, MayBeOfASensorOfEventsOnly) {
+  const Sensor sensor = ReadOne("0030 | EvtOnly | Button | 6d | Power Button | OK | | Entity");
+  EXPECT_EQ(sensor.name, "Power Button");
+  EXPECT_EQ(sensor.number, Integer(0x6d));
+  EXPECT_EQ(sensor.type, Integer(0x14));
+  EXPECT_EQ(sensor.status, "OK");
+  EXPECT_EQ(sensor.reading, Real());
+}
+
 TEST(SensorReadings, HaveAStatusInACellOfTheirLayout) {
   EXPECT_EQ(host::FindStatusCell("T | 47.00 | C | ok"), 3U);
   EXPECT_EQ(host::FindStatusCell("0001 | Full | Fan | 01 | F | OK | 1.00 RPM"), 5U);
@@ -221,6 +230,14 @@ TEST(SensorRecords, GiveNoStatesToASensorOfEventsOnly) {
   EXPECT_EQ(parts.sensors[0].type, Integer(0x13));
   EXPECT_EQ(parts.sensors[0].eventType, Integer());
   EXPECT_EQ(parts.sensors[0].states, Integer());
+}
+
+TEST(SensorRecords, MayHaveARawReadingAlone) {
+  const Parts parts = ReadSensors({}, {"0021 SDR Full 01 01 20 m 04 snum 31 Fan 1  = 3c"});
+  ASSERT_EQ(parts.sensors.size(), 1U);
+  EXPECT_EQ(parts.sensors[0].number, Integer(0x31));
+  EXPECT_EQ(parts.sensors[0].status, "");
+  EXPECT_EQ(parts.sensors[0].reading, Real());
 }
 
 TEST(SensorRecords, AreUnreadWhenTheyAreCutOff) {

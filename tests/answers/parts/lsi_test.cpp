@@ -351,6 +351,18 @@ TEST(ReadSas2, FailsWhereTheLogBreaksOff) {
             "failed: the log breaks off: 5 of 8 entries");
 }
 
+TEST(ReadSas2, FailsWithoutTheNumberOfItsEntries) {
+  Recording recording = LoadSample("two-socket-server");
+  for (host::RecordedCommand& command : recording.commands) {
+    if (command.arguments != "logir.log") continue;
+    std::string text(command.standardOutput.Text());
+    text.replace(text.find("Entries: 8"), 10, "Entries: ?");
+    command.standardOutput = text;
+  }
+  EXPECT_EQ(Tell(ReadParts(recording, {"SAS2IRLOG"}), "sas2"),
+            "failed: the log tells no number of its entries: ?");
+}
+
 TEST(ReadSas2, FailsWithTheTool) {
   Recording recording = LoadSample("two-socket-server");
   for (host::RecordedCommand& command : recording.commands) {

@@ -83,6 +83,19 @@ TEST(StorcliEvents, AreReadToTheLastOne) {
   EXPECT_EQ(last.partId, "lsi0 252:4");
 }
 
+TEST(StorcliEvents, HaveASenseWithoutWhatFollowsIt) {
+  const auto findSense = [](const std::string& told) {
+    return ReadEvents("seqNum: 0x00000001\nEvent Description: Unexpected sense: PD 14, " + told +
+                      "\n")
+        .events[0]
+        .sense;
+  };
+  EXPECT_EQ(findSense("Sense: 3/11/00, retried"), "3/11/00");
+  EXPECT_EQ(findSense("Sense:b/4b/04"), "b/4b/04");
+  EXPECT_EQ(findSense("Sense: 3/11"), "");
+  EXPECT_EQ(findSense("no sense"), "");
+}
+
 TEST(StorcliEvents, NameADriveByPlaceThenByDeviceId) {
   EXPECT_EQ(FindPart("PD 99(e0xfc/s4) failed"), "drives lsi0 252:4");
   EXPECT_EQ(FindPart("PD 99(e252/s4) failed"), "drives lsi0 252:4");
