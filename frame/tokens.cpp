@@ -17,11 +17,7 @@ std::string_view TokenScan::Next() {
 }
 
 std::vector<std::string_view> SplitTokens(std::string_view text, std::string_view delimiters) {
-  // Counted first: of a long listing a vector that grows takes several times the text.
-  std::size_t count = 0;
-  for (TokenScan scan(text, delimiters); !scan.Next().empty();) ++count;
   std::vector<std::string_view> tokens;
-  tokens.reserve(count);
   TokenScan scan(text, delimiters);
   for (std::string_view token = scan.Next(); !token.empty(); token = scan.Next()) {
     tokens.push_back(token);
@@ -29,9 +25,9 @@ std::vector<std::string_view> SplitTokens(std::string_view text, std::string_vie
   return tokens;
 }
 
-std::string_view DealtColumns::At(std::size_t row, std::size_t column) const {
-  const std::size_t index = row * columnCount + column;
-  return index < tokens.size() ? tokens[index] : std::string_view();
+bool DealRow(TokenScan& tokens, std::span<std::string_view> row) {
+  for (std::string_view& cell : row) cell = tokens.Next();
+  return !row.front().empty();
 }
 
 }  // namespace pq

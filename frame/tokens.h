@@ -1,10 +1,9 @@
-// Splitting a tool's output into tokens, and dealing tokens into the columns of a table in turn.
+// Splitting a tool's output into tokens, and dealing tokens to the columns of a table in turn.
 #pragma once
 
 #include <array>
-#include <cstddef>
+#include <span>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace pq {
@@ -26,24 +25,11 @@ class TokenScan {
   std::array<bool, 256> isDelimiter{};
 };
 
-/// All pieces at once.
+/// All pieces at once, which take several times a long text.
 std::vector<std::string_view> SplitTokens(std::string_view text, std::string_view delimiters);
 
-/// Tokens dealt like cards: the first to column 0, the next to column 1, and so on in turn.
-class DealtColumns {
- public:
-  /// `columnCount` is at least 1.
-  DealtColumns(std::vector<std::string_view> tokens, std::size_t columnCount)
-      : tokens(std::move(tokens)), columnCount(columnCount) {}
-
-  /// How many tokens column 0 has; later columns may be one short in the last row.
-  std::size_t CountRows() const { return (tokens.size() + columnCount - 1) / columnCount; }
-  /// The token at a place; empty where the column is too short.
-  std::string_view At(std::size_t row, std::size_t column) const;
-
- private:
-  std::vector<std::string_view> tokens;
-  std::size_t columnCount;
-};
+/// Deals the next tokens to `row` like cards: the first to column 0, the next to column 1, and so
+/// on; the last columns of the last row may get none. False without any token.
+bool DealRow(TokenScan& tokens, std::span<std::string_view> row);
 
 }  // namespace pq

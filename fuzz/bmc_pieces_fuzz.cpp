@@ -51,7 +51,11 @@ void CheckSelfTestJoin(const std::string& bytes) {
 
 void CheckPairs(const std::string& bytes) {
   const std::vector<std::string> expected = test::SplitWithStrtok(bytes, ":\n\r");
-  const std::vector<pq::NamedValue> pairs = pq::PairTokens(pq::SplitTokens(bytes, ":\n\r"));
+  std::vector<pq::NamedValue> pairs;
+  pq::NamedValue pair;
+  for (pq::TokenScan tokens = pq::ScanPairs(bytes); pq::NextPair(tokens, pair);) {
+    pairs.push_back(pair);
+  }
   Require(pairs.size() == (expected.size() + 1) / 2);
   for (std::size_t i = 0; i < expected.size(); ++i) {
     Require((i % 2 == 0 ? pairs[i / 2].name : pairs[i / 2].value) == expected[i]);
@@ -69,17 +73,18 @@ void CheckSensorFields(const std::string& bytes) {
     columns[next++ % columns.size()].push_back(field);
   }
 
-  const pq::SensorFields listing = pq::SplitSensorFields(bytes);
+  const pq::SensorListing listing = pq::FindSensorListing(bytes);
   Require(listing.endedByBlank == endedByBlank);
-  Require(listing.fields.size() == next);
-  const pq::DealtColumns dealt(listing.fields, columns.size());
-  Require(dealt.CountRows() == columns[0].size());
-  for (std::size_t row = 0; row < dealt.CountRows(); ++row) {
+  pq::TokenScan fields = listing.Fields();
+  std::array<std::string_view, 10> dealt;
+  std::size_t row = 0;
+  for (; pq::DealRow(fields, dealt); ++row) {
     for (std::size_t column = 0; column < columns.size(); ++column) {
       const bool isThere = row < columns[column].size();
-      Require(dealt.At(row, column) == (isThere ? columns[column][row] : std::string()));
+      Require(dealt[column] == (isThere ? columns[column][row] : std::string()));
     }
   }
+  Require(row == columns[0].size());
 }
 
 }  // namespace

@@ -54,14 +54,16 @@ void CheckColumns(const std::string& text, std::size_t columnCount) {
        word = std::strtok(nullptr, " \r\n")) {
     columns[count++ % columnCount].push_back(word);
   }
-  const pq::DealtColumns dealt(pq::SplitTokens(text, " \r\n"), columnCount);
-  Require(dealt.CountRows() == columns[0].size());
-  for (std::size_t row = 0; row < dealt.CountRows(); ++row) {
+  pq::TokenScan tokens(text, " \r\n");
+  std::vector<std::string_view> dealt(columnCount);
+  std::size_t row = 0;
+  for (; pq::DealRow(tokens, dealt); ++row) {
     for (std::size_t column = 0; column < columnCount; ++column) {
       const std::vector<std::string>& words = columns[column];
-      Require(dealt.At(row, column) == (row < words.size() ? words[row] : ""));
+      Require(dealt[column] == (row < words.size() ? words[row] : ""));
     }
   }
+  Require(row == columns[0].size());
 }
 
 }  // namespace

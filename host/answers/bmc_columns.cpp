@@ -34,8 +34,9 @@ Misfit FindReadingsMisfit(const TableBesideReport& table) {
   }
   std::vector<std::string> reasons;
   if (!otherRows.IsEmpty()) reasons.push_back(otherRows.Tell());
-  if (!parts.sensors.empty() && parts.sensors.size() != table.rows.size()) {
-    reasons.push_back(fmt::format("its {} are {}", FormatCount(parts.sensors.size(), "sensor"),
+  const std::size_t sensors = parts.sensors.CountAdded();
+  if (sensors > 0 && sensors != table.rows.size()) {
+    reasons.push_back(fmt::format("its {} are {}", FormatCount(sensors, "sensor"),
                                   FormatCount(table.rows.size(), "row")));
   }
   return fmt::format("{}", fmt::join(reasons, "; "));
@@ -46,7 +47,7 @@ Misfit FindReadingsMisfit(const TableBesideReport& table) {
 ///   Built              : 2021-11-03 16:48:05
 Misfit FindFactsMisfit(const TableBesideReport& table, std::string_view prefix) {
   if (table.rows.empty()) return {};
-  const CollectedRow& row = table.rows.front();
+  const CollectedRow row = table.rows.front();
   std::string first;
   std::vector<std::string> labels;
   for (int number = 1;; ++number) {
@@ -76,7 +77,7 @@ Misfit FindNetworkMisfit(const TableBesideReport& table) { return FindFactsMisfi
 /// Words of a line without a colon become a label, and those of the next line its value.
 Misfit FindSelfTestMisfit(const TableBesideReport& table) {
   if (table.rows.empty()) return {};
-  const CollectedRow& row = table.rows.front();
+  const CollectedRow row = table.rows.front();
   for (const char* key : {"self1", "self2"}) {
     const std::string label = row.GetLabel(key);
     const std::string shown = row.Get(key);

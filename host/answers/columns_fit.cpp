@@ -73,7 +73,7 @@ std::optional<FoundReport> FindPrintedReport(const CollectedRows& rows,
 
 /// The report that another table carries whole, in its first row.
 std::optional<FoundReport> FindAttachedReport(const CollectedRows& rows, const ColumnCheck& check) {
-  const std::vector<CollectedRow> carriers = rows.ListRows(check.attachmentClass);
+  const CollectedRowList carriers = rows.ListRows(check.attachmentClass);
   if (carriers.empty()) return std::nullopt;
   auto text = carriers.front().FindText(check.attachmentKey);
   if (!text || text->View().empty()) return std::nullopt;

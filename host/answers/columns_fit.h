@@ -24,7 +24,7 @@ void NoteUnfitColumns(Collection& collection);
 /// A table beside the report that it was made of.
 struct TableBesideReport {
   std::string_view className;
-  std::vector<CollectedRow> rows;
+  CollectedRowList rows;
   std::string_view report;  ///< UTF-8
 };
 

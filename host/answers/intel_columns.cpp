@@ -67,7 +67,7 @@ class SectionComparison {
         std::find_if(columns.begin(), columns.end(),
                      [&](const pq::ColumnDescription& one) { return one.label == fact.label; });
     if (column == columns.end()) return;
-    const CollectedRow& row = table.rows[records - 1];
+    const CollectedRow row = table.rows[records - 1];
     const std::string shown = row.Get(column->key);
     if (shown == fact.value) return;
     rowIsTold = true;
@@ -79,7 +79,7 @@ class SectionComparison {
     const bool hasRow = records > 0 && records <= table.rows.size() && !labels.empty();
     for (const pq::ColumnDescription& column : columns) {
       if (!hasRow || rowIsTold || std::ranges::find(labels, column.label) != labels.end()) continue;
-      const CollectedRow& row = table.rows[records - 1];
+      const CollectedRow row = table.rows[records - 1];
       const std::string shown = row.Get(column.key);
       if (shown.empty()) continue;
       rowIsTold = true;

@@ -80,7 +80,7 @@ class ListComparison {
       if (rowsLeftOut++ == 0) firstLeftOut = CutText(name, 20);
       return;
     }
-    const CollectedRow& row = table.rows[next++];
+    const CollectedRow row = table.rows[next++];
     const std::optional<RowCells> cells = heads.DealWords(line, list.wideHead);
     if (!cells) return;
     for (const pq::ColumnDescription& column : columns) {

@@ -82,7 +82,7 @@ std::string TellOther(const OtherValue& other) {
 
 Misfit FindMicrochipMisfit(const TableBesideReport& table) {
   if (table.rows.empty()) return {};
-  const CollectedRow& row = table.rows.front();
+  const CollectedRow row = table.rows.front();
   const auto facts = ListFacts(table.report);
   std::vector<OtherValue> others;
   for (const pq::ColumnDescription& column : FindTableDescription(table.className)->columns) {

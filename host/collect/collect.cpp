@@ -75,7 +75,7 @@ std::vector<std::string> ListEmptyAttachments(const Table& table) {
 /// The property `key` of the first row of `table`; empty without one.
 std::string_view FindFirstValue(const Table& table, const std::string& key) {
   if (table.rows.empty()) return {};
-  const Row& row = table.rows.front();
+  const Row row = table.rows.front();
   const auto column = std::ranges::find(row.shape->columns, key, &Column::key);
   if (column == row.shape->columns.end()) return {};
   return row.Value(static_cast<std::size_t>(column - row.shape->columns.begin()));

@@ -153,14 +153,14 @@ std::vector<DecodedText> TableView::ListHeaders() const {
 }
 
 RowView TableView::RowAt(std::size_t number) const {
-  const Row& row = table.rows->rows[number];
+  const Row row = table.rows->rows[number];
   return {settings, row, placesByShape.at(row.shape)};
 }
 
 std::vector<DecodedText> TableView::ListInstanceKeys() const {
   std::vector<DecodedText> keys;
   if (RowCount() == 0) return keys;
-  const std::deque<Row>& rows = table.rows->rows;
+  const Rows& rows = table.rows->rows;
   const std::string& first = rows.front().shape->instanceKey;
   const bool areSame =
       std::all_of(placesByShape.begin(), placesByShape.end(),

@@ -48,7 +48,7 @@ class CellView {
   std::string_view GetBytes() const { return IsLeftOut() ? std::string_view() : row.Value(place); }
 
   const ViewSettings& settings;
-  const Row& row;
+  Row row;
   std::size_t place;
 };
 
@@ -83,7 +83,7 @@ class RowView {
   std::optional<std::size_t> FindByteSize(std::string_view key) const;
 
   const ViewSettings& settings;
-  const Row& row;
+  Row row;
   const Places& places;
 };
 
@@ -130,7 +130,7 @@ class TableView {
   std::size_t RowCount() const { return table.RowCount(); }
   /// `number` counts from 0.
   RowView RowAt(std::size_t number) const;
-  const Row& StoredRow(std::size_t number) const { return table.rows->rows[number]; }
+  Row StoredRow(std::size_t number) const { return table.rows->rows[number]; }
   /// One when all rows have the same, otherwise one per row.
   std::vector<DecodedText> ListInstanceKeys() const;
 

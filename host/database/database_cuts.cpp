@@ -30,7 +30,7 @@ std::vector<std::string> DescribeDatabaseCuts(const Collection& collection) {
   for (const CollectedTable& table : collection.tables) {
     if (table.rows == nullptr) continue;
     for (std::size_t i = 0; i < table.RowCount(); ++i) {
-      const Row& row = table.rows->rows[i];
+      const Row row = table.rows->rows[i];
       const std::size_t most = FindMostValueBytes(row);
       if (most == kMostRowBytes) continue;
       lines.push_back(

@@ -11,8 +11,8 @@ namespace host {
 
 std::string FindWhyNoLog(std::string_view source, const Collection& collection) {
   if (source == "microchip") {
-    const std::vector<CollectedRow> rows = CollectedRows(collection).ListRows("PMCLINK");
-    const bool hasLog = std::ranges::any_of(rows, [](const CollectedRow& row) {
+    const CollectedRows rows(collection);
+    const bool hasLog = std::ranges::any_of(rows.ListRows("PMCLINK"), [](const CollectedRow& row) {
       return row.FindText("Controller_Event_Log").has_value();
     });
     return hasLog ? "" : "arcconf left no log of a controller";

@@ -89,8 +89,7 @@ struct RepositoryState {
   }
 
   void AddRow(const host::RowShape& kept, const std::vector<std::string>& values) {
-    host::Table& table = *tableOf[&kept];
-    table.rows.emplace_back(kept, values, table.texts);
+    tableOf[&kept]->rows.Add(kept, values);
   }
 
   const host::RowShape& KeepShape(const host::RowShape& wanted) {

@@ -3,7 +3,6 @@
 // and plain lines for power supplies and LEDs.
 #include "pqmodules/rbmcinfo/oem_queries.h"
 
-#include <algorithm>
 #include <array>
 
 #include "frame/label_table.h"
@@ -96,16 +95,21 @@ void JoinSelfTest(const ModuleLog& log, std::string& output) {
 
 int AddPairs(const ModuleLog& log, RowBuffer& row, const KeyFamily& keys, const std::string& output,
              std::size_t& nameCount) {
-  const std::vector<std::string_view> tokens = SplitTokens(output, ":\n\r");
-  const std::vector<NamedValue> pairs = PairTokens(tokens);
-  nameCount = pairs.size();
-  if (pairs.empty()) return 1;
-  for (const std::string_view token : tokens) log(kDetail, token, " ");
+  NamedValue pair;
+  nameCount = 0;
+  for (TokenScan tokens = ScanPairs(output); NextPair(tokens, pair);) ++nameCount;
+  if (nameCount == 0) return 1;
+  TokenScan tokens = ScanPairs(output);
+  for (std::string_view token = tokens.Next(); !token.empty(); token = tokens.Next()) {
+    log(kDetail, token, " ");
+  }
   log(kDetail, "From vector:");
-  for (const NamedValue& pair : pairs) log(kDetail, pair.name, ": ", pair.value);
-  const unsigned shown = static_cast<unsigned>(std::min<std::size_t>(pairs.size(), keys.count));
-  for (unsigned i = 0; i < shown; ++i) {
-    row.Set({.key = keys.MakeKey(i), .label = pairs[i].name}, pairs[i].value);
+  for (TokenScan pairs = ScanPairs(output); NextPair(pairs, pair);) {
+    log(kDetail, pair.name, ": ", pair.value);
+  }
+  TokenScan shown = ScanPairs(output);
+  for (unsigned i = 0; i < keys.count && NextPair(shown, pair); ++i) {
+    row.Set({.key = keys.MakeKey(i), .label = pair.name}, pair.value);
   }
   row.Commit();
   return 0;
@@ -113,13 +117,15 @@ int AddPairs(const ModuleLog& log, RowBuffer& row, const KeyFamily& keys, const 
 
 int AddLines(const ModuleLog& log, RowBuffer& row, const Column& column,
              const std::string& output) {
-  const std::vector<std::string_view> lines = SplitTokens(output, "\n\r");
-  for (const std::string_view line : lines) {
+  TokenScan lines(output, "\n\r");
+  std::string_view line = lines.Next();
+  if (line.empty()) return 1;
+  for (; !line.empty(); line = lines.Next()) {
     log(kDetail, line, " ");
     row.Set(column, line);
     row.Commit();
   }
-  return lines.empty() ? 1 : 0;
+  return 0;
 }
 
 }  // namespace
@@ -144,13 +150,12 @@ void JoinTwoLines(std::string& output, const CarriageReturns& found) {
   if (found.count == 2) output.replace(found.position, 2, "  ");
 }
 
-std::vector<NamedValue> PairTokens(const std::vector<std::string_view>& tokens) {
-  std::vector<NamedValue> pairs;
-  for (std::size_t at = 0; at < tokens.size(); at += 2) {
-    const bool hasValue = at + 1 < tokens.size();
-    pairs.push_back({tokens[at], hasValue ? tokens[at + 1] : std::string_view()});
-  }
-  return pairs;
+TokenScan ScanPairs(std::string_view output) { return {output, ":\n\r"}; }
+
+bool NextPair(TokenScan& tokens, NamedValue& pair) {
+  pair.name = tokens.Next();
+  pair.value = tokens.Next();
+  return !pair.name.empty();
 }
 
 int QueryOem(BmcCollection& collection, int selector) {

@@ -5,9 +5,9 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "frame/description.h"
+#include "frame/tokens.h"
 #include "pqmodules/rbmcinfo/collection.h"
 
 namespace pq {
@@ -32,8 +32,10 @@ struct NamedValue {
   std::string_view value;
 };
 
-/// Takes the tokens by turns for a name and its value; the last name may lack one.
-std::vector<NamedValue> PairTokens(const std::vector<std::string_view>& tokens);
+/// The names and values of an output, by turns.
+TokenScan ScanPairs(std::string_view output);
+/// The next two; the last name may lack its value. False after the last.
+bool NextPair(TokenScan& tokens, NamedValue& pair);
 
 /// Selectors of the queries, named after their subjects.
 enum OemSelector {

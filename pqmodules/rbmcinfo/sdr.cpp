@@ -3,7 +3,7 @@
 // Whatever the utility prints is the table, its error texts too.
 #include "pqmodules/rbmcinfo/sdr.h"
 
-#include <vector>
+#include <string_view>
 
 #include "frame/row_buffer.h"
 #include "frame/sentences.h"
@@ -37,17 +37,18 @@ int CollectSdr(const BmcCollection& collection) {
   tool->Finish();
   log(kProgress, "Oru Debug after sdr 2");
 
-  const std::vector<std::string_view> lines = SplitTokens(output, "\n\r");
-  if (lines.empty()) return 1;
+  TokenScan lines(output, "\n\r");
+  std::string_view line = lines.Next();
+  if (line.empty()) return 1;
   // The instance is made between the first line's log entry and its property.
-  log(kDetail, lines.front(), " ");
+  log(kDetail, line, " ");
   RowBuffer row(collection.repo, kSdrInfo, kSdrTitle);
-  row.Set(kSdrColumn, lines.front());
+  row.Set(kSdrColumn, line);
   row.Commit();
   log(kProgress, "Oru Debug after sdr 3");
-  for (std::size_t at = 1; at < lines.size(); ++at) {
-    log(kDetail, lines[at], " ");
-    row.Set(kSdrColumn, lines[at]);
+  for (line = lines.Next(); !line.empty(); line = lines.Next()) {
+    log(kDetail, line, " ");
+    row.Set(kSdrColumn, line);
     row.Commit();
   }
   log(kProgress, "Oru Debug after sdr 4");

@@ -3,9 +3,8 @@
 // Lines mean nothing here: fields are dealt to the ten columns by count alone.
 #include "pqmodules/rbmcinfo/sensors.h"
 
-#include <algorithm>
 #include <array>
-#include <utility>
+#include <cstddef>
 
 #include "frame/label_table.h"
 #include "frame/row_buffer.h"
@@ -48,15 +47,16 @@ bool HasSensorErrorText(std::string_view output) {
   return Contains(text, "Error in") || Contains(text, "Error:");
 }
 
-SensorFields SplitSensorFields(std::string_view output) {
-  SensorFields result{SplitTokens(output, "|\n\r")};
-  std::vector<std::string_view>& fields = result.fields;
-  if (fields.empty()) return result;
-  // The first field of all is a name, whatever it holds.
-  const auto end = std::find(fields.begin() + 1, fields.end(), kEndOfListing);
-  result.endedByBlank = end != fields.end();
-  fields.erase(end, fields.end());
-  return result;
+SensorListing FindSensorListing(std::string_view output) {
+  SensorListing listing{output};
+  TokenScan fields = listing.Fields();
+  fields.Next();  // The first field of all is a name, whatever it holds.
+  for (std::string_view field = fields.Next(); !field.empty(); field = fields.Next()) {
+    if (field != kEndOfListing) continue;
+    listing = {output.substr(0, static_cast<std::size_t>(field.data() - output.data())), true};
+    break;
+  }
+  return listing;
 }
 
 int CollectSensorReadings(const BmcCollection& collection) {
@@ -68,18 +68,20 @@ int CollectSensorReadings(const BmcCollection& collection) {
   tool->Finish();
   if (HasSensorErrorText(output)) return 1;
 
-  SensorFields listing = SplitSensorFields(output);
-  for (const std::string_view field : listing.fields) log(kDetail, field);
+  const SensorListing listing = FindSensorListing(output);
+  TokenScan logged = listing.Fields();
+  for (std::string_view field = logged.Next(); !field.empty(); field = logged.Next()) {
+    log(kDetail, field);
+  }
   if (listing.endedByBlank) {
     log(kDetail, kEndOfListing);
     log(kDetail, "found the blank value, break");
   }
-  const DealtColumns columns(std::move(listing.fields), kSensorColumns.size());
-  for (std::size_t sensor = 0; sensor < columns.CountRows(); ++sensor) {
+  TokenScan dealt = listing.Fields();
+  std::array<std::string_view, kSensorColumns.size()> sensor;
+  while (DealRow(dealt, sensor)) {
     RowBuffer row(collection.repo, kSensorInfo, kSensorTitle);
-    for (std::size_t column = 0; column < kSensorColumns.size(); ++column) {
-      row.Set(kSensorColumns[column], columns.At(sensor, column));
-    }
+    for (std::size_t i = 0; i < sensor.size(); ++i) row.Set(kSensorColumns[i], sensor[i]);
     row.Commit();
   }
   return 0;

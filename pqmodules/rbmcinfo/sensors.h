@@ -3,9 +3,9 @@
 #pragma once
 
 #include <string_view>
-#include <vector>
 
 #include "frame/description.h"
+#include "frame/tokens.h"
 #include "pqmodules/rbmcinfo/collection.h"
 
 namespace pq {
@@ -13,13 +13,17 @@ namespace pq {
 /// Whether the utility reports an error anywhere in its listing, which ends at its first NUL.
 bool HasSensorErrorText(std::string_view output);
 
-struct SensorFields {
-  std::vector<std::string_view> fields;  ///< in the order in which they are dealt to the columns
-  bool endedByBlank = false;             ///< a field of exactly one blank ended the listing
+struct SensorListing {
+  std::string_view text;      ///< up to the field that ends it
+  bool endedByBlank = false;  ///< that is one of exactly one blank
+
+  /// Between bars and line ends, in the order in which they are dealt to the columns; empty ones
+  /// vanish, blanks stay.
+  TokenScan Fields() const { return {text, "|\n\r"}; }
 };
 
-/// Splits a listing at bars and line ends; empty fields vanish, blanks stay.
-SensorFields SplitSensorFields(std::string_view output);
+/// What of `output` tells of sensors.
+SensorListing FindSensorListing(std::string_view output);
 
 /// Adds the rows of "SENSORINFO". Returns 0 after the last one, 1 after a failure.
 int CollectSensorReadings(const BmcCollection& collection);

@@ -1,6 +1,7 @@
 #include "pqmodules/rwininfo/net_table.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <span>
 
 #include "frame/row_buffer.h"
@@ -60,12 +61,10 @@ void AddRows(const WindowsCollection& collection, const NetTable& table, std::st
     collection.log(kDetail, word);
   }
   TokenScan dealt(text, kBlanks);
-  for (std::string_view word = dealt.Next(); !word.empty();) {
+  std::vector<std::string_view> row(table.columns.size());
+  while (DealRow(dealt, row)) {
     RowBuffer instance(collection.repo, table.className, table.instanceTitle);
-    for (const auto& column : table.columns) {
-      instance.Set(column, word);
-      word = dealt.Next();
-    }
+    for (std::size_t i = 0; i < row.size(); ++i) instance.Set(table.columns[i], row[i]);
     instance.Commit();
   }
 }

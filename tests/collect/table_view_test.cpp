@@ -133,7 +133,7 @@ TEST(TableView, DecodesAValueOnlyWhenItIsAskedFor) {
   const RowShape shape{"T", "", -1, {{"a", "A"}}, {}};
   Table rows;
   rows.columns = shape.columns;
-  rows.rows.emplace_back(shape, Texts{"\xe4"}, rows.texts);
+  rows.rows.Add(shape, {"\xe4"});
   Collection collection;
   const CollectedTable table{"T", "M", {}, &rows, {}};
   const CollectionView view(collection);

@@ -2,7 +2,10 @@
 
 #include <gmock/gmock.h>
 
+#include <cstddef>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace pq {
 namespace {
@@ -41,27 +44,24 @@ TEST(SplitTokens, PointsIntoTheText) {
   EXPECT_EQ(SplitTokens(text, " ")[0].data(), text.data() + 1);
 }
 
-TEST(DealtColumns, GivesColumnsTheirTokensInTurn) {
-  const DealtColumns columns({"a", "b", "c", "d", "e", "f"}, 3);
-  ASSERT_EQ(columns.CountRows(), 2u);
-  EXPECT_EQ(columns.At(0, 0), "a");
-  EXPECT_EQ(columns.At(0, 2), "c");
-  EXPECT_EQ(columns.At(1, 1), "e");
+std::vector<std::vector<std::string_view>> DealAll(std::string_view text, std::size_t columns) {
+  std::vector<std::vector<std::string_view>> rows;
+  std::vector<std::string_view> row(columns);
+  for (TokenScan tokens(text, " "); DealRow(tokens, row);) rows.push_back(row);
+  return rows;
 }
 
-TEST(DealtColumns, HasAsManyRowsAsTheFirstColumnHasTokens) {
-  EXPECT_EQ(DealtColumns({}, 3).CountRows(), 0u);
-  EXPECT_EQ(DealtColumns({"a"}, 3).CountRows(), 1u);
-  EXPECT_EQ(DealtColumns({"a", "b", "c"}, 3).CountRows(), 1u);
-  EXPECT_EQ(DealtColumns({"a", "b", "c", "d"}, 3).CountRows(), 2u);
+TEST(DealRow, GivesColumnsTheirTokensInTurn) {
+  EXPECT_THAT(DealAll("a b c d e f", 3),
+              ElementsAre(ElementsAre("a", "b", "c"), ElementsAre("d", "e", "f")));
 }
 
-TEST(DealtColumns, IsEmptyWhereAColumnIsOneShort) {
-  const DealtColumns columns({"a", "b", "c", "d"}, 3);
-  EXPECT_EQ(columns.At(1, 0), "d");
-  EXPECT_EQ(columns.At(1, 1), "");
-  EXPECT_EQ(columns.At(1, 2), "");
+TEST(DealRow, LeavesColumnsEmptyThatAreOneShort) {
+  EXPECT_THAT(DealAll("a b c d", 3),
+              ElementsAre(ElementsAre("a", "b", "c"), ElementsAre("d", "", "")));
 }
+
+TEST(DealRow, DealsNothingWithoutTokens) { EXPECT_THAT(DealAll("  ", 3), IsEmpty()); }
 
 }  // namespace
 }  // namespace pq

@@ -47,7 +47,7 @@ inline std::vector<std::string> ListTexts(const host::Collection& collection,
   }
   const host::CollectedRows all(collection);
   const auto rows = all.ListRows(place.className);
-  const auto text = rows.at(static_cast<std::size_t>(place.row) - 1).FindText(place.key);
+  const auto text = rows[static_cast<std::size_t>(place.row) - 1].FindText(place.key);
   if (text) {
     texts.push_back(place.line == 0 ? std::string(text->View())
                                     : GetLine(text->View(), place.line));

@@ -207,7 +207,7 @@ std::string Side::NameSource(std::string_view table, std::string_view id) const 
 }
 
 const PartSource* Side::FindSource(std::string_view id) const {
-  const std::vector<PartSource>& sources = GetParts().sources;
+  const PartList<PartSource>& sources = GetParts().sources;
   const auto found = std::ranges::find(sources, id, &PartSource::id);
   return found == sources.end() ? nullptr : &*found;
 }

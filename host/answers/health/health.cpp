@@ -166,7 +166,7 @@ Health Judge(RuleDatabase& rules, const Parts& parts, const AsOf& asOf,
   health.asOf = asOf.time;
   health.asOfFrom = asOf.from;
   health.isDated = asOf.isDated;
-  health.sources = parts.sources;
+  health.sources.assign(parts.sources.begin(), parts.sources.end());
   CountParts(parts, health);
   std::vector<HealthHit> hits = rules.Ask(parts, ReadWallTime(asOf.time));
   if (health.checked.empty()) hits.push_back(MakeNothingChecked());

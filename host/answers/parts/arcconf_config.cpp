@@ -38,8 +38,8 @@ class ConfigReader {
   ConfigReader(const Report& report, Parts& parts)
       : report(report),
         parts(parts),
-        firstDrive(parts.drives.size()),
-        firstVolume(parts.volumes.size()),
+        firstDrive(parts.drives.CountAdded()),
+        firstVolume(parts.volumes.CountAdded()),
         controller(report.controller),
         arrays(report.controller, parts),
         volumes(report.controller, parts),
@@ -102,7 +102,7 @@ class ConfigReader {
   std::string FindWhatIsMissing(bool endsWithDrive) const {
     if (hasHead && !hasEnd) return "breaks off: it does not say that the command completed";
     if (!devices.WasRead()) return "breaks off before its drives";
-    const std::size_t drives = parts.drives.size() - firstDrive;
+    const std::size_t drives = parts.drives.CountAdded() - firstDrive;
     if (const std::size_t members = CountArcconfMembers(volumes.Segments()); drives < members) {
       return "breaks off: it tells of " + std::to_string(drives) + " of the " +
              std::to_string(members) + " drives of its volumes";

@@ -46,7 +46,7 @@ bool IsPresent(const ArcconfSegment& segment) { return LowerCase(segment.state) 
 /// serial numbers are masked in reports that were passed on.
 class DriveIndex {
  public:
-  DriveIndex(const std::vector<Drive>& drives, std::size_t first) {
+  DriveIndex(const PartList<Drive>& drives, std::size_t first) {
     for (std::size_t i = first; i < drives.size(); ++i) {
       Add(bySerial, LowerCase(drives[i].serial), i);
       Add(byAddress, drives[i].place, i);

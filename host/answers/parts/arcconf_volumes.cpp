@@ -38,7 +38,7 @@ void ArcconfArraySection::Take(const ArcconfLine& line) {
     group.controller = controller;
     isOfGroup = true;
   } else if (isOfGroup && line.told) {
-    LearnArcconfFact(parts.groups.back(), *line.told, line.at);
+    LearnArcconfFact(parts.groups.Newest(), *line.told, line.at);
   }
 }
 
@@ -61,7 +61,7 @@ void ArcconfVolumeSection::Take(const ArcconfLine& line) {
     TakeSegment(*line.told, line.at);
     return;
   }
-  Volume& volume = parts.volumes.back();
+  Volume& volume = parts.volumes.Newest();
   LearnArcconfFact(volume, *line.told, line.at);
   if (LowerCase(line.told->label) == "array" && ReadInteger(line.told->value)) {
     volume.group = ComposeArcconfArrayId(controller, line.told->value);
@@ -86,7 +86,7 @@ void ArcconfVolumeSection::TakeSegment(const LabelledValue& told, const Place& a
   const bool isMember =
       words.size() >= 2 && ReadInteger(words.back()) &&
       (words[words.size() - 2] == "segment" || words[words.size() - 2] == "device");
-  if (!isMember) return;
+  if (!isMember || parts.volumes.CountLeft() > 0) return;  // of a volume that was left out
   ArcconfSegment segment{parts.volumes.size() - 1, name, {}, {}, {}, at};
   const std::size_t open = told.value.find('(');
   segment.state = Trim(told.value.substr(0, open));

@@ -10,29 +10,31 @@
 
 namespace host {
 
+const Rows CollectedRowList::kNone;
+
 std::string CollectedRow::Get(std::string_view key) const {
   const std::optional<DecodedText> text = FindText(key);
   return text ? std::string(Trim(text->View())) : std::string();
 }
 
 std::string CollectedRow::GetLabel(std::string_view key) const {
-  for (const Column& column : row->shape->columns) {
+  for (const Column& column : row.shape->columns) {
     if (column.key == key) return std::string(Trim(decoder->Decode(column.label).View()));
   }
   return {};
 }
 
 std::optional<DecodedText> CollectedRow::FindText(std::string_view key) const {
-  const std::vector<Column>& columns = row->shape->columns;
+  const std::vector<Column>& columns = row.shape->columns;
   const auto found = std::find_if(columns.begin(), columns.end(),
                                   [&](const Column& column) { return column.key == key; });
   if (found == columns.end()) return std::nullopt;
   return decoder->Decode(
-      SkipByteOrderMark(row->Value(static_cast<std::size_t>(found - columns.begin()))));
+      SkipByteOrderMark(row.Value(static_cast<std::size_t>(found - columns.begin()))));
 }
 
 Place CollectedRow::PlaceOf(std::string_view key, std::string_view tool) const {
-  return {row->shape->className, number, std::string(key), 0, std::string(tool)};
+  return {row.shape->className, number, std::string(key), 0, std::string(tool)};
 }
 
 const CollectedTable* CollectedRows::FindTable(std::string_view className) const {
@@ -74,15 +76,10 @@ std::optional<DecodedText> CollectedRows::FindFile(std::string_view path) const 
   return std::nullopt;
 }
 
-std::vector<CollectedRow> CollectedRows::ListRows(std::string_view className) const {
-  std::vector<CollectedRow> rows;
+CollectedRowList CollectedRows::ListRows(std::string_view className) const {
   const CollectedTable* table = FindTable(className);
-  if (table == nullptr || table->rows == nullptr) return rows;
-  rows.reserve(table->rows->rows.size());
-  for (const Row& row : table->rows->rows) {
-    rows.emplace_back(decoder, row, static_cast<std::int64_t>(rows.size()) + 1);
-  }
-  return rows;
+  if (table == nullptr || table->rows == nullptr) return {};
+  return {decoder, table->rows->rows};
 }
 
 std::string DescribeEnd(const CollectedAnswer* answer) {

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -18,7 +19,7 @@ namespace host {
 class CollectedRow {
  public:
   CollectedRow(const TextDecoder& decoder, const Row& row, std::int64_t number)
-      : decoder(&decoder), row(&row), number(number) {}
+      : decoder(&decoder), row(row), number(number) {}
 
   std::int64_t Number() const { return number; }  ///< from 1
   /// The value below `key`, in UTF-8 and trimmed; empty without one.
@@ -32,8 +33,56 @@ class CollectedRow {
 
  private:
   const TextDecoder* decoder;
-  const Row* row;
+  Row row;
   std::int64_t number;
+};
+
+/// The rows of a class, each made for whoever asks: there can be more than memory has room for.
+/// Refers to the collection and its CollectedRows.
+class CollectedRowList {
+ public:
+  class Iterator {
+   public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = CollectedRow;
+    using difference_type = std::ptrdiff_t;
+    using pointer = void;
+    using reference = CollectedRow;
+
+    Iterator() = default;
+    Iterator(const TextDecoder* decoder, const Rows::Iterator& row) : decoder(decoder), row(row) {}
+    CollectedRow operator*() const { return {*decoder, *row, number}; }
+    Iterator& operator++() {
+      ++row;
+      ++number;
+      return *this;
+    }
+    void operator++(int) { ++*this; }
+    bool operator==(const Iterator& other) const { return row == other.row; }
+
+   private:
+    const TextDecoder* decoder = nullptr;
+    Rows::Iterator row;
+    std::int64_t number = 1;
+  };
+
+  CollectedRowList() = default;
+  CollectedRowList(const TextDecoder& decoder, const Rows& rows) : decoder(&decoder), rows(&rows) {}
+
+  std::size_t size() const { return rows->size(); }
+  bool empty() const { return rows->empty(); }
+  CollectedRow operator[](std::size_t row) const {
+    return {*decoder, (*rows)[row], static_cast<std::int64_t>(row) + 1};
+  }
+  CollectedRow front() const { return *begin(); }
+  Iterator begin() const { return {decoder, rows->begin()}; }
+  Iterator end() const { return {decoder, rows->end()}; }
+
+ private:
+  static const Rows kNone;
+
+  const TextDecoder* decoder = nullptr;
+  const Rows* rows = &kNone;
 };
 
 class CollectedRows {
@@ -57,7 +106,7 @@ class CollectedRows {
     return decoder.Decode(SkipByteOrderMark(bytes));
   }
   /// The rows of `className`; none without the class.
-  std::vector<CollectedRow> ListRows(std::string_view className) const;
+  CollectedRowList ListRows(std::string_view className) const;
 
  private:
   const Collection& collection;

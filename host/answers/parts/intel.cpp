@@ -83,9 +83,9 @@ class IntelReader {
   IntelReader(const Report& report, const CollectedRows* rows, Parts& parts)
       : report(report),
         parts(parts),
-        firstVolume(parts.volumes.size()),
-        firstDrive(parts.drives.size()),
-        firstGroup(parts.groups.size()),
+        firstVolume(parts.volumes.CountAdded()),
+        firstDrive(parts.drives.CountAdded()),
+        firstGroup(parts.groups.CountAdded()),
         shownControllers(ListShown(rows, "CONTROLLER")),
         shownGroups(ListShown(rows, "ARRAY")),
         shownVolumes(ListShown(rows, "VOLUME")),
@@ -107,17 +107,17 @@ class IntelReader {
         break;
       case Section::kArrays:
         if (told->label == "Name") BeginGroup(line, told->value);
-        if (hasPart) Learn<Group>(parts.groups.back(), kGroupRowFacts, *told, line, shownGroups);
+        if (hasPart) Learn<Group>(parts.groups.Newest(), kGroupRowFacts, *told, line, shownGroups);
         if (told->label == "Num Disks") DeclareDrives(*told, line);
         break;
       case Section::kVolumes:
         if (told->label == "Name") BeginVolume(line, told->value);
         if (hasPart)
-          Learn<Volume>(parts.volumes.back(), kVolumeRowFacts, *told, line, shownVolumes);
+          Learn<Volume>(parts.volumes.Newest(), kVolumeRowFacts, *told, line, shownVolumes);
         break;
       case Section::kDrives:
         if (told->label == "ID") BeginDrive(line, told->value);
-        if (hasPart) Learn<Drive>(parts.drives.back(), kDriveRowFacts, *told, line, shownDrives);
+        if (hasPart) Learn<Drive>(parts.drives.Newest(), kDriveRowFacts, *told, line, shownDrives);
         break;
     }
   }
@@ -125,8 +125,8 @@ class IntelReader {
   /// Members belong to the only array. The report does not tell those of several apart, unless it
   /// lists a volume's drives.
   void Finish() {
-    const bool hasOneArray = parts.groups.size() == firstGroup + 1;
-    const std::string array = hasOneArray ? parts.groups.back().id : std::string();
+    const bool hasOneArray = parts.groups.CountAdded() == firstGroup + 1;
+    const std::string array = hasOneArray ? parts.groups.Newest().id : std::string();
     for (std::size_t i = firstVolume; i < parts.volumes.size(); ++i) {
       parts.volumes[i].group = hasOneArray ? array : parts.volumes[i].id;
     }
@@ -138,7 +138,7 @@ class IntelReader {
 
  private:
   enum class Section { kOther, kController, kArrays, kVolumes, kDrives };
-  using Shown = std::vector<CollectedRow>;
+  using Shown = CollectedRowList;
 
   static Shown ListShown(const CollectedRows* rows, std::string_view className) {
     return rows == nullptr ? Shown() : rows->ListRows(className);
@@ -175,7 +175,8 @@ class IntelReader {
       part = controllers;
     }
     if (controllers == 0) return;
-    Learn<Controller>(parts.controllers.back(), kControllerRowFacts, told, line, shownControllers);
+    Learn<Controller>(parts.controllers.Newest(), kControllerRowFacts, told, line,
+                      shownControllers);
   }
 
   void BeginGroup(const ReportLine& line, std::string_view name) {
@@ -183,7 +184,7 @@ class IntelReader {
     Begin(group, line, ComposeId(name));
     group.vendor = kIntelVendor;
     group.controller = controllerId;
-    part = parts.groups.size() - firstGroup;
+    part = parts.groups.CountAdded() - firstGroup;
   }
 
   /// The report has no end of its own: only the arrays tell how many drives have to follow.
@@ -191,7 +192,7 @@ class IntelReader {
     const Integer count = ReadInteger(told.value);
     constexpr std::int64_t kMost = 10'000;
     if (controllers == 0 || !count || *count < 0 || *count > kMost) return;
-    Controller& controller = parts.controllers.back();
+    Controller& controller = parts.controllers.Newest();
     controller.drivesDeclared = controller.drivesDeclared.value_or(0) + *count;
     NotePlace(controller, "drives_declared", PlaceOfLine(report, line));
   }
@@ -201,7 +202,7 @@ class IntelReader {
     Begin(volume, line, ComposeId(name));
     volume.vendor = kIntelVendor;
     volume.controller = controllerId;
-    part = parts.volumes.size() - firstVolume;
+    part = parts.volumes.CountAdded() - firstVolume;
     volume.number = std::to_string(part);
   }
 
@@ -210,7 +211,8 @@ class IntelReader {
     if (!isNew) {
       // Told before: in the list of all drives, or in that of another volume.
       hasPart = false;
-      if (!volumeOfDrives.empty()) parts.drives[known->second].group = volumeOfDrives;
+      const bool isKept = known->second < parts.drives.size();
+      if (!volumeOfDrives.empty() && isKept) parts.drives[known->second].group = volumeOfDrives;
       return;
     }
     Drive& drive = parts.drives.emplace_back();
@@ -219,7 +221,7 @@ class IntelReader {
     drive.controller = controllerId;
     drive.member = 0;
     drive.group = volumeOfDrives;
-    part = parts.drives.size() - firstDrive;
+    part = parts.drives.CountAdded() - firstDrive;
   }
 
   void Begin(Part& begun, const ReportLine& line, std::string id) {
@@ -307,12 +309,12 @@ void AddIntelSource(const CollectedRows& rows, Parts& parts, bool hasParts,
 void ReadIntelReport(const Report& report, Parts& parts) { ReadReport(report, nullptr, parts); }
 
 void ReadIntel(const CollectedRows& rows, Parts& parts) {
-  const std::size_t controllers = parts.controllers.size();
-  const std::size_t drives = parts.drives.size();
-  const std::size_t volumes = parts.volumes.size();
+  const std::size_t controllers = parts.controllers.CountAdded();
+  const std::size_t drives = parts.drives.CountAdded();
+  const std::size_t volumes = parts.volumes.CountAdded();
   const auto hasParts = [&] {
-    return parts.controllers.size() > controllers || parts.drives.size() > drives ||
-           parts.volumes.size() > volumes;
+    return parts.controllers.CountAdded() > controllers || parts.drives.CountAdded() > drives ||
+           parts.volumes.CountAdded() > volumes;
   };
   // A machine has one of the tools' controllers; two modules ask for the same report.
   std::string end;

@@ -298,7 +298,7 @@ std::string FindSas2Gap(const CollectedRows& rows) {
 
 void ReadLsi(const CollectedRows& rows, Parts& parts) {
   Answers answers;
-  const std::vector<CollectedRow> reports = rows.ListRows(kReports);
+  const CollectedRowList reports = rows.ListRows(kReports);
   for (const CollectedRow& row : reports) {
     ReadController(rows, row, FindNumber(row), parts, answers);
   }

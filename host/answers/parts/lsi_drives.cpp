@@ -45,7 +45,11 @@ void LsiDrives::Remember(std::size_t index) {
 
 Drive* LsiDrives::FindByPlace(const std::string& place) {
   const auto found = byPlace.find(place);
-  return found == byPlace.end() ? nullptr : &parts.drives[found->second];
+  if (found != byPlace.end()) return &parts.drives[found->second];
+  // Of those that were left out the last one may be told more of.
+  const bool isLast = parts.drives.CountLeft() > 0 && parts.drives.Newest().place == place &&
+                      parts.drives.Newest().controller == controller;
+  return isLast ? &parts.drives.Newest() : nullptr;
 }
 
 Drive* LsiDrives::FindByDeviceId(std::int64_t deviceId) {
@@ -58,8 +62,8 @@ Drive& LsiDrives::Add(Drive drive) {
   drive.vendor = kLsi;
   drive.controller = controller;
   parts.drives.push_back(std::move(drive));
-  Remember(parts.drives.size() - 1);
-  return parts.drives.back();
+  if (parts.drives.CountLeft() == 0) Remember(parts.drives.size() - 1);
+  return parts.drives.Newest();
 }
 
 bool HasDriveHeads(const TableHeads& heads) {

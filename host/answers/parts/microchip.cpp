@@ -146,8 +146,8 @@ void AddMicrochipSource(const CollectedRows& rows, Parts& parts, bool hasParts,
 }  // namespace
 
 void ReadMicrochip(const CollectedRows& rows, Parts& parts) {
-  const std::size_t controllers = parts.controllers.size();
-  const std::size_t drives = parts.drives.size();
+  const std::size_t controllers = parts.controllers.CountAdded();
+  const std::size_t drives = parts.drives.CountAdded();
   std::vector<std::string> gaps;
   const std::int64_t counted = ReadFirstController(rows, parts, gaps);
   const CollectedTable* table = rows.FindTable(kConfigClass);
@@ -167,9 +167,10 @@ void ReadMicrochip(const CollectedRows& rows, Parts& parts) {
   } else if (lacksController) {
     otherGap = "the report of the second controller was not read";
   }
-  AddMicrochipSource(rows, parts,
-                     parts.controllers.size() > controllers || parts.drives.size() > drives,
-                     std::move(gaps), otherGap);
+  AddMicrochipSource(
+      rows, parts,
+      parts.controllers.CountAdded() > controllers || parts.drives.CountAdded() > drives,
+      std::move(gaps), otherGap);
 }
 
 }  // namespace host

@@ -6,6 +6,7 @@
 #include <compare>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <iterator>
 #include <optional>
 #include <string>
@@ -336,22 +337,26 @@ struct Unread : Part {
 /// memory: a line of it can make a part of a hundred times its size.
 inline constexpr std::size_t kMostParts = 20'000;
 
-/// The first kMostParts of a kind, and how many more there were.
+/// The first kMostParts of a kind, and how many more there were. A vector that grows would be there
+/// twice.
 template <typename T>
-class PartList : public std::vector<T> {
+class PartList : public std::deque<T> {
  public:
-  using std::vector<T>::vector;
+  using std::deque<T>::deque;
 
   /// Valid until the next part. Beyond the limit it is none of the list.
   T& emplace_back() {
-    if (this->size() < kMostParts) return std::vector<T>::emplace_back();
+    if (this->size() < kMostParts) return std::deque<T>::emplace_back();
     ++left;
     return leftOut = T();
   }
   void push_back(T part) { emplace_back() = std::move(part); }
+  /// The part that was added last, also one that was left out.
+  T& Newest() { return left == 0 ? this->back() : leftOut; }
 
   /// Parts that were left out.
   std::size_t CountLeft() const { return left; }
+  std::size_t CountAdded() const { return this->size() + left; }
 
  private:
   T leftOut;

@@ -353,8 +353,7 @@ void ReadStorcliTermLog(const Report& report, Parts& parts) {
   events.Add(MakePinnedEvent(pinned.text), PlaceOfLine(report, pinned), std::nullopt);
 }
 
-void ReadStorcliEventRows(const std::vector<CollectedRow>& rows, const Report& report,
-                          Parts& parts) {
+void ReadStorcliEventRows(const CollectedRowList& rows, const Report& report, Parts& parts) {
   EventList events(report, parts);
   for (const CollectedRow& row : rows) {
     Event event;

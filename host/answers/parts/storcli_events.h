@@ -12,8 +12,7 @@ namespace host {
 /// which events are about. Returns where the dump breaks off, in words; empty when it does not.
 std::string ReadStorcliEvents(const Report& report, Parts& parts);
 /// The same from rows of a table of events; `report` has controller and tool, and no text.
-void ReadStorcliEventRows(const std::vector<CollectedRow>& rows, const Report& report,
-                          Parts& parts);
+void ReadStorcliEventRows(const CollectedRowList& rows, const Report& report, Parts& parts);
 
 /// storcli /cN show termlog: appends the events in it that are not known yet.
 void ReadStorcliTermLog(const Report& report, Parts& parts);

@@ -8,12 +8,14 @@
 #include "host/pqhost/start.h"
 #include "host/program/desktop.h"
 #include "host/program/interruption.h"
+#include "host/program/large_texts.h"
 #include "host/program/short_of_memory.h"
 #include "host/program/terminal.h"
 
 int main(int argc, char** argv) {
   // No other exit code means the same of every command: which one it is takes memory to know.
   host::EndCleanlyWithoutMemory(host::kExitUnknown);
+  host::GiveBackLargeTexts();
   const host::Start start = host::PlanStart(host::GetProgramArguments(argc, argv),
                                             host::HasOwnConsole(), &host::FindDesktopFolder);
   const std::vector<std::string>& arguments = start.arguments;

@@ -107,7 +107,7 @@ void AddOldEntries(Parts& parts) {
       event.sense = "3/11/00";
     }
   }
-  for (const host::Sensor& sensor : std::vector<host::Sensor>(parts.sensors)) {
+  for (const host::Sensor& sensor : host::PartList<host::Sensor>(parts.sensors)) {
     for (int bit = 0; bit < 16; ++bit) {
       const auto type = static_cast<int>(sensor.type.value_or(0));
       AddSelEvent(parts, sensor.id, type, 0x6f, bit, true, kLongAgo).level = 3;

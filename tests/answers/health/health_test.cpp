@@ -440,7 +440,7 @@ TEST(Health, OfOneMachineSaysNothingOfTheNext) {
 /// A line of a report of the sample, from 1; the number is that of a hit's place.
 std::string ReadReportLine(const host::Collection& collection, const host::Place& place) {
   const host::CollectedRows rows(collection);
-  const auto row = rows.ListRows(place.className).at(static_cast<std::size_t>(place.row - 1));
+  const auto row = rows.ListRows(place.className)[static_cast<std::size_t>(place.row - 1)];
   const auto text = row.FindText(place.key);
   host::ReportLine line;
   host::ReportLines lines(text ? text->View() : std::string_view());

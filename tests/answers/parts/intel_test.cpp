@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "host/answers/parts/collected_rows.h"
 #include "host/answers/parts/read_parts.h"
 #include "host/collect/collect.h"
 
@@ -82,6 +83,19 @@ TEST(IntelParts, AreAsManyDrivesAsTheArraysTell) {
   ASSERT_EQ(parts.controllers.size(), 1U);
   EXPECT_EQ(parts.controllers[0].drivesDeclared, Integer(6));
   EXPECT_FALSE(ReadText(std::string(kController) + kDrives).controllers[0].drivesDeclared);
+}
+
+// The lines of one that is left out are about no other one.
+TEST(IntelParts, AreLeftOutBehindTheMostOfAnotherVendor) {
+  Parts parts;
+  for (std::size_t i = 0; i < host::kMostParts; ++i) parts.drives.emplace_back();
+  host::Recording machine = MakeIntelMachine(std::string(kController) + kDrives +
+                                             Drive("0-4-0-0", "Failed") + Drive("0-4-0-0"));
+  const host::Collection collection = host::Collect(machine, {});
+  host::ReadIntel(host::CollectedRows(collection), parts);
+  EXPECT_EQ(parts.drives.CountLeft(), 1U);
+  EXPECT_EQ(parts.drives.back().state, "");
+  EXPECT_EQ(parts.drives.Newest().state, "Failed");
 }
 
 TEST(IntelParts, AreReadByLabels) {

@@ -1,3 +1,4 @@
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -7,6 +8,7 @@
 #include <vector>
 
 #include "host/answers/parts/read_parts.h"
+#include "host/answers/parts/storcli_drives.h"
 #include "host/collect/collect.h"
 #include "tests/support/samples.h"
 
@@ -65,6 +67,19 @@ TEST(ReadLsi, ReadsEveryController) {
   EXPECT_EQ(count("lsi1"), 2);
   EXPECT_EQ(Tell(parts, "lsi"), "read: ");
   EXPECT_EQ(Tell(parts, "sas2"), "read: ");
+}
+
+// The lines of one that is left out are about no other one.
+TEST(ReadLsi, LeavesOutDrivesThatNoMachineHas) {
+  std::string details;
+  for (std::size_t i = 0; i < host::kMostParts + 1; ++i) {
+    details += fmt::format("Drive /c0/e7/s{} :\r\nShield Counter = {}\r\nSN = X\r\n", i, i);
+  }
+  Parts parts;
+  host::ReadStorcliDrives({details, {}, "lsi0"}, parts);
+  ASSERT_EQ(parts.drives.size(), host::kMostParts);
+  EXPECT_EQ(parts.drives.CountLeft(), 1U);
+  EXPECT_EQ(parts.drives.back().shield, host::Integer(host::kMostParts - 1));
 }
 
 TEST(ReadLsi, GivesConditionsToStates) {

@@ -74,11 +74,37 @@ std::string MakeArpTable(std::size_t bytes) {
   return text;
 }
 
+std::string MakeListOfDrives(std::size_t bytes) {
+  std::string text =
+      "Controller = 0\r\nStatus = Success\r\nProduct Name = KORVA MR-24i\r\n\r\nPD LIST :\r\n"
+      "=======\r\n\r\n-------------------------------\r\n"
+      "EID:Slt DID State DG       Size Intf Med SED PI SeSz Model             Sp Type\r\n"
+      "-------------------------------\r\n";
+  for (std::size_t i = 0; text.size() < bytes; ++i) {
+    text += fmt::format(
+        "{}:{:<6} {:>3} Onln   0 446.625 GB SATA SSD N   N  512B KORVA NS480M2     U  -\r\n",
+        i / 200, i % 200, i % 1000);
+  }
+  return text + "-------------------------------\r\n";
+}
+
+std::string MakeSensors(std::size_t bytes) {
+  std::string text;
+  for (std::size_t i = 0; text.size() < bytes; ++i) {
+    text += fmt::format(
+        "T{:07} Temp | {:3}.00 | C | ok | na | na | na | 85.00 | 92.00 | 100.00\r\n", i, i % 90);
+  }
+  return text;
+}
+
 std::string Repeat(std::string_view text, std::size_t bytes) {
   std::string all;
   while (all.size() < bytes) all += text;
   return all;
 }
+
+std::string MakeShortLines(std::size_t bytes) { return Repeat("ab\n", bytes); }
+std::string MakeEmptyLines(std::size_t bytes) { return Repeat("\n", bytes); }
 
 struct Output {
   const char* name;
@@ -86,12 +112,16 @@ struct Output {
   const char* arguments;
   MakeText make;  ///< null: the sample's, again and again
 };
-constexpr std::array<Output, 5> kOutputs{{
+constexpr std::array<Output, 9> kOutputs{{
     {"ListOfConnections", "netstat", "", &MakeConnections},
     {"ArpTable", "arp", "-a", &MakeArpTable},
     {"Sel", "ipmiutil", "sel", &MakeSel},
     {"ListOfEvents", "storcli", "/c0 show events", &MakeEvents},
     {"DrivesWithAllFacts", "storcli", "/c0/eall/sall show all", nullptr},
+    {"ListOfDrives", "storcli", "/c0 show", &MakeListOfDrives},
+    {"Sensors", "ipmiutil", "sensor -s -q", &MakeSensors},
+    {"SensorsOfThreeCharacters", "ipmiutil", "sensor -s -q", &MakeShortLines},
+    {"SelOfEmptyLines", "ipmiutil", "sel", &MakeEmptyLines},
 }};
 
 class PeakMemory : public testing::TestWithParam<Output> {
@@ -124,6 +154,7 @@ TEST_P(PeakMemory, GrowsByAFewTimesTheInput) {
   const std::string out = folder / "out";
   const std::vector<std::pair<std::string, std::vector<std::string>>> works = {
       {"json", {"collect", "--format", "json"}},
+      {"metrics", {"collect", "--format", "prometheus"}},
       {"html", {"collect", "--format", "html", "--output", out}},
       {"sqlite", {"collect", "--format", "sqlite", "--output", out}},
       {"trace", {"collect", "--format", "none", "--trace", "-"}},

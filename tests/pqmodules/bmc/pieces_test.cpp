@@ -1,6 +1,9 @@
 #include <gmock/gmock.h>
 
 #include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "frame/tokens.h"
 #include "pqmodules/rbmcinfo/oem_queries.h"
@@ -22,7 +25,8 @@ std::string Joined(std::string output) {
 
 std::vector<std::pair<std::string, std::string>> PairsOf(std::string_view output) {
   std::vector<std::pair<std::string, std::string>> pairs;
-  for (const NamedValue& pair : PairTokens(SplitTokens(output, ":\n\r"))) {
+  NamedValue pair;
+  for (TokenScan tokens = ScanPairs(output); NextPair(tokens, pair);) {
     pairs.emplace_back(pair.name, pair.value);
   }
   return pairs;
@@ -129,41 +133,50 @@ TEST(SensorErrorText, IsNotTheWordAlone) {
 
 TEST(SensorErrorText, IsNotSoughtBehindANul) { EXPECT_FALSE(HasSensorErrorText("a|b\0Error:"s)); }
 
+std::vector<std::string> FieldsOf(const SensorListing& listing) {
+  std::vector<std::string> all;
+  TokenScan fields = listing.Fields();
+  for (std::string_view field = fields.Next(); !field.empty(); field = fields.Next()) {
+    all.emplace_back(field);
+  }
+  return all;
+}
+
 TEST(SensorFields, AreSplitAtBarsAndLineEndsAndKeepTheirBlanks) {
-  EXPECT_THAT(SplitSensorFields("a | b |c|\r\nd\t|e\n").fields,
+  EXPECT_THAT(FieldsOf(FindSensorListing("a | b |c|\r\nd\t|e\n")),
               ElementsAre("a ", " b ", "c", "d\t", "e"));
 }
 
 TEST(SensorFields, LoseEmptyOnes) {
-  EXPECT_THAT(SplitSensorFields("||a||b|\r\n\r\n|c").fields, ElementsAre("a", "b", "c"));
+  EXPECT_THAT(FieldsOf(FindSensorListing("||a||b|\r\n\r\n|c")), ElementsAre("a", "b", "c"));
 }
 
 TEST(SensorFields, EndAtAFieldOfOneBlank) {
-  const SensorFields listing = SplitSensorFields("a|b| |c\r\nd");
-  EXPECT_THAT(listing.fields, ElementsAre("a", "b"));
+  const SensorListing listing = FindSensorListing("a|b| |c\r\nd");
+  EXPECT_THAT(FieldsOf(listing), ElementsAre("a", "b"));
   EXPECT_TRUE(listing.endedByBlank);
 }
 
 TEST(SensorFields, GoOnAfterTwoBlanksOrABlankWithText) {
-  const SensorFields listing = SplitSensorFields("a|  | b|\t|c");
-  EXPECT_THAT(listing.fields, ElementsAre("a", "  ", " b", "\t", "c"));
+  const SensorListing listing = FindSensorListing("a|  | b|\t|c");
+  EXPECT_THAT(FieldsOf(listing), ElementsAre("a", "  ", " b", "\t", "c"));
   EXPECT_FALSE(listing.endedByBlank);
 }
 
 TEST(SensorFields, TakeAnythingAsTheFirst) {
-  const SensorFields listing = SplitSensorFields(" |a| |b");
-  EXPECT_THAT(listing.fields, ElementsAre(" ", "a"));
+  const SensorListing listing = FindSensorListing(" |a| |b");
+  EXPECT_THAT(FieldsOf(listing), ElementsAre(" ", "a"));
   EXPECT_TRUE(listing.endedByBlank);
 }
 
 TEST(SensorFields, EndAtTheFirstNul) {
-  EXPECT_THAT(SplitSensorFields("a|b\0c|d"s).fields, ElementsAre("a", "b"));
+  EXPECT_THAT(FieldsOf(FindSensorListing("a|b\0c|d"s)), ElementsAre("a", "b"));
 }
 
 TEST(SensorFields, AreNoneInAnEmptyListing) {
-  EXPECT_THAT(SplitSensorFields("").fields, IsEmpty());
-  EXPECT_THAT(SplitSensorFields("|\r\n|").fields, IsEmpty());
-  EXPECT_FALSE(SplitSensorFields("").endedByBlank);
+  EXPECT_THAT(FieldsOf(FindSensorListing("")), IsEmpty());
+  EXPECT_THAT(FieldsOf(FindSensorListing("|\r\n|")), IsEmpty());
+  EXPECT_FALSE(FindSensorListing("").endedByBlank);
 }
 
 TEST(KeyFamilies, AreNumberedFromOneToTheirCount) {

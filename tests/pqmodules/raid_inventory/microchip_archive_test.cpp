@@ -303,13 +303,13 @@ TEST(MicrochipArchive, AttachesAnEmptyReport) {
       CollectArchive(Archive().Config("c\n").File("Controller_1_Log.txt", ""));
   EXPECT_THAT(collected.LogTexts(), Contains("4 Size:0"));
   EXPECT_THAT(collected.Rows("PMCLINK").at(0), Contains("Controller_Log="));
-  EXPECT_THAT(collected.Tables().at("PMCLINK").rows.at(0).shape->attributes,
+  EXPECT_THAT(collected.Tables().at("PMCLINK").rows[0].shape->attributes,
               Contains(host::Attribute{"Controller_Log", "filename", "Controller_1_Log"}));
 }
 
 TEST(MicrochipArchive, MarksAReportAsARawFile) {
   const Collected collected = CollectArchive(Archive().Config("c\n"));
-  EXPECT_THAT(collected.Tables().at("PMCLINK").rows.at(0).shape->attributes,
+  EXPECT_THAT(collected.Tables().at("PMCLINK").rows[0].shape->attributes,
               ElementsAre(host::Attribute{"Controller_Config", "raw", "true"},
                           host::Attribute{"Controller_Config", "filename", "Controller_1_Config"}));
 }

@@ -46,7 +46,7 @@ TEST(LogLinks, CarryTheFourReportsWhole) {
 
 TEST(LogLinks, MarkEveryReportAsARawFileUnderItsTag) {
   const Collected collected = OneController().Collect();
-  const auto& row = collected.Tables().at("LSILINK").rows.at(0);
+  const auto& row = collected.Tables().at("LSILINK").rows[0];
   std::vector<std::string> attributes;
   for (const auto& a : row.shape->attributes) {
     attributes.push_back(a.propertyKey + " " + a.name + " " + a.value);
