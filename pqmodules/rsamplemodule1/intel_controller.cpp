@@ -30,8 +30,7 @@ constexpr Column kControllerName{"Name", "Name", "name of the controller"};
 constexpr std::string_view kNameLabel = "Name";
 
 constexpr ControllerLine kLines[] = {
-    {5, kControllerName},  // The first three places are above the name or, without an ID, the name
-                           // itself.
+    {5, kControllerName},  // The first three places are above it or, without ID, the name itself.
     {5, kControllerName},
     {5, kControllerName},
     {5, kControllerName},
