@@ -217,11 +217,19 @@ std::string QuoteLiteral(std::string_view text) {
 }
 
 std::string WriteTexts(const std::vector<std::string>& texts) {
+  return WriteValues({texts.begin(), texts.end()});
+}
+
+std::string WriteValues(const std::vector<Value>& values) {
   std::string array = "{";
-  for (const std::string& text : texts) {
+  for (const Value& value : values) {
     if (array.size() > 1) array += ',';
+    if (!value) {
+      array += "null";
+      continue;
+    }
     array += '"';
-    for (const char c : text) {
+    for (const char c : *value) {
       if (c == '"' || c == '\\') array += '\\';
       array += c;
     }

@@ -129,7 +129,7 @@ std::string QuoteName(std::string_view name);
 /// A text in quotes, for a statement.
 std::string QuoteLiteral(std::string_view text);
 
-/// Arrays as PostgreSQL reads them: {1,2}, {"a","b"}.
+/// Arrays as PostgreSQL reads them: {1,2}, {"a","b"}, {"a",null}.
 template <typename Number>
 std::string WriteNumbers(const std::vector<Number>& numbers) {
   std::string text = "{";
@@ -140,5 +140,6 @@ std::string WriteNumbers(const std::vector<Number>& numbers) {
   return text + '}';
 }
 std::string WriteTexts(const std::vector<std::string>& texts);
+std::string WriteValues(const std::vector<Value>& values);
 
 }  // namespace fleet
