@@ -752,6 +752,10 @@ def test_month(server):
            f"the order of nights counts: {differences(digest(ordered), digest(shuffled))}")
     expect(ordered.value("select count(*) from fleet.verdict_now where taken ="
                          " '2026-01-30 00:00:00+00'") == "2", "the newest night shows")
+    # A night's rows take the room of the last one's.
+    updated, in_place = map(int, ordered.sql("select n_tup_upd, n_tup_hot_upd from"
+                                             " pg_stat_user_tables where relname = 'part_drives'")[0])
+    expect(updated > in_place > 0, f"{updated} drives updated, {in_place} in their pages")
 
 
 def test_order(server):
