@@ -20,13 +20,10 @@
 #include <csignal>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <new>
 #include <system_error>
 #include <vector>
-
-#include "fleet/process_heap.h"
 
 namespace fleet {
 namespace {
@@ -114,7 +111,6 @@ void Confine(const IsolationLimits& limits, Sandbox sandbox) {
   mallopt(M_MMAP_THRESHOLD, kHugePiece);
   constexpr int kStep = 4 << 20;
   mallopt(M_TOP_PAD, kStep);
-  BeginProcessHeap();
   Limit(RLIMIT_AS, limits.memory);
   Limit(RLIMIT_FSIZE, 0);
   Limit(RLIMIT_NPROC, 0);

@@ -19,7 +19,6 @@ CATALOGUE = "the error catalogue is one for the process; it is complete before m
 IMPORTS = "replaced imports are the process's: a function in the table cannot tell for whom it is there"
 TERMINATION = "read by what std::terminate() calls, which can be given no object"
 CONSOLE = "the process has one console"
-PROCESS_HEAP = "operator new can be given no object; used in a process that parses one recording alone"
 MEMORY = "the process has one memory; the store counts what is in it, and shows no text to others"
 
 AGREED = {
@@ -35,7 +34,6 @@ AGREED = {
     "host::(anonymous namespace)::partialPaths": SIGNAL,
     "host::(anonymous namespace)::exitCodeWithoutMemory": TERMINATION,
     "host::(anonymous namespace)::usualEnd": TERMINATION,
-    "fleet::(anonymous namespace)::processHeap": PROCESS_HEAP,
     "host::LimitProgramSearch()::done": IMPORTS,
     "pq::GeneralErrors()::errors": CATALOGUE,
     "pq::CategoryErrors()::errors": CATALOGUE,
