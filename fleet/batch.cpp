@@ -24,11 +24,6 @@ class Transaction {
       : connection(connection), tables(tables), schema(schema), batch(batch), claim(claim) {}
 
   BatchCounts Run() {
-    // Rows on which workers and readers rely are found by their keys; plans made of statistics of
-    // another hour read whole tables.
-    connection.Run(
-        "set local enable_hashjoin = off; set local enable_mergejoin = off;"
-        "set local enable_seqscan = off");
     FindMine();
     for (const WorkedRecording* one : mine) {
       if (!IsUsable(*one)) continue;

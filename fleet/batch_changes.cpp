@@ -7,6 +7,26 @@
 namespace fleet {
 namespace {
 
+/// In their places, where an index needs to be told of none unless its columns are others.
+void UpdateRows(const BatchChanges::OfTable& change, const RowTable& described,
+                Connection& connection) {
+  std::string sets;
+  std::string arrays = "$1::int[], $2::int[]";
+  std::string names = "s, r";
+  std::vector<Value> values = {WriteNumbers(change.changedServers),
+                               WriteNumbers(change.changedRows)};
+  for (std::size_t i = 0; i < described.columns.size(); ++i) {
+    values.push_back(WriteValues(change.changedCells[i]));
+    sets += fmt::format("{}{} = c{}", i == 0 ? "" : ", ", QuoteName(described.columns[i].name), i);
+    arrays += fmt::format(", ${}::{}[]", values.size(), described.columns[i].type);
+    names += fmt::format(", c{}", i);
+  }
+  connection.Ask(fmt::format("update {} t set {} from unnest({}) u({}) "
+                             "where t._server = u.s and t._row = u.r",
+                             QuoteName(described.stored), sets, arrays, names),
+                 values);
+}
+
 /// The rows of servers, and what is kept of each server.
 void ApplyRows(BatchChanges& changes, const RowTables& tables, Connection& connection) {
   for (auto& [table, change] : changes.tables) {
@@ -21,6 +41,7 @@ void ApplyRows(BatchChanges& changes, const RowTables& tables, Connection& conne
                                  name),
                      {WriteNumbers(change.removedServers), WriteNumbers(change.removedRows)});
     }
+    if (!change.changedRows.empty()) UpdateRows(change, described, connection);
     if (!change.packs.IsEmpty()) connection.Copy(name + " (_server, _row, rows)", change.packs);
     if (change.added.empty()) continue;
     std::string columns = "_server, _row";

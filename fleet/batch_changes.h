@@ -18,6 +18,9 @@ struct BatchChanges {
   struct OfTable {
     /// Each a server and a row of it; of packed rows a server, all of whose rows are removed.
     std::vector<std::int64_t> removedServers, removedRows;
+    /// Each a server and a row of it that is another now, and the cells of these by column.
+    std::vector<std::int64_t> changedServers, changedRows;
+    std::vector<std::vector<Value>> changedCells;
     std::string added;
     BinaryRows packs;
   };

@@ -7,7 +7,9 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
 
+#include "fleet/copy_text.h"
 #include "fleet/server_state.h"
 
 namespace fleet {
@@ -41,26 +43,35 @@ class ServerComparison {
       if (!split.rows.empty()) now.emplace(number, DescribeRows(split.hashes, isLog));
       if (change.IsEmpty()) continue;
       BatchChanges::OfTable& changed = changes.tables[table];
-      if (tables.At(table).IsPacked()) {
-        const std::size_t known = old == before.end() ? 0 : old->second.rows;
-        AddPack(server, split, known, change, changed);
-      } else {
-        AddRows(server, split, change, changed);
-      }
+      const std::size_t known = old == before.end() ? 0 : old->second.rows;
+      const auto add = tables.At(table).IsPacked() ? &AddPack : &AddRows;
+      add(server, split, known, change, changed);
       changes.rows += change.removed.size() + change.added.size();
     }
     return now;
   }
 
  private:
-  static void AddRows(std::int64_t server, const SplitTable& split, const TableChange& change,
-                      BatchChanges::OfTable& changed) {
+  static void AddRows(std::int64_t server, const SplitTable& split, std::size_t known,
+                      const TableChange& change, BatchChanges::OfTable& changed) {
     for (const std::uint32_t row : change.removed) {
+      if (row <= split.rows.size()) continue;
       changed.removedServers.push_back(server);
       changed.removedRows.push_back(row);
     }
     for (const std::uint32_t row : change.added) {
-      changed.added += fmt::format("{}\t{}\t{}\n", server, row, split.rows[row - 1]);
+      const std::string_view cells = split.rows[row - 1];
+      if (row > known) {
+        changed.added += fmt::format("{}\t{}\t{}\n", server, row, cells);
+        continue;
+      }
+      changed.changedServers.push_back(server);
+      changed.changedRows.push_back(row);
+      std::vector<Value> values = ReadCopyCells(cells);
+      changed.changedCells.resize(values.size());
+      for (std::size_t i = 0; i < values.size(); ++i) {
+        changed.changedCells[i].push_back(std::move(values[i]));
+      }
     }
   }
 

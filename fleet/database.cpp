@@ -135,9 +135,27 @@ Answer Connection::Check(PGresult* result) {
   }
 }
 
+void Connection::KeepPlans() {
+  Run("set plan_cache_mode = force_generic_plan;"
+      "set enable_hashjoin = off; set enable_mergejoin = off; set enable_seqscan = off");
+  keepsPlans = true;
+}
+
+const std::string& Connection::Prepare(const std::string& sql) {
+  const auto known = prepared.find(sql);
+  if (known != prepared.end()) return known->second;
+  const std::string name = "kept" + std::to_string(prepared.size());
+  Check(PQprepare(connection.get(), name.c_str(), sql.c_str(), 0, nullptr));
+  return prepared.emplace(sql, name).first->second;
+}
+
 Answer Connection::Ask(const std::string& sql, const std::vector<Value>& values) {
   std::vector<const char*> texts;
   for (const Value& value : values) texts.push_back(value ? value->c_str() : nullptr);
+  if (keepsPlans) {
+    return Check(PQexecPrepared(connection.get(), Prepare(sql).c_str(),
+                                static_cast<int>(texts.size()), texts.data(), nullptr, nullptr, 0));
+  }
   return Check(PQexecParams(connection.get(), sql.c_str(), static_cast<int>(texts.size()), nullptr,
                             texts.data(), nullptr, nullptr, 0));
 }
@@ -199,11 +217,19 @@ std::string QuoteLiteral(std::string_view text) {
 }
 
 std::string WriteTexts(const std::vector<std::string>& texts) {
+  return WriteValues({texts.begin(), texts.end()});
+}
+
+std::string WriteValues(const std::vector<Value>& values) {
   std::string array = "{";
-  for (const std::string& text : texts) {
+  for (const Value& value : values) {
     if (array.size() > 1) array += ',';
+    if (!value) {
+      array += "null";
+      continue;
+    }
     array += '"';
-    for (const char c : text) {
+    for (const char c : *value) {
       if (c == '"' || c == '\\') array += '\\';
       array += c;
     }

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -71,6 +72,10 @@ class Connection {
   /// `purpose` is what pg_stat_activity shows of it.
   Connection(const ConnectionWords& words, const std::string& purpose);
 
+  /// From now on each statement that is asked is planned once, by keys: for who asks the same ones
+  /// for hours of rows that keys find. Plans made of statistics of another hour read whole tables.
+  void KeepPlans();
+
   /// One statement; `values` are $1 and so on.
   Answer Ask(const std::string& sql, const std::vector<Value>& values = {});
   /// Several statements, separated by semicolons.
@@ -91,7 +96,12 @@ class Connection {
   Answer Check(PGresult* result);
   void SendRows(const std::string& copy, std::string_view rows);
 
+  /// The name that the server knows the statement by.
+  const std::string& Prepare(const std::string& sql);
+
   std::unique_ptr<PGconn, decltype(&PQfinish)> connection;
+  bool keepsPlans = false;
+  std::map<std::string, std::string> prepared;  ///< names of statements
 };
 
 /// `work` as a transaction, again when another one was in its way.
@@ -119,7 +129,7 @@ std::string QuoteName(std::string_view name);
 /// A text in quotes, for a statement.
 std::string QuoteLiteral(std::string_view text);
 
-/// Arrays as PostgreSQL reads them: {1,2}, {"a","b"}.
+/// Arrays as PostgreSQL reads them: {1,2}, {"a","b"}, {"a",null}.
 template <typename Number>
 std::string WriteNumbers(const std::vector<Number>& numbers) {
   std::string text = "{";
@@ -130,5 +140,6 @@ std::string WriteNumbers(const std::vector<Number>& numbers) {
   return text + '}';
 }
 std::string WriteTexts(const std::vector<std::string>& texts);
+std::string WriteValues(const std::vector<Value>& values);
 
 }  // namespace fleet

@@ -20,7 +20,6 @@
 #include <csignal>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <new>
 #include <system_error>
@@ -100,17 +99,6 @@ void Limit(__rlimit_resource resource, std::uint64_t most) {
   if (setrlimit(resource, &limit) != 0) _exit(kNoSandbox);
 }
 
-/// What most recordings need of memory, all at once instead of by a page fault for each page.
-void PopulateHeap() {
-  constexpr std::size_t kUsual = std::size_t{3} << 20;
-  constexpr std::uintptr_t kPage = 4096;
-  void* const room = std::malloc(kUsual);
-  if (room == nullptr) return;
-  const std::uintptr_t begin = (reinterpret_cast<std::uintptr_t>(room) + kPage - 1) & ~(kPage - 1);
-  madvise(reinterpret_cast<void*>(begin), kUsual - kPage, MADV_POPULATE_WRITE);
-  std::free(room);
-}
-
 /// In the process: gives away all that the work does not need.
 void Confine(const IsolationLimits& limits, Sandbox sandbox) {
   prctl(PR_SET_DUMPABLE, 0);
@@ -123,7 +111,6 @@ void Confine(const IsolationLimits& limits, Sandbox sandbox) {
   mallopt(M_MMAP_THRESHOLD, kHugePiece);
   constexpr int kStep = 4 << 20;
   mallopt(M_TOP_PAD, kStep);
-  PopulateHeap();
   Limit(RLIMIT_AS, limits.memory);
   Limit(RLIMIT_FSIZE, 0);
   Limit(RLIMIT_NPROC, 0);

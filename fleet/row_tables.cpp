@@ -14,6 +14,9 @@ namespace {
 constexpr std::string_view kEvents = "events";
 /// Asked of one server, where its findings are.
 constexpr std::string_view kEvidence = "evidence";
+/// They have temperatures.
+constexpr std::string_view kDrives = "drives";
+constexpr std::string_view kSensors = "sensors";
 
 /// Before the name of a table of packed rows.
 const std::string kPacked = "packed_";
@@ -32,7 +35,7 @@ std::string ChooseType(host::PartType type) {
 
 RowTable MakeClassTable(const pq::TableDescription& description) {
   const std::string name = NameClassTable(description.className);
-  RowTable table{name, kPacked + name, "", description.title, description.isLog, {}};
+  RowTable table{name, kPacked + name, "", description.title, description.isLog, false, {}};
   for (const pq::ColumnDescription& column : description.columns) {
     table.columns.push_back({column.key, "text", column.text});
   }
@@ -50,6 +53,7 @@ RowTable MakePartTable(const Described& described) {
                  std::string(described.name),
                  std::string(described.description),
                  isLog,
+                 described.name == kDrives || described.name == kSensors,
                  {}};
   for (const auto& column : described.columns) {
     table.columns.push_back(

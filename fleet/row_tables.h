@@ -24,6 +24,7 @@ struct RowTable {
   std::string view;  ///< that shows it with its servers; none for classes: a view is never of these
   std::string description;
   bool isLog = false;              ///< its rows are a log, the newest last
+  bool changesNightly = false;     ///< most of its rows are others each night
   std::vector<RowColumn> columns;  ///< without the server and the row's number
 
   /// Rows that nobody asks many servers for are kept as one text, which PostgreSQL compresses:

@@ -51,8 +51,7 @@ void GrantRights(Connection& connection, const RowTables& tables) {
       "grant select on schema_version to {0}, {2};"
       "grant select on all tables in schema fleet to {1};"
       "grant update on job, server to {1};"
-      "grant insert, delete on result, drive_error, drive_growth, server_state{3} to {1};"
-      "grant update on drive_growth to {1};"
+      "grant insert, update, delete on result, drive_error, drive_growth, server_state{3} to {1};"
       "grant usage on sequence claim to {1};",
       kDoor, kWorker, kReader, rowTables));
   // Those of packs are for the views of them.
@@ -101,6 +100,13 @@ std::map<std::string, std::string> FindColumns(Connection& connection, const std
   return columns;
 }
 
+/// Rows that are updated each night need room for the next ones beside them: then no index is told
+/// of these, and the page is used again the night after.
+void FillPages(Connection& connection, const RowTable& table) {
+  connection.Run(fmt::format("alter table {} set (fillfactor = {})", QuoteName(table.name),
+                             table.changesNightly ? 50 : 90));
+}
+
 void MakeSingleRows(Connection& connection, const RowTable& table, SchemaChanges& changes) {
   const std::map<std::string, std::string> there = FindColumns(connection, table.name);
   if (there.empty()) {
@@ -110,12 +116,14 @@ void MakeSingleRows(Connection& connection, const RowTable& table, SchemaChanges
     }
     connection.Run(
         fmt::format("create table {} (_server int not null, _row int not null{}, "
-                    "primary key (_server, _row)) with (fillfactor = 90)",
+                    "primary key (_server, _row))",
                     QuoteName(table.name), columns));
     connection.Ask("insert into row_table (name) values ($1) on conflict do nothing", {table.name});
     changes.push_back("new table " + table.name);
+    FillPages(connection, table);
     return;
   }
+  FillPages(connection, table);
   for (const RowColumn& column : table.columns) {
     const auto found = there.find(column.name);
     if (found != there.end() && found->second == column.type) continue;

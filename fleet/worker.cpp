@@ -119,6 +119,7 @@ void Worker::TryRelease(Connection& connection, const Schema& schema, const Clai
 }
 
 void Worker::WorkWith(Connection& connection) {
+  connection.KeepPlans();
   // What this process had when the connection was lost need not wait for the end of its lease.
   connection.Ask(
       "update job set state = 0, claim = null, worker = null, lease = null "

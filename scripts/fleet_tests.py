@@ -305,7 +305,8 @@ def check_asking(fleet):
 
 def check_document(fleet):
     """The questions of docs/fleet.md have the answers that are written there."""
-    text = (ROOT / "docs" / "fleet.md").read_text().split("```sql\n")[1].split("```")[0]
+    text, of_logs = (block.split("```")[0] for block in
+                     (ROOT / "docs" / "fleet.md").read_text().split("```sql\n")[1:])
     questions = 0
     for block in text.split("\n\n"):
         lines = block.strip().splitlines()
@@ -320,6 +321,11 @@ def check_document(fleet):
                f"{lines[0]} {rows} {ended.stderr}")
         questions += 1
     expect(questions == 12, f"{questions} questions")
+    # Of the logs of some servers: the same as by a join, which looks at all.
+    asked = fleet.query(of_logs).stdout.splitlines()
+    expected = fleet.query("SELECT server, time, text FROM events JOIN verdict_now USING (server, site)"
+                           " WHERE verdict = 'critical' AND level >= 2").stdout.splitlines()
+    expect(sorted(asked) == sorted(expected) and len(asked) > 1, f"{len(asked)} of {len(expected)} entries")
 
 
 def check_commands(fleet):
@@ -752,6 +758,11 @@ def test_month(server):
            f"the order of nights counts: {differences(digest(ordered), digest(shuffled))}")
     expect(ordered.value("select count(*) from fleet.verdict_now where taken ="
                          " '2026-01-30 00:00:00+00'") == "2", "the newest night shows")
+    # A night's rows take the room of the last one's.
+    updated, in_place = map(int, ordered.sql("select n_tup_upd, n_tup_hot_upd from"
+                                             " pg_stat_user_tables where relname = 'part_drives'")[0])
+    expect(updated > in_place > 0, f"{updated} drives updated, {in_place} in their pages")
+    compare_with_pqhost(ordered, {path.name.split("_")[0]: path for path in files[29::30]})
 
 
 def test_order(server):

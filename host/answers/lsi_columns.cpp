@@ -87,8 +87,9 @@ class ListComparison {
       const std::string_view head = FindHead(heads, column.key);
       if (head.empty()) continue;
       const std::string shown = row.Get(column.key);
-      if (JoinWords(shown) == JoinWords((*cells)[head])) continue;
-      otherRows.Take(row.Number(), column.label, shown, (*cells)[head]);
+      const std::string_view printed = (*cells)[head];
+      if (shown == printed || JoinWords(shown) == JoinWords(printed)) continue;
+      otherRows.Take(row.Number(), column.label, shown, printed);
       return;
     }
   }

@@ -66,6 +66,7 @@ Found FindOpenRecord(const pq::Omission& omission, std::string_view text) {
 Found FindLackingLines(const pq::Omission& omission, const pq::TableDescription& table,
                        std::string_view text) {
   struct Label {
+    std::string_view column;
     std::string text;
     bool isInRow = false;
     bool cameBefore = false;
@@ -73,7 +74,9 @@ Found FindLackingLines(const pq::Omission& omission, const pq::TableDescription&
   };
   std::vector<Label> labels;
   for (const pq::ColumnDescription& column : table.columns) {
-    labels.push_back({.text = column.label + omission.label});
+    Label label{.column = column.label, .text = column.label + omission.label};
+    // One that no row has lacks in none.
+    if (text.find(label.text) != std::string_view::npos) labels.push_back(std::move(label));
   }
   while (!text.empty()) {
     const std::string_view line = TakeLine(text);
@@ -88,11 +91,10 @@ Found FindLackingLines(const pq::Omission& omission, const pq::TableDescription&
     }
   }
   std::vector<std::string> lacking;
-  for (std::size_t i = 0; i < labels.size(); ++i) {
-    const std::size_t rows = labels[i].lacking;
+  for (const Label& label : labels) {
+    const std::size_t rows = label.lacking;
     if (rows == 0) continue;
-    lacking.push_back(
-        fmt::format("{} ({} row{})", table.columns[i].label, rows, rows == 1 ? "" : "s"));
+    lacking.push_back(fmt::format("{} ({} row{})", label.column, rows, rows == 1 ? "" : "s"));
   }
   return lacking.empty() ? std::nullopt : Found(fmt::format("{}", fmt::join(lacking, ", ")));
 }

@@ -71,7 +71,8 @@ const CollectedAnswer* CollectedRows::FindAnswer(std::string_view program,
 std::optional<DecodedText> CollectedRows::FindFile(std::string_view path) const {
   const std::string wanted = LowerCase(path);
   for (const auto& [name, text] : collection.files) {
-    if (LowerCase(name) == wanted) return decoder.Decode(SkipByteOrderMark(text.Text()));
+    const bool isIt = name.size() == wanted.size() && LowerCase(name) == wanted;
+    if (isIt) return decoder.Decode(SkipByteOrderMark(text.Text()));
   }
   return std::nullopt;
 }
