@@ -761,7 +761,7 @@ def test_month(server):
     # A night's rows take the room of the last one's.
     updated, in_place = map(int, ordered.sql("select n_tup_upd, n_tup_hot_upd from"
                                              " pg_stat_user_tables where relname = 'part_drives'")[0])
-    expect(updated > in_place > 0, f"{updated} drives updated, {in_place} in their pages")
+    expect(updated >= in_place > 0, f"{updated} drives updated, {in_place} in their pages")
     compare_with_pqhost(ordered, {path.name.split("_")[0]: path for path in files[29::30]})
 
 
