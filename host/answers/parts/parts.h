@@ -335,7 +335,7 @@ struct Unread : Part {
 
 /// No machine has so many of anything. What a stranger's report lists beyond must not fill the
 /// memory: a line of it can make a part of a hundred times its size.
-inline constexpr std::size_t kMostParts = 5'000;
+inline constexpr std::size_t kMostParts = 2'000;
 
 /// The first kMostParts of a kind, and how many more there were. A vector that grows would be there
 /// twice.

@@ -56,9 +56,9 @@ TEST(BmcParts, AreNotMoreThanAnyMachineHas) {
   }
   const Parts parts = ReadWith("sensor -s -q", readings);
   EXPECT_EQ(parts.sensors.size(), host::kMostParts);
-  EXPECT_EQ(parts.sensors.back().name, "T4999");
+  EXPECT_EQ(parts.sensors.back().name, "T1999");
   ASSERT_EQ(parts.unread.size(), 1U);
-  EXPECT_EQ(parts.unread[0].text, "2 more sensors were left out: a table has 5000 at most");
+  EXPECT_EQ(parts.unread[0].text, "2 more sensors were left out: a table has 2000 at most");
 }
 
 TEST(BmcParts, KeepTheFirstOfTooManyUnreadLines) {
@@ -67,7 +67,7 @@ TEST(BmcParts, KeepTheFirstOfTooManyUnreadLines) {
   const Parts parts = ReadWith("sensor -s -q", lines);
   EXPECT_EQ(parts.sensors.size(), 1U);
   ASSERT_EQ(parts.unread.size(), host::kMostParts + 1);
-  EXPECT_EQ(parts.unread[0].text, "5 more unread lines were left out: a table has 5000 at most");
+  EXPECT_EQ(parts.unread[0].text, "5 more unread lines were left out: a table has 2000 at most");
 }
 
 TEST(BmcParts, FindCellsThatTheTableDealtToOtherRows) {
