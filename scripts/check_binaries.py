@@ -63,7 +63,7 @@ def check_commands(build, flags):
                   (at > fortified or "FORTIFY" not in word)]
         expect(not missing and not undone,
                f"{build.name}: {file.name} is compiled without {missing}, or with {undone}")
-    expect(units > 60, f"{build.name}: only {units} units are compiled into what is shipped")
+    expect(units > 40, f"{build.name}: only {units} units are compiled into what is shipped")
 
 
 def read_elf(*options):
