@@ -24,7 +24,6 @@ LEFT_OUT = ROOT / "bench"
 LINT = ROOT / "build" / "lint"
 STAMPS = LINT / "clean"
 CONFIGS = [ROOT / ".clang-tidy", ROOT / "tests" / ".clang-tidy"]
-BATCH_SIZE = 16
 SCOPE_SOURCE = ROOT / "scripts" / "own_declarations.cpp"
 SCOPE = LINT / "own_declarations.so"
 
@@ -131,9 +130,7 @@ def batches(sources):
     for source in sources:
         # A file that two programs compile is looked at once.
         alike.setdefault((source.settings, source.group), {})[source.path] = source
-    for group in alike.values():
-        files = list(group.values())
-        yield from (files[i:i + BATCH_SIZE] for i in range(0, len(files), BATCH_SIZE))
+    return [list(group.values()) for group in alike.values()]
 
 
 def is_compiled_together(file):
