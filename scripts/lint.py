@@ -2,7 +2,8 @@
 
 Nearly all of its time goes into the libraries' headers, so it is shown what is declared outside of
 them, and gets as one what the compiler gets as one, or files of one folder. Where that does not hold,
-for a warning or because two of the files use one name, they are looked at in halves, down to single files.
+for a warning or because two of the files use one name, they are looked at in halves, down to single
+files.
 """
 
 import concurrent.futures

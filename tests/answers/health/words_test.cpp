@@ -176,6 +176,7 @@ const Word kCacheBackupWords[] = {
     {"Charging", "passing", kNotice},
     {"Not Fully Charged", "passing", kNotice},
     {"Learning", "passing", kNotice},
+    {"Learning (replace soon)", "bad", kWarning},
     {"Learn Cycle", "passing", kNotice},
     {"Failed", "failed", kCritical},
     {"Dgd", "bad", kWarning},
