@@ -95,6 +95,11 @@ inline bool IsAsPrinted(std::string_view table, std::string_view column) {
   return kColumnsAsPrinted.contains(column);
 }
 
+inline bool IsUtf8(const host::PartValue& value) {
+  const auto* text = std::get_if<std::string_view>(&value);
+  return text == nullptr || host::CleanUtf8(*text) == *text;
+}
+
 inline std::string Print(const host::PartValue& value) {
   if (const auto* text = std::get_if<std::string_view>(&value)) return std::string(*text);
   if (const auto* number = std::get_if<std::int64_t>(&value)) return std::to_string(*number);
@@ -134,8 +139,8 @@ inline std::size_t CountLines(const host::Collection& collection) {
   return count;
 }
 
-/// Which of the machine's parts has an id of another, or is not found again where it says that it
-/// was read, or whether there are more parts than lines; empty when all is well.
+/// Which of the machine's parts has an id of another, is no UTF-8 or is not found again where it
+/// says that it was read, or whether there are more parts than lines; empty when all is well.
 inline std::string FindUnsoundPart(const host::Recording& machine) {
   const host::Collection collection = host::Collect(machine, {});
   const host::Parts parts = host::ReadParts(collection);
@@ -149,6 +154,9 @@ inline std::string FindUnsoundPart(const host::Recording& machine) {
       const std::string name = std::string(table.name) + " " + part.id;
       if (!ids.insert(part.id).second) return name + " is there twice";
       for (const host::PartColumn& column : table.columns) {
+        if (!IsUtf8(column.get(part))) {
+          return name + ", " + std::string(column.name) + ", is no UTF-8";
+        }
         if (!IsWhereItWasRead(collection, table, part, column)) {
           return name + ", " + std::string(column.name) + ", is not where it was read";
         }

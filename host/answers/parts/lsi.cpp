@@ -18,6 +18,7 @@
 #include "host/answers/parts/storcli_events.h"
 #include "host/answers/parts/storcli_show.h"
 #include "host/text/ascii.h"
+#include "host/text/screen_text.h"
 
 namespace host {
 namespace {
@@ -49,6 +50,7 @@ constexpr LinkedReport kLinkedReports[] = {
 constexpr char kStorcli[] = "storcli.exe";
 constexpr char kCountArguments[] = "show ctrlcount";
 constexpr char kCountLabel[] = "Controller Count";
+constexpr std::size_t kLongestValue = 60;  ///< columns of what is told as no number
 
 /// How the reports answered.
 struct Answers {
@@ -275,16 +277,19 @@ std::string FindSas2Gap(const CollectedRows& rows) {
   const std::string end = DescribeEnd(log);
   if (!end.empty()) return "SAS2IR_windows_x64 " + end;
   // "Entries: 8", then "LogSequence: 1" and so on
-  const std::string_view text = log->file.empty() ? log->output.Text() : log->fileText.Text();
+  const DecodedText text =
+      rows.Decode(log->file.empty() ? log->output.Text() : log->fileText.Text());
   std::int64_t declared = 0;
   std::int64_t listed = 0;
-  ReportLines lines(text);
+  ReportLines lines(text.View());
   for (ReportLine line; lines.Next(line);) {
     const auto split = SplitLabel(line.text, ':');
     if (!split) continue;
     if (split->label == "Entries") {
       const Integer told = ReadLeadingInteger(split->value);
-      if (!told) return "the log tells no number of its entries: " + std::string(split->value);
+      if (!told) {
+        return "the log tells no number of its entries: " + CutText(split->value, kLongestValue);
+      }
       declared = *told;
     }
     if (split->label == "LogSequence") ++listed;

@@ -73,6 +73,31 @@ TEST(PartsOfGarbledReports, AreFoundAgainWhereTheyWereRead) {
   }
 }
 
+/// With a byte that is no UTF-8 by itself at the start of the values of every `step`th line.
+std::string SpoilValues(std::string_view report, std::size_t first, std::size_t step) {
+  std::string spoilt;
+  std::size_t line = 0;
+  for (std::size_t at = 0; at < report.size(); ++at) {
+    spoilt += report[at];
+    if (report[at] == '\n') ++line;
+    if (report[at] == ':' && line % step == first) spoilt += " \x81";
+  }
+  return spoilt;
+}
+
+TEST(PartsOfReportsBeyondAscii, AreUtf8) {
+  constexpr std::size_t kSteps = 3;
+  for (std::size_t first = 0; first < kSteps; ++first) {
+    for (host::Recording machine : ListMachines()) {
+      for (host::RecordedCommand& command : machine.commands) {
+        command.standardOutput = SpoilValues(command.standardOutput, first, kSteps);
+      }
+      for (auto& [path, text] : machine.files) text = SpoilValues(text, first, kSteps);
+      EXPECT_EQ(test::FindUnsoundPart(machine), "");
+    }
+  }
+}
+
 TEST(PartsOfCutReports, AreFoundAgainWhereTheyWereRead) {
   test::RandomNumbers random(2);
   const auto cut = [&](std::string_view text) {
