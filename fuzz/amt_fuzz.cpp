@@ -8,30 +8,32 @@
 // the report.
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "fuzz/checks.h"
 #include "host/recorded/stored_text.h"
 #include "tests/support/collected.h"
 
 namespace {
+
+using fuzz::Require;
 
 constexpr char kReport[] = "C:\\Halyard\\logs\\amtlog.txt";
 constexpr char kPrompt[] =
     "Please input the AMT IP/UserName/Password seperated with blank space,if give up this module, "
     "just press Enter:";
 
-struct Input {
+struct AmtInput {
   std::string answers;
   std::string typed;
   std::string log;
 };
 
-Input ReadInput(std::string_view text) {
+AmtInput ReadAmtInput(std::string_view text) {
   constexpr std::string_view kSeparator = "\n--\n";
-  Input input;
+  AmtInput input;
   input.answers = text.substr(0, text.find('\n'));
   text.remove_prefix(std::min(text.size(), input.answers.size() + 1));
   const std::size_t end = std::min(text.find(kSeparator), text.size());
@@ -42,7 +44,7 @@ Input ReadInput(std::string_view text) {
 }
 
 /// What a run must leave behind.
-struct Foretold {
+struct AmtForetold {
   std::vector<std::string> log;
   std::vector<std::string> commandLines;
   std::string console;
@@ -78,7 +80,7 @@ std::string ComplaintAbout(const std::vector<std::string>& parts) {
 }
 
 /// The collection: what happens between its two log lines.
-void ForetellCollection(const Input& input, Foretold& foretold) {
+void ForetellCollection(const AmtInput& input, AmtForetold& foretold) {
   for (std::string rest = input.typed;;) {
     foretold.console += kPrompt;
     std::string line = rest.substr(0, rest.find('\n'));
@@ -109,10 +111,10 @@ void ForetellCollection(const Input& input, Foretold& foretold) {
   }
 }
 
-bool Has(const std::string& text, char c) { return text.find(c) != std::string::npos; }
+bool HasLetter(const std::string& text, char c) { return text.find(c) != std::string::npos; }
 
 /// The presence tests as one character each.
-std::string PresenceOf(const Input& input) {
+std::string PresenceOf(const AmtInput& input) {
   std::string tests;
   for (const char c : input.answers.substr(0, 16)) {
     if (std::string_view("ynsu").find(c) != std::string_view::npos) tests += c;
@@ -120,8 +122,8 @@ std::string PresenceOf(const Input& input) {
   return tests;
 }
 
-Foretold Foretell(const Input& input) {
-  Foretold foretold;
+AmtForetold ForetellAmt(const AmtInput& input) {
+  AmtForetold foretold;
   bool collected = false;
   for (const char test : PresenceOf(input)) {
     foretold.commandLines.push_back("/c \"C:\\Halyard\\pq_tools\\check_amt_bmc.exe\" amt");
@@ -144,7 +146,7 @@ Foretold Foretell(const Input& input) {
   return foretold;
 }
 
-host::Recording RecordingOf(const Input& input, const Foretold& foretold) {
+host::Recording RecordingOf(const AmtInput& input, const AmtForetold& foretold) {
   host::Recording recording;
   recording.console = input.typed;
   for (const char test : PresenceOf(input)) {
@@ -160,9 +162,9 @@ host::Recording RecordingOf(const Input& input, const Foretold& foretold) {
   log.tool = "amt_log.exe";
   log.arguments = foretold.arguments;
   log.standardOutput = input.log;
-  log.startError = Has(input.answers, 'x') ? 8 : 0;
+  log.startError = HasLetter(input.answers, 'x') ? 8 : 0;
   recording.commands.push_back(log);
-  if (Has(input.answers, 'r')) recording.readOnly = {kReport};
+  if (HasLetter(input.answers, 'r')) recording.readOnly = {kReport};
   return recording;
 }
 
@@ -177,17 +179,13 @@ std::vector<std::vector<std::string>> RowsOfReport(const test::Collected& collec
   return rows;
 }
 
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const Input input = ReadInput({reinterpret_cast<const char*>(data), size});
+  const AmtInput input = ReadAmtInput({reinterpret_cast<const char*>(data), size});
   const std::vector<std::string> tables(PresenceOf(input).size(), "AMTLOG");
   if (tables.empty()) return 0;
-  Foretold foretold = Foretell(input);
+  AmtForetold foretold = ForetellAmt(input);
   const test::Collected collected = test::Collect(RecordingOf(input, foretold), "AMT_Info", tables);
 
   Require(collected.commandLines == foretold.commandLines);

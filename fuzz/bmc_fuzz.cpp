@@ -16,29 +16,28 @@
 #include <string_view>
 #include <vector>
 
+#include "fuzz/checks.h"
 #include "tests/support/bmc_machine.h"
 #include "tests/support/strtok_reference.h"
 
 namespace {
 
-using Rows = std::vector<std::vector<std::string>>;
+using fuzz::Require;
 
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
+using Rows = std::vector<std::vector<std::string>>;
 
 enum Query { kMc, kSelfTest, kVersions, kPsu, kLan, kLed, kSensors, kSdr, kFru, kSel, kSelRaw };
 
-constexpr std::array<const char*, 11> kArguments = {
+constexpr std::array<const char*, 11> kBmcArguments = {
     "korvaxoem mc",  "korvaxoem selftest", "korvaxoem ver", "korvaxoem psu", "lan",
     "korvaxoem led", "sensor -s -q",       "sensor",        "korvaxoem fru", "sel",
     "sel -r"};
 
 constexpr char kLogFolder[] = "C:\\Halyard\\logs\\";
 
-struct Input {
+struct BmcInput {
   std::string options;
-  std::array<std::string, kArguments.size()> outputs;
+  std::array<std::string, kBmcArguments.size()> outputs;
 
   bool Has(char option) const { return options.find(option) != std::string::npos; }
   bool Starts(Query query) const { return !Has(static_cast<char>('a' + query)); }
@@ -50,9 +49,9 @@ struct Input {
   }
 };
 
-Input ReadInput(std::string_view text) {
+BmcInput ReadBmcInput(std::string_view text) {
   constexpr std::string_view kSeparator = "--\n";
-  Input input;
+  BmcInput input;
   input.options = text.substr(0, text.find('\n'));
   text.remove_prefix(std::min(text.size(), input.options.size() + 1));
   for (std::string& output : input.outputs) {
@@ -63,13 +62,13 @@ Input ReadInput(std::string_view text) {
   return input;
 }
 
-host::Recording MachineOf(const Input& input) {
+host::Recording MachineOf(const BmcInput& input) {
   host::Recording machine = test::MakeBmcMachine(input.Detection());
   host::RecordedCommand& detection = test::AnswerOf(machine, "bmc");
   detection.startError = input.Has('x') ? 5 : 0;
   detection.exitCodeError = input.Has('y') ? 6 : 0;
-  for (std::size_t i = 0; i < kArguments.size(); ++i) {
-    host::RecordedCommand& answer = test::AnswerOf(machine, kArguments[i]);
+  for (std::size_t i = 0; i < kBmcArguments.size(); ++i) {
+    host::RecordedCommand& answer = test::AnswerOf(machine, kBmcArguments[i]);
     answer.standardOutput = input.outputs[i];
     answer.startError = input.Starts(static_cast<Query>(i)) ? 0 : 8;
     answer.pipeError = input.HasPipe(static_cast<Query>(i)) ? 0 : 4;
@@ -169,14 +168,14 @@ std::string FilteredLan(const std::string& output) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const Input input = ReadInput({reinterpret_cast<const char*>(data), size});
+  const BmcInput input = ReadBmcInput({reinterpret_cast<const char*>(data), size});
   const test::Collected collected = test::Collect(MachineOf(input), "BMC_Info");
 
   const unsigned family = input.Has('x') ? 255 : input.Has('y') ? 0 : input.Detection();
   const bool hasVersions = family == 5 || family == 7;
   const bool hasBmc = hasVersions || family == 9 || family == 11;
   // What each query has for its table; nothing when it is not asked, does not run or is screened.
-  std::array<std::string, kArguments.size()> outputs;
+  std::array<std::string, kBmcArguments.size()> outputs;
   int abandoned = 0;
   for (std::size_t i = 0; i < outputs.size(); ++i) {
     const auto query = static_cast<Query>(i);

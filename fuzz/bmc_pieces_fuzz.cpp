@@ -3,22 +3,20 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "frame/tokens.h"
+#include "fuzz/checks.h"
 #include "pqmodules/rbmcinfo/oem_queries.h"
 #include "pqmodules/rbmcinfo/sensors.h"
 #include "tests/support/strtok_reference.h"
 
 namespace {
 
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
+using fuzz::Require;
 
 bool Holds(const std::string& bytes, const char* text) {
   return std::strstr(bytes.c_str(), text) != nullptr;

@@ -2,18 +2,16 @@
 // rows are taken apart. A plainer reading foretells which rows come of it, and no value is longer
 // than its line or, for a size, than 19 characters.
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
+#include "fuzz/checks.h"
 #include "pqmodules/rsamplemodule2/drive_lists.h"
 #include "tests/support/raid_reference.h"
 
 namespace {
 
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
+using fuzz::Require;
 
 /// The columns refer to `list`.
 std::vector<pq::TokenColumn> ListColumns(const test::PlainList& list) {

@@ -3,18 +3,16 @@
 // A plainer reading foretells every column and every row, and all text of event data fits.
 #include <array>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
+#include "fuzz/checks.h"
 #include "pqmodules/rsamplemodule2/event_log.h"
 #include "tests/support/raid_reference.h"
 
 namespace {
 
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
+using fuzz::Require;
 
 class ListedPages final : public pq::EventPages {
  public:

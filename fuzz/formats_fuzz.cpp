@@ -69,7 +69,7 @@ struct Table {
   }
 };
 
-struct Input {
+struct FormatsInput {
   std::uint32_t codePage = 0;
   std::string letters;
   unsigned width = 0;
@@ -101,9 +101,9 @@ void AddCell(Row& row, std::string_view text) {
   if (row.Find(cell.key) == nullptr) row.cells.push_back(std::move(cell));
 }
 
-Input ReadInput(std::string text) {
+FormatsInput ReadFormatsInput(std::string text) {
   std::erase(text, '\0');  // Values of modules end there.
-  Input input;
+  FormatsInput input;
   std::string_view rest = text;
   std::string options(fuzz::TakeUpTo(rest, '\n'));
   char* end = nullptr;
@@ -149,7 +149,7 @@ void AddRow(test::MadeCollection& made, const Table& table, const Row& row) {
 
 class FormatsCheck {
  public:
-  explicit FormatsCheck(Input given) : input(std::move(given)), decode(input.codePage) {
+  explicit FormatsCheck(FormatsInput given) : input(std::move(given)), decode(input.codePage) {
     for (const Table& table : input.tables) {
       made.Table(table.className, !input.Has('p'));
       for (const Row& row : table.rows) AddRow(made, table, row);
@@ -376,7 +376,7 @@ class FormatsCheck {
     fuzz::RequireForTerminal(shown, U"\n");
   }
 
-  Input input;
+  FormatsInput input;
   host::TextDecoder decode;
   test::MadeCollection made;
   test::TemporaryFolder folder;
@@ -385,7 +385,7 @@ class FormatsCheck {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  Input input = ReadInput(std::string(fuzz::InputText(data, size)));
+  FormatsInput input = ReadFormatsInput(std::string(fuzz::InputText(data, size)));
   for (const Table& table : input.tables) {
     if (table.Columns().size() > 1900) return 0;  // SQLite's limit is 2000.
   }

@@ -8,23 +8,21 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
+#include "fuzz/checks.h"
 #include "host/recorded/interpreter.h"
 #include "host/recorded/own_commands.h"
 #include "host/recorded/recorded_machine.h"
 
 namespace {
 
+using fuzz::Require;
+
 using host::Pipeline;
 using host::Redirection;
 using host::Stage;
-
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
 
 std::string Without(std::string_view text, std::string_view characters) {
   std::string left(text);

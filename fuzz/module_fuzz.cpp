@@ -16,15 +16,14 @@
 #include <vector>
 
 #include "frame/platform.h"
+#include "fuzz/checks.h"
 #include "host/collect/collect.h"
 #include "host/recorded/stored_text.h"
 #include "host/repository/observer.h"
 
 namespace {
 
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
+using fuzz::Require;
 
 /// The answers of an input, one after another; empty ones when there are no more.
 class Answers {

@@ -10,13 +10,12 @@
 #include <vector>
 
 #include "frame/tokens.h"
+#include "fuzz/checks.h"
 #include "pqmodules/rwininfo/net_table.h"
 
 namespace {
 
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
+using fuzz::Require;
 
 void CheckArp(const std::string& text) {
   std::vector<std::string> lines;

@@ -11,20 +11,22 @@
 // A second, plainer reading of the texts foretells all log lines and all rows.
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "fuzz/checks.h"
 #include "host/recorded/stored_text.h"
 #include "tests/support/collected.h"
 #include "tests/support/label_reference.h"
 
 namespace {
 
-struct Input {
+using fuzz::Require;
+
+struct Raid1Input {
   std::string faults;
   std::string summary;
   std::string intel;
@@ -32,15 +34,17 @@ struct Input {
   std::string events;
 };
 
-bool Has(const Input& input, char fault) { return input.faults.find(fault) != std::string::npos; }
+bool Has(const Raid1Input& input, char fault) {
+  return input.faults.find(fault) != std::string::npos;
+}
 
-Input ReadInput(std::string_view text) {
+Raid1Input ReadRaid1Input(std::string_view text) {
   const auto next = [&text](std::string_view separator) {
     std::string part(text.substr(0, text.find(separator)));
     text.remove_prefix(std::min(text.size(), part.size() + separator.size()));
     return part;
   };
-  Input input;
+  Raid1Input input;
   input.faults = next("\n");
   input.summary = next("\n--\n");
   input.intel = next("\n--\n");
@@ -163,7 +167,7 @@ std::string WholeText(const std::string& stored) {
   return text;
 }
 
-PlainArchive ForetellArchive(const Input& input) {
+PlainArchive ForetellArchive(const Raid1Input& input) {
   static const std::vector<std::string_view> kLabels{"Controller Status",
                                                      "Controller Mode",
                                                      "Channel description",
@@ -205,7 +209,7 @@ PlainArchive ForetellArchive(const Input& input) {
 }
 
 /// What a run must leave behind.
-struct Foretold {
+struct Raid1Foretold {
   Cells log{"3 Enter EnumPQ1Instances", "3 Enter EnumXFirmwareInstancesCallback",
             "3 the exepath:C:\\Halyard"};
   std::vector<Cells> raidInfo;
@@ -216,7 +220,7 @@ struct Foretold {
   int openHandles = 0;
 };
 
-void ForetellIntel(const Input& input, Foretold& foretold) {
+void ForetellIntel(const Raid1Input& input, Raid1Foretold& foretold) {
   const auto attempt = [&](const std::string& tool) {
     foretold.log.push_back("3 rstcli raw path:/c \"\"C:\\Halyard\\" + tool +
                            "\" -I > \"C:\\Halyard\\logs\\rstcli64.txt\"\"");
@@ -242,7 +246,7 @@ void ForetellIntel(const Input& input, Foretold& foretold) {
   foretold.controller = ForetellController(input.intel);
 }
 
-void ForetellMicrochip(const Input& input, Foretold& foretold) {
+void ForetellMicrochip(const Raid1Input& input, Raid1Foretold& foretold) {
   if (Has(input, 'a')) {
     foretold.log.push_back("4 CreateProcess failed (9)");
     return;
@@ -263,8 +267,8 @@ void ForetellMicrochip(const Input& input, Foretold& foretold) {
   foretold.log.push_back("4 Failed to open Controller_1_SmartStats.xml file!");
 }
 
-Foretold Foretell(const Input& input) {
-  Foretold foretold;
+Raid1Foretold ForetellRaid1(const Raid1Input& input) {
+  Raid1Foretold foretold;
   const auto lsiLog = [&](char noStart, char noReport, const char* startFailure) {
     if (Has(input, noStart)) {
       foretold.log.push_back(startFailure);
@@ -298,7 +302,7 @@ host::RecordedCommand Command(const std::string& tool, const std::string& argume
   return command;
 }
 
-host::Recording RecordingOf(const Input& input) {
+host::Recording RecordingOf(const Raid1Input& input) {
   host::Recording recording;
   recording.commands = {
       Command("storcli.exe", "show ctrlcount", "", Has(input, 's') ? 5 : 0),
@@ -318,15 +322,11 @@ host::Recording RecordingOf(const Input& input) {
   return recording;
 }
 
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const Input input = ReadInput({reinterpret_cast<const char*>(data), size});
-  const Foretold foretold = Foretell(input);
+  const Raid1Input input = ReadRaid1Input({reinterpret_cast<const char*>(data), size});
+  const Raid1Foretold foretold = ForetellRaid1(input);
   const test::Collected collected =
       test::Collect(RecordingOf(input), "sampleModule1", {"RAIDINFO"});
 

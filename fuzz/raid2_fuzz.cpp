@@ -8,20 +8,18 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstdlib>
 #include <map>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "fuzz/checks.h"
 #include "tests/support/collected.h"
 #include "tests/support/raid_reference.h"
 
 namespace {
 
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
+using fuzz::Require;
 
 enum Output { kCount, kSummary, kEvents, kTermLog, kDrives, kSas2, kIntel };
 constexpr std::size_t kOutputCount = 7;
@@ -30,14 +28,14 @@ constexpr std::array<const char*, kOutputCount> kTools = {"storcli.exe",   "stor
                                                           "storcli.exe",   "storcli.exe",
                                                           "storcli.exe",   "SAS2IR_windows_x64.exe",
                                                           "rstcli64_5.exe"};
-constexpr std::array<const char*, kOutputCount> kArguments = {
+constexpr std::array<const char*, kOutputCount> kRaid2Arguments = {
     "show ctrlcount", "/c0 show", "/c0 show events", "/c0 show termlog", "/c0/eall/sall show all",
     "logir.log",      "-I"};
 constexpr std::array<const char*, kOutputCount> kReports = {
     "ctrlcount.txt", "c0_showall.txt", "raidevents.txt", "fwtermlog.txt",
     "pdlist.txt",    "ir.txt",         "rstcli64.txt"};
 
-struct Input {
+struct Raid2Input {
   std::string options;
   std::array<std::string, kOutputCount> outputs;
 
@@ -49,9 +47,9 @@ struct Input {
   }
 };
 
-Input ReadInput(std::string_view text) {
+Raid2Input ReadRaid2Input(std::string_view text) {
   constexpr std::string_view kSeparator = "--\n";
-  Input input;
+  Raid2Input input;
   input.options = text.substr(0, text.find('\n'));
   text.remove_prefix(std::min(text.size(), input.options.size() + 1));
   for (std::string& output : input.outputs) {
@@ -67,13 +65,13 @@ Input ReadInput(std::string_view text) {
   return input;
 }
 
-host::Recording MachineOf(const Input& input) {
+host::Recording MachineOf(const Raid2Input& input) {
   host::Recording machine;
   for (std::size_t i = 0; i < kOutputCount; ++i) {
     const auto output = static_cast<Output>(i);
     host::RecordedCommand command;
     command.tool = kTools[i];
-    command.arguments = kArguments[i];
+    command.arguments = kRaid2Arguments[i];
     command.standardOutput = input.outputs[i];
     command.startError = input.Starts(output) ? 0 : 8;
     if (output == kIntel) {
@@ -97,7 +95,7 @@ host::Recording MachineOf(const Input& input) {
 }
 
 /// One row per controller, as long as none of its reports fails; only controller 0 has any text.
-test::PlainRows ReadLinks(const Input& input, int count) {
+test::PlainRows ReadLinks(const Raid2Input& input, int count) {
   test::PlainRows rows;
   const bool canStart = input.Starts(kSummary) && input.Starts(kEvents) && input.Starts(kTermLog) &&
                         input.Starts(kDrives);
@@ -118,7 +116,7 @@ test::PlainRows ReadLinks(const Input& input, int count) {
 
 using Tables = std::map<std::string, test::PlainRows>;
 
-Tables Foretell(const Input& input) {
+Tables ForetellRaid2(const Raid2Input& input) {
   std::string eventData;
   Tables tables;
   if (!input.IsThere(kCount)) return tables;
@@ -150,10 +148,10 @@ Tables Foretell(const Input& input) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const Input input = ReadInput({reinterpret_cast<const char*>(data), size});
+  const Raid2Input input = ReadRaid2Input({reinterpret_cast<const char*>(data), size});
   const test::Collected collected =
       test::Collect(MachineOf(input), "sampleModule2", {"VOLUME", "LSILINK"});
-  Tables tables = Foretell(input);
+  Tables tables = ForetellRaid2(input);
   for (const char* name :
        {"EVENTLOG1", "EVENTLOG2", "EVENTLOG3", "EVENTLOG4", "EVENTLOG5", "FWTERMLOG", "PDLIST",
         "TINFO", "VINFO", "PINFO", "SAS2IRLOG", "ENDDEVICEINFO", "ARRAY", "VOLUME", "LSILINK"}) {

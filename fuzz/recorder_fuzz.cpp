@@ -172,7 +172,7 @@ std::string CollectFrom(pq::Platform& machine, const host::Recording& recording)
 }
 
 /// A sample that answers from the input.
-host::Recording MakeMachine(std::string_view input) {
+host::Recording MakeRecordedMachine(std::string_view input) {
   static const std::map<std::string, host::Recording> kSamples = test::LoadSamples();
   const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(input[i]); };
   host::Recording recording =
@@ -194,7 +194,7 @@ host::Recording MakeMachine(std::string_view input) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const test::TemporaryFolder kFolder;
   if (size < 2) return 0;
-  const host::Recording machine = MakeMachine(fuzz::InputText(data, size));
+  const host::Recording machine = MakeRecordedMachine(fuzz::InputText(data, size));
   WatchedMachine watched(machine);
   const std::string first = CollectFrom(watched, machine);
   const host::Recording recorded = watched.TakeRecording();

@@ -7,33 +7,31 @@
 
 #include <array>
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
 #include <string_view>
 
+#include "fuzz/checks.h"
 #include "host/recorded/recorded_machine.h"
 #include "host/recording/recording_reader.h"
 
 namespace {
 
+using fuzz::Require;
+
 constexpr std::string_view kSeparator = "\n%%\n";
 constexpr std::string_view kSecret = "nobody may read this";
 constexpr std::array<const char*, 4> kNames = {"recording.json", "a", "b/c", "d.txt"};
-
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
 
 void WriteFile(const std::filesystem::path& path, std::string_view bytes) {
   std::ofstream(path, std::ios::binary).write(bytes.data(), static_cast<long>(bytes.size()));
 }
 
 /// The folder that every input is laid out in; gone at the end.
-class Folder {
+class RecordedFolder {
  public:
-  Folder() {
+  RecordedFolder() {
     const std::filesystem::path memory = "/dev/shm";
     const bool hasMemory = std::filesystem::is_directory(memory);
     top = (hasMemory ? memory : std::filesystem::temp_directory_path()) /
@@ -42,9 +40,9 @@ class Folder {
     WriteFile(top / "secret", kSecret);
     std::filesystem::create_symlink("../secret", Path() / "out");
   }
-  Folder(const Folder&) = delete;
-  Folder& operator=(const Folder&) = delete;
-  ~Folder() {
+  RecordedFolder(const RecordedFolder&) = delete;
+  RecordedFolder& operator=(const RecordedFolder&) = delete;
+  ~RecordedFolder() {
     std::error_code error;
     std::filesystem::remove_all(top, error);
   }
@@ -99,7 +97,7 @@ void CheckMachine(const host::Recording& recording) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const Folder folder;
+  static const RecordedFolder folder;
   const std::string_view input(reinterpret_cast<const char*>(data), size);
   if (input.find(kSecret) != std::string_view::npos) return 0;
   folder.LayOut(input);

@@ -1,9 +1,9 @@
 """Runs clang-tidy on what changed since it was last clean.
 
 Nearly all of its time goes into the libraries' headers, so it is shown what is declared outside of
-them, and gets as one what the compiler gets as one, or files of one folder. Where that does not hold,
-for a warning or because two of the files use one name, they are looked at in halves, down to single
-files.
+them, and gets several groups of files as one: a group is what the compiler gets as one, or files of
+one folder. Where that does not hold, for a warning or because two of the files use one name, they are
+looked at in halves, down to groups and then single files.
 """
 
 import concurrent.futures
@@ -22,6 +22,10 @@ ROOT = pathlib.Path.cwd()
 BUILDS = {ROOT / "build" / "native": ROOT, ROOT / "build" / "asan": ROOT / "fuzz"}
 # Benchmarks are named as their library wants it.
 LEFT_OUT = ROOT / "bench"
+# Modules name things alike, and so do their tests.
+APART = [ROOT / "pqmodules", ROOT / "tests" / "pqmodules"]
+# Of groups as one: the larger they are, the more often two of their files use one name.
+MOST_BYTES = 120_000
 LINT = ROOT / "build" / "lint"
 STAMPS = LINT / "clean"
 CONFIGS = [ROOT / ".clang-tidy", ROOT / "tests" / ".clang-tidy"]
@@ -99,11 +103,13 @@ def tidy(batch):
         # Its folder decides about the checks.
         name = hashlib.sha256("\n".join(str(s.path) for s in batch).encode()).hexdigest()[:16]
         file = LINT / batch[0].folder / f"{name}.cpp"
-        # Each fuzz target has the function that libFuzzer calls.
+        # Each program has a function that the system calls, or libFuzzer.
         file.write_text("".join(
+            f'#define main main{number}  // NOLINT\n'
             f'#define LLVMFuzzerTestOneInput TestOneInput{number}  // NOLINT\n'
             f'#include "{source.path}"  // NOLINT(bugprone-suspicious-include)\n'
             '#undef LLVMFuzzerTestOneInput\n'
+            '#undef main\n'
             for number, source in enumerate(batch)))
     paths = dict.fromkeys(path for source in batch for path in source.paths)
     run = subprocess.run(
@@ -113,8 +119,9 @@ def tidy(batch):
     return run.returncode == 0 and "warning:" not in run.stdout, run.stdout
 
 
-def look_at(batch):
-    """The files of the batch that are not clean, each with what clang-tidy says."""
+def look_at(groups):
+    """The files of the groups that are not clean, each with what clang-tidy says."""
+    batch = [source for group in groups for source in group]
     clean, text = tidy(batch)
     if clean:
         for source in batch:
@@ -122,16 +129,33 @@ def look_at(batch):
         return []
     if len(batch) == 1:
         return [(batch[0].path, text)]
-    middle = len(batch) // 2
-    return look_at(batch[:middle]) + look_at(batch[middle:])
+    parts = groups if len(groups) > 1 else [[source] for source in batch]
+    middle = len(parts) // 2
+    return look_at(parts[:middle]) + look_at(parts[middle:])
 
 
-def batches(sources):
+def count_bytes(groups):
+    return sum(source.path.stat().st_size for group in groups for source in group)
+
+
+def list_batches(sources):
+    """Lists of groups that are looked at as one."""
     alike = {}
     for source in sources:
         # A file that two programs compile is looked at once.
         alike.setdefault((source.settings, source.group), {})[source.path] = source
-    return [list(group.values()) for group in alike.values()]
+    batches, open_batches = [], {}
+    for (settings, _), found in alike.items():
+        group = list(found.values())
+        if any(group[0].path.is_relative_to(folder) for folder in APART):
+            batches.append([group])
+            continue
+        batch = open_batches.get(settings)
+        if batch is None or count_bytes([*batch, group]) > MOST_BYTES:
+            batch = open_batches[settings] = []
+            batches.append(batch)
+        batch.append(group)
+    return sorted(batches, key=count_bytes, reverse=True)
 
 
 def is_compiled_together(file):
@@ -165,7 +189,7 @@ def main():
     sources = [source for build, folder in BUILDS.items() for source in list_sources(build, folder)]
     todo = [source for source in sources if not source.stamp.exists()]
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        dirty = [found for founds in pool.map(look_at, batches(todo)) for found in founds]
+        dirty = [found for founds in pool.map(look_at, list_batches(todo)) for found in founds]
     for path, text in dirty:
         print(text)
         print(f"lint: {path.relative_to(ROOT)}")

@@ -18,7 +18,7 @@ struct SectionTable {
   std::string_view thing;  ///< of a row, in the plural
   bool isAlwaysThere;      ///< the section, whatever the machine has
 };
-constexpr SectionTable kTables[] = {
+constexpr SectionTable kSectionTables[] = {
     {"CONTROLLER", "CONTROLLER INFORMATION", "controllers", true},
     {"ARRAY", "ARRAY INFORMATION", "arrays", false},
     {"VOLUME", "VOLUME INFORMATION", "volumes", false},
@@ -113,9 +113,9 @@ class SectionComparison {
 };
 
 Misfit FindIntelMisfit(const TableBesideReport& table) {
-  const auto* known = std::find_if(std::begin(kTables), std::end(kTables), [&](const auto& one) {
-    return one.className == table.className;
-  });
+  const auto* known =
+      std::find_if(std::begin(kSectionTables), std::end(kSectionTables),
+                   [&](const auto& one) { return one.className == table.className; });
   return SectionComparison(*known, table).FindIntelMisfit();
 }
 
@@ -123,7 +123,7 @@ Misfit FindIntelMisfit(const TableBesideReport& table) {
 
 std::vector<ColumnCheck> ListIntelColumnChecks() {
   std::vector<ColumnCheck> checks;
-  for (const SectionTable& known : kTables) {
+  for (const SectionTable& known : kSectionTables) {
     checks.push_back({known.className, {}, {}, FindIntelMisfit});
   }
   return checks;

@@ -23,7 +23,7 @@ constexpr std::size_t kShortestDistinct = 6;
 constexpr std::size_t kLongestAnnouncement = 256;
 
 /// What a tool writes before a password that it shows; in lower case.
-constexpr std::string_view kLabels[] = {"password", "passwd", "pwd", "-p"};
+constexpr std::string_view kLoginLabels[] = {"password", "passwd", "pwd", "-p"};
 
 bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 bool IsWordCharacter(char c) { return IsLetter(c) || (c >= '0' && c <= '9') || c == '_'; }
@@ -97,7 +97,7 @@ bool Announces(std::string_view text, const AmtLogin& login) {
   const std::size_t end = before.find_last_not_of(" \t:='\"");
   if (end == std::string_view::npos || end + 1 == before.size()) return false;
   before.resize(end + 1);
-  return std::any_of(std::begin(kLabels), std::end(kLabels), [&](std::string_view label) {
+  return std::any_of(std::begin(kLoginLabels), std::end(kLoginLabels), [&](std::string_view label) {
     if (before.size() < label.size()) return false;
     const std::size_t at = before.size() - label.size();
     return LowerCase(std::string_view(before).substr(at)) == label &&

@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t kByteBits = 8;
 constexpr std::size_t kSextetBits = 6;
 /// Of a place within four Base64 characters, which hold three bytes.
-constexpr std::size_t kPhases = 3;
+constexpr std::size_t kBase64Phases = 3;
 
 /// The value of a hexadecimal digit; -1: it is none.
 int ReadHexDigit(char c) {
@@ -139,7 +139,7 @@ SecretForms::SecretForms(std::string_view given) : secret(LowerCase(given)) {
 
 /// The secret may begin at any place within four characters.
 void SecretForms::AddBase64(std::string_view bytes) {
-  for (std::size_t phase = 0; phase < kPhases; ++phase) {
+  for (std::size_t phase = 0; phase < kBase64Phases; ++phase) {
     const std::size_t begin = phase * kByteBits;
     const std::size_t end = begin + bytes.size() * kByteBits;
     const std::size_t first = begin / kSextetBits;
