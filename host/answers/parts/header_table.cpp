@@ -31,7 +31,7 @@ std::string_view Join(const std::vector<std::string_view>& words, std::size_t fi
 bool IsLetter(char c) { return LowerCase(c) >= 'a' && LowerCase(c) <= 'z'; }
 
 bool IsSizeOfTwoWords(std::string_view number, std::string_view unit) {
-  return ReadLeadingReal(number) && !ReadSize(number) && IsSizeUnit(unit);
+  return IsSizeUnit(unit) && ReadLeadingReal(number) && !ReadSize(number);
 }
 
 }  // namespace
