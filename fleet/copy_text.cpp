@@ -1,6 +1,7 @@
 #include "fleet/copy_text.h"
 
 #include <algorithm>
+#include <cstring>
 #include <stdexcept>
 
 #include "host/text/ascii.h"
@@ -16,6 +17,24 @@ namespace {
 constexpr auto kIsSpecial = [](char c) {
   return c == '\\' || (c <= '\r' && (c == '\t' || c == '\n' || c == '\r' || c == '\0'));
 };
+
+/// How many characters `text` begins with that stand for themselves.
+std::size_t CountPlain(std::string_view text) {
+  // Eight at a time, as long as none of them is less than 14 or a backslash: then the highest bit
+  // of its byte is set below.
+  constexpr std::uint64_t kOnes = 0x0101010101010101;
+  constexpr std::uint64_t kHighBits = kOnes << 7;
+  std::size_t plain = 0;
+  for (std::uint64_t bytes = 0; plain + sizeof bytes <= text.size(); plain += sizeof bytes) {
+    std::memcpy(&bytes, text.data() + plain, sizeof bytes);
+    const std::uint64_t low = (bytes - kOnes * ('\r' + 1)) & ~bytes;
+    const std::uint64_t others = bytes ^ kOnes * '\\';
+    const std::uint64_t slash = (others - kOnes) & ~others;
+    if (((low | slash) & kHighBits) != 0) break;
+  }
+  return static_cast<std::size_t>(std::find_if(text.begin() + plain, text.end(), kIsSpecial) -
+                                  text.begin());
+}
 
 /// Checks a row's cells, each an escaped text or kCopyNull.
 void CheckRow(std::string_view row, std::size_t columns) {
@@ -43,8 +62,7 @@ void CheckRow(std::string_view row, std::size_t columns) {
 
 void AppendCopyCell(std::string& rows, std::string_view text) {
   while (true) {
-    const auto plain =
-        static_cast<std::size_t>(std::find_if(text.begin(), text.end(), kIsSpecial) - text.begin());
+    const std::size_t plain = CountPlain(text);
     rows += text.substr(0, plain);
     if (plain == text.size()) return;
     switch (text[plain]) {

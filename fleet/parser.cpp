@@ -44,68 +44,81 @@ std::string DescribeFile(std::string_view name, std::string_view bytes) {
 /// The rows of a class, dealt over the columns of its table.
 class ClassRows {
  public:
-  explicit ClassRows(const RowTable& table) : cells(table.columns.size()) {
-    for (std::size_t i = 0; i < table.columns.size(); ++i) places[table.columns[i].name] = i;
+  explicit ClassRows(const RowTable& table) : places(table.columns.size()) {
+    for (std::size_t i = 0; i < table.columns.size(); ++i) columns[table.columns[i].name] = i;
   }
 
   std::string Write(const host::TableView& view) {
-    for (std::size_t row = 0; row < view.RowCount(); ++row) {
-      AddRow(view.RowAt(row), view.StoredRow(row));
+    const host::RowShape* shape = nullptr;
+    for (const host::Row& stored : view.StoredRows()) {
+      const host::RowView row = view.View(stored);
+      if (stored.shape != shape) DealCells(row);
+      shape = stored.shape;
+      AddRow(row, stored);
     }
     return std::move(rows);
   }
 
  private:
-  void AddRow(const host::RowView& row, const host::Row& stored) {
-    std::fill(cells.begin(), cells.end(), std::nullopt);
-    std::optional<host::JsonObject> more;
+  static constexpr std::size_t kNoCell = static_cast<std::size_t>(-1);
+
+  /// Finds where the cells of rows like `row` go.
+  void DealCells(const host::RowView& row) {
+    std::fill(places.begin(), places.end(), kNoCell);
+    more.clear();
     for (std::size_t place = 0; place < row.CellCount(); ++place) {
       const host::CellView cell = row.CellAt(place);
       if (cell.Kind() == host::CellKind::kNothing) continue;
-      const host::DecodedText key = cell.Key();
-      const auto column = places.find(key.View());
-      const bool isText = cell.Kind() == host::CellKind::kText;
-      const host::DecodedText whole = cell.Text();
-      std::string text;
-      if (cell.IsFile()) {
-        const std::optional<host::DecodedText> name = cell.FileName();
-        text = DescribeFile(name ? name->View() : std::string_view(), stored.Value(place));
+      const auto column = columns.find(cell.Key().View());
+      if (cell.Kind() == host::CellKind::kText && column != columns.end()) {
+        places[column->second] = place;
       } else {
-        text = whole.View();
+        more.push_back(place);
       }
-      if (isText && column != places.end()) {
-        cells[column->second] = std::move(text);
-        continue;
-      }
-      if (!more) more.emplace();
-      more->Add(key.View(), [&](std::string& json) {
-        if (isText) {
-          host::AppendJsonText(json, text);
-        } else {
-          json += text;
-        }
-      });
     }
-    if (more) cells.back() = more->Take();
-    AppendCells();
   }
 
-  void AppendCells() {
-    const char* separator = "";
-    for (const std::optional<std::string>& cell : cells) {
-      rows += separator;
-      separator = "\t";
-      if (cell) {
-        AppendCopyCell(rows, *cell);
-      } else {
+  void AddRow(const host::RowView& row, const host::Row& stored) {
+    for (std::size_t column = 0; column < places.size(); ++column) {
+      if (column > 0) rows += '\t';
+      if (column + 1 == places.size() && !more.empty()) {
+        AppendCopyCell(rows, WriteMore(row, stored));
+      } else if (places[column] == kNoCell) {
         rows += kCopyNull;
+      } else {
+        AppendCopyCell(rows, ReadCell(row.CellAt(places[column]), stored, places[column]));
       }
     }
     rows += '\n';
   }
 
-  std::map<std::string, std::size_t, std::less<>> places;
-  std::vector<std::optional<std::string>> cells;  ///< of the row at hand
+  std::string WriteMore(const host::RowView& row, const host::Row& stored) const {
+    host::JsonObject json;
+    for (const std::size_t place : more) {
+      const host::CellView cell = row.CellAt(place);
+      const host::DecodedText text = ReadCell(cell, stored, place);
+      json.Add(cell.Key(), [&](std::string& value) {
+        if (cell.Kind() == host::CellKind::kText) {
+          host::AppendJsonText(value, text);
+        } else {
+          value += text.View();
+        }
+      });
+    }
+    return json.Take();
+  }
+
+  static host::DecodedText ReadCell(const host::CellView& cell, const host::Row& stored,
+                                    std::size_t place) {
+    if (!cell.IsFile()) return cell.Text();
+    const std::optional<host::DecodedText> name = cell.FileName();
+    return host::DecodedText(
+        DescribeFile(name ? name->View() : std::string_view(), stored.Value(place)));
+  }
+
+  std::map<std::string, std::size_t, std::less<>> columns;
+  std::vector<std::size_t> places;  ///< of each column's cell in the rows of the shape at hand
+  std::vector<std::size_t> more;    ///< places of the cells that have no column
   std::string rows;
 };
 
@@ -114,8 +127,10 @@ void AppendValue(std::string& rows, const host::PartValue& value) {
     rows += kCopyNull;
   } else if (const auto* text = std::get_if<std::string_view>(&value)) {
     AppendCopyCell(rows, *text);
+  } else if (const auto* integer = std::get_if<std::int64_t>(&value)) {
+    rows += std::to_string(*integer);
   } else {
-    AppendCopyCell(rows, host::FormatPartValue(value, ""));
+    rows += host::FormatPartValue(value, "");
   }
 }
 

@@ -196,6 +196,7 @@ Misfit FindDetailsMisfit(const TableBesideReport& table) {
 /// Events of the tool's second generation begin with another label.
 Misfit FindEventMisfit(const TableBesideReport& table) {
   constexpr std::string_view kOtherStart = "Sequence Number";
+  if (table.report.find(kOtherStart) == std::string_view::npos) return {};
   std::size_t events = 0;
   ReportLines lines(table.report);
   for (ReportLine line; lines.Next(line);) {

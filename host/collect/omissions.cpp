@@ -67,21 +67,23 @@ Found FindLackingLines(const pq::Omission& omission, const pq::TableDescription&
                        std::string_view text) {
   struct Label {
     std::string_view column;
-    std::string text;
     bool isInRow = false;
     bool cameBefore = false;
     std::size_t lacking = 0;  ///< rows with the value of one before
   };
   std::vector<Label> labels;
   for (const pq::ColumnDescription& column : table.columns) {
-    Label label{.column = column.label, .text = column.label + omission.label};
     // One that no row has lacks in none.
-    if (text.find(label.text) != std::string_view::npos) labels.push_back(std::move(label));
+    const bool isThere = text.find(column.label + omission.label) != std::string_view::npos;
+    if (isThere) labels.push_back({.column = column.label});
   }
   while (!text.empty()) {
     const std::string_view line = TakeLine(text);
-    for (Label& label : labels) {
-      label.isInRow = label.isInRow || line.find(label.text) != std::string_view::npos;
+    for (std::size_t at = line.find(omission.label); at != std::string_view::npos;
+         at = line.find(omission.label, at + 1)) {
+      for (Label& label : labels) {
+        label.isInRow = label.isInRow || line.substr(0, at).ends_with(label.column);
+      }
     }
     if (line.find(omission.end) == std::string_view::npos) continue;
     for (Label& label : labels) {

@@ -152,10 +152,7 @@ std::vector<DecodedText> TableView::ListHeaders() const {
   return headers;
 }
 
-RowView TableView::RowAt(std::size_t number) const {
-  const Row row = table.rows->rows[number];
-  return {settings, row, placesByShape.at(row.shape)};
-}
+RowView TableView::RowAt(std::size_t number) const { return View(StoredRow(number)); }
 
 std::vector<DecodedText> TableView::ListInstanceKeys() const {
   std::vector<DecodedText> keys;

@@ -131,6 +131,12 @@ class TableView {
   /// `number` counts from 0.
   RowView RowAt(std::size_t number) const;
   Row StoredRow(std::size_t number) const { return table.rows->rows[number]; }
+  /// One after the other, which takes less than one by one by their numbers.
+  const Rows& StoredRows() const { return table.rows->rows; }
+  /// Of one of these.
+  RowView View(const Row& stored) const {
+    return {settings, stored, placesByShape.at(stored.shape)};
+  }
   /// One when all rows have the same, otherwise one per row.
   std::vector<DecodedText> ListInstanceKeys() const;
 

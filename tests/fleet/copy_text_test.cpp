@@ -6,6 +6,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -22,6 +23,18 @@ std::string Cell(std::string_view text) {
 
 TEST(CopyText, EscapesWhatSeparatesCellsAndRows) {
   EXPECT_EQ(Cell("a\tb\nc\rd\\e"), "a\\tb\\nc\\rd\\\\e");
+}
+
+TEST(CopyText, EscapesThemWhereverTheyStand) {
+  const std::string plain = "0123456789\x01[]\u00e4\x7f^zz{|}~";
+  for (std::size_t at = 0; at <= plain.size(); ++at) {
+    for (const auto& [special, escaped] :
+         {std::pair("\t", "\\t"), {"\n", "\\n"}, {"\r", "\\r"}, {"\\", "\\\\"}}) {
+      std::string text = plain;
+      std::string expected = plain;
+      EXPECT_EQ(Cell(text.insert(at, special)), expected.insert(at, escaped));
+    }
+  }
 }
 
 TEST(CopyText, HasNoNul) { EXPECT_EQ(Cell("a\0b"s), "a\uFFFDb"); }

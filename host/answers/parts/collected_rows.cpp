@@ -37,6 +37,15 @@ Place CollectedRow::PlaceOf(std::string_view key, std::string_view tool) const {
   return {row.shape->className, number, std::string(key), 0, std::string(tool)};
 }
 
+CollectedRows::CollectedRows(const Collection& collection)
+    : collection(collection), decoder(collection.machine.codePage) {
+  questions.reserve(collection.answers.size());
+  for (const CollectedAnswer& answer : collection.answers) {
+    questions.push_back(
+        {LowerCase(FindTool(answer.commandLine)), FindArguments(answer.commandLine)});
+  }
+}
+
 const CollectedTable* CollectedRows::FindTable(std::string_view className) const {
   const auto found =
       std::find_if(collection.tables.begin(), collection.tables.end(),
@@ -47,9 +56,9 @@ const CollectedTable* CollectedRows::FindTable(std::string_view className) const
 std::vector<const CollectedAnswer*> CollectedRows::ListAnswers(std::string_view program,
                                                                std::string_view arguments) const {
   std::vector<const CollectedAnswer*> found;
-  for (const CollectedAnswer& answer : collection.answers) {
-    if (LowerCase(FindTool(answer.commandLine)) != program) continue;
-    if (FindArguments(answer.commandLine) == arguments) found.push_back(&answer);
+  for (std::size_t i = 0; i < questions.size(); ++i) {
+    const bool isIt = questions[i].program == program && questions[i].arguments == arguments;
+    if (isIt) found.push_back(&collection.answers[i]);
   }
   return found;
 }

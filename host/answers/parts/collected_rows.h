@@ -87,8 +87,7 @@ class CollectedRowList {
 
 class CollectedRows {
  public:
-  explicit CollectedRows(const Collection& collection)
-      : collection(collection), decoder(collection.machine.codePage) {}
+  explicit CollectedRows(const Collection& collection);
 
   /// Null when the class was not collected.
   const CollectedTable* FindTable(std::string_view className) const;
@@ -109,8 +108,15 @@ class CollectedRows {
   CollectedRowList ListRows(std::string_view className) const;
 
  private:
+  /// What an answer was asked for by.
+  struct Question {
+    std::string program;  ///< in lower case
+    std::string arguments;
+  };
+
   const Collection& collection;
   TextDecoder decoder;
+  std::vector<Question> questions;  ///< of each answer
 };
 
 /// "ended with code 5"; empty for a program that ended well, and for null.

@@ -31,7 +31,7 @@ std::string_view Join(const std::vector<std::string_view>& words, std::size_t fi
 bool IsLetter(char c) { return LowerCase(c) >= 'a' && LowerCase(c) <= 'z'; }
 
 bool IsSizeOfTwoWords(std::string_view number, std::string_view unit) {
-  return ReadLeadingReal(number) && !ReadSize(number) && IsSizeUnit(unit);
+  return IsSizeUnit(unit) && ReadLeadingReal(number) && !ReadSize(number);
 }
 
 }  // namespace
@@ -73,6 +73,7 @@ std::optional<RowCells> TableHeads::DealWords(std::string_view row,
   const std::vector<std::string_view> words = ListWords(row);
   const std::size_t wide = FindPlace(wideHead);
   std::vector<RowCells::Cell> cells;
+  cells.reserve(heads.size());
   std::size_t next = 0;
   for (std::size_t i = 0; i < std::min(wide, heads.size()); ++i) {
     if (next == words.size()) return std::nullopt;
@@ -100,6 +101,7 @@ std::optional<RowCells> TableHeads::DealWords(std::string_view row,
 RowCells TableHeads::CutBelowHeads(std::string_view row) const {
   const std::vector<std::string_view> words = ListWords(row);
   std::vector<RowCells::Cell> cells;
+  cells.reserve(heads.size());
   std::size_t next = 0;
   for (std::size_t i = 0; i < heads.size(); ++i) {
     const bool isLast = i + 1 == heads.size();

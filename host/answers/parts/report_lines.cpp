@@ -17,11 +17,15 @@ bool ReportLines::Next(ReportLine& line) {
 }
 
 std::vector<std::string_view> ListWords(std::string_view text) {
+  // No function, which would be called for each character.
+  constexpr auto kIsBlank = [](char c) { return IsWhiteSpace(c); };
   std::vector<std::string_view> words;
+  constexpr std::size_t kUsual = 16;  // of a line
+  words.reserve(kUsual);
   const char* const end = text.data() + text.size();
   for (const char* at = text.data(); at != end;) {
-    const char* const word = std::find_if_not(at, end, IsWhiteSpace);
-    at = std::find_if(word, end, IsWhiteSpace);
+    const char* const word = std::find_if_not(at, end, kIsBlank);
+    at = std::find_if(word, end, kIsBlank);
     if (at != word) words.emplace_back(word, static_cast<std::size_t>(at - word));
   }
   return words;

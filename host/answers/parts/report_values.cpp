@@ -71,12 +71,12 @@ class Fields {
     return c;
   }
   void SkipBlanks() {
-    while (TakeOneOf(" \t") != 0) {
-    }
+    while (!rest.empty() && IsBlank(rest.front())) rest.remove_prefix(1);
   }
   std::string_view TakeWord() {
     SkipBlanks();
-    const std::size_t end = std::min(rest.find_first_of(" \t"), rest.size());
+    std::size_t end = 0;
+    while (end < rest.size() && !IsBlank(rest[end])) ++end;
     const std::string_view word = rest.substr(0, end);
     rest.remove_prefix(end);
     SkipBlanks();
@@ -84,6 +84,8 @@ class Fields {
   }
 
  private:
+  static bool IsBlank(char c) { return c == ' ' || c == '\t'; }
+
   std::string_view rest;
   std::size_t digits = 0;
 };

@@ -266,6 +266,18 @@ void FindFact(std::string_view text, std::string_view label, const Take& take) {
   }
 }
 
+/// Whether some label could have the value `word`. Drives have a "Predictive Failure Count", too,
+/// in a report of megabytes.
+bool MayHaveValue(std::string_view text, std::string_view word) {
+  for (std::size_t at = text.find(word); at != std::string_view::npos;
+       at = text.find(word, at + word.size())) {
+    std::size_t before = at;
+    while (before > 0 && IsWhiteSpace(text[before - 1])) --before;
+    if (before > 0 && text[before - 1] == '=') return true;
+  }
+  return false;
+}
+
 }  // namespace
 
 std::string ReadStorcliShow(const Report& report, Parts& parts) {
@@ -294,7 +306,7 @@ bool AddTopologyRow(const TopologyRow& row, const std::string& controller, const
 
 std::optional<std::string> FindStorcliFailure(std::string_view text) {
   constexpr std::string_view kWord = "Failure";
-  if (text.find(kWord) == std::string_view::npos) return std::nullopt;  // of megabytes, mostly
+  if (!MayHaveValue(text, kWord)) return std::nullopt;
   bool failed = false;
   std::string description;
   FindFact(text, "Status", [&](std::string_view value) { failed = failed || value == kWord; });
