@@ -158,7 +158,7 @@ class Target:
                 place.mkdir()
             for seed in self.seeds():
                 shutil.copy(seed, others if UNNAMED.fullmatch(seed.name) else named)
-            status, _, printed = run([self.program, "-merge=1", *BY_EDGES, named, others, self.grown], self.log)
+            status, _, printed = run([self.program, "-set_cover_merge=1", *BY_EDGES, named, others, self.grown], self.log)
             if status:
                 return self.fail(printed)
             shutil.rmtree(self.corpus)
