@@ -2,11 +2,33 @@
 # Counts which lines and branches of the program the native tests run.
 #   scripts/coverage.sh             all tests: frame/, pqmodules/ and host/
 #   scripts/coverage.sh ROOM...     only the tests of these rooms, and only what these rooms hold
+#   scripts/coverage.sh --windows   the tests under Wine: what is for Windows alone, and host/live/
 # Prints a line for each folder and the lines that nothing ran; all of it stays in build/coverage/report.txt.
-# Code for Windows alone is left out, and branches that only an exception takes.
+# Else code for Windows alone is left out; branches that only an exception takes always are.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 command -v gcovr >/dev/null || { echo "gcovr is missing: scripts/install.sh test" >&2; exit 1; }
+
+print_report() {  # BUILD GCOVR-ARGUMENT...
+  local build=$1
+  shift
+  # GCC 12 counts some lines of templates below zero.
+  gcovr --root . "$@" --exclude-throw-branches --exclude-unreachable-branches \
+    --gcov-ignore-parse-errors --json build/coverage/report.json "$build"
+  python3 scripts/coverage_report.py build/coverage/report.json | tee build/coverage/report.txt
+}
+
+if [[ ${1:-} == --windows ]]; then
+  scripts/build.sh native pqhost
+  scripts/build.sh windows_coverage
+  mkdir -p build/coverage
+  find build/windows_coverage -name '*.gcda' -delete
+  # Programs have other current drives than that of the build.
+  PQ_WINDOWS=build/windows_coverage GCOV_PREFIX=Z: scripts/wine_tests.sh
+  print_report build/windows_coverage --filter '.*/windows/' --filter host/live/ --exclude tests/ \
+    --gcov-executable x86_64-w64-mingw32-gcov
+  exit
+fi
 
 targets=(pq_tests)
 filters=(--filter frame/ --filter pqmodules/ --filter host/)
@@ -25,8 +47,4 @@ for target in "${targets[@]}"; do
   "build/coverage/bin/$target" --gtest_brief=1 \
     --gtest_filter='-*TakesTwice*:*TakesAboutTwice*:RepositoryMemory*' || exit 1
 done
-# GCC 12 counts some lines of templates below zero.
-gcovr --root . "${filters[@]}" --exclude '.*/windows/' --exclude-throw-branches \
-  --exclude-unreachable-branches --gcov-ignore-parse-errors --json build/coverage/report.json \
-  build/coverage
-python3 scripts/coverage_report.py build/coverage/report.json | tee build/coverage/report.txt
+print_report build/coverage "${filters[@]}" --exclude '.*/windows/'

@@ -2,10 +2,12 @@
 # Runs the Windows build's tests under Wine, in a prefix that is theirs alone: the test program, then
 # every sample recording through the real library. Ends with "N passed, N failed".
 #   scripts/wine_tests.sh [SAMPLE]...     with samples: only these, and not the test program
+# PQ_WINDOWS names another build than build/windows.
 set -uo pipefail
 cd "$(dirname "$0")/.."
 export WINEPREFIX=$PWD/build/wine-tests
 . scripts/wine_env.sh
+windows=${PQ_WINDOWS:-build/windows}
 mkdir -p build/logs
 
 passed=0
@@ -24,8 +26,8 @@ run() {  # NAME COMMAND...
   fi
 }
 
-[[ $# -gt 0 ]] || run program scripts/gtest.sh wine build/windows/bin/pq_tests.exe </dev/null
-run samples python3 tests/windows/wine_samples.py build/windows/bin build/windows/standin \
+[[ $# -gt 0 ]] || run program scripts/gtest.sh wine "$windows/bin/pq_tests.exe" </dev/null
+run samples python3 tests/windows/wine_samples.py "$windows/bin" "$windows/standin" \
   build/native/bin/pqhost "$@"
 wineserver -k
 echo "$passed passed, $failed failed"
