@@ -117,7 +117,8 @@ inline bool ShowsCell(std::string_view line, std::string_view column,
   }
   if (!kColumnsAsPrinted.contains(column)) return true;
   if (const auto* number = std::get_if<std::int64_t>(&value)) {
-    return contains(std::to_string(*number));
+    return column == "level" ||
+           contains(std::to_string(*number));  // an event's is of what it tells
   }
   const auto* text = std::get_if<std::string_view>(&value);
   return text == nullptr || contains(*text);
