@@ -18,8 +18,8 @@ import subprocess
 import sys
 
 ROOT = pathlib.Path.cwd()
-# What only clang's build compiles is read as that does.
-BUILDS = {ROOT / "build" / "native": ROOT, ROOT / "build" / "asan": ROOT / "fuzz"}
+# What clang's build compiles for fuzzing is read as that does, and all else as the native build does.
+BUILDS = {ROOT / "build" / "asan": ROOT / "fuzz", ROOT / "build" / "native": ROOT}
 # Benchmarks are named as their library wants it.
 LEFT_OUT = ROOT / "bench"
 # Modules name things alike, and so do their tests.
@@ -186,7 +186,10 @@ def main():
     (LINT / "tests").mkdir(exist_ok=True)
     shutil.copy(CONFIGS[1], LINT / "tests")
     build_scope()
-    sources = [source for build, folder in BUILDS.items() for source in list_sources(build, folder)]
+    sources = []
+    for build, folder in BUILDS.items():
+        known = {source.path for source in sources}
+        sources += [source for source in list_sources(build, folder) if source.path not in known]
     todo = [source for source in sources if not source.stamp.exists()]
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         dirty = [found for founds in pool.map(look_at, list_batches(todo)) for found in founds]
