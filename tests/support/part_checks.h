@@ -117,8 +117,9 @@ inline bool ShowsCell(std::string_view line, std::string_view column,
   }
   if (!kColumnsAsPrinted.contains(column)) return true;
   if (const auto* number = std::get_if<std::int64_t>(&value)) {
-    return column == "level" ||
-           contains(std::to_string(*number));  // an event's is of what it tells
+    // Lines that count volumes whose data are kept in the cache print no level.
+    const bool isJudged = column == "level" && contains("number_of_pinned_vds");
+    return isJudged || contains(std::to_string(*number));
   }
   const auto* text = std::get_if<std::string_view>(&value);
   return text == nullptr || contains(*text);
