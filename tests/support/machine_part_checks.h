@@ -158,7 +158,8 @@ inline std::string FindUnsoundPart(const host::Recording& machine) {
           return name + ", " + std::string(column.name) + ", is no UTF-8";
         }
         if (!IsWhereItWasRead(collection, table, part, column)) {
-          return name + ", " + std::string(column.name) + ", is not where it was read";
+          return name + ", " + std::string(column.name) +
+                 ", is not where it was read: " + Print(column.get(part));
         }
       }
     }

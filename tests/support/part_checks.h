@@ -117,9 +117,14 @@ inline bool ShowsCell(std::string_view line, std::string_view column,
   }
   if (!kColumnsAsPrinted.contains(column)) return true;
   if (const auto* number = std::get_if<std::int64_t>(&value)) {
-    // Lines that count volumes whose data are kept in the cache print no level.
-    const bool isJudged = column == "level" && contains("number_of_pinned_vds");
-    return isJudged || contains(std::to_string(*number));
+    // Some print the level as a word. Lines that count volumes whose data are kept in the cache
+    // print none.
+    constexpr const char* kWords[] = {
+        "Debug",    "Progress", "Information", "Warning",
+        "Critical", "Fatal",    "Fault",       "number_of_pinned_vds"};
+    const bool isWord =
+        column == "level" && std::any_of(std::begin(kWords), std::end(kWords), contains);
+    return isWord || contains(std::to_string(*number));
   }
   const auto* text = std::get_if<std::string_view>(&value);
   return text == nullptr || contains(*text);

@@ -198,9 +198,10 @@ struct NamedHit {
 };
 
 NamedHit ReadHit(const Rule& rule, const AnswerColumns& columns, const Database::Values& values) {
-  const std::string word = TakeText(values, AnswerColumns::kSeverity);
+  std::string word = TakeText(values, AnswerColumns::kSeverity);
   const std::optional<Severity> severity = FindSeverity(word);
   if (!severity) {
+    std::replace(word.begin(), word.end(), '\n', ' ');  // an error is one line
     throw DatabaseError(
         fmt::format("\"{}\" is no severity: critical, warning, notice or unknown", word));
   }
