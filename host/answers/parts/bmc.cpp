@@ -160,20 +160,24 @@ void KeepUnread(Parts& parts, std::string_view line, const Place& at) {
 // --- sensors ---
 
 /// Where the class SENSORINFO shows a line of the readings: it deals their cells to ten columns, by
-/// count alone.
+/// count alone, until one is blank.
 class DealtCells {
  public:
-  explicit DealtCells(std::size_t rowCount) : rowCount(rowCount) {}
+  /// `rows` are those of SENSORINFO.
+  explicit DealtCells(CollectedRowList rows) : rows(rows) {}
 
   /// The place of the cell with the status, counted from 0 in the line at hand.
   Place PlaceOf(std::size_t cell, std::int64_t line) const {
     constexpr std::size_t kColumns = 10;
     const std::size_t dealt = dealtBefore + cell;
     Place place{{}, 0, {}, line, kReadingsTool};
-    if (dealt / kColumns >= rowCount) return place;
+    const std::size_t row = dealt / kColumns;
+    if (row >= rows.size()) return place;
+    std::string key = "item" + std::to_string(dealt % kColumns + 1);
+    if (row + 1 == rows.size() && rows[row].Get(key).empty()) return place;  // it ended before
     place.className = "SENSORINFO";
-    place.row = static_cast<std::int64_t>(dealt / kColumns) + 1;
-    place.key = "item" + std::to_string(dealt % kColumns + 1);
+    place.row = static_cast<std::int64_t>(row) + 1;
+    place.key = std::move(key);
     place.line = 0;
     return place;
   }
@@ -188,7 +192,7 @@ class DealtCells {
   }
 
  private:
-  std::size_t rowCount;
+  CollectedRowList rows;
   std::size_t dealtBefore = 0;  ///< cells
 };
 
@@ -197,8 +201,7 @@ ListingEnd ReadReadings(const CollectedRows& rows, SensorReader& reader, Parts& 
   const auto answers = rows.ListAnswers(kIpmiutil, kReadingsArguments);
   if (answers.empty()) return end;
   const DecodedText text = rows.Decode(answers.back()->output);
-  const CollectedTable* table = rows.FindTable("SENSORINFO");
-  DealtCells cells(table == nullptr ? 0 : table->RowCount());
+  DealtCells cells(rows.ListRows("SENSORINFO"));
   ReportLine line;
   for (ReportLines lines(text.View().substr(0, text.View().find('\0'))); lines.Next(line);) {
     end.Take(line.text);

@@ -49,6 +49,15 @@ TEST(BmcParts, HaveSensorsWhereTheTableShowsThem) {
   EXPECT_EQ(parts.sensors[1].readAt, (Place{"SENSORINFO", 2, "item4", 0, "ipmiutil sensor -s -q"}));
 }
 
+TEST(BmcParts, HaveTheReportsLineForAPlaceWhereTheTableEndsBefore) {
+  const Parts parts = ReadWith("sensor -s -q",
+                               "P0 Temp | 41 | C | ok | na | na | na | 85 | 92 | 100\r\n"
+                               "Fan 1 | 5400 | | nc | 600 | 900 | 1200 | na | na | na\r\n");
+  ASSERT_EQ(parts.sensors.size(), 2U);
+  EXPECT_EQ(parts.sensors[1].status, "nc");
+  EXPECT_EQ(parts.sensors[1].readAt, (Place{{}, 0, {}, 2, "ipmiutil sensor -s -q"}));
+}
+
 TEST(BmcParts, AreNotMoreThanAnyMachineHas) {
   std::string readings;
   for (std::size_t i = 0; i < host::kMostParts + 2; ++i) {
