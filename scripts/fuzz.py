@@ -106,9 +106,9 @@ class Target:
     def say(self, text):
         print(f"{self.name:<24} {text}", flush=True)
 
-    def fail(self, printed):
+    def fail(self, status, printed):
         lines = [line for line in printed.splitlines() if TROUBLE.search(line)]
-        self.say(f"FAILED, see {self.log} and {self.found}; its last lines:\n" + "\n".join(lines[-6:]))
+        self.say(f"FAILED with {status}, see {self.log} and {self.found}; what it found:\n" + "\n".join(lines[-6:]))
         return False
 
     def fuzz(self, arguments):
@@ -129,7 +129,7 @@ class Target:
             with tempfile.TemporaryDirectory() as grown:
                 status, _, printed = self.fuzz([*REPLAY, grown, self.corpus])
         if status:
-            return self.fail(printed)
+            return self.fail(status, printed)
         self.say(f"{len(self.seeds()):4} seeds {count_runs(printed):10} runs   nothing found")
         return True
 
@@ -140,7 +140,7 @@ class Target:
             status, used, printed = self.fuzz([f"-max_total_time={seconds}", *LIMITS, self.grown, self.corpus])
             RECORD.add(self.name, used, count_runs(printed), count_edges(printed), self.count_found() - found)
             if status:
-                return self.fail(printed)
+                return self.fail(status, printed)
         self.say("{:.1f} minutes, {} inputs, {} edges, {} found".format(*RECORD.read()[self.name]))
         return True
 
@@ -160,7 +160,7 @@ class Target:
                 shutil.copy(seed, others if UNNAMED.fullmatch(seed.name) else named)
             status, _, printed = run([self.program, "-set_cover_merge=1", *BY_EDGES, named, others, self.grown], self.log)
             if status:
-                return self.fail(printed)
+                return self.fail(status, printed)
             shutil.rmtree(self.corpus)
             shutil.copytree(named, self.corpus)
         sizes = [seed.stat().st_size for seed in self.seeds()]
