@@ -306,8 +306,9 @@ TEST(Health, RefusesRulesByFileAndLine) {
             "house.sql:4: mine: the answer needs three columns: severity, id, observed");
   EXPECT_EQ(Refuse(head + "SELECT 'bad', id, state FROM drives"),
             "house.sql:4: mine: \"bad\" is no severity: critical, warning, notice or unknown");
-  EXPECT_EQ(Refuse(head + "SELECT 'two\nlines', id, state FROM drives"),
-            "house.sql:4: mine: \"two lines\" is no severity: critical, warning, notice or unknown");
+  EXPECT_EQ(
+      Refuse(head + "SELECT 'two\nlines', id, state FROM drives"),
+      "house.sql:4: mine: \"two lines\" is no severity: critical, warning, notice or unknown");
   EXPECT_EQ(Refuse(head + "SELECT 'warning', id, wrong FROM drives"),
             "house.sql:4: mine: no such column: wrong");
   EXPECT_EQ(Refuse(head + "SELECT 'warning', id, setting('wrong') FROM drives"),
