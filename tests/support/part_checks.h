@@ -119,9 +119,9 @@ inline bool ShowsCell(std::string_view line, std::string_view column,
   if (const auto* number = std::get_if<std::int64_t>(&value)) {
     // Some print the level as a word. Lines that count volumes whose data are kept in the cache
     // print none.
-    constexpr const char* kWords[] = {
-        "Debug",    "Progress", "Information", "Warning",
-        "Critical", "Fatal",    "Fault",       "number_of_pinned_vds"};
+    constexpr const char* kWords[] = {"Class: Debug",   "Class: Progress",     "Class: Information",
+                                      "Class: Warning", "Class: Critical",     "Class: Fatal",
+                                      "Class: Fault",   "number_of_pinned_vds"};
     const bool isWord =
         column == "level" && std::any_of(std::begin(kWords), std::end(kWords), contains);
     return isWord || contains(std::to_string(*number));
