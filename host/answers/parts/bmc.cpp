@@ -166,11 +166,15 @@ class DealtCells {
   /// `rows` are those of SENSORINFO.
   explicit DealtCells(CollectedRowList rows) : rows(rows) {}
 
-  /// The place of the cell with the status, counted from 0 in the line at hand.
-  Place PlaceOf(std::size_t cell, std::int64_t line) const {
+  /// The place of the status in the line at hand.
+  Place PlaceOfStatus(const ReportLine& line) const {
     constexpr std::size_t kColumns = 10;
-    const std::size_t dealt = dealtBefore + cell;
-    Place place{{}, 0, {}, line, kReadingsTool};
+    std::size_t begin = 0;
+    for (std::size_t cell = FindStatusCell(line.text); cell > 0; --cell) {
+      begin = std::min(line.text.find('|', begin), line.text.size() - 1) + 1;
+    }
+    const std::size_t dealt = dealtBefore + CountCells(line.text.substr(0, begin));
+    Place place{{}, 0, {}, line.number, kReadingsTool};
     const std::size_t row = dealt / kColumns;
     if (row >= rows.size()) return place;
     std::string key = "item" + std::to_string(dealt % kColumns + 1);
@@ -183,15 +187,20 @@ class DealtCells {
   }
 
   /// Goes on to the next line.
-  void Pass(std::string_view line) {
-    bool isInCell = false;
-    for (const char c : line) {
-      if (c != '|' && !isInCell) ++dealtBefore;
-      isInCell = c != '|';
-    }
-  }
+  void Pass(std::string_view line) { dealtBefore += CountCells(line); }
 
  private:
+  /// Two bars have no cell between them.
+  static std::size_t CountCells(std::string_view line) {
+    std::size_t cells = 0;
+    bool isInCell = false;
+    for (const char c : line) {
+      if (c != '|' && !isInCell) ++cells;
+      isInCell = c != '|';
+    }
+    return cells;
+  }
+
   CollectedRowList rows;
   std::size_t dealtBefore = 0;  ///< cells
 };
@@ -205,7 +214,7 @@ ListingEnd ReadReadings(const CollectedRows& rows, SensorReader& reader, Parts& 
   ReportLine line;
   for (ReportLines lines(text.View().substr(0, text.View().find('\0'))); lines.Next(line);) {
     end.Take(line.text);
-    if (!reader.TakeReading(line.text, cells.PlaceOf(FindStatusCell(line.text), line.number))) {
+    if (!reader.TakeReading(line.text, cells.PlaceOfStatus(line))) {
       KeepUnread(parts, Trim(line.text), {{}, 0, {}, line.number, kReadingsTool});
     }
     cells.Pass(line.text);

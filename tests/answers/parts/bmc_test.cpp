@@ -49,6 +49,14 @@ TEST(BmcParts, HaveSensorsWhereTheTableShowsThem) {
   EXPECT_EQ(parts.sensors[1].readAt, (Place{"SENSORINFO", 2, "item4", 0, "ipmiutil sensor -s -q"}));
 }
 
+TEST(BmcParts, FindTheStatusBehindTwoBarsWithNothingBetween) {
+  const Parts parts =
+      ReadWith("sensor -s -q", "Fan 1 | 5400 || nc | 600 | 900 | 1200 | na | na | na\r\n");
+  ASSERT_EQ(parts.sensors.size(), 1U);
+  EXPECT_EQ(parts.sensors[0].status, "nc");
+  EXPECT_EQ(parts.sensors[0].readAt, (Place{"SENSORINFO", 1, "item3", 0, "ipmiutil sensor -s -q"}));
+}
+
 TEST(BmcParts, HaveTheReportsLineForAPlaceWhereTheTableEndsBefore) {
   const Parts parts = ReadWith("sensor -s -q",
                                "P0 Temp | 41 | C | ok | na | na | na | 85 | 92 | 100\r\n"
