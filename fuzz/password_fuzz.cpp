@@ -86,9 +86,8 @@ void CheckForms(const host::AmtLogin& login, const std::string& report) {
   const std::string begin = host::HidePassword(report + "\r\n", login);
   std::vector<std::string> forms = {std::string(password), host::LowerCase(password),
                                     EncodeBase64(password), EncodeBase64(Widen(password))};
-  // A last "%" is found before what it encodes, and so are "%2" and "%25" at the end.
-  const auto endsWith = [&](const char* end) { return password.ends_with(end); };
-  if (!endsWith("%") && !endsWith("%2") && !endsWith("%25")) {
+  // A "%" is found in its own code, "%25", too, with what follows in the middle of that.
+  if (!password.ends_with('%') && password.find("%2") == std::string_view::npos) {
     forms.push_back(EncodePercent(password));
   }
   for (const std::string& form : forms) {
