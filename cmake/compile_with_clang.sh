@@ -11,7 +11,7 @@ shift
 for flag; do
   shift
   case $flag in
-    -fpch-preprocess | -Wno-subobject-linkage | -Wa,-mbig-obj) ;;  # g++ alone knows or needs them
+    -fpch-preprocess | -Wno-subobject-linkage | -Wa,-mbig-obj | --param=*) ;;  # g++ alone knows or needs them
     *.gch) rm -f "$flag" && set -- "$@" "$flag" ;;  # clang would begin with the former one
     *) set -- "$@" "$flag" ;;
   esac
