@@ -13,14 +13,18 @@ import json
 import locale
 import os
 import pathlib
+import pty
 import re
+import select
 import shutil
 import signal
 import socket
 import subprocess
 import sys
 import tempfile
+import termios
 import time
+import tty
 import zipfile
 
 ROOT = pathlib.Path.cwd()
@@ -42,6 +46,9 @@ HOST_FILES = ["repository_pqmodule.dll", "repository.dll", "logger.dll", "libstd
               "libgcc_s_seh-1.dll", "libwinpthread-1.dll"]
 US_ENGLISH = 1033
 TIME_LIMIT = 300
+CONSOLE_WIDTH = 150
+CANCELLED = 1223  # ERROR_CANCELLED
+INTERPRETER = r"C:\Windows\System32\cmd.exe"
 # ERROR_INTERNAL_ERROR, which Wine gives when a process met addresses that are taken: see
 # scripts/wine_env.sh. Where addresses cannot be fixed, a check is repeated. No sample records this
 # number, so it is never what a check looks for.
@@ -616,7 +623,7 @@ def check_hung_tool(binaries, standins, _pqhost, sample):
     folder = OUTPUT / "hung_tool"
     shutil.rmtree(folder, ignore_errors=True)
     folder.mkdir(parents=True)
-    result = folder / "result.json"
+    result, recorded = folder / "result.json", folder / "recording"
     with Machine(binaries, standins, sample) as machine:
         host_folder = machine.host.rpartition("\\")[0]
         program = unix_path(f"{host_folder}\\pq_tools\\ipmiutilnh.exe")
@@ -625,7 +632,8 @@ def check_hung_tool(binaries, standins, _pqhost, sample):
         began = time.monotonic()
         ran = run_wine([machine.host, "collect", "--module", "BMC_Info", "--log-folder",
                         machine.log_folder.rstrip("\\"), "--format", "json", "--output",
-                        windows_path(result), "--tool-limit", str(TOOL_LIMIT)],
+                        windows_path(result), "--tool-limit", str(TOOL_LIMIT), "--record",
+                        windows_path(recorded)],
                        US_ENGLISH,
                        standin_variables(sample, folder / "state")
                        | {"PQ_STANDIN_MODE": "hang"} | interpreter_of_ours())
@@ -641,7 +649,166 @@ def check_hung_tool(binaries, standins, _pqhost, sample):
     texts = {table["class"]: table["status"]["text"] for table in tables}
     if not texts["SELINFO"].endswith(f"had been ended after {TOOL_LIMIT} s and was not started again"):
         raise Failure(f"status: {texts}")
+    runs = [command for command in
+            json.loads((recorded / "recording.json").read_text(encoding="utf-8"))["commands"]
+            if command["tool"] == "ipmiutilnh.exe"]
+    refused = [command for command in runs if command.get("startError") == CANCELLED]
+    if len(runs) < 2 or len(refused) != len(runs) - 1 or "startError" in runs[0]:
+        raise Failure(f"recorded: {runs}")
     return len(tables)
+
+
+def check_no_interpreter(binaries, standins, pqhost, sample):
+    """The system's interpreter cannot be started: the steps say so, and so does the recording."""
+    folder = OUTPUT / "no_interpreter"
+    shutil.rmtree(folder, ignore_errors=True)
+    folder.mkdir(parents=True)
+    recorded, wine_trace, native_trace = (
+        folder / "recording", folder / "wine.jsonl", folder / "native.jsonl")
+    interpreter = unix_path(INTERPRETER)
+    with Machine(binaries, standins, sample) as machine:
+        kept = interpreter.rename(interpreter.with_name("kept.exe"))
+        try:
+            ran = run_wine([machine.host, "collect", "--module", "BMC_Info", "--module",
+                            "Windows_Related_Info", "--module", "sampleModule2", "--log-folder",
+                            machine.log_folder.rstrip("\\"), "--format", "none", "--trace",
+                            windows_path(wine_trace), "--record", windows_path(recorded)],
+                           US_ENGLISH, standin_variables(sample, folder / "state")
+                           | interpreter_of_ours())
+        finally:
+            kept.rename(interpreter)
+    if ran.returncode != 1 or b"CreateProcess failed" not in wine_trace.read_bytes():
+        raise Failure(f"exit code {ran.returncode}: {ran.stderr!r}")
+    subprocess.run([pqhost, "collect", "--replay", recorded, "--module", "BMC_Info", "--module",
+                    "Windows_Related_Info", "--module", "sampleModule2", "--format", "none",
+                    "--trace", native_trace], capture_output=True, check=False,
+                   stdin=subprocess.DEVNULL)
+    return compare(read_trace(native_trace), read_trace(wine_trace), least=5)
+
+
+def run_on_console(arguments, variables, answers=()):
+    """What a program prints on a console of its own, which Wine makes of a terminal, without what
+    moves the cursor; and its exit code. Each answer is a pair: typed when the text was printed."""
+    terminal, inside = pty.openpty()
+    tty.setraw(inside)
+    termios.tcsetwinsize(inside, (50, CONSOLE_WIDTH))
+    environment = os.environ | {"TERM": "xterm", "LC_ALL": "C"} | variables
+    said = plain = b""
+    answers = list(answers)
+    with subprocess.Popen(["wine", *arguments], cwd=unix_path(WORKING_FOLDER), env=environment,
+                          stdin=inside, stdout=inside, stderr=inside, start_new_session=True) as ran:
+        os.close(inside)
+        deadline = time.monotonic() + TIME_LIMIT
+        while time.monotonic() < deadline:
+            ready = select.select([terminal], [], [], 0.2)[0]
+            try:
+                piece = os.read(terminal, 1 << 16) if ready else None
+            except OSError:  # nobody has the other end any more
+                break
+            if piece is None:
+                if ran.poll() is not None:
+                    break
+                continue
+            said += piece
+            plain = re.sub(rb"\x1b\[[?0-9;]*[A-Za-ln-z]", b"", said.replace(b"\x1b[1C", b" "))
+            if answers and answers[0][0] in plain:
+                os.write(terminal, answers.pop(0)[1])
+        else:
+            ran.kill()
+            raise Failure(f"it waits for ever: {plain[-500:]!r}")
+    os.close(terminal)
+    if answers:
+        raise Failure(f"never printed: {answers[0][0]!r}; but {plain[-2000:]!r}")
+    return plain, ran.returncode
+
+
+PRESS_ENTER = b"Press Enter to close this window."
+
+
+def check_console(binaries, standins, _pqhost, sample):
+    """On a console there are colours, unless the user wants none; a window of the program's own stays
+    until Enter is pressed."""
+    with Machine(binaries, standins, sample) as machine:
+        command = [machine.host, "health", "--replay", windows_path(sample)]
+        plain, code = run_on_console([*command, "--own-window"], {}, [(PRESS_ENTER, b"x\r")])
+        if b"\x1b[35m" not in plain or code != 1:
+            raise Failure(f"exit code {code}: {plain!r}")
+        plain, code = run_on_console(command, {"NO_COLOR": "1"})
+        if b"\x1b[35m" in plain or PRESS_ENTER in plain or code != 1:
+            raise Failure(f"exit code {code} without colours: {plain!r}")
+    return 2
+
+
+def check_double_click(binaries, standins, _pqhost, sample):
+    """Started without any word in a window of its own: the report is on the desktop, Explorer opens
+    it, and the window stays until Enter is pressed."""
+    state = OUTPUT / "double_click.state"
+    desktop = next((PREFIX / "drive_c" / "users").glob("*/Desktop"))
+    explorer, before = unix_path(r"C:\Windows\explorer.exe"), set(desktop.iterdir())
+    variables = standin_variables(sample, state) | interpreter_of_ours()
+    with Machine(binaries, standins, sample) as machine:
+        kept = explorer.rename(explorer.with_name("kept.exe"))
+        try:
+            shutil.copyfile(standins / "standin_explorer.exe", explorer)
+            plain, _ = run_on_console(
+                [machine.host], variables, [(b"just press Enter:", b"\r"), (PRESS_ENTER, b"\r")])
+            deadline = time.monotonic() + 30
+            while not (state / "explorer").exists() and time.monotonic() < deadline:
+                time.sleep(0.1)
+        finally:
+            kept.replace(explorer)
+            made = set(desktop.iterdir()) - before
+            for path in made:
+                path.unlink()
+    opened = (state / "explorer").read_text() if (state / "explorer").exists() else ""
+    reports = [path.name for path in made if path.suffix == ".html"]
+    if len(reports) != 1 or f'\\Desktop\\{reports[0]}"' not in opened:
+        raise Failure(f"made: {made}, opened: {opened}, said: {plain!r}")
+    return 1
+
+
+def check_closed_output(binaries, standins, _pqhost, sample):
+    """Without a standard output there is nothing to write results to, and that is said; without a
+    standard error the results are whole."""
+    question = ["query", "SELECT 1", "--replay", windows_path(sample), "--format", "csv"]
+    with Machine(binaries, standins, sample) as machine:
+        def run(closed, **streams):
+            return subprocess.run(
+                ["sh", "-c", f'exec wine "$@" {closed}', "sh", machine.host, *question],
+                cwd=unix_path(WORKING_FOLDER), env=os.environ, stdin=subprocess.DEVNULL,
+                timeout=TIME_LIMIT, check=False, **streams)
+
+        ran = run(">&-", stderr=subprocess.PIPE)
+        if ran.returncode != 1 or b"standard output could not be written" not in ran.stderr:
+            raise Failure(f"without output: exit code {ran.returncode}, {ran.stderr!r}")
+        ran = run("2>&-", stdout=subprocess.PIPE)
+        if not ran.stdout.endswith(b"1\r\n"):
+            raise Failure(f"without errors: {ran.stdout!r}")
+    return 2
+
+
+def check_setup(binaries, standins, _pqhost, sample):
+    """Of a tool that is found elsewhere its version and signer are told."""
+    folder = OUTPUT / "setup"
+    shutil.rmtree(folder, ignore_errors=True)
+    for name, subject in [("storcli64", "/CN=Lantern Works"), ("arcconf", "/")]:
+        (folder / "found").mkdir(parents=True, exist_ok=True)
+        subprocess.run(["openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-subj", subject,
+                        "-keyout", folder / "key", "-out", folder / "certificate"],
+                       check=True, capture_output=True)
+        subprocess.run(["osslsigncode", "sign", "-certs", folder / "certificate", "-key",
+                        folder / "key", "-in", binaries / "repository.dll", "-out",
+                        folder / "found" / f"{name}.exe"], check=True, capture_output=True)
+    with Machine(binaries, standins, sample) as machine:
+        host_folder = machine.host.rpartition("\\")[0]
+        shutil.rmtree(unix_path(host_folder + r"\utilities"), ignore_errors=True)
+        ran = run_wine([machine.host, "setup", "--from", windows_path(folder / "found")], US_ENGLISH,
+                       {"WINEPATH": SYSTEM_FOLDER})
+    said = ran.stdout.decode()
+    for tool, signer in [("storcli64", "signed by Lantern Works"), ("arcconf", "not signed")]:
+        if not re.search(rf"{tool}\.exe, version \d+\.\d+\.\d+\.0, {signer}\s", said):
+            raise Failure(f"{tool}: {said}{ran.stderr!r}")
+    return 2
 
 
 def check_old_archive(binaries, standins, _pqhost, sample):
@@ -923,7 +1090,7 @@ def main():
     samples = sorted(path.parent for path in (ROOT / "samples").glob("*/recording.json"))
     if len(sys.argv) > 4:
         samples = [sample for sample in samples if sample.name in sys.argv[4:]]
-    shutil.copyfile(standins / "standin_interpreter.exe", unix_path(r"C:\Windows\System32\cmd.exe"))
+    shutil.copyfile(standins / "standin_interpreter.exe", unix_path(INTERPRETER))
     passed = failed = 0
 
     def check(name, run, sample):
@@ -969,6 +1136,11 @@ def main():
         check(f"{tool} with a limit ({mode})", check_tool_limit(tool, mode, is_ended),
               ROOT / "samples" / "two-socket-server")
     check("a tool that hangs each time", check_hung_tool, ROOT / "samples" / "two-socket-server")
+    check("no interpreter", check_no_interpreter, ROOT / "samples" / "two-socket-server")
+    check("a console", check_console, ROOT / "samples" / "blade")
+    check("a double-click", check_double_click, ROOT / "samples" / "bare-machine")
+    check("no standard output", check_closed_output, ROOT / "samples" / "bare-machine")
+    check("signed tools", check_setup, ROOT / "samples" / "two-socket-server")
     check("an old archive", check_old_archive, ROOT / "samples" / "two-socket-server")
     check("planted programs", check_planted, ROOT / "samples" / "two-socket-server")
     check("a killed collection", check_killed, ROOT / "samples" / "two-socket-server")

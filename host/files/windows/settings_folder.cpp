@@ -6,7 +6,8 @@ namespace host {
 
 std::filesystem::path FindSettingsFolder() {
   const wchar_t* own = _wgetenv(L"LOCALAPPDATA");
-  return own == nullptr ? std::filesystem::path() : std::filesystem::path(own) / "pqhost";
+  if (own == nullptr) return {};
+  return std::filesystem::path(own) / "pqhost";
 }
 
 }  // namespace host

@@ -16,6 +16,7 @@ namespace {
 /// Below it a key for each kind of device, and below that one for each device.
 constexpr wchar_t kPciKey[] = L"SYSTEM\\CurrentControlSet\\Enum\\PCI";
 
+/// One that is not there has neither keys nor values.
 class Key {
  public:
   Key(HKEY parent, const wchar_t* name) {
@@ -68,13 +69,11 @@ bool IsThere(const Key& device) { return Key(device.Get(), L"Control").IsOpen();
 std::vector<PciDevice> ListPciDevices() {
   std::vector<PciDevice> devices;
   const Key bus(HKEY_LOCAL_MACHINE, kPciKey);
-  if (!bus.IsOpen()) return devices;
   for (const std::wstring& kindName : bus.ListKeys()) {
     const Key kind(bus.Get(), kindName.c_str());
-    if (!kind.IsOpen()) continue;
     for (const std::wstring& deviceName : kind.ListKeys()) {
       const Key device(kind.Get(), deviceName.c_str());
-      if (!device.IsOpen() || !IsThere(device)) continue;
+      if (!IsThere(device)) continue;
       for (const std::wstring& id : device.ReadTexts(L"HardwareID")) {
         const auto found = ParsePciId(ToUtf8(id));
         if (!found) continue;

@@ -8,6 +8,7 @@
 
 #include "frame/platform.h"
 #include "frame/tool_runner.h"
+#include "host/files/places.h"
 #include "host/live/live.h"
 #include "host/live/windows/hardware.h"
 #include "host/live/windows/own_folder.h"
@@ -167,11 +168,10 @@ std::filesystem::path FindDefaultLogFolder() {
   const std::filesystem::path logs = std::filesystem::current_path() / "logs";
   std::error_code ignored;
   const bool isThere = std::filesystem::exists(std::filesystem::symlink_status(logs, ignored));
-  if (isThere ? IsOwnFolder(logs) && CanWriteInto(logs) : CanWriteInto(logs.parent_path())) {
-    return logs;
-  }
-  const wchar_t* own = _wgetenv(L"LOCALAPPDATA");
-  return own == nullptr ? logs : std::filesystem::path(own) / "pqhost" / "logs";
+  if (isThere && IsOwnFolder(logs) && CanWriteInto(logs)) return logs;
+  if (!isThere && CanWriteInto(logs.parent_path())) return logs;
+  const std::filesystem::path own = FindSettingsFolder();
+  return own.empty() ? logs : own / "logs";
 }
 
 LiveMachine PrepareLiveMachine(const std::filesystem::path& logFolder, FolderAccess access) {

@@ -37,8 +37,8 @@ std::string DescribeSystemError(std::uint32_t error) {
   std::string text = ToUtf8({words, length});
   LocalFree(words);
   while (text.ends_with(' ')) text.pop_back();
-  return text.empty() ? "system error " + std::to_string(error)
-                      : text + " (system error " + std::to_string(error) + ")";
+  const std::string number = "system error " + std::to_string(error);
+  return text.empty() ? number : text + " (" + number + ")";
 }
 
 }  // namespace host

@@ -1,6 +1,6 @@
 // The plug-in as a loaded library, watched by the host.
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <windows.h>
 
 #include <algorithm>
@@ -14,6 +14,7 @@
 #include "host/live/live.h"
 #include "host/live/windows/module_image.h"
 #include "host/live/windows/watched_imports.h"
+#include "tests/support/windows/changed_variable.h"
 
 namespace test {
 namespace {
@@ -84,6 +85,17 @@ TEST(LiveLibrary, IsRefusedWhenItExportsNoAddModules) {
   EXPECT_NE(refusal.find("exports no function AddModules"), std::string::npos) << refusal;
 }
 
+TEST(LiveLibrary, IsToldToHaveAddedNoModulesWhenItSaysSo) {
+  const auto library = host::LoadLiveLibrary(BesideThisProgram("refusing_plugin.dll"), {});
+  Modules modules;
+  try {
+    library->AddModules(modules);
+    ADD_FAILURE() << "no error";
+  } catch (const host::LiveError& error) {
+    EXPECT_THAT(error.what(), testing::HasSubstr("refusing_plugin.dll: its AddModules answered 7"));
+  }
+}
+
 /// A folder that is the current one, and goes with its files when destroyed.
 class CurrentFolder {
  public:
@@ -132,6 +144,18 @@ TEST(LocateProgram, FollowsPathAndItsExtensionsAndLeavesTheCurrentFolderOut) {
   EXPECT_EQ(arp.value_or("").find(current.Path().string()), std::string::npos) << *arp;
 }
 
+TEST(LocateProgram, TakesTheUsualExtensionsWhereNoneAreSet) {
+  const CurrentFolder current("programs without extensions");
+  for (const char* file : {"route.bat", "route.wrong", "netstat.wrong"}) std::ofstream(file) << "x";
+  std::filesystem::create_directory("arp.exe");
+  const ChangedVariable path(L"PATH", current.Path().c_str());
+  const ChangedVariable extensions(L"PATHEXT", L"");
+  EXPECT_THAT(host::LocateProgram("route").value_or(""),
+              testing::StrCaseEq((current.Path() / "route.bat").string()));
+  EXPECT_EQ(host::LocateProgram("netstat"), std::nullopt);
+  EXPECT_EQ(host::LocateProgram("arp"), std::nullopt) << "a folder";
+}
+
 TEST(WatchedImports, PutsTheAddressesBack) {
   HMODULE plugin = LoadLibraryW(BesideThisProgram(host::kPluginFileName).c_str());
   ASSERT_NE(plugin, nullptr);
@@ -159,6 +183,56 @@ TEST(LiveMachine, CreatesTheLogFolder) {
   EXPECT_EQ(machine.facts.logFolder, folder.string() + "\\");
   EXPECT_EQ(machine.facts.languageId, GetSystemDefaultLCID());
   std::filesystem::remove_all(folder.parent_path());
+}
+
+/// Why this log folder cannot be used.
+std::string RefusalOfLogFolder(const std::filesystem::path& folder, host::FolderAccess access) {
+  try {
+    host::PrepareLiveMachine(folder, access);
+  } catch (const host::LiveError& error) {
+    return error.what();
+  }
+  return "not refused";
+}
+
+TEST(LiveMachine, RefusesALogFolderThatCannotBeMade) {
+  const CurrentFolder current("refused log folders");
+  std::ofstream("file") << "x";
+  for (const auto access : {host::FolderAccess::kInherited, host::FolderAccess::kOwn}) {
+    EXPECT_THAT(RefusalOfLogFolder(current.Path() / "file" / "logs", access),
+                testing::AllOf(
+                    testing::StartsWith("cannot create the log folder " + current.Path().string()),
+                    testing::HasSubstr("(system error ")));
+  }
+}
+
+TEST(LiveMachine, RefusesALogFolderOfSomeoneElses) {
+  const CurrentFolder current("foreign log folders");
+  std::ofstream("logs") << "x";  // no folder that we made
+  EXPECT_THAT(RefusalOfLogFolder(current.Path() / "logs", host::FolderAccess::kOwn),
+              testing::HasSubstr("belongs to someone else; choose another with --log-folder"));
+}
+
+TEST(LiveMachine, TakesALogFolderWithOrWithoutASeparatorBehindIt) {
+  const CurrentFolder current("log folders");
+  const std::string folder = current.Path().string() + "\\";
+  EXPECT_EQ(host::DescribeThisMachine(current.Path()).logFolder, folder);
+  EXPECT_EQ(host::DescribeThisMachine(folder).logFolder, folder);
+}
+
+TEST(LiveMachine, LooksAtTheDiskOfALogFolderThatIsNotThereYet) {
+  const CurrentFolder current("looked at");
+  const host::Surroundings found = host::LookAround(current.Path() / "new" / "newer");
+  EXPECT_TRUE(found.canWriteLogFolder);
+  EXPECT_TRUE(found.hasInterpreter);
+  EXPECT_GT(found.freeBytes, 0U);
+  EXPECT_TRUE(std::filesystem::is_empty(current.Path()));
+}
+
+TEST(LiveMachine, HasNoDiskOfALogFolderOnADriveThatIsNotThere) {
+  const host::Surroundings found = host::LookAround("Q:\\logs");
+  EXPECT_FALSE(found.canWriteLogFolder);
+  EXPECT_EQ(found.freeBytes, 0U);
 }
 
 TEST(LiveMachine, RefusesALogFolderThatThePluginHasNoRoomFor) {

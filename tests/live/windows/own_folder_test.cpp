@@ -9,6 +9,7 @@
 
 #include "host/live/live.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/windows/changed_variable.h"
 
 namespace test {
 namespace {
@@ -65,6 +66,28 @@ TEST(DefaultLogFolder, IsInTheUsersOwnPlaceWhereTheCurrentFolderHasNone) {
   const fs::path elsewhere = host::FindDefaultLogFolder();
   fs::current_path(before);
   EXPECT_EQ(elsewhere, fs::path(_wgetenv(L"LOCALAPPDATA")) / "pqhost" / "logs");
+}
+
+TEST(DefaultLogFolder, IsInTheCurrentFolderWhereTheUserHasNoOwnPlace) {
+  const TemporaryFolder folder;
+  folder.Write("logs", "a file in its place");
+  const fs::path before = fs::current_path();
+  fs::current_path(folder.Path());
+  const ChangedVariable place(L"LOCALAPPDATA", L"");
+  const fs::path logs = host::FindDefaultLogFolder();
+  EXPECT_EQ(logs, fs::current_path() / "logs");
+  fs::current_path(before);
+}
+
+TEST(DefaultLogFolder, IsTheCurrentFoldersWhereTheUserMadeIt) {
+  const TemporaryFolder folder;
+  const fs::path before = fs::current_path();
+  fs::current_path(folder.Path());
+  EXPECT_EQ(host::CreateOwnFolder("logs"), 0U);
+  const fs::path logs = host::FindDefaultLogFolder();
+  EXPECT_EQ(logs, fs::current_path() / "logs");
+  EXPECT_TRUE(fs::is_empty(logs));
+  fs::current_path(before);
 }
 
 TEST(DefaultLogFolder, IsCreatedForTheUserAlone) {
