@@ -81,9 +81,9 @@ TEST(OutsideFunction, FailsTheQueryWithItsOwnWords) {
   database.AddFunction("refuse", [](const SqlValue&) -> SqlValue {
     throw std::runtime_error("there is no such wheel");
   });
-  EXPECT_THAT([&] { AskOutside(database, "SELECT refuse(1)"); },
-              testing::ThrowsMessage<host::DatabaseError>(
-                  testing::HasSubstr("there is no such wheel")));
+  EXPECT_THAT(
+      [&] { AskOutside(database, "SELECT refuse(1)"); },
+      testing::ThrowsMessage<host::DatabaseError>(testing::HasSubstr("there is no such wheel")));
 }
 
 // SQLite, through which nothing may be thrown, has words for it.

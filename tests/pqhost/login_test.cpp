@@ -23,8 +23,8 @@ class LoginSourceTest : public testing::Test {
   void GiveFile(const std::string& bytes) {
     folder.Write("login", bytes);
     options.amtLogin = folder.Path() / "login";
-    std::filesystem::permissions(
-        *options.amtLogin, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+    std::filesystem::permissions(*options.amtLogin, std::filesystem::perms::owner_read |
+                                                        std::filesystem::perms::owner_write);
   }
 
   /// All that the module gets to read.

@@ -7,32 +7,14 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <cstdlib>
-#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "tests/support/posix/changed_variable.h"
+
 namespace host {
 namespace {
-
-/// A variable of the environment, until the test ends.
-class ChangedVariable {
- public:
-  ChangedVariable(const char* name, const char* value) : name(name) {
-    if (const char* old = std::getenv(name)) before = old;
-    Set(value);
-  }
-  ~ChangedVariable() { Set(before ? before->c_str() : nullptr); }
-
- private:
-  void Set(const char* value) const {
-    value == nullptr ? unsetenv(name) : setenv(name, value, 1);
-  }
-
-  const char* name;
-  std::optional<std::string> before;
-};
 
 /// Facts of a program whose `streams` are a terminal of so many columns.
 TerminalFacts PrepareOnTerminal(const std::vector<int>& streams, unsigned short columns) {
@@ -63,8 +45,8 @@ TerminalFacts PrepareOnTerminal(const std::vector<int>& streams, unsigned short 
 
 class TerminalTest : public testing::Test {
  protected:
-  const ChangedVariable noColor{"NO_COLOR", nullptr};
-  const ChangedVariable term{"TERM", "xterm"};
+  const test::ChangedVariable noColor{"NO_COLOR", nullptr};
+  const test::ChangedVariable term{"TERM", "xterm"};
 };
 
 TEST_F(TerminalTest, IsAsWideAsItSays) {
@@ -100,14 +82,14 @@ TEST_F(TerminalTest, HasNoWidthWhereThereIsNone) {
 
 TEST_F(TerminalTest, HasNoColorsForWhoWantsNone) {
   {
-    const ChangedVariable unwanted("NO_COLOR", "1");
+    const test::ChangedVariable unwanted("NO_COLOR", "1");
     EXPECT_FALSE(PrepareOnTerminal({STDOUT_FILENO}, 80).colors);
   }
   {
-    const ChangedVariable blank("NO_COLOR", "");
+    const test::ChangedVariable blank("NO_COLOR", "");
     EXPECT_TRUE(PrepareOnTerminal({STDOUT_FILENO}, 80).colors);
   }
-  const ChangedVariable dumb("TERM", "dumb");
+  const test::ChangedVariable dumb("TERM", "dumb");
   EXPECT_FALSE(PrepareOnTerminal({STDOUT_FILENO}, 80).colors);
 }
 
