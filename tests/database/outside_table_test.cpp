@@ -1,9 +1,14 @@
 #include "host/database/outside_table.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
+#include <cstdint>
 #include <new>
+#include <optional>
+#include <stdexcept>
 #include <string>
+#include <string_view>
+#include <variant>
 #include <vector>
 
 #include "host/database/prepared_query.h"
@@ -49,6 +54,36 @@ TEST(OutsideTable, IsReadWhereItIs) {
   EXPECT_EQ(AskOutside(database, "SELECT name FROM wheels WHERE size < 7"), "spare|");
   EXPECT_EQ(AskOutside(database, "SELECT count(*) FROM wheels a JOIN wheels b ON a.name = b.name"),
             "3|");
+}
+
+TEST(OutsideTable, HasNumberedRows) {
+  const std::vector<Wheel> wheels{{"left", 7}, {"right", 5}};
+  Database database;
+  database.AddTable(MakeWheels(wheels));
+  EXPECT_EQ(AskOutside(database, "SELECT rowid, name FROM wheels ORDER BY size"),
+            "2|right|1|left|");
+}
+
+TEST(OutsideFunction, TakesValuesOfEachKind) {
+  Database database;
+  std::vector<SqlValue> taken;
+  database.AddFunction("same", [&](const SqlValue& value) {
+    if (!std::holds_alternative<std::string_view>(value)) taken.push_back(value);
+    return value;
+  });
+  EXPECT_EQ(AskOutside(database, "SELECT same(-7), same(0.5), same('a'), same(NULL)"),
+            "-7|0.5|a||");
+  EXPECT_EQ(taken, (std::vector<SqlValue>{std::int64_t{-7}, 0.5, SqlValue()}));
+}
+
+TEST(OutsideFunction, FailsTheQueryWithItsOwnWords) {
+  Database database;
+  database.AddFunction("refuse", [](const SqlValue&) -> SqlValue {
+    throw std::runtime_error("there is no such wheel");
+  });
+  EXPECT_THAT(
+      [&] { AskOutside(database, "SELECT refuse(1)"); },
+      testing::ThrowsMessage<host::DatabaseError>(testing::HasSubstr("there is no such wheel")));
 }
 
 // SQLite, through which nothing may be thrown, has words for it.
