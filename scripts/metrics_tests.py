@@ -137,7 +137,7 @@ def check_timer(folder):
     collector.mkdir()
     shutil.copytree(SAMPLES / "bmc-unreachable", spool / "node31")
     service = (EXAMPLES / "pqhost-metrics@.service").read_text()
-    for there, here in (("/usr/local/bin/pqhost", PQHOST), ("/var/spool/pqhost", spool),
+    for there, here in (("/usr/bin/pqhost", PQHOST), ("/var/spool/pqhost", spool),
                         ("/var/lib/prometheus/node-exporter", collector)):
         expect(there in service, f"the service does not name {there}")
         service = service.replace(there, str(here))
