@@ -53,9 +53,9 @@ std::size_t CountPercent(std::string_view text, char c) {
 bool IsBeyondAscii(char c) { return (c & 0x80) != 0; }
 
 /// Beyond ASCII, the character depends on a code page: any will do that an alphabet of Europe or
-/// its neighbours has.
+/// its neighbours has. Theirs end with Arabic; those beyond would take a line's end for a half.
 bool IsUtf16(char low, char high, char c) {
-  constexpr unsigned char kBehindAlphabets = 0x20;
+  constexpr unsigned char kBehindAlphabets = 0x07;
   if (!IsBeyondAscii(c)) return high == 0 && LowerCase(low) == c;
   return high == 0 ? IsBeyondAscii(low) : static_cast<unsigned char>(high) < kBehindAlphabets;
 }

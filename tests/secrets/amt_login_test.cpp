@@ -106,6 +106,12 @@ TEST(PasswordInAReport, IsHiddenInUtf16) {
             Widen("<***>"));
 }
 
+TEST(PasswordInAReport, IsNotHiddenInUtf16AcrossTheEndOfALine) {
+  // Read as UTF-16 with the high half first, "\r" and "\n" would be the high halves of letters.
+  const std::string log = "b\x01\x02\x03\x04\x05\x06\x05\r\nb\r\n";
+  EXPECT_EQ(Hide(log, "b\xD5\xD5\xD5\xD5\xD5"), log);
+}
+
 TEST(PasswordInAReport, IsHiddenInBase64WhereverItStandsThere) {
   // The password, and one to three letters with a colon before it.
   EXPECT_EQ(Hide("TGFudGVybi01Mg==", "Lantern-52"), "***==");

@@ -18,7 +18,10 @@ constexpr char kGoodEnclosure[] = "OK";
 /// `label` is that of `told` in lower case.
 void LearnEnclosureFact(Enclosure& enclosure, const std::string& label, const LabelledValue& told,
                         const Place& at) {
-  if (label == "model") enclosure.product = told.value;
+  if (label == "model") {
+    enclosure.product = told.value;
+    NotePlace(enclosure, "product", at);
+  }
   const bool isFan = label.starts_with("fan ");
   const bool isPowerSupply = label.starts_with("power supply ");
   if (!isFan && !isPowerSupply && !label.starts_with("temperature ")) return;

@@ -467,6 +467,7 @@ TEST(ArcconfConfig, TellsAnEnclosuresElementsThatAreNotWell) {
   const host::Enclosure& enclosure = parts.enclosures.at(0);
   EXPECT_EQ(enclosure.id, "mchp1 e2,0");
   EXPECT_EQ(enclosure.product, "SAS2X");
+  EXPECT_EQ(FindPlace(enclosure, "product").line, enclosure.readAt.line + 3);
   EXPECT_EQ(enclosure.fans, Integer(1));
   EXPECT_EQ(enclosure.powerSupplies, Integer(1));
   EXPECT_EQ(enclosure.state,
