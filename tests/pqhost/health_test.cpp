@@ -251,6 +251,20 @@ TEST_F(HealthOfRecordings, JudgesTheOthersWhenOneCannotBeRead) {
   EXPECT_EQ(Judge({}).exitCode, 3);
 }
 
+TEST_F(HealthOfRecordings, WritesCsvOfAll) {
+  Break();
+  const HostRun run = Judge({"--format", "csv"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_THAT(run.out, HasSubstr("\r\nbroken,,,unknown,"));
+  EXPECT_THAT(run.out, HasSubstr("\r\nhba-only,,,ok,"));
+  EXPECT_THAT(run.out, HasSubstr("\r\ntwo-socket-server,NODE31,NGR208-0031,warning,"));
+}
+
+TEST_F(HealthOfRecordings, TellsWhichOneIsDoubtful) {
+  Write("hba-only/submission.json", "{");
+  EXPECT_THAT(Judge({"--brief"}).error, HasSubstr("pqhost: hba-only: submission.json"));
+}
+
 // It may be half of a recording that is still on its way.
 TEST_F(HealthOfRecordings, KnowsNothingOfAFolderWithoutADescription) {
   std::filesystem::remove_all(folder / "two-socket-server");
@@ -365,6 +379,18 @@ TEST(HealthCommand, WritesNoDatabaseToATerminal) {
 TEST(HealthCommand, WritesCsvOfOneMachineAsOfSeveral) {
   EXPECT_THAT(JudgeSample("hba-only", {"--format", "csv"}).out,
               EndsWith("\r\nhba-only,,,ok,2026-11-18T14:02:55,,,,,,,,,,,,,,\r\n"));
+}
+
+TEST(HealthCommand, WritesCsvOfWhatCannotBeRead) {
+  const HostRun run = RunHost({"health", "--replay", "nowhere", "--format", "csv"});
+  EXPECT_EQ(run.exitCode, 3);
+  EXPECT_THAT(run.out, HasSubstr("\r\nnowhere,,,unknown,"));
+}
+
+TEST(HealthCommand, ListsItsRules) {
+  const HostRun run = RunHost({"health", "--list-rules"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_THAT(run.out, HasSubstr("drive.media-errors"));
 }
 
 TEST(CollectCommand, BeginsWithTheVerdictOnATerminal) {

@@ -108,6 +108,21 @@ TEST(ValueLabels, AnnounceValues) {
   EXPECT_THAT(ByLabel("Remote control     User \"ops-jan\" opened a session"),
               ElementsAre("person ops-jan"));
   EXPECT_THAT(ByLabel("Host Name = NODE31.acme.local"), ElementsAre("host NODE31", "host acme"));
+  // A capital begins a word of its own.
+  EXPECT_THAT(ByLabel("targetHostName=NODE31"), ElementsAre("host NODE31"));
+}
+
+TEST(ValueLabels, AnnounceAWordWhereAnotherLabelFollows) {
+  EXPECT_THAT(ByLabel("Serial Number: KV0341 Model: x"), ElementsAre("serial KV0341"));
+}
+
+TEST(ValueLabels, EndWithTheText) {
+  EXPECT_THAT(ByLabel("Drive serial "), IsEmpty());
+  EXPECT_THAT(ByLabel("User 'ops-jan"), IsEmpty());
+  EXPECT_THAT(ByLabel("User 'ops\njan'"), IsEmpty());
+  EXPECT_THAT(ByLabel("User 'ops-jan' left"), ElementsAre("person ops-jan"));
+  EXPECT_THAT(ByLabel("=KV0341"), IsEmpty());
+  EXPECT_THAT(ByLabel("serial KV0341-2"), ElementsAre("serial KV0341-2"));
 }
 
 TEST(ValueLabels, AnnounceNothing) {
@@ -132,6 +147,17 @@ TEST(ValuePlaces, HaveNames) {
                       "vmstore      D:\\Acme Corp\\vm   Remark\nIPC$                 Remote IPC\n",
                       TextPlace::kShares),
               ElementsAre("path vmstore", "path Acme Corp"));
+  EXPECT_THAT(
+      ByPlace("------\nqueue$       LPT1:          Spooled\n  more\nx\nacmevm  D:\\acme3 \r\n",
+              TextPlace::kShares),
+      ElementsAre("path queue$", "path acmevm", "path acme3"));
+}
+
+TEST(ValuePlaces, HaveNoNamesInOtherLines) {
+  EXPECT_THAT(ByPlace("\n  Proto  Local\n  TCP    *\n  ICMP  fileclient07:1 fileclient08:2 x\n"
+                      "  UDP    fileclient07   fileclient08:1\r\n",
+                      TextPlace::kConnections),
+              ElementsAre("host fileclient08"));
 }
 
 TEST(ValuePlaces, HaveLogins) {
@@ -143,6 +169,12 @@ TEST(ValuePlaces, HaveLogins) {
   EXPECT_THAT(ByPlace("--user=opsuser --password Lantern-52", TextPlace::kArguments),
               ElementsAre("login opsuser", "password Lantern-52"));
   EXPECT_THAT(ByPlace("/c0/eall/sall show all", TextPlace::kArguments), IsEmpty());
+  // What is one letter may have its value in the same word.
+  EXPECT_THAT(ByPlace("sel -Nbmc-31 -Uopsuser -PLantern-52 -x -U", TextPlace::kArguments),
+              ElementsAre("host bmc-31", "login opsuser", "password Lantern-52"));
+  EXPECT_THAT(ByPlace("sel -N 192.0.2.40 --host=bmc-31", TextPlace::kArguments),
+              ElementsAre("host bmc-31"));
+  EXPECT_THAT(ByPlace("\n192.0.2.40\n", TextPlace::kConsole), IsEmpty());
 }
 
 }  // namespace
