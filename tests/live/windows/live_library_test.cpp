@@ -236,16 +236,18 @@ TEST(LiveMachine, HasNoDiskOfALogFolderOnADriveThatIsNotThere) {
 }
 
 TEST(LiveMachine, RefusesALogFolderThatThePluginHasNoRoomFor) {
+  const CurrentFolder current("refused");
   const std::filesystem::path folder =
-      BesideThisProgram("refused") / std::string(150, 'a') / std::string(100, 'b');
+      current.Path() / std::string(150, 'a') / std::string(100, 'b');
   EXPECT_THROW(host::PrepareLiveMachine(folder, host::FolderAccess::kInherited), host::LiveError);
-  EXPECT_FALSE(std::filesystem::exists(BesideThisProgram("refused")));
+  EXPECT_TRUE(std::filesystem::is_empty(current.Path()));
 }
 
 TEST(LiveMachine, RefusesALogFolderThatTheCodePageLacks) {
-  const std::filesystem::path folder = BesideThisProgram("refused") / L"\x0434\x4e2d";
+  const CurrentFolder current("refused");
+  const std::filesystem::path folder = current.Path() / L"\x0434\x4e2d";
   EXPECT_THROW(host::PrepareLiveMachine(folder, host::FolderAccess::kInherited), host::LiveError);
-  EXPECT_FALSE(std::filesystem::exists(BesideThisProgram("refused")));
+  EXPECT_TRUE(std::filesystem::is_empty(current.Path()));
 }
 
 }  // namespace
