@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds what is needed and shows a server's verdict and tables.
 #   ./run.sh            the recorded two-socket server, then this machine, through the Windows program
-#                       and library under Wine; one program, compiled for a first look
+#                       and library under Wine; one program, hardly optimised
 #   ./run.sh ARGS...    the native pqhost with these arguments
 set -euo pipefail
 cd "$(dirname "$0")"

@@ -4,7 +4,7 @@
 #   scripts/coverage.sh ROOM...     only the tests of these rooms, and only what these rooms hold
 #   scripts/coverage.sh --windows   the tests under Wine: what is for Windows alone, and host/live/
 #   scripts/coverage.sh --both      runs nothing: what the last run of all tests and the last one under Wine
-#                                   counted together, as code may have only Windows after it
+#                                   counted together, with what pqhost does with a live machine alone
 # Prints a line for each folder and the lines that nothing ran; all of it stays in build/coverage/report.txt.
 # Else code for Windows alone is left out; branches that only an exception takes always are.
 set -euo pipefail

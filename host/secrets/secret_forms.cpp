@@ -53,11 +53,12 @@ std::size_t CountPercent(std::string_view text, char c) {
 bool IsBeyondAscii(char c) { return (c & 0x80) != 0; }
 
 /// Beyond ASCII, the character depends on a code page: any will do that an alphabet of Europe or
-/// its neighbours has. Theirs end with Arabic; those beyond would take a line's end for a half.
+/// its neighbours has. A high half that ends a line is none of theirs: no secret reaches over it.
 bool IsUtf16(char low, char high, char c) {
-  constexpr unsigned char kBehindAlphabets = 0x07;
+  constexpr unsigned char kBehindAlphabets = 0x20;
   if (!IsBeyondAscii(c)) return high == 0 && LowerCase(low) == c;
-  return high == 0 ? IsBeyondAscii(low) : static_cast<unsigned char>(high) < kBehindAlphabets;
+  if (high == 0) return IsBeyondAscii(low);
+  return static_cast<unsigned char>(high) < kBehindAlphabets && high != '\r' && high != '\n';
 }
 
 std::size_t CountLittleEndian(std::string_view text, char c) {

@@ -104,6 +104,9 @@ TEST(PasswordInAReport, IsHiddenInUtf16) {
   EXPECT_EQ(Hide(WidenBigEndian("<LANTERN-52>"), "Lantern-52"), WidenBigEndian("<***>"));
   EXPECT_EQ(Hide(Widen("<") + std::string("\xB1\x03", 2) + Widen("-lantern>"), "\xE1-lantern"),
             Widen("<***>"));
+  // A letter of Thai.
+  EXPECT_EQ(Hide(Widen("<") + std::string("\x01\x0E", 2) + Widen("-lantern>"), "\xA1-lantern"),
+            Widen("<***>"));
 }
 
 TEST(PasswordInAReport, IsNotHiddenInUtf16AcrossTheEndOfALine) {
